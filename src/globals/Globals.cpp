@@ -1,0 +1,27 @@
+#include "globals/Globals.hpp"
+
+namespace Constants {
+double ZERO_DEPTH = 0.0;
+}
+
+namespace Globals {
+bool displayMessage = true;
+std::string g_outputPath;
+double t = 0.0;
+double dt = 0.0;
+std::ofstream spyFile;
+}  // namespace Globals
+
+namespace Globals_Params {
+double tStart = 0.0;
+double tEnd = 0.0;
+}  // namespace Globals_Params
+
+namespace Globals_Sed {
+double g_d50 = 0.0;
+double g_sedimentsDensity = 0.0;
+double g_sedimentsManning = 0.0;
+double g_sedimentsPorosity = 0.0;
+}  // namespace Globals_Sed
+
+std::string _dataFile;

@@ -1,0 +1,74 @@
+#include "utils/MeshReader.hpp"
+
+namespace utils {
+
+namespace {
+
+constexpr int code_interior = -1;
+
+bool has_series_file(int code) { return code == -33 || code == -44; }
+bool has_value(int code) { return code == -3 || code == -4; }
+
+}  // namespace
+
+OutOfBoundsMeshReaderException::OutOfBoundsMeshReaderException(int number_of_elements)
+    : message_("The Reader tried to read more lines than the number of elements. "
+               "The number of elements is: " +
+               std::to_string(number_of_elements) + ".") {}
+
+const char* OutOfBoundsMeshReaderException::what() const noexcept { return message_.c_str(); }
+
+MeshReader::MeshReader(const std::string& name, const char* kind, std::size_t tokens_per_record)
+    : scanner_(name),
+      kind_(kind),
+      number_of_elements_(scanner_.read_count("number of records", tokens_per_record)) {}
+
+void MeshReader::begin_next_record() {
+  if (number_read_ >= number_of_elements_) {
+    throw OutOfBoundsMeshReaderException(number_of_elements_);
+  }
+  scanner_.begin_record(kind_, number_read_++, number_of_elements_);
+}
+
+std::vector<double> MeshReader::read_next_node(int n) {
+  static const char* const fields[] = {"x", "y", "z"};
+  begin_next_record();
+  std::vector<double> values;
+  for (int i = 0; i < n; ++i) {
+    values.push_back(scanner_.read_number(i < 3 ? fields[i] : "further coordinate"));
+  }
+  return values;
+}
+
+std::vector<int> MeshReader::read_next_cell(int n_nodes) {
+  begin_next_record();
+  const int k = scanner_.read_count("number of nodes", 1);
+  if (k < 3) scanner_.refuse("number of nodes", "at least 3");
+  std::vector<int> nodes(static_cast<std::size_t>(k));
+  for (int& node : nodes) node = scanner_.read_index("node", n_nodes);
+  return nodes;
+}
+
+EdgeRecord MeshReader::read_next_edge(int n_nodes, int n_cells) {
+  begin_next_record();
+  const int left = scanner_.read_index("left cell", n_cells);
+  const int right = scanner_.read_integer("right cell");
+  if (right >= n_cells) {
+    scanner_.refuse("right cell", "an index from 0 to " + std::to_string(n_cells - 1) +
+                                      ", or -1 on a boundary");
+  }
+  const int node1 = scanner_.read_index("node 1", n_nodes);
+  const int node2 = scanner_.read_index("node 2", n_nodes);
+  const int code = scanner_.read_integer("boundary code");
+  if (code == code_interior && right < 0) {
+    scanner_.refuse("boundary code", "a boundary condition, since the edge has no right cell");
+  }
+  if (code == code_interior && right == left) {
+    scanner_.refuse("boundary code", "two different cells on the sides of an interior edge");
+  }
+  const std::string file = has_series_file(code) ? scanner_.read_word("time-series file") : "";
+  const double value = has_value(code) ? scanner_.read_number("imposed value") : 0.0;
+  return {left, right, node1, node2, code, value, file};
+}
+
+}  // namespace utils

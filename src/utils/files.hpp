@@ -1,0 +1,27 @@
+// File names, input files, and the lines that go to the log.
+#pragma once
+
+#include <fstream>
+#include <string>
+
+namespace utils {
+
+/// Opens a file for reading; ends the run with a message if that is impossible.
+std::ifstream open_input_file(const std::string& name);
+
+/// The part of a name before its last "."; the whole name without one.
+std::string remove_extension(const std::string& name);
+/// The part of a name after its last "."; empty without one.
+std::string get_extension(const std::string& name);
+/// The part of a name before its last "/" or "\"; the whole name without one.
+std::string get_path(const std::string& name);
+/// Renames out.txt to out_old.txt, keeping an earlier result; a failure is ignored.
+void rename_old_file(const std::string& name);
+
+/// Writes a message, which carries its own line end, to the log, and to the console unless
+/// "-nodisplay" was given.
+void write_and_display(std::ostream& log, const std::string& message);
+/// Writes the line that separates the sections of the log.
+void print_delimitator(std::ostream& log);
+
+}  // namespace utils

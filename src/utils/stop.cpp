@@ -1,0 +1,39 @@
+#include "utils/stop.hpp"
+
+#include <cstdlib>
+#include <iostream>
+
+#include "globals/Globals.hpp"
+#include "globals/WriterHandoff.hpp"
+
+namespace utils {
+
+namespace {
+constexpr int shown_warnings = 10;
+}
+
+void stop(int status) {
+  std::cout.flush();
+  Handoff::join_all();
+  if (Globals::spyFile.is_open()) Globals::spyFile.close();
+  std::exit(status);
+}
+
+void fatal(const std::string& message, int status) {
+  std::cerr << message;
+  stop(status);
+}
+
+void warn(const std::string& message) { std::cerr << "Warning: " + message + "\n"; }
+
+RepeatedWarning::RepeatedWarning(std::string kind) : kind_(std::move(kind)) {}
+
+RepeatedWarning::~RepeatedWarning() {
+  if (count_ > shown_warnings) warn(std::to_string(count_ - shown_warnings) + " more " + kind_);
+}
+
+void RepeatedWarning::add(const std::string& message) {
+  if (++count_ <= shown_warnings) warn(message);
+}
+
+}  // namespace utils
