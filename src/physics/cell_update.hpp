@@ -1,0 +1,35 @@
+// Pieces of the explicit finite-volume update that both models share.
+#pragma once
+
+#include "physics/pointwise.hpp"
+
+namespace physics {
+
+/// Momentum source per unit of g h dt, turned into a change of unit discharge (m2/s).
+QM_HD inline double momentum_change(double source, double dt, double h) {
+  return source * ((dt * 9.81) * h);
+}
+
+/// Whether the sources turned a discharge round; a product of exactly 0 is no reversal.
+QM_HD inline bool is_reversed(double q_before, double q_after) { return q_before * q_after < 0.0; }
+
+/// Fastest velocity seen so far (m/s), kept as a vector, and deepest water (m).
+struct Maxima {
+  double h;
+  double u, v;
+};
+
+/// Maxima after a step that ended with depth h and unit discharges qx, qy.
+QM_HD inline Maxima updated_maxima(Maxima m, double h, double qx, double qy, double zero_depth) {
+  m.h = h > m.h ? h : m.h;
+  const bool wet = is_wet(h, zero_depth);
+  const double divisor = wet ? h : 1.0;
+  const double u = qx / divisor;
+  const double v = qy / divisor;
+  const bool faster = wet && u * u + v * v > m.u * m.u + m.v * m.v;
+  m.u = faster ? u : m.u;
+  m.v = faster ? v : m.v;
+  return m;
+}
+
+}  // namespace physics
