@@ -1,0 +1,51 @@
+#include "interfaces/GenericInterface.hpp"
+
+#include <cmath>
+
+#include "globals/Globals.hpp"
+
+GenericInterface::GenericInterface(ComputationalCell* left, ComputationalCell* right,
+                                   const MeshNode& a, const MeshNode& b)
+    : nodes{&a, &b}, cell_left(left), cell_right(right) {
+  length = a.horizontal_distance(b);
+  normal = MeshNode((b.y - a.y) / length, (a.x - b.x) / length, 0.0);
+}
+
+double GenericInterface::c(double h) { return physics::celerity(h, Constants::ZERO_DEPTH); }
+
+double GenericInterface::Fr(double q, double h) {
+  return physics::froude(q, h, Constants::ZERO_DEPTH);
+}
+
+double GenericInterface::Sigma(double q, double h) {
+  return physics::sigma(q, h, Constants::ZERO_DEPTH);
+}
+
+double GenericInterface::Mu(double qn, double qt, double h) {
+  return physics::mu(qn, qt, h, Constants::ZERO_DEPTH);
+}
+
+bool GenericInterface::With(const MeshNode* node_a, const MeshNode* node_b) const {
+  int matches = 0;
+  for (const MeshNode* node : nodes) {
+    if (node == node_a || node == node_b) ++matches;
+  }
+  return matches >= 2;
+}
+
+physics::EdgeSide GenericInterface::left_side() const {
+  return physics::to_edge_frame(water_above_bed_rock(*cell_left), edge(), Constants::ZERO_DEPTH);
+}
+
+void GenericInterface::set_left_slot(const physics::WaterSlot& slot, double hs) {
+  cell_left->fluxes[local_index_left].set_values(slot.h, slot.qx, slot.qy, hs, 0.0, 0.0);
+}
+
+void GenericInterface::set_right_slot(const physics::WaterSlot& slot, double hs) {
+  cell_right->fluxes[local_index_right].set_values(slot.h, slot.qx, slot.qy, hs, 0.0, 0.0);
+}
+
+physics::CellWater water_above_bed_rock(const ComputationalCell& cell) {
+  const HydraulicVariableSWE& U = cell.UVal();
+  return {U.h, U.qx, U.qy, cell.bed_rock_level, cell.free_surface_level};
+}

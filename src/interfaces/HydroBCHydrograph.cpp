@@ -1,0 +1,25 @@
+#include "interfaces/HydroBCHydrograph.hpp"
+
+#include "globals/Globals.hpp"
+#include "physics/boundary_discharge.hpp"
+
+HydroBCHydrograph::HydroBCHydrograph(ComputationalCell* cell, const MeshNode& a, const MeshNode& b,
+                                     const std::string& file)
+    : GenericInterface(cell, nullptr, a, b), series(TimeSeries::from_file(file)) {}
+
+int HydroBCHydrograph::GetCurrent() {
+  // Intended: at a sample time the interval that starts there (a limnigraph stays in the one that
+  // ends there).
+  while (current_index < series->last_interval() &&
+         Globals::t >= series->interval_end(current_index)) {
+    ++current_index;
+  }
+  return current_index;
+}
+
+void HydroBCHydrograph::Flux() {
+  q_imposed = series->value_at(Globals::t, GetCurrent());
+  set_left_slot(physics::boundary_slot(
+      edge(), physics::boundary_discharge(left_side(), q_imposed, qt_imposed,
+                                          Constants::ZERO_DEPTH)));
+}

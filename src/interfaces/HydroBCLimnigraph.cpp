@@ -1,0 +1,29 @@
+#include "interfaces/HydroBCLimnigraph.hpp"
+
+#include "globals/Globals.hpp"
+#include "physics/boundary_water_level.hpp"
+
+HydroBCLimnigraph::HydroBCLimnigraph(ComputationalCell* cell, const MeshNode& a, const MeshNode& b,
+                                     const std::string& file)
+    : GenericInterface(cell, nullptr, a, b), series(TimeSeries::from_file(file)) {
+  midpoint = (a + b) / 2.0;
+}
+
+int HydroBCLimnigraph::GetCurrent() {
+  // Intended: at a sample time the interval that ends there (a hydrograph is already in the one
+  // that starts there).
+  while (current_index < series->last_interval() &&
+         Globals::t > series->interval_end(current_index)) {
+    ++current_index;
+  }
+  return current_index;
+}
+
+void HydroBCLimnigraph::Flux() {
+  level_imposed = series->value_at(Globals::t, GetCurrent());
+  // Intended: over the bed with its sediments, whereas HydroBCWaterLevel counts from the bed rock.
+  h_imposed = level_imposed - cell_left->bed_level;
+  c_imposed = c(h_imposed);
+  set_left_slot(physics::boundary_slot(
+      edge(), physics::boundary_water_level(left_side(), h_imposed, Constants::ZERO_DEPTH)));
+}

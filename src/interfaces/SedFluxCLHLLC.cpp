@@ -1,0 +1,42 @@
+#include "interfaces/SedFluxCLHLLC.hpp"
+
+#include <atomic>
+#include <cmath>
+#include <sstream>
+
+#include "globals/Globals.hpp"
+#include "interfaces/cell_sediment.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+/// Said once per run, at the first cell where it happens.
+void warn_not_hyperbolic(const ComputationalCell& cell) {
+  static std::atomic<bool> has_warned = false;
+  if (has_warned.exchange(true)) return;
+  const HydraulicVariableSWE& U = cell.UVal();
+  std::ostringstream text;
+  text << "in cell " << cell.id << " (counted from 0) at t = " << Globals::t << " s, with depth "
+       << U.h << " m and velocity " << std::hypot(U.qx, U.qy) / U.h
+       << " m/s, the bed wave is outside the range in which the coupled system of water and bed is "
+          "hyperbolic; the bed is left out of the wave speeds there. This is said once.";
+  utils::warn(text.str());
+}
+
+physics::CellWater water_above_bed(const ComputationalCell& cell) {
+  physics::CellWater water = water_above_bed_rock(cell);
+  water.zb = cell.bed_level;
+  return water;
+}
+
+}  // namespace
+
+void SedFluxCLHLLC::Flux() {
+  const physics::CoupledSlotPair slots = physics::flux_clhllc(
+      water_above_bed(*cell_left), sediment_of(*cell_left), water_above_bed(*cell_right),
+      sediment_of(*cell_right), edge(), Globals_Sed::g_sedimentsPorosity, Constants::ZERO_DEPTH);
+  if (!slots.left_hyperbolic) warn_not_hyperbolic(*cell_left);
+  if (!slots.right_hyperbolic) warn_not_hyperbolic(*cell_right);
+  set_left_slot(slots.left.water, slots.left.hs);
+  set_right_slot(slots.right.water, slots.right.hs);
+}

@@ -1,0 +1,116 @@
+#include "model/ComputationalCell.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "globals/Globals.hpp"
+#include "interfaces/GenericInterface.hpp"
+#include "physics/stable_step.hpp"
+#include "sources/SourceTerm.hpp"
+
+ComputationalCell::ComputationalCell(std::vector<const MeshNode*> vertices)
+    : nodes(std::move(vertices)),
+      n_nodes(static_cast<int>(nodes.size())),
+      max_node_level(-1e20),
+      min_node_level(1e20) {
+  param.last_update_time = Globals_Params::tStart;
+  double sum = 0.0;
+  for (const MeshNode* node : nodes) {
+    sum += node->z;
+    if (node->z > max_node_level) max_node_level = node->z;
+    if (node->z < min_node_level) min_node_level = node->z;
+  }
+  bed_rock_level = sum / n_nodes;
+  bed_level = bed_rock_level;
+  center = compute_center();
+  area = compute_area();
+  perimeter = compute_perimeter();
+  char_length = 2.0 * area / perimeter;
+}
+
+ComputationalCell::ComputationalCell(int index, std::vector<const MeshNode*> vertices)
+    : ComputationalCell(std::move(vertices)) {
+  id = index;
+}
+
+MeshNode ComputationalCell::compute_center() const {
+  MeshNode sum;
+  for (const MeshNode* node : nodes) sum += *node;
+  return sum / n_nodes;
+}
+
+double ComputationalCell::compute_area() const {
+  // Intended: absolute values make the area independent of the orientation of the vertices; a
+  // signed sum would not be.
+  double sum = 0.0;
+  for (int i = 0; i < n_nodes; ++i) {
+    const MeshNode& a = *get_node(i);
+    const MeshNode& b = *next_node(i);
+    const double twice_area = center.x * a.y + a.x * b.y + b.x * center.y - a.x * center.y -
+                              center.x * b.y - b.x * a.y;
+    sum += std::fabs(twice_area) / 2.0;
+  }
+  return sum;
+}
+
+double ComputationalCell::compute_perimeter() const {
+  double sum = 0.0;
+  for (int i = 0; i < n_nodes; ++i) sum += get_node(i)->horizontal_distance(*next_node(i));
+  return sum;
+}
+
+void ComputationalCell::add_interface(GenericInterface* interface) {
+  interfaces.push_back(interface);
+  fluxes.emplace_back();
+}
+
+void ComputationalCell::sort_interfaces_by_tag() {
+  std::sort(interfaces.begin(), interfaces.end(),
+            [](const GenericInterface* a, const GenericInterface* b) { return a->tag < b->tag; });
+}
+
+void ComputationalCell::set_local_index_to_edges() {
+  for (std::size_t k = 0; k < interfaces.size(); ++k) {
+    GenericInterface& interface = *interfaces[k];
+    if (interface.cell_left->id == id) {
+      interface.local_index_left = k;
+    } else {
+      interface.local_index_right = k;
+    }
+  }
+}
+
+void ComputationalCell::set_hydrodynamic_values(double zs, double qx, double qy) {
+  free_surface_level = zs;
+  const double h = std::max(zs - bed_level, 0.0);
+  if (h < Constants::ZERO_DEPTH) {
+    U.set_values(h, 0.0, 0.0);  // a film of water is kept, its discharges are not
+  } else {
+    U.set_values(h, qx, qy);
+  }
+}
+
+void ComputationalCell::set_bed_rock_level(double z) {
+  bed_rock_level = z;
+  bed_level = z;
+}
+
+void ComputationalCell::set_hs(double hs) {
+  U.hs = hs;
+  bed_level += hs;
+}
+
+void ComputationalCell::compute_source() {
+  for (SourceTerm* term : source_terms) term->compute_source_term(Globals::t, S, U, param);
+}
+
+double ComputationalCell::dtMin() const {
+  return physics::stable_step(U.h, U.qx, U.qy, char_length, Constants::ZERO_DEPTH);
+}
+
+HydraulicVariableSWE ComputationalCell::flux_balance() const {
+  HydraulicVariableSWE sum;
+  const std::size_t counted = std::min<std::size_t>(fluxes.size(), 3);
+  for (std::size_t k = 0; k < counted; ++k) sum += fluxes[k];
+  return sum;
+}

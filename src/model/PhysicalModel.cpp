@@ -1,0 +1,100 @@
+#include "model/PhysicalModel.hpp"
+
+#include <cmath>
+#include <iostream>
+
+#include "globals/Globals.hpp"
+#include "globals/WriterHandoff.hpp"
+#include "physics/stable_step.hpp"
+#include "utils/stop.hpp"
+
+PhysicalModel::~PhysicalModel() = default;
+
+void PhysicalModel::build_cell(int, const std::vector<const MeshNode*>&) {}
+void PhysicalModel::setSedimentsParam(utils::TextScanner&) {}
+void PhysicalModel::setSedimentsLevel(utils::TextScanner&) {}
+void PhysicalModel::setBankFailureParam(utils::TextScanner&) {}
+void PhysicalModel::setBankFailureFixedBanks(utils::TextScanner&) {}
+void PhysicalModel::build_interface(int, int, int, int, const MeshNode&, const MeshNode&, int,
+                                    double, const std::string&) {}
+void PhysicalModel::computeFiniteVolumeBalance() {}
+void PhysicalModel::printPicture(const std::string&) {}
+
+double PhysicalModel::computeFlowStep() {
+  std::cout << "I am in PhysicalModel::computeFlowStep(), this is not correct!" << std::endl;
+  return 0.0;
+}
+
+double PhysicalModel::advance_one_step() {
+  computeFluxes();
+  Handoff::wait_for_copies();
+  computeSourceTerms();
+  computeFiniteVolumeBalance();
+  return dtMin();
+}
+
+void PhysicalModel::computeFluxes() {
+  for (const auto& interface : interfaces) interface->Flux();
+}
+
+void PhysicalModel::computeSourceTerms() {
+  for (const auto& cell : cells) cell->compute_source();
+}
+
+double PhysicalModel::dtMin() {
+  const double zero_depth = Constants::ZERO_DEPTH;
+  const double dt_dry = physics::stable_step_dry(char_length_min, h0);
+  double dt = physics::unbounded_step;
+  for (const auto& cell : cells) {
+    if (cell->U.h <= zero_depth) {
+      if (dt_dry < dt && h0 > zero_depth) dt = dt_dry;
+    } else {
+      const double step = cell->dtMin();
+      if (step < dt) dt = step;
+    }
+  }
+  // No wet cell, and a dry initial state.
+  if (dt == physics::unbounded_step) dt = char_length_min / 10.0;
+  return dt;
+}
+
+void PhysicalModel::findH0() {
+  h0 = 0.0;
+  for (const auto& cell : cells) {
+    if (cell->U.h > h0) h0 = cell->U.h;
+  }
+}
+
+void PhysicalModel::calculateCharLengthMin() {
+  char_length_min = 1e20;
+  for (const auto& cell : cells) {
+    if (cell->char_length < char_length_min) char_length_min = cell->char_length;
+  }
+}
+
+const ComputationalCell* PhysicalModel::limiting_cell() const {
+  const ComputationalCell* slowest = nullptr;
+  const ComputationalCell* smallest = nullptr;
+  double step = physics::unbounded_step;
+  for (const auto& cell : cells) {
+    if (!std::isfinite(cell->U.h + cell->U.qx + cell->U.qy)) return cell.get();
+    if (cell->dtMin() < step) {
+      step = cell->dtMin();
+      slowest = cell.get();
+    }
+    if (smallest == nullptr || cell->char_length < smallest->char_length) smallest = cell.get();
+  }
+  return slowest != nullptr ? slowest : smallest;
+}
+
+void PhysicalModel::append_interface(std::unique_ptr<GenericInterface> interface, int edge,
+                                     int left, int right) {
+  interface->tag = edge;
+  cells[static_cast<std::size_t>(left)]->add_interface(interface.get());
+  if (right >= 0) cells[static_cast<std::size_t>(right)]->add_interface(interface.get());
+  interfaces.push_back(std::move(interface));
+}
+
+void PhysicalModel::refuse_boundary_code(int code) {
+  utils::fatal("Boundary condition of type " + std::to_string(code) + " not defined!\n");
+}

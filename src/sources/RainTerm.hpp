@@ -1,0 +1,25 @@
+// Rain of one hyetogram, shared by the cells under it.
+#pragma once
+
+#include <vector>
+
+#include "sources/SourceTerm.hpp"
+#include "utils/TextScanner.hpp"
+
+class RainTerm : public SourceTerm {
+ public:
+  RainTerm() = default;
+  /// A hyetogram of `count` intervals, to be read, that rains in bursts of about `dts` seconds.
+  RainTerm(int id, int count, int dts);
+
+  /// Reads `count` pairs of start time (s) and intensity (m/s).
+  void read_hyetogram(utils::TextScanner& file, int count);
+  /// The last interval that has started at time t (s); the first one before every start.
+  int current_hyetogram_index(double t) const;
+
+  void compute_source_term(double t, HydraulicVariableSWE& source, HydraulicVariableSWE& state,
+                           ParamCell& param) override;
+
+  std::vector<double> times;        ///< s
+  std::vector<double> intensities;  ///< m/s
+};
