@@ -1,0 +1,88 @@
+// The one object of a run: set-up, time loop, point location, envelope, and the wiring of sources
+// and outputs.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "model/PhysicalModel.hpp"
+#include "output/CMonitorSection.hpp"
+#include "output/CPicture.hpp"
+#include "output/Gauge.hpp"
+#include "sources/RainTerm.hpp"
+
+class Domain {
+ public:
+  /// Builds the whole run from its data file.
+  explicit Domain(const std::string& dataFile);
+  /// Waits for the writers, which look at the cells.
+  ~Domain();
+  Domain(const Domain&) = delete;
+  Domain& operator=(const Domain&) = delete;
+
+  /// Advances the run from its start to its end.
+  void Update();
+  /// The cell that contains a point of the plane; null if there is none.
+  ComputationalCell* CellWithPoint(double x, double y) const;
+  /// Body of the envelope writer.
+  void Write_Umax();
+
+ private:
+  // Set-up.
+  void read_data_file(const std::string& dataFile);
+  void create_model();
+  void read_mesh();
+  void read_nodes(const std::string& name);
+  void read_cells(const std::string& name);
+  void read_edges(const std::string& name);
+  void read_cell_fields();
+  void report_and_check_sediments() const;
+  void set_source_terms();
+  void read_hyetograms(const std::string& path);
+  void read_infiltration(const std::string& path);
+  void set_outputs();
+  void set_other_parameters();
+  bool has_sediments() const { return model_name == "Bramsett"; }
+
+  // Time loop.
+  void fire_outputs();
+  void write_enveloppe_if_due();
+  void stop_on_collapsed_step() const;
+  void report_limiting_cell() const;
+  static void stop_if_writer_failed();
+  static void printTime(double t, int width, int precision);
+  static void eraseTime();
+
+  std::string simulation_name;
+  std::string nodes_file, cells_file, edges_file;
+  std::string initial_conditions_file;
+  std::string friction_file;
+  std::string fixed_bed_level_file, sediments_level_file;
+  std::string model_name = "Undefined";
+  std::unique_ptr<PhysicalModel> model;
+  double dt_enveloppe = 0.0;         ///< s
+  double next_enveloppe_time = 0.0;  ///< s
+  double dt_threshold = 1e-08;       ///< smallest acceptable time step, s
+  double cfl = 0.0;
+  int flux_scheme = 0;
+  bool is_pictures = false;
+  bool is_gauges = false;
+  bool is_discharges = false;
+  bool is_fixed_bed_level = false;
+  bool is_sediments_level = false;
+  bool is_friction = false;
+  bool is_rainfall = false;
+  bool is_infiltration = false;
+  bool is_initial_infiltration = false;
+  std::vector<double> umax_buffer;  ///< copy of the largest depths, m
+
+  std::string gauges_file, pictures_file, discharge_file;
+  std::string rainfall_file, hyetocells_file;
+  std::string infiltration_file, infiltracells_file, initial_infiltration_file;
+  std::unique_ptr<Gauge> gauge;
+  std::unique_ptr<CPicture> picture;
+  std::unique_ptr<CMonitorSection> monitor_section;
+  std::vector<std::unique_ptr<RainTerm>> hyetograms;
+  std::vector<std::unique_ptr<SourceTerm>> infiltrations;
+};

@@ -1,0 +1,62 @@
+// Set-up of the sediments: their parameters in the log, and checks of what they can mean.
+#include <algorithm>
+#include <sstream>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+std::string value_of(const std::string& key, double value) {
+  std::ostringstream text;
+  text << "\"" << key << "\" is " << value;
+  return text.str();
+}
+
+/// Without sediment in any cell a senseless parameter changes nothing: a warning will do.
+void refuse_or_warn(bool has_sediment, const std::string& message) {
+  if (has_sediment) utils::fatal("Error. " + message + "\n");
+  utils::warn(message);
+}
+
+void check_parameters(bool has_sediment) {
+  const double porosity = Globals_Sed::g_sedimentsPorosity;
+  if (!(porosity >= 0.0 && porosity < 1.0)) {
+    utils::fatal("Error. " + value_of("sediments porosity", porosity) +
+                 ", expected a number from 0 to less than 1.\n");
+  }
+  if (!(Globals_Sed::g_d50 > 0.0)) {
+    refuse_or_warn(has_sediment, value_of("sediments mean grain diameter", Globals_Sed::g_d50) +
+                                     " m, expected a positive diameter.");
+  }
+  const double density = Globals_Sed::g_sedimentsDensity;
+  if (!(density > 1.0)) {
+    refuse_or_warn(has_sediment, value_of("sediments density", density) +
+                                     ", expected more than 1: it is relative to water.");
+  }
+  if (density > 20.0) {
+    utils::warn(value_of("sediments density", density) +
+                ": it is relative to water; was it given in kg/m3?");
+  }
+}
+
+}  // namespace
+
+void Domain::report_and_check_sediments() const {
+  // Intended: the units after density and friction coefficient are those that readers of the log
+  // expect.
+  Globals::spyFile << "Sediment transport parameters: \n"
+                   << "  Sediments mean grain diameter: " << Globals_Sed::g_d50 << " m\t\n"
+                   << "  Sediments density: " << Globals_Sed::g_sedimentsDensity << " s\t\n"
+                   << "  Sediments friction coefficient: " << Globals_Sed::g_sedimentsManning
+                   << " s\t\n"
+                   << "  Sediments porosity: " << Globals_Sed::g_sedimentsPorosity << '\n';
+
+  const bool has_sediment = std::any_of(model->cells.begin(), model->cells.end(),
+                                        [](const auto& cell) { return cell->U.hs > 0.0; });
+  check_parameters(has_sediment);
+  if (has_sediment && !is_friction) {
+    utils::warn("the bed is mobile, but there is no friction file: no transport can occur.");
+  }
+}

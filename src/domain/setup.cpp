@@ -1,0 +1,193 @@
+// Set-up of a run: data file, model, cell fields, and the summary in the log.
+#include <filesystem>
+#include <iostream>
+#include <map>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "globals/WriterHandoff.hpp"
+#include "model/SWE.hpp"
+#include "model/SWE_Exner.hpp"
+#include "utils/DataFileReader.hpp"
+#include "utils/files.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+/// Codes of the flux schemes; a name that is not here has code 0.
+const std::map<std::string, int> flux_schemes = {{"LHLLC", 1}, {"Roe", 2}};
+
+}  // namespace
+
+Domain::Domain(const std::string& dataFile) {
+  read_data_file(dataFile);
+  std::ostream& log = Globals::spyFile;
+
+  log << "Name of the simulation:\n";
+  utils::write_and_display(log, simulation_name);
+  utils::write_and_display(log, "\n");
+  utils::print_delimitator(log);
+
+  log << "Generic parameters of the run: \n"
+      << "  Start time: " << Globals_Params::tStart << " s\t\n"
+      << "  End time: " << Globals_Params::tEnd << " s\t\n"
+      << "  Courant-Friedrichs-Lewy (CFL) number: " << cfl << "\n";
+  utils::print_delimitator(log);
+
+  create_model();
+  read_mesh();
+  read_cell_fields();
+  set_source_terms();
+  set_outputs();
+  set_other_parameters();
+}
+
+Domain::~Domain() { Handoff::join_all(); }
+
+void Domain::read_data_file(const std::string& dataFile) {
+  const utils::DataFileReader reader(dataFile);
+  simulation_name = reader.get_simulation_name();
+  Globals_Params::tStart = reader.get_start_time();
+  Globals_Params::tEnd = reader.get_end_time();
+  cfl = reader.get_CFL();
+  nodes_file = reader.get_nodes_file();
+  cells_file = reader.get_cells_file();
+  edges_file = reader.get_edges_file();
+  model_name = reader.get_model_name();
+  Constants::ZERO_DEPTH = reader.get_zero_depth_value();
+  const auto scheme = flux_schemes.find(reader.get_flux_scheme_name());
+  if (scheme != flux_schemes.end()) flux_scheme = scheme->second;
+
+  initial_conditions_file = reader.get_initial_hydrodynamic_conditions_file();
+  is_fixed_bed_level = reader.is_imposed_fixed_bed_level();
+  if (is_fixed_bed_level) fixed_bed_level_file = reader.get_fixed_bed_level_file();
+  is_friction = reader.is_imposed_friction();
+  if (is_friction) friction_file = reader.get_friction_file();
+
+  is_rainfall = reader.is_rainfall();
+  if (is_rainfall) {
+    rainfall_file = reader.get_rainfall_file();
+    hyetocells_file = reader.get_hyetocells_file();
+  }
+  is_infiltration = reader.is_infiltration();
+  if (is_infiltration) {
+    infiltration_file = reader.get_infiltration_file();
+    infiltracells_file = reader.get_infiltracells_file();
+  }
+  is_initial_infiltration = reader.is_initial_infiltration();
+  if (is_initial_infiltration) initial_infiltration_file = reader.get_initial_infiltration_file();
+
+  if (reader.is_sediments()) {
+    is_sediments_level = reader.is_imposed_sediments_level();
+    if (is_sediments_level) sediments_level_file = reader.get_sediments_level_file();
+    if (reader.is_sediments_parameters()) {
+      Globals_Sed::g_d50 = reader.get_sediments_mean_grain();
+      Globals_Sed::g_sedimentsDensity = reader.get_sediments_density();
+      Globals_Sed::g_sedimentsManning = reader.get_sediments_friction();
+      Globals_Sed::g_sedimentsPorosity = reader.get_sediments_porosity();
+    }
+  }
+
+  Globals::g_outputPath = reader.get_output_folder_path();
+  dt_enveloppe = reader.get_dt_enveloppe();
+  is_pictures = reader.is_pictures();
+  if (is_pictures) pictures_file = reader.get_pictures_file();
+  is_gauges = reader.is_gauges();
+  if (is_gauges) gauges_file = reader.get_gauges_file();
+  is_discharges = reader.is_discharge_check();
+  if (is_discharges) discharge_file = reader.get_discharge_file();
+}
+
+void Domain::create_model() {
+  std::ostream& log = Globals::spyFile;
+  log << "Parameters of the computational method: \n";
+  if (model_name == "Quillmere") {
+    log << "  Shallow-water equations - hydrodynamic\n";
+    model = std::make_unique<SWE>();
+  } else if (has_sediments()) {
+    log << "  Shallow-water/Exner equations - with sediments\n";
+    model = std::make_unique<SWE_Exner>();
+  } else {
+    // Intended: the text announces a fall-back, but no model is built and the run ends.
+    utils::write_and_display(log, "\n    Physical model code " + model_name +
+                                      " does not exist!\n    Fall-back to SWE.\n");
+  }
+  utils::print_delimitator(log);
+  if (!model) utils::fatal("Physical model not recognized\n");
+}
+
+void Domain::read_cell_fields() {
+  std::ostream& log = Globals::spyFile;
+  log << "Setting bed level, friction, initial conditions and model parameters\n";
+  // The depth is counted from the bed, so bed and sediments come before the initial conditions.
+  if (is_fixed_bed_level) {
+    utils::TextScanner file(fixed_bed_level_file);
+    model->setFixedBedLevel(file);
+    log << "  Fixed bed level (zbr) set from: " << fixed_bed_level_file << '\n';
+  }
+  if (has_sediments() && is_sediments_level) {
+    utils::TextScanner file(sediments_level_file);
+    model->setSedimentsLevel(file);
+    log << "  Sediment level set from: " << sediments_level_file << '\n';
+  }
+  if (is_friction) {
+    utils::TextScanner file(friction_file);
+    model->setFriction(file);
+    log << "  Friction parameters set from: " << friction_file << '\n';
+  }
+  utils::TextScanner file(initial_conditions_file);
+  model->setHydrodynamicConditions(file);
+  log << "  Hydrodynamic initial conditions read from: " << initial_conditions_file << '\n';
+  if (has_sediments()) report_and_check_sediments();
+  utils::print_delimitator(log);
+}
+
+void Domain::set_outputs() {
+  std::ostream& log = Globals::spyFile;
+  const std::string folder = utils::get_path(Globals::g_outputPath);
+  std::error_code ignored;
+  if (folder != Globals::g_outputPath && !folder.empty() &&
+      !std::filesystem::is_directory(folder, ignored)) {
+    utils::warn("the output folder " + folder + " does not exist: results will be lost.");
+  }
+
+  log << "Output parameters:\n";
+  next_enveloppe_time = Globals_Params::tStart;
+  log << "  Maximum values will be recorded every: " << dt_enveloppe << " s\n";
+  log << "  Gauges: ";
+  if (is_gauges) {
+    log << "positions read in " << gauges_file << '\n';
+    gauge = std::make_unique<Gauge>(
+        gauges_file, [this](double x, double y) { return CellWithPoint(x, y); },
+        Globals_Params::tStart);
+  } else {
+    log << "No gauges\n";
+  }
+  log << "  Pictures of the hydraulic state: ";
+  if (is_pictures) {
+    log << "times read in " << pictures_file << '\n';
+    picture = std::make_unique<CPicture>(pictures_file);
+  } else {
+    log << "No pictures\n";
+  }
+  log << "  Section where to measure the discharge: ";
+  if (is_discharges) {
+    log << "sections read in " << discharge_file << '\n';
+    monitor_section = std::make_unique<CMonitorSection>(discharge_file, model->interfaces,
+                                                        Globals_Params::tStart);
+  } else {
+    log << "No section to monitor\n";
+  }
+  utils::print_delimitator(log);
+}
+
+void Domain::set_other_parameters() {
+  std::ostream& log = Globals::spyFile;
+  log << "Other parameters:\n";
+  model->findH0();
+  model->calculateCharLengthMin();
+  log << "  Largest initial water depth (h0): " << model->h0 << '\n'
+      << "  Minimal characteristic length in a cell (min dx): " << model->char_length_min << '\n'
+      << "  ZERO depth: " << Constants::ZERO_DEPTH << '\n';
+  utils::print_delimitator(log);
+}

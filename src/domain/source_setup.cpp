@@ -1,0 +1,100 @@
+// Set-up of rain and infiltration.
+#include <iostream>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "sources/GreenAmptTerm.hpp"
+#include "sources/HortonTerm.hpp"
+#include "utils/files.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+template <class Term>
+std::vector<SourceTerm*> pointers_to(const std::vector<std::unique_ptr<Term>>& terms) {
+  std::vector<SourceTerm*> pointers;
+  for (const auto& term : terms) pointers.push_back(term.get());
+  return pointers;
+}
+
+std::unique_ptr<SourceTerm> read_green_ampt(utils::TextScanner& file, int id) {
+  const double Ks = file.read_number("hydraulic conductivity Ks");
+  const double psi = file.read_number("suction head psi");
+  const double theta_i = file.read_number("initial moisture content theta_i");
+  const double theta_s = file.read_number("saturated moisture content theta_s");
+  const double L = file.read_number("layer depth L");
+  const double kr = file.read_number("recovery rate kr");
+  return std::make_unique<GreenAmptTerm>(id, Ks, psi, theta_i, theta_s, L, kr);
+}
+
+std::unique_ptr<SourceTerm> read_horton(utils::TextScanner& file, int id) {
+  const double f0 = file.read_number("initial capacity f0");
+  const double fc = file.read_number("final capacity fc");
+  const double k = file.read_number("decay coefficient k");
+  const double Fmax = file.read_number("largest infiltration Fmax");
+  const double kr = file.read_number("recovery rate kr");
+  return std::make_unique<HortonTerm>(id, f0, fc, k, Fmax, kr);
+}
+
+}  // namespace
+
+void Domain::set_source_terms() {
+  std::ostream& log = Globals::spyFile;
+  log << "Setting source terms\n";
+  if (is_rainfall) {
+    read_hyetograms(rainfall_file);
+    log << "  Hyetograms set from: " << rainfall_file << '\n';
+    utils::TextScanner file(hyetocells_file);
+    model->set_source_term_by_ID(file, pointers_to(hyetograms));
+    log << "  Hyetocells set from: " << hyetocells_file << '\n';
+  }
+  if (is_infiltration) {
+    model->has_infiltration = true;
+    read_infiltration(infiltration_file);
+    log << "  Infiltration set from: " << infiltration_file << '\n';
+    utils::TextScanner file(infiltracells_file);
+    model->set_source_term_by_ID(file, pointers_to(infiltrations));
+    log << "  Infiltracells set from: " << infiltracells_file << '\n';
+  }
+  if (is_initial_infiltration) {
+    model->has_infiltration = true;
+    utils::TextScanner file(initial_infiltration_file);
+    model->set_initial_infiltration(file);
+    log << "  Initial infiltration set from: " << initial_infiltration_file << '\n';
+  }
+  utils::print_delimitator(log);
+}
+
+void Domain::read_hyetograms(const std::string& path) {
+  utils::TextScanner file(path);
+  const int count = file.read_count("number of hyetograms", 5);
+  hyetograms.reserve(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    file.begin_record("hyetogram", i, count);
+    const int id = file.read_integer("ID");
+    const int intervals = file.read_count("number of intervals", 2);
+    if (intervals < 1) file.refuse("number of intervals", "at least 1");
+    const int dts = file.read_integer("step");
+    hyetograms.push_back(std::make_unique<RainTerm>(id, intervals, dts));
+    hyetograms.back()->read_hyetogram(file, intervals);
+  }
+}
+
+void Domain::read_infiltration(const std::string& path) {
+  utils::TextScanner file(path);
+  const int count = file.read_count("number of soil classes", 7);
+  infiltrations.reserve(static_cast<std::size_t>(count));
+  for (int i = 0; i < count; ++i) {
+    file.begin_record("soil class", i, count);
+    const int id = file.read_integer("ID");
+    const std::string type = file.read_word("type");
+    if (type == "GreenAmpt") {
+      infiltrations.push_back(read_green_ampt(file, id));
+    } else if (type == "Horton") {
+      infiltrations.push_back(read_horton(file, id));
+    } else {
+      std::cout << "Infiltration type not recognized. Type: " << type << std::endl;
+      utils::stop(-1);
+    }
+  }
+}

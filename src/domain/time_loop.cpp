@@ -1,0 +1,78 @@
+// The time loop: outputs, progress, and the steps.
+#include <cmath>
+#include <iomanip>
+#include <iostream>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "globals/WriterHandoff.hpp"
+#include "utils/stop.hpp"
+
+void Domain::Update() {
+  constexpr int passes_between_displays = 10;
+  Globals::t = Globals_Params::tStart;
+  printTime(Globals::t, 8, 3);
+  int passes = 0;
+
+  Globals::dt = cfl * model->dtMin();
+  while (Globals::t < Globals_Params::tEnd) {
+    fire_outputs();
+    if (++passes > passes_between_displays) {
+      passes = 0;
+      eraseTime();
+      printTime(Globals::t, 8, 3);
+    }
+    stop_on_collapsed_step();
+    Globals::dt = cfl * model->computeFlowStep();
+    // Intended: the clock advances by the new step, not by the one just applied, and no step is
+    // shortened to meet an output time or the end.
+    Globals::t += Globals::dt;
+    stop_if_writer_failed();
+  }
+  Handoff::join_all();
+  stop_if_writer_failed();
+  eraseTime();
+  if (std::isnan(Globals::t)) {
+    std::cerr << "Error. The simulated time is not a number any more.\n";
+    report_limiting_cell();
+    utils::stop(-1);
+  }
+}
+
+void Domain::fire_outputs() {
+  if (is_gauges && gauge->CheckTime(Globals::t)) gauge->WriteMeasure();
+  if (is_pictures && picture->CheckTime(Globals::t, dt_threshold)) {
+    picture->WriteMeasure(model.get());
+  }
+  if (is_discharges && monitor_section->CheckTime(Globals::t)) monitor_section->WriteMeasure();
+  write_enveloppe_if_due();
+}
+
+void Domain::stop_on_collapsed_step() const {
+  if (!(Globals::dt <= dt_threshold)) return;
+  std::cerr << "dt too small!\n";
+  Globals::spyFile << "Simulation stopped at t = " << Globals::t << " s\n"
+                   << "Too small dt! dt = " << Globals::dt << " s\n";
+  report_limiting_cell();
+  utils::stop(-1);
+}
+
+void Domain::report_limiting_cell() const {
+  const ComputationalCell* const cell = model->limiting_cell();
+  if (cell == nullptr) return;
+  const HydraulicVariableSWE& U = cell->UVal();
+  std::cerr << "Limiting cell: " << cell->id << " (counted from 0), centre (" << std::setprecision(12)
+            << cell->center.x << ", " << cell->center.y << ") m" << std::setprecision(6)
+            << ", depth " << U.h << " m, velocity " << std::hypot(U.qx, U.qy) / U.h
+            << " m/s, characteristic length " << cell->char_length << " m\n";
+}
+
+void Domain::stop_if_writer_failed() {
+  if (Thread::has_failed) utils::stop(-1);
+}
+
+void Domain::printTime(double t, int width, int precision) {
+  std::cout << std::setw(width) << std::fixed << std::setprecision(precision) << t << std::flush;
+}
+
+void Domain::eraseTime() { std::cout << '\r'; }

@@ -1,0 +1,85 @@
+// Start-up of a run.
+#include <cmath>
+#include <ctime>
+#include <iostream>
+#include <limits>
+#include <string>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "main/credits.hpp"
+#include "main/usage.hpp"
+#include "utils/DataFileReader.hpp"
+#include "utils/InputParser.hpp"
+#include "utils/files.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+/// Takes the data file (asking for it if it is not given) and the console echo from the options.
+void parseInputs(utils::InputParser parser) {
+  _dataFile = parser.getCmdOption("-f");
+  if (_dataFile.empty()) {
+    std::cout << "Please provide the input data file name: ";
+    std::cin >> _dataFile;
+    std::cout << std::endl;
+  }
+  Globals::displayMessage = !parser.cmdOptionExists("-nodisplay");
+}
+
+void print_banner() {
+  std::ostream& log = Globals::spyFile;
+  utils::print_delimitator(log);
+  utils::write_and_display(log, "Welcome to Quillmere !\n");
+  utils::print_delimitator(log);
+  write_credits(log);
+  utils::print_delimitator(log);
+}
+
+/// Whole seconds, cut off towards zero.
+int whole_seconds(double seconds) {
+  constexpr double largest = std::numeric_limits<int>::max();
+  return std::fabs(seconds) <= largest ? static_cast<int>(seconds)
+                                       : std::numeric_limits<int>::max();
+}
+
+void run() {
+  Globals::spyFile.open("log.txt");
+  if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
+  Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
+  print_banner();
+
+  const utils::DataFileReader data_file(_dataFile);
+  Domain domain(_dataFile);
+
+  const std::time_t start = std::time(nullptr);
+  domain.Update();
+  const std::time_t end = std::time(nullptr);
+  utils::write_and_display(Globals::spyFile,
+                           "Total execution time: " + std::to_string(static_cast<long>(end - start)) +
+                               " sec. for " +
+                               std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
+                               " sec. of simulation.\n");
+  Globals::spyFile.close();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const utils::InputParser parser(argc, argv);
+    if (parser.cmdOptionExists("--help")) {
+      print_usage(std::cout);
+      return 0;
+    }
+    if (parser.cmdOptionExists("--version")) {
+      print_version(std::cout);
+      return 0;
+    }
+    parseInputs(parser);
+    run();
+    return 0;
+  } catch (const std::exception& error) {
+    utils::fatal(error.what() + std::string("\n"));
+  }
+}
