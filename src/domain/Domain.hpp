@@ -23,6 +23,8 @@ class Domain {
 
   /// Advances the run from its start to its end.
   void Update();
+  /// Steps computed so far.
+  long number_of_steps() const { return steps; }
   /// The cell that contains a point of the plane; null if there is none.
   ComputationalCell* CellWithPoint(double x, double y) const;
   /// Body of the envelope writer.
@@ -65,6 +67,7 @@ class Domain {
   double next_enveloppe_time = 0.0;  ///< s
   double dt_threshold = 1e-08;       ///< smallest acceptable time step, s
   double cfl = 0.0;
+  long steps = 0;
   int flux_scheme = 0;
   bool is_pictures = false;
   bool is_gauges = false;

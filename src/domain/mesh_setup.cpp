@@ -16,21 +16,23 @@ constexpr int no_edges_expected = 3;
 class EdgeWarnings {
  public:
   void check(const GenericInterface& edge, int right, int code) {
-    const std::string name = "edge " + std::to_string(edge.tag) + " (counted from 0)";
     if (!(edge.length > 0.0)) {
-      degenerate_.add(name + " has no length: its flux is not a number.");
+      degenerate_.add(name_of(edge) + " has no length: its flux is not a number.");
     } else if (points_into_left_cell(edge)) {
-      inward_.add(name + " has a normal that points into its left cell " +
+      inward_.add(name_of(edge) + " has a normal that points into its left cell " +
                   std::to_string(edge.cell_left->id) + "; list its two nodes the other way round.");
     }
     if (code != interface_code::interior && right >= 0) {
-      two_sided_.add(name + " has the boundary code " + std::to_string(code) +
+      two_sided_.add(name_of(edge) + " has the boundary code " + std::to_string(code) +
                      " and also a right cell " + std::to_string(right) +
                      ", which gets no flux through it.");
     }
   }
 
  private:
+  static std::string name_of(const GenericInterface& edge) {
+    return "edge " + std::to_string(edge.tag) + " (counted from 0)";
+  }
   static bool points_into_left_cell(const GenericInterface& edge) {
     const MeshNode middle = (*edge.nodes[0] + *edge.nodes[1]) / 2.0;
     const MeshNode& center = edge.cell_left->center;

@@ -3,8 +3,8 @@
 
 namespace {
 
-/// Whether the point p lies in the triangle (center, a, b). Strict comparisons: a triangle that runs
-/// counter-clockwise accepts its inside only, one that runs clockwise its sides too.
+/// Whether the point p lies in the triangle (center, a, b). Strict comparisons: a triangle that
+/// runs counter-clockwise accepts its inside only, one that runs clockwise its sides too.
 bool triangle_contains(const MeshNode& center, const MeshNode& node_a, const MeshNode& node_b,
                        double x, double y) {
   const MeshNode c(center.x - x, center.y - y, 0.0);

@@ -33,6 +33,9 @@ Domain::Domain(const std::string& dataFile) {
       << "  End time: " << Globals_Params::tEnd << " s\t\n"
       << "  Courant-Friedrichs-Lewy (CFL) number: " << cfl << "\n";
   utils::print_delimitator(log);
+  if (Constants::ZERO_DEPTH < 0.0) {
+    utils::warn("\"zero depth value\" is negative: cells without water count as wet.");
+  }
 
   create_model();
   read_mesh();

@@ -67,7 +67,7 @@ void Domain::set_source_terms() {
 
 void Domain::read_hyetograms(const std::string& path) {
   utils::TextScanner file(path);
-  const int count = file.read_count("number of hyetograms", 5);
+  const int count = file.read_count("number of hyetograms", 3);
   hyetograms.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     file.begin_record("hyetogram", i, count);
@@ -82,7 +82,7 @@ void Domain::read_hyetograms(const std::string& path) {
 
 void Domain::read_infiltration(const std::string& path) {
   utils::TextScanner file(path);
-  const int count = file.read_count("number of soil classes", 7);
+  const int count = file.read_count("number of soil classes", 2);
   infiltrations.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) {
     file.begin_record("soil class", i, count);

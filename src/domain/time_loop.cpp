@@ -24,6 +24,7 @@ void Domain::Update() {
     }
     stop_on_collapsed_step();
     Globals::dt = cfl * model->computeFlowStep();
+    ++steps;
     // Intended: the clock advances by the new step, not by the one just applied, and no step is
     // shortened to meet an output time or the end.
     Globals::t += Globals::dt;
@@ -61,9 +62,10 @@ void Domain::report_limiting_cell() const {
   const ComputationalCell* const cell = model->limiting_cell();
   if (cell == nullptr) return;
   const HydraulicVariableSWE& U = cell->UVal();
-  std::cerr << "Limiting cell: " << cell->id << " (counted from 0), centre (" << std::setprecision(12)
-            << cell->center.x << ", " << cell->center.y << ") m" << std::setprecision(6)
-            << ", depth " << U.h << " m, velocity " << std::hypot(U.qx, U.qy) / U.h
+  const double velocity = U.h != 0.0 ? std::hypot(U.qx, U.qy) / U.h : 0.0;
+  std::cerr << "Limiting cell: " << cell->id << " (counted from 0), centre ("
+            << std::setprecision(12) << cell->center.x << ", " << cell->center.y << ") m"
+            << std::setprecision(6) << ", depth " << U.h << " m, velocity " << velocity
             << " m/s, characteristic length " << cell->char_length << " m\n";
 }
 

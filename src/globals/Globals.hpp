@@ -25,10 +25,10 @@ extern double tEnd;    ///< end of the simulation, s
 }  // namespace Globals_Params
 
 namespace Globals_Sed {
-extern double g_d50;                 ///< mean grain diameter, m
-extern double g_sedimentsDensity;    ///< density of the sediment relative to water
-extern double g_sedimentsManning;    ///< friction coefficient, s/m^(1/3); reported, not used
-extern double g_sedimentsPorosity;   ///< porosity of the bed
+extern double g_d50;                ///< mean grain diameter, m
+extern double g_sedimentsDensity;   ///< density of the sediment relative to water
+extern double g_sedimentsManning;   ///< friction coefficient, s/m^(1/3); reported, not used
+extern double g_sedimentsPorosity;  ///< porosity of the bed
 }  // namespace Globals_Sed
 
 /// Path of the data file, from the command line or the prompt.

@@ -1,8 +1,7 @@
 #include "interfaces/GenericInterface.hpp"
 
-#include <cmath>
-
 #include "globals/Globals.hpp"
+#include "physics/section_discharge.hpp"
 
 GenericInterface::GenericInterface(ComputationalCell* left, ComputationalCell* right,
                                    const MeshNode& a, const MeshNode& b)
@@ -33,16 +32,27 @@ bool GenericInterface::With(const MeshNode* node_a, const MeshNode* node_b) cons
   return matches >= 2;
 }
 
+double GenericInterface::add_discharge(double Q) const {
+  const HydraulicVariableSWE& U = cell_left->UVal();
+  return physics::add_edge_discharge(Q, U.qx, U.qy, edge());
+}
+
 physics::EdgeSide GenericInterface::left_side() const {
   return physics::to_edge_frame(water_above_bed_rock(*cell_left), edge(), Constants::ZERO_DEPTH);
 }
 
-void GenericInterface::set_left_slot(const physics::WaterSlot& slot, double hs) {
-  cell_left->fluxes[local_index_left].set_values(slot.h, slot.qx, slot.qy, hs, 0.0, 0.0);
+void GenericInterface::set_left_slot(const physics::WaterSlot& slot) {
+  cell_left->fluxes[local_index_left].set_values(slot.h, slot.qx, slot.qy, 0.0, 0.0, 0.0);
 }
 
-void GenericInterface::set_right_slot(const physics::WaterSlot& slot, double hs) {
-  cell_right->fluxes[local_index_right].set_values(slot.h, slot.qx, slot.qy, hs, 0.0, 0.0);
+void GenericInterface::set_right_slot(const physics::WaterSlot& slot) {
+  cell_right->fluxes[local_index_right].set_values(slot.h, slot.qx, slot.qy, 0.0, 0.0, 0.0);
+}
+
+void GenericInterface::set_left_bed_slot(double hs) { cell_left->fluxes[local_index_left].hs = hs; }
+
+void GenericInterface::set_right_bed_slot(double hs) {
+  cell_right->fluxes[local_index_right].hs = hs;
 }
 
 physics::CellWater water_above_bed_rock(const ComputationalCell& cell) {

@@ -30,6 +30,9 @@ class GenericInterface {
   /// Whether both nodes of the edge are among the two given; identity counts, not coordinates.
   bool With(const MeshNode* node_a, const MeshNode* node_b) const;
 
+  /// Adds the edge's discharge along its normal (m3/s), from the state of its left cell, to Q.
+  double add_discharge(double Q) const;
+
   /// Normal and length as the formulas take them.
   physics::Edge edge() const { return {normal.x, normal.y, length}; }
 
@@ -46,9 +49,12 @@ class GenericInterface {
  protected:
   /// The left cell's water in the frame of the edge, over the bed rock.
   physics::EdgeSide left_side() const;
-  /// Writes the slot of a cell; `hs` is the inflow of bed, in m3/s.
-  void set_left_slot(const physics::WaterSlot& slot, double hs = 0.0);
-  void set_right_slot(const physics::WaterSlot& slot, double hs = 0.0);
+  /// Writes the slot of a cell, without sediment.
+  void set_left_slot(const physics::WaterSlot& slot);
+  void set_right_slot(const physics::WaterSlot& slot);
+  /// Adds the inflow of bed (m3/s) to a slot just written.
+  void set_left_bed_slot(double hs);
+  void set_right_bed_slot(double hs);
 };
 
 /// A cell's water above its bed rock, as fluxes read it.

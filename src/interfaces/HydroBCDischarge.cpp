@@ -5,6 +5,6 @@
 
 void HydroBCDischarge::Flux() {
   set_left_slot(physics::boundary_slot(
-      edge(), physics::boundary_discharge(left_side(), q_imposed, qt_imposed,
-                                          Constants::ZERO_DEPTH)));
+      edge(),
+      physics::boundary_discharge(left_side(), q_imposed, qt_imposed, Constants::ZERO_DEPTH)));
 }

@@ -1,12 +1,11 @@
 // Free outflow of water and sediment.
 #pragma once
 
-#include "interfaces/GenericInterface.hpp"
+#include "interfaces/HydroBCTransmissive.hpp"
 
-class SedBCTransmissive : public GenericInterface {
+class SedBCTransmissive : public HydroBCTransmissive {
  public:
-  SedBCTransmissive(ComputationalCell* cell, const MeshNode& a, const MeshNode& b)
-      : GenericInterface(cell, nullptr, a, b) {}
+  using HydroBCTransmissive::HydroBCTransmissive;
 
   void Flux() override;
 };

@@ -1,14 +1,8 @@
 #include "interfaces/SedBCWaterLevel.hpp"
 
 #include "interfaces/cell_sediment.hpp"
-#include "physics/boundary_water_level.hpp"
 
 void SedBCWaterLevel::Flux() {
-  // Intended: over the bed rock, not over the bed with its sediments.
-  h_imposed = level_imposed - cell_left->bed_rock_level;
-  c_imposed = c(h_imposed);
-  set_left_slot(
-      physics::boundary_slot(
-          edge(), physics::boundary_water_level(left_side(), h_imposed, Constants::ZERO_DEPTH)),
-      bed_slot(*cell_left, edge()));
+  HydroBCWaterLevel::Flux();
+  set_left_bed_slot(bed_slot(*cell_left, edge()));
 }

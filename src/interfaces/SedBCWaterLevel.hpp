@@ -1,17 +1,11 @@
 // Imposed free-surface level of the model with sediments.
 #pragma once
 
-#include "interfaces/GenericInterface.hpp"
+#include "interfaces/HydroBCWaterLevel.hpp"
 
-class SedBCWaterLevel : public GenericInterface {
+class SedBCWaterLevel : public HydroBCWaterLevel {
  public:
-  /// `level` in m.
-  SedBCWaterLevel(ComputationalCell* cell, const MeshNode& a, const MeshNode& b, double level)
-      : GenericInterface(cell, nullptr, a, b), level_imposed(level) {}
+  using HydroBCWaterLevel::HydroBCWaterLevel;
 
   void Flux() override;
-
-  double level_imposed;    ///< m
-  double h_imposed = 0.0;  ///< depth of the level over the bed rock at the last flux, m
-  double c_imposed = 0.0;  ///< celerity at that depth, m/s
 };

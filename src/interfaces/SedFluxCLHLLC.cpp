@@ -37,6 +37,8 @@ void SedFluxCLHLLC::Flux() {
       sediment_of(*cell_right), edge(), Globals_Sed::g_sedimentsPorosity, Constants::ZERO_DEPTH);
   if (!slots.left_hyperbolic) warn_not_hyperbolic(*cell_left);
   if (!slots.right_hyperbolic) warn_not_hyperbolic(*cell_right);
-  set_left_slot(slots.left.water, slots.left.hs);
-  set_right_slot(slots.right.water, slots.right.hs);
+  set_left_slot(slots.left.water);
+  set_left_bed_slot(slots.left.hs);
+  set_right_slot(slots.right.water);
+  set_right_bed_slot(slots.right.hs);
 }

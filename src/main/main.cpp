@@ -55,11 +55,11 @@ void run() {
   const std::time_t start = std::time(nullptr);
   domain.Update();
   const std::time_t end = std::time(nullptr);
-  utils::write_and_display(Globals::spyFile,
-                           "Total execution time: " + std::to_string(static_cast<long>(end - start)) +
-                               " sec. for " +
-                               std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
-                               " sec. of simulation.\n");
+  utils::write_and_display(
+      Globals::spyFile, "Total execution time: " + std::to_string(static_cast<long>(end - start)) +
+                            " sec. for " +
+                            std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
+                            " sec. of simulation.\n");
   Globals::spyFile.close();
 }
 

@@ -8,23 +8,23 @@ static_assert(sizeof(CellSWE) == sizeof(ComputationalCell), "a cell class adds n
 void CellSWE::Update() {
   const double zero_depth = Constants::ZERO_DEPTH;
   const HydraulicVariableSWE F = flux_balance();
-  const physics::SweCellUpdate after = physics::update_swe(
-      {.h = U.h,
-       .qx = U.qx,
-       .qy = U.qy,
-       .Fh = F.h,
-       .Fqx = F.qx,
-       .Fqy = F.qy,
-       .dt_over_area = Globals::dt / area,
-       .dt = Globals::dt,
-       .rain = S.h,
-       .source_qx = S.qx,
-       .source_qy = S.qy,
-       .infiltration_step = param.infiltration_step,
-       .infiltrated_depth = param.infiltrated_depth,
-       .bed_rock_level = bed_rock_level,
-       .max_node_level = max_node_level},
-      zero_depth);
+  const physics::SweCellUpdate after =
+      physics::update_swe({.h = U.h,
+                           .qx = U.qx,
+                           .qy = U.qy,
+                           .Fh = F.h,
+                           .Fqx = F.qx,
+                           .Fqy = F.qy,
+                           .dt_over_area = Globals::dt / area,
+                           .dt = Globals::dt,
+                           .rain = S.h,
+                           .source_qx = S.qx,
+                           .source_qy = S.qy,
+                           .infiltration_step = param.infiltration_step,
+                           .infiltrated_depth = param.infiltrated_depth,
+                           .bed_rock_level = bed_rock_level,
+                           .max_node_level = max_node_level},
+                          zero_depth);
   U.set_values(after.h, after.qx, after.qy);
   free_surface_level = after.free_surface_level;
   param.infiltrated_depth = after.infiltrated_depth;

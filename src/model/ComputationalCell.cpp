@@ -46,8 +46,8 @@ double ComputationalCell::compute_area() const {
   for (int i = 0; i < n_nodes; ++i) {
     const MeshNode& a = *get_node(i);
     const MeshNode& b = *next_node(i);
-    const double twice_area = center.x * a.y + a.x * b.y + b.x * center.y - a.x * center.y -
-                              center.x * b.y - b.x * a.y;
+    const double twice_area =
+        center.x * a.y + a.x * b.y + b.x * center.y - a.x * center.y - center.x * b.y - b.x * a.y;
     sum += std::fabs(twice_area) / 2.0;
   }
   return sum;

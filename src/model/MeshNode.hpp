@@ -12,8 +12,7 @@ struct MeshNode {
   MeshNode() = default;
   MeshNode(double px, double py, double pz) : x(px), y(py), z(pz) {}
   /// From at least three values.
-  explicit MeshNode(const std::vector<double>& values)
-      : x(values[0]), y(values[1]), z(values[2]) {}
+  explicit MeshNode(const std::vector<double>& values) : x(values[0]), y(values[1]), z(values[2]) {}
 
   MeshNode& operator+=(const MeshNode& other) {
     x += other.x;

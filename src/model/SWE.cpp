@@ -76,8 +76,8 @@ void SWE::printPicture(const std::string& name) {
   }
   Handoff::picture.release();
 
-  utils::CellTable table(name, has_infiltration ? "x\ty\tzb\th\tqx\tqy\tf\n"
-                                                : "x\ty\tzb\th\tqx\tqy\n");
+  utils::CellTable table(name,
+                         has_infiltration ? "x\ty\tzb\th\tqx\tqy\tf\n" : "x\ty\tzb\th\tqx\tqy\n");
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const MeshNode& center = cells[i]->center;
     const double* const row = cell_value_rows.row(i);

@@ -2,7 +2,6 @@
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
-#include "physics/section_discharge.hpp"
 #include "utils/TextScanner.hpp"
 
 CMonitorSection::CMonitorSection(const std::string& path,
@@ -37,10 +36,7 @@ void CMonitorSection::WriteOutputThread() {
   const double time = Globals::t;
   for (std::size_t s = 0; s < sections_.size(); ++s) {
     double Q = 0.0;
-    for (const GenericInterface* edge : sections_[s]) {
-      const HydraulicVariableSWE& U = edge->cell_left->UVal();
-      Q = physics::add_edge_discharge(Q, U.qx, U.qy, edge->edge());
-    }
+    for (const GenericInterface* edge : sections_[s]) Q = edge->add_discharge(Q);
     discharges_[s] = Q;
   }
   Handoff::monitorSection.release();

@@ -23,7 +23,8 @@ struct BedLoad {
   double dqs_dh;
 };
 
-/// Shields number of a flow with unit discharge |q| (m2/s) at depth h (m) and Manning coefficient n.
+/// Shields number of a flow with unit discharge |q| (m2/s) at depth h (m) and Manning coefficient
+/// n.
 QM_HD inline double shields_number(double q_squared, double h, double n, const Grains& grains) {
   return n * n * q_squared / ((grains.s - 1.0) * grains.d * power_7_3(h));
 }

@@ -19,11 +19,11 @@ QM_HD inline BoundaryFlux boundary_discharge(const EdgeSide& s, double q, double
   const bool subcritical = Fr < 1.0;
   const double divisor = subcritical ? 1.0 : 1.5 * speed;
   const double Fn_sub = S + s.c * (Fr + 1.0) * D;
-  const double Fn_super = (S + 2.0 * speed * D) - (s.un * s.un - s.c * s.c) *
-                                                      (D - s.h * s.c * (1.0 - Fr)) / divisor;
+  const double Fn_super =
+      (S + 2.0 * speed * D) - (s.un * s.un - s.c * s.c) * (D - s.h * s.c * (1.0 - Fr)) / divisor;
   const double Fn = subcritical ? Fn_sub : Fn_super;
-  const double Ft = M + s.ut * (q - s.qn) + s.un * (qt - s.qt) -
-                    (s.ut * Fr / (1.0 + Fr)) * (q - s.qn);
+  const double Ft =
+      M + s.ut * (q - s.qn) + s.un * (qt - s.qt) - (s.ut * Fr / (1.0 + Fr)) * (q - s.qn);
   return {q, s.wet ? Fn : 0.0, s.wet ? Ft : 0.0};
 }
 

@@ -7,9 +7,7 @@
 namespace physics {
 
 /// Critical depth (m) of a unit discharge (m2/s): (|q| / sqrt(g))^(2/3).
-QM_HD inline double critical_depth(double q) {
-  return power_2_3(std::fabs(q) / std::sqrt(9.81));
-}
+QM_HD inline double critical_depth(double q) { return power_2_3(std::fabs(q) / std::sqrt(9.81)); }
 
 /// Flux through a free outflow; a Froude number of exactly 1 takes the critical-depth branch.
 QM_HD inline BoundaryFlux boundary_transmissive(const EdgeSide& s, double zero_depth) {

@@ -7,14 +7,14 @@ namespace physics {
 
 /// Operands of the update.
 struct SweCell {
-  double h, qx, qy;            // state: m, m2/s
-  double Fh, Fqx, Fqy;         // sum of the flux slots: m3/s, m4/s2
-  double dt_over_area;         // s/m2
-  double dt;                   // s
-  double rain;                 // depth of rain of the step, m
-  double source_qx, source_qy; // momentum sources per unit of g h dt
-  double infiltration_step;    // demand of the soil, m
-  double infiltrated_depth;    // cumulative, m
+  double h, qx, qy;                       // state: m, m2/s
+  double Fh, Fqx, Fqy;                    // sum of the flux slots: m3/s, m4/s2
+  double dt_over_area;                    // s/m2
+  double dt;                              // s
+  double rain;                            // depth of rain of the step, m
+  double source_qx, source_qy;            // momentum sources per unit of g h dt
+  double infiltration_step;               // demand of the soil, m
+  double infiltrated_depth;               // cumulative, m
   double bed_rock_level, max_node_level;  // m
 };
 

@@ -43,8 +43,9 @@ QM_HD inline EdgeSide to_edge_frame(const CellWater& cell, const Edge& edge, dou
   const double qn = wet ? cell.qx * edge.nx + cell.qy * edge.ny : 0.0;
   const double qt = wet ? cell.qy * edge.nx - cell.qx * edge.ny : 0.0;
   const double divisor = wet ? cell.h : 1.0;
-  return {wet, cell.h, cell.zb, cell.eta, qn, qt, qn / divisor, qt / divisor,
-          celerity(cell.h, zero_depth)};
+  return {wet,          cell.h,       cell.zb,
+          cell.eta,     qn,           qt,
+          qn / divisor, qt / divisor, celerity(cell.h, zero_depth)};
 }
 
 /// Slot of the cell on the left: what leaves it along the normal, with opposite sign.

@@ -1,7 +1,7 @@
 // Coupled flux of an interior edge for the shallow-water and Exner equations: the water fluxes of
 // the lateralised scheme between coupled wave speeds, and an HLL flux of the bed load between the
 // bounds of the bed wave.
-// Source: Soares-Frazao and Zech (2011), Int. J. Numer. Meth. Fluids 67.
+// Source: Soares-Frazao and Zech (2011), Int. J. Numer. Meth. Fluids 66.
 #pragma once
 
 #include "physics/hll_water.hpp"
@@ -57,8 +57,7 @@ QM_HD inline CoupledSlotPair flux_clhllc(const CellWater& left, const CellSedime
   const CoupledSpeeds sL = coupled_speeds(L, bed_left.dqs_dh, p, zero_depth);
   const CoupledSpeeds sR = coupled_speeds(R, bed_right.dqs_dh, p, zero_depth);
 
-  const WaveBounds water = {smaller(smaller(sL.s1, sR.s1), 0.0),
-                            larger(larger(sL.s3, sR.s3), 0.0)};
+  const WaveBounds water = {smaller(smaller(sL.s1, sR.s1), 0.0), larger(larger(sL.s3, sR.s3), 0.0)};
   const WaterFlux F = hll_water(L, R, water, zero_depth);
 
   const WaveBounds bed = bed_wave_bounds(water, L, R, sL.s2, sR.s2);

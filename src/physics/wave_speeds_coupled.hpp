@@ -14,8 +14,8 @@ struct CoupledSpeeds {
   bool hyperbolic;
 };
 
-/// Speeds of a side, all 0 when dry. dqs_dh: derivative of the bed load with respect to depth (m/s);
-/// p: porosity of the bed, below 1.
+/// Speeds of a side, all 0 when dry. dqs_dh: derivative of the bed load with respect to depth
+/// (m/s); p: porosity of the bed, below 1.
 QM_HD inline CoupledSpeeds coupled_speeds(const EdgeSide& s, double dqs_dh, double p,
                                           double zero_depth) {
   const double slow = s.un - s.c;

@@ -9,8 +9,8 @@ class CNTerm : public SourceTerm {
   /// Curve number, and the ratio `a` of initial abstraction to potential retention; `b` is kept.
   CNTerm(int id, double CN, double a, double b);
 
-  double potential_retention() const { return S_; }    ///< mm
-  double initial_abstraction() const { return Ia_; }   ///< mm
+  double potential_retention() const { return S_; }   ///< mm
+  double initial_abstraction() const { return Ia_; }  ///< mm
 
   void compute_source_term(double, HydraulicVariableSWE&, HydraulicVariableSWE&,
                            ParamCell&) override {}

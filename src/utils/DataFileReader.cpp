@@ -5,7 +5,8 @@ namespace utils {
 DataFileReaderException::DataFileReaderException(std::string message, std::string key)
     : text_(std::move(message) + std::move(key)) {}
 
-DataFileReader::DataFileReader(const std::string& path) : Reader(path) { stream_ >> document_; }
+DataFileReader::DataFileReader(const std::string& path)
+    : Reader(path), document_(json::parse(stream_)) {}
 
 template <class T>
 bool DataFileReader::validateKey(const json& object, const std::string& key) const {
@@ -16,8 +17,8 @@ bool DataFileReader::validateKey(const json& object, const std::string& key) con
   try {
     object.at(key).get<T>();
   } catch (const json::exception&) {
-    throw DataFileReaderException(
-        "Error. The following key has incorrect format in the datafile: ", key);
+    throw DataFileReaderException("Error. The following key has incorrect format in the datafile: ",
+                                  key);
   }
   return true;
 }
@@ -36,6 +37,7 @@ const nlohmann::json& DataFileReader::sources() const {
 }
 
 const nlohmann::json& DataFileReader::parameters() const {
+  is_sediments();
   return enclosing(enclosing(document_, model_key_), parameters_key_);
 }
 
@@ -121,7 +123,6 @@ std::string DataFileReader::get_sediments_level_file() const {
 }
 
 bool DataFileReader::is_sediments_parameters() const {
-  is_sediments();
   parameters();
   return true;
 }
@@ -172,7 +173,8 @@ std::string DataFileReader::get_initial_infiltration_file() const {
   return leaf<std::string>(sources(), initial_infiltration_key_);
 }
 
-// --- Extensions and outputs -----------------------------------------------------------------------
+// --- Extensions and outputs
+// -----------------------------------------------------------------------
 
 bool DataFileReader::is_extensions() const { return document_.contains(extensions_key_); }
 

@@ -12,9 +12,10 @@ bool has_value(int code) { return code == -3 || code == -4; }
 }  // namespace
 
 OutOfBoundsMeshReaderException::OutOfBoundsMeshReaderException(int number_of_elements)
-    : message_("The Reader tried to read more lines than the number of elements. "
-               "The number of elements is: " +
-               std::to_string(number_of_elements) + ".") {}
+    : message_(
+          "The Reader tried to read more lines than the number of elements. "
+          "The number of elements is: " +
+          std::to_string(number_of_elements) + ".") {}
 
 const char* OutOfBoundsMeshReaderException::what() const noexcept { return message_.c_str(); }
 
@@ -54,8 +55,8 @@ EdgeRecord MeshReader::read_next_edge(int n_nodes, int n_cells) {
   const int left = scanner_.read_index("left cell", n_cells);
   const int right = scanner_.read_integer("right cell");
   if (right >= n_cells) {
-    scanner_.refuse("right cell", "an index from 0 to " + std::to_string(n_cells - 1) +
-                                      ", or -1 on a boundary");
+    scanner_.refuse("right cell",
+                    "an index from 0 to " + std::to_string(n_cells - 1) + ", or -1 on a boundary");
   }
   const int node1 = scanner_.read_index("node 1", n_nodes);
   const int node2 = scanner_.read_index("node 2", n_nodes);

@@ -35,11 +35,9 @@ class TextBuffer {
 
 inline TextBuffer& TextBuffer::operator<<(double value) {
   char digits[330];  // the longest double with three decimals takes 314 characters
-  const auto end = fixed_
-                       ? std::to_chars(digits, digits + sizeof digits, value,
-                                       std::chars_format::fixed, 3)
-                       : std::to_chars(digits, digits + sizeof digits, value,
-                                       std::chars_format::general, 6);
+  const auto end =
+      fixed_ ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 3)
+             : std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 6);
   text_.append(digits, end.ptr);
   return *this;
 }

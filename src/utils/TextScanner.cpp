@@ -114,8 +114,8 @@ int TextScanner::read_count(const char* field, std::size_t tokens_per_record) {
 
 std::string TextScanner::place() const {
   const auto begin = text_.begin();
-  const auto offset = token_.empty() ? text_.size()
-                                     : static_cast<std::size_t>(token_.data() - text_.data());
+  const auto offset =
+      token_.empty() ? text_.size() : static_cast<std::size_t>(token_.data() - text_.data());
   const auto line = 1 + std::count(begin, begin + static_cast<std::ptrdiff_t>(offset), '\n');
   std::string text = "Error in file " + name_ + ", line " + std::to_string(line) + ", ";
   if (record_kind_ == nullptr) return text + "header";
