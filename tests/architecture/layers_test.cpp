@@ -1,0 +1,102 @@
+// Who may include whom, and where the flow's arithmetic may stand.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const fs::path source = fs::path(QUILLMERE_SOURCE_DIR) / "src";
+
+/// What each folder may include, itself left out.
+const std::map<std::string, std::set<std::string>> allowed_folders = {
+    {"physics", {}},
+    {"globals", {}},
+    {"utils", {"globals"}},
+    {"model", {"physics", "interfaces", "sources", "globals", "utils"}},
+    {"interfaces", {"physics", "model", "globals", "utils"}},
+    {"sources", {"physics", "model", "globals", "utils"}},
+    {"output", {"model", "interfaces", "globals", "utils"}},
+    {"domain", {"model", "interfaces", "sources", "output", "globals", "utils"}},
+    {"main", {"domain", "globals", "utils"}}};
+
+std::vector<fs::path> files_below(const fs::path& folder) {
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    const std::string extension = entry.path().extension().string();
+    if (extension == ".hpp" || extension == ".cpp") files.push_back(entry.path());
+  }
+  return files;
+}
+
+std::string text_of(const fs::path& file) {
+  std::ifstream stream(file);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+std::string without_comments(const std::string& text) {
+  return std::regex_replace(text, std::regex("//[^\n]*"), "");
+}
+
+std::vector<std::string> matches(const std::string& text, const std::regex& pattern) {
+  std::vector<std::string> found;
+  for (std::sregex_iterator i(text.begin(), text.end(), pattern), end; i != end; ++i) {
+    found.push_back((*i)[1].str());
+  }
+  return found;
+}
+
+}  // namespace
+
+TEST(Layers, EveryFolderIncludesOnlyWhatStandsBelowIt) {
+  const std::regex include("#include \"(\\w+)/");
+  int includes = 0;
+  for (const fs::path& file : files_below(source)) {
+    const std::string folder = fs::relative(file, source).begin()->string();
+    ASSERT_TRUE(allowed_folders.count(folder)) << folder << " is not in the table of layers";
+    for (const std::string& included : matches(text_of(file), include)) {
+      ++includes;
+      EXPECT_TRUE(included == folder || allowed_folders.at(folder).count(included))
+          << file << " includes " << included << "/";
+    }
+  }
+  EXPECT_GT(includes, 100);
+}
+
+TEST(Layers, PhysicsIncludesTheMathematicsLibraryAndNothingElse) {
+  const std::regex standard_include("#include <(\\w+)>");
+  for (const fs::path& file : files_below(source / "physics")) {
+    for (const std::string& included : matches(text_of(file), standard_include)) {
+      EXPECT_EQ(included, "cmath") << file;
+    }
+  }
+}
+
+TEST(Layers, FlowArithmeticStandsInPhysicsAlone) {
+  const std::regex constant("\\b(9\\.81|4\\.905|39\\.24)\\b");
+  const std::regex call("\\b(pow|exp|log|fma)\\s*\\(");
+  for (const fs::path& file : files_below(source)) {
+    if (fs::relative(file, source).begin()->string() == "physics") continue;
+    const std::string code = without_comments(text_of(file));
+    EXPECT_FALSE(std::regex_search(code, constant)) << file;
+    EXPECT_FALSE(std::regex_search(code, call)) << file;
+  }
+}
+
+TEST(Layers, PhysicsCallsPowersAndLogarithmsThroughOneHeader) {
+  const std::regex call("\\b(pow|exp|log|fma)\\s*\\(");
+  for (const fs::path& file : files_below(source / "physics")) {
+    if (file.filename() == "arithmetic.hpp") continue;
+    EXPECT_FALSE(std::regex_search(without_comments(text_of(file)), call)) << file;
+  }
+}

@@ -1,0 +1,63 @@
+#include <map>
+
+#include "cases/CaseTest.hpp"
+
+namespace {
+
+using Determinism = CaseTest;
+
+/// Every file of a folder and below, by name.
+std::map<std::string, std::string> files_of(const support::TemporaryFolder& folder) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
+    if (!entry.is_regular_file()) continue;
+    const std::string name = std::filesystem::relative(entry.path(), folder.path()).string();
+    files[name] = folder.read(name);
+  }
+  files["log.txt"] = essence_of_log(files["log.txt"]);
+  return files;
+}
+
+TEST_F(Determinism, TwoRunsOfACaseWriteTheSameBytes) {
+  c = support::full_case(12, 9);
+  c.set_times(0.0, 1.5);
+  c.data["output"]["time step enveloppe of results"] = 0.01;
+  const support::RunResult first = run_well();
+  const auto files = files_of(folder);
+  EXPECT_EQ(files.count("out/pic_1_25.txt"), 1U);
+
+  const support::TemporaryFolder other;
+  c.write(other);
+  const support::RunResult second = support::run_case(other);
+  EXPECT_EQ(second.status, 0);
+  EXPECT_EQ(second.out, first.out);
+  EXPECT_EQ(files_of(other), files);
+}
+
+TEST_F(Determinism, ARunOverTheResultsOfAnotherWritesTheSameBytes) {
+  c = support::full_case();
+  run_well();
+  const auto files = files_of(folder);
+  run_well();
+  EXPECT_EQ(files_of(folder), files);
+}
+
+TEST_F(Determinism, OutputsDoNotChangeTheFlow) {
+  c = support::full_case();
+  c.add_snapshots({2.0});
+  c.data["output"].erase("gauges");
+  c.data["output"].erase("discharges");
+  c.data["output"]["time step enveloppe of results"] = 1e9;
+  run_well();
+  const std::string alone = folder.read("out/pic_2_00.txt");
+  ASSERT_NE(alone, "");
+
+  c.add_gauges({{1.2, 1.1}}, 1e-9);  // at every pass, like the others
+  c.add_sections({c.edges_across(1)}, 1e-9);
+  c.data["output"]["time step enveloppe of results"] = 1e-9;
+  c.add_snapshots({0.0, 0.0, 0.1, 0.1, 0.2, 0.2, 0.3, 2.0});
+  run_well();
+  EXPECT_EQ(folder.read("out/pic_2_00.txt"), alone);
+}
+
+}  // namespace

@@ -1,0 +1,27 @@
+#include "physics/stable_step.hpp"
+
+#include <gtest/gtest.h>
+
+#include "support/unit_wave.hpp"
+
+namespace {
+
+using support::k;
+constexpr double zero_depth = 0.01;
+
+TEST(StableStep, IsTheTimeTheFastestWaveTakesThroughTheCell) {
+  // Velocity (3, 4) m/s, celerity 2 m/s, characteristic length 14 m.
+  const double h = 4.0 * k;
+  EXPECT_DOUBLE_EQ(physics::stable_step(h, 3.0 * h, 4.0 * h, 14.0, zero_depth), 2.0);
+}
+
+TEST(StableStep, ADryCellIsUnbounded) {
+  EXPECT_EQ(physics::stable_step(zero_depth, 1.0, 1.0, 14.0, zero_depth), 1e20);
+  EXPECT_EQ(physics::stable_step(-1.0, 1.0, 1.0, 14.0, zero_depth), 1e20);
+}
+
+TEST(StableStepDry, IsHalfTheTimeOfAWaveOfTheLargestInitialDepth) {
+  EXPECT_DOUBLE_EQ(physics::stable_step_dry(12.0, 9.0 * k), 2.0);  // 12 / (2 * 3)
+}
+
+}  // namespace

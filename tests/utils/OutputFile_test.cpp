@@ -1,0 +1,140 @@
+#include "utils/OutputFile.hpp"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "support/TemporaryFolder.hpp"
+
+namespace {
+
+using testing::internal::CaptureStderr;
+using testing::internal::GetCapturedStderr;
+
+utils::TextBuffer buffer_of(const std::string& text) {
+  utils::TextBuffer buffer;
+  buffer << text;
+  return buffer;
+}
+
+TEST(WholeFile, HoldsWhatWasCommitted) {
+  const support::TemporaryFolder folder;
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("all of it\n"));
+  EXPECT_EQ(folder.read("out.txt"), "all of it\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+TEST(WholeFile, LeavesAnEarlierFileUntilItIsComplete) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt", "earlier\n");
+  utils::WholeFile file(folder.file("out.txt"));
+  utils::TextBuffer buffer = buffer_of(std::string(3 << 20, 'x'));
+  file.drain(buffer);
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  buffer << '\n';
+  file.commit(buffer);
+  EXPECT_EQ(folder.read("out.txt"), std::string(3 << 20, 'x') + "\n");
+}
+
+TEST(WholeFile, LeavesAnEarlierFileWhenItIsNeverCommitted) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt", "earlier\n");
+  { const utils::WholeFile file(folder.file("out.txt")); }
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+}
+
+TEST(WholeFile, DrainsOnlyALargeBuffer) {
+  const support::TemporaryFolder folder;
+  utils::WholeFile file(folder.file("out.txt"));
+  utils::TextBuffer buffer = buffer_of("short");
+  file.drain(buffer);
+  EXPECT_EQ(buffer.text(), "short");
+  buffer << std::string(2 << 20, 'x');
+  file.drain(buffer);
+  EXPECT_EQ(buffer.text(), "");
+  file.commit(buffer_of("end"));
+  EXPECT_EQ(folder.read("out.txt"), "short" + std::string(2 << 20, 'x') + "end");
+}
+
+TEST(WholeFile, WritesThroughALinkInsteadOfReplacingIt) {
+  const support::TemporaryFolder folder;
+  folder.write("target.txt", "earlier, and longer\n");
+  std::filesystem::create_symlink(folder.file("target.txt"), folder.file("out.txt"));
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("new\n"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.file("out.txt")));
+  EXPECT_EQ(folder.read("target.txt"), "new\n");
+}
+
+TEST(WholeFile, WarnsOncePerNameWhenItCannotBeCreated) {
+  const support::TemporaryFolder folder;
+  const std::string first = folder.file("missing/first.txt");
+  const std::string second = folder.file("missing/second.txt");
+  CaptureStderr();
+  for (int i = 0; i < 3; ++i) {
+    utils::WholeFile(first).commit(buffer_of("lost\n"));
+    utils::WholeFile(second).commit(buffer_of("lost\n"));
+  }
+  const std::string end = " couldn't be created: its results are lost.\n";
+  EXPECT_EQ(GetCapturedStderr(),
+            "Warning: The file " + first + end + "Warning: The file " + second + end);
+}
+
+TEST(WholeFile, WarnsOnceWhenTheDiskIsFull) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("out.txt");
+  std::filesystem::create_symlink("/dev/full", name);
+  CaptureStderr();
+  for (int i = 0; i < 2; ++i) utils::WholeFile(name).commit(buffer_of("lost\n"));
+  EXPECT_EQ(GetCapturedStderr(),
+            "Warning: The file " + name + " couldn't be written completely (is the disk full?).\n");
+}
+
+TEST(WholeFile, WarnsWhenAFolderStandsInItsPlace) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt/inside", "");
+  CaptureStderr();
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("lost\n"));
+  EXPECT_EQ(GetCapturedStderr(), "Warning: The file " + folder.file("out.txt") +
+                                     " couldn't be created: its results are lost.\n");
+}
+
+TEST(LineFile, GrowsLineByLineAndEachLineIsOnTheDiskAtOnce) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt", "earlier\n");
+  utils::LineFile file;
+  file.open(folder.file("out.txt"));
+  EXPECT_TRUE(file.is_open());
+  EXPECT_EQ(folder.read("out.txt"), "");
+  file.write(buffer_of("one\n"));
+  EXPECT_EQ(folder.read("out.txt"), "one\n");
+  file.write(buffer_of("two\n"));
+  EXPECT_EQ(folder.read("out.txt"), "one\ntwo\n");
+}
+
+TEST(LineFile, WarnsAndLosesItsLinesWhenItCannotBeCreated) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("missing/lines.txt");
+  CaptureStderr();
+  utils::LineFile file;
+  file.open(name);
+  file.write(buffer_of("one\n"));
+  file.write(buffer_of("two\n"));
+  EXPECT_FALSE(file.is_open());
+  EXPECT_EQ(GetCapturedStderr(), "Warning: The file " + name + " couldn't be created.\n");
+}
+
+TEST(LineFile, WarnsOnceWhenTheDiskIsFull) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("lines.txt");
+  std::filesystem::create_symlink("/dev/full", name);
+  CaptureStderr();
+  utils::LineFile file;
+  file.open(name);
+  file.write(buffer_of("one\n"));
+  file.write(buffer_of("two\n"));
+  EXPECT_EQ(GetCapturedStderr(),
+            "Warning: The file " + name + " couldn't be written completely (is the disk full?).\n");
+}
+
+}  // namespace

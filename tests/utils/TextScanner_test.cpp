@@ -1,0 +1,126 @@
+#include "utils/TextScanner.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "support/TemporaryFolder.hpp"
+
+namespace {
+
+using testing::ExitedWithCode;
+
+void read_number_from(const std::string& path) { utils::TextScanner(path).read_number("value"); }
+void read_integer_from(const std::string& path) { utils::TextScanner(path).read_integer("value"); }
+
+TEST(TextScanner, TakesAnyWhiteSpaceForASeparator) {
+  const support::TemporaryFolder folder;
+  utils::TextScanner scanner(folder.write("values.txt", " \t\r\n\v\f1\t2\r\n3\v4\f5 word\n"));
+  for (int i = 1; i <= 5; ++i) EXPECT_EQ(scanner.read_integer("value"), i);
+  EXPECT_EQ(scanner.read_word("name"), "word");
+}
+
+TEST(TextScanner, ReadsWordsOfAnyLength) {
+  const support::TemporaryFolder folder;
+  const std::string word(100000, 'w');
+  utils::TextScanner scanner(folder.write("values.txt", word + " \"a,b\" end"));
+  EXPECT_EQ(scanner.read_word("name"), word);
+  EXPECT_EQ(scanner.read_word("name"), "\"a,b\"");
+  EXPECT_EQ(scanner.read_word("name"), "end");
+}
+
+TEST(TextScanner, ReadsAFileLargerThanAMegabyte) {
+  const support::TemporaryFolder folder;
+  std::string text;
+  constexpr int count = 400000;
+  for (int i = 0; i < count; ++i) text += std::to_string(i) + "\n";
+  ASSERT_GT(text.size(), 2U << 20);
+  utils::TextScanner scanner(folder.write("values.txt", text));
+  for (int i = 0; i < count; ++i) ASSERT_EQ(scanner.read_integer("value"), i);
+}
+
+TEST(TextScannerDeathTest, NamesFileLineRecordAndField) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.write("depths.txt", "1 2\n3 4\n\nfive 6\n");
+  const auto read = [&] {
+    utils::TextScanner scanner(path);
+    for (int i = 0; i < 4; ++i) {
+      scanner.begin_record("cell", i, 4);
+      scanner.read_number("depth");
+      scanner.read_number("level");
+    }
+  };
+  EXPECT_EXIT(read(), ExitedWithCode(255),
+              "^Error in file .*depths\\.txt, line 4, cell 2 \\(of 0 to 3\\), depth: found "
+              "\"five\", expected a finite number\\.\n$");
+}
+
+TEST(TextScannerDeathTest, NamesTheEndOfTheFileWhenATokenIsMissing) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.write("short.txt", "1\n2\n");
+  const auto read = [&](auto method) {
+    utils::TextScanner scanner(path);
+    scanner.begin_record("cell", 7, 9);
+    scanner.read_integer("first");
+    scanner.read_integer("second");
+    method(scanner);
+  };
+  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_number("third"); }), ExitedWithCode(255),
+              "cell 7 \\(of 0 to 8\\), third: found the end of the file, expected a finite number");
+  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_integer("third"); }), ExitedWithCode(255),
+              "third: found the end of the file, expected an integer");
+  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_word("third"); }), ExitedWithCode(255),
+              "third: found the end of the file, expected a word");
+  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_index("third", 5); }), ExitedWithCode(255),
+              "third: found the end of the file, expected an integer");
+}
+
+TEST(TextScannerDeathTest, RefusesAnEmptyFile) {
+  const support::TemporaryFolder folder;
+  EXPECT_EXIT(read_integer_from(folder.write("empty.txt", "")), ExitedWithCode(255),
+              "empty\\.txt, line 1, header, value: found the end of the file");
+}
+
+TEST(TextScannerDeathTest, ShowsOnlyThePrintableStartOfALongToken) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.write("long.txt", "a\x01" + std::string(1000, 'b'));
+  EXPECT_EXIT(read_number_from(path), ExitedWithCode(255),
+              "found \"a\\?b{38}\\.\\.\\.\", expected");
+}
+
+TEST(TextScanner, AcceptsEveryIndexBelowTheLimit) {
+  const support::TemporaryFolder folder;
+  utils::TextScanner scanner(folder.write("indices.txt", "0 2"));
+  EXPECT_EQ(scanner.read_index("cell", 3), 0);
+  EXPECT_EQ(scanner.read_index("cell", 3), 2);
+}
+
+TEST(TextScannerDeathTest, RefusesAnIndexOutsideItsRange) {
+  const support::TemporaryFolder folder;
+  for (const std::string token : {"3", "-1", "2147483647", "-2147483648"}) {
+    const std::string path = folder.write("indices.txt", token);
+    EXPECT_EXIT(utils::TextScanner(path).read_index("cell", 3), ExitedWithCode(255),
+                "cell: found \"" + token + "\", expected an index from 0 to 2\\.\n$");
+  }
+  const std::string path = folder.write("indices.txt", "0");
+  EXPECT_EXIT(utils::TextScanner(path).read_index("cell", 0), ExitedWithCode(255),
+              "found \"0\", expected no index: there is nothing to point to");
+}
+
+TEST(TextScanner, AcceptsTheLargestCountThatTheFileCanHold) {
+  const support::TemporaryFolder folder;
+  EXPECT_EQ(utils::TextScanner(folder.write("a.txt", "2 1 2 3 4")).read_count("records", 2), 2);
+  EXPECT_EQ(utils::TextScanner(folder.write("b.txt", "0")).read_count("records", 2), 0);
+  EXPECT_EQ(utils::TextScanner(folder.write("c.txt", "1 5 6 7")).read_count("records", 1), 1);
+}
+
+TEST(TextScannerDeathTest, RefusesACountThatIsNegativeOrThatTheFileCannotHold) {
+  const support::TemporaryFolder folder;
+  for (const std::string token : {"3", "-1", "2000000000", "2147483647", "-2147483648"}) {
+    const std::string path = folder.write("counts.txt", token + " 1 2 3 4");
+    EXPECT_EXIT(utils::TextScanner(path).read_count("records", 2), ExitedWithCode(255),
+                "records: found \"" + token + "\", expected a count from 0 to 2, ");
+  }
+}
+
+}  // namespace
