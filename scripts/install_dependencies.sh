@@ -1,0 +1,68 @@
+#!/usr/bin/env bash
+# Installs what is missing of the packages that the project needs (Debian 12). Says nothing, and
+# touches nothing, when all of them are there. Run as root or as a user who may use sudo.
+set -euo pipefail
+
+usage() {
+  cat <<'TEXT'
+Usage: install_dependencies.sh GROUP...
+
+Groups:
+  build   compiler, CMake, Ninja and the JSON library
+  test    GoogleTest
+  bench   Google Benchmark
+  plot    matplotlib for /usr/bin/python3
+TEXT
+}
+
+packages_of() {
+  case "$1" in
+    build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
+    test) echo libgtest-dev ;;
+    bench) echo libbenchmark-dev ;;
+    plot) echo python3-matplotlib ;;
+    *) return 1 ;;
+  esac
+}
+
+is_installed() {
+  [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]
+}
+
+as_root() {
+  if [ "$(id -u)" -eq 0 ]; then
+    "$@"
+  elif command -v sudo >/dev/null; then
+    sudo "$@"
+  else
+    echo "install_dependencies.sh: needs root or sudo to install: ${missing[*]}" >&2
+    exit 1
+  fi
+}
+
+case "${1:-}" in
+  "") usage >&2; exit 2 ;;
+  -h | --help) usage; exit 0 ;;
+esac
+if ! command -v dpkg-query >/dev/null; then
+  echo "install_dependencies.sh: no dpkg here; install by hand what README.md lists." >&2
+  exit 1
+fi
+
+missing=()
+for group in "$@"; do
+  if ! packages=$(packages_of "$group"); then
+    echo "install_dependencies.sh: no group \"$group\"." >&2
+    usage >&2
+    exit 2
+  fi
+  for package in $packages; do
+    is_installed "$package" || missing+=("$package")
+  done
+done
+[ "${#missing[@]}" -gt 0 ] || exit 0
+
+echo "Installing ${missing[*]}"
+as_root apt-get -qq update
+as_root env DEBIAN_FRONTEND=noninteractive \
+  apt-get -qq install -y --no-install-recommends "${missing[@]}" >/dev/null
