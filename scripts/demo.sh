@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# From a bare clone to a picture: installs what is missing, builds the program, runs the flood wave
+# of examples/meandering_valley in a copy under build/demo and draws its results there.
+set -euo pipefail
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+example=$root/examples/meandering_valley
+case_folder=$root/build/demo/meandering_valley
+program=$root/build/release/bin/quillmere
+
+build() {
+  # The folder is shared with the tests: whether it builds them is left as it was configured.
+  if [ ! -e "$root/build/release/build.ninja" ]; then
+    (cd "$root" && cmake --preset release -DQUILLMERE_TESTS=OFF)
+  fi
+  cmake --build "$root/build/release" --target quillmere
+}
+
+# The case's own files, without what a run in its folder may have left.
+inputs() {
+  find "$example" -maxdepth 1 \( -name '*.txt' -o -name data.json \) ! -name log.txt -print0 |
+    sort -z
+}
+
+# What the results depend on: the program and every input file.
+fingerprint() {
+  inputs | xargs -0 cat "$program" | sha256sum
+}
+
+simulate() {
+  local key
+  key=$(fingerprint)
+  if [ "$(cat "$case_folder/complete" 2>/dev/null)" = "$key" ]; then
+    echo "The program and the case are unchanged: the results of the last run are kept."
+    return
+  fi
+  echo "Running the flood wave (a minute or so) ..."
+  rm -rf "$case_folder"
+  mkdir -p "$case_folder/out"
+  inputs | xargs -0 cp -t "$case_folder"
+  (cd "$case_folder" && "$program" -f data.json)
+  echo
+  echo "$key" >"$case_folder/complete"
+}
+
+plot() {
+  /usr/bin/python3 "$root/scripts/plot_results.py" "$case_folder" "$@" >/dev/null
+}
+
+"$root/scripts/install_dependencies.sh" build plot
+build
+simulate
+plot --threshold 0.05 --output "$case_folder/max_depth.png"
+plot --gauges --output "$case_folder/gauges.png"
+cat <<TEXT
+
+Results of the run:  $case_folder/out
+Its log:             $case_folder/log.txt
+Largest depths:      $case_folder/max_depth.png
+Curves of gauges:    $case_folder/gauges.png
+TEXT
