@@ -1,0 +1,73 @@
+// Times a whole run on a generated mesh: bench_run CELLS. Prints one row of a table: triangles,
+// set-up time, time of a step per cell, peak memory per cell.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <string>
+
+#include "channel_case.hpp"
+#include "domain/Domain.hpp"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+double seconds_since(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+double peak_memory_bytes() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return 1024.0 * static_cast<double>(usage.ru_maxrss);
+}
+
+std::string make_folder() {
+  std::string name = (std::filesystem::temp_directory_path() / "quillmere_bench_XXXXXX").string();
+  return mkdtemp(name.data());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int wanted = argc == 2 ? std::atoi(argv[1]) : 0;
+  if (wanted < 100) {
+    std::cerr << "usage: bench_run CELLS, at least 100\n";
+    return 2;
+  }
+  // Enough steps for a second or so: a step of this case is about 0.05 s.
+  const double steps_wanted = std::clamp(1e7 / wanted, 20.0, 3000.0);
+  const Channel channel = channel_of(wanted);
+  const std::string folder = make_folder();
+  const pid_t writer = fork();  // so that the peak memory is that of the run
+  if (writer == 0) {
+    write_channel_case(channel, folder, 0.05 * steps_wanted);
+    _exit(0);
+  }
+  int status = 0;
+  waitpid(writer, &status, 0);
+  std::filesystem::current_path(folder);
+  std::cout.setstate(std::ios::failbit);  // the clock would stand in the table
+
+  const auto start = Clock::now();
+  Domain domain("data.json");
+  const double setup = seconds_since(start);
+  const auto start_loop = Clock::now();
+  domain.Update();
+  const double loop = seconds_since(start_loop);
+
+  const double cell_steps =
+      static_cast<double>(channel.cells()) * static_cast<double>(domain.number_of_steps());
+  std::printf("%12d %8ld %12.3f %18.1f %18.0f\n", channel.cells(), domain.number_of_steps(), setup,
+              1e9 * loop / cell_steps, peak_memory_bytes() / channel.cells());
+  std::filesystem::current_path("/");
+  std::filesystem::remove_all(folder);
+  return 0;
+}

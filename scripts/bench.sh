@@ -1,0 +1,16 @@
+#!/usr/bin/env bash
+# Measures the speed of the simulator: runs on generated meshes (a dam break over an uneven bed with
+# friction), and the pure formulas. bench.sh [CELLS...] chooses the mesh sizes.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+scripts/install_dependencies.sh build bench
+cmake --preset release -DQUILLMERE_BENCHMARKS=ON -DQUILLMERE_TESTS=OFF -B build/bench >/dev/null
+cmake --build build/bench
+
+sizes=("$@")
+[ ${#sizes[@]} -gt 0 ] || sizes=(3000 30000 300000 1000000)
+printf '\n%12s %8s %12s %18s %18s\n' triangles steps 'set-up (s)' 'ns/cell/step' 'bytes/cell (peak)'
+for cells in "${sizes[@]}"; do build/bench/bin/bench_run "$cells"; done
+echo
+build/bench/bin/bench_formulas --benchmark_format=console 2>/dev/null
