@@ -1,9 +1,7 @@
 // Set-up of the mesh: nodes, cells and edges, and warnings about what is suspicious in them.
-#include <sstream>
-
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
-#include "interfaces/interface_codes.hpp"
+#include "globals/edge_codes.hpp"
 #include "utils/MeshReader.hpp"
 #include "utils/files.hpp"
 #include "utils/stop.hpp"
@@ -22,7 +20,7 @@ class EdgeWarnings {
       inward_.add(name_of(edge) + " has a normal that points into its left cell " +
                   std::to_string(edge.cell_left->id) + "; list its two nodes the other way round.");
     }
-    if (code != interface_code::interior && right >= 0) {
+    if (!edge_code::is_between_cells(code) && right >= 0) {
       two_sided_.add(name_of(edge) + " has the boundary code " + std::to_string(code) +
                      " and also a right cell " + std::to_string(right) +
                      ", which gets no flux through it.");
@@ -90,7 +88,7 @@ void Domain::read_nodes(const std::string& name) {
 }
 
 void Domain::read_cells(const std::string& name) {
-  utils::MeshReader reader(name, "cell", 4);
+  utils::MeshReader reader(name, "cell", 2);
   model->n_cells = reader.get_number_of_elements();
   model->cells.reserve(static_cast<std::size_t>(model->n_cells));
   std::vector<const MeshNode*> nodes;

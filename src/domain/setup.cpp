@@ -1,6 +1,5 @@
 // Set-up of a run: data file, model, cell fields, and the summary in the log.
 #include <filesystem>
-#include <iostream>
 #include <map>
 
 #include "domain/Domain.hpp"
@@ -147,11 +146,10 @@ void Domain::read_cell_fields() {
 
 void Domain::set_outputs() {
   std::ostream& log = Globals::spyFile;
-  const std::string folder = utils::get_path(Globals::g_outputPath);
+  const std::filesystem::path folder = std::filesystem::path(Globals::g_outputPath).parent_path();
   std::error_code ignored;
-  if (folder != Globals::g_outputPath && !folder.empty() &&
-      !std::filesystem::is_directory(folder, ignored)) {
-    utils::warn("the output folder " + folder + " does not exist: results will be lost.");
+  if (!folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
+    utils::warn("the output folder " + folder.string() + " does not exist: results will be lost.");
   }
 
   log << "Output parameters:\n";

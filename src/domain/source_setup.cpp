@@ -73,7 +73,6 @@ void Domain::read_hyetograms(const std::string& path) {
     file.begin_record("hyetogram", i, count);
     const int id = file.read_integer("ID");
     const int intervals = file.read_count("number of intervals", 2);
-    if (intervals < 1) file.refuse("number of intervals", "at least 1");
     const int dts = file.read_integer("step");
     hyetograms.push_back(std::make_unique<RainTerm>(id, intervals, dts));
     hyetograms.back()->read_hyetogram(file, intervals);

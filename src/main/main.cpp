@@ -1,5 +1,5 @@
 // Start-up of a run.
-#include <cmath>
+#include <algorithm>
 #include <ctime>
 #include <iostream>
 #include <limits>
@@ -36,11 +36,11 @@ void print_banner() {
   utils::print_delimitator(log);
 }
 
-/// Whole seconds, cut off towards zero.
+/// Whole seconds, cut off towards zero; what no int holds becomes the largest or smallest one.
 int whole_seconds(double seconds) {
+  constexpr double smallest = std::numeric_limits<int>::min();
   constexpr double largest = std::numeric_limits<int>::max();
-  return std::fabs(seconds) <= largest ? static_cast<int>(seconds)
-                                       : std::numeric_limits<int>::max();
+  return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
 void run() {

@@ -12,16 +12,18 @@ inline void print_usage(std::ostream& out) {
          "\n"
          "Examples:\n"
          "  quillmere -f data.json               run the scenario of data.json\n"
-         "  quillmere -f data.json -nodisplay    the same, without the summary on the console\n"
+         "  quillmere -f data.json -nodisplay    the same, with nothing but the clock on the "
+         "console\n"
          "\n"
          "Options:\n"
          "  -f DATA_FILE   data file; asked for when absent. Paths in it are relative to the\n"
          "                 working directory\n"
-         "  -nodisplay     write the run's summary to log.txt only; the clock goes on\n"
+         "  -nodisplay     write welcome, name and execution time to log.txt only\n"
          "  --help         print this help and exit\n"
          "  --version      print the version and exit\n"
          "\n"
          "Results go to the output folder named in the data file, the log to log.txt in the\n"
-         "working directory. Exit status: 0 when the run is complete, 255 after an error (1 for\n"
-         "an unknown rain or soil ID); the reason is on standard error.\n";
+         "working directory. Exit status: 0 when the run is complete, 255 after an error, 1 for\n"
+         "an unknown rain or soil ID. Errors are on standard error, except those of rain and soil\n"
+         "IDs and soil types, which are on standard output.\n";
 }

@@ -76,15 +76,20 @@ const ComputationalCell* PhysicalModel::limiting_cell() const {
   const ComputationalCell* slowest = nullptr;
   const ComputationalCell* smallest = nullptr;
   double step = physics::unbounded_step;
+  bool has_dry_cell = false;
   for (const auto& cell : cells) {
     if (!std::isfinite(cell->U.h + cell->U.qx + cell->U.qy)) return cell.get();
     if (cell->dtMin() < step) {
       step = cell->dtMin();
       slowest = cell.get();
     }
+    if (cell->U.h <= Constants::ZERO_DEPTH) has_dry_cell = true;
     if (smallest == nullptr || cell->char_length < smallest->char_length) smallest = cell.get();
   }
-  return slowest != nullptr ? slowest : smallest;
+  // Dry cells bound the step by the smallest cell of the mesh.
+  const bool dry_cells_limit = has_dry_cell && h0 > Constants::ZERO_DEPTH &&
+                               physics::stable_step_dry(char_length_min, h0) < step;
+  return slowest == nullptr || dry_cells_limit ? smallest : slowest;
 }
 
 void PhysicalModel::append_interface(std::unique_ptr<GenericInterface> interface, int edge,

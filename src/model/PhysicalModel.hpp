@@ -65,7 +65,7 @@ class PhysicalModel {
   void computeSourceTerms();
 
   /// The cell that sets the step: one whose state is not finite, else the one with the smallest
-  /// step, else the smallest cell; null without cells.
+  /// step, or the smallest cell where dry cells set it; null without cells.
   const ComputationalCell* limiting_cell() const;
 
   std::vector<std::unique_ptr<ComputationalCell>> cells;

@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "globals/WriterHandoff.hpp"
+#include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
 #include "interfaces/HydroBCLimnigraph.hpp"
@@ -10,7 +11,6 @@
 #include "interfaces/HydroBCWall.hpp"
 #include "interfaces/HydroBCWaterLevel.hpp"
 #include "interfaces/HydroFluxLHLLC.hpp"
-#include "interfaces/interface_codes.hpp"
 #include "model/CellSWE.hpp"
 #include "utils/CellTable.hpp"
 #include "utils/stop.hpp"
@@ -25,34 +25,35 @@ void SWE::build_interface(int scheme, int edge, int left, int right, const MeshN
                           const MeshNode& node2, int bc, double value, const std::string& file) {
   ComputationalCell* const L = cells[static_cast<std::size_t>(left)].get();
   ComputationalCell* const R = right >= 0 ? cells[static_cast<std::size_t>(right)].get() : nullptr;
-  const int code = bc == interface_code::interior ? scheme : bc;
+  const int code = bc == edge_code::interior ? scheme : bc;
 
   std::unique_ptr<GenericInterface> built;
   switch (code) {
-    case interface_code::limnigraph:
+    case edge_code::limnigraph:
       built = std::make_unique<HydroBCLimnigraph>(L, node1, node2, file);
       break;
-    case interface_code::hydrograph:
+    case edge_code::hydrograph:
       built = std::make_unique<HydroBCHydrograph>(L, node1, node2, file);
       break;
-    case interface_code::wall:
+    case edge_code::wall:
       built = std::make_unique<HydroBCWall>(L, node1, node2);
       break;
-    case interface_code::water_level:
+    case edge_code::water_level:
       built = std::make_unique<HydroBCWaterLevel>(L, node1, node2, value);
       break;
-    case interface_code::discharge:
+    case edge_code::discharge:
       built = std::make_unique<HydroBCDischarge>(L, node1, node2, value);
       break;
-    case interface_code::transmissive:
+    case edge_code::transmissive:
       built = std::make_unique<HydroBCTransmissive>(L, node1, node2);
       break;
-    case interface_code::scheme_lhllc:
+    case edge_code::scheme_lhllc:
       built = std::make_unique<HydroFluxLHLLC>(L, R, node1, node2);
       break;
-    case interface_code::scheme_roe:
+    case edge_code::scheme_roe:
       std::cout << "should be Roe scheme" << std::endl;
-      utils::fatal("Error. The flux scheme \"Roe\" is not available; use \"LHLLC\".\n");
+      utils::fatal("Error. The flux scheme \"Roe\" (code 2, edge " + std::to_string(edge) +
+                   ") is not available; use \"LHLLC\".\n");
     default:
       refuse_boundary_code(code);
   }

@@ -2,12 +2,12 @@
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "globals/edge_codes.hpp"
 #include "interfaces/SedBCDischarge.hpp"
 #include "interfaces/SedBCTransmissive.hpp"
 #include "interfaces/SedBCWall.hpp"
 #include "interfaces/SedBCWaterLevel.hpp"
 #include "interfaces/SedFluxCLHLLC.hpp"
-#include "interfaces/interface_codes.hpp"
 #include "model/CellSWE_Exner.hpp"
 #include "utils/CellTable.hpp"
 
@@ -33,24 +33,24 @@ void SWE_Exner::build_interface(int scheme, int edge, int left, int right, const
                                 const MeshNode& node2, int bc, double value, const std::string&) {
   ComputationalCell* const L = cells[static_cast<std::size_t>(left)].get();
   ComputationalCell* const R = right >= 0 ? cells[static_cast<std::size_t>(right)].get() : nullptr;
-  const int code = bc == interface_code::interior ? scheme : bc;
+  const int code = bc == edge_code::interior ? scheme : bc;
   constexpr double no_sediment_fed = 0.0;
 
   std::unique_ptr<GenericInterface> built;
   switch (code) {
-    case interface_code::wall:
+    case edge_code::wall:
       built = std::make_unique<SedBCWall>(L, node1, node2);
       break;
-    case interface_code::water_level:
+    case edge_code::water_level:
       built = std::make_unique<SedBCWaterLevel>(L, node1, node2, value);
       break;
-    case interface_code::discharge:
+    case edge_code::discharge:
       built = std::make_unique<SedBCDischarge>(L, node1, node2, value, no_sediment_fed);
       break;
-    case interface_code::transmissive:
+    case edge_code::transmissive:
       built = std::make_unique<SedBCTransmissive>(L, node1, node2);
       break;
-    case interface_code::scheme_lhllc:
+    case edge_code::scheme_lhllc:
       built = std::make_unique<SedFluxCLHLLC>(L, R, node1, node2);
       break;
     default:  // time series and the reserved scheme too

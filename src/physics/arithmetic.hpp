@@ -1,5 +1,5 @@
-// The only calls of the mathematics library that flow formulas make. One text serves every path
-// (host, device, vector), so that all of them round alike.
+// The powers, exponential, logarithm and fused multiply-add of the flow formulas, which call them
+// here alone. One text serves every path (host, device, vector), so that all of them round alike.
 #pragma once
 
 #include <cmath>

@@ -40,7 +40,7 @@ QM_HD inline RainAddition rain_addition(const Hyetogram& rain, RainClock clock, 
                                         double t_start, double t_end) {
   const double burst = clock.rain_dt < rain.step ? clock.rain_dt : rain.step;
   const bool due = t - clock.last_update_time > burst || t >= t_end - burst;
-  if (!due) return {0.0, clock};
+  if (!due || rain.count == 0) return {0.0, clock};
 
   if (clock.hyetogram_index == -1) clock.hyetogram_index = hyetogram_index_at(rain, t_start);
   clock.rain_dt = rain.step;

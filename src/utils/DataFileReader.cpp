@@ -173,8 +173,7 @@ std::string DataFileReader::get_initial_infiltration_file() const {
   return leaf<std::string>(sources(), initial_infiltration_key_);
 }
 
-// --- Extensions and outputs
-// -----------------------------------------------------------------------
+// --- Extensions and outputs ---------------------------------------------------------------------
 
 bool DataFileReader::is_extensions() const { return document_.contains(extensions_key_); }
 

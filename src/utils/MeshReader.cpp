@@ -1,13 +1,15 @@
 #include "utils/MeshReader.hpp"
 
+#include "globals/edge_codes.hpp"
+
 namespace utils {
 
 namespace {
 
-constexpr int code_interior = -1;
-
-bool has_series_file(int code) { return code == -33 || code == -44; }
-bool has_value(int code) { return code == -3 || code == -4; }
+bool has_series_file(int code) {
+  return code == edge_code::hydrograph || code == edge_code::limnigraph;
+}
+bool has_value(int code) { return code == edge_code::discharge || code == edge_code::water_level; }
 
 }  // namespace
 
@@ -61,10 +63,10 @@ EdgeRecord MeshReader::read_next_edge(int n_nodes, int n_cells) {
   const int node1 = scanner_.read_index("node 1", n_nodes);
   const int node2 = scanner_.read_index("node 2", n_nodes);
   const int code = scanner_.read_integer("boundary code");
-  if (code == code_interior && right < 0) {
+  if (edge_code::is_between_cells(code) && right < 0) {
     scanner_.refuse("boundary code", "a boundary condition, since the edge has no right cell");
   }
-  if (code == code_interior && right == left) {
+  if (edge_code::is_between_cells(code) && right == left) {
     scanner_.refuse("boundary code", "two different cells on the sides of an interior edge");
   }
   const std::string file = has_series_file(code) ? scanner_.read_word("time-series file") : "";

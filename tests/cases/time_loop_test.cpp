@@ -155,6 +155,21 @@ TEST_F(TimeLoop, NamesADryCellWithoutAVelocityThatIsNotANumber) {
   EXPECT_FALSE(support::contains(result.err, "nan")) << result.err;
 }
 
+TEST_F(TimeLoop, NamesTheSmallestCellWhereDryCellsSetTheStep) {
+  // Two wet cells of ordinary size, and apart from them a dry one whose size collapses the step.
+  c.nx = c.ny = 1;
+  c.files["nodes.txt"] =
+      "7\n0 0 0\n1 0 0\n1 1 0\n0 1 0\n-3e-8 -3e-8 9\n-2e-8 -3e-8 9\n-3e-8 -2e-8 9\n";
+  c.files["cells.txt"] = "3\n3 0 1 2\n3 0 2 3\n3 4 5 6\n";
+  c.files["edges.txt"] =
+      "8\n0 1 2 0 -1\n0 -1 0 1 -5\n0 -1 1 2 -5\n1 -1 2 3 -5\n1 -1 3 0 -5\n"
+      "2 -1 4 5 -5\n2 -1 5 6 -5\n2 -1 6 4 -5\n";
+  c.files["initial.txt"] = "1 0 0\n1 0 0\n0 0 0\n";
+  const RunResult result = run();
+  EXPECT_EQ(result.status, 255);
+  EXPECT_TRUE(support::contains(result.err, "Limiting cell: 2 (counted from 0)")) << result.err;
+}
+
 TEST_F(TimeLoop, CompletesTheOutputsOfAPassWhoseStepCollapsesInMidRun) {
   c.west = "-33 surge.txt";
   c.files["surge.txt"] = "2\n0 -0.1\n0.5 -1e14\n";

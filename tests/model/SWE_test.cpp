@@ -116,7 +116,8 @@ TEST_F(SWETest, AnUnrecognisedSchemeEndsTheRunAtTheFirstInteriorEdge) {
 
 TEST_F(SWETest, TheRoeSchemeAnnouncesItselfAndEndsTheRun) {
   EXPECT_EXIT(interior(roe), testing::ExitedWithCode(255),
-              testing::Eq("Error. The flux scheme \"Roe\" is not available; use \"LHLLC\".\n"));
+              testing::Eq("Error. The flux scheme \"Roe\" (code 2, edge 0) is not available; use "
+                          "\"LHLLC\".\n"));
   EXPECT_EXIT(
       {
         support::match_standard_output();

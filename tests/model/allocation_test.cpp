@@ -94,19 +94,19 @@ TEST(CountedAllocations, SeeAVectorComeAndGo) {
 }
 
 TEST_F(AllocationTest, AStepWithTimeSeriesAllocatesNothing) {
-  const support::Side hydrograph{interface_code::hydrograph, 0.0,
+  const support::Side hydrograph{edge_code::hydrograph, 0.0,
                                  folder.write("q.txt", "3 0 -0.1 1 -0.3 1e6 -0.2")};
-  const support::Side limnigraph{interface_code::limnigraph, 0.0,
+  const support::Side limnigraph{edge_code::limnigraph, 0.0,
                                  folder.write("z.txt", "3 0 1.3 1 1.5 1e6 1.4")};
   const auto model =
-      build(hydrograph, limnigraph, {interface_code::wall}, {interface_code::transmissive});
+      build(hydrograph, limnigraph, {edge_code::wall}, {edge_code::transmissive});
   EXPECT_EQ(allocations_of_steps(*model), 0);
   EXPECT_GT(Globals::t, 1.0);  // past the second sample and the second interval of the rain
 }
 
 TEST_F(AllocationTest, AStepWithImposedValuesAllocatesNothing) {
-  const auto model = build({interface_code::discharge, -0.2}, {interface_code::water_level, 1.4},
-                           {interface_code::wall}, {interface_code::transmissive});
+  const auto model = build({edge_code::discharge, -0.2}, {edge_code::water_level, 1.4},
+                           {edge_code::wall}, {edge_code::transmissive});
   EXPECT_EQ(allocations_of_steps(*model), 0);
 }
 

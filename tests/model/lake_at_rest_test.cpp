@@ -68,8 +68,8 @@ TEST(LakeAtRest, StaysAroundAnIslandOfTheMesh) {
 TEST(LakeAtRest, StaysBetweenLevelsImposedAtItsOwnLevel) {
   const support::RunGlobals globals(1e-6);
   support::Rectangle open = square;
-  open.west = {interface_code::water_level, level};
-  open.east = {interface_code::water_level, level};
+  open.west = {edge_code::water_level, level};
+  open.east = {edge_code::water_level, level};
   const auto model = support::build_rectangle(open, uneven_bed);
   support::fill(*model, still_level);
   support::advance(*model, steps, 0.9);

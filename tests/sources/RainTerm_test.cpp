@@ -42,6 +42,13 @@ TEST_F(RainTermTest, ReadsPairsOfTimeAndIntensity) {
   EXPECT_EQ(read.get_dts(), 60.0);
 }
 
+TEST_F(RainTermTest, AHyetogramWithoutIntervalsBringsNoRain) {
+  RainTerm empty(4, 0, 30);
+  HydraulicVariableSWE source;
+  empty.compute_source_term(1000.0, source, state, param);
+  EXPECT_EQ(source.h, 0.0);
+}
+
 TEST_F(RainTermTest, FindsTheIntervalOfATime) {
   EXPECT_EQ(rain.current_hyetogram_index(-10.0), 0);
   EXPECT_EQ(rain.current_hyetogram_index(99.0), 0);

@@ -10,13 +10,13 @@
 #include <vector>
 
 #include "globals/Globals.hpp"
-#include "interfaces/interface_codes.hpp"
+#include "globals/edge_codes.hpp"
 #include "model/SWE.hpp"
 
 namespace support {
 
 struct Side {
-  int code = interface_code::wall;
+  int code = edge_code::wall;
   double value = 0.0;
   std::string file = {};
 };
@@ -107,8 +107,8 @@ class RectangleBuilder {
   void add_interfaces() {
     for (std::size_t i = 0; i < edges_.size(); ++i) {
       const EdgeOfTwo& e = edges_[i];
-      const Side side = e.right >= 0 ? Side{interface_code::interior} : side_of(e);
-      model_->build_interface(interface_code::scheme_lhllc, static_cast<int>(i), e.left, e.right,
+      const Side side = e.right >= 0 ? Side{edge_code::interior} : side_of(e);
+      model_->build_interface(edge_code::scheme_lhllc, static_cast<int>(i), e.left, e.right,
                               at(e.node1), at(e.node2), side.code, side.value, side.file);
     }
     model_->n_interfaces = static_cast<int>(model_->interfaces.size());
