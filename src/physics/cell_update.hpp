@@ -26,7 +26,8 @@ QM_HD inline Maxima updated_maxima(Maxima m, double h, double qx, double qy, dou
   const double divisor = wet ? h : 1.0;
   const double u = qx / divisor;
   const double v = qy / divisor;
-  const bool faster = wet && u * u + v * v > m.u * m.u + m.v * m.v;
+  const double speed_squared = wet ? u * u + v * v : -1.0;
+  const bool faster = speed_squared > m.u * m.u + m.v * m.v;
   m.u = faster ? u : m.u;
   m.v = faster ? v : m.v;
   return m;

@@ -36,13 +36,17 @@ QM_HD inline SweCellUpdate update_swe(const SweCell& c, double zero_depth) {
 
   h += c.rain;
 
+  // The soil takes what it asks for, or all there is; a cell emptied by it has no discharge either.
   const bool infiltrates = c.infiltration_step > 0.0;
-  const bool emptied = infiltrates && !(h > c.infiltration_step);
-  const double taken = infiltrates ? (emptied ? h : c.infiltration_step) : 0.0;
+  const bool enough = h > c.infiltration_step;
+  const double taken = enough ? c.infiltration_step : h;
+  const double h_left = enough ? h - c.infiltration_step : 0.0;
+  const double qx_left = enough ? qx : 0.0;
+  const double qy_left = enough ? qy : 0.0;
   const double infiltrated_depth = infiltrates ? c.infiltrated_depth + taken : c.infiltrated_depth;
-  h = emptied ? 0.0 : (infiltrates ? h - taken : h);
-  qx = emptied ? 0.0 : qx;
-  qy = emptied ? 0.0 : qy;
+  h = infiltrates ? h_left : h;
+  qx = infiltrates ? qx_left : qx;
+  qy = infiltrates ? qy_left : qy;
 
   qx += momentum_change(c.source_qx, c.dt, h);
   qy += momentum_change(c.source_qy, c.dt, h);
@@ -51,9 +55,12 @@ QM_HD inline SweCellUpdate update_swe(const SweCell& c, double zero_depth) {
 
   // Water that does not yet cover the cell's highest vertex carries no momentum.
   const double free_surface_level = c.bed_rock_level + h;
-  const bool still = free_surface_level < c.max_node_level || h < zero_depth;
-  qx = still ? 0.0 : qx;
-  qy = still ? 0.0 : qy;
+  const bool partly_wet = free_surface_level < c.max_node_level;
+  const bool dry = h < zero_depth;
+  qx = partly_wet ? 0.0 : qx;
+  qy = partly_wet ? 0.0 : qy;
+  qx = dry ? 0.0 : qx;
+  qy = dry ? 0.0 : qy;
 
   return {h, qx, qy, infiltrated_depth, free_surface_level};
 }
