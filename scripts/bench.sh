@@ -10,7 +10,16 @@ cmake --build build/bench
 
 sizes=("$@")
 [ ${#sizes[@]} -gt 0 ] || sizes=(3000 30000 300000 1000000)
-printf '\n%12s %8s %12s %18s %18s\n' triangles steps 'set-up (s)' 'ns/cell/step' 'bytes/cell (peak)'
-for cells in "${sizes[@]}"; do build/bench/bin/bench_run "$cells"; done
+printf '\n%-8s %7s %12s %8s %12s %18s %18s\n' \
+  path threads triangles steps 'set-up (s)' 'ns/cell/step' 'bytes/cell (peak)'
+row() {
+  printf '%-8s %7s ' "$1" "$2"
+  QUILLMERE_ENGINE=$1 OMP_NUM_THREADS=$2 build/bench/bin/bench_run "$3"
+}
+for cells in "${sizes[@]}"; do
+  row objects 1 "$cells"
+  row tables 1 "$cells"
+  [ "$(nproc)" -eq 1 ] || row tables "$(nproc)" "$cells"
+done
 echo
 build/bench/bin/bench_formulas --benchmark_format=console 2>/dev/null

@@ -49,7 +49,7 @@ class Domain {
 
   // Time loop.
   void fire_outputs();
-  void write_enveloppe_if_due();
+  void write_enveloppe();
   void stop_on_collapsed_step() const;
   void report_limiting_cell() const;
   static void stop_if_writer_failed();

@@ -4,8 +4,7 @@
 #include "globals/WriterHandoff.hpp"
 #include "utils/CellTable.hpp"
 
-void Domain::write_enveloppe_if_due() {
-  if (!(Globals::t > next_enveloppe_time)) return;
+void Domain::write_enveloppe() {
   next_enveloppe_time += dt_enveloppe;
   Handoff::Umax.start([this] { Write_Umax(); });
 }

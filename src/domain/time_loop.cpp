@@ -15,6 +15,7 @@ void Domain::Update() {
   int passes = 0;
 
   Globals::dt = cfl * model->dtMin();
+  model->compile();
   while (Globals::t < Globals_Params::tEnd) {
     fire_outputs();
     if (++passes > passes_between_displays) {
@@ -41,12 +42,22 @@ void Domain::Update() {
 }
 
 void Domain::fire_outputs() {
-  if (is_gauges && gauge->CheckTime(Globals::t)) gauge->WriteMeasure();
-  if (is_pictures && picture->CheckTime(Globals::t, dt_threshold)) {
-    picture->WriteMeasure(model.get());
+  const bool gauge_due = is_gauges && gauge->CheckTime(Globals::t);
+  const bool picture_due = is_pictures && picture->CheckTime(Globals::t, dt_threshold);
+  const bool section_due = is_discharges && monitor_section->CheckTime(Globals::t);
+  const bool enveloppe_due = Globals::t > next_enveloppe_time;
+
+  // All states first: a writer that is started copies while the next one is being prepared.
+  if (picture_due || enveloppe_due) {
+    model->publish();
+  } else {
+    if (gauge_due) model->publish(gauge->watched_cells());
+    if (section_due) model->publish(monitor_section->watched_cells());
   }
-  if (is_discharges && monitor_section->CheckTime(Globals::t)) monitor_section->WriteMeasure();
-  write_enveloppe_if_due();
+  if (gauge_due) gauge->WriteMeasure();
+  if (picture_due) picture->WriteMeasure(model.get());
+  if (section_due) monitor_section->WriteMeasure();
+  if (enveloppe_due) write_enveloppe();
 }
 
 void Domain::stop_on_collapsed_step() const {
@@ -59,6 +70,7 @@ void Domain::stop_on_collapsed_step() const {
 }
 
 void Domain::report_limiting_cell() const {
+  model->publish();
   const ComputationalCell* const cell = model->limiting_cell();
   if (cell == nullptr) return;
   const HydraulicVariableSWE& U = cell->UVal();

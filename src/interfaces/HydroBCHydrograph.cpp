@@ -18,7 +18,7 @@ int HydroBCHydrograph::GetCurrent() {
 }
 
 void HydroBCHydrograph::Flux() {
-  q_imposed = series->value_at(Globals::t, GetCurrent());
+  q_imposed = discharge_now();
   set_left_slot(physics::boundary_slot(
       edge(),
       physics::boundary_discharge(left_side(), q_imposed, qt_imposed, Constants::ZERO_DEPTH)));

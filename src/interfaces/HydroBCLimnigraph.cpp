@@ -20,7 +20,7 @@ int HydroBCLimnigraph::GetCurrent() {
 }
 
 void HydroBCLimnigraph::Flux() {
-  level_imposed = series->value_at(Globals::t, GetCurrent());
+  level_imposed = level_now();
   // Intended: over the bed with its sediments, whereas HydroBCWaterLevel counts from the bed rock.
   h_imposed = level_imposed - cell_left->bed_level;
   c_imposed = c(h_imposed);

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "globals/Globals.hpp"
 #include "interfaces/GenericInterface.hpp"
 #include "interfaces/TimeSeries.hpp"
 
@@ -14,6 +15,8 @@ class HydroBCLimnigraph : public GenericInterface {
                     const std::string& file);
 
   void Flux() override;
+  /// The level at Globals::t, m.
+  double level_now() { return series->value_at(Globals::t, GetCurrent()); }
   /// Advances to the interval of the series that starts before Globals::t.
   int GetCurrent();
 

@@ -5,10 +5,24 @@
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "model/engine_bridge.hpp"
 #include "physics/stable_step.hpp"
 #include "utils/stop.hpp"
 
+PhysicalModel::PhysicalModel() = default;
 PhysicalModel::~PhysicalModel() = default;
+
+void PhysicalModel::compile() { compile(::engine::threads_for(n_cells)); }
+
+void PhysicalModel::compile(int threads) { engine = CompiledModel::compile(*this, threads); }
+
+void PhysicalModel::publish() {
+  if (engine) engine->publish();
+}
+
+void PhysicalModel::publish(const std::vector<int>& cells_wanted) {
+  if (engine) engine->publish(cells_wanted);
+}
 
 void PhysicalModel::build_cell(int, const std::vector<const MeshNode*>&) {}
 void PhysicalModel::setSedimentsParam(utils::TextScanner&) {}
@@ -26,8 +40,13 @@ double PhysicalModel::computeFlowStep() {
 }
 
 double PhysicalModel::advance_one_step() {
-  computeFluxes();
+  if (engine) {
+    engine->fluxes();
+  } else {
+    computeFluxes();
+  }
   Handoff::wait_for_copies();
+  if (engine) return engine->advance();
   computeSourceTerms();
   computeFiniteVolumeBalance();
   return dtMin();

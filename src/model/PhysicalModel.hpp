@@ -12,6 +12,8 @@
 #include "sources/SourceTerm.hpp"
 #include "utils/TextScanner.hpp"
 
+class CompiledModel;
+
 /// Snapshot values, a row per cell; written by the snapshot writer alone.
 struct CellValueRows {
   std::size_t width = 0;
@@ -26,7 +28,7 @@ struct CellValueRows {
 
 class PhysicalModel {
  public:
-  PhysicalModel() = default;
+  PhysicalModel();
   virtual ~PhysicalModel();
   PhysicalModel(const PhysicalModel&) = delete;
   PhysicalModel& operator=(const PhysicalModel&) = delete;
@@ -61,6 +63,14 @@ class PhysicalModel {
   void set_source_term_by_ID(utils::TextScanner& file, const std::vector<SourceTerm*>& terms);
   void set_initial_infiltration(utils::TextScanner& file);
 
+  /// Compiles the model, whose set-up must be complete, into tables if they know all it holds; from
+  /// then on steps run on them and the objects lag behind until they are published.
+  void compile();
+  void compile(int threads);
+  /// Brings the objects up to date with the tables: all cells, or those given.
+  void publish();
+  void publish(const std::vector<int>& cells);
+
   void computeFluxes();
   void computeSourceTerms();
 
@@ -79,6 +89,7 @@ class PhysicalModel {
   CellValueRows cell_value_rows;
   bool has_infiltration = false;
   std::vector<std::unique_ptr<FrictionTerm>> friction_terms;
+  std::unique_ptr<CompiledModel> engine;  ///< null: the objects run
 
  protected:
   /// The schedule of a step, the same for every model.

@@ -19,8 +19,9 @@ CMonitorSection::CMonitorSection(const std::string& path,
     const int edges = file.read_count("number of edges", 1);
     for (int i = 0; i < edges; ++i) {
       const int edge = file.read_index("edge", static_cast<int>(interfaces.size()));
-      sections_[static_cast<std::size_t>(s)].push_back(
-          interfaces[static_cast<std::size_t>(edge)].get());
+      const GenericInterface* const interface = interfaces[static_cast<std::size_t>(edge)].get();
+      sections_[static_cast<std::size_t>(s)].push_back(interface);
+      watched_cells_.push_back(interface->cell_left->id);
     }
   }
   output_.open(name);

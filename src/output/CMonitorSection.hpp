@@ -20,6 +20,8 @@ class CMonitorSection {
   bool CheckTime(double t) const { return t >= next_time_; }
   /// Schedules the next recording and starts the writer.
   void WriteMeasure();
+  /// Numbers of the cells that it looks at.
+  const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
   void WriteOutputThread();
 
@@ -27,6 +29,7 @@ class CMonitorSection {
   std::vector<std::vector<const GenericInterface*>> sections_;
   double interval_ = 0.0;  ///< s
   double next_time_;       ///< s
+  std::vector<int> watched_cells_;
   utils::LineFile output_;
   std::vector<double> discharges_;  ///< m3/s
 };

@@ -42,7 +42,11 @@ Gauge::Gauge(const std::string& path, const CellLocator& cell_with_point, double
     const double y = file.read_number("y");
     file.read_number("z");
     cells_.push_back(cell_with_point(x, y));
-    if (cells_.back() == nullptr) warn_without_cell(i, x, y);
+    if (cells_.back() != nullptr) {
+      watched_cells_.push_back(cells_.back()->id);
+    } else {
+      warn_without_cell(i, x, y);
+    }
   }
   output_.open(Globals::g_outputPath + name);
   Globals::spyFile << " Gauge results written in " << name << " \n";

@@ -21,6 +21,8 @@ class Gauge {
   bool CheckTime(double t) const { return t >= next_time_; }
   /// Schedules the next recording and starts the writer.
   void WriteMeasure();
+  /// Numbers of the cells that it records.
+  const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
   void WriteOutputThread();
 
@@ -28,6 +30,7 @@ class Gauge {
   double interval_ = 0.0;  ///< s
   double next_time_;       ///< s
   std::vector<const ComputationalCell*> cells_;
+  std::vector<int> watched_cells_;
   utils::LineFile output_;
   std::vector<HydraulicVariableSWE> buffer_;
 };

@@ -17,6 +17,8 @@ class GreenAmptTerm : public SourceTerm {
   void compute_source_term(double t, HydraulicVariableSWE& source, HydraulicVariableSWE& state,
                            ParamCell& param) override;
 
+  const physics::GreenAmptSoil& soil() const { return soil_; }
+
  private:
   physics::GreenAmptSoil soil_{};
 };

@@ -14,6 +14,8 @@ class HortonTerm : public SourceTerm {
   void compute_source_term(double t, HydraulicVariableSWE& source, HydraulicVariableSWE& state,
                            ParamCell& param) override;
 
+  const physics::HortonSoil& soil() const { return soil_; }
+
  private:
   physics::HortonSoil soil_{};
 };

@@ -1,16 +1,6 @@
 #include "sources/RainTerm.hpp"
 
 #include "globals/Globals.hpp"
-#include "physics/rain.hpp"
-
-namespace {
-
-physics::Hyetogram hyetogram_of(const RainTerm& term) {
-  return {term.times.data(), term.intensities.data(), static_cast<int>(term.times.size()),
-          term.get_dts()};
-}
-
-}  // namespace
 
 RainTerm::RainTerm(int id, int count, int dts)
     : SourceTerm(id, dts),
@@ -25,13 +15,13 @@ void RainTerm::read_hyetogram(utils::TextScanner& file, int count) {
 }
 
 int RainTerm::current_hyetogram_index(double t) const {
-  return physics::hyetogram_index_at(hyetogram_of(*this), t);
+  return physics::hyetogram_index_at(hyetogram(), t);
 }
 
 void RainTerm::compute_source_term(double t, HydraulicVariableSWE& source, HydraulicVariableSWE&,
                                    ParamCell& param) {
   const physics::RainAddition rain = physics::rain_addition(
-      hyetogram_of(*this), {param.last_update_time, param.hyetogram_index, param.rain_dt}, t,
+      hyetogram(), {param.last_update_time, param.hyetogram_index, param.rain_dt}, t,
       Globals_Params::tStart, Globals_Params::tEnd);
   source.h += rain.depth;
   param.last_update_time = rain.clock.last_update_time;

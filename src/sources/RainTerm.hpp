@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "physics/rain.hpp"
 #include "sources/SourceTerm.hpp"
 #include "utils/TextScanner.hpp"
 
@@ -19,6 +20,11 @@ class RainTerm : public SourceTerm {
 
   void compute_source_term(double t, HydraulicVariableSWE& source, HydraulicVariableSWE& state,
                            ParamCell& param) override;
+
+  /// The hyetogram as the formulas take it; it points into this term.
+  physics::Hyetogram hyetogram() const {
+    return {times.data(), intensities.data(), static_cast<int>(times.size()), get_dts()};
+  }
 
   std::vector<double> times;        ///< s
   std::vector<double> intensities;  ///< m/s

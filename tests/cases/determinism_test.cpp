@@ -1,3 +1,4 @@
+#include <cstdlib>
 #include <map>
 
 #include "cases/CaseTest.hpp"
@@ -32,6 +33,42 @@ TEST_F(Determinism, TwoRunsOfACaseWriteTheSameBytes) {
   EXPECT_EQ(second.status, 0);
   EXPECT_EQ(second.out, first.out);
   EXPECT_EQ(files_of(other), files);
+}
+
+/// Sets a variable of the environment, for the programs that a test runs, until its end.
+class Setting {
+ public:
+  Setting(const char* name, const std::string& value) : name_(name) {
+    setenv(name, value.c_str(), 1);
+  }
+  ~Setting() { unsetenv(name_); }
+  Setting(const Setting&) = delete;
+  Setting& operator=(const Setting&) = delete;
+
+ private:
+  const char* name_;
+};
+
+TEST_F(Determinism, EveryPathWritesTheSameBytesOnAnyNumberOfThreads) {
+  c = support::full_case(113, 65);  // 14,690 cells: enough for seven threads
+  c.set_times(0.0, 0.3);
+  const Setting objects("QUILLMERE_ENGINE", "objects");
+  run_well();
+  const auto files = files_of(folder);
+  const Setting tables("QUILLMERE_ENGINE", "tables");
+  for (const char* threads : {"1", "2", "3", "7"}) {
+    const Setting count("OMP_NUM_THREADS", threads);
+    run_well();
+    EXPECT_EQ(files_of(folder), files) << threads;
+  }
+}
+
+TEST_F(Determinism, AForcedPathThatCannotRunIsRefused) {
+  c = support::full_case();
+  const Setting tables("QUILLMERE_ENGINE", "fables");
+  const support::RunResult result = run();
+  EXPECT_EQ(result.status, 255);
+  EXPECT_EQ(result.err, "Error. QUILLMERE_ENGINE is \"fables\", expected objects or tables.\n");
 }
 
 TEST_F(Determinism, ARunOverTheResultsOfAnotherWritesTheSameBytes) {

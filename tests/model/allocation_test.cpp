@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "model/engine_bridge.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
 #include "sources/RainTerm.hpp"
@@ -108,6 +109,23 @@ TEST_F(AllocationTest, AStepWithImposedValuesAllocatesNothing) {
   const auto model = build({edge_code::discharge, -0.2}, {edge_code::water_level, 1.4},
                            {edge_code::wall}, {edge_code::transmissive});
   EXPECT_EQ(allocations_of_steps(*model), 0);
+}
+
+TEST_F(AllocationTest, AStepOnTheTablesAllocatesNothing) {
+  const support::Side hydrograph{edge_code::hydrograph, 0.0,
+                                 folder.write("q.txt", "3 0 -0.1 1 -0.3 1e6 -0.2")};
+  const auto model = build(hydrograph, {edge_code::water_level, 1.4}, {edge_code::wall},
+                           {edge_code::transmissive});
+  model->compile(3);
+  ASSERT_NE(model->engine, nullptr);
+  Globals::dt = 0.01;
+  for (int i = 0; i < 5; ++i) model->computeFlowStep();
+  const long before = allocations;
+  for (int i = 0; i < 50; ++i) {
+    Globals::t += Globals::dt;
+    model->computeFlowStep();
+  }
+  EXPECT_EQ(allocations - before, 0);
 }
 
 TEST_F(AllocationTest, AModelGivesBackAllThatItTook) {

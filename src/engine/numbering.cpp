@@ -1,0 +1,55 @@
+#include "engine/numbering.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+
+namespace engine {
+
+namespace {
+
+constexpr int levels = 16;
+constexpr std::uint32_t side = 1U << levels;
+
+/// Distance along the curve of the square (x, y) of a grid of side 2^levels.
+std::uint64_t hilbert_distance(std::uint32_t x, std::uint32_t y) {
+  std::uint64_t distance = 0;
+  for (std::uint32_t s = side / 2; s > 0; s /= 2) {
+    const std::uint32_t right = (x & s) != 0 ? 1 : 0;
+    const std::uint32_t upper = (y & s) != 0 ? 1 : 0;
+    distance += static_cast<std::uint64_t>(s) * s * ((3 * right) ^ upper);
+    if (upper == 0) {  // turn the quadrant so that the curve joins
+      if (right == 1) {
+        x = side - 1 - x;
+        y = side - 1 - y;
+      }
+      std::swap(x, y);
+    }
+  }
+  return distance;
+}
+
+}  // namespace
+
+std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
+                                           const std::vector<double>& y) {
+  std::vector<int> order(x.size());
+  std::iota(order.begin(), order.end(), 0);
+  if (x.empty()) return order;
+  const auto [x_min, x_max] = std::minmax_element(x.begin(), x.end());
+  const auto [y_min, y_max] = std::minmax_element(y.begin(), y.end());
+  const double extent = std::max(*x_max - *x_min, *y_max - *y_min);
+  const double scale = extent > 0.0 ? (side - 1) / extent : 0.0;
+
+  std::vector<std::uint64_t> place(x.size());
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    place[i] = hilbert_distance(static_cast<std::uint32_t>((x[i] - *x_min) * scale),
+                                static_cast<std::uint32_t>((y[i] - *y_min) * scale));
+  }
+  std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
+    return place[static_cast<std::size_t>(a)] < place[static_cast<std::size_t>(b)];
+  });
+  return order;
+}
+
+}  // namespace engine

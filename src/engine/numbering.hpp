@@ -1,0 +1,13 @@
+// An order of cells in which neighbours in the plane are neighbours in memory.
+#pragma once
+
+#include <vector>
+
+namespace engine {
+
+/// Permutation of the points (x[i], y[i]) along a Hilbert curve over their extent: entry k is the
+/// point that comes k-th. Source: Hilbert (1891), Math. Ann. 38.
+std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
+                                           const std::vector<double>& y);
+
+}  // namespace engine

@@ -1,0 +1,46 @@
+// The only place that knows both the objects of a model and the tables of the engine.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "engine/Engine.hpp"
+
+class PhysicalModel;
+class HydroBCHydrograph;
+class HydroBCLimnigraph;
+
+/// A model compiled into tables. The objects keep what they are; their states are refreshed on
+/// demand by the publish functions.
+class CompiledModel {
+ public:
+  /// Compiles a model whose set-up is complete; null if it holds anything that the tables do not
+  /// know. QUILLMERE_ENGINE=objects asks for none; with QUILLMERE_ENGINE=tables a model that cannot
+  /// be compiled throws std::runtime_error, so that the path is certain.
+  static std::unique_ptr<CompiledModel> compile(PhysicalModel& model, int threads);
+
+  void fluxes();
+  /// Sources, balance and dry rules; the stable step of the new state, s.
+  double advance();
+
+  /// Copies the states of the tables into the objects: of all cells, or of those given.
+  void publish();
+  void publish(const std::vector<int>& cells);
+
+  const engine::Engine& tables() const { return engine_; }
+
+ private:
+  template <class Interface>
+  struct SeriesEdge {
+    int edge;
+    Interface* interface;
+  };
+
+  CompiledModel(PhysicalModel& model, engine::ModelInput&& input, int threads);
+  void publish_cell(int cell);
+
+  PhysicalModel& model_;
+  engine::Engine engine_;
+  std::vector<SeriesEdge<HydroBCHydrograph>> hydrographs_;
+  std::vector<SeriesEdge<HydroBCLimnigraph>> limnigraphs_;
+};

@@ -1,0 +1,42 @@
+#include "engine/numbering.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+TEST(Numbering, IsAPermutation) {
+  std::vector<double> x, y;
+  for (int i = 0; i < 1000; ++i) {
+    x.push_back(std::fmod(0.618 * i, 1.0) * 5000.0);
+    y.push_back(std::fmod(0.414 * i, 1.0) * 300.0 + 1e6);
+  }
+  std::vector<int> order = engine::order_along_hilbert_curve(x, y);
+  std::sort(order.begin(), order.end());
+  std::vector<int> all(1000);
+  std::iota(all.begin(), all.end(), 0);
+  EXPECT_EQ(order, all);
+}
+
+TEST(Numbering, WalksAGridFromNeighbourToNeighbour) {
+  // A grid whose lines fall on those of the curve: each step of a Hilbert curve is one square.
+  constexpr int side = 16;
+  std::vector<double> x, y;
+  for (int j = 0; j < side; ++j) {
+    for (int i = 0; i < side; ++i) {
+      x.push_back(i);
+      y.push_back(j);
+    }
+  }
+  const std::vector<int> order = engine::order_along_hilbert_curve(x, y);
+  for (std::size_t k = 1; k < order.size(); ++k) {
+    const int a = order[k - 1], b = order[k];
+    EXPECT_EQ(std::abs(a % side - b % side) + std::abs(a / side - b / side), 1) << k;
+  }
+}
+
+TEST(Numbering, AcceptsNoPointsAndEqualPoints) {
+  EXPECT_TRUE(engine::order_along_hilbert_curve({}, {}).empty());
+  EXPECT_EQ(engine::order_along_hilbert_curve({1.0, 1.0}, {2.0, 2.0}), (std::vector<int>{0, 1}));
+}
