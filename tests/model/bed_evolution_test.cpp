@@ -1,7 +1,7 @@
 // An exact unsteady solution with bed load after Meyer-Peter and Muller and Manning friction: depth
-// and velocity are steady, and the whole bed sinks at one rate, because the transport grows linearly
-// along the channel. It extends that of Berthon, Cordier, Delestre and Le (2012), C. R. Math. 350,
-// to this transport law.
+// and velocity are steady, and the whole bed sinks at one rate, because the transport grows
+// linearly along the channel. It extends that of Berthon, Cordier, Delestre and Le (2012), C. R.
+// Math. 350, to this transport law.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -110,6 +110,15 @@ Errors errors_after(double t_end, int cells_along, double x_from, double x_to) {
   return {bed / area, depth / exact_depth};
 }
 
+/// Cells along the channel; the finest mesh is left out where every step is checked by a sanitizer.
+std::vector<int> meshes() {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  return {50, 100, 200};
+#else
+  return {50, 100, 200, 400};
+#endif
+}
+
 }  // namespace
 
 TEST(SinkingChannel, HasTheKnownProfile) {
@@ -125,7 +134,7 @@ TEST(SinkingChannel, TheErrorFallsWithTheMeshAwayFromTheInflow) {
   const double t_end = 900.0;
   const double sunk = SinkingChannel::sunk(t_end);
   Errors coarser{};
-  for (const int cells : {50, 100, 200}) {
+  for (const int cells : meshes()) {
     const Errors errors = errors_after(t_end, cells, 40.0, 95.0);
     std::printf("%4d cells: bed %.3g m (%.2g %% of the sinking), depth %.3g relative\n", cells,
                 errors.bed, 100.0 * errors.bed / sunk, errors.depth);
