@@ -30,9 +30,11 @@ Share share_of(int member, int members, int count) {
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-/// Puts a column in a new order: entry k is the old entry order[k].
+/// Puts a column in a new order: entry k is the old entry order[k]. A column that the run does not
+/// need stays empty.
 template <class Value>
 void reorder(std::vector<Value>& column, const std::vector<int>& order) {
+  if (column.empty()) return;
   std::vector<Value> ordered;
   ordered.reserve(column.size());
   for (const int i : order) ordered.push_back(column[at(i)]);
@@ -56,7 +58,9 @@ Engine::Engine(ModelInput&& input, int threads)
                     ? physics::stable_step_dry(input.char_length_min, input.h0)
                     : physics::unbounded_step),
       char_length_min_(input.char_length_min),
-      sources_{input.has_friction, !input.rain.empty(), !input.infiltration.empty()},
+      sources_{.friction = !input.cells.manning.empty(),
+               .rain = !input.rain.empty(),
+               .infiltration = !input.infiltration.empty()},
       cells_(std::move(input.cells)),
       edges_(std::move(input.edges)),
       rain_terms_(std::move(input.rain)),

@@ -21,7 +21,7 @@ struct CellTable {
   std::vector<double> max_h, max_u, max_v;  ///< m, m/s
   std::vector<double> zb, max_node;         ///< bed rock and highest vertex, m
   std::vector<double> area, char_length;    ///< m2, m
-  std::vector<double> manning;              ///< s/m^(1/3)
+  std::vector<double> manning;              ///< s/m^(1/3); empty without friction
   std::vector<double> infiltrated;          ///< m
   std::vector<int> slots[3];                ///< 2 edge + (0 left, 1 right); -1: none
 };
@@ -54,7 +54,6 @@ struct ModelInput {
   EdgeTable edges;
   std::vector<RainInput> rain;
   std::vector<InfiltrationInput> infiltration;
-  bool has_friction = false;
   double zero_depth = 0.0;
   double char_length_min = 0.0;
   double h0 = 0.0;

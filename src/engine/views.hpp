@@ -25,8 +25,8 @@ struct EdgeColumns {
   const int *left, *right;
   const double *nx, *ny, *length;
   double* mass;  ///< inflow into the left cell, m3/s; the right cell receives the opposite
-  double *momentum_x,
-      *momentum_y;  ///< m4/s2; entry 2 edge for the left cell, 2 edge + 1 for the right
+  /// Momentum, m4/s2: entry 2 edge for the left cell, 2 edge + 1 for the right one.
+  double *momentum_x, *momentum_y;
 };
 
 /// Which source terms a run has.
@@ -51,9 +51,8 @@ struct Kernels {
                     int end);
 };
 
-/// Kernels for the instruction set of the machine, or the one that QUILLMERE_ISA names (baseline,
-/// avx2, avx512); throws std::runtime_error
-/// for a set that the machine lacks or an unknown name.
+/// Kernels for the best instruction set of the machine, or the one that QUILLMERE_ISA names
+/// (baseline, avx2, avx512). Throws std::runtime_error for a set that the machine lacks.
 const Kernels& kernels_of_this_machine();
 
 }  // namespace engine

@@ -69,8 +69,8 @@ bool add_edge(engine::EdgeTable& edges, GenericInterface* interface) {
 
 /// Adds a source term of a cell to the input; false if the tables do not know it.
 bool add_source(engine::ModelInput& input, const ComputationalCell& cell, SourceTerm* source) {
-  if (exactly<FrictionTerm>(source)) {
-    input.has_friction = true;
+  if (const auto* friction = exactly<FrictionTerm>(source)) {
+    input.cells.manning.push_back(friction->get_friction_coefficient());
     return true;
   }
   if (const auto* rain = exactly<RainTerm>(source)) {
@@ -123,7 +123,6 @@ void add_cell(engine::CellTable& cells, const ComputationalCell& cell) {
   cells.max_node.push_back(cell.max_node_level);
   cells.area.push_back(cell.area);
   cells.char_length.push_back(cell.char_length);
-  cells.manning.push_back(cell.friction);
   cells.infiltrated.push_back(cell.param.infiltrated_depth);
   for (std::size_t k = 0; k < 3; ++k) cells.slots[k].push_back(slot_of(cell, k));
 }
@@ -142,6 +141,8 @@ std::optional<engine::ModelInput> describe(PhysicalModel& model) {
     input.y.push_back(cell->center.y);
     add_cell(input.cells, *cell);
   }
+  const std::size_t with_friction = input.cells.manning.size();
+  if (with_friction != 0 && with_friction != model.cells.size()) return std::nullopt;
   for (const auto& interface : model.interfaces) {
     if (!add_edge(input.edges, interface.get())) return std::nullopt;
   }

@@ -155,6 +155,15 @@ TEST_F(Equality, ThePathCanBeForced) {
   unsetenv("QUILLMERE_ENGINE");
 }
 
+TEST_F(Equality, FrictionOnSomeCellsOnlyRunsOnTheObjects) {
+  const support::RunGlobals globals(1e-3);
+  const auto model = build({.friction = false});
+  FrictionTerm term(0.03);
+  model->cells.front()->add_source_term(&term);
+  model->compile(1);
+  EXPECT_EQ(model->engine, nullptr);
+}
+
 TEST_F(Equality, WhatTheTablesDoNotKnowRunsOnTheObjects) {
   struct PaintedWall : HydroBCWall {
     using HydroBCWall::HydroBCWall;
