@@ -17,11 +17,15 @@ void PhysicalModel::compile() { compile(::engine::threads_for(n_cells)); }
 void PhysicalModel::compile(int threads) { engine = CompiledModel::compile(*this, threads); }
 
 void PhysicalModel::publish() {
-  if (engine) engine->publish();
+  if (!engine) return;
+  Handoff::wait_for_copies();
+  engine->publish();
 }
 
 void PhysicalModel::publish(const std::vector<int>& cells_wanted) {
-  if (engine) engine->publish(cells_wanted);
+  if (!engine) return;
+  Handoff::wait_for_copies();
+  engine->publish(cells_wanted);
 }
 
 void PhysicalModel::build_cell(int, const std::vector<const MeshNode*>&) {}

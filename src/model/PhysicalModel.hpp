@@ -67,7 +67,8 @@ class PhysicalModel {
   /// then on steps run on them and the objects lag behind until they are published.
   void compile();
   void compile(int threads);
-  /// Brings the objects up to date with the tables: all cells, or those given.
+  /// Brings the objects up to date with the tables: all cells, or those given. Waits for a writer
+  /// that is copying them.
   void publish();
   void publish(const std::vector<int>& cells);
 

@@ -35,6 +35,13 @@ void counted_deallocation(void* block) noexcept {
 
 void* operator new(std::size_t size) { return counted_allocation(size); }
 void* operator new[](std::size_t size) { return counted_allocation(size); }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  try {
+    return counted_allocation(size);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
 void operator delete(void* block) noexcept { counted_deallocation(block); }
 void operator delete[](void* block) noexcept { counted_deallocation(block); }
 void operator delete(void* block, std::size_t) noexcept { counted_deallocation(block); }
