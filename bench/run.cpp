@@ -43,7 +43,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   // Enough steps for a second or so: a step of this case is about 0.05 s.
-  const double steps_wanted = std::clamp(1e7 / wanted, 20.0, 3000.0);
+  const double steps_wanted = std::clamp(3e7 / wanted, 50.0, 3000.0);
   const Channel channel = channel_of(wanted);
   const std::string folder = make_folder();
   const pid_t writer = fork();  // so that the peak memory is that of the run

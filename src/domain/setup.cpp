@@ -191,4 +191,5 @@ void Domain::set_other_parameters() {
       << "  Minimal characteristic length in a cell (min dx): " << model->char_length_min << '\n'
       << "  ZERO depth: " << Constants::ZERO_DEPTH << '\n';
   utils::print_delimitator(log);
+  model->compile();
 }

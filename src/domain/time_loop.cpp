@@ -15,7 +15,6 @@ void Domain::Update() {
   int passes = 0;
 
   Globals::dt = cfl * model->dtMin();
-  model->compile();
   while (Globals::t < Globals_Params::tEnd) {
     fire_outputs();
     if (++passes > passes_between_displays) {

@@ -1,8 +1,7 @@
 #include "engine/Engine.hpp"
 
 #include <algorithm>
-#include <numeric>
-#include <tuple>
+#include <cstdint>
 
 #include "engine/numbering.hpp"
 #include "physics/boundary_discharge.hpp"
@@ -88,15 +87,16 @@ void Engine::number_edges() {
   for (int& right : e.right) right = right >= 0 ? cell_number_[at(right)] : right;
 
   // Interior edges first, in the order of their lower cell; then the boundaries.
-  const auto rank = [&](int i) {
-    const bool is_boundary = e.right[at(i)] < 0;
-    const int left = e.left[at(i)];
-    const int right = is_boundary ? left : e.right[at(i)];
-    return std::tuple(is_boundary, std::min(left, right), std::max(left, right));
-  };
-  std::vector<int> order(e.left.size());
-  std::iota(order.begin(), order.end(), 0);
-  std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return rank(a) < rank(b); });
+  std::vector<std::uint64_t> keys;
+  keys.reserve(e.left.size());
+  for (std::size_t i = 0; i < e.left.size(); ++i) {
+    const bool is_boundary = e.right[i] < 0;
+    const int right = is_boundary ? e.left[i] : e.right[i];
+    const auto lower = static_cast<std::uint64_t>(std::min(e.left[i], right));
+    const auto upper = static_cast<std::uint64_t>(std::max(e.left[i], right));
+    keys.push_back((is_boundary ? std::uint64_t{1} << 63 : 0) | lower << 31 | upper);
+  }
+  const std::vector<int> order = order_by_key(keys);
   edge_number_ = inverse(order);
   reorder(e.left, order);
   reorder(e.right, order);

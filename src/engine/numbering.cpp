@@ -1,8 +1,7 @@
 #include "engine/numbering.hpp"
 
 #include <algorithm>
-#include <cstdint>
-#include <numeric>
+#include <utility>
 
 namespace engine {
 
@@ -31,11 +30,20 @@ std::uint64_t hilbert_distance(std::uint32_t x, std::uint32_t y) {
 
 }  // namespace
 
+std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys) {
+  std::vector<std::pair<std::uint64_t, int>> pairs;
+  pairs.reserve(keys.size());
+  for (const std::uint64_t key : keys) pairs.emplace_back(key, static_cast<int>(pairs.size()));
+  std::sort(pairs.begin(), pairs.end());
+  std::vector<int> order;
+  order.reserve(keys.size());
+  for (const auto& [key, index] : pairs) order.push_back(index);
+  return order;
+}
+
 std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
                                            const std::vector<double>& y) {
-  std::vector<int> order(x.size());
-  std::iota(order.begin(), order.end(), 0);
-  if (x.empty()) return order;
+  if (x.empty()) return {};
   const auto [x_min, x_max] = std::minmax_element(x.begin(), x.end());
   const auto [y_min, y_max] = std::minmax_element(y.begin(), y.end());
   const double extent = std::max(*x_max - *x_min, *y_max - *y_min);
@@ -46,10 +54,7 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
     place[i] = hilbert_distance(static_cast<std::uint32_t>((x[i] - *x_min) * scale),
                                 static_cast<std::uint32_t>((y[i] - *y_min) * scale));
   }
-  std::stable_sort(order.begin(), order.end(), [&](int a, int b) {
-    return place[static_cast<std::size_t>(a)] < place[static_cast<std::size_t>(b)];
-  });
-  return order;
+  return order_by_key(place);
 }
 
 }  // namespace engine

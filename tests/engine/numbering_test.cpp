@@ -36,6 +36,10 @@ TEST(Numbering, WalksAGridFromNeighbourToNeighbour) {
   }
 }
 
+TEST(Numbering, SortsByKeyAndKeepsTheOrderOfEqualKeys) {
+  EXPECT_EQ(engine::order_by_key({7, 3, 7, 1}), (std::vector<int>{3, 1, 0, 2}));
+}
+
 TEST(Numbering, AcceptsNoPointsAndEqualPoints) {
   EXPECT_TRUE(engine::order_along_hilbert_curve({}, {}).empty());
   EXPECT_EQ(engine::order_along_hilbert_curve({1.0, 1.0}, {2.0, 2.0}), (std::vector<int>{0, 1}));
