@@ -34,7 +34,7 @@ simulate() {
     echo "The program and the case are unchanged: the results of the last run are kept."
     return
   fi
-  echo "Running the flood wave (a minute or so) ..."
+  echo "Running the flood wave (some seconds) ..."
   rm -rf "$case_folder"
   mkdir -p "$case_folder/out"
   inputs | xargs -0 cp -t "$case_folder"
