@@ -53,9 +53,7 @@ Engine::Engine(ModelInput&& input, int threads)
     : kernels_(kernels_of_this_machine()),
       team_(threads),
       zero_depth_(input.zero_depth),
-      dry_step_(input.h0 > input.zero_depth
-                    ? physics::stable_step_dry(input.char_length_min, input.h0)
-                    : physics::unbounded_step),
+      dry_step_(physics::stable_step_dry(input.char_length_min, input.h0, input.zero_depth)),
       char_length_min_(input.char_length_min),
       sources_{.friction = !input.cells.manning.empty(),
                .rain = !input.rain.empty(),
@@ -230,7 +228,7 @@ double Engine::advance(const StepTimes& times) {
   });
   double step = physics::unbounded_step;
   for (const double s : smallest_steps_) step = physics::smaller(step, s);
-  return step == physics::unbounded_step ? char_length_min_ / 10.0 : step;
+  return physics::stable_step_domain(step, char_length_min_);
 }
 
 CellOutput Engine::cell(int object_cell) const {

@@ -87,7 +87,6 @@ class Engine {
 
   CellOutput cell(int object_cell) const;
   int threads() const { return team_.size(); }
-  const char* instruction_set() const { return kernels_.name; }
 
  private:
   void number_cells(const std::vector<double>& x, const std::vector<double>& y);

@@ -20,9 +20,7 @@ int HydroBCLimnigraph::GetCurrent() {
 }
 
 void HydroBCLimnigraph::Flux() {
-  level_imposed = level_now();
-  // Intended: over the bed with its sediments, whereas HydroBCWaterLevel counts from the bed rock.
-  h_imposed = level_imposed - cell_left->bed_level;
+  h_imposed = depth_now();
   c_imposed = c(h_imposed);
   set_left_slot(physics::boundary_slot(
       edge(), physics::boundary_water_level(left_side(), h_imposed, Constants::ZERO_DEPTH)));

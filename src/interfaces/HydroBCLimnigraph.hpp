@@ -15,8 +15,12 @@ class HydroBCLimnigraph : public GenericInterface {
                     const std::string& file);
 
   void Flux() override;
-  /// The level at Globals::t, m.
-  double level_now() { return series->value_at(Globals::t, GetCurrent()); }
+  /// Sets the level at Globals::t and returns its depth over the bed, m.
+  /// Intended: the bed with its sediments; HydroBCWaterLevel counts from the bed rock instead.
+  double depth_now() {
+    level_imposed = series->value_at(Globals::t, GetCurrent());
+    return level_imposed - cell_left->bed_level;
+  }
   /// Advances to the interval of the series that starts before Globals::t.
   int GetCurrent();
 

@@ -66,19 +66,13 @@ void PhysicalModel::computeSourceTerms() {
 
 double PhysicalModel::dtMin() {
   const double zero_depth = Constants::ZERO_DEPTH;
-  const double dt_dry = physics::stable_step_dry(char_length_min, h0);
+  const double dry_step = physics::stable_step_dry(char_length_min, h0, zero_depth);
   double dt = physics::unbounded_step;
   for (const auto& cell : cells) {
-    if (cell->U.h <= zero_depth) {
-      if (dt_dry < dt && h0 > zero_depth) dt = dt_dry;
-    } else {
-      const double step = cell->dtMin();
-      if (step < dt) dt = step;
-    }
+    const double step = cell->U.h <= zero_depth ? dry_step : cell->dtMin();
+    if (step < dt) dt = step;
   }
-  // No wet cell, and a dry initial state.
-  if (dt == physics::unbounded_step) dt = char_length_min / 10.0;
-  return dt;
+  return physics::stable_step_domain(dt, char_length_min);
 }
 
 void PhysicalModel::findH0() {
@@ -110,8 +104,8 @@ const ComputationalCell* PhysicalModel::limiting_cell() const {
     if (smallest == nullptr || cell->char_length < smallest->char_length) smallest = cell.get();
   }
   // Dry cells bound the step by the smallest cell of the mesh.
-  const bool dry_cells_limit = has_dry_cell && h0 > Constants::ZERO_DEPTH &&
-                               physics::stable_step_dry(char_length_min, h0) < step;
+  const double dry_step = physics::stable_step_dry(char_length_min, h0, Constants::ZERO_DEPTH);
+  const bool dry_cells_limit = has_dry_cell && dry_step < step;
   return slowest == nullptr || dry_cells_limit ? smallest : slowest;
 }
 

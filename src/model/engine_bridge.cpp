@@ -4,6 +4,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string_view>
+#include <typeinfo>
 
 #include "globals/Globals.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
@@ -44,8 +45,7 @@ std::optional<Boundary> boundary_of(GenericInterface* interface) {
     return Boundary{BoundaryKind::discharge, discharge->q_imposed};
   }
   if (const auto* level = exactly<HydroBCWaterLevel>(interface)) {
-    return Boundary{BoundaryKind::water_level,
-                    level->level_imposed - level->cell_left->bed_rock_level};
+    return Boundary{BoundaryKind::water_level, level->imposed_depth()};
   }
   if (exactly<HydroBCHydrograph>(interface)) return Boundary{BoundaryKind::discharge};
   if (exactly<HydroBCLimnigraph>(interface)) return Boundary{BoundaryKind::water_level};
@@ -164,8 +164,9 @@ std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int 
   }
   if (path == "objects") return nullptr;
   auto input = describe(model);
-  if (input)
+  if (input) {
     return std::unique_ptr<CompiledModel>(new CompiledModel(model, std::move(*input), threads));
+  }
   if (path == "tables") {
     throw std::runtime_error(
         "Error. QUILLMERE_ENGINE asks for tables, but the model holds what "
@@ -190,7 +191,7 @@ void CompiledModel::fluxes() {
     engine_.impose(edge, hydrograph->discharge_now());
   }
   for (const auto& [edge, limnigraph] : limnigraphs_) {
-    engine_.impose(edge, limnigraph->level_now() - limnigraph->cell_left->bed_level);
+    engine_.impose(edge, limnigraph->depth_now());
   }
   engine_.fluxes();
 }

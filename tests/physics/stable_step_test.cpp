@@ -21,7 +21,17 @@ TEST(StableStep, ADryCellIsUnbounded) {
 }
 
 TEST(StableStepDry, IsHalfTheTimeOfAWaveOfTheLargestInitialDepth) {
-  EXPECT_DOUBLE_EQ(physics::stable_step_dry(12.0, 9.0 * k), 2.0);  // 12 / (2 * 3)
+  EXPECT_DOUBLE_EQ(physics::stable_step_dry(12.0, 9.0 * k, zero_depth), 2.0);  // 12 / (2 * 3)
+}
+
+TEST(StableStepDry, IsUnboundedInADomainThatWasDryFromTheStart) {
+  EXPECT_EQ(physics::stable_step_dry(12.0, zero_depth, zero_depth), 1e20);
+  EXPECT_EQ(physics::stable_step_dry(12.0, 0.0, zero_depth), 1e20);
+}
+
+TEST(StableStepDomain, IsATenthOfTheSmallestLengthWhereNoCellBoundsIt) {
+  EXPECT_EQ(physics::stable_step_domain(0.25, 12.0), 0.25);
+  EXPECT_EQ(physics::stable_step_domain(1e20, 12.0), 1.2);
 }
 
 }  // namespace
