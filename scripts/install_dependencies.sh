@@ -9,6 +9,7 @@ Usage: install_dependencies.sh GROUP...
 
 Groups:
   build   compiler, CMake, Ninja and the JSON library
+  tools   what the companion tools build on
   test    GoogleTest
   bench   Google Benchmark
   plot    matplotlib for /usr/bin/python3
@@ -18,6 +19,7 @@ TEXT
 packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
+    tools) echo libcli11-dev ;;
     test) echo libgtest-dev ;;
     bench) echo libbenchmark-dev ;;
     plot) echo python3-matplotlib ;;

@@ -1,0 +1,34 @@
+#include "support/Tool.hpp"
+
+#include <exception>
+#include <iostream>
+#include <string>
+
+namespace tools {
+
+namespace {
+
+constexpr int status_error = 1;
+constexpr int status_wrong_usage = 2;
+
+}  // namespace
+
+Tool::Tool(const char* name, const char* summary, const char* examples)
+    : app_(std::string("Examples:\n") + examples + "\n" + summary, name) {
+  app_.set_version_flag("--version", std::string(name) + " " + QUILLMERE_VERSION);
+  app_.require_subcommand(1);
+}
+
+int Tool::run(int argc, char** argv) {
+  try {
+    app_.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app_.exit(error) == 0 ? 0 : status_wrong_usage;
+  } catch (const std::exception& error) {
+    std::cerr << app_.get_name() << ": " << error.what() << "\n";
+    return status_error;
+  }
+  return 0;
+}
+
+}  // namespace tools

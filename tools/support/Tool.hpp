@@ -1,0 +1,29 @@
+// What the companion programs share: commands, exit statuses, and how an error is said.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <stdexcept>
+
+namespace tools {
+
+/// A reason to end with status 1: the file, the place in it, what was found and what is expected.
+class Error : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A command line program with subcommands. Every subcommand runs from its callback.
+class Tool {
+ public:
+  /// `examples` opens the help text.
+  Tool(const char* name, const char* summary, const char* examples);
+
+  CLI::App& app() { return app_; }
+  /// Parses and runs: 0, or 1 after an error, or 2 for wrong usage. Messages go to standard error.
+  int run(int argc, char** argv);
+
+ private:
+  CLI::App app_;
+};
+
+}  // namespace tools
