@@ -89,7 +89,8 @@ void boundary_water_level(benchmark::State& state) {
 
 void friction_manning(benchmark::State& state) {
   run_batch(state, [](std::size_t i) {
-    return physics::friction_manning(0.03, waters[i].h, waters[i].qx, waters[i].qy);
+    return physics::friction_manning(0.03, waters[i].h, 1.0 / waters[i].h, waters[i].qx,
+                                     waters[i].qy);
   });
 }
 

@@ -8,33 +8,26 @@
 #include "physics/boundary_transmissive.hpp"
 #include "physics/boundary_wall.hpp"
 #include "physics/boundary_water_level.hpp"
+#include "physics/flux_clhllc.hpp"
+#include "physics/stable_step.hpp"
 
 namespace engine {
 
 namespace {
 
-/// Share of a range that a member of the team takes, cut at multiples of a cache line of doubles.
-struct Share {
-  int begin, end;
-};
+std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-Share share_of(int member, int members, int count) {
-  constexpr int grain = 64;
-  const int grains = (count + grain - 1) / grain;
-  const auto cut = [&](int m) {
-    return std::min(count, grain * static_cast<int>(static_cast<long long>(grains) * m / members));
-  };
+/// Share of a list that a member of the team takes.
+Range share_of(int member, int members, std::size_t count) {
+  const auto cut = [&](int m) { return static_cast<int>(count * at(m) / at(members)); };
   return {cut(member), cut(member + 1)};
 }
 
-std::size_t at(int i) { return static_cast<std::size_t>(i); }
-
-/// Puts a column in a new order: entry k is the old entry order[k]. A column that the run does not
-/// need stays empty.
-template <class Value>
-void reorder(std::vector<Value>& column, const std::vector<int>& order) {
+/// Puts a column in a new order: entry k is the old entry order[k].
+template <class Vector>
+void reorder(Vector& column, const std::vector<int>& order) {
   if (column.empty()) return;
-  std::vector<Value> ordered;
+  Vector ordered;
   ordered.reserve(column.size());
   for (const int i : order) ordered.push_back(column[at(i)]);
   column = std::move(ordered);
@@ -47,194 +40,414 @@ std::vector<int> inverse(const std::vector<int>& order) {
   return number;
 }
 
+/// Patches whose edges, states and slots stay in a core's second cache, and as many for every
+/// thread; a multiple of a cache line of doubles, so that no two threads write to one.
+int cells_per_patch_for(int cells, int threads) {
+  constexpr int wanted = 1024, grain = 64;
+  const int rounds = std::max(1, (cells + wanted * threads / 2) / (wanted * threads));
+  const int patches = rounds * threads;
+  return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
+}
+
+template <class Value>
+Value* data_or_null(AlignedVector<Value>& column) {
+  return column.empty() ? nullptr : column.data();
+}
+
 }  // namespace
+
+SlotColumns Engine::Scratch::slots() {
+  return {mass.data(), momentum_x.data(), momentum_y.data(), data_or_null(bed)};
+}
 
 Engine::Engine(ModelInput&& input, int threads)
     : kernels_(kernels_of_this_machine()),
+      model_(input.has_bed ? kernels_.water_and_bed : kernels_.water),
       team_(threads),
-      zero_depth_(input.zero_depth),
+      has_bed_(input.has_bed),
+      watches_hyperbolicity_(input.has_bed),
       dry_step_(physics::stable_step_dry(input.char_length_min, input.h0, input.zero_depth)),
       char_length_min_(input.char_length_min),
-      sources_{.friction = !input.cells.manning.empty(),
-               .rain = !input.rain.empty(),
-               .infiltration = !input.infiltration.empty()},
       cells_(std::move(input.cells)),
-      edges_(std::move(input.edges)),
-      rain_terms_(std::move(input.rain)),
-      infiltration_terms_(std::move(input.infiltration)),
-      smallest_steps_(at(team_.size()), physics::unbounded_step) {
-  number_cells(input.x, input.y);
-  number_edges();
-  number_sources();
+      rain_(std::move(input.rain)),
+      soils_(std::move(input.soils)) {
+  step_.zero_depth = input.zero_depth;
+  step_.dry_step = dry_step_;
+  step_.porosity = input.porosity;
+  step_.grains = input.grains;
+  number_cells(input.x, input.y, input.edges);
+  const int cells = static_cast<int>(cells_.h.size());
+  patches_ = make_patches(
+      input.edges, cells_.slots,
+      input.cells_per_patch > 0 ? input.cells_per_patch : cells_per_patch_for(cells, threads));
+  for (auto& slots : cells_.slots) slots = {};
+  if (!has_bed_) patches_.edge_number = patches_.cut_edge_number = {};
+  number_boundaries(input.boundaries, input.edges);
+  derive_columns();
+  prepare_scratch();
 }
 
-void Engine::number_cells(const std::vector<double>& x, const std::vector<double>& y) {
+void Engine::number_cells(const std::vector<double>& x, const std::vector<double>& y,
+                          EdgeTable& edges) {
   const std::vector<int> order = order_along_hilbert_curve(x, y);
   cell_number_ = inverse(order);
   CellTable& c = cells_;
-  for (auto* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.max_u, &c.max_v, &c.zb, &c.max_node,
-                       &c.area, &c.char_length, &c.manning, &c.infiltrated}) {
+  for (Column* column :
+       {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.max_u, &c.max_v, &c.bed, &c.max_node, &c.area,
+        &c.char_length, &c.manning, &c.infiltrated, &c.hs, &c.qsx, &c.qsy, &c.dqs_dh, &c.rock}) {
     reorder(*column, order);
   }
-  for (std::vector<int>& slots : c.slots) reorder(slots, order);
+  for (AlignedVector<int>* column : {&c.rain, &c.soil, &c.slots[0], &c.slots[1], &c.slots[2]}) {
+    reorder(*column, order);
+  }
+  for (int& left : edges.left) left = cell_number_[at(left)];
+  for (int& right : edges.right) right = right >= 0 ? cell_number_[at(right)] : right;
 }
 
-void Engine::number_edges() {
-  EdgeTable& e = edges_;
-  for (int& left : e.left) left = cell_number_[at(left)];
-  for (int& right : e.right) right = right >= 0 ? cell_number_[at(right)] : right;
-
-  // Interior edges first, in the order of their lower cell; then the boundaries.
-  std::vector<std::uint64_t> keys;
-  keys.reserve(e.left.size());
-  for (std::size_t i = 0; i < e.left.size(); ++i) {
-    const bool is_boundary = e.right[i] < 0;
-    const int right = is_boundary ? e.left[i] : e.right[i];
-    const auto lower = static_cast<std::uint64_t>(std::min(e.left[i], right));
-    const auto upper = static_cast<std::uint64_t>(std::max(e.left[i], right));
-    keys.push_back((is_boundary ? std::uint64_t{1} << 63 : 0) | lower << 31 | upper);
+void Engine::number_boundaries(const std::vector<BoundaryInput>& boundaries,
+                               const EdgeTable& edges) {
+  std::vector<int> input_number(edges.left.size(), -1);
+  for (std::size_t b = 0; b < boundaries.size(); ++b) {
+    input_number[at(boundaries[b].edge)] = static_cast<int>(b);
   }
-  const std::vector<int> order = order_by_key(keys);
-  edge_number_ = inverse(order);
-  reorder(e.left, order);
-  reorder(e.right, order);
-  for (auto* column : {&e.nx, &e.ny, &e.length, &e.imposed}) reorder(*column, order);
-  reorder(e.kind, order);
-  interior_edges_ = static_cast<int>(
-      std::count_if(e.right.begin(), e.right.end(), [](int right) { return right >= 0; }));
+  boundary_number_.resize(boundaries.size());
+  for (const int edge : patches_.boundary_number) {
+    const std::size_t e = at(edge);
+    const BoundaryInput& input = boundaries[at(input_number[e])];
+    boundary_number_[at(input_number[e])] = static_cast<int>(boundaries_.size());
+    boundaries_.push_back({input.kind,
+                           edges.left[e],
+                           {edges.nx[e], edges.ny[e], edges.length[e]},
+                           input.imposed,
+                           input.imposed_bed});
+  }
+}
 
-  // One edge more, which never carries anything, for slots that no edge fills.
-  const std::size_t n = e.left.size();
-  const int no_flux = 2 * static_cast<int>(n);
-  mass_.assign(n + 1, 0.0);
-  momentum_x_.assign(2 * (n + 1), 0.0);
-  momentum_y_.assign(2 * (n + 1), 0.0);
-  for (std::vector<int>& slots : cells_.slots) {
-    for (int& slot : slots) {
-      slot = slot >= 0 ? 2 * edge_number_[at(slot >> 1)] + (slot & 1) : no_flux;
+void Engine::derive_columns() {
+  reciprocal_.reserve(cells_.h.size());
+  celerity_.reserve(cells_.h.size());
+  for (const double h : cells_.h) {
+    const physics::DepthTerms depth = physics::depth_terms(h, step_.zero_depth);
+    reciprocal_.push_back(depth.reciprocal);
+    celerity_.push_back(depth.celerity);
+  }
+  for (double& area : cells_.area) area = 1.0 / area;
+
+  const std::size_t patches = patches_.patches.size();
+  can_change_.assign(patches, 1);  // the first step sets free surfaces and maxima everywhere
+  always_active_.assign(patches, 0);
+  has_rain_.assign(patches, 0);
+  has_soil_.assign(patches, 0);
+  marks_.assign(patches, 0);
+  for (std::size_t p = 0; p < patches; ++p) {
+    const Patch& patch = patches_.patches[p];
+    for (int b = patch.boundaries.begin; b < patch.boundaries.end; ++b) {
+      const BoundaryKind kind = boundaries_[at(b)].kind;
+      if (kind == BoundaryKind::discharge || kind == BoundaryKind::water_level) {
+        always_active_[p] = 1;
+      }
+    }
+    for (int i = patch.cells.begin; i < patch.cells.end; ++i) {
+      if (!cells_.rain.empty() && cells_.rain[at(i)] > 0) has_rain_[p] = 1;
+      if (cells_.soil.empty() || cells_.soil[at(i)] < 0) continue;
+      const Soil& soil = soils_[at(cells_.soil[at(i)])];
+      has_soil_[p] = 1;
+      if ((soil.is_green_ampt ? soil.green_ampt.kr : soil.horton.kr) > 0.0) always_active_[p] = 1;
+    }
+  }
+  rain_depths_.assign(rain_.size() + 1, 0.0);
+}
+
+void Engine::prepare_scratch() {
+  std::size_t slots = 0, cells = 0;
+  for (const Patch& patch : patches_.patches) {
+    slots = std::max(slots, at(patch.empty_slot()) + 1);
+    cells = std::max(cells, at(patch.cells.size()));
+  }
+  scratch_.resize(at(team_.size()));
+  for (Scratch& scratch : scratch_) {
+    for (Column* column : {&scratch.mass, &scratch.momentum_x, &scratch.momentum_y}) {
+      column->assign(slots, 0.0);
+    }
+    if (has_bed_) scratch.bed.assign(slots, 0.0);
+    if (!soils_.empty()) scratch.demand.assign(cells, 0.0);
+  }
+  const std::size_t outer = 2 * patches_.cut_edges.left.size() + boundaries_.size();
+  for (Column* column : {&outer_mass_, &outer_momentum_x_, &outer_momentum_y_}) {
+    column->assign(outer, 0.0);
+  }
+  if (has_bed_) outer_bed_.assign(outer, 0.0);
+  active_.reserve(patches_.patches.size());
+  with_fluxes_.reserve(patches_.patches.size());
+}
+
+CellColumns Engine::cell_columns() {
+  CellTable& c = cells_;
+  return {.h = c.h.data(),
+          .qx = c.qx.data(),
+          .qy = c.qy.data(),
+          .reciprocal = reciprocal_.data(),
+          .celerity = celerity_.data(),
+          .bed = c.bed.data(),
+          .eta = data_or_null(c.eta),
+          .max_h = c.max_h.data(),
+          .max_u = c.max_u.data(),
+          .max_v = c.max_v.data(),
+          .max_node = data_or_null(c.max_node),
+          .reciprocal_area = c.area.data(),
+          .char_length = c.char_length.data(),
+          .manning = data_or_null(c.manning),
+          .infiltrated = data_or_null(c.infiltrated),
+          .rain = data_or_null(c.rain),
+          .hs = data_or_null(c.hs),
+          .qsx = data_or_null(c.qsx),
+          .qsy = data_or_null(c.qsy),
+          .dqs_dh = data_or_null(c.dqs_dh),
+          .rock = data_or_null(c.rock),
+          .slots = {patches_.slots[0].data(), patches_.slots[1].data(), patches_.slots[2].data()}};
+}
+
+EdgeColumns<Local> Engine::patch_edge_columns() const {
+  const PatchEdges& e = patches_.edges;
+  return {e.left.data(), e.right.data(), e.nx.data(), e.ny.data(), e.length.data()};
+}
+
+EdgeColumns<int> Engine::cut_edge_columns() const {
+  const EdgeTable& e = patches_.cut_edges;
+  return {e.left.data(), e.right.data(), e.nx.data(), e.ny.data(), e.length.data()};
+}
+
+SlotColumns Engine::outer_slot_columns() {
+  return {outer_mass_.data(), outer_momentum_x_.data(), outer_momentum_y_.data(),
+          data_or_null(outer_bed_)};
+}
+
+void Engine::impose(int boundary, double value) {
+  boundaries_[at(boundary_number_[at(boundary)])].imposed = value;
+}
+
+void Engine::fluxes(const StepTimes& times) {
+  step_.dt = times.dt;
+  rain(times);
+  find_active_patches();
+  team_.run([&](int member) {
+    Scratch& scratch = scratch_[at(member)];
+    scratch.not_hyperbolic.reset();
+    const Range share = share_of(member, team_.size(), with_fluxes_.size());
+    for (int k = share.begin; k < share.end; ++k) {
+      outer_fluxes(patches_.patches[at(with_fluxes_[at(k)])], scratch);
+    }
+  });
+}
+
+void Engine::rain(const StepTimes& times) {
+  bool rains = false;
+  for (std::size_t r = 0; r < rain_.size(); ++r) {
+    const physics::RainAddition rain = physics::rain_addition(rain_[r].hyetogram, rain_[r].clock,
+                                                              times.t, times.t_start, times.t_end);
+    rain_[r].clock = rain.clock;
+    rain_depths_[r + 1] = rain.depth;
+    if (rain.depth != 0.0) rains = true;
+  }
+  step_.rain_depths = rains ? rain_depths_.data() : nullptr;
+}
+
+/// A patch takes part where one of its cells or of its neighbours' may change. Elsewhere all fluxes
+/// are exactly zero and the step would leave every cell as it is. Outer fluxes are needed around
+/// every patch that takes part.
+void Engine::find_active_patches() {
+  const std::size_t count = patches_.patches.size();
+  const bool rains = step_.rain_depths != nullptr;
+  for (std::size_t p = 0; p < count; ++p) {
+    marks_[p] = can_change_[p] != 0 || always_active_[p] != 0 || (rains && has_rain_[p] != 0);
+  }
+  const auto near_a_mark = [&](std::size_t p) {
+    const Range range = patches_.patches[p].neighbours;
+    return marks_[p] != 0 || std::any_of(patches_.neighbours.begin() + range.begin,
+                                         patches_.neighbours.begin() + range.end,
+                                         [&](int q) { return marks_[at(q)] != 0; });
+  };
+  const auto collect = [&](std::vector<int>& list) {
+    list.clear();
+    for (std::size_t p = 0; p < count; ++p) {
+      if (near_a_mark(p)) list.push_back(static_cast<int>(p));
+    }
+  };
+  collect(active_);
+  for (const int p : active_) marks_[at(p)] = 1;
+  collect(with_fluxes_);
+}
+
+void Engine::outer_fluxes(const Patch& patch, Scratch& scratch) {
+  const SlotColumns slots = outer_slot_columns();
+  const int cut_edges = static_cast<int>(patches_.cut_edges.left.size());
+  const Range cut = patch.cut_edges;
+  const EdgeRange range = {cut.begin, cut.end, 0, slots.from(cut.begin),
+                           slots.from(cut_edges + cut.begin)};
+  const EdgeColumns<int> edges = cut_edge_columns();
+  if (!model_.fluxes(cell_columns(), edges, range, step_)) {
+    find_not_hyperbolic(edges, range, patches_.cut_edge_number, scratch);
+  }
+  for (int b = patch.boundaries.begin; b < patch.boundaries.end; ++b) flux_of_boundary(b);
+}
+
+void Engine::flux_of_boundary(int number) {
+  const Boundary& boundary = boundaries_[at(number)];
+  const std::size_t c = at(boundary.cell);
+  const double zero_depth = step_.zero_depth;
+  const double eta = cells_.eta.empty() ? cells_.bed[c] + cells_.h[c] : cells_.eta[c];
+  const physics::EdgeSide side =
+      physics::to_edge_frame({cells_.h[c], cells_.qx[c], cells_.qy[c], cells_.bed[c], eta},
+                             {reciprocal_[c], celerity_[c]}, boundary.edge, zero_depth);
+  physics::BoundaryFlux flux{};
+  double bed = 0.0;
+  const auto own_bed_flux = [&] {
+    return physics::boundary_bed_flux(
+        {cells_.hs[c], cells_.qsx[c], cells_.qsy[c], cells_.dqs_dh[c]}, boundary.edge,
+        step_.porosity);
+  };
+  switch (boundary.kind) {
+    case BoundaryKind::wall:
+      flux = physics::boundary_wall(side, zero_depth);
+      break;
+    case BoundaryKind::transmissive:
+      flux = physics::boundary_transmissive(side, zero_depth);
+      if (has_bed_) bed = own_bed_flux();
+      break;
+    case BoundaryKind::discharge:
+      flux = physics::boundary_discharge(side, boundary.imposed, 0.0, zero_depth);
+      if (has_bed_) bed = boundary.imposed_bed / (1.0 - step_.porosity);
+      break;
+    case BoundaryKind::water_level:
+      flux = physics::boundary_water_level(side, boundary.imposed, zero_depth);
+      if (has_bed_) bed = own_bed_flux();
+      break;
+  }
+  const physics::WaterSlot slot = physics::boundary_slot(boundary.edge, flux);
+  const std::size_t k = 2 * patches_.cut_edges.left.size() + at(number);
+  outer_mass_[k] = slot.h;
+  outer_momentum_x_[k] = slot.qx;
+  outer_momentum_y_[k] = slot.qy;
+  if (has_bed_) outer_bed_[k] = side.wet ? -boundary.edge.length * bed : 0.0;
+}
+
+double Engine::advance() {
+  team_.run([&](int member) {
+    Scratch& scratch = scratch_[at(member)];
+    scratch.smallest_step = physics::unbounded_step;
+    const Range share = share_of(member, team_.size(), active_.size());
+    for (int k = share.begin; k < share.end; ++k) advance_patch(active_[at(k)], scratch);
+  });
+  cells_.eta = {};  // from now on bed and depth
+  double step = physics::unbounded_step;
+  for (const Scratch& scratch : scratch_) step = physics::smaller(step, scratch.smallest_step);
+  const bool skipped_dry_cells = active_.size() < patches_.patches.size();
+  if (skipped_dry_cells) step = physics::smaller(step, dry_step_);
+  return physics::stable_step_domain(step, char_length_min_);
+}
+
+void Engine::advance_patch(int number, Scratch& scratch) {
+  const Patch& patch = patches_.patches[at(number)];
+  const CellColumns cells = cell_columns();
+  const SlotColumns slots = scratch.slots();
+  const EdgeColumns<Local> edges = patch_edge_columns();
+  const EdgeRange within = {patch.edges.begin, patch.edges.end, patch.cells.begin, slots,
+                            slots.from(patch.right_slots())};
+  if (!model_.patch_fluxes(cells, edges, within, step_)) {
+    find_not_hyperbolic(edges, within, patches_.edge_number, scratch);
+  }
+
+  const SlotColumns taken = slots.from(patch.outer_slots_begin());
+  for (int k = 0; k < patch.outer_slots.size(); ++k) {
+    const std::size_t outer = at(patches_.outer_slots[at(patch.outer_slots.begin + k)]);
+    taken.mass[k] = outer_mass_[outer];
+    taken.momentum_x[k] = outer_momentum_x_[outer];
+    taken.momentum_y[k] = outer_momentum_y_[outer];
+    if (has_bed_) taken.bed[k] = outer_bed_[outer];
+  }
+  taken.mass[patch.outer_slots.size()] = 0.0;
+  taken.momentum_x[patch.outer_slots.size()] = 0.0;
+  taken.momentum_y[patch.outer_slots.size()] = 0.0;
+  if (has_bed_) taken.bed[patch.outer_slots.size()] = 0.0;
+
+  const bool has_soil = has_soil_[at(number)] != 0;
+  if (has_soil) set_demand(patch, scratch);
+  const bool drinks = has_soil && !has_bed_;  // sediment beds let no water in
+  const CellRange range = {patch.cells.begin, patch.cells.end, slots,
+                           drinks ? scratch.demand.data() : nullptr};
+  const Advance after = model_.advance(cells, range, step_, scratch.smallest_step);
+  scratch.smallest_step = after.stable_step;
+  can_change_[at(number)] = after.all_dry ? 0 : 1;
+}
+
+void Engine::set_demand(const Patch& patch, Scratch& scratch) {
+  for (int i = patch.cells.begin; i < patch.cells.end; ++i) {
+    const std::size_t c = at(i);
+    double& demand = scratch.demand[at(i - patch.cells.begin)];
+    demand = 0.0;
+    if (cells_.soil[c] < 0) continue;
+    const Soil& soil = soils_[at(cells_.soil[c])];
+    const physics::Infiltration infiltration =
+        soil.is_green_ampt ? physics::infiltration_green_ampt(soil.green_ampt, cells_.h[c],
+                                                              cells_.infiltrated[c], 0.0, step_.dt)
+                           : physics::infiltration_horton(soil.horton, cells_.h[c],
+                                                          cells_.infiltrated[c], 0.0, step_.dt);
+    demand = infiltration.demand;
+    cells_.infiltrated[c] = infiltration.infiltrated;
+  }
+}
+
+template <class Index>
+void Engine::find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRange& range,
+                                 const std::vector<int>& numbers, Scratch& scratch) const {
+  if (!watches_hyperbolicity_) return;
+  for (int e = range.begin; e < range.end; ++e) {
+    if (scratch.not_hyperbolic && scratch.not_hyperbolic->edge < numbers[at(e)]) continue;
+    const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
+    for (const int cell : {range.first_cell + edges.right[e], range.first_cell + edges.left[e]}) {
+      const std::size_t c = at(cell);
+      const physics::EdgeSide side = physics::to_edge_frame(
+          {cells_.h[c], cells_.qx[c], cells_.qy[c], cells_.bed[c], cells_.bed[c] + cells_.h[c]},
+          {reciprocal_[c], celerity_[c]}, edge, step_.zero_depth);
+      if (!physics::coupled_speeds(side, cells_.dqs_dh[c], step_.porosity, step_.zero_depth)
+               .hyperbolic) {
+        scratch.not_hyperbolic = {numbers[at(e)], cell, cells_.h[c], cells_.qx[c], cells_.qy[c]};
+      }
     }
   }
 }
 
-void Engine::number_sources() {
-  for (RainInput& term : rain_terms_) term.cell = cell_number_[at(term.cell)];
-  for (InfiltrationInput& term : infiltration_terms_) term.cell = cell_number_[at(term.cell)];
-  if (sources_.rain) rain_.assign(cells_.h.size(), 0.0);
-  if (sources_.infiltration) demand_.assign(cells_.h.size(), 0.0);
-}
-
-CellColumns Engine::cell_columns() {
-  return {.h = cells_.h.data(),
-          .qx = cells_.qx.data(),
-          .qy = cells_.qy.data(),
-          .eta = cells_.eta.data(),
-          .max_h = cells_.max_h.data(),
-          .max_u = cells_.max_u.data(),
-          .max_v = cells_.max_v.data(),
-          .zb = cells_.zb.data(),
-          .max_node = cells_.max_node.data(),
-          .area = cells_.area.data(),
-          .char_length = cells_.char_length.data(),
-          .manning = cells_.manning.data(),
-          .rain = rain_.data(),
-          .demand = demand_.data(),
-          .infiltrated = cells_.infiltrated.data(),
-          .slots = {cells_.slots[0].data(), cells_.slots[1].data(), cells_.slots[2].data()}};
-}
-
-EdgeColumns Engine::edge_columns() {
-  return {.left = edges_.left.data(),
-          .right = edges_.right.data(),
-          .nx = edges_.nx.data(),
-          .ny = edges_.ny.data(),
-          .length = edges_.length.data(),
-          .mass = mass_.data(),
-          .momentum_x = momentum_x_.data(),
-          .momentum_y = momentum_y_.data()};
-}
-
-void Engine::fluxes() {
-  const CellColumns cells = cell_columns();
-  const EdgeColumns edges = edge_columns();
-  team_.run([&](int member) {
-    const Share interior = share_of(member, team_.size(), interior_edges_);
-    kernels_.fluxes(cells, edges, zero_depth_, interior.begin, interior.end);
-    const int boundary_edges = static_cast<int>(edges_.left.size()) - interior_edges_;
-    const Share outer = share_of(member, team_.size(), boundary_edges);
-    for (int b = outer.begin; b < outer.end; ++b) flux_of_boundary(interior_edges_ + b);
-  });
-}
-
-void Engine::flux_of_boundary(int boundary_edge) {
-  const std::size_t e = at(boundary_edge);
-  const std::size_t c = at(edges_.left[e]);
-  const physics::Edge edge = {edges_.nx[e], edges_.ny[e], edges_.length[e]};
-  const physics::EdgeSide side = physics::to_edge_frame(
-      {cells_.h[c], cells_.qx[c], cells_.qy[c], cells_.zb[c], cells_.eta[c]}, edge, zero_depth_);
-  physics::BoundaryFlux flux{};
-  switch (edges_.kind[e]) {
-    case BoundaryKind::wall:
-      flux = physics::boundary_wall(side, zero_depth_);
-      break;
-    case BoundaryKind::transmissive:
-      flux = physics::boundary_transmissive(side, zero_depth_);
-      break;
-    case BoundaryKind::discharge:
-      flux = physics::boundary_discharge(side, edges_.imposed[e], 0.0, zero_depth_);
-      break;
-    case BoundaryKind::water_level:
-      flux = physics::boundary_water_level(side, edges_.imposed[e], zero_depth_);
-      break;
+std::optional<NotHyperbolic> Engine::take_not_hyperbolic() {
+  std::optional<NotHyperbolic> first;
+  for (const Scratch& scratch : scratch_) {
+    if (scratch.not_hyperbolic && (!first || scratch.not_hyperbolic->edge < first->edge)) {
+      first = scratch.not_hyperbolic;
+    }
   }
-  const physics::WaterSlot slot = physics::boundary_slot(edge, flux);
-  mass_[e] = slot.h;
-  momentum_x_[2 * e] = slot.qx;
-  momentum_y_[2 * e] = slot.qy;
+  if (!first) return first;
+  watches_hyperbolicity_ = false;
+  const auto place = std::find(cell_number_.begin(), cell_number_.end(), first->cell);
+  first->cell = static_cast<int>(place - cell_number_.begin());
+  return first;
 }
 
-void Engine::add_rain(const StepTimes& times) {
-  for (RainInput& term : rain_terms_) {
-    const physics::RainAddition rain =
-        physics::rain_addition(term.hyetogram, term.clock, times.t, times.t_start, times.t_end);
-    rain_[at(term.cell)] = rain.depth;
-    term.clock = rain.clock;
-  }
-}
-
-void Engine::set_infiltration(const StepTimes& times) {
-  for (const InfiltrationInput& term : infiltration_terms_) {
-    const std::size_t c = at(term.cell);
-    const physics::Infiltration soil =
-        term.is_green_ampt
-            ? physics::infiltration_green_ampt(term.green_ampt, cells_.h[c], cells_.infiltrated[c],
-                                               demand_[c], times.dt)
-            : physics::infiltration_horton(term.horton, cells_.h[c], cells_.infiltrated[c],
-                                           demand_[c], times.dt);
-    demand_[c] = soil.demand;
-    cells_.infiltrated[c] = soil.infiltrated;
-  }
-}
-
-double Engine::advance(const StepTimes& times) {
-  add_rain(times);
-  set_infiltration(times);
-  const CellColumns cells = cell_columns();
-  const EdgeColumns edges = edge_columns();
-  const StepValues values = {times.dt, zero_depth_, dry_step_};
-  team_.run([&](int member) {
-    const Share share = share_of(member, team_.size(), static_cast<int>(cells_.h.size()));
-    smallest_steps_[at(member)] =
-        kernels_.advance(cells, edges, sources_, values, share.begin, share.end);
-  });
-  double step = physics::unbounded_step;
-  for (const double s : smallest_steps_) step = physics::smaller(step, s);
-  return physics::stable_step_domain(step, char_length_min_);
-}
-
-CellOutput Engine::cell(int object_cell) const {
-  const std::size_t k = at(cell_number_[at(object_cell)]);
-  return {cells_.h[k],     cells_.qx[k],    cells_.qy[k],    cells_.eta[k],
-          cells_.max_h[k], cells_.max_u[k], cells_.max_v[k], cells_.infiltrated[k]};
+CellOutput Engine::cell(int model_cell) const {
+  const std::size_t k = at(cell_number_[at(model_cell)]);
+  const CellTable& c = cells_;
+  const auto value = [&](const Column& column) { return column.empty() ? 0.0 : column[k]; };
+  return {.h = c.h[k],
+          .qx = c.qx[k],
+          .qy = c.qy[k],
+          .eta = c.eta.empty() ? c.bed[k] + c.h[k] : c.eta[k],
+          .max_h = c.max_h[k],
+          .max_u = c.max_u[k],
+          .max_v = c.max_v[k],
+          .infiltrated = value(c.infiltrated),
+          .bed = c.bed[k],
+          .hs = value(c.hs),
+          .qsx = value(c.qsx),
+          .qsy = value(c.qsy),
+          .dqs_dh = value(c.dqs_dh)};
 }
 
 }  // namespace engine

@@ -1,69 +1,24 @@
-// The compiled form of the hydrodynamic model: flat tables in an order of their own, and the loops
-// of a step over them. It knows nothing of the objects; the bridge fills it and reads it back.
+// The compiled form of a model: flat tables in an order of their own, and a step over them. It
+// knows nothing of the objects; the bridge fills it and reads it back.
 #pragma once
 
-#include <memory>
+#include <optional>
 #include <vector>
 
+#include "engine/ModelInput.hpp"
+#include "engine/Patches.hpp"
 #include "engine/ThreadTeam.hpp"
 #include "engine/views.hpp"
-#include "physics/infiltration.hpp"
-#include "physics/rain.hpp"
+#include "physics/edge_frame.hpp"
 
 namespace engine {
-
-enum class BoundaryKind { wall, transmissive, discharge, water_level };
-
-/// The columns of the cells, in the order of the objects at first and then in that of the engine.
-struct CellTable {
-  std::vector<double> h, qx, qy;            ///< state: m, m2/s
-  std::vector<double> eta;                  ///< free-surface level, m
-  std::vector<double> max_h, max_u, max_v;  ///< m, m/s
-  std::vector<double> zb, max_node;         ///< bed rock and highest vertex, m
-  std::vector<double> area, char_length;    ///< m2, m
-  std::vector<double> manning;              ///< s/m^(1/3); empty without friction
-  std::vector<double> infiltrated;          ///< m
-  std::vector<int> slots[3];                ///< 2 edge + (0 left, 1 right); -1: none
-};
-
-/// The columns of the edges, likewise.
-struct EdgeTable {
-  std::vector<int> left, right;  ///< right: -1 on a boundary
-  std::vector<double> nx, ny, length;
-  std::vector<BoundaryKind> kind;  ///< of a boundary
-  std::vector<double> imposed;     ///< unit discharge (m2/s) or depth (m) of a boundary
-};
-
-struct RainInput {
-  int cell;
-  physics::Hyetogram hyetogram;  ///< points to data that outlives the engine
-  physics::RainClock clock;
-};
-
-struct InfiltrationInput {
-  int cell;
-  bool is_green_ampt;
-  physics::GreenAmptSoil green_ampt;
-  physics::HortonSoil horton;
-};
-
-/// A model as the bridge describes it.
-struct ModelInput {
-  std::vector<double> x, y;  ///< centres of the cells, m
-  CellTable cells;
-  EdgeTable edges;
-  std::vector<RainInput> rain;
-  std::vector<InfiltrationInput> infiltration;
-  double zero_depth = 0.0;
-  double char_length_min = 0.0;
-  double h0 = 0.0;
-};
 
 /// State of one cell, for the objects.
 struct CellOutput {
   double h, qx, qy, eta;
   double max_h, max_u, max_v;
   double infiltrated;
+  double bed, hs, qsx, qsy, dqs_dh;
 };
 
 /// Clock of a step: time and span of the run, and the step (s).
@@ -71,50 +26,103 @@ struct StepTimes {
   double t, t_start, t_end, dt;
 };
 
+/// Where the coupled system of water and bed was found not to be hyperbolic.
+struct NotHyperbolic {
+  int edge, cell;  ///< of the model
+  double h, qx, qy;
+};
+
 class Engine {
  public:
   /// Takes the tables over; runs on the given number of threads, at least 1.
   Engine(ModelInput&& input, int threads);
 
-  /// Sets the discharge (m2/s) or the depth (m) that a boundary edge imposes.
-  void impose(int edge, double value) {
-    const int place = edge_number_[static_cast<std::size_t>(edge)];
-    edges_.imposed[static_cast<std::size_t>(place)] = value;
-  }
-  void fluxes();
-  /// Sources, balance and dry rules; the stable step of the new state, s.
-  double advance(const StepTimes& times);
+  /// Sets the discharge (m2/s) or the depth (m) that a boundary imposes, by its number in the
+  /// input.
+  void impose(int boundary, double value);
+  /// Begins a step: which patches take part, and the fluxes between them and at the boundaries.
+  void fluxes(const StepTimes& times);
+  /// Ends it: the other fluxes, sources, balance and dry rules, patch by patch; the stable step of
+  /// the new state, s.
+  double advance();
 
-  CellOutput cell(int object_cell) const;
+  CellOutput cell(int model_cell) const;
+  /// Where the last step was not hyperbolic, on the first such edge of the model; asked once, as
+  /// the engine looks no further after it has found one.
+  std::optional<NotHyperbolic> take_not_hyperbolic();
+
+  bool has_bed() const { return has_bed_; }
+  bool has_soil() const { return !soils_.empty(); }
   int threads() const { return team_.size(); }
+  int patches() const { return static_cast<int>(patches_.patches.size()); }
+  /// Patches that the last step computed.
+  int active_patches() const { return static_cast<int>(active_.size()); }
+  const char* instruction_set() const { return kernels_.name; }
 
  private:
-  void number_cells(const std::vector<double>& x, const std::vector<double>& y);
-  void number_edges();
-  void number_sources();
-  void flux_of_boundary(int edge);
-  void add_rain(const StepTimes& times);
-  void set_infiltration(const StepTimes& times);
+  struct Boundary {
+    BoundaryKind kind;
+    int cell;
+    physics::Edge edge;
+    double imposed, imposed_bed;
+  };
+  /// What a thread needs for one patch at a time.
+  struct Scratch {
+    Column mass, momentum_x, momentum_y, bed;
+    Column demand;
+    double smallest_step = 0.0;
+    std::optional<NotHyperbolic> not_hyperbolic;
+
+    SlotColumns slots();
+  };
+
+  void number_cells(const std::vector<double>& x, const std::vector<double>& y, EdgeTable& edges);
+  void number_boundaries(const std::vector<BoundaryInput>& boundaries, const EdgeTable& edges);
+  void derive_columns();
+  void prepare_scratch();
+  void rain(const StepTimes& times);
+  void find_active_patches();
+  void flux_of_boundary(int boundary);
+  void outer_fluxes(const Patch& patch, Scratch& scratch);
+  void advance_patch(int patch, Scratch& scratch);
+  void set_demand(const Patch& patch, Scratch& scratch);
+  template <class Index>
+  void find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRange& range,
+                           const std::vector<int>& numbers, Scratch& scratch) const;
+
   CellColumns cell_columns();
-  EdgeColumns edge_columns();
+  EdgeColumns<Local> patch_edge_columns() const;
+  EdgeColumns<int> cut_edge_columns() const;
+  SlotColumns outer_slot_columns();
 
   const Kernels& kernels_;
+  const ModelKernels& model_;
   ThreadTeam team_;
-  double zero_depth_;
+  bool has_bed_;
+  bool watches_hyperbolicity_;
   double dry_step_;
   double char_length_min_;
-  Sources sources_;
+  StepValues step_{};
 
   CellTable cells_;
-  EdgeTable edges_;
-  std::vector<int> cell_number_;  ///< place of an object's cell in the tables
-  std::vector<int> edge_number_;  ///< the same of its edges
-  int interior_edges_ = 0;        ///< they come first
-  std::vector<double> rain_, demand_;
-  std::vector<double> mass_, momentum_x_, momentum_y_;
-  std::vector<RainInput> rain_terms_;
-  std::vector<InfiltrationInput> infiltration_terms_;
-  std::vector<double> smallest_steps_;  ///< one per thread
+  Column reciprocal_, celerity_;  ///< terms of the depth
+  std::vector<int> cell_number_;  ///< place of a cell of the model in the tables
+  Patches patches_;
+  std::vector<Boundary> boundaries_;
+  std::vector<int> boundary_number_;  ///< place of a boundary of the input
+  Column outer_mass_, outer_momentum_x_, outer_momentum_y_, outer_bed_;
+
+  std::vector<RainInput> rain_;
+  Column rain_depths_;
+  std::vector<Soil> soils_;
+
+  std::vector<char> can_change_;     ///< per patch, by the state of its own cells
+  std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
+  std::vector<char> has_rain_, has_soil_;
+  std::vector<char> marks_;
+  std::vector<int> active_;       ///< patches that a step computes
+  std::vector<int> with_fluxes_;  ///< those whose outer fluxes it computes
+  std::vector<Scratch> scratch_;  ///< one per thread
 };
 
 }  // namespace engine

@@ -1,54 +1,95 @@
-// What the kernels see of the tables: plain columns, one entry per cell or edge. Kernels are built
-// once per instruction set, so nothing here may have inline functions of the standard library.
+// What the kernels see of the tables: plain columns, one entry per cell, edge or slot. Kernels are
+// built once per instruction set, so nothing here may have inline functions of the standard
+// library.
 #pragma once
 
-#include "physics/flux_lhllc.hpp"
-#include "physics/stable_step.hpp"
+#include <cstdint>
+
+#include "physics/bed_load_mpm.hpp"
 
 namespace engine {
 
-/// Cells of the hydrodynamic model, in the engine's own order.
+/// Number of a cell within its patch, or of a slot within the scratch of a patch.
+using Local = std::int32_t;
+
+/// Cells, in the engine's own order. Columns that a run does not need are null.
 struct CellColumns {
-  double *h, *qx, *qy;  ///< state: m, m2/s
-  double* eta;          ///< free-surface level, m
-  double *max_h, *max_u, *max_v;
-  const double *zb, *max_node;       ///< bed rock and highest vertex, m
-  const double *area, *char_length;  ///< m2, m
-  const double* manning;             ///< s/m^(1/3)
-  double* rain;                      ///< depth of rain of the step, m; taken by the update
-  double *demand, *infiltrated;      ///< infiltration of the step and since the start, m
-  const int* slots[3];               ///< first three slots: 2 edge + (0 left, 1 right)
+  double *h, *qx, *qy;              ///< state: m, m2/s
+  double *reciprocal, *celerity;    ///< terms of the depth: 1/m, m/s
+  double* bed;                      ///< level of the bed under the water, m
+  const double* eta;                ///< free-surface level before the first step, m; else null
+  double *max_h, *max_u, *max_v;    ///< m, m/s
+  const double* max_node;           ///< highest vertex, m
+  const double* reciprocal_area;    ///< 1/m2
+  const double* char_length;        ///< m
+  const double* manning;            ///< s/m^(1/3)
+  double* infiltrated;              ///< m
+  const int* rain;                  ///< number of the cell's hyetogram, 0: none
+  double *hs, *qsx, *qsy, *dqs_dh;  ///< sediment: m, m2/s, m/s
+  const double* rock;               ///< level of the bed under the sediment, m
+  const Local* slots[3];            ///< first three slots of the cell in the scratch of its patch
 };
 
-/// Edges: geometry, and the flux of the step as their cells receive it.
+/// Edges with a cell on either side; cells are numbered within their patch, or among all cells.
+template <class Index>
 struct EdgeColumns {
-  const int *left, *right;
+  const Index *left, *right;
   const double *nx, *ny, *length;
-  double* mass;  ///< inflow into the left cell, m3/s; the right cell receives the opposite
-  /// Momentum, m4/s2: entry 2 edge for the left cell, 2 edge + 1 for the right one.
-  double *momentum_x, *momentum_y;
 };
 
-/// Which source terms a run has.
-struct Sources {
-  bool friction, rain, infiltration;
+/// Flux slots as their cells receive them: m3/s, m4/s2, and m3/s of bed.
+struct SlotColumns {
+  double *mass, *momentum_x, *momentum_y, *bed;
+
+  SlotColumns from(int k) const {
+    return {mass + k, momentum_x + k, momentum_y + k, bed != nullptr ? bed + k : nullptr};
+  }
+};
+
+/// A range of edges, and the slots that they fill: edge e the slots e - begin of both sides.
+struct EdgeRange {
+  int begin, end;
+  int first_cell;  ///< what cell 0 of the edges is among all cells
+  SlotColumns left, right;
+};
+
+/// A range of cells; their slots, and what their soils ask for in this step (m; null: nothing).
+struct CellRange {
+  int begin, end;
+  SlotColumns slots;
+  const double* demand;
 };
 
 /// Scalars of a step.
 struct StepValues {
-  double dt;          ///< s
-  double zero_depth;  ///< m
-  double dry_step;    ///< what a dry cell contributes to the stable step, s
+  double dt;                  ///< s
+  double zero_depth;          ///< m
+  double dry_step;            ///< what a dry cell contributes to the stable step, s
+  double porosity;            ///< of the bed
+  physics::Grains grains;     ///< of the bed
+  const double* rain_depths;  ///< of the step, by number of hyetogram, m; null: it does not rain
 };
 
-/// The loops over edges and cells, for one instruction set.
+/// The smallest stable step so far (s), and whether all the cells it was asked of are dry.
+struct Advance {
+  double stable_step;
+  bool all_dry;
+};
+
+/// The loops of a model over edges and cells, for one instruction set.
+struct ModelKernels {
+  /// Fluxes of a range of edges; false if the coupled system is not hyperbolic somewhere.
+  bool (*patch_fluxes)(const CellColumns&, const EdgeColumns<Local>&, const EdgeRange&,
+                       const StepValues&);
+  bool (*fluxes)(const CellColumns&, const EdgeColumns<int>&, const EdgeRange&, const StepValues&);
+  /// Sources, balance, dry rules, maxima and stable step of a range of cells.
+  Advance (*advance)(const CellColumns&, const CellRange&, const StepValues&, double smallest_step);
+};
+
 struct Kernels {
   const char* name;
-  /// Fluxes of the interior edges [begin, end).
-  void (*fluxes)(const CellColumns&, const EdgeColumns&, double zero_depth, int begin, int end);
-  /// Sources, balance, dry rules and maxima of the cells [begin, end); their smallest stable step.
-  double (*advance)(const CellColumns&, const EdgeColumns&, Sources, const StepValues&, int begin,
-                    int end);
+  ModelKernels water;          ///< of the hydrodynamic model
+  ModelKernels water_and_bed;  ///< of the model with sediments
 };
 
 /// Kernels for the best instruction set of the machine, or the one that QUILLMERE_ISA names

@@ -8,19 +8,22 @@
 #include "interfaces/cell_sediment.hpp"
 #include "utils/stop.hpp"
 
-namespace {
-
-/// Said once per run, at the first cell where it happens.
-void warn_not_hyperbolic(const ComputationalCell& cell) {
+void warn_not_hyperbolic(int cell, double h, double qx, double qy) {
   static std::atomic<bool> has_warned = false;
   if (has_warned.exchange(true)) return;
-  const HydraulicVariableSWE& U = cell.UVal();
   std::ostringstream text;
-  text << "in cell " << cell.id << " (counted from 0) at t = " << Globals::t << " s, with depth "
-       << U.h << " m and velocity " << std::hypot(U.qx, U.qy) / U.h
+  text << "in cell " << cell << " (counted from 0) at t = " << Globals::t << " s, with depth " << h
+       << " m and velocity " << std::hypot(qx, qy) / h
        << " m/s, the bed wave is outside the range in which the coupled system of water and bed is "
           "hyperbolic; the bed is left out of the wave speeds there. This is said once.";
   utils::warn(text.str());
+}
+
+namespace {
+
+void warn_of(const ComputationalCell& cell) {
+  const HydraulicVariableSWE& U = cell.UVal();
+  warn_not_hyperbolic(cell.id, U.h, U.qx, U.qy);
 }
 
 physics::CellWater water_above_bed(const ComputationalCell& cell) {
@@ -35,8 +38,8 @@ void SedFluxCLHLLC::Flux() {
   const physics::CoupledSlotPair slots = physics::flux_clhllc(
       water_above_bed(*cell_left), sediment_of(*cell_left), water_above_bed(*cell_right),
       sediment_of(*cell_right), edge(), Globals_Sed::g_sedimentsPorosity, Constants::ZERO_DEPTH);
-  if (!slots.left_hyperbolic) warn_not_hyperbolic(*cell_left);
-  if (!slots.right_hyperbolic) warn_not_hyperbolic(*cell_right);
+  if (!slots.left_hyperbolic) warn_of(*cell_left);
+  if (!slots.right_hyperbolic) warn_of(*cell_right);
   set_left_slot(slots.left.water);
   set_left_bed_slot(slots.left.hs);
   set_right_slot(slots.right.water);

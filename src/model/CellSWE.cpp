@@ -15,7 +15,7 @@ void CellSWE::Update() {
                            .Fh = F.h,
                            .Fqx = F.qx,
                            .Fqy = F.qy,
-                           .dt_over_area = Globals::dt / area,
+                           .dt_over_area = Globals::dt * (1.0 / area),
                            .dt = Globals::dt,
                            .rain = S.h,
                            .source_qx = S.qx,
@@ -31,7 +31,8 @@ void CellSWE::Update() {
   param.infiltration_step = 0.0;
   S.set_values(0.0, 0.0, 0.0);
 
-  const physics::Maxima maxima = physics::updated_maxima(
-      {max_values.h, max_values.qx, max_values.qy}, U.h, U.qx, U.qy, zero_depth);
+  const physics::Maxima maxima =
+      physics::updated_maxima({max_values.h, max_values.qx, max_values.qy}, U.h,
+                              physics::depth_terms(U.h, zero_depth), U.qx, U.qy, zero_depth);
   max_values.set_values(maxima.h, maxima.u, maxima.v);
 }

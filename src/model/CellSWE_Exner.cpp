@@ -9,42 +9,39 @@ static_assert(sizeof(CellSWE_Exner) == sizeof(ComputationalCell), "a cell class 
 void CellSWE_Exner::Update() {
   const double zero_depth = Constants::ZERO_DEPTH;
   const HydraulicVariableSWE F = flux_balance();
-  const physics::ExnerCellUpdate after = physics::update_exner({.h = U.h,
-                                                                .qx = U.qx,
-                                                                .qy = U.qy,
-                                                                .hs = U.hs,
-                                                                .qsx = U.qsx,
-                                                                .qsy = U.qsy,
-                                                                .Fh = F.h,
-                                                                .Fqx = F.qx,
-                                                                .Fqy = F.qy,
-                                                                .Fhs = F.hs,
-                                                                .dt_over_area = Globals::dt / area,
-                                                                .dt = Globals::dt,
-                                                                .rain = S.h,
-                                                                .source_qx = S.qx,
-                                                                .source_qy = S.qy},
-                                                               zero_depth);
+  const physics::ExnerCellUpdate after =
+      physics::update_exner({.h = U.h,
+                             .qx = U.qx,
+                             .qy = U.qy,
+                             .hs = U.hs,
+                             .qsx = U.qsx,
+                             .qsy = U.qsy,
+                             .Fh = F.h,
+                             .Fqx = F.qx,
+                             .Fqy = F.qy,
+                             .Fhs = F.hs,
+                             .dt_over_area = Globals::dt * (1.0 / area),
+                             .dt = Globals::dt,
+                             .rain = S.h,
+                             .source_qx = S.qx,
+                             .source_qy = S.qy},
+                            zero_depth);
   U.set_values(after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy);
   bed_level = bed_rock_level + U.hs;
   free_surface_level = bed_level + U.h;
   S.set_values(0.0, 0.0, 0.0, 0.0, 0.0, 0.0);
   compute_qs_MPM();
 
-  const physics::Maxima maxima =
-      physics::updated_maxima({max_values.h, max_values.qx, max_values.qy}, U.h, after.qx_moving,
-                              after.qy_moving, zero_depth);
+  const physics::Maxima maxima = physics::updated_maxima(
+      {max_values.h, max_values.qx, max_values.qy}, U.h, physics::depth_terms(U.h, zero_depth),
+      after.qx_moving, after.qy_moving, zero_depth);
   max_values.set_values(maxima.h, maxima.u, maxima.v);
 }
 
 void CellSWE_Exner::compute_qs_MPM() {
-  dqs_dh = 0.0;
-  if (!(U.h > Constants::ZERO_DEPTH && U.hs > Constants::ZERO_DEPTH)) return;
-  const physics::BedLoad load = physics::bed_load_mpm(
-      U.h, U.qx, U.qy, friction, {Globals_Sed::g_d50, Globals_Sed::g_sedimentsDensity});
-  // Intended: below the threshold of motion, or without sediment, a wet cell keeps the bed load of
-  // the last step in which it transported.
-  if (!load.moves) return;
+  const physics::BedLoad load = physics::bed_load_of_cell(
+      {U.h, U.qx, U.qy, U.hs, U.qsx, U.qsy}, friction,
+      {Globals_Sed::g_d50, Globals_Sed::g_sedimentsDensity}, Constants::ZERO_DEPTH);
   U.qsx = load.qsx;
   U.qsy = load.qsy;
   dqs_dh = load.dqs_dh;

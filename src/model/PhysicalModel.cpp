@@ -14,7 +14,9 @@ PhysicalModel::~PhysicalModel() = default;
 
 void PhysicalModel::compile() { compile(::engine::threads_for(n_cells)); }
 
-void PhysicalModel::compile(int threads) { engine = CompiledModel::compile(*this, threads); }
+void PhysicalModel::compile(int threads, int cells_per_patch) {
+  engine = CompiledModel::compile(*this, threads, cells_per_patch);
+}
 
 void PhysicalModel::publish() {
   if (!engine) return;

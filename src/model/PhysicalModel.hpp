@@ -66,7 +66,7 @@ class PhysicalModel {
   /// Compiles the model, whose set-up must be complete, into tables if they know all it holds; from
   /// then on steps run on them and the objects lag behind until they are published.
   void compile();
-  void compile(int threads);
+  void compile(int threads, int cells_per_patch = 0);
   /// Brings the objects up to date with the tables: all cells, or those given. Waits for a writer
   /// that is copying them.
   void publish();

@@ -1,6 +1,8 @@
 #include "model/engine_bridge.hpp"
 
+#include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string_view>
@@ -14,7 +16,13 @@
 #include "interfaces/HydroBCWall.hpp"
 #include "interfaces/HydroBCWaterLevel.hpp"
 #include "interfaces/HydroFluxLHLLC.hpp"
+#include "interfaces/SedBCDischarge.hpp"
+#include "interfaces/SedBCTransmissive.hpp"
+#include "interfaces/SedBCWall.hpp"
+#include "interfaces/SedBCWaterLevel.hpp"
+#include "interfaces/SedFluxCLHLLC.hpp"
 #include "model/CellSWE.hpp"
+#include "model/CellSWE_Exner.hpp"
 #include "model/PhysicalModel.hpp"
 #include "sources/FrictionTerm.hpp"
 #include "sources/GreenAmptTerm.hpp"
@@ -31,76 +39,139 @@ Class* exactly(Base* object) {
   return typeid(*object) == typeid(Class) ? static_cast<Class*>(object) : nullptr;
 }
 
-/// Kind and imposed value of a boundary; none if its class is not known to the tables. What a time
-/// series imposes is set at every step.
-struct Boundary {
-  BoundaryKind kind;
-  double imposed = 0.0;
-};
+/// The object as this boundary of the hydrodynamic model or as its twin of the model with
+/// sediments.
+template <class Hydro, class Sed>
+Hydro* either(GenericInterface* interface) {
+  Hydro* const hydro = exactly<Hydro>(interface);
+  return hydro != nullptr ? hydro : exactly<Sed>(interface);
+}
 
-std::optional<Boundary> boundary_of(GenericInterface* interface) {
-  if (exactly<HydroBCWall>(interface)) return Boundary{BoundaryKind::wall};
-  if (exactly<HydroBCTransmissive>(interface)) return Boundary{BoundaryKind::transmissive};
-  if (const auto* discharge = exactly<HydroBCDischarge>(interface)) {
-    return Boundary{BoundaryKind::discharge, discharge->q_imposed};
+/// What a boundary imposes; none if its class is not known to the tables. What a time series
+/// imposes is set at every step.
+std::optional<engine::BoundaryInput> boundary_of(GenericInterface* interface) {
+  const int edge = interface->tag;
+  if (either<HydroBCWall, SedBCWall>(interface)) {
+    return engine::BoundaryInput{edge, BoundaryKind::wall, 0.0, 0.0};
   }
-  if (const auto* level = exactly<HydroBCWaterLevel>(interface)) {
-    return Boundary{BoundaryKind::water_level, level->imposed_depth()};
+  if (either<HydroBCTransmissive, SedBCTransmissive>(interface)) {
+    return engine::BoundaryInput{edge, BoundaryKind::transmissive, 0.0, 0.0};
   }
-  if (exactly<HydroBCHydrograph>(interface)) return Boundary{BoundaryKind::discharge};
-  if (exactly<HydroBCLimnigraph>(interface)) return Boundary{BoundaryKind::water_level};
+  if (const auto* discharge = either<HydroBCDischarge, SedBCDischarge>(interface)) {
+    const auto* sediment = exactly<SedBCDischarge>(interface);
+    return engine::BoundaryInput{edge, BoundaryKind::discharge, discharge->q_imposed,
+                                 sediment != nullptr ? sediment->qs_imposed : 0.0};
+  }
+  if (const auto* level = either<HydroBCWaterLevel, SedBCWaterLevel>(interface)) {
+    return engine::BoundaryInput{edge, BoundaryKind::water_level, level->imposed_depth(), 0.0};
+  }
+  if (exactly<HydroBCHydrograph>(interface)) {
+    return engine::BoundaryInput{edge, BoundaryKind::discharge, 0.0, 0.0};
+  }
+  if (exactly<HydroBCLimnigraph>(interface)) {
+    return engine::BoundaryInput{edge, BoundaryKind::water_level, 0.0, 0.0};
+  }
   return std::nullopt;
 }
 
-/// Adds an edge to the tables; false if they do not know its class.
-bool add_edge(engine::EdgeTable& edges, GenericInterface* interface) {
-  const bool is_interior = exactly<HydroFluxLHLLC>(interface) != nullptr;
-  const auto boundary = is_interior ? Boundary{BoundaryKind::wall} : boundary_of(interface);
-  if (!boundary) return false;
-  edges.left.push_back(interface->cell_left->id);
-  edges.right.push_back(is_interior ? interface->cell_right->id : -1);
-  edges.nx.push_back(interface->normal.x);
-  edges.ny.push_back(interface->normal.y);
-  edges.length.push_back(interface->length);
-  edges.kind.push_back(boundary->kind);
-  edges.imposed.push_back(boundary->imposed);
+bool is_interior(GenericInterface* interface, bool has_bed) {
+  return has_bed ? exactly<SedFluxCLHLLC>(interface) != nullptr
+                 : exactly<HydroFluxLHLLC>(interface) != nullptr;
+}
+
+/// Adds an edge to the input; false if the tables do not know its class.
+bool add_edge(engine::ModelInput& input, GenericInterface* interface) {
+  const bool interior = is_interior(interface, input.has_bed);
+  if (!interior) {
+    const auto boundary = boundary_of(interface);
+    if (!boundary) return false;
+    input.boundaries.push_back(*boundary);
+  }
+  input.edges.left.push_back(interface->cell_left->id);
+  input.edges.right.push_back(interior ? interface->cell_right->id : -1);
+  input.edges.nx.push_back(interface->normal.x);
+  input.edges.ny.push_back(interface->normal.y);
+  input.edges.length.push_back(interface->length);
   return true;
 }
 
-/// Adds a source term of a cell to the input; false if the tables do not know it.
-bool add_source(engine::ModelInput& input, const ComputationalCell& cell, SourceTerm* source) {
-  if (const auto* friction = exactly<FrictionTerm>(source)) {
-    input.cells.manning.push_back(friction->get_friction_coefficient());
-    return true;
-  }
-  if (const auto* rain = exactly<RainTerm>(source)) {
-    input.rain.push_back(
-        {cell.id,
-         rain->hyetogram(),
-         {cell.param.last_update_time, cell.param.hyetogram_index, cell.param.rain_dt}});
-    return true;
-  }
-  if (const auto* soil = exactly<GreenAmptTerm>(source)) {
-    input.infiltration.push_back({cell.id, true, soil->soil(), {}});
-    return true;
-  }
-  if (const auto* soil = exactly<HortonTerm>(source)) {
-    input.infiltration.push_back({cell.id, false, {}, soil->soil()});
-    return true;
-  }
-  return false;
-}
+/// Gathers the source terms of the cells. Each kind has one column, so that a cell can have one
+/// term of it at most.
+class SourceColumns {
+ public:
+  explicit SourceColumns(engine::ModelInput& input) : input_(input) {}
 
-/// Whether a cell has at most one term of a kind: more than one would share a column.
-bool terms_are_distinct(const ComputationalCell& cell) {
-  int friction = 0, rain = 0, infiltration = 0;
-  for (SourceTerm* source : cell.source_terms) {
-    if (exactly<FrictionTerm>(source)) ++friction;
-    if (exactly<RainTerm>(source)) ++rain;
-    if (exactly<GreenAmptTerm>(source) || exactly<HortonTerm>(source)) ++infiltration;
+  /// False if the tables do not know a term of the cell, or have no room for it.
+  bool add(const ComputationalCell& cell) {
+    int friction = 0, rain = 0, soil = 0;
+    double manning = 0.0;
+    int hyetogram_number = 0, soil_number = -1;
+    for (SourceTerm* source : cell.source_terms) {
+      if (const auto* manning_term = exactly<FrictionTerm>(source)) {
+        manning = manning_term->get_friction_coefficient();
+        ++friction;
+      } else if (const auto* rain_term = exactly<RainTerm>(source)) {
+        hyetogram_number = number_of_hyetogram(*rain_term, cell.param);
+        ++rain;
+      } else if (exactly<GreenAmptTerm>(source) || exactly<HortonTerm>(source)) {
+        soil_number = number_of_soil(source);
+        ++soil;
+      } else {
+        return false;
+      }
+    }
+    frictions_ += friction;
+    input_.cells.manning.push_back(manning);
+    input_.cells.rain.push_back(hyetogram_number);
+    input_.cells.soil.push_back(soil_number);
+    // The bed load takes its roughness from the cell.
+    const bool same_roughness = !input_.has_bed || cell.friction == manning;
+    return friction <= 1 && rain <= 1 && soil <= 1 && same_roughness;
   }
-  return friction <= 1 && rain <= 1 && infiltration <= 1;
-}
+
+  /// Drops the columns that no cell needs; false if only some cells have friction.
+  bool complete() {
+    if (frictions_ == 0) input_.cells.manning = {};
+    if (input_.rain.empty()) input_.cells.rain = {};
+    if (input_.soils.empty()) {
+      input_.cells.soil = {};
+      input_.cells.infiltrated = {};
+    }
+    return frictions_ == 0 || frictions_ == input_.cells.h.size();
+  }
+
+ private:
+  int number_of_hyetogram(const RainTerm& term, const ParamCell& param) {
+    const physics::RainClock clock = {param.last_update_time, param.hyetogram_index, param.rain_dt};
+    const auto same = [&](const engine::RainInput& known) {
+      return known.hyetogram.times == term.times.data() &&
+             known.clock.last_update_time == clock.last_update_time &&
+             known.clock.hyetogram_index == clock.hyetogram_index &&
+             known.clock.rain_dt == clock.rain_dt;
+    };
+    auto& rain = input_.rain;
+    const auto known = std::find_if(rain.begin(), rain.end(), same);
+    const int number = static_cast<int>(known - rain.begin()) + 1;
+    if (known == rain.end()) rain.push_back({term.hyetogram(), clock});
+    return number;
+  }
+
+  int number_of_soil(SourceTerm* source) {
+    const auto [known, is_new] = soils_.try_emplace(source, static_cast<int>(soils_.size()));
+    if (is_new) {
+      const auto* green_ampt = exactly<GreenAmptTerm>(source);
+      const auto* horton = exactly<HortonTerm>(source);
+      input_.soils.push_back({green_ampt != nullptr,
+                              green_ampt != nullptr ? green_ampt->soil() : physics::GreenAmptSoil{},
+                              horton != nullptr ? horton->soil() : physics::HortonSoil{}});
+    }
+    return known->second;
+  }
+
+  engine::ModelInput& input_;
+  std::size_t frictions_ = 0;
+  std::map<const SourceTerm*, int> soils_;
+};
 
 /// The slot that the k-th interface of a cell fills, or -1: a boundary code on an edge with a right
 /// cell leaves that cell's slot empty.
@@ -119,7 +190,7 @@ void add_cell(engine::CellTable& cells, const ComputationalCell& cell) {
   cells.max_h.push_back(cell.max_values.h);
   cells.max_u.push_back(cell.max_values.qx);
   cells.max_v.push_back(cell.max_values.qy);
-  cells.zb.push_back(cell.bed_rock_level);
+  cells.bed.push_back(cell.bed_rock_level);
   cells.max_node.push_back(cell.max_node_level);
   cells.area.push_back(cell.area);
   cells.char_length.push_back(cell.char_length);
@@ -127,24 +198,60 @@ void add_cell(engine::CellTable& cells, const ComputationalCell& cell) {
   for (std::size_t k = 0; k < 3; ++k) cells.slots[k].push_back(slot_of(cell, k));
 }
 
+void add_bed(engine::CellTable& cells, const ComputationalCell& cell) {
+  cells.rock.push_back(cell.bed_rock_level);
+  cells.bed.back() = cell.bed_level;
+  cells.hs.push_back(cell.U.hs);
+  cells.qsx.push_back(cell.U.qsx);
+  cells.qsy.push_back(cell.U.qsy);
+  cells.dqs_dh.push_back(cell.dqs_dh);
+}
+
+void reserve(engine::ModelInput& input, std::size_t cells, std::size_t edges) {
+  engine::CellTable& c = input.cells;
+  input.x.reserve(cells);
+  input.y.reserve(cells);
+  for (engine::Column* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.max_u, &c.max_v, &c.bed,
+                                 &c.area, &c.char_length, &c.manning, &c.infiltrated}) {
+    column->reserve(cells);
+  }
+  for (auto* column : {&c.rain, &c.soil, &c.slots[0], &c.slots[1], &c.slots[2]}) {
+    column->reserve(cells);
+  }
+  engine::EdgeTable& e = input.edges;
+  e.left.reserve(edges);
+  e.right.reserve(edges);
+  for (auto* column : {&e.nx, &e.ny, &e.length}) column->reserve(edges);
+}
+
+/// Whether all cells are exactly of one class.
+template <class Cell>
+bool all_cells_are(const PhysicalModel& model) {
+  return std::all_of(model.cells.begin(), model.cells.end(),
+                     [](const auto& cell) { return exactly<Cell>(cell.get()) != nullptr; });
+}
+
 std::optional<engine::ModelInput> describe(PhysicalModel& model) {
   engine::ModelInput input;
+  input.has_bed = !model.cells.empty() && all_cells_are<CellSWE_Exner>(model);
+  if (!input.has_bed && !all_cells_are<CellSWE>(model)) return std::nullopt;
   input.zero_depth = Constants::ZERO_DEPTH;
   input.char_length_min = model.char_length_min;
   input.h0 = model.h0;
+  input.porosity = Globals_Sed::g_sedimentsPorosity;
+  input.grains = {Globals_Sed::g_d50, Globals_Sed::g_sedimentsDensity};
+  reserve(input, model.cells.size(), model.interfaces.size());
+  SourceColumns sources(input);
   for (const auto& cell : model.cells) {
-    if (!exactly<CellSWE>(cell.get()) || !terms_are_distinct(*cell)) return std::nullopt;
-    for (SourceTerm* source : cell->source_terms) {
-      if (!add_source(input, *cell, source)) return std::nullopt;
-    }
     input.x.push_back(cell->center.x);
     input.y.push_back(cell->center.y);
     add_cell(input.cells, *cell);
+    if (input.has_bed) add_bed(input.cells, *cell);
+    if (!sources.add(*cell)) return std::nullopt;
   }
-  const std::size_t with_friction = input.cells.manning.size();
-  if (with_friction != 0 && with_friction != model.cells.size()) return std::nullopt;
+  if (!sources.complete()) return std::nullopt;
   for (const auto& interface : model.interfaces) {
-    if (!add_edge(input.edges, interface.get())) return std::nullopt;
+    if (!add_edge(input, interface.get())) return std::nullopt;
   }
   return input;
 }
@@ -156,7 +263,8 @@ std::string_view wanted_path() {
 
 }  // namespace
 
-std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int threads) {
+std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int threads,
+                                                      int cells_per_patch) {
   const std::string_view path = wanted_path();
   if (path != "" && path != "objects" && path != "tables") {
     throw std::runtime_error("Error. QUILLMERE_ENGINE is \"" + std::string(path) +
@@ -165,6 +273,7 @@ std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int 
   if (path == "objects") return nullptr;
   auto input = describe(model);
   if (input) {
+    input->cells_per_patch = cells_per_patch;
     return std::unique_ptr<CompiledModel>(new CompiledModel(model, std::move(*input), threads));
   }
   if (path == "tables") {
@@ -177,27 +286,33 @@ std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int 
 
 CompiledModel::CompiledModel(PhysicalModel& model, engine::ModelInput&& input, int threads)
     : model_(model), engine_(std::move(input), threads) {
+  int boundary = 0;
   for (const auto& interface : model.interfaces) {
     if (auto* hydrograph = exactly<HydroBCHydrograph>(interface.get())) {
-      hydrographs_.push_back({interface->tag, hydrograph});
+      hydrographs_.push_back({boundary, hydrograph});
     } else if (auto* limnigraph = exactly<HydroBCLimnigraph>(interface.get())) {
-      limnigraphs_.push_back({interface->tag, limnigraph});
+      limnigraphs_.push_back({boundary, limnigraph});
     }
+    if (!is_interior(interface.get(), engine_.has_bed())) ++boundary;
   }
 }
 
 void CompiledModel::fluxes() {
-  for (const auto& [edge, hydrograph] : hydrographs_) {
-    engine_.impose(edge, hydrograph->discharge_now());
+  for (const auto& [boundary, hydrograph] : hydrographs_) {
+    engine_.impose(boundary, hydrograph->discharge_now());
   }
-  for (const auto& [edge, limnigraph] : limnigraphs_) {
-    engine_.impose(edge, limnigraph->depth_now());
+  for (const auto& [boundary, limnigraph] : limnigraphs_) {
+    engine_.impose(boundary, limnigraph->depth_now());
   }
-  engine_.fluxes();
+  engine_.fluxes({Globals::t, Globals_Params::tStart, Globals_Params::tEnd, Globals::dt});
 }
 
 double CompiledModel::advance() {
-  return engine_.advance({Globals::t, Globals_Params::tStart, Globals_Params::tEnd, Globals::dt});
+  const double step = engine_.advance();
+  if (const auto place = engine_.take_not_hyperbolic()) {
+    warn_not_hyperbolic(place->cell, place->h, place->qx, place->qy);
+  }
+  return step;
 }
 
 void CompiledModel::publish() {
@@ -214,5 +329,11 @@ void CompiledModel::publish_cell(int cell) {
   object.U.set_values(state.h, state.qx, state.qy);
   object.free_surface_level = state.eta;
   object.max_values.set_values(state.max_h, state.max_u, state.max_v);
-  object.param.infiltrated_depth = state.infiltrated;
+  if (engine_.has_soil()) object.param.infiltrated_depth = state.infiltrated;
+  if (!engine_.has_bed()) return;
+  object.bed_level = state.bed;
+  object.U.hs = state.hs;
+  object.U.qsx = state.qsx;
+  object.U.qsy = state.qsy;
+  object.dqs_dh = state.dqs_dh;
 }

@@ -16,8 +16,10 @@ class CompiledModel {
  public:
   /// Compiles a model whose set-up is complete; null if it holds anything that the tables do not
   /// know. QUILLMERE_ENGINE=objects asks for none; with QUILLMERE_ENGINE=tables a model that cannot
-  /// be compiled throws std::runtime_error, so that the path is certain.
-  static std::unique_ptr<CompiledModel> compile(PhysicalModel& model, int threads);
+  /// be compiled throws std::runtime_error, so that the path is certain. `cells_per_patch`: see
+  /// engine::ModelInput.
+  static std::unique_ptr<CompiledModel> compile(PhysicalModel& model, int threads,
+                                                int cells_per_patch);
 
   void fluxes();
   /// Sources, balance and dry rules; the stable step of the new state, s.
@@ -31,8 +33,8 @@ class CompiledModel {
 
  private:
   template <class Interface>
-  struct SeriesEdge {
-    int edge;
+  struct SeriesBoundary {
+    int boundary;
     Interface* interface;
   };
 
@@ -41,6 +43,6 @@ class CompiledModel {
 
   PhysicalModel& model_;
   engine::Engine engine_;
-  std::vector<SeriesEdge<HydroBCHydrograph>> hydrographs_;
-  std::vector<SeriesEdge<HydroBCLimnigraph>> limnigraphs_;
+  std::vector<SeriesBoundary<HydroBCHydrograph>> hydrographs_;
+  std::vector<SeriesBoundary<HydroBCLimnigraph>> limnigraphs_;
 };

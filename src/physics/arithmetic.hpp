@@ -33,24 +33,32 @@ QM_HD inline double refined_reciprocal_root(double x, double y) {
   return fused(y, e * fused(e, fused(e, 14.0 / 81.0, 2.0 / 9.0), 1.0 / 3.0), y);
 }
 
-/// A reciprocal root from the exponent, three steps of fourth order, and the rounding error of the
-/// root from its residual. No branch and no table, so that it vectorises.
-QM_HD inline CubeRoot cube_root(double x) {
+/// x^(-1/3) of a positive normal number within 1 unit in the last place: a first guess from the
+/// exponent, and two steps of fourth order. No branch and no table, so that it vectorises.
+QM_HD inline double reciprocal_cube_root(double x) {
   const std::uint64_t bits = std::bit_cast<std::uint64_t>(x);
   const std::uint64_t third = ((bits >> 32) * 0x55555556U) >> 32;
-  const double y0 = std::bit_cast<double>((0x553ef0ffU - third) << 32);
-  const double y1 = refined_reciprocal_root(x, y0);
-  const double y2 = refined_reciprocal_root(x, y1);
-  const double y = refined_reciprocal_root(x, y2);
+  const double guess = std::bit_cast<double>((0x553ef0ffU - third) << 32);
+  return refined_reciprocal_root(x, refined_reciprocal_root(x, guess));
+}
+
+/// Natural logarithm of a positive normal number to about 0.06: the high half of a double is its
+/// exponent and, nearly linearly, the logarithm of its mantissa.
+QM_HD inline double rough_logarithm(double x) {
+  const auto high = static_cast<std::int32_t>(std::bit_cast<std::uint64_t>(x) >> 32);
+  return (static_cast<double>(high) * 0x1p-20 - 1022.95) * 0.6931471805599453;
+}
+
+/// The root from its reciprocal, and its rounding error from the residual.
+QM_HD inline CubeRoot cube_root(double x) {
+  const double y = reciprocal_cube_root(x);
   const double c = x * y * y;
   const double c2 = c * c;
   const double c2_error = fused(c, c, -c2);
   const double c3 = c2 * c;
   const double c3_error = fused(c2, c, -c3) + c2_error * c;
   const double dc = ((x - c3) - c3_error) * (y * y) * (1.0 / 3.0);
-  // The high half of a double is its exponent and, nearly linearly, the logarithm of its mantissa.
-  const auto high = static_cast<std::int32_t>(bits >> 32);
-  return {c, dc, (static_cast<double>(high) * 0x1p-20 - 1022.95) * 0.6931471805599453};
+  return {c, dc, rough_logarithm(x)};
 }
 
 /// (p + dp) x^(1/3), corrected for the distance between the exponent's double and the fraction it
@@ -73,6 +81,11 @@ QM_HD inline double power_2_3(double x) {
 /// x^(4/3).
 QM_HD inline double power_4_3(double x) {
   return times_cube_root(x, 0.0, cube_root(x), -7.405100838075995e-17);
+}
+/// x^(-4/3) from x and 1/x, within two units in the last place.
+QM_HD inline double power_minus_4_3(double x, double reciprocal) {
+  const double value = reciprocal * reciprocal_cube_root(x);
+  return fused(value * rough_logarithm(x), 7.405100838075995e-17, value);
 }
 /// x^(7/3).
 QM_HD inline double power_7_3(double x) {

@@ -43,4 +43,21 @@ QM_HD inline BedLoad bed_load_mpm(double h, double qx, double qy, double n, cons
   return {moves, qs * qx / divisor, qs * qy / divisor, moves ? dqs_dh : 0.0};
 }
 
+/// Water and bed of a cell: depth (m), unit discharges (m2/s), thickness of the sediment (m), and
+/// the bed load in force (m2/s).
+struct LoadedCell {
+  double h, qx, qy;
+  double hs, qsx, qsy;
+};
+
+/// Bed load of a cell after a step. Intended: below the threshold of motion, or without sediment, a
+/// wet cell keeps the bed load of the last step in which it transported.
+QM_HD inline BedLoad bed_load_of_cell(const LoadedCell& c, double n, const Grains& grains,
+                                      double zero_depth) {
+  const bool can_move = c.h > zero_depth && c.hs > zero_depth;
+  const BedLoad load = bed_load_mpm(can_move ? c.h : 1.0, c.qx, c.qy, n, grains);
+  const bool moves = can_move && load.moves;
+  return {moves, moves ? load.qsx : c.qsx, moves ? load.qsy : c.qsy, moves ? load.dqs_dh : 0.0};
+}
+
 }  // namespace physics

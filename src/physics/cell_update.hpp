@@ -19,13 +19,13 @@ struct Maxima {
   double u, v;
 };
 
-/// Maxima after a step that ended with depth h and unit discharges qx, qy.
-QM_HD inline Maxima updated_maxima(Maxima m, double h, double qx, double qy, double zero_depth) {
+/// Maxima after a step that ended with depth h, its terms, and unit discharges qx, qy.
+QM_HD inline Maxima updated_maxima(Maxima m, double h, const DepthTerms& depth, double qx,
+                                   double qy, double zero_depth) {
   m.h = h > m.h ? h : m.h;
   const bool wet = is_wet(h, zero_depth);
-  const double divisor = wet ? h : 1.0;
-  const double u = qx / divisor;
-  const double v = qy / divisor;
+  const double u = qx * depth.reciprocal;
+  const double v = qy * depth.reciprocal;
   const double speed_squared = wet ? u * u + v * v : -1.0;
   const bool faster = speed_squared > m.u * m.u + m.v * m.v;
   m.u = faster ? u : m.u;

@@ -37,15 +37,29 @@ struct BoundaryFlux {
   double mass, normal, tangential;
 };
 
-/// Rotates a cell's water to an edge.
-QM_HD inline EdgeSide to_edge_frame(const CellWater& cell, const Edge& edge, double zero_depth) {
+/// Rotates a cell's water, with the terms of its depth, to an edge.
+QM_HD inline EdgeSide to_edge_frame(const CellWater& cell, const DepthTerms& depth,
+                                    const Edge& edge, double zero_depth) {
   const bool wet = is_wet(cell.h, zero_depth);
   const double qn = wet ? cell.qx * edge.nx + cell.qy * edge.ny : 0.0;
   const double qt = wet ? cell.qy * edge.nx - cell.qx * edge.ny : 0.0;
-  const double divisor = wet ? cell.h : 1.0;
-  return {wet,          cell.h,       cell.zb,
-          cell.eta,     qn,           qt,
-          qn / divisor, qt / divisor, celerity(cell.h, zero_depth)};
+  return {wet,
+          cell.h,
+          cell.zb,
+          cell.eta,
+          qn,
+          qt,
+          qn * depth.reciprocal,
+          qt * depth.reciprocal,
+          depth.celerity};
+}
+QM_HD inline EdgeSide to_edge_frame(const CellWater& cell, const Edge& edge, double zero_depth) {
+  return to_edge_frame(cell, depth_terms(cell.h, zero_depth), edge, zero_depth);
+}
+
+/// Normal momentum flux of a side, advection and hydrostatic thrust, m3/s2; 0 when dry.
+QM_HD inline double normal_momentum(const EdgeSide& s) {
+  return s.wet ? fused(s.qn, s.un, (4.905 * s.h) * s.h) : 0.0;
 }
 
 /// Slot of the cell on the left: what leaves it along the normal, with opposite sign.

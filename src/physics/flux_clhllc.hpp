@@ -47,18 +47,16 @@ QM_HD inline WaveBounds bed_wave_bounds(const WaveBounds& water, const EdgeSide&
           forward ? larger(larger(s2L, s2R), 0.0) : water.SR};
 }
 
-/// Slots of both cells; exactly 0 when neither side is wet. The beds of `left` and `right` include
-/// the sediment. p: porosity of the bed, below 1.
-QM_HD inline CoupledSlotPair flux_clhllc(const CellWater& left, const CellSediment& bed_left,
-                                         const CellWater& right, const CellSediment& bed_right,
+/// Slots of both cells; exactly 0 when neither side is wet. The beds of both sides include the
+/// sediment. p: porosity of the bed, below 1.
+QM_HD inline CoupledSlotPair flux_clhllc(const EdgeSide& L, const CellSediment& bed_left,
+                                         const EdgeSide& R, const CellSediment& bed_right,
                                          const Edge& edge, double p, double zero_depth) {
-  const EdgeSide L = to_edge_frame(left, edge, zero_depth);
-  const EdgeSide R = to_edge_frame(right, edge, zero_depth);
   const CoupledSpeeds sL = coupled_speeds(L, bed_left.dqs_dh, p, zero_depth);
   const CoupledSpeeds sR = coupled_speeds(R, bed_right.dqs_dh, p, zero_depth);
 
   const WaveBounds water = {smaller(smaller(sL.s1, sR.s1), 0.0), larger(larger(sL.s3, sR.s3), 0.0)};
-  const WaterFlux F = hll_water(L, R, water, zero_depth);
+  const WaterFlux F = hll_water(L, R, water);
 
   const WaveBounds bed = bed_wave_bounds(water, L, R, sL.s2, sR.s2);
   const double qsnL = L.wet ? normal_bed_load(bed_left, edge) : 0.0;
@@ -78,6 +76,12 @@ QM_HD inline CoupledSlotPair flux_clhllc(const CellWater& left, const CellSedime
            active ? edge.length * Fs : 0.0},
           sL.hyperbolic,
           sR.hyperbolic};
+}
+QM_HD inline CoupledSlotPair flux_clhllc(const CellWater& left, const CellSediment& bed_left,
+                                         const CellWater& right, const CellSediment& bed_right,
+                                         const Edge& edge, double p, double zero_depth) {
+  return flux_clhllc(to_edge_frame(left, edge, zero_depth), bed_left,
+                     to_edge_frame(right, edge, zero_depth), bed_right, edge, p, zero_depth);
 }
 
 }  // namespace physics

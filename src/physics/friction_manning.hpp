@@ -10,11 +10,13 @@ struct MomentumSource {
   double qx, qy;
 };
 
-/// -n^2 |q| q / h^(10/3) of a wet cell (n in s/m^(1/3)); must not be asked of a dry one.
-QM_HD inline MomentumSource friction_manning(double n, double h, double qx, double qy) {
-  double c = n * n * std::sqrt(fused(qx, qx, qy * qy)) / h;
-  c = c / power_4_3(h);
-  return {(-c * qx) / h, (-c * qy) / h};
+/// -n^2 |q| q / h^(10/3) of a wet cell (n in s/m^(1/3), h in m and 1/h); must not be asked of a dry
+/// one.
+QM_HD inline MomentumSource friction_manning(double n, double h, double reciprocal_h, double qx,
+                                             double qy) {
+  const double r = reciprocal_h;
+  const double c = ((n * n) * std::sqrt(fused(qx, qx, qy * qy)) * r) * power_minus_4_3(h, r) * r;
+  return {-c * qx, -c * qy};
 }
 
 }  // namespace physics

@@ -31,30 +31,29 @@ QM_HD inline bool is_cut_off_by_dry_bank(const EdgeSide& L, const EdgeSide& R) {
 }
 
 /// Water fluxes between two sides. Where SR - SL is not positive (dry, or not finite) all are 0.
-QM_HD inline WaterFlux hll_water(const EdgeSide& L, const EdgeSide& R, const WaveBounds& waves,
-                                 double zero_depth) {
+QM_HD inline WaterFlux hll_water(const EdgeSide& L, const EdgeSide& R, const WaveBounds& waves) {
   const double SL = waves.SL;
   const double SR = waves.SR;
   const bool open = SR - SL > 0.0;
-  const double d = open ? SR - SL : 1.0;
+  const double reciprocal = 1.0 / (open ? SR - SL : 1.0);  // one division for all four fluxes
 
-  const double sigmaL = sigma(L.qn, L.h, zero_depth);
-  const double sigmaR = sigma(R.qn, R.h, zero_depth);
   const double dz = R.zb - L.zb;
   const double hsum = L.h + R.h;
 
   // Mass: the difference of levels, not of depths, keeps a lake at rest over an uneven bed.
-  double Fh = hll_numerator(waves, L.qn, R.qn, R.eta - L.eta) / d;
+  double Fh = hll_numerator(waves, L.qn, R.qn, R.eta - L.eta) * reciprocal;
   Fh = is_cut_off_by_dry_bank(L, R) ? 0.0 : Fh;
 
   // Normal momentum: one HLL average, then the bed step's thrust on each side.
-  const double Fn = hll_numerator(waves, sigmaL, sigmaR, R.qn - L.qn) / d;
+  const double Fn =
+      hll_numerator(waves, normal_momentum(L), normal_momentum(R), R.qn - L.qn) * reciprocal;
   const double stepL = L.eta >= R.zb ? dz : L.h;
   // Intended: +hR where the right water lies below the left bed, although the step is then
   // negative; the sign decides what a cell perched above a lower neighbour receives.
   const double stepR = R.eta >= L.zb ? dz : R.h;
-  const double FnL = Fn - SL * 0.5 * 9.81 * stepL * hsum / d;
-  const double FnR = Fn - SR * 0.5 * 9.81 * stepR * hsum / d;
+  const double thrust = 4.905 * hsum * reciprocal;
+  const double FnL = Fn - SL * stepL * thrust;
+  const double FnR = Fn - SR * stepR * thrust;
 
   // Tangential momentum travels with the water.
   const double Ft = (Fh > 0.0 ? L.ut : R.ut) * Fh;

@@ -16,6 +16,19 @@ QM_HD inline double celerity(double h, double zero_depth) {
   return wet ? std::sqrt(9.81 * h) : 0.0;
 }
 
+/// The costly terms of a depth, which every edge of a cell needs: computed once per state.
+struct DepthTerms {
+  double reciprocal;  ///< 1 / h, 1/m
+  double celerity;    ///< m/s
+};
+
+QM_HD inline DepthTerms depth_terms(double h, double zero_depth) {
+  const bool wet = is_wet(h, zero_depth);
+  // The bound keeps the reciprocal finite where the threshold is 0 and the depth all but 0.
+  const double divisor = wet ? larger(h, 1e-300) : 1.0;
+  return {wet ? 1.0 / divisor : 0.0, celerity(h, zero_depth)};
+}
+
 /// Froude number of the unit discharge q at depth h; keeps the sign of q.
 QM_HD inline double froude(double q, double h, double zero_depth) {
   const bool wet = is_wet(h, zero_depth);

@@ -8,14 +8,17 @@ namespace physics {
 /// "No bound": the step of a cell that does not limit the run, s.
 inline constexpr double unbounded_step = 1e20;
 
-/// Stable step (s) of a cell: characteristic length over |u| + c; unbounded when dry.
+/// Speed of the fastest wave of a state, |u| + c, in m/s; 0 when dry.
+QM_HD inline double wave_speed(const DepthTerms& depth, double qx, double qy) {
+  return fused(std::sqrt(fused(qx, qx, qy * qy)), depth.reciprocal, depth.celerity);
+}
+
+/// Stable step (s) of a cell: characteristic length over the speed of its fastest wave; unbounded
+/// when dry.
 QM_HD inline double stable_step(double h, double qx, double qy, double char_length,
                                 double zero_depth) {
   const bool wet = is_wet(h, zero_depth);
-  const double divisor = wet ? h : 1.0;
-  const double speed = std::sqrt(qx * qx + qy * qy) / divisor;
-  const double step = char_length / (speed + std::sqrt(9.81 * divisor));
-  return wet ? step : unbounded_step;
+  return wet ? char_length / wave_speed(depth_terms(h, zero_depth), qx, qy) : unbounded_step;
 }
 
 /// What a dry cell contributes to the step (s) of a domain, from the largest initial depth h0 (m):

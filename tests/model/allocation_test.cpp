@@ -42,6 +42,14 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     return nullptr;
   }
 }
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  const auto unit = static_cast<std::size_t>(alignment);
+  ++allocations;
+  void* const block = std::aligned_alloc(unit, (size + unit) / unit * unit);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+void operator delete(void* block, std::align_val_t) noexcept { counted_deallocation(block); }
 void operator delete(void* block) noexcept { counted_deallocation(block); }
 void operator delete[](void* block) noexcept { counted_deallocation(block); }
 void operator delete(void* block, std::size_t) noexcept { counted_deallocation(block); }
@@ -106,8 +114,7 @@ TEST_F(AllocationTest, AStepWithTimeSeriesAllocatesNothing) {
                                  folder.write("q.txt", "3 0 -0.1 1 -0.3 1e6 -0.2")};
   const support::Side limnigraph{edge_code::limnigraph, 0.0,
                                  folder.write("z.txt", "3 0 1.3 1 1.5 1e6 1.4")};
-  const auto model =
-      build(hydrograph, limnigraph, {edge_code::wall}, {edge_code::transmissive});
+  const auto model = build(hydrograph, limnigraph, {edge_code::wall}, {edge_code::transmissive});
   EXPECT_EQ(allocations_of_steps(*model), 0);
   EXPECT_GT(Globals::t, 1.0);  // past the second sample and the second interval of the rain
 }

@@ -51,7 +51,7 @@ TEST(BoundaryDischarge, AFroudeNumberOfExactlyOneTakesTheSupercriticalFormula) {
     const auto side = physics::to_edge_frame({h, h * c, 0.0, 0.0, h}, {1.0, 0.0, 1.0}, zero_depth);
     ASSERT_EQ(physics::froude(side.qn, h, zero_depth), 1.0);
     const double sigma = 4.905 * h * h + side.qn * side.qn / h;
-    const double un = side.qn / h;
+    const double un = side.un;
     const double D = 3.0 - side.qn;
     const double subcritical = sigma + c * 2.0 * D;
     const double supercritical = sigma + 2.0 * un * D - (un * un - c * c) * D / (1.5 * un);

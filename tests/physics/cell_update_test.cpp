@@ -18,28 +18,33 @@ TEST(IsReversed, AsksForOppositeSigns) {
   EXPECT_FALSE(physics::is_reversed(1.0, 0.0));
 }
 
+physics::Maxima maxima_after(const physics::Maxima& before, double h, double qx, double qy) {
+  return physics::updated_maxima(before, h, physics::depth_terms(h, zero_depth), qx, qy,
+                                 zero_depth);
+}
+
 TEST(UpdatedMaxima, KeepTheDeepestWater) {
-  EXPECT_EQ(physics::updated_maxima({1.0, 0.0, 0.0}, 2.0, 0.0, 0.0, zero_depth).h, 2.0);
-  EXPECT_EQ(physics::updated_maxima({3.0, 0.0, 0.0}, 2.0, 0.0, 0.0, zero_depth).h, 3.0);
+  EXPECT_EQ(maxima_after({1.0, 0.0, 0.0}, 2.0, 0.0, 0.0).h, 2.0);
+  EXPECT_EQ(maxima_after({3.0, 0.0, 0.0}, 2.0, 0.0, 0.0).h, 3.0);
 }
 
 TEST(UpdatedMaxima, KeepTheFastestVelocityAsAVector) {
-  const auto faster = physics::updated_maxima({9.0, 3.0, 0.0}, 2.0, 2.0, -6.0, zero_depth);
+  const auto faster = maxima_after({9.0, 3.0, 0.0}, 2.0, 2.0, -6.0);
   EXPECT_EQ(faster.u, 1.0);
   EXPECT_EQ(faster.v, -3.0);
-  const auto slower = physics::updated_maxima({9.0, 3.0, 0.0}, 2.0, 4.0, 4.0, zero_depth);
+  const auto slower = maxima_after({9.0, 3.0, 0.0}, 2.0, 4.0, 4.0);
   EXPECT_EQ(slower.u, 3.0);
   EXPECT_EQ(slower.v, 0.0);
 }
 
 TEST(UpdatedMaxima, AnEqualSpeedDoesNotReplaceTheFirst) {
-  const auto equal = physics::updated_maxima({9.0, 3.0, 4.0}, 2.0, -10.0, 0.0, zero_depth);
+  const auto equal = maxima_after({9.0, 3.0, 4.0}, 2.0, -10.0, 0.0);
   EXPECT_EQ(equal.u, 3.0);
   EXPECT_EQ(equal.v, 4.0);
 }
 
 TEST(UpdatedMaxima, AFilmCountsForTheDepthAndNotForTheVelocity) {
-  const auto film = physics::updated_maxima({0.0, 0.0, 0.0}, zero_depth, 1.0, 1.0, zero_depth);
+  const auto film = maxima_after({0.0, 0.0, 0.0}, zero_depth, 1.0, 1.0);
   EXPECT_EQ(film.h, zero_depth);
   EXPECT_EQ(film.u, 0.0);
   EXPECT_EQ(film.v, 0.0);

@@ -1,0 +1,29 @@
+// Columns that start at a cache line, so that vector loads do not straddle two.
+#pragma once
+
+#include <cstddef>
+#include <new>
+#include <vector>
+
+namespace engine {
+
+template <class Value>
+struct CacheLineAllocator {
+  using value_type = Value;
+  static constexpr std::align_val_t alignment{64};
+
+  CacheLineAllocator() = default;
+  template <class Other>
+  CacheLineAllocator(const CacheLineAllocator<Other>&) {}  // NOLINT: allocators convert
+
+  Value* allocate(std::size_t count) {
+    return static_cast<Value*>(::operator new(count * sizeof(Value), alignment));
+  }
+  void deallocate(Value* values, std::size_t) { ::operator delete(values, alignment); }
+  bool operator==(const CacheLineAllocator&) const = default;
+};
+
+template <class Value>
+using AlignedVector = std::vector<Value, CacheLineAllocator<Value>>;
+
+}  // namespace engine
