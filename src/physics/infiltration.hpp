@@ -32,6 +32,7 @@ struct HortonSoil {
 
 /// Cumulative infiltration (m) after a time tau (s) of ponding on a fresh soil, from the implicit
 /// relation F - psi dtheta ln(1 + F / (psi dtheta)) = Ks tau; last iterate if 100 do not suffice.
+/// It is the same for every cell of a soil.
 QM_HD inline double green_ampt_ponded(const GreenAmptSoil& soil, double tau) {
   const double P = soil.psi * soil.dtheta;
   double x = 0.01;
@@ -46,13 +47,34 @@ QM_HD inline double green_ampt_ponded(const GreenAmptSoil& soil, double tau) {
   return result;
 }
 
-/// Cumulative depth (m) after one step of recovery at rate kr: the mean of F and F plus the step's
-/// possible infiltration decays.
-QM_HD inline double recovered_depth(double h, double demand, double F, double kr, double dt) {
-  if (!(kr > 0.0)) return F;
+/// Share of its mean depth that a soil loses in a step by recovery at rate kr (1/s); 0 without
+/// recovery.
+QM_HD inline double recovery_share(double kr, double dt) {
+  return kr > 0.0 ? 1.0 - exponential(-kr * dt) : 0.0;
+}
+
+/// What a step of dt (s) means to every cell of a soil alike.
+struct SoilStep {
+  double dt;
+  double recovery;  // recovery_share
+  double ponded;    // what a fresh soil takes in the step, m; Green-Ampt alone, where F is 0
+};
+
+QM_HD inline SoilStep soil_step(const GreenAmptSoil& soil, double dt) {
+  return {dt, recovery_share(soil.kr, dt), green_ampt_ponded(soil, dt)};
+}
+
+QM_HD inline SoilStep soil_step(const HortonSoil& soil, double dt) {
+  return {dt, recovery_share(soil.kr, dt), 0.0};
+}
+
+/// Cumulative depth (m) after one step of recovery at rate kr, of which `share` is the
+/// recovery_share: the mean of F and F plus the step's possible infiltration decays.
+QM_HD inline double recovered_depth(double h, double demand, double F, double kr, double share) {
   const double mean = (minimum_ignoring_nan(h, demand) + F + F) / 2.0;
-  const double r = mean * (1.0 - exponential(-kr * dt));
-  return r > F ? 0.0 : F - r;
+  const double r = mean * share;
+  const double left = r > F ? 0.0 : F - r;
+  return kr > 0.0 ? left : F;
 }
 
 /// Demand limited to the room left in the soil (not positive once it is full).
@@ -63,30 +85,44 @@ QM_HD inline double limited_demand(double potential, double F, double Fmax) {
 /// Whether the soil takes part in the step: it has room, or it lies under water.
 QM_HD inline bool soil_is_active(double h, double F, double Fmax) { return F < Fmax || h > 0.0; }
 
-/// Green-Ampt: h is the depth at the start of the step, F the cumulative depth, D the demand in
-/// force.
-QM_HD inline Infiltration infiltration_green_ampt(const GreenAmptSoil& soil, double h, double F,
-                                                  double D, double dt) {
-  double demand = 0.0;
-  if (soil_is_active(h, F, soil.Fmax)) {
-    const double Fe = F == 0.0 ? green_ampt_ponded(soil, dt) : F;
-    const double potential = soil.Ks * (soil.psi * soil.dtheta / Fe + 1.0) * dt;
-    demand = limited_demand(potential, F, soil.Fmax);
-    D = demand;
-  }
-  return {D, recovered_depth(h, demand, F, soil.kr, dt)};
+/// Demand of a soil with the given potential infiltration (m), and its recovery: h is the depth at
+/// the start of the step, F the cumulative depth, D the demand in force, which a soil that takes no
+/// part in the step keeps. share: recovery_share.
+QM_HD inline Infiltration limited_infiltration(double potential, double Fmax, double kr,
+                                               double share, double h, double F, double D) {
+  const bool active = soil_is_active(h, F, Fmax);
+  const double limited = limited_demand(potential, F, Fmax);
+  const double demand = active ? limited : 0.0;
+  return {active ? limited : D, recovered_depth(h, demand, F, kr, share)};
 }
 
-/// Horton: as above.
+// The formulas of the two soils take h, F and D as above, and have no branch, so that a loop over
+// cells vectorises.
+
+QM_HD inline Infiltration infiltration_green_ampt(const GreenAmptSoil& soil, const SoilStep& step,
+                                                  double h, double F, double D) {
+  const double Fe = F == 0.0 ? step.ponded : F;
+  const double potential = soil.Ks * (soil.psi * soil.dtheta / Fe + 1.0) * step.dt;
+  return limited_infiltration(potential, soil.Fmax, soil.kr, step.recovery, h, F, D);
+}
+
+QM_HD inline Infiltration infiltration_horton(const HortonSoil& soil, const SoilStep& step,
+                                              double h, double F, double D) {
+  const double rate = soil.fc + (soil.f0 - soil.fc) * exponential(-soil.k * F);
+  return limited_infiltration(rate * step.dt, soil.Fmax, soil.kr, step.recovery, h, F, D);
+}
+
+// The same for a single cell and a step of dt.
+
+QM_HD inline Infiltration infiltration_green_ampt(const GreenAmptSoil& soil, double h, double F,
+                                                  double D, double dt) {
+  const double ponded = F == 0.0 ? green_ampt_ponded(soil, dt) : 0.0;
+  return infiltration_green_ampt(soil, {dt, recovery_share(soil.kr, dt), ponded}, h, F, D);
+}
+
 QM_HD inline Infiltration infiltration_horton(const HortonSoil& soil, double h, double F, double D,
                                               double dt) {
-  double demand = 0.0;
-  if (soil_is_active(h, F, soil.Fmax)) {
-    const double rate = soil.fc + (soil.f0 - soil.fc) * exponential(-soil.k * F);
-    demand = limited_demand(rate * dt, F, soil.Fmax);
-    D = demand;
-  }
-  return {D, recovered_depth(h, demand, F, soil.kr, dt)};
+  return infiltration_horton(soil, soil_step(soil, dt), h, F, D);
 }
 
 }  // namespace physics
