@@ -1,6 +1,7 @@
 // Who may include whom, and where the flow's arithmetic may stand.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <map>
@@ -109,5 +110,14 @@ TEST(Layers, PhysicsCallsPowersAndLogarithmsThroughOneHeader) {
   for (const fs::path& file : files_below(source / "physics")) {
     if (file.filename() == "arithmetic.hpp") continue;
     EXPECT_FALSE(std::regex_search(without_comments(text_of(file)), call)) << file;
+  }
+}
+
+TEST(Layers, EveryFormulaIsBuiltForTheDeviceToo) {
+  const fs::path check = fs::path(QUILLMERE_SOURCE_DIR) / "tests" / "device" / "every_formula.hpp";
+  const auto included = matches(text_of(check), std::regex("#include \"(physics/\\w+\\.hpp)"));
+  for (const fs::path& file : files_below(source / "physics")) {
+    const std::string header = fs::relative(file, source).string();
+    EXPECT_TRUE(std::count(included.begin(), included.end(), header)) << header;
   }
 }

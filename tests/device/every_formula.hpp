@@ -1,0 +1,265 @@
+// Every formula of the flow on one random state, for a comparison of host and device.
+#pragma once
+
+#include <cmath>
+#include <cstdint>
+
+#include "physics/arithmetic.hpp"
+#include "physics/bed_load_mpm.hpp"
+#include "physics/boundary_discharge.hpp"
+#include "physics/boundary_transmissive.hpp"
+#include "physics/boundary_wall.hpp"
+#include "physics/boundary_water_level.hpp"
+#include "physics/cell_update.hpp"
+#include "physics/cell_update_exner.hpp"
+#include "physics/cell_update_swe.hpp"
+#include "physics/edge_frame.hpp"
+#include "physics/flux_clhllc.hpp"
+#include "physics/flux_lhllc.hpp"
+#include "physics/friction_manning.hpp"
+#include "physics/hll_water.hpp"
+#include "physics/infiltration.hpp"
+#include "physics/pointwise.hpp"
+#include "physics/rain.hpp"
+#include "physics/section_discharge.hpp"
+#include "physics/stable_step.hpp"
+#include "physics/time_series.hpp"
+#include "physics/wave_speeds_coupled.hpp"
+
+namespace device_check {
+
+inline constexpr double zero_depth = 1e-4;  // m
+inline constexpr double porosity = 0.4;
+
+/// The numbers that the formulas gave for one state.
+struct Results {
+  static constexpr int capacity = 80;
+  double values[capacity];
+  int count;
+};
+
+QM_HD inline void add(Results& results, double value) {
+  // A result too many is an error of this file; the comparison sees it in the count.
+  if (results.count < Results::capacity) results.values[results.count] = value;
+  ++results.count;
+}
+
+QM_HD inline void add(Results& results, const physics::WaterSlot& slot) {
+  add(results, slot.h);
+  add(results, slot.qx);
+  add(results, slot.qy);
+}
+
+/// Random numbers that depend on the state's number alone.
+/// Source: Steele, Lea and Flood (2014), OOPSLA, for the mixing function.
+struct Random {
+  std::uint64_t state;
+};
+
+/// From low to high.
+QM_HD inline double uniform(Random& random, double low, double high) {
+  random.state += 0x9e3779b97f4a7c15U;
+  std::uint64_t z = random.state;
+  z = (z ^ (z >> 30)) * 0xbf58476d1ce4e5b9U;
+  z = (z ^ (z >> 27)) * 0x94d049bb133111ebU;
+  z = z ^ (z >> 31);
+  // Next to 1 the low bits of a double are a fraction.
+  const double fraction = physics::number_of((z >> 12) | 0x3ff0000000000000U) - 1.0;
+  return low + (high - low) * fraction;
+}
+
+/// A cell's water: in turn dry, thin, or up to 50 m deep, over an uneven bed.
+QM_HD inline physics::CellWater random_water(Random& random) {
+  const double kind = uniform(random, 0.0, 4.0);
+  const double size = uniform(random, 0.0, 1.0);
+  const double h = kind < 1.0 ? 0.0 : (kind < 2.0 ? 2e-3 * size : 50.0 * size * size * size);
+  const double speed = uniform(random, 0.0, 8.0);
+  const double qx = h * uniform(random, -speed, speed);
+  const double qy = h * uniform(random, -speed, speed);
+  const double zb = uniform(random, -1.0, 1.0);
+  return {h, qx, qy, zb, zb + h};
+}
+
+QM_HD inline physics::CellSediment random_sediment(Random& random) {
+  const double hs = uniform(random, 0.0, 2.0);
+  const double qsx = uniform(random, -0.01, 0.01);
+  const double qsy = uniform(random, -0.01, 0.01);
+  return {hs, qsx, qsy, uniform(random, -0.01, 0.001)};
+}
+
+QM_HD inline physics::Edge random_edge(Random& random) {
+  const double x = uniform(random, -1.0, 1.0);
+  const double y = uniform(random, 0.1, 1.0);
+  const double norm = std::sqrt(x * x + y * y);
+  return {x / norm, y / norm, uniform(random, 0.1, 100.0)};
+}
+
+QM_HD inline void add_arithmetic(Results& results, Random& random) {
+  const double x = physics::exponential(uniform(random, -46.0, 46.0));
+  add(results, x);
+  add(results, physics::exponential(uniform(random, -760.0, 760.0)));
+  add(results, physics::natural_logarithm(x));
+  add(results, physics::natural_logarithm(uniform(random, -0.1, 2.0)));
+  add(results, physics::power_2_3(x));
+  add(results, physics::power_4_3(x));
+  add(results, physics::power_7_3(x));
+  add(results, physics::power_10_3(x));
+  add(results, physics::power_3_2(x));
+}
+
+QM_HD inline void add_fluxes(Results& results, Random& random, const physics::CellWater& left,
+                             const physics::CellSediment& bed, const physics::Edge& edge) {
+  const physics::CellWater right = random_water(random);
+  const physics::SlotPair slots = physics::flux_lhllc(left, right, edge, zero_depth);
+  add(results, slots.left);
+  add(results, slots.right);
+  const physics::CoupledSlotPair coupled =
+      physics::flux_clhllc(left, bed, right, random_sediment(random), edge, porosity, zero_depth);
+  add(results, coupled.left.water);
+  add(results, coupled.right.water);
+  add(results, coupled.left.hs);
+  add(results, coupled.right.hs);
+  add(results, coupled.left_hyperbolic + 2.0 * coupled.right_hyperbolic);
+}
+
+QM_HD inline void add_boundaries(Results& results, Random& random, const physics::CellWater& water,
+                                 const physics::CellSediment& bed, const physics::Edge& edge) {
+  using physics::boundary_slot;
+  const physics::EdgeSide side = physics::to_edge_frame(water, edge, zero_depth);
+  const double q = physics::interpolate_linear(uniform(random, -1.0, 3.0), 0.0, 2.0,
+                                               uniform(random, -9.0, 9.0), 1.0);
+  const double qt = uniform(random, -1.0, 1.0);
+  const double h = uniform(random, -0.5, 5.0);
+  add(results, boundary_slot(edge, physics::boundary_wall(side, zero_depth)));
+  add(results, boundary_slot(edge, physics::boundary_transmissive(side, zero_depth)));
+  add(results, boundary_slot(edge, physics::boundary_discharge(side, q, qt, zero_depth)));
+  add(results, boundary_slot(edge, physics::boundary_water_level(side, h, zero_depth)));
+  add(results, physics::boundary_bed_flux(bed, edge, porosity));
+  add(results, physics::add_edge_discharge(q, water.qx, water.qy, edge));
+}
+
+QM_HD inline void add_soils(Results& results, Random& random, double h) {
+  const double Fmax = uniform(random, 0.0, 0.5);
+  const double fill = uniform(random, -0.2, 1.2);
+  const double F = fill < 0.0 ? 0.0 : fill * Fmax;
+  const double D = uniform(random, -1e-4, 1e-4);
+  const double dt = uniform(random, 1e-3, 10.0);
+  const double kr = uniform(random, -1e-3, 1e-3);
+  const physics::GreenAmptSoil loam = {uniform(random, 1e-7, 1e-4), uniform(random, 0.01, 0.4),
+                                       uniform(random, 0.05, 0.4), Fmax, kr};
+  const physics::HortonSoil meadow = {uniform(random, 1e-5, 1e-4), uniform(random, 1e-7, 1e-5),
+                                      uniform(random, 0.0, 200.0), Fmax, kr};
+  const physics::Infiltration a = physics::infiltration_green_ampt(loam, h, F, D, dt);
+  const physics::Infiltration b = physics::infiltration_horton(meadow, h, F, D, dt);
+  add(results, a.demand);
+  add(results, a.infiltrated);
+  add(results, b.demand);
+  add(results, b.infiltrated);
+}
+
+QM_HD inline double rain_of(Results& results, Random& random) {
+  const double times[] = {0.0, 10.0, 25.0};
+  const double intensities[] = {1e-5, uniform(random, 0.0, 1e-4), 2e-5};
+  const double t = uniform(random, 0.0, 40.0);
+  const double before = t * uniform(random, 0.0, 1.0);
+  const physics::RainAddition rain = physics::rain_addition(
+      {times, intensities, 3, 2.0}, {before, t < 20.0 ? -1 : 1, 2.0}, t, 0.0, 40.0);
+  add(results, rain.depth);
+  add(results, rain.clock.rain_dt);
+  return rain.depth;
+}
+
+QM_HD inline void add_update(Results& results, Random& random, const physics::CellWater& water,
+                             const physics::CellSediment& bed) {
+  const bool wet = physics::is_wet(water.h, zero_depth);
+  const double n = uniform(random, 0.01, 0.1);
+  const double dt = uniform(random, 1e-4, 2.0);
+  const double dt_over_area = dt / uniform(random, 0.1, 100.0);
+  const double Fh = uniform(random, -1.0, 1.0);
+  const double Fqx = uniform(random, -2.0, 2.0);
+  const double Fqy = uniform(random, -2.0, 2.0);
+  const double rain = rain_of(results, random);
+  physics::MomentumSource friction = {0.0, 0.0};
+  physics::BedLoad load = {false, 0.0, 0.0, 0.0};
+  if (wet) {
+    friction = physics::friction_manning(n, water.h, water.qx, water.qy);
+    load = physics::bed_load_mpm(water.h, water.qx, water.qy, n, {0.001, 2.65});
+  }
+  add(results, friction.qx);
+  add(results, friction.qy);
+  add(results, load.moves);
+  add(results, load.qsx);
+  add(results, load.qsy);
+  add(results, load.dqs_dh);
+
+  const double demand = uniform(random, -1e-4, 1e-3);
+  const physics::SweCellUpdate swe = physics::update_swe({.h = water.h,
+                                                          .qx = water.qx,
+                                                          .qy = water.qy,
+                                                          .Fh = Fh,
+                                                          .Fqx = Fqx,
+                                                          .Fqy = Fqy,
+                                                          .dt_over_area = dt_over_area,
+                                                          .dt = dt,
+                                                          .rain = rain,
+                                                          .source_qx = friction.qx,
+                                                          .source_qy = friction.qy,
+                                                          .infiltration_step = demand,
+                                                          .infiltrated_depth = 0.01,
+                                                          .bed_rock_level = water.zb,
+                                                          .max_node_level = water.zb + 0.2},
+                                                         zero_depth);
+  add(results, swe.h);
+  add(results, swe.qx);
+  add(results, swe.qy);
+  add(results, swe.infiltrated_depth);
+  add(results, swe.free_surface_level);
+
+  const physics::ExnerCellUpdate exner = physics::update_exner({.h = water.h,
+                                                                .qx = water.qx,
+                                                                .qy = water.qy,
+                                                                .hs = bed.hs,
+                                                                .qsx = bed.qsx,
+                                                                .qsy = bed.qsy,
+                                                                .Fh = Fh,
+                                                                .Fqx = Fqx,
+                                                                .Fqy = Fqy,
+                                                                .Fhs = 1e-3 * Fh,
+                                                                .dt_over_area = dt_over_area,
+                                                                .dt = dt,
+                                                                .rain = rain,
+                                                                .source_qx = friction.qx,
+                                                                .source_qy = friction.qy},
+                                                               zero_depth);
+  add(results, exner.h);
+  add(results, exner.qx);
+  add(results, exner.qy);
+  add(results, exner.hs);
+  add(results, exner.qx_moving);
+
+  const physics::Maxima maxima =
+      physics::updated_maxima({0.5, 0.5, 0.5}, swe.h, swe.qx, swe.qy, zero_depth);
+  add(results, maxima.h);
+  add(results, maxima.u);
+  add(results, maxima.v);
+  const double step = physics::stable_step(swe.h, swe.qx, swe.qy, dt, zero_depth);
+  add(results, physics::stable_step_domain(step, dt));
+  add(results, physics::stable_step_dry(dt, water.h, zero_depth));
+}
+
+/// Every formula on the state of that number.
+QM_HD inline Results every_formula(std::uint64_t number) {
+  Results results = {};
+  Random random = {number << 20};  // far from the numbers of the next state
+  const physics::CellWater water = random_water(random);
+  const physics::CellSediment bed = random_sediment(random);
+  const physics::Edge edge = random_edge(random);
+  add_arithmetic(results, random);
+  add_fluxes(results, random, water, bed, edge);
+  add_boundaries(results, random, water, bed, edge);
+  add_soils(results, random, water.h);
+  add_update(results, random, water, bed);
+  return results;
+}
+
+}  // namespace device_check
