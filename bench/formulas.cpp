@@ -1,7 +1,9 @@
 // Time per call of the pure formulas, over a batch of mixed states that stays in cache.
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "physics/bed_load_mpm.hpp"
@@ -15,6 +17,7 @@
 #include "physics/friction_manning.hpp"
 #include "physics/infiltration.hpp"
 #include "physics/stable_step.hpp"
+#include "support/formula_loops/formula_loops.hpp"
 
 namespace {
 
@@ -35,15 +38,19 @@ std::vector<physics::CellWater> random_waters() {
 
 const physics::Edge edge = {0.6, 0.8, 1.0};
 
+void count_calls(benchmark::State& state) {
+  state.counters["per call"] =
+      benchmark::Counter(static_cast<double>(batch), benchmark::Counter::kIsIterationInvariantRate |
+                                                         benchmark::Counter::kInvert);
+}
+
 /// Calls `formula(i)` on the whole batch; the counter is the time of one call.
 template <class Formula>
 void run_batch(benchmark::State& state, Formula formula) {
   for (auto _ : state) {
     for (std::size_t i = 0; i < batch; ++i) benchmark::DoNotOptimize(formula(i));
   }
-  state.counters["per call"] =
-      benchmark::Counter(static_cast<double>(batch), benchmark::Counter::kIsIterationInvariantRate |
-                                                         benchmark::Counter::kInvert);
+  count_calls(state);
 }
 
 const std::vector<physics::CellWater> waters = random_waters();
@@ -142,6 +149,74 @@ void bed_load_mpm(benchmark::State& state) {
   });
 }
 
+// Loops over arrays: the standard library's functions, which no loop vectorises, against ours.
+
+std::vector<double> random_numbers(double low, double high) {
+  std::mt19937 generator(2);
+  std::uniform_real_distribution<double> number(low, high);
+  std::vector<double> numbers(batch);
+  for (double& x : numbers) x = number(generator);
+  return numbers;
+}
+
+template <class Loop>
+void run_loop(benchmark::State& state, Loop loop) {
+  const std::vector<double> x = random_numbers(0.01, 5.0);
+  std::vector<double> y(batch);
+  for (auto _ : state) {
+    loop(x.data(), y.data(), batch);
+    benchmark::ClobberMemory();
+  }
+  count_calls(state);
+}
+
+template <class Function>
+auto loop_of(Function function) {
+  return [function](const double* x, double* y, std::size_t n) {
+    for (std::size_t i = 0; i < n; ++i) y[i] = function(x[i]);
+  };
+}
+
+template <class Soil>
+void run_soil(benchmark::State& state, formula_loops::SoilLoop<Soil> loop, const Soil& soil) {
+  const std::vector<double> h = random_numbers(0.01, 2.0);
+  std::vector<double> F = random_numbers(0.01, 0.5);
+  std::vector<double> D(batch);
+  for (auto _ : state) {
+    loop(soil, physics::soil_step(soil, 0.1), h.data(), F.data(), D.data(), batch);
+    benchmark::ClobberMemory();
+  }
+  count_calls(state);
+}
+
+template <class Run>
+void add_benchmark(const std::string& name, Run run) {
+  benchmark::RegisterBenchmark(name.c_str(), run);
+}
+
+void add_loops() {
+  const auto add_loop = [](const std::string& name, auto loop) {
+    add_benchmark(name, [loop](benchmark::State& state) { run_loop(state, loop); });
+  };
+  add_loop("loop/exponential/library", loop_of([](double x) { return std::exp(x); }));
+  add_loop("loop/logarithm/library", loop_of([](double x) { return std::log(x); }));
+  add_loop("loop/power_2_3/library", loop_of([](double x) { return std::pow(x, 2.0 / 3.0); }));
+  add_loop("loop/power_4_3/library", loop_of([](double x) { return std::pow(x, 4.0 / 3.0); }));
+  for (const formula_loops::Loops& loops : formula_loops::of_this_machine()) {
+    const std::string set = loops.instruction_set;
+    add_loop("loop/exponential/" + set, loops.exponential);
+    add_loop("loop/logarithm/" + set, loops.natural_logarithm);
+    add_loop("loop/power_2_3/" + set, loops.power_2_3);
+    add_loop("loop/power_4_3/" + set, loops.power_4_3);
+    add_benchmark("loop/green_ampt/" + set, [loops](benchmark::State& state) {
+      run_soil(state, loops.green_ampt, {3e-6, 0.11, 0.25, 1.0, 1e-6});
+    });
+    add_benchmark("loop/horton/" + set, [loops](benchmark::State& state) {
+      run_soil(state, loops.horton, {1e-5, 3e-6, 10.0, 1.0, 1e-6});
+    });
+  }
+}
+
 }  // namespace
 
 BENCHMARK(flux_lhllc);
@@ -156,4 +231,11 @@ BENCHMARK(stable_step);
 BENCHMARK(infiltration_green_ampt);
 BENCHMARK(infiltration_horton);
 BENCHMARK(bed_load_mpm);
-BENCHMARK_MAIN();
+
+int main(int argc, char** argv) {
+  add_loops();
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+}

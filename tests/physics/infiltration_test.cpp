@@ -2,13 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <bit>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
 #include <limits>
-#include <random>
-#include <vector>
 
 namespace {
 
@@ -124,61 +119,6 @@ TEST(RecoveredDepth, ADepthThatIsNotANumberGivesWayToTheDemand) {
   const double share = physics::recovery_share(0.1, 1.0);
   EXPECT_EQ(physics::recovered_depth(nan, 0.5, 1.0, 0.1, share),
             physics::recovered_depth(2.0, 0.5, 1.0, 0.1, share));
-}
-
-// Cells of every kind: fresh, with room, full, overfull and below zero; dry and wet.
-struct Soils {
-  std::vector<double> h, F, D;
-};
-
-Soils random_soils(double Fmax) {
-  std::mt19937 generator(7);
-  std::uniform_real_distribution<double> depth(-0.001, 0.02), fill(-0.1, 1.2), demand(-1e-4, 1e-4);
-  Soils soils;
-  for (int i = 0; i < 4001; ++i) {
-    const double F = fill(generator) * Fmax;
-    soils.h.push_back(i % 5 == 0 ? 0.0 : depth(generator));
-    soils.F.push_back(i % 3 == 0 ? 0.0 : i % 7 == 0 ? Fmax : F);
-    soils.D.push_back(demand(generator));
-  }
-  return soils;
-}
-
-/// One step of all cells in one loop against a step of each: the same bits.
-template <class Soil, class Formula>
-void expect_a_loop_equals_its_cells(const Soil& soil, double dt, Formula formula) {
-  const Soils before = random_soils(soil.Fmax);
-  Soils after = before;
-  const physics::SoilStep step = physics::soil_step(soil, dt);
-  const std::size_t n = before.h.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    const physics::Infiltration s = formula(soil, step, before.h[i], before.F[i], before.D[i]);
-    after.D[i] = s.demand;
-    after.F[i] = s.infiltrated;
-  }
-  int active = 0;
-  for (std::size_t i = 0; i < n; ++i) {
-    const physics::Infiltration s = formula(soil, before.h[i], before.F[i], before.D[i], dt);
-    ASSERT_EQ(std::bit_cast<std::uint64_t>(after.D[i]), std::bit_cast<std::uint64_t>(s.demand));
-    ASSERT_EQ(std::bit_cast<std::uint64_t>(after.F[i]),
-              std::bit_cast<std::uint64_t>(s.infiltrated));
-    active += s.demand != before.D[i];
-  }
-  EXPECT_GT(active, 2000);
-  EXPECT_LT(active, 4001);
-}
-
-TEST(Infiltration, ALoopOverTheCellsOfASoilEqualsItsCells) {
-  for (const double kr : {0.0, 1e-3}) {
-    physics::GreenAmptSoil clay = loam;
-    clay.kr = kr;
-    expect_a_loop_equals_its_cells(
-        clay, 0.7, [](auto... x) { return physics::infiltration_green_ampt(x...); });
-    physics::HortonSoil meadow = field;
-    meadow.kr = kr;
-    expect_a_loop_equals_its_cells(meadow, 0.7,
-                                   [](auto... x) { return physics::infiltration_horton(x...); });
-  }
 }
 
 TEST(SoilStep, HoldsThePondedDepthAndTheRecoveryOfTheStep) {
