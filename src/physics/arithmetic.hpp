@@ -178,13 +178,12 @@ QM_HD inline double natural_logarithm(double x) {
   const double k_biased = number_of((offset >> 52) | 0x4330000000000000U) - 0x1p52;
   const double k = k_biased - (subnormal ? 1077.0 : 1023.0);
 
-  // ln(1 + f) = f - f^2/2 + s (f^2/2 + R), with s = f / (2 + f) and R the rest of the series of
-  // 2 artanh(s) from its cubic term on; the first term left out is below 2^-60.
+  // ln(1 + f) = f - f^2/2 + s (f^2/2 + R), with s = f / (2 + f) and s R the series of 2 artanh(s)
+  // from its cubic term on; the first term left out is below 2^-60 of the sum.
   const double f = m - 1.0;
   const double s = f / (2.0 + f);
   const double s2 = s * s;
-  double R = 2.0 / 23.0;
-  R = fused(R, s2, 2.0 / 21.0);
+  double R = 2.0 / 21.0;
   R = fused(R, s2, 2.0 / 19.0);
   R = fused(R, s2, 2.0 / 17.0);
   R = fused(R, s2, 2.0 / 15.0);
