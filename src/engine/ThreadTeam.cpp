@@ -67,7 +67,7 @@ void ThreadTeam::serve(int member) {
 }
 
 int threads_for(int cells) {
-  constexpr int fewest_cells_of_a_thread = 2000;
+  constexpr int fewest_cells_of_a_thread = 1000;
   return std::clamp(cells / fewest_cells_of_a_thread, 1, threads_wanted());
 }
 

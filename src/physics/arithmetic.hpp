@@ -40,19 +40,19 @@ struct CubeRoot {
   double ln;
 };
 
-/// A better reciprocal cube root y of x: one step of fourth order.
-QM_HD inline double refined_reciprocal_root(double x, double y) {
+/// What a reciprocal cube root y of x lacks, as a share of it: the series of fourth order in the
+/// residual e, (1 - e)^(-1/3) - 1.
+QM_HD inline double lack_of_reciprocal_root(double x, double y) {
   const double e = fused(-x * y * y, y, 1.0);
-  return fused(y, e * fused(e, fused(e, 14.0 / 81.0, 2.0 / 9.0), 1.0 / 3.0), y);
+  return e * fused(e, fused(e, 14.0 / 81.0, 2.0 / 9.0), 1.0 / 3.0);
 }
 
-/// x^(-1/3) of a positive normal number within 1 unit in the last place: a first guess from the
-/// exponent, and two steps of fourth order. No branch and no table, so that it vectorises.
-QM_HD inline double reciprocal_cube_root(double x) {
-  const std::uint64_t bits = bits_of(x);
-  const std::uint64_t third = ((bits >> 32) * 0x55555556U) >> 32;
+/// x^(-1/3) of a positive normal number to 5 digits: a first guess from the exponent, and one step.
+/// No branch and no table, so that it vectorises.
+QM_HD inline double rough_reciprocal_root(double x) {
+  const std::uint64_t third = ((bits_of(x) >> 32) * 0x55555556U) >> 32;
   const double guess = number_of((0x553ef0ffU - third) << 32);
-  return refined_reciprocal_root(x, refined_reciprocal_root(x, guess));
+  return fused(guess, lack_of_reciprocal_root(x, guess), guess);
 }
 
 /// Natural logarithm of a positive normal number to about 0.06: the high half of a double is its
@@ -64,7 +64,8 @@ QM_HD inline double rough_logarithm(double x) {
 
 /// The root from its reciprocal, and its rounding error from the residual.
 QM_HD inline CubeRoot cube_root(double x) {
-  const double y = reciprocal_cube_root(x);
+  const double rough = rough_reciprocal_root(x);
+  const double y = fused(rough, lack_of_reciprocal_root(x, rough), rough);
   const double c = x * y * y;
   const double c2 = c * c;
   const double c2_error = fused(c, c, -c2);
@@ -100,10 +101,15 @@ QM_HD inline double power_2_3(double x) {
 QM_HD inline double power_4_3(double x) {
   return times_cube_root(x, 0.0, cube_root(x), -7.405100838075995e-17);
 }
-/// x^(-4/3) from x and 1/x, within two units in the last place.
+/// x^(-4/3) from x and its rounded reciprocal; within one and two thirds units in the last place from
+/// e^-20 to e^20.
 QM_HD inline double power_minus_4_3(double x, double reciprocal) {
-  const double value = reciprocal * reciprocal_cube_root(x);
-  return fused(value * rough_logarithm(x), 7.405100838075995e-17, value);
+  const double y = rough_reciprocal_root(x);
+  const double rough = reciprocal * y;
+  const double lack_of_reciprocal = fused(-x, reciprocal, 1.0);
+  const double lack_of_exponent = rough_logarithm(x) * 7.405100838075995e-17;
+  const double lack = lack_of_reciprocal_root(x, y) + (lack_of_reciprocal + lack_of_exponent);
+  return fused(rough, lack, rough);
 }
 /// x^(7/3); holds from 1e-120 to 1e130.
 QM_HD inline double power_7_3(double x) {

@@ -95,6 +95,11 @@ TEST(Arithmetic, ThePower4_3IsExactToARoundingAndFarOutToThreeQuartersOfAUnit) {
   EXPECT_LT(worst_over_logarithms(physics::power_4_3, exact, valid, many / 10), 0.75);
 }
 
+TEST(Arithmetic, TheReciprocalPower4_3IsWithinOneAndTwoThirdsUnits) {
+  const auto power = [](double x) { return physics::power_minus_4_3(x, 1.0 / x); };
+  EXPECT_LT(worst_over_logarithms(power, exact_power(-4.0 / 3.0), usual, many), 1.62);
+}
+
 TEST(Arithmetic, ThePower7_3IsExactToARoundingAndFarOutToThreeQuartersOfAUnit) {
   const auto exact = exact_power(7.0 / 3.0);
   EXPECT_LT(worst_over_logarithms(physics::power_7_3, exact, usual, many), 0.58);
