@@ -126,8 +126,9 @@ QM_HD inline void add_boundaries(Results& results, Random& random, const physics
                                  const physics::CellSediment& bed, const physics::Edge& edge) {
   using physics::boundary_slot;
   const physics::EdgeSide side = physics::to_edge_frame(water, edge, zero_depth);
-  const double q = physics::interpolate_linear(uniform(random, -1.0, 3.0), 0.0, 2.0,
-                                               uniform(random, -9.0, 9.0), 1.0);
+  const double t = uniform(random, -1.0, 3.0);
+  const double v0 = uniform(random, -9.0, 9.0);
+  const double q = physics::interpolate_linear(t, 0.0, 2.0, v0, 1.0);
   const double qt = uniform(random, -1.0, 1.0);
   const double h = uniform(random, -0.5, 5.0);
   add(results, boundary_slot(edge, physics::boundary_wall(side, zero_depth)));
