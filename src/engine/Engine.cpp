@@ -49,6 +49,10 @@ int cells_per_patch_for(int cells, int threads) {
   return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
 }
 
+void add_once(std::vector<int>& list, int value) {
+  if (std::find(list.begin(), list.end(), value) == list.end()) list.push_back(value);
+}
+
 template <class Value>
 Value* data_or_null(AlignedVector<Value>& column) {
   return column.empty() ? nullptr : column.data();
@@ -137,7 +141,8 @@ void Engine::derive_columns() {
   can_change_.assign(patches, 1);  // the first step sets free surfaces and maxima everywhere
   always_active_.assign(patches, 0);
   has_rain_.assign(patches, 0);
-  has_soil_.assign(patches, 0);
+  soil_steps_.resize(soils_.size());
+  if (!soils_.empty()) soils_of_patch_.resize(patches);
   marks_.assign(patches, 0);
   for (std::size_t p = 0; p < patches; ++p) {
     const Patch& patch = patches_.patches[p];
@@ -151,7 +156,7 @@ void Engine::derive_columns() {
       if (!cells_.rain.empty() && cells_.rain[at(i)] > 0) has_rain_[p] = 1;
       if (cells_.soil.empty() || cells_.soil[at(i)] < 0) continue;
       const Soil& soil = soils_[at(cells_.soil[at(i)])];
-      has_soil_[p] = 1;
+      add_once(soils_of_patch_[p], cells_.soil[at(i)]);
       if ((soil.is_green_ampt ? soil.green_ampt.kr : soil.horton.kr) > 0.0) always_active_[p] = 1;
     }
   }
@@ -229,6 +234,10 @@ void Engine::impose(int boundary, double value) {
 void Engine::fluxes(const StepTimes& times) {
   step_.dt = times.dt;
   rain(times);
+  for (std::size_t s = 0; s < soils_.size(); ++s) {
+    soil_steps_[s] = soils_[s].is_green_ampt ? physics::soil_step(soils_[s].green_ampt, times.dt)
+                                             : physics::soil_step(soils_[s].horton, times.dt);
+  }
   find_active_patches();
   team_.run([&](int member) {
     Scratch& scratch = scratch_[at(member)];
@@ -370,8 +379,8 @@ void Engine::advance_patch(int number, Scratch& scratch) {
   taken.momentum_y[patch.outer_slots.size()] = 0.0;
   if (has_bed_) taken.bed[patch.outer_slots.size()] = 0.0;
 
-  const bool has_soil = has_soil_[at(number)] != 0;
-  if (has_soil) set_demand(patch, scratch);
+  const bool has_soil = !soils_.empty() && !soils_of_patch_[at(number)].empty();
+  if (has_soil) set_demand(number, scratch);
   const bool drinks = has_soil && !has_bed_;  // sediment beds let no water in
   const CellRange range = {patch.cells.begin, patch.cells.end, slots,
                            drinks ? scratch.demand.data() : nullptr};
@@ -380,20 +389,18 @@ void Engine::advance_patch(int number, Scratch& scratch) {
   can_change_[at(number)] = after.all_dry ? 0 : 1;
 }
 
-void Engine::set_demand(const Patch& patch, Scratch& scratch) {
-  for (int i = patch.cells.begin; i < patch.cells.end; ++i) {
-    const std::size_t c = at(i);
-    double& demand = scratch.demand[at(i - patch.cells.begin)];
-    demand = 0.0;
-    if (cells_.soil[c] < 0) continue;
-    const Soil& soil = soils_[at(cells_.soil[c])];
-    const physics::Infiltration infiltration =
-        soil.is_green_ampt ? physics::infiltration_green_ampt(soil.green_ampt, cells_.h[c],
-                                                              cells_.infiltrated[c], 0.0, step_.dt)
-                           : physics::infiltration_horton(soil.horton, cells_.h[c],
-                                                          cells_.infiltrated[c], 0.0, step_.dt);
-    demand = infiltration.demand;
-    cells_.infiltrated[c] = infiltration.infiltrated;
+void Engine::set_demand(int number, Scratch& scratch) {
+  const Range cells = patches_.patches[at(number)].cells;
+  const CellColumns columns = cell_columns();
+  std::fill_n(scratch.demand.begin(), cells.size(), 0.0);
+  for (const int s : soils_of_patch_[at(number)]) {
+    const SoilRange range = {cells.begin, cells.end, cells_.soil.data(), s, scratch.demand.data()};
+    const Soil& soil = soils_[at(s)];
+    if (soil.is_green_ampt) {
+      kernels_.green_ampt(columns, range, soil.green_ampt, soil_steps_[at(s)]);
+    } else {
+      kernels_.horton(columns, range, soil.horton, soil_steps_[at(s)]);
+    }
   }
 }
 

@@ -85,7 +85,7 @@ class Engine {
   void flux_of_boundary(int boundary);
   void outer_fluxes(const Patch& patch, Scratch& scratch);
   void advance_patch(int patch, Scratch& scratch);
-  void set_demand(const Patch& patch, Scratch& scratch);
+  void set_demand(int patch, Scratch& scratch);
   template <class Index>
   void find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRange& range,
                            const std::vector<int>& numbers, Scratch& scratch) const;
@@ -115,10 +115,12 @@ class Engine {
   std::vector<RainInput> rain_;
   Column rain_depths_;
   std::vector<Soil> soils_;
+  std::vector<physics::SoilStep> soil_steps_;
+  std::vector<std::vector<int>> soils_of_patch_;
 
   std::vector<char> can_change_;     ///< per patch, by the state of its own cells
   std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
-  std::vector<char> has_rain_, has_soil_;
+  std::vector<char> has_rain_;
   std::vector<char> marks_;
   std::vector<int> active_;       ///< patches that a step computes
   std::vector<int> with_fluxes_;  ///< those whose outer fluxes it computes

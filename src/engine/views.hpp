@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "physics/bed_load_mpm.hpp"
+#include "physics/infiltration.hpp"
 
 namespace engine {
 
@@ -86,8 +87,21 @@ struct ModelKernels {
   Advance (*advance)(const CellColumns&, const CellRange&, const StepValues&, double smallest_step);
 };
 
+/// The cells of a patch that have a soil.
+struct SoilRange {
+  int begin, end;
+  const int* soil_of_cell;  ///< number of the soil of every cell, -1: none
+  int soil;                 ///< the soil in question
+  double* demand;           ///< of the cells of the range, m
+};
+
 struct Kernels {
   const char* name;
+  /// Demand of one soil, and the infiltrated depth after its recovery, where the cells have it.
+  void (*green_ampt)(const CellColumns&, const SoilRange&, const physics::GreenAmptSoil&,
+                     const physics::SoilStep&);
+  void (*horton)(const CellColumns&, const SoilRange&, const physics::HortonSoil&,
+                 const physics::SoilStep&);
   ModelKernels water;          ///< of the hydrodynamic model
   ModelKernels water_and_bed;  ///< of the model with sediments
 };
