@@ -70,7 +70,9 @@ void Domain::read_mesh() {
   umax_buffer.assign(n_cells, 0.0);
   const bool has_infiltrated_depth = is_infiltration || is_initial_infiltration;
   const std::size_t hydrodynamic_columns = has_infiltrated_depth ? 4 : 3;
-  model->cell_value_rows.allocate(n_cells, has_sediments() ? 7 : hydrodynamic_columns);
+  if (is_pictures) {
+    model->cell_value_rows.allocate(n_cells, has_sediments() ? 7 : hydrodynamic_columns);
+  }
 
   log << "  Reading interfaces in: " << edges_file << '\n';
   read_edges(edges_file);

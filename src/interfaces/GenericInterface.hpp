@@ -38,7 +38,6 @@ class GenericInterface {
 
   std::array<const MeshNode*, 2> nodes;
   MeshNode normal;      ///< unit vector, z = 0
-  MeshNode midpoint;    ///< filled by HydroBCLimnigraph alone
   double length = 0.0;  ///< in plan, m
   int tag = 0;          ///< position in the edges file
   ComputationalCell* cell_left;

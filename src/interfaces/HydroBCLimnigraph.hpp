@@ -25,6 +25,7 @@ class HydroBCLimnigraph : public GenericInterface {
   int GetCurrent();
 
   std::shared_ptr<const TimeSeries> series;
+  MeshNode midpoint;           ///< of the two nodes
   double level_imposed = 0.0;  ///< at the last flux, m
   double h_imposed = 0.0;      ///< depth of the level over the bed, m
   double c_imposed = 0.0;      ///< celerity at that depth, m/s

@@ -8,9 +8,9 @@
 #include "physics/stable_step.hpp"
 #include "sources/SourceTerm.hpp"
 
-ComputationalCell::ComputationalCell(std::vector<const MeshNode*> vertices)
-    : nodes(std::move(vertices)),
-      n_nodes(static_cast<int>(nodes.size())),
+ComputationalCell::ComputationalCell(const std::vector<const MeshNode*>& vertices)
+    : n_nodes(static_cast<int>(vertices.size())),
+      nodes(vertices),
       max_node_level(-1e20),
       min_node_level(1e20) {
   param.last_update_time = Globals_Params::tStart;
@@ -28,8 +28,8 @@ ComputationalCell::ComputationalCell(std::vector<const MeshNode*> vertices)
   char_length = 2.0 * area / perimeter;
 }
 
-ComputationalCell::ComputationalCell(int index, std::vector<const MeshNode*> vertices)
-    : ComputationalCell(std::move(vertices)) {
+ComputationalCell::ComputationalCell(int index, const std::vector<const MeshNode*>& vertices)
+    : ComputationalCell(vertices) {
   id = index;
 }
 
@@ -61,7 +61,7 @@ double ComputationalCell::compute_perimeter() const {
 
 void ComputationalCell::add_interface(GenericInterface* interface) {
   interfaces.push_back(interface);
-  fluxes.emplace_back();
+  fluxes.add();
 }
 
 void ComputationalCell::sort_interfaces_by_tag() {

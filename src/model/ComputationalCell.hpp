@@ -2,13 +2,14 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <new>
 #include <vector>
 
+#include "model/FluxSlots.hpp"
 #include "model/HydraulicVariableSWE.hpp"
 #include "model/MeshNode.hpp"
 #include "model/ParamCell.hpp"
+#include "utils/SmallVector.hpp"
 
 class GenericInterface;
 class SourceTerm;
@@ -16,8 +17,8 @@ class SourceTerm;
 class ComputationalCell {
  public:
   /// Builds a cell on at least three vertices, in either orientation; they must outlive it.
-  explicit ComputationalCell(std::vector<const MeshNode*> vertices);
-  ComputationalCell(int index, std::vector<const MeshNode*> vertices);
+  explicit ComputationalCell(const std::vector<const MeshNode*>& vertices);
+  ComputationalCell(int index, const std::vector<const MeshNode*>& vertices);
 
   /// Cells are deleted through this class, which has no virtual destructor: derived cells add no
   /// members, so this destructor is the whole one. The destroying form makes that well defined.
@@ -68,8 +69,8 @@ class ComputationalCell {
   /// Stable step before the Courant factor, s; 1e20 when dry.
   double dtMin() const;
 
-  std::vector<HydraulicVariableSWE> fluxes;  ///< one slot per interface, inflow times edge length
-  std::vector<GenericInterface*> interfaces;
+  FluxSlots fluxes;  ///< one slot per interface, inflow times edge length
+  utils::SmallVector<GenericInterface*, 3> interfaces;
   HydraulicVariableSWE max_values;  ///< h: largest depth; qx, qy: fastest velocity (m/s)
   MeshNode center;                  ///< mean of the vertices
   double bed_rock_level;            ///< fixed bed, m
@@ -80,12 +81,12 @@ class ComputationalCell {
   double char_length;               ///< 2 area / perimeter, m
   double dqs_dh = 0.0;              ///< derivative of the bed load with respect to depth, m/s
   int id = 0;
+  int n_nodes;
   ParamCell param;
   HydraulicVariableSWE U;  ///< conserved state
   HydraulicVariableSWE S;  ///< sources of the step; emptied by Update()
-  std::vector<const MeshNode*> nodes;
-  std::vector<SourceTerm*> source_terms;
-  int n_nodes;
+  utils::SmallVector<const MeshNode*, 3> nodes;
+  utils::SmallVector<SourceTerm*, 2> source_terms;
   double friction = 0.0;  ///< Manning coefficient, s/m^(1/3)
   double max_node_level;  ///< m
   double min_node_level;  ///< m

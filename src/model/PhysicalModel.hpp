@@ -1,6 +1,7 @@
 // The model of a run: owns cells, nodes, interfaces and friction terms, and advances one step.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <vector>
@@ -89,8 +90,8 @@ class PhysicalModel {
   double char_length_min = 0.0;  ///< m
   CellValueRows cell_value_rows;
   bool has_infiltration = false;
-  std::vector<std::unique_ptr<FrictionTerm>> friction_terms;
-  std::unique_ptr<CompiledModel> engine;  ///< null: the objects run
+  std::deque<FrictionTerm> friction_terms;  ///< cells point to them
+  std::unique_ptr<CompiledModel> engine;    ///< null: the objects run
 
  protected:
   /// The schedule of a step, the same for every model.

@@ -13,14 +13,12 @@ void PhysicalModel::setFixedBedLevel(utils::TextScanner& file) {
 }
 
 void PhysicalModel::setFriction(utils::TextScanner& file) {
-  friction_terms.reserve(static_cast<std::size_t>(n_cells));
   for (int k = 0; k < n_cells; ++k) {
     file.begin_record("cell", k, n_cells);
     const double n = file.read_number("Manning coefficient");
     ComputationalCell& cell = *cells[static_cast<std::size_t>(k)];
     cell.set_friction(n);
-    friction_terms.push_back(std::make_unique<FrictionTerm>(n));
-    cell.add_source_term(friction_terms.back().get());
+    cell.add_source_term(&friction_terms.emplace_back(n));
   }
 }
 

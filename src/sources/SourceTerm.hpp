@@ -23,6 +23,6 @@ class SourceTerm {
   double get_dts() const { return dts_; }
 
  private:
-  int id_ = -1;        ///< links the term to the cells that use it
-  double dts_ = -1.0;  ///< s
+  int id_ = -1;   ///< links the term to the cells that use it
+  int dts_ = -1;  ///< s
 };

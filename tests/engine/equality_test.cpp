@@ -104,8 +104,7 @@ class Equality : public testing::Test {
     std::uniform_real_distribution<double> unit(-1.0, 1.0);
     if (options.friction) {
       cell.set_friction(0.02 + 0.01 * unit(generator));
-      model.friction_terms.push_back(std::make_unique<FrictionTerm>(cell.friction));
-      cell.add_source_term(model.friction_terms.back().get());
+      cell.add_source_term(&model.friction_terms.emplace_back(cell.friction));
     }
     if (options.rain && cell.id % 3 != 0) cell.add_source_term(&sources_.rain);
     if (options.rain && cell.id % 3 == 0) cell.add_source_term(&sources_.drizzle);

@@ -76,8 +76,7 @@ std::unique_ptr<SWE_Exner> build(const SinkingChannel& exact, int cells_along, d
     cell->set_bed_rock_level(exact.bed(cell->center.x, 0.0) - layer);
     cell->set_hs(layer);
     cell->set_friction(exact.n);
-    model->friction_terms.push_back(std::make_unique<FrictionTerm>(exact.n));
-    cell->add_source_term(model->friction_terms.back().get());
+    cell->add_source_term(&model->friction_terms.emplace_back(exact.n));
   }
   support::fill(
       *model, [&](double x, double) { return exact.bed(x, 0.0) + exact.h(x); }, exact.q);

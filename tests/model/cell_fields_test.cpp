@@ -38,10 +38,10 @@ TEST_F(CellFieldsTest, FrictionGivesEveryCellItsOwnTerm) {
   ASSERT_EQ(model->friction_terms.size(), 2u);
   EXPECT_EQ(cell(0).friction, 0.03);
   EXPECT_EQ(cell(1).friction, 0.05);
-  EXPECT_EQ(model->friction_terms[1]->get_friction_coefficient(), 0.05);
+  EXPECT_EQ(model->friction_terms[1].get_friction_coefficient(), 0.05);
   ASSERT_EQ(cell(1).source_terms.size(), 1u);
-  EXPECT_EQ(cell(0).source_terms[0], model->friction_terms[0].get());
-  EXPECT_EQ(cell(1).source_terms[0], model->friction_terms[1].get());
+  EXPECT_EQ(cell(0).source_terms[0], &model->friction_terms[0]);
+  EXPECT_EQ(cell(1).source_terms[0], &model->friction_terms[1]);
 }
 
 TEST_F(CellFieldsTest, ValuesBeyondTheLastCellAreIgnored) {
@@ -97,8 +97,8 @@ TEST_F(CellFieldsTest, SourceTermsAreAttachedByTheirId) {
 TEST_F(CellFieldsTest, CellsShareATerm) {
   auto ids = file("3 3");
   model->set_source_term_by_ID(ids, {&drizzle, &storm});
-  EXPECT_EQ(cell(0).source_terms.at(0), &drizzle);
-  EXPECT_EQ(cell(1).source_terms.at(0), &drizzle);
+  EXPECT_EQ(cell(0).source_terms[0], &drizzle);
+  EXPECT_EQ(cell(1).source_terms[0], &drizzle);
 }
 
 TEST_F(CellFieldsTest, MinusOneAttachesNothing) {
@@ -112,7 +112,7 @@ TEST_F(CellFieldsTest, OfTwoTermsWithOneIdTheLaterCounts) {
   storm.setID(3);
   auto ids = file("3 -1");
   model->set_source_term_by_ID(ids, {&drizzle, &storm});
-  EXPECT_EQ(cell(0).source_terms.at(0), &storm);
+  EXPECT_EQ(cell(0).source_terms[0], &storm);
 }
 
 TEST_F(CellFieldsTest, AnUnknownIdEndsTheRunWithStatusOne) {

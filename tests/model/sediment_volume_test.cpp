@@ -31,10 +31,10 @@ std::unique_ptr<SWE_Exner> dam_break_over_sand(double layer) {
   for (const auto& cell : model->cells) {
     cell->set_hs(layer);
     cell->set_friction(0.03);
-    model->friction_terms.push_back(std::make_unique<FrictionTerm>(0.03));
-    cell->add_source_term(model->friction_terms.back().get());
+    cell->add_source_term(&model->friction_terms.emplace_back(0.03));
   }
-  support::fill(*model, [&](double x, double y) { return layer + (x + 0.3 * y < 4.0 ? 1.0 : 0.2); });
+  support::fill(*model,
+                [&](double x, double y) { return layer + (x + 0.3 * y < 4.0 ? 1.0 : 0.2); });
   return model;
 }
 
