@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include "engine/numbering.hpp"
 #include "physics/boundary_discharge.hpp"
@@ -79,7 +80,7 @@ Engine::Engine(ModelInput&& input, int threads)
   step_.dry_step = dry_step_;
   step_.porosity = input.porosity;
   step_.grains = input.grains;
-  number_cells(input.x, input.y, input.edges);
+  number_cells(std::exchange(input.x, {}), std::exchange(input.y, {}), input.edges);
   const int cells = static_cast<int>(cells_.h.size());
   patches_ = make_patches(
       input.edges, cells_.slots,

@@ -7,6 +7,7 @@
 #include "model/ComputationalCell.hpp"
 #include "model/MeshNode.hpp"
 #include "physics/edge_frame.hpp"
+#include "utils/Arena.hpp"
 
 class GenericInterface {
  public:
@@ -17,6 +18,9 @@ class GenericInterface {
   virtual ~GenericInterface() = default;
   GenericInterface(const GenericInterface&) = delete;
   GenericInterface& operator=(const GenericInterface&) = delete;
+
+  static void* operator new(std::size_t size) { return arena.allocate(size); }
+  static void operator delete(void*) { arena.release(); }
 
   /// Overwrites the slots of the edge's cells with the flux of their present states.
   virtual void Flux() {}
@@ -54,6 +58,9 @@ class GenericInterface {
   /// Adds the inflow of bed (m3/s) to a slot just written.
   void set_left_bed_slot(double hs);
   void set_right_bed_slot(double hs);
+
+ private:
+  static inline utils::Arena arena;
 };
 
 /// A cell's water above its bed rock, as fluxes read it.

@@ -9,6 +9,7 @@
 #include "model/HydraulicVariableSWE.hpp"
 #include "model/MeshNode.hpp"
 #include "model/ParamCell.hpp"
+#include "utils/Arena.hpp"
 #include "utils/SmallVector.hpp"
 
 class GenericInterface;
@@ -24,8 +25,9 @@ class ComputationalCell {
   /// members, so this destructor is the whole one. The destroying form makes that well defined.
   static void operator delete(ComputationalCell* cell, std::destroying_delete_t) {
     cell->~ComputationalCell();
-    ::operator delete(cell);
+    arena.release();
   }
+  static void* operator new(std::size_t size) { return arena.allocate(size); }
 
   /// Applies one explicit step from the flux slots and the sources.
   virtual void Update() {}
@@ -90,6 +92,9 @@ class ComputationalCell {
   double friction = 0.0;  ///< Manning coefficient, s/m^(1/3)
   double max_node_level;  ///< m
   double min_node_level;  ///< m
+
+ private:
+  static inline utils::Arena arena;
 
  protected:
   /// Sum of the first three slots. Intended: the update is that of a triangle; a fourth slot does

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
+#include <filesystem>
 
 #include "utils/stop.hpp"
 
@@ -45,11 +46,15 @@ std::string quoted(std::string_view token) {
 }  // namespace
 
 TextScanner::TextScanner(const std::string& name) : Reader(name) {
-  constexpr std::size_t chunk = 1 << 20;
+  // What is not a regular file (a pipe, say) has no size beforehand and comes piece by piece.
+  constexpr std::size_t piece = 1 << 16;
+  std::error_code has_no_size;
+  const std::uintmax_t file_size = std::filesystem::file_size(name, has_no_size);
+  if (!has_no_size) text_.reserve(file_size + piece);
   std::size_t size = 0;
   do {
-    text_.resize(size + chunk);
-    stream_.read(text_.data() + size, chunk);
+    text_.resize(size + piece);
+    stream_.read(text_.data() + size, piece);
     size += static_cast<std::size_t>(stream_.gcount());
   } while (stream_);
   text_.resize(size);
