@@ -9,6 +9,7 @@
 #include "model/SWE_Exner.hpp"
 #include "utils/DataFileReader.hpp"
 #include "utils/files.hpp"
+#include "utils/memory.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -19,6 +20,7 @@ const std::map<std::string, int> flux_schemes = {{"LHLLC", 1}, {"Roe", 2}};
 }  // namespace
 
 Domain::Domain(const std::string& dataFile) {
+  utils::return_large_blocks();
   read_data_file(dataFile);
   std::ostream& log = Globals::spyFile;
 
