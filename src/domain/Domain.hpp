@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "domain/PointLocator.hpp"
 #include "model/PhysicalModel.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
@@ -78,7 +79,8 @@ class Domain {
   bool is_rainfall = false;
   bool is_infiltration = false;
   bool is_initial_infiltration = false;
-  std::vector<double> umax_buffer;  ///< copy of the largest depths, m
+  mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
+  std::vector<double> umax_buffer;                ///< copy of the largest depths, m
 
   std::string gauges_file, pictures_file, discharge_file;
   std::string rainfall_file, hyetocells_file;

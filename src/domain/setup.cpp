@@ -163,6 +163,7 @@ void Domain::set_outputs() {
     gauge = std::make_unique<Gauge>(
         gauges_file, [this](double x, double y) { return CellWithPoint(x, y); },
         Globals_Params::tStart);
+    locator.reset();
   } else {
     log << "No gauges\n";
   }
@@ -194,4 +195,9 @@ void Domain::set_other_parameters() {
       << "  ZERO depth: " << Constants::ZERO_DEPTH << '\n';
   utils::print_delimitator(log);
   model->compile();
+}
+
+ComputationalCell* Domain::CellWithPoint(double x, double y) const {
+  if (!locator) locator = std::make_unique<PointLocator>(model->cells);
+  return locator->cell_at(x, y);
 }
