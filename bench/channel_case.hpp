@@ -11,5 +11,13 @@ struct Channel {
 /// About `cells` triangles, four times as long as wide.
 Channel channel_of(int cells);
 
+enum class ChannelKind {
+  wet,       ///< 2 m of water against 1 m
+  dry,       ///< the same in the first tenth of the channel, no water in the rest
+  shuffled,  ///< wet, with nodes, cells and edges in random order
+  sediment   ///< wet, over 0.5 m of sand that moves
+};
+
 /// Writes mesh, fields and data file into an existing folder; the run ends at t_end (s).
-void write_channel_case(const Channel& channel, const std::string& folder, double t_end);
+void write_channel_case(const Channel& channel, ChannelKind kind, const std::string& folder,
+                        double t_end);

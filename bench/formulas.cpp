@@ -145,7 +145,8 @@ void infiltration_horton(benchmark::State& state) {
 
 void bed_load_mpm(benchmark::State& state) {
   run_batch(state, [](std::size_t i) {
-    return physics::bed_load_mpm(waters[i].h, waters[i].qx, waters[i].qy, 0.03, {0.001, 2.65});
+    return physics::bed_load_mpm(waters[i].h, 1.0 / waters[i].h, waters[i].qx, waters[i].qy, 0.03,
+                                 {0.001, 2.65});
   });
 }
 

@@ -1,5 +1,5 @@
-// Times a whole run on a generated mesh: bench_run CELLS. Prints one row of a table: triangles,
-// set-up time, time of a step per cell, peak memory per cell.
+// Times a whole run on a generated mesh: bench_run CELLS [KIND]. Prints one row of a table:
+// triangles, set-up time, time of a step per cell, peak memory per cell.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +10,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <string>
 
 #include "channel_case.hpp"
@@ -37,9 +38,14 @@ std::string make_folder() {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int wanted = argc == 2 ? std::atoi(argv[1]) : 0;
-  if (wanted < 100) {
-    std::cerr << "usage: bench_run CELLS, at least 100\n";
+  const std::map<std::string, ChannelKind> kinds = {{"wet", ChannelKind::wet},
+                                                    {"dry", ChannelKind::dry},
+                                                    {"shuffled", ChannelKind::shuffled},
+                                                    {"sediment", ChannelKind::sediment}};
+  const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
+  const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
+  if (wanted < 100 || kind == kinds.end()) {
+    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment], at least 100 cells\n";
     return 2;
   }
   // Enough steps for a second or so: a step of this case is about 0.05 s.
@@ -48,7 +54,7 @@ int main(int argc, char** argv) {
   const std::string folder = make_folder();
   const pid_t writer = fork();  // so that the peak memory is that of the run
   if (writer == 0) {
-    write_channel_case(channel, folder, 0.05 * steps_wanted);
+    write_channel_case(channel, kind->second, folder, 0.05 * steps_wanted);
     _exit(0);
   }
   int status = 0;

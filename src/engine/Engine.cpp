@@ -44,7 +44,8 @@ std::vector<int> inverse(const std::vector<int>& order) {
 /// Patches whose edges, states and slots stay in a core's second cache, and as many for every
 /// thread; a multiple of a cache line of doubles, so that no two threads write to one.
 int cells_per_patch_for(int cells, int threads) {
-  constexpr int wanted = 1024, grain = 64;
+  constexpr int grain = cells_of_shortest;
+  const int wanted = std::clamp(cells / 512, 512, 4096);
   const int rounds = std::max(1, (cells + wanted * threads / 2) / (wanted * threads));
   const int patches = rounds * threads;
   return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
@@ -137,6 +138,10 @@ void Engine::derive_columns() {
     celerity_.push_back(depth.celerity);
   }
   for (double& area : cells_.area) area = 1.0 / area;
+  for (std::size_t i = 0; i < cells_.char_length.size(); ++i) {
+    if (i % cells_of_shortest == 0) shortest_.push_back(physics::unbounded_step);
+    shortest_.back() = physics::smaller(shortest_.back(), cells_.char_length[i]);
+  }
 
   const std::size_t patches = patches_.patches.size();
   can_change_.assign(patches, 1);  // the first step sets free surfaces and maxima everywhere
@@ -202,6 +207,7 @@ CellColumns Engine::cell_columns() {
           .max_node = data_or_null(c.max_node),
           .reciprocal_area = c.area.data(),
           .char_length = c.char_length.data(),
+          .shortest = shortest_.data(),
           .manning = data_or_null(c.manning),
           .infiltrated = data_or_null(c.infiltrated),
           .rain = data_or_null(c.rain),
@@ -244,8 +250,10 @@ void Engine::fluxes(const StepTimes& times) {
     Scratch& scratch = scratch_[at(member)];
     scratch.not_hyperbolic.reset();
     const Range share = share_of(member, team_.size(), with_fluxes_.size());
-    for (int k = share.begin; k < share.end; ++k) {
-      outer_fluxes(patches_.patches[at(with_fluxes_[at(k)])], scratch);
+    for (int k = share.begin; k < share.end;) {
+      const int end = end_of_run(k, share.end);
+      outer_fluxes(with_fluxes_[at(k)], with_fluxes_[at(end - 1)], scratch);
+      k = end;
     }
   });
 }
@@ -262,43 +270,69 @@ void Engine::rain(const StepTimes& times) {
   step_.rain_depths = rains ? rain_depths_.data() : nullptr;
 }
 
-/// A patch takes part where one of its cells or of its neighbours' may change. Elsewhere all fluxes
-/// are exactly zero and the step would leave every cell as it is. Outer fluxes are needed around
-/// every patch that takes part.
+/// A patch takes part where one of its own cells may change, or where water stands at its border.
+/// Elsewhere all fluxes are exactly zero and the step would leave every cell as it is. Outer fluxes
+/// are needed around every patch that takes part.
 void Engine::find_active_patches() {
   const std::size_t count = patches_.patches.size();
   const bool rains = step_.rain_depths != nullptr;
   for (std::size_t p = 0; p < count; ++p) {
     marks_[p] = can_change_[p] != 0 || always_active_[p] != 0 || (rains && has_rain_[p] != 0);
   }
-  const auto near_a_mark = [&](std::size_t p) {
-    const Range range = patches_.patches[p].neighbours;
-    return marks_[p] != 0 || std::any_of(patches_.neighbours.begin() + range.begin,
-                                         patches_.neighbours.begin() + range.end,
-                                         [&](int q) { return marks_[at(q)] != 0; });
-  };
-  const auto collect = [&](std::vector<int>& list) {
-    list.clear();
-    for (std::size_t p = 0; p < count; ++p) {
-      if (near_a_mark(p)) list.push_back(static_cast<int>(p));
+  active_.clear();
+  for (std::size_t p = 0; p < count; ++p) {
+    if (marks_[p] != 0 || (touches_mark(p) && touches_water(patches_.patches[p]))) {
+      active_.push_back(static_cast<int>(p));
     }
-  };
-  collect(active_);
+  }
   for (const int p : active_) marks_[at(p)] = 1;
-  collect(with_fluxes_);
+  with_fluxes_.clear();
+  for (std::size_t p = 0; p < count; ++p) {
+    if (marks_[p] != 0 || touches_mark(p)) with_fluxes_.push_back(static_cast<int>(p));
+  }
 }
 
-void Engine::outer_fluxes(const Patch& patch, Scratch& scratch) {
+bool Engine::touches_mark(std::size_t patch) const {
+  const Range range = patches_.patches[patch].neighbours;
+  return std::any_of(patches_.neighbours.begin() + range.begin,
+                     patches_.neighbours.begin() + range.end,
+                     [&](int q) { return marks_[at(q)] != 0; });
+}
+
+/// Whether a cell across a cut edge of a patch is wet.
+bool Engine::touches_water(const Patch& patch) const {
+  const EdgeTable& cut = patches_.cut_edges;
+  const int edges = static_cast<int>(cut.left.size());
+  return std::any_of(patches_.outer_slots.begin() + patch.outer_slots.begin,
+                     patches_.outer_slots.begin() + patch.outer_slots.end, [&](int slot) {
+                       if (slot >= 2 * edges) return false;  // a boundary
+                       const int cell =
+                           slot < edges ? cut.right[at(slot)] : cut.left[at(slot - edges)];
+                       return physics::is_wet(cells_.h[at(cell)], step_.zero_depth);
+                     });
+}
+
+/// End of the run of consecutive patches that starts at entry k of a list: their cut edges and
+/// boundaries lie one behind the other.
+int Engine::end_of_run(int k, int end) const {
+  const int first = with_fluxes_[at(k)] - k;
+  while (k < end && with_fluxes_[at(k)] - k == first) ++k;
+  return k;
+}
+
+void Engine::outer_fluxes(int first_patch, int last_patch, Scratch& scratch) {
+  const Patch& first = patches_.patches[at(first_patch)];
+  const Patch& last = patches_.patches[at(last_patch)];
   const SlotColumns slots = outer_slot_columns();
   const int cut_edges = static_cast<int>(patches_.cut_edges.left.size());
-  const Range cut = patch.cut_edges;
+  const Range cut = {first.cut_edges.begin, last.cut_edges.end};
   const EdgeRange range = {cut.begin, cut.end, 0, slots.from(cut.begin),
                            slots.from(cut_edges + cut.begin)};
   const EdgeColumns<int> edges = cut_edge_columns();
   if (!model_.fluxes(cell_columns(), edges, range, step_)) {
     find_not_hyperbolic(edges, range, patches_.cut_edge_number, scratch);
   }
-  for (int b = patch.boundaries.begin; b < patch.boundaries.end; ++b) flux_of_boundary(b);
+  for (int b = first.boundaries.begin; b < last.boundaries.end; ++b) flux_of_boundary(b);
 }
 
 void Engine::flux_of_boundary(int number) {
@@ -417,8 +451,9 @@ void Engine::find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRang
       const physics::EdgeSide side = physics::to_edge_frame(
           {cells_.h[c], cells_.qx[c], cells_.qy[c], cells_.bed[c], cells_.bed[c] + cells_.h[c]},
           {reciprocal_[c], celerity_[c]}, edge, step_.zero_depth);
-      if (!physics::coupled_speeds(side, cells_.dqs_dh[c], step_.porosity, step_.zero_depth)
-               .hyperbolic) {
+      const physics::CoupledSpeeds speeds =
+          physics::coupled_speeds(side, cells_.dqs_dh[c], step_.porosity, step_.zero_depth);
+      if (speeds.radicand < 0.0) {
         scratch.not_hyperbolic = {numbers[at(e)], cell, cells_.h[c], cells_.qx[c], cells_.qy[c]};
       }
     }

@@ -82,8 +82,11 @@ class Engine {
   void prepare_scratch();
   void rain(const StepTimes& times);
   void find_active_patches();
+  bool touches_mark(std::size_t patch) const;
+  bool touches_water(const Patch& patch) const;
   void flux_of_boundary(int boundary);
-  void outer_fluxes(const Patch& patch, Scratch& scratch);
+  int end_of_run(int k, int end) const;
+  void outer_fluxes(int first_patch, int last_patch, Scratch& scratch);
   void advance_patch(int patch, Scratch& scratch);
   void set_demand(int patch, Scratch& scratch);
   template <class Index>
@@ -106,6 +109,7 @@ class Engine {
 
   CellTable cells_;
   Column reciprocal_, celerity_;  ///< terms of the depth
+  Column shortest_;               ///< see CellColumns
   std::vector<int> cell_number_;  ///< place of a cell of the model in the tables
   Patches patches_;
   std::vector<Boundary> boundaries_;

@@ -30,79 +30,100 @@ CellSediment sediment_of(const CellColumns& cells, int i) {
   return {cells.hs[i], cells.qsx[i], cells.qsy[i], cells.dqs_dh[i]};
 }
 
-template <bool eta_given, class Index>
-[[gnu::flatten]] void fluxes_of_water(const CellColumns& cells, const EdgeColumns<Index>& edges,
-                                      const EdgeRange& range, const StepValues& step) {
-  const SlotColumns left = range.left, right = range.right;
-  const int count = range.end - range.begin;
+/// Cells of a block of edges, in a type that gathers can use. Blocks stay in the first cache.
+struct EdgeBlock {
+  static constexpr int size = 256;
+  int left[size], right[size];
+};
+
+template <class Index>
+void stage(EdgeBlock& block, const EdgeColumns<Index>& edges, int first_cell, int first,
+           int count) {
 #pragma omp simd
   for (int k = 0; k < count; ++k) {
-    const int e = range.begin + k;
-    const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-    const EdgeSide L =
-        side_of<eta_given>(cells, range.first_cell + edges.left[e], edge, step.zero_depth);
-    const EdgeSide R =
-        side_of<eta_given>(cells, range.first_cell + edges.right[e], edge, step.zero_depth);
-    const physics::SlotPair slots = physics::flux_lhllc(L, R, edge);
-    left.mass[k] = slots.left.h;
-    left.momentum_x[k] = slots.left.qx;
-    left.momentum_y[k] = slots.left.qy;
-    right.mass[k] = slots.right.h;
-    right.momentum_x[k] = slots.right.qx;
-    right.momentum_y[k] = slots.right.qy;
+    block.left[k] = first_cell + edges.left[first + k];
+    block.right[k] = first_cell + edges.right[first + k];
   }
 }
 
-template <class Index>
-bool fluxes_of_water(const CellColumns& cells, const EdgeColumns<Index>& edges,
-                     const EdgeRange& range, const StepValues& step) {
-  if (cells.eta != nullptr) {
-    fluxes_of_water<true>(cells, edges, range, step);
-  } else {
-    fluxes_of_water<false>(cells, edges, range, step);
+/// Fluxes of the edges [first, first + count), whose cells are staged, into the slots from 0 on.
+template <bool eta_given>
+struct FluxesOfWater {
+  template <class Index>
+  [[gnu::flatten]] static double block(CellColumns cells, EdgeColumns<Index> edges,
+                                       const EdgeBlock& block, int first, int count,
+                                       SlotColumns left, SlotColumns right, StepValues step) {
+#pragma omp simd
+    for (int k = 0; k < count; ++k) {
+      const int e = first + k;
+      const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
+      const EdgeSide L = side_of<eta_given>(cells, block.left[k], edge, step.zero_depth);
+      const EdgeSide R = side_of<eta_given>(cells, block.right[k], edge, step.zero_depth);
+      const physics::SlotPair slots = physics::flux_lhllc(L, R, edge);
+      left.mass[k] = slots.left.h;
+      left.momentum_x[k] = slots.left.qx;
+      left.momentum_y[k] = slots.left.qy;
+      right.mass[k] = slots.right.h;
+      right.momentum_x[k] = slots.right.qx;
+      right.momentum_y[k] = slots.right.qy;
+    }
+    return 0.0;
   }
-  return true;
-}
+};
 
-template <bool eta_given, class Index>
-[[gnu::flatten]] bool fluxes_of_water_and_bed(const CellColumns& cells,
-                                              const EdgeColumns<Index>& edges,
-                                              const EdgeRange& range, const StepValues& step) {
-  const SlotColumns left = range.left, right = range.right;
-  const int count = range.end - range.begin;
-  int exceptions = 0;
-#pragma omp simd reduction(+ : exceptions)
-  for (int k = 0; k < count; ++k) {
-    const int e = range.begin + k;
-    const int l = range.first_cell + edges.left[e], r = range.first_cell + edges.right[e];
-    const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-    const physics::CoupledSlotPair slots = physics::flux_clhllc(
-        side_of<eta_given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
-        side_of<eta_given>(cells, r, edge, step.zero_depth), sediment_of(cells, r), edge,
-        step.porosity, step.zero_depth);
-    left.mass[k] = slots.left.water.h;
-    left.momentum_x[k] = slots.left.water.qx;
-    left.momentum_y[k] = slots.left.water.qy;
-    left.bed[k] = slots.left.hs;
-    right.mass[k] = slots.right.water.h;
-    right.momentum_x[k] = slots.right.water.qx;
-    right.momentum_y[k] = slots.right.water.qy;
-    right.bed[k] = slots.right.hs;
-    exceptions += (slots.left_hyperbolic ? 0 : 1) + (slots.right_hyperbolic ? 0 : 1);
+/// The same with the bed; returns the least radicand of the bed wave, 0 where none is negative.
+template <bool eta_given>
+struct FluxesOfWaterAndBed {
+  template <class Index>
+  [[gnu::flatten]] static double block(CellColumns cells, EdgeColumns<Index> edges,
+                                       const EdgeBlock& block, int first, int count,
+                                       SlotColumns left, SlotColumns right, StepValues step) {
+    double least_radicand = 0.0;
+#pragma omp simd reduction(min : least_radicand)
+    for (int k = 0; k < count; ++k) {
+      const int e = first + k;
+      const int l = block.left[k], r = block.right[k];
+      const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
+      const physics::CoupledSlotPair slots = physics::flux_clhllc(
+          side_of<eta_given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
+          side_of<eta_given>(cells, r, edge, step.zero_depth), sediment_of(cells, r), edge,
+          step.porosity, step.zero_depth);
+      left.mass[k] = slots.left.water.h;
+      left.momentum_x[k] = slots.left.water.qx;
+      left.momentum_y[k] = slots.left.water.qy;
+      left.bed[k] = slots.left.hs;
+      right.mass[k] = slots.right.water.h;
+      right.momentum_x[k] = slots.right.water.qx;
+      right.momentum_y[k] = slots.right.water.qy;
+      right.bed[k] = slots.right.hs;
+      least_radicand = physics::smaller(least_radicand, slots.left_radicand);
+      least_radicand = physics::smaller(least_radicand, slots.right_radicand);
+    }
+    return least_radicand;
   }
-  return exceptions == 0;
+};
+
+template <class Fluxes, class Index>
+bool fluxes_by_blocks(const CellColumns& cells, const EdgeColumns<Index>& edges,
+                      const EdgeRange& range, const StepValues& step) {
+  double least_radicand = 0.0;
+  EdgeBlock block;
+  for (int first = range.begin; first < range.end; first += EdgeBlock::size) {
+    const int count = range.end - first < EdgeBlock::size ? range.end - first : EdgeBlock::size;
+    stage(block, edges, range.first_cell, first, count);
+    const double radicand =
+        Fluxes::block(cells, edges, block, first, count, range.left.from(first - range.begin),
+                      range.right.from(first - range.begin), step);
+    least_radicand = physics::smaller(least_radicand, radicand);
+  }
+  return least_radicand == 0.0;
 }
 
-template <class Index>
-bool fluxes_of_water_and_bed(const CellColumns& cells, const EdgeColumns<Index>& edges,
-                             const EdgeRange& range, const StepValues& step) {
-  return cells.eta != nullptr ? fluxes_of_water_and_bed<true>(cells, edges, range, step)
-                              : fluxes_of_water_and_bed<false>(cells, edges, range, step);
-}
-
-/// Sum of a column of slots over the slots of a cell, in their order.
-double balance(const CellColumns& cells, int i, const double* slots) {
-  return ((0.0 + slots[cells.slots[0][i]]) + slots[cells.slots[1][i]]) + slots[cells.slots[2][i]];
+template <template <bool> class Fluxes, class Index>
+bool fluxes(const CellColumns& cells, const EdgeColumns<Index>& edges, const EdgeRange& range,
+            const StepValues& step) {
+  return cells.eta != nullptr ? fluxes_by_blocks<Fluxes<true>>(cells, edges, range, step)
+                              : fluxes_by_blocks<Fluxes<false>>(cells, edges, range, step);
 }
 
 template <bool friction>
@@ -115,38 +136,65 @@ physics::MomentumSource friction_of(const CellColumns& cells, int i, double zero
   return {wet ? source.qx : 0.0, wet ? source.qy : 0.0};
 }
 
-/// What the steps of a block need of its cells: the largest wave speeds (0: does not bound the
-/// step), and what the next step may skip.
-struct Block {
+/// A block of cells: their slots, in a type that gathers can use, and what their step leaves.
+struct CellBlock {
   static constexpr int size = 256;
-  double wave_speeds[size];
+  int slots[3][size];
+  double wave_speeds[size];  ///< largest ones, m/s; 0: does not bound the step
+  double max_h[size], max_u[size], max_v[size];
   int dry_cells = 0;     ///< of depth up to the threshold
   int active_cells = 0;  ///< those that may change in a step without inflow
+  int new_maxima = 0;
 };
 
-/// Stores what follows from the new depth and discharges of a cell.
-void finish_cell(const CellColumns& cells, int i, double h, double qx, double qy, double qx_moving,
-                 double qy_moving, double zero_depth, double& wave_speed) {
+void stage(CellBlock& block, const CellColumns& cells, int first, int count) {
+#pragma omp simd
+  for (int k = 0; k < count; ++k) {
+    for (int s = 0; s < 3; ++s) block.slots[s][k] = cells.slots[s][first + k];
+  }
+}
+
+/// Sum of a column of slots over the slots of a cell, in their order.
+double balance(const CellBlock& block, int k, const double* slots) {
+  return ((0.0 + slots[block.slots[0][k]]) + slots[block.slots[1][k]]) + slots[block.slots[2][k]];
+}
+
+/// Stores what follows from the new depth and discharges of a cell; whether its maxima are new.
+bool finish_cell(const CellColumns& cells, CellBlock& block, int i, int k, double h, double qx,
+                 double qy, double qx_moving, double qy_moving, double zero_depth) {
   const DepthTerms depth = physics::depth_terms(h, zero_depth);
-  const physics::Maxima maxima = physics::updated_maxima(
-      {cells.max_h[i], cells.max_u[i], cells.max_v[i]}, h, depth, qx_moving, qy_moving, zero_depth);
+  const physics::Maxima before = {cells.max_h[i], cells.max_u[i], cells.max_v[i]};
+  const physics::Maxima after =
+      physics::updated_maxima(before, h, depth, qx_moving, qy_moving, zero_depth);
   cells.h[i] = h;
   cells.qx[i] = qx;
   cells.qy[i] = qy;
   cells.reciprocal[i] = depth.reciprocal;
   cells.celerity[i] = depth.celerity;
-  cells.max_h[i] = maxima.h;
-  cells.max_u[i] = maxima.u;
-  cells.max_v[i] = maxima.v;
-  wave_speed = physics::is_wet(h, zero_depth) ? physics::wave_speed(depth, qx, qy) : 0.0;
+  block.max_h[k] = after.h;
+  block.max_u[k] = after.u;
+  block.max_v[k] = after.v;
+  block.wave_speeds[k] = physics::is_wet(h, zero_depth) ? physics::wave_speed(depth, qx, qy) : 0.0;
+  return after.h != before.h || after.u != before.u || after.v != before.v;
+}
+
+/// Maxima rarely change once a flood has passed: they are written where one of a block does.
+void store_maxima(const CellColumns& cells, const CellBlock& block, int first, int count) {
+#pragma omp simd
+  for (int k = 0; k < count; ++k) {
+    cells.max_h[first + k] = block.max_h[k];
+    cells.max_u[first + k] = block.max_u[k];
+    cells.max_v[first + k] = block.max_v[k];
+  }
 }
 
 template <bool friction, bool rain, bool soil>
 struct AdvanceWater {
   [[gnu::flatten]] static void block(const CellColumns& cells, const CellRange& range,
-                                     const StepValues& step, int first, int count, Block& result) {
-    int dry_cells = 0, active_cells = 0;
-#pragma omp simd reduction(+ : dry_cells, active_cells)
+                                     const StepValues& step, int first, int count,
+                                     CellBlock& result) {
+    int dry_cells = 0, active_cells = 0, new_maxima = 0;
+#pragma omp simd reduction(+ : dry_cells, active_cells, new_maxima)
     for (int k = 0; k < count; ++k) {
       const int i = first + k;
       const physics::MomentumSource source = friction_of<friction>(cells, i, step.zero_depth);
@@ -154,9 +202,9 @@ struct AdvanceWater {
           physics::update_swe({.h = cells.h[i],
                                .qx = cells.qx[i],
                                .qy = cells.qy[i],
-                               .Fh = balance(cells, i, range.slots.mass),
-                               .Fqx = balance(cells, i, range.slots.momentum_x),
-                               .Fqy = balance(cells, i, range.slots.momentum_y),
+                               .Fh = balance(result, k, range.slots.mass),
+                               .Fqx = balance(result, k, range.slots.momentum_x),
+                               .Fqy = balance(result, k, range.slots.momentum_y),
                                .dt_over_area = step.dt * cells.reciprocal_area[i],
                                .dt = step.dt,
                                .rain = rain ? step.rain_depths[cells.rain[i]] : 0.0,
@@ -167,13 +215,16 @@ struct AdvanceWater {
                                .bed_rock_level = cells.bed[i],
                                .max_node_level = cells.max_node[i]},
                               step.zero_depth);
-      finish_cell(cells, i, after.h, after.qx, after.qy, after.qx, after.qy, step.zero_depth,
-                  result.wave_speeds[k]);
+      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, after.qx,
+                                after.qy, step.zero_depth)
+                        ? 1
+                        : 0;
       if constexpr (soil) cells.infiltrated[i] = after.infiltrated_depth;
       dry_cells += after.h <= step.zero_depth ? 1 : 0;
       // A soil drinks even a film.
       active_cells += (soil ? after.h == 0.0 : after.h <= step.zero_depth) ? 0 : 1;
     }
+    result.new_maxima += new_maxima;
     result.dry_cells += dry_cells;
     result.active_cells += active_cells;
   }
@@ -182,9 +233,10 @@ struct AdvanceWater {
 template <bool friction, bool rain, bool soil>
 struct AdvanceWaterAndBed {
   [[gnu::flatten]] static void block(const CellColumns& cells, const CellRange& range,
-                                     const StepValues& step, int first, int count, Block& result) {
-    int dry_cells = 0;
-#pragma omp simd reduction(+ : dry_cells)
+                                     const StepValues& step, int first, int count,
+                                     CellBlock& result) {
+    int dry_cells = 0, new_maxima = 0;
+#pragma omp simd reduction(+ : dry_cells, new_maxima)
     for (int k = 0; k < count; ++k) {
       const int i = first + k;
       const physics::MomentumSource source = friction_of<friction>(cells, i, step.zero_depth);
@@ -195,20 +247,22 @@ struct AdvanceWaterAndBed {
                                  .hs = cells.hs[i],
                                  .qsx = cells.qsx[i],
                                  .qsy = cells.qsy[i],
-                                 .Fh = balance(cells, i, range.slots.mass),
-                                 .Fqx = balance(cells, i, range.slots.momentum_x),
-                                 .Fqy = balance(cells, i, range.slots.momentum_y),
-                                 .Fhs = balance(cells, i, range.slots.bed),
+                                 .Fh = balance(result, k, range.slots.mass),
+                                 .Fqx = balance(result, k, range.slots.momentum_x),
+                                 .Fqy = balance(result, k, range.slots.momentum_y),
+                                 .Fhs = balance(result, k, range.slots.bed),
                                  .dt_over_area = step.dt * cells.reciprocal_area[i],
                                  .dt = step.dt,
                                  .rain = rain ? step.rain_depths[cells.rain[i]] : 0.0,
                                  .source_qx = source.qx,
                                  .source_qy = source.qy},
                                 step.zero_depth);
-      finish_cell(cells, i, after.h, after.qx, after.qy, after.qx_moving, after.qy_moving,
-                  step.zero_depth, result.wave_speeds[k]);
+      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, after.qx_moving,
+                                after.qy_moving, step.zero_depth)
+                        ? 1
+                        : 0;
       const physics::BedLoad load = physics::bed_load_of_cell(
-          {after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy},
+          {after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy}, cells.reciprocal[i],
           friction ? cells.manning[i] : 0.0, step.grains, step.zero_depth);
       cells.hs[i] = after.hs;
       cells.bed[i] = cells.rock[i] + after.hs;
@@ -217,23 +271,33 @@ struct AdvanceWaterAndBed {
       cells.dqs_dh[i] = load.dqs_dh;
       dry_cells += after.h <= step.zero_depth ? 1 : 0;
     }
+    result.new_maxima += new_maxima;
     result.dry_cells += dry_cells;
     result.active_cells += count - dry_cells;
   }
 };
 
-/// The smallest of the steps so far and those of a block. The quotients are computed only where one
-/// can be smaller: a product decides that, with a margin for its rounding.
-double smallest_step(double smallest, const double* char_length, const double* wave_speeds,
-                     int count) {
-  const double bound = smallest * (1.0 + 1e-14);
-  int below = 0;
-#pragma omp simd reduction(+ : below)
-  for (int k = 0; k < count; ++k) below += char_length[k] < bound * wave_speeds[k] ? 1 : 0;
-  if (below == 0) return smallest;
+/// Whether a cell of a block can lower the smallest step so far: it cannot where the shortest of
+/// them, with the fastest wave of all, would not. The margin is for the rounding of the product.
+bool can_be_smaller(double smallest, const CellColumns& cells, const double* wave_speeds, int first,
+                    int count) {
+  double fastest = 0.0;
+#pragma omp simd reduction(max : fastest)
+  for (int k = 0; k < count; ++k) fastest = physics::larger(fastest, wave_speeds[k]);
+  double shortest = cells.shortest[first / cells_of_shortest];
+  for (int k = cells_of_shortest; k < count; k += cells_of_shortest) {
+    shortest = physics::smaller(shortest, cells.shortest[(first + k) / cells_of_shortest]);
+  }
+  return shortest < smallest * (1.0 + 1e-14) * fastest;
+}
+
+/// The smallest of the steps so far and those of a block.
+double smallest_step(double smallest, const CellColumns& cells, const double* wave_speeds,
+                     int first, int count) {
+  if (!can_be_smaller(smallest, cells, wave_speeds, first, count)) return smallest;
   for (int k = 0; k < count; ++k) {
     const bool wet = wave_speeds[k] > 0.0;
-    if (wet) smallest = physics::smaller(smallest, char_length[k] / wave_speeds[k]);
+    if (wet) smallest = physics::smaller(smallest, cells.char_length[first + k] / wave_speeds[k]);
   }
   return smallest;
 }
@@ -242,11 +306,13 @@ template <class Model>
 Advance advance_cells(const CellColumns& cells, const CellRange& range, const StepValues& step,
                       double smallest) {
   int active_cells = 0;
-  for (int first = range.begin; first < range.end; first += Block::size) {
-    const int count = range.end - first < Block::size ? range.end - first : Block::size;
-    Block block;
+  for (int first = range.begin; first < range.end; first += CellBlock::size) {
+    const int count = range.end - first < CellBlock::size ? range.end - first : CellBlock::size;
+    CellBlock block;
+    stage(block, cells, first, count);
     Model::block(cells, range, step, first, count, block);
-    smallest = smallest_step(smallest, cells.char_length + first, block.wave_speeds, count);
+    if (block.new_maxima > 0) store_maxima(cells, block, first, count);
+    smallest = smallest_step(smallest, cells, block.wave_speeds, first, count);
     if (block.dry_cells > 0) smallest = physics::smaller(smallest, step.dry_step);
     active_cells += block.active_cells;
   }
@@ -326,8 +392,8 @@ const Kernels QUILLMERE_JOIN(kernels_, QUILLMERE_ISA_NAME) = {
     .name = QUILLMERE_NAME_TEXT(QUILLMERE_ISA_NAME),
     .green_ampt = green_ampt,
     .horton = horton,
-    .water = {fluxes_of_water<Local>, fluxes_of_water<int>, advance<AdvanceWater>},
-    .water_and_bed = {fluxes_of_water_and_bed<Local>, fluxes_of_water_and_bed<int>,
+    .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},
+    .water_and_bed = {fluxes<FluxesOfWaterAndBed, Local>, fluxes<FluxesOfWaterAndBed, int>,
                       advance<AdvanceWaterAndBed>}};
 
 }  // namespace engine

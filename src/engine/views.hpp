@@ -11,7 +11,10 @@
 namespace engine {
 
 /// Number of a cell within its patch, or of a slot within the scratch of a patch.
-using Local = std::int32_t;
+using Local = std::uint16_t;
+
+/// Length of the runs of cells of which the shortest characteristic length is kept.
+inline constexpr int cells_of_shortest = 64;
 
 /// Cells, in the engine's own order. Columns that a run does not need are null.
 struct CellColumns {
@@ -23,6 +26,7 @@ struct CellColumns {
   const double* max_node;           ///< highest vertex, m
   const double* reciprocal_area;    ///< 1/m2
   const double* char_length;        ///< m
+  const double* shortest;           ///< shortest of every run of cells_of_shortest cells, m
   const double* manning;            ///< s/m^(1/3)
   double* infiltrated;              ///< m
   const int* rain;                  ///< number of the cell's hyetogram, 0: none

@@ -38,8 +38,8 @@ void SedFluxCLHLLC::Flux() {
   const physics::CoupledSlotPair slots = physics::flux_clhllc(
       water_above_bed(*cell_left), sediment_of(*cell_left), water_above_bed(*cell_right),
       sediment_of(*cell_right), edge(), Globals_Sed::g_sedimentsPorosity, Constants::ZERO_DEPTH);
-  if (!slots.left_hyperbolic) warn_of(*cell_left);
-  if (!slots.right_hyperbolic) warn_of(*cell_right);
+  if (slots.left_radicand < 0.0) warn_of(*cell_left);
+  if (slots.right_radicand < 0.0) warn_of(*cell_right);
   set_left_slot(slots.left.water);
   set_left_bed_slot(slots.left.hs);
   set_right_slot(slots.right.water);

@@ -40,7 +40,8 @@ void CellSWE_Exner::Update() {
 
 void CellSWE_Exner::compute_qs_MPM() {
   const physics::BedLoad load = physics::bed_load_of_cell(
-      {U.h, U.qx, U.qy, U.hs, U.qsx, U.qsy}, friction,
+      {U.h, U.qx, U.qy, U.hs, U.qsx, U.qsy},
+      physics::depth_terms(U.h, Constants::ZERO_DEPTH).reciprocal, friction,
       {Globals_Sed::g_d50, Globals_Sed::g_sedimentsDensity}, Constants::ZERO_DEPTH);
   U.qsx = load.qsx;
   U.qsy = load.qsy;

@@ -101,8 +101,8 @@ QM_HD inline double power_2_3(double x) {
 QM_HD inline double power_4_3(double x) {
   return times_cube_root(x, 0.0, cube_root(x), -7.405100838075995e-17);
 }
-/// x^(-4/3) from x and its rounded reciprocal; within one and two thirds units in the last place from
-/// e^-20 to e^20.
+/// x^(-4/3) from x and its rounded reciprocal; within one and two thirds units in the last place
+/// from e^-20 to e^20.
 QM_HD inline double power_minus_4_3(double x, double reciprocal) {
   const double y = rough_reciprocal_root(x);
   const double rough = reciprocal * y;

@@ -23,10 +23,10 @@ struct CoupledSlot {
   double hs;  // m3/s of bed
 };
 
-/// The slots of the two cells, and whether the coupled system is hyperbolic on each side.
+/// The slots of the two cells, and the radicand of the bed wave on each side (see CoupledSpeeds).
 struct CoupledSlotPair {
   CoupledSlot left, right;
-  bool left_hyperbolic, right_hyperbolic;
+  double left_radicand, right_radicand;
 };
 
 /// Bed load of a cell along the normal of an edge, m2/s.
@@ -74,8 +74,8 @@ QM_HD inline CoupledSlotPair flux_clhllc(const EdgeSide& L, const CellSediment& 
            active ? -edge.length * Fs : 0.0},
           {{active ? r.h : 0.0, active ? r.qx : 0.0, active ? r.qy : 0.0},
            active ? edge.length * Fs : 0.0},
-          sL.hyperbolic,
-          sR.hyperbolic};
+          sL.radicand,
+          sR.radicand};
 }
 QM_HD inline CoupledSlotPair flux_clhllc(const CellWater& left, const CellSediment& bed_left,
                                          const CellWater& right, const CellSediment& bed_right,

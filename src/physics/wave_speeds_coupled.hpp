@@ -8,10 +8,11 @@
 namespace physics {
 
 /// Speeds of one side of an edge (m/s): slowest, bed wave, fastest. Where the coupled system is not
-/// hyperbolic the bed is left out of them, and the flag says so.
+/// hyperbolic the radicand of the bed wave (m2/s2) is negative, and the bed is left out of the
+/// speeds.
 struct CoupledSpeeds {
   double s1, s2, s3;
-  bool hyperbolic;
+  double radicand;
 };
 
 /// Speeds of a side, all 0 when dry. dqs_dh: derivative of the bed load with respect to depth
@@ -23,15 +24,17 @@ QM_HD inline CoupledSpeeds coupled_speeds(const EdgeSide& s, double dqs_dh, doub
   // Intended: the depth threshold serves as a threshold of speed here.
   const bool moving = std::fabs(fast) > zero_depth;
   const double divisor = moving ? (1.0 - p) * std::fabs(fast) : 1.0;
-  const double radicand = slow * slow - 39.24 * s.h * dqs_dh / divisor;
-  const bool hyperbolic = !s.wet || !moving || !(radicand < 0.0);
-  const double lambda = moving && hyperbolic ? std::sqrt(radicand) : std::fabs(slow);
+  const double bed = 39.24 * s.h * dqs_dh / divisor;
+  const double radicand = moving ? slow * slow - bed : 0.0;  // a dry side does not move
+  const bool hyperbolic = !(radicand < 0.0);
+  const double root = std::sqrt(hyperbolic ? radicand : 0.0);
+  const double lambda = moving && hyperbolic ? root : std::fabs(slow);
 
   const bool forward = s.un >= 0.0;
   const double s1 = forward ? 0.5 * (slow - lambda) : slow;
   const double s2 = forward ? 0.5 * (slow + lambda) : 0.5 * (fast - lambda);
   const double s3 = forward ? fast : 0.5 * (fast + lambda);
-  return {s.wet ? s1 : 0.0, s.wet ? s2 : 0.0, s.wet ? s3 : 0.0, hyperbolic};
+  return {s.wet ? s1 : 0.0, s.wet ? s2 : 0.0, s.wet ? s3 : 0.0, radicand};
 }
 
 }  // namespace physics

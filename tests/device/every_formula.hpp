@@ -119,7 +119,7 @@ QM_HD inline void add_fluxes(Results& results, Random& random, const physics::Ce
   add(results, coupled.right.water);
   add(results, coupled.left.hs);
   add(results, coupled.right.hs);
-  add(results, coupled.left_hyperbolic + 2.0 * coupled.right_hyperbolic);
+  add(results, coupled.left_radicand + 2.0 * coupled.right_radicand);
 }
 
 QM_HD inline void add_boundaries(Results& results, Random& random, const physics::CellWater& water,
@@ -184,7 +184,7 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   physics::BedLoad load = {false, 0.0, 0.0, 0.0};
   if (wet) {
     friction = physics::friction_manning(n, water.h, water.qx, water.qy);
-    load = physics::bed_load_mpm(water.h, water.qx, water.qy, n, {0.001, 2.65});
+    load = physics::bed_load_mpm(water.h, 1.0 / water.h, water.qx, water.qy, n, {0.001, 2.65});
   }
   add(results, friction.qx);
   add(results, friction.qy);
