@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Measures the speed of the simulator: runs on generated meshes (a dam break over an uneven bed with
-# friction), and the pure formulas. bench.sh [CELLS...] chooses the mesh sizes.
+# friction), reading, writing and point location on the last of them, and the pure formulas.
+# bench.sh [CELLS...] chooses the mesh sizes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -21,5 +22,7 @@ for cells in "${sizes[@]}"; do
   row tables 1 "$cells"
   [ "$(nproc)" -eq 1 ] || row tables "$(nproc)" "$cells"
 done
+echo
+build/bench/bin/bench_files "${sizes[-1]}"
 echo
 build/bench/bin/bench_formulas --benchmark_format=console 2>/dev/null

@@ -9,8 +9,9 @@ CellTable::CellTable(const std::string& name, std::string_view header) : file_(n
 }
 
 TextBuffer& CellTable::begin_row(double x) {
-  // Intended: x alone decides for the whole centre.
-  if (std::log10(std::fabs(x)) >= 3.0) text_.use_fixed_notation();
+  // Intended: x alone decides for the whole centre. The logarithm of what is nearly 1000 is 3.
+  const double size = std::fabs(x);
+  if (size >= 1000.0 || (size > 999.0 && std::log10(size) >= 3.0)) text_.use_fixed_notation();
   return text_;
 }
 

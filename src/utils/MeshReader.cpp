@@ -33,23 +33,23 @@ void MeshReader::begin_next_record() {
   scanner_.begin_record(kind_, number_read_++, number_of_elements_);
 }
 
-std::vector<double> MeshReader::read_next_node(int n) {
+const std::vector<double>& MeshReader::read_next_node(int n) {
   static const char* const fields[] = {"x", "y", "z"};
   begin_next_record();
-  std::vector<double> values;
+  node_values_.clear();
   for (int i = 0; i < n; ++i) {
-    values.push_back(scanner_.read_number(i < 3 ? fields[i] : "further coordinate"));
+    node_values_.push_back(scanner_.read_number(i < 3 ? fields[i] : "further coordinate"));
   }
-  return values;
+  return node_values_;
 }
 
-std::vector<int> MeshReader::read_next_cell(int n_nodes) {
+const std::vector<int>& MeshReader::read_next_cell(int n_nodes) {
   begin_next_record();
   const int k = scanner_.read_count("number of nodes", 1);
   if (k < 3) scanner_.refuse("number of nodes", "at least 3");
-  std::vector<int> nodes(static_cast<std::size_t>(k));
-  for (int& node : nodes) node = scanner_.read_index("node", n_nodes);
-  return nodes;
+  cell_nodes_.resize(static_cast<std::size_t>(k));
+  for (int& node : cell_nodes_) node = scanner_.read_index("node", n_nodes);
+  return cell_nodes_;
 }
 
 EdgeRecord MeshReader::read_next_edge(int n_nodes, int n_cells) {

@@ -31,10 +31,11 @@ class MeshReader {
 
   int get_number_of_elements() const { return number_of_elements_; }
 
-  /// Coordinates of the next node, and further numbers up to n.
-  std::vector<double> read_next_node(int n);
-  /// Node indices of the next cell, each below n_nodes; a cell has at least three.
-  std::vector<int> read_next_cell(int n_nodes);
+  /// Coordinates of the next node, and further numbers up to n. They hold until the next call.
+  const std::vector<double>& read_next_node(int n);
+  /// Node indices of the next cell, each below n_nodes; a cell has at least three. They hold until
+  /// the next call.
+  const std::vector<int>& read_next_cell(int n_nodes);
   /// The next edge, with indices below n_nodes and n_cells; a negative right cell is a boundary.
   EdgeRecord read_next_edge(int n_nodes, int n_cells);
 
@@ -45,6 +46,8 @@ class MeshReader {
   const char* kind_;
   int number_of_elements_;
   int number_read_ = 0;
+  std::vector<double> node_values_;
+  std::vector<int> cell_nodes_;
 };
 
 }  // namespace utils

@@ -1,7 +1,8 @@
 // Numbers and text formatted into memory with the bytes that a default output stream would write.
 #pragma once
 
-#include <charconv>
+#include <cstddef>
+#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -17,29 +18,29 @@ class TextBuffer {
 
   TextBuffer& operator<<(double value);
   TextBuffer& operator<<(char c) {
-    text_ += c;
+    make_room(1);
+    memory_[size_++] = c;
     return *this;
   }
   TextBuffer& operator<<(std::string_view text) {
-    text_ += text;
+    make_room(text.size());
+    text.copy(memory_.data() + size_, text.size());
+    size_ += text.size();
     return *this;
   }
 
-  const std::string& text() const { return text_; }
-  void clear() { text_.clear(); }
+  /// What was written since the buffer was made or cleared; it holds until more is written.
+  std::string_view text() const { return {memory_.data(), size_}; }
+  void clear() { size_ = 0; }
 
  private:
-  std::string text_;
+  void make_room(std::size_t characters) {
+    if (memory_.size() - size_ < characters) memory_.resize(2 * memory_.size() + characters);
+  }
+
+  std::string memory_;    ///< the text and room for more
+  std::size_t size_ = 0;  ///< of the text
   bool fixed_ = false;
 };
-
-inline TextBuffer& TextBuffer::operator<<(double value) {
-  char digits[330];  // the longest double with three decimals takes 314 characters
-  const auto end =
-      fixed_ ? std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed, 3)
-             : std::to_chars(digits, digits + sizeof digits, value, std::chars_format::general, 6);
-  text_.append(digits, end.ptr);
-  return *this;
-}
 
 }  // namespace utils

@@ -12,9 +12,6 @@ namespace utils {
 
 namespace {
 
-/// White space of the C locale.
-bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-
 /// A leading "+" is a sign to formatted extraction, but not to from_chars.
 std::string_view without_plus(std::string_view token) {
   const bool signed_twice = token.size() > 1 && token[1] == '-';
@@ -58,6 +55,7 @@ TextScanner::TextScanner(const std::string& name) : Reader(name) {
     size += static_cast<std::size_t>(stream_.gcount());
   } while (stream_);
   text_.resize(size);
+  next_ = text_.data();
   close();
 }
 
@@ -68,20 +66,20 @@ void TextScanner::begin_record(const char* kind, int index, int total) {
 }
 
 std::string_view TextScanner::next_token() {
-  while (position_ < text_.size() && is_space(text_[position_])) ++position_;
-  const std::size_t begin = position_;
-  while (position_ < text_.size() && !is_space(text_[position_])) ++position_;
-  token_ = std::string_view(text_).substr(begin, position_ - begin);
+  skip_spaces();
+  const char* const begin = next_;
+  while (next_ != end_of_text() && !is_space(*next_)) ++next_;
+  token_ = std::string_view(begin, static_cast<std::size_t>(next_ - begin));
   return token_;
 }
 
-double TextScanner::read_number(const char* field) {
+double TextScanner::read_any_number(const char* field) {
   double value = 0.0;
   if (!parse_number(next_token(), value)) refuse(field, "a finite number");
   return value;
 }
 
-int TextScanner::read_integer(const char* field) {
+int TextScanner::read_any_integer(const char* field) {
   const std::string_view digits = without_plus(next_token());
   int value = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -91,13 +89,9 @@ int TextScanner::read_integer(const char* field) {
   return value;
 }
 
-int TextScanner::read_index(const char* field, int limit) {
-  const int value = read_integer(field);
-  if (value < 0 || value >= limit) {
-    refuse(field, limit > 0 ? "an index from 0 to " + std::to_string(limit - 1)
-                            : "no index: there is nothing to point to");
-  }
-  return value;
+void TextScanner::refuse_index(const char* field, int limit) const {
+  refuse(field, limit > 0 ? "an index from 0 to " + std::to_string(limit - 1)
+                          : "no index: there is nothing to point to");
 }
 
 std::string TextScanner::read_word(const char* field) {
@@ -108,7 +102,7 @@ std::string TextScanner::read_word(const char* field) {
 
 int TextScanner::read_count(const char* field, std::size_t tokens_per_record) {
   const int value = read_integer(field);
-  const std::size_t tokens_left = (text_.size() - position_) / 2;
+  const std::size_t tokens_left = static_cast<std::size_t>(end_of_text() - next_) / 2;
   const std::size_t records_left = tokens_left / std::max<std::size_t>(tokens_per_record, 1);
   if (value < 0 || static_cast<std::size_t>(value) > records_left) {
     refuse(field, "a count from 0 to " + std::to_string(records_left) +

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,10 +22,20 @@ class TextScanner : public Reader {
   /// the first record are the header.
   void begin_record(const char* kind, int index, int total);
 
-  double read_number(const char* field);
-  int read_integer(const char* field);
+  double read_number(const char* field) {
+    double value;
+    return read_usual_number(value) ? value : read_any_number(field);
+  }
+  int read_integer(const char* field) {
+    int value;
+    return read_usual_integer(value) ? value : read_any_integer(field);
+  }
   /// An integer in [0, limit).
-  int read_index(const char* field, int limit);
+  int read_index(const char* field, int limit) {
+    const int value = read_integer(field);
+    if (value < 0 || value >= limit) refuse_index(field, limit);
+    return value;
+  }
   std::string read_word(const char* field);
   /// A number of records of at least `tokens_per_record` values each: between 0 and what the rest
   /// of the file can hold, so that it is safe to allocate.
@@ -34,15 +45,80 @@ class TextScanner : public Reader {
   [[noreturn]] void refuse(const char* field, const std::string& expected) const;
 
  private:
+  /// White space of the C locale.
+  static bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+  static bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+  // The text ends in a null character, which is neither space nor digit: it stops every loop.
+  void skip_spaces() {
+    while (is_space(*next_)) ++next_;
+  }
+  /// Takes the token from the present position up to `end`, if it ends there.
+  bool take_token(const char* end) {
+    if (!is_space(*end) && end != end_of_text()) return false;
+    token_ = std::string_view(next_, static_cast<std::size_t>(end - next_));
+    next_ = end;
+    return true;
+  }
+  /// The usual spellings, read where they stand; false leaves the token to the full rules.
+  bool read_usual_number(double& value);
+  bool read_usual_integer(int& value);
+  double read_any_number(const char* field);
+  int read_any_integer(const char* field);
+  [[noreturn]] void refuse_index(const char* field, int limit) const;
+  const char* end_of_text() const { return text_.data() + text_.size(); }
   std::string_view next_token();
   std::string place() const;
 
   std::string text_;
-  std::size_t position_ = 0;
+  const char* next_ = nullptr;  ///< first character that is not yet read
   std::string_view token_;
   const char* record_kind_ = nullptr;
   int record_index_ = 0;
   int record_total_ = 0;
 };
+
+/// Digits with or without a decimal point, few enough for the quotient of digits and power of ten
+/// to have exact operands: it is then the nearest number.
+inline bool TextScanner::read_usual_number(double& value) {
+  static constexpr double powers_of_ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                             1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+  constexpr int most_digits = 15;
+  skip_spaces();
+  const char* p = next_;
+  const bool is_negative = *p == '-';
+  if (is_negative) ++p;
+  std::int64_t digits = 0;
+  int count = 0;
+  const auto add_digits = [&] {
+    for (; is_digit(*p) && count <= most_digits; ++count) digits = 10 * digits + (*p++ - '0');
+  };
+  add_digits();
+  const int before_point = count;
+  if (before_point == 0) return false;
+  if (*p == '.') {
+    ++p;
+    add_digits();
+    if (count == before_point) return false;
+  }
+  if (count > most_digits) return false;
+  const int decimals = count - before_point;
+  const double magnitude = static_cast<double>(digits) / powers_of_ten[decimals];
+  value = is_negative ? -magnitude : magnitude;
+  return take_token(p);
+}
+
+inline bool TextScanner::read_usual_integer(int& value) {
+  constexpr std::ptrdiff_t most_digits = 9;  // no overflow
+  skip_spaces();
+  const char* p = next_;
+  const bool is_negative = *p == '-';
+  if (is_negative) ++p;
+  const char* const first_digit = p;
+  int magnitude = 0;
+  while (is_digit(*p) && p - first_digit < most_digits) magnitude = 10 * magnitude + (*p++ - '0');
+  value = is_negative ? -magnitude : magnitude;
+  return p != first_digit && take_token(p);
+}
 
 }  // namespace utils

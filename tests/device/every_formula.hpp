@@ -183,7 +183,7 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   physics::MomentumSource friction = {0.0, 0.0};
   physics::BedLoad load = {false, 0.0, 0.0, 0.0};
   if (wet) {
-    friction = physics::friction_manning(n, water.h, water.qx, water.qy);
+    friction = physics::friction_manning(n, water.h, 1.0 / water.h, water.qx, water.qy);
     load = physics::bed_load_mpm(water.h, 1.0 / water.h, water.qx, water.qy, n, {0.001, 2.65});
   }
   add(results, friction.qx);
@@ -238,8 +238,8 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   add(results, exner.hs);
   add(results, exner.qx_moving);
 
-  const physics::Maxima maxima =
-      physics::updated_maxima({0.5, 0.5, 0.5}, swe.h, swe.qx, swe.qy, zero_depth);
+  const physics::Maxima maxima = physics::updated_maxima(
+      {0.5, 0.5, 0.5}, swe.h, physics::depth_terms(swe.h, zero_depth), swe.qx, swe.qy, zero_depth);
   add(results, maxima.h);
   add(results, maxima.u);
   add(results, maxima.v);

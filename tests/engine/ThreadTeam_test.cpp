@@ -18,8 +18,8 @@ TEST(ThreadTeam, EveryMemberRunsOncePerRound) {
 
 TEST(ThreadTeam, ASmallMeshGetsOneThreadAndALargeOneWhatIsAskedFor) {
   setenv("OMP_NUM_THREADS", "3", 1);
-  EXPECT_EQ(engine::threads_for(100), 1);
-  EXPECT_EQ(engine::threads_for(4000), 2);
+  EXPECT_EQ(engine::threads_for(1999), 1);
+  EXPECT_EQ(engine::threads_for(2000), 2);
   EXPECT_EQ(engine::threads_for(1000000), 3);
   unsetenv("OMP_NUM_THREADS");
   EXPECT_GE(engine::threads_for(1000000), 1);

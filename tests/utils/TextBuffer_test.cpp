@@ -19,14 +19,14 @@ using Limits = std::numeric_limits<double>;
 std::string default_text(double value) {
   utils::TextBuffer buffer;
   buffer << value;
-  return buffer.text();
+  return std::string(buffer.text());
 }
 
 std::string fixed_text(double value) {
   utils::TextBuffer buffer;
   buffer.use_fixed_notation();
   buffer << value;
-  return buffer.text();
+  return std::string(buffer.text());
 }
 
 std::string default_stream_text(double value) {
@@ -81,14 +81,14 @@ TEST(TextBuffer, WritesSpecialValuesLikeAStream) {
 
 TEST(TextBuffer, WritesAnyBitPatternLikeAStream) {
   std::mt19937_64 random(20240229);
-  for (int i = 0; i < 100000; ++i) expect_the_text_of_a_stream(std::bit_cast<double>(random()));
+  for (int i = 0; i < 500000; ++i) expect_the_text_of_a_stream(std::bit_cast<double>(random()));
 }
 
 TEST(TextBuffer, WritesEverydayMagnitudesLikeAStream) {
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
   std::uniform_int_distribution<int> exponent(-12, 12);
-  for (int i = 0; i < 100000; ++i) {
+  for (int i = 0; i < 1000000; ++i) {
     expect_the_text_of_a_stream(mantissa(random) * std::pow(10.0, exponent(random)));
   }
 }
@@ -100,6 +100,39 @@ TEST(TextBuffer, WritesTiesLikeAStream) {
     expect_the_text_of_a_stream(100000.0 + i / 2.0);
     expect_the_text_of_a_stream(1000.0 + i / 2048.0);
   }
+}
+
+TEST(TextBuffer, WritesWhatLiesNearATieLikeAStream) {
+  std::mt19937_64 random(13);
+  std::uniform_int_distribution<int> digits(100000, 999999), exponent(-30, 30);
+  for (int i = 0; i < 200000; ++i) {
+    const double middle = (digits(random) + 0.5) * std::pow(10.0, exponent(random));
+    expect_the_text_of_a_stream(middle);
+    expect_the_text_of_a_stream(std::nextafter(middle, 0.0));
+    expect_the_text_of_a_stream(std::nextafter(-middle, -Limits::infinity()));
+    const double thousandths = (digits(random) + 0.5) / 1000.0;
+    expect_the_text_of_a_stream(thousandths);
+    expect_the_text_of_a_stream(std::nextafter(thousandths, 0.0));
+  }
+}
+
+TEST(TextBuffer, WritesWhatLiesNearAPowerOfTenLikeAStream) {
+  for (int exponent = -307; exponent <= 308; ++exponent) {
+    const double power = std::stod("1e" + std::to_string(exponent));
+    for (const double factor : {1.0, 0.9999995, 0.99999949, 1.0000005, 0.99999951, 9.999995}) {
+      double below = factor * power, above = factor * power;
+      for (int i = 0; i < 20; ++i) {
+        expect_the_text_of_a_stream(below);
+        expect_the_text_of_a_stream(-above);
+        below = std::nextafter(below, 0.0);
+        above = std::nextafter(above, Limits::infinity());
+      }
+    }
+  }
+}
+
+TEST(TextBuffer, WritesIntegersLikeAStream) {
+  for (int i = -200000; i <= 2000000; i += 7) expect_the_text_of_a_stream(i);
 }
 
 TEST(TextBuffer, WritesDenormalsLikeAStream) {

@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdlib>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "support/TemporaryFolder.hpp"
 
@@ -27,6 +31,31 @@ TEST(TextScanner, ReadsWordsOfAnyLength) {
   EXPECT_EQ(scanner.read_word("name"), word);
   EXPECT_EQ(scanner.read_word("name"), "\"a,b\"");
   EXPECT_EQ(scanner.read_word("name"), "end");
+}
+
+TEST(TextScanner, ReadsDecimalsOfAnyLengthAsTheNearestNumber) {
+  const support::TemporaryFolder folder;
+  std::mt19937 random(17);
+  std::string text;
+  std::vector<double> expected;
+  for (int i = 0; i < 100000; ++i) {
+    std::string token = random() % 2 == 0 ? "-" : "";
+    for (int k = static_cast<int>(random() % 18); k >= 0; --k) {
+      token += static_cast<char>('0' + random() % 10);
+    }
+    if (random() % 4 != 0) token += '.';
+    for (int k = static_cast<int>(random() % 18); k >= 0; --k) {
+      token += static_cast<char>('0' + random() % 10);
+    }
+    text += token + (random() % 2 == 0 ? "\n" : " \t");
+    expected.push_back(std::strtod(token.c_str(), nullptr));
+  }
+  utils::TextScanner scanner(folder.write("values.txt", text));
+  for (const double value : expected) {
+    const double read = scanner.read_number("value");
+    ASSERT_EQ(read, value);
+    ASSERT_EQ(std::signbit(read), std::signbit(value));
+  }
 }
 
 TEST(TextScanner, ReadsAFileLargerThanAMegabyte) {

@@ -1,0 +1,229 @@
+// Rates of reading and writing, next to those of formatted streams on the same files, and of point
+// location: bench_files CELLS.
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iomanip>
+#include <iostream>
+#include <random>
+#include <string>
+
+#include "channel_case.hpp"
+#include "domain/Domain.hpp"
+#include "utils/CellTable.hpp"
+#include "utils/MeshReader.hpp"
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// The shortest of some repeats, s.
+double seconds_of(const std::function<void()>& work) {
+  double shortest = 1e30;
+  for (int i = 0; i < 5; ++i) {
+    const auto start = Clock::now();
+    work();
+    shortest = std::min(shortest, std::chrono::duration<double>(Clock::now() - start).count());
+  }
+  return shortest;
+}
+
+void print_row(const char* what, const std::string& file, double ours, double streams) {
+  const double megabytes = 1e-6 * static_cast<double>(std::filesystem::file_size(file));
+  std::printf("%-22s %10.1f %12.0f %12.0f %10.1f\n", what, megabytes, megabytes / ours,
+              megabytes / streams, streams / ours);
+}
+
+void refuse(bool differs) {
+  if (!differs) return;
+  std::cerr << "the two ways to do it differ\n";
+  std::exit(1);
+}
+
+// --- Reading: every loop adds up what it reads, so that nothing is left out -------------------
+
+double sum_of_nodes(const std::string& file) {
+  utils::MeshReader reader(file, "node", 3);
+  double sum = 0.0;
+  for (int i = reader.get_number_of_elements(); i > 0; --i) {
+    for (const double value : reader.read_next_node(3)) sum += value;
+  }
+  return sum;
+}
+
+double sum_of_cells(const std::string& file, int n_nodes) {
+  utils::MeshReader reader(file, "cell", 2);
+  double sum = 0.0;
+  for (int i = reader.get_number_of_elements(); i > 0; --i) {
+    sum += 3;
+    for (const int node : reader.read_next_cell(n_nodes)) sum += node;
+  }
+  return sum;
+}
+
+double sum_of_edges(const std::string& file, int n_nodes, int n_cells) {
+  utils::MeshReader reader(file, "edge", 5);
+  double sum = 0.0;
+  for (int i = reader.get_number_of_elements(); i > 0; --i) {
+    const auto [left, right, node1, node2, code, value, series] =
+        reader.read_next_edge(n_nodes, n_cells);
+    sum += left + right + node1 + node2 + code;
+  }
+  return sum;
+}
+
+double sum_of_field(const std::string& file, int n_cells, int columns) {
+  utils::TextScanner scanner(file);
+  double sum = 0.0;
+  for (int k = 0; k < n_cells; ++k) {
+    scanner.begin_record("cell", k, n_cells);
+    for (int i = 0; i < columns; ++i) sum += scanner.read_number("value");
+  }
+  return sum;
+}
+
+/// The same with formatted extraction, after a header of some values.
+template <class Value>
+double sum_of_stream(const std::string& file, int header) {
+  std::ifstream stream(file);
+  int count;
+  for (int i = 0; i < header; ++i) stream >> count;
+  double sum = 0.0;
+  for (Value value; stream >> value;) sum += value;
+  return sum;
+}
+
+void compare_reading(const Channel& channel) {
+  const int n_nodes = (channel.nx + 1) * (channel.ny + 1), n_cells = channel.cells();
+  const auto row = [](const char* what, const char* file, const std::function<double()>& ours,
+                      const std::function<double()>& streams) {
+    double sum = 0.0, sum_of_streams = 0.0;
+    const double our_time = seconds_of([&] { sum = ours(); });
+    const double stream_time = seconds_of([&] { sum_of_streams = streams(); });
+    refuse(sum != sum_of_streams);
+    print_row(what, file, our_time, stream_time);
+  };
+  row(
+      "read nodes", "nodes.txt", [] { return sum_of_nodes("nodes.txt"); },
+      [] { return sum_of_stream<double>("nodes.txt", 1); });
+  row(
+      "read cells", "cells.txt", [&] { return sum_of_cells("cells.txt", n_nodes); },
+      [] { return sum_of_stream<int>("cells.txt", 1); });
+  row(
+      "read edges", "edges.txt", [&] { return sum_of_edges("edges.txt", n_nodes, n_cells); },
+      [] { return sum_of_stream<int>("edges.txt", 1); });
+  row(
+      "read friction", "friction.txt", [&] { return sum_of_field("friction.txt", n_cells, 1); },
+      [] { return sum_of_stream<double>("friction.txt", 0); });
+  row(
+      "read states", "states.txt", [&] { return sum_of_field("states.txt", n_cells, 3); },
+      [] { return sum_of_stream<double>("states.txt", 0); });
+}
+
+// --- Writing ----------------------------------------------------------------------------------
+
+struct State {
+  MeshNode center;
+  double h, qx, qy;
+};
+
+/// States of a flow, with centres in projected coordinates.
+std::vector<State> states_of(int n_cells) {
+  std::mt19937 random(1);
+  std::uniform_real_distribution<double> place(0.0, 5000.0), depth(0.0, 2.0), discharge(-1.0, 1.0);
+  std::vector<State> states(static_cast<std::size_t>(n_cells));
+  for (State& s : states) {
+    const MeshNode center(2.5e5 + place(random), 5.6e6 + place(random), 10.0 * depth(random));
+    s = {center, depth(random), discharge(random), discharge(random)};
+  }
+  return states;
+}
+
+void write_table(const std::string& name, const std::vector<State>& states, bool is_snapshot) {
+  utils::CellTable table(name, "");
+  for (const State& s : states) {
+    table.begin_row(s.center.x) << s.center;
+    table.begin_values() << s.h;
+    if (is_snapshot) table.begin_values() << '\t' << s.qx << '\t' << s.qy;
+    table.end_row();
+  }
+  table.commit();
+}
+
+void write_stream(const std::string& name, const std::vector<State>& states, bool is_snapshot) {
+  std::ofstream out(name);
+  for (const State& s : states) {
+    if (std::log10(std::fabs(s.center.x)) >= 3.0) out << std::fixed << std::setprecision(3);
+    out << s.center;
+    out << std::defaultfloat << std::setprecision(6) << s.h;
+    if (is_snapshot) out << '\t' << s.qx << '\t' << s.qy;
+    out << '\n';
+  }
+}
+
+std::string text_of(const std::string& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void compare_writing(int n_cells) {
+  const std::vector<State> states = states_of(n_cells);
+  for (const bool is_snapshot : {true, false}) {
+    const double ours = seconds_of([&] { write_table("ours.txt", states, is_snapshot); });
+    const double streams = seconds_of([&] { write_stream("streams.txt", states, is_snapshot); });
+    refuse(text_of("ours.txt") != text_of("streams.txt"));
+    print_row(is_snapshot ? "write snapshot" : "write envelope", "ours.txt", ours, streams);
+  }
+}
+
+// --- Point location ---------------------------------------------------------------------------
+
+void time_point_location(const Channel& channel) {
+  constexpr int points = 10000;
+  std::cout.setstate(std::ios::failbit);
+  const Domain domain("data.json");
+  std::mt19937 random(2);
+  std::uniform_real_distribution<double> x(0.0, channel.nx), y(0.0, channel.ny);
+  int found = 0;
+  const auto start = Clock::now();
+  for (int i = 0; i < points; ++i) {
+    const double px = x(random);
+    if (domain.CellWithPoint(px, y(random)) != nullptr) ++found;
+  }
+  const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+  refuse(found < points - 10);
+  std::printf("\nPoint location: %d points in %d cells in %.3f s\n", points, channel.cells(),
+              seconds);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const int wanted = argc == 2 ? std::atoi(argv[1]) : 0;
+  if (wanted < 100) {
+    std::cerr << "usage: bench_files CELLS, at least 100\n";
+    return 2;
+  }
+  const Channel channel = channel_of(wanted);
+  std::string folder = (std::filesystem::temp_directory_path() / "quillmere_bench_XXXXXX").string();
+  std::filesystem::current_path(mkdtemp(folder.data()));
+  write_channel_case(channel, ChannelKind::wet, folder, 1.0);
+  {
+    std::ofstream file("states.txt");
+    for (const State& s : states_of(channel.cells())) {
+      file << s.h << ' ' << s.qx << ' ' << s.qy << '\n';
+    }
+  }
+  std::printf("%-22s %10s %12s %12s %10s\n", "file", "MB", "MB/s", "stream MB/s", "ratio");
+  compare_reading(channel);
+  compare_writing(channel.cells());
+  time_point_location(channel);
+  std::filesystem::current_path("/");
+  std::filesystem::remove_all(folder);
+  return 0;
+}
