@@ -22,8 +22,10 @@ class Domain {
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
 
-  /// Advances the run from its start to its end.
+  /// Advances the run from its start to its end, or until a signal interrupts it.
   void Update();
+  /// Whether the simulated time has reached the end of the run.
+  static bool is_complete();
   /// Steps computed so far.
   long number_of_steps() const { return steps; }
   /// The cell that contains a point of the plane; null if there is none.
@@ -53,6 +55,7 @@ class Domain {
   void write_enveloppe();
   void stop_on_collapsed_step() const;
   void report_limiting_cell() const;
+  static void report_interruption();
   static void stop_if_writer_failed();
   static void printTime(double t, int width, int precision);
   static void eraseTime();

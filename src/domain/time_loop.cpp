@@ -2,10 +2,12 @@
 #include <cmath>
 #include <iomanip>
 #include <iostream>
+#include <sstream>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "utils/signals.hpp"
 #include "utils/stop.hpp"
 
 void Domain::Update() {
@@ -15,7 +17,8 @@ void Domain::Update() {
   int passes = 0;
 
   Globals::dt = cfl * model->dtMin();
-  while (Globals::t < Globals_Params::tEnd) {
+  utils::listen_for_interruption();
+  while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0) {
     fire_outputs();
     if (++passes > passes_between_displays) {
       passes = 0;
@@ -38,7 +41,10 @@ void Domain::Update() {
     report_limiting_cell();
     utils::stop(-1);
   }
+  if (!is_complete()) report_interruption();
 }
+
+bool Domain::is_complete() { return Globals::t >= Globals_Params::tEnd; }
 
 void Domain::fire_outputs() {
   const bool gauge_due = is_gauges && gauge->CheckTime(Globals::t);
@@ -78,6 +84,13 @@ void Domain::report_limiting_cell() const {
             << std::setprecision(12) << cell->center.x << ", " << cell->center.y << ") m"
             << std::setprecision(6) << ", depth " << U.h << " m, velocity " << velocity
             << " m/s, characteristic length " << cell->char_length << " m\n";
+}
+
+void Domain::report_interruption() {
+  std::ostringstream text;
+  text << " interrupted at t = " << Globals::t << " s\n";
+  Globals::spyFile << "Simulation" << text.str();
+  std::cerr << "The run was" << text.str();
 }
 
 void Domain::stop_if_writer_failed() {

@@ -12,6 +12,7 @@
 #include "utils/DataFileReader.hpp"
 #include "utils/InputParser.hpp"
 #include "utils/files.hpp"
+#include "utils/signals.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -43,7 +44,8 @@ int whole_seconds(double seconds) {
   return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
-void run() {
+/// Answers the exit status.
+int run() {
   Globals::spyFile.open("log.txt");
   if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
   Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
@@ -61,6 +63,7 @@ void run() {
                             std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
                             " sec. of simulation.\n");
   Globals::spyFile.close();
+  return Domain::is_complete() ? 0 : 128 + utils::interrupting_signal();
 }
 
 }  // namespace
@@ -77,8 +80,7 @@ int main(int argc, char** argv) {
       return 0;
     }
     parseInputs(parser);
-    run();
-    return 0;
+    return run();
   } catch (const std::exception& error) {
     utils::fatal(error.what() + std::string("\n"));
   }

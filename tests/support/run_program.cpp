@@ -79,7 +79,15 @@ RunningProgram::~RunningProgram() {
   close(err_);
 }
 
-void RunningProgram::kill() { ::kill(process_, SIGKILL); }
+void RunningProgram::send(int signal) { ::kill(process_, signal); }
+
+void RunningProgram::kill() { send(SIGKILL); }
+
+bool RunningProgram::is_running() {
+  siginfo_t ended = {};  // left for wait()
+  waitid(P_PID, static_cast<id_t>(process_), &ended, WEXITED | WNOHANG | WNOWAIT);
+  return ended.si_pid == 0;
+}
 
 RunResult RunningProgram::wait() {
   using Clock = std::chrono::steady_clock;

@@ -36,8 +36,10 @@ class RunningProgram {
   RunningProgram(const RunningProgram&) = delete;
   RunningProgram& operator=(const RunningProgram&) = delete;
 
+  void send(int signal);
   /// Ends the run at once, as the loss of the machine would.
   void kill();
+  bool is_running();
   RunResult wait();
 
  private:
