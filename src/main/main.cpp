@@ -62,6 +62,9 @@ int run() {
                             " sec. for " +
                             std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
                             " sec. of simulation.\n");
+  if (Globals::spyFile.is_open() && !Globals::spyFile.good()) {
+    utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
+  }
   Globals::spyFile.close();
   return Domain::is_complete() ? 0 : 128 + utils::interrupting_signal();
 }

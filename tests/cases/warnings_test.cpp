@@ -121,14 +121,6 @@ TEST_F(Warnings, NameTheOutputFolderThatDoesNotExistAndEachFileOnce) {
   EXPECT_FALSE(folder.has("missing"));
 }
 
-TEST_F(Warnings, SayWhenTheDiskIsFull) {
-  c.write(folder);
-  std::filesystem::create_symlink("/dev/full", folder.file("out/enveloppe.txt"));
-  EXPECT_EQ(warnings(), (std::vector<std::string>{
-                            "Warning: The file out/enveloppe.txt couldn't be written completely "
-                            "(is the disk full?)."}));
-}
-
 TEST_F(Warnings, DoNotConcernAnOutputPrefixWithoutAFolder) {
   c.data["output"]["folder"] = "";
   EXPECT_TRUE(warnings().empty());

@@ -1,10 +1,15 @@
 #include "utils/OutputFile.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <string>
 
+#include "globals/WriterHandoff.hpp"
 #include "support/TemporaryFolder.hpp"
 
 namespace {
@@ -17,6 +22,25 @@ utils::TextBuffer buffer_of(const std::string& text) {
   buffer << text;
   return buffer;
 }
+
+/// A file on a disk without room.
+class FullDisk : public testing::Test {
+ protected:
+  FullDisk() {
+    std::filesystem::create_symlink("/dev/full", name);
+    CaptureStderr();
+  }
+  ~FullDisk() override { Thread::has_failed = false; }
+  void expect_error() {
+    EXPECT_EQ(
+        GetCapturedStderr(),
+        "Error. The file " + name + " couldn't be written completely: No space left on device.\n");
+    EXPECT_TRUE(Thread::has_failed);
+  }
+
+  support::TemporaryFolder folder;
+  std::string name = folder.file("out.txt");
+};
 
 TEST(WholeFile, HoldsWhatWasCommitted) {
   const support::TemporaryFolder folder;
@@ -80,14 +104,17 @@ TEST(WholeFile, WarnsOncePerNameWhenItCannotBeCreated) {
             "Warning: The file " + first + end + "Warning: The file " + second + end);
 }
 
-TEST(WholeFile, WarnsOnceWhenTheDiskIsFull) {
-  const support::TemporaryFolder folder;
-  const std::string name = folder.file("out.txt");
-  std::filesystem::create_symlink("/dev/full", name);
-  CaptureStderr();
-  for (int i = 0; i < 2; ++i) utils::WholeFile(name).commit(buffer_of("lost\n"));
-  EXPECT_EQ(GetCapturedStderr(),
-            "Warning: The file " + name + " couldn't be written completely (is the disk full?).\n");
+TEST_F(FullDisk, EndsTheRunForAWholeFile) {
+  utils::WholeFile(name).commit(buffer_of("lost\n"));
+  expect_error();
+}
+
+TEST_F(FullDisk, IsNoticedWhenALargeBufferIsDrained) {
+  utils::WholeFile file(name);
+  utils::TextBuffer buffer = buffer_of(std::string(3 << 20, 'x'));
+  file.drain(buffer);
+  file.commit(buffer);
+  expect_error();
 }
 
 TEST(WholeFile, WarnsWhenAFolderStandsInItsPlace) {
@@ -124,17 +151,53 @@ TEST(LineFile, WarnsAndLosesItsLinesWhenItCannotBeCreated) {
   EXPECT_EQ(GetCapturedStderr(), "Warning: The file " + name + " couldn't be created.\n");
 }
 
-TEST(LineFile, WarnsOnceWhenTheDiskIsFull) {
-  const support::TemporaryFolder folder;
-  const std::string name = folder.file("lines.txt");
-  std::filesystem::create_symlink("/dev/full", name);
-  CaptureStderr();
+TEST_F(FullDisk, EndsTheRunForALineFileAndIsSaidOnce) {
   utils::LineFile file;
   file.open(name);
   file.write(buffer_of("one\n"));
   file.write(buffer_of("two\n"));
-  EXPECT_EQ(GetCapturedStderr(),
-            "Warning: The file " + name + " couldn't be written completely (is the disk full?).\n");
+  EXPECT_TRUE(file.is_open());
+  expect_error();
+}
+
+/// Runs the statement in a process whose files may not grow beyond a size.
+template <class Statement>
+void run_with_file_size_limit(rlim_t bytes, Statement statement) {
+  const pid_t process = fork();
+  if (process == 0) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    statement();
+    _exit(0);
+  }
+  waitpid(process, nullptr, 0);
+}
+
+TEST(LineFile, KeepsItsCompleteLinesWhenNoMoreCanBeWritten) {
+  const support::TemporaryFolder folder;
+  const std::string line = std::string(99, 'x') + "\n";
+  for (const bool is_large : {false, true}) {
+    const std::string last = is_large ? std::string(5000, 'y') + "\n" : line;
+    run_with_file_size_limit(250, [&] {
+      utils::LineFile file;
+      file.open(folder.file("lines.txt"));
+      file.write(buffer_of(line));
+      file.write(buffer_of(line));
+      file.write(buffer_of(last));
+    });
+    EXPECT_EQ(folder.read("lines.txt"), line + line);
+  }
+}
+
+TEST(WholeFile, LeavesAnEarlierFileWhenNoMoreCanBeWritten) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt", "earlier\n");
+  run_with_file_size_limit(250, [&] {
+    utils::WholeFile(folder.file("out.txt")).commit(buffer_of(std::string(300, 'x')));
+  });
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
 }
 
 }  // namespace
