@@ -11,6 +11,7 @@ Groups:
   build   compiler, CMake, Ninja and the JSON library
   tools   what the companion tools build on
   test    GoogleTest
+  fuzz    Clang, with its fuzzer and sanitizers
   bench   Google Benchmark
   plot    matplotlib for /usr/bin/python3
 TEXT
@@ -21,6 +22,7 @@ packages_of() {
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev ;;
     test) echo libgtest-dev ;;
+    fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
     plot) echo python3-matplotlib ;;
     *) return 1 ;;

@@ -10,13 +10,18 @@ namespace utils {
 
 namespace {
 constexpr int shown_warnings = 10;
-}
+
+StopHandler stop_handler = std::exit;
+}  // namespace
+
+void set_stop_handler(StopHandler handler) { stop_handler = handler; }
 
 void stop(int status) {
   std::cout.flush();
   Handoff::join_all();
   if (Globals::spyFile.is_open()) Globals::spyFile.close();
-  std::exit(status);
+  stop_handler(status);
+  std::abort();  // a handler does not return
 }
 
 void fatal(const std::string& message, int status) {

@@ -9,6 +9,11 @@ namespace utils {
 /// Must be called on the main thread.
 [[noreturn]] void stop(int status);
 
+/// What stop() does last; at first it is std::exit. A program that goes on after a run that ended
+/// early sets a handler that throws.
+using StopHandler = void (*)(int status);
+void set_stop_handler(StopHandler handler);
+
 /// Writes a message (with its own line end) to standard error and ends the process with the status.
 [[noreturn]] void fatal(const std::string& message, int status = -1);
 

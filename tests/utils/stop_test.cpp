@@ -31,6 +31,18 @@ TEST(StopDeathTest, StopIsSilent) {
   EXPECT_EXIT(utils::stop(-1), ExitedWithCode(255), "^$");
 }
 
+TEST(StopDeathTest, StopGoesToTheHandlerInPlaceOfTheExit) {
+  const auto run = [] {
+    utils::set_stop_handler([](int status) { throw status; });
+    try {
+      utils::fatal("Unknown ID.\n", 1);
+    } catch (const int status) {
+      std::exit(40 + status);
+    }
+  };
+  EXPECT_EXIT(run(), ExitedWithCode(41), "^Unknown ID\\.\n$");
+}
+
 TEST(StopDeathTest, StopClosesTheLogWithAllItsLines) {
   const support::TemporaryFolder folder;
   const auto run = [&] {
