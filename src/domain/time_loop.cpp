@@ -66,7 +66,8 @@ void Domain::fire_outputs() {
 }
 
 void Domain::stop_on_collapsed_step() const {
-  if (!(Globals::dt <= dt_threshold)) return;
+  const bool clock_stands_still = Globals::t + Globals::dt == Globals::t;
+  if (!(Globals::dt <= dt_threshold || clock_stands_still)) return;
   std::cerr << "dt too small!\n";
   Globals::spyFile << "Simulation stopped at t = " << Globals::t << " s\n"
                    << "Too small dt! dt = " << Globals::dt << " s\n";

@@ -35,6 +35,11 @@ TEST_F(TimeLoop, MakesNoPassWhenTheEndIsNotAfterTheStart) {
   }
 }
 
+TEST_F(TimeLoop, EndsWhenTheStepIsTooSmallToMoveTheClock) {
+  c.set_times(1e17, 1e17 + 1000.0);
+  expect_collapse_at_start(run(), "1e+17");
+}
+
 TEST_F(TimeLoop, RefreshesTheClockEveryEleventhPass) {
   c.set_times(0.0, 2.0);
   record_passes();
