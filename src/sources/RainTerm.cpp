@@ -1,6 +1,7 @@
 #include "sources/RainTerm.hpp"
 
 #include "globals/Globals.hpp"
+#include "utils/stop.hpp"
 
 RainTerm::RainTerm(int id, int count, int dts)
     : SourceTerm(id, dts),
@@ -8,9 +9,16 @@ RainTerm::RainTerm(int id, int count, int dts)
       intensities(static_cast<std::size_t>(count)) {}
 
 void RainTerm::read_hyetogram(utils::TextScanner& file, int count) {
+  bool is_out_of_order = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
     times[i] = file.read_number("start time of an interval");
     intensities[i] = file.read_number("intensity");
+    is_out_of_order |= i > 0 && times[i] < times[i - 1];
+  }
+  if (is_out_of_order) {
+    utils::warn("hyetogram " + std::to_string(getID()) +
+                " has an interval that starts before the one above it: of those that have started, "
+                "the last in the file counts.");
   }
 }
 

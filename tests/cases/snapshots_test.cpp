@@ -93,7 +93,10 @@ TEST_F(Snapshots, WithTheSameTwoDecimalsOverwriteEachOther) {
   let_it_rain();
   c.add_snapshots({0.501, 0.509});
   c.add_gauges({{0.6, 0.2}}, 1e-9);
-  run_well();
+  const support::RunResult result = run();
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(support::starts_with(result.err, "Warning: snapshot 1 (counted from 0), "))
+      << result.err;
   EXPECT_EQ(written(), (std::vector<std::string>{"gauges.txt", "pic_0_50.txt"}));
   c.add_snapshots({0.501});
   const std::string later = first_depth("pic_0_50.txt");

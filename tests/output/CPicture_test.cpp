@@ -52,6 +52,24 @@ TEST_F(CPictureTest, RoundsToSixDecimalsBeforeItCutsOff) {
   EXPECT_EQ(name_of("1e-9"), "out/pic_0_00.txt");
 }
 
+TEST_F(CPictureTest, WarnsAboutTimesOutOfOrderAndAboutEqualNames) {
+  using testing::internal::CaptureStderr;
+  using testing::internal::GetCapturedStderr;
+  Globals::g_outputPath = "out/";
+  CaptureStderr();
+  pictures("4  0 10 5 20");
+  EXPECT_EQ(
+      GetCapturedStderr(),
+      "Warning: snapshot 2 (counted from 0), out/pic_5_00.txt, has an earlier time than the one "
+      "before it: it will show a later flow.\n");
+  CaptureStderr();
+  pictures("3  0.121 0.125 0.13");
+  EXPECT_EQ(
+      GetCapturedStderr(),
+      "Warning: snapshot 1 (counted from 0), out/pic_0_12.txt, replaces an earlier snapshot of "
+      "the same name.\n");
+}
+
 TEST_F(CPictureTest, IsDueWithinTheTolerance) {
   const CPicture picture = pictures("1 10");
   EXPECT_FALSE(picture.CheckTime(10.0 - 2e-8, 1e-8));

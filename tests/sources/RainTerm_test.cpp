@@ -42,6 +42,17 @@ TEST_F(RainTermTest, ReadsPairsOfTimeAndIntensity) {
   EXPECT_EQ(read.get_dts(), 60.0);
 }
 
+TEST_F(RainTermTest, WarnsAboutIntervalsOutOfOrder) {
+  const support::TemporaryFolder folder;
+  utils::TextScanner file(folder.write("rain.txt", "0 1  200 2  100 5"));
+  testing::internal::CaptureStderr();
+  RainTerm(4, 3, 60).read_hyetogram(file, 3);
+  EXPECT_EQ(
+      testing::internal::GetCapturedStderr(),
+      "Warning: hyetogram 4 has an interval that starts before the one above it: of those that "
+      "have started, the last in the file counts.\n");
+}
+
 TEST_F(RainTermTest, AHyetogramWithoutIntervalsBringsNoRain) {
   RainTerm empty(4, 0, 30);
   HydraulicVariableSWE source;
