@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "globals/WriterHandoff.hpp"
+#include "utils/files.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
@@ -95,6 +96,9 @@ void WholeFile::commit(const TextBuffer& rest) {
 }
 
 void LineFile::open(const std::string& name) {
+  if (is_input_file(name)) {
+    fatal("Error. The result file " + name + " would replace an input file of this run.\n");
+  }
   name_ = name;
   stream_.open(name, std::ios::binary);
   is_created_ = stream_.is_open();

@@ -35,7 +35,8 @@ class WholeFile {
 /// all.
 class LineFile {
  public:
-  /// Creates or truncates the file; a failure is warned about.
+  /// Creates or truncates the file; a failure is warned about. A file that the run has read is not
+  /// touched: the run ends. To be called on the main thread.
   void open(const std::string& name);
   /// Whether the file could be created.
   bool is_open() const { return is_created_; }

@@ -54,9 +54,20 @@ TextScanner::TextScanner(const std::string& name) : Reader(name) {
     stream_.read(text_.data() + size, piece);
     size += static_cast<std::size_t>(stream_.gcount());
   } while (stream_);
+  if (stream_.bad()) fatal("Fatal error. Impossible to read file " + name + " to its end.\n");
   text_.resize(size);
   next_ = text_.data();
   close();
+  skip_byte_order_mark();
+}
+
+void TextScanner::skip_byte_order_mark() {
+  const std::string_view text = text_;
+  if (text.substr(0, 2) == "\xFF\xFE" || text.substr(0, 2) == "\xFE\xFF") {
+    fatal("Error in file " + name_ +
+          ": it is UTF-16 text, expected plain text (UTF-8 or ASCII).\n");
+  }
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") position_ = 3;  // UTF-8, which editors like to mark
 }
 
 void TextScanner::begin_record(const char* kind, int index, int total) {

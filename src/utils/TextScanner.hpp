@@ -15,7 +15,8 @@ namespace utils {
 /// token is consumed. Anything else ends the run.
 class TextScanner : public Reader {
  public:
-  /// Opens the file and reads it whole.
+  /// Opens the file and reads it whole. A UTF-8 byte-order mark at its start is no part of the
+  /// text.
   explicit TextScanner(const std::string& name);
 
   /// Names the record that the next values belong to, as in "cell 3 (of 0 to 9)"; the values before
@@ -67,6 +68,7 @@ class TextScanner : public Reader {
   int read_any_integer(const char* field);
   [[noreturn]] void refuse_index(const char* field, int limit) const;
   const char* end_of_text() const { return text_.data() + text_.size(); }
+  void skip_byte_order_mark();
   std::string_view next_token();
   std::string place() const;
 

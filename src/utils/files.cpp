@@ -1,13 +1,21 @@
 #include "utils/files.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <mutex>
+#include <set>
 
 #include "globals/Globals.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
+
+namespace {
+std::mutex input_files_mutex;
+std::set<std::string> input_files;
+}  // namespace
 
 std::ifstream open_input_file(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
@@ -15,7 +23,17 @@ std::ifstream open_input_file(const std::string& name) {
   if (!file.is_open() || std::filesystem::is_directory(name, ignored)) {
     fatal("Fatal error. Impossible to open file " + name + ".\n");
   }
+  const std::lock_guard lock(input_files_mutex);
+  input_files.insert(name);
   return file;
+}
+
+bool is_input_file(const std::string& name) {
+  std::error_code ignored;
+  const std::lock_guard lock(input_files_mutex);
+  return std::any_of(input_files.begin(), input_files.end(), [&](const std::string& input) {
+    return std::filesystem::equivalent(name, input, ignored);
+  });
 }
 
 std::string remove_extension(const std::string& name) { return name.substr(0, name.rfind('.')); }

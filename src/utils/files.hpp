@@ -9,6 +9,9 @@ namespace utils {
 /// Opens a file for reading; ends the run with a message if that is impossible.
 std::ifstream open_input_file(const std::string& name);
 
+/// Whether the name leads to a file that was opened for reading.
+bool is_input_file(const std::string& name);
+
 /// The part of a name before its last "."; the whole name without one.
 std::string remove_extension(const std::string& name);
 /// The part of a name after its last "."; empty without one.

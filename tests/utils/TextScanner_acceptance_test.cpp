@@ -152,39 +152,11 @@ TEST(TextScanner, ReadsIntegersAsFormattedExtractionDoes) {
 
 TEST(TextScannerDeathTest, RefusesWhatIsNoFiniteNumber) {
   const support::TemporaryFolder folder;
-  for (const std::string token : {"abc",
-                                  "1,5",
-                                  "1e999",
-                                  "-1e999",
-                                  "nan",
-                                  "-nan",
-                                  "NAN",
-                                  "inf",
-                                  "-inf",
-                                  "Infinity",
-                                  "0x10",
-                                  "0x1p3",
-                                  "1e",
-                                  "1e+",
-                                  "e5",
-                                  ".",
-                                  "+",
-                                  "-",
-                                  "+-5",
-                                  "-+5",
-                                  "++5",
-                                  "--5",
-                                  "5f",
-                                  "1d5",
-                                  "1..5",
-                                  "1.5.2",
-                                  "5-",
-                                  "1_000",
-                                  "1'000",
-                                  "#1",
-                                  "5;",
-                                  "\xEF\xBB\xBF"
-                                  "5"}) {
+  for (const std::string token :
+       {"abc",  "1,5",      "1e999", "-1e999", "nan",   "-nan", "NAN", "inf",
+        "-inf", "Infinity", "0x10",  "0x1p3",  "1e",    "1e+",  "e5",  ".",
+        "+",    "-",        "+-5",   "-+5",    "++5",   "--5",  "5f",  "1d5",
+        "1..5", "1.5.2",    "5-",    "1_000",  "1'000", "#1",   "5;",  "5\xEF\xBB\xBF"}) {
     double value = 0.0;
     ASSERT_FALSE(extract_finite(token, value)) << token;
     const std::string path = folder.write("numbers.txt", token);
