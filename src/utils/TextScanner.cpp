@@ -67,7 +67,7 @@ void TextScanner::skip_byte_order_mark() {
     fatal("Error in file " + name_ +
           ": it is UTF-16 text, expected plain text (UTF-8 or ASCII).\n");
   }
-  if (text.substr(0, 3) == "\xEF\xBB\xBF") position_ = 3;  // UTF-8, which editors like to mark
+  if (text.substr(0, 3) == "\xEF\xBB\xBF") next_ += 3;  // UTF-8, which editors like to mark
 }
 
 void TextScanner::begin_record(const char* kind, int index, int total) {

@@ -68,6 +68,36 @@ TEST(WholeFile, LeavesAnEarlierFileWhenItIsNeverCommitted) {
   EXPECT_EQ(folder.read("out.txt"), "earlier\n");
 }
 
+TEST(WholeFileDeathTest, LeavesAnEarlierFileWhenTheProcessIsKilledInMidFile) {
+  const support::TemporaryFolder folder;
+  folder.write("out.txt", "earlier\n");
+  const auto write_and_be_killed = [&] {
+    utils::WholeFile file(folder.file("out.txt"));
+    utils::TextBuffer buffer = buffer_of(std::string(3 << 20, 'x'));
+    file.drain(buffer);
+    std::raise(SIGKILL);
+  };
+  EXPECT_EXIT(write_and_be_killed(), testing::KilledBySignal(SIGKILL), "");
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  EXPECT_TRUE(folder.has("out.txt.part"));
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("later\n"));
+  EXPECT_EQ(folder.read("out.txt"), "later\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+TEST(LineFileDeathTest, HoldsEveryLineThatWasWrittenBeforeTheProcessIsKilled) {
+  const support::TemporaryFolder folder;
+  const auto write_and_be_killed = [&] {
+    utils::LineFile file;
+    file.open(folder.file("out.txt"));
+    file.write(buffer_of("one\n"));
+    file.write(buffer_of("two\n"));
+    std::raise(SIGKILL);
+  };
+  EXPECT_EXIT(write_and_be_killed(), testing::KilledBySignal(SIGKILL), "");
+  EXPECT_EQ(folder.read("out.txt"), "one\ntwo\n");
+}
+
 TEST(WholeFile, DrainsOnlyALargeBuffer) {
   const support::TemporaryFolder folder;
   utils::WholeFile file(folder.file("out.txt"));
