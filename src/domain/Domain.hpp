@@ -2,6 +2,7 @@
 // and outputs.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -26,6 +27,8 @@ class Domain {
   void Update();
   /// Whether the simulated time has reached the end of the run.
   static bool is_complete();
+  /// The same, until `goes_on`, asked before every step, says no.
+  void Update(const std::function<bool()>& goes_on);
   /// Steps computed so far.
   long number_of_steps() const { return steps; }
   /// The cell that contains a point of the plane; null if there is none.

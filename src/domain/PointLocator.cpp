@@ -17,13 +17,6 @@ bool triangle_contains(const MeshNode& center, const MeshNode& node_a, const Mes
   return count == 0 || count == 3;
 }
 
-bool cell_contains(const ComputationalCell& cell, double x, double y) {
-  for (int j = 0; j < cell.number_of_nodes(); ++j) {
-    if (triangle_contains(cell.center, *cell.get_node(j), *cell.next_node(j), x, y)) return true;
-  }
-  return false;
-}
-
 // How far beyond its nodes a triangle can accept a point. Three comparisons that hold make the
 // point lie within the rectangle of its nodes, in spite of rounding: differences and products are
 // rounded monotonically. Three that fail say that no cross product exceeds its rounding error e, so
@@ -39,6 +32,13 @@ constexpr double answered_distance = 10.0;
 constexpr std::size_t most_entries_per_cell = 16;
 
 }  // namespace
+
+bool cell_contains(const ComputationalCell& cell, double x, double y) {
+  for (int j = 0; j < cell.number_of_nodes(); ++j) {
+    if (triangle_contains(cell.center, *cell.get_node(j), *cell.next_node(j), x, y)) return true;
+  }
+  return false;
+}
 
 void PointLocator::Box::include(const Box& box) {
   x_min = std::min(x_min, box.x_min);

@@ -6,6 +6,9 @@
 
 #include "model/ComputationalCell.hpp"
 
+/// Whether one of the triangles (centre, node, next node) of the cell contains the point, m.
+bool cell_contains(const ComputationalCell& cell, double x, double y);
+
 /// Gives the same answer as trying the cells one after the other, rounding included.
 class PointLocator {
  public:

@@ -11,6 +11,10 @@
 #include "utils/stop.hpp"
 
 void Domain::Update() {
+  Update([] { return true; });
+}
+
+void Domain::Update(const std::function<bool()>& goes_on) {
   constexpr int passes_between_displays = 10;
   Globals::t = Globals_Params::tStart;
   printTime(Globals::t, 8, 3);
@@ -18,7 +22,7 @@ void Domain::Update() {
 
   Globals::dt = cfl * model->dtMin();
   utils::listen_for_interruption();
-  while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0) {
+  while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
     fire_outputs();
     if (++passes > passes_between_displays) {
       passes = 0;

@@ -1,5 +1,7 @@
 #include "utils/DataFileReader.hpp"
 
+#include "utils/data_file_keys.hpp"
+
 namespace utils {
 
 DataFileReaderException::DataFileReaderException(std::string message, std::string key)
@@ -29,16 +31,16 @@ const nlohmann::json& DataFileReader::enclosing(const json& object, const std::s
 }
 
 const nlohmann::json& DataFileReader::conditions() const {
-  return enclosing(enclosing(document_, model_key_), conditions_key_);
+  return enclosing(enclosing(document_, key::model), key::conditions);
 }
 
 const nlohmann::json& DataFileReader::sources() const {
-  return enclosing(enclosing(document_, model_key_), sources_key_);
+  return enclosing(enclosing(document_, key::model), key::sources);
 }
 
 const nlohmann::json& DataFileReader::parameters() const {
   is_sediments();
-  return enclosing(enclosing(document_, model_key_), parameters_key_);
+  return enclosing(enclosing(document_, key::model), key::parameters);
 }
 
 template <class T>
@@ -50,62 +52,62 @@ T DataFileReader::leaf(const json& object, const std::string& key) const {
 // --- The run ------------------------------------------------------------------------------------
 
 std::string DataFileReader::get_simulation_name() const {
-  return leaf<std::string>(document_, simulation_name_key_);
+  return leaf<std::string>(document_, key::simulation_name);
 }
 
-double DataFileReader::get_start_time() const { return leaf<double>(document_, start_time_key_); }
+double DataFileReader::get_start_time() const { return leaf<double>(document_, key::start_time); }
 
-double DataFileReader::get_end_time() const { return leaf<double>(document_, end_time_key_); }
+double DataFileReader::get_end_time() const { return leaf<double>(document_, key::end_time); }
 
-double DataFileReader::get_CFL() const { return leaf<double>(document_, cfl_key_); }
+double DataFileReader::get_CFL() const { return leaf<double>(document_, key::cfl); }
 
 // --- Mesh ---------------------------------------------------------------------------------------
 
 std::string DataFileReader::get_nodes_file() const {
-  return leaf<std::string>(enclosing(document_, mesh_key_), nodes_key_);
+  return leaf<std::string>(enclosing(document_, key::mesh), key::nodes);
 }
 
 std::string DataFileReader::get_cells_file() const {
-  return leaf<std::string>(enclosing(document_, mesh_key_), cells_key_);
+  return leaf<std::string>(enclosing(document_, key::mesh), key::cells);
 }
 
 std::string DataFileReader::get_edges_file() const {
-  return leaf<std::string>(enclosing(document_, mesh_key_), edges_key_);
+  return leaf<std::string>(enclosing(document_, key::mesh), key::edges);
 }
 
 // --- Model --------------------------------------------------------------------------------------
 
 std::string DataFileReader::get_model_name() const {
-  return leaf<std::string>(enclosing(document_, model_key_), model_name_key_);
+  return leaf<std::string>(enclosing(document_, key::model), key::model_name);
 }
 
 std::string DataFileReader::get_flux_scheme_name() const {
-  return leaf<std::string>(enclosing(document_, model_key_), flux_scheme_key_);
+  return leaf<std::string>(enclosing(document_, key::model), key::flux_scheme);
 }
 
 double DataFileReader::get_zero_depth_value() const {
-  const json& model = enclosing(document_, model_key_);
-  return model.contains(zero_depth_key_) ? leaf<double>(model, zero_depth_key_) : 0.0001;
+  const json& model = enclosing(document_, key::model);
+  return model.contains(key::zero_depth) ? leaf<double>(model, key::zero_depth) : 0.0001;
 }
 
 // --- Conditions ---------------------------------------------------------------------------------
 
 std::string DataFileReader::get_initial_hydrodynamic_conditions_file() const {
-  return leaf<std::string>(conditions(), initial_conditions_key_);
+  return leaf<std::string>(conditions(), key::initial_conditions);
 }
 
 bool DataFileReader::is_imposed_fixed_bed_level() const {
-  return conditions().contains(fixed_bed_level_key_);
+  return conditions().contains(key::fixed_bed_level);
 }
 
 std::string DataFileReader::get_fixed_bed_level_file() const {
-  return leaf<std::string>(conditions(), fixed_bed_level_key_);
+  return leaf<std::string>(conditions(), key::fixed_bed_level);
 }
 
-bool DataFileReader::is_imposed_friction() const { return conditions().contains(friction_key_); }
+bool DataFileReader::is_imposed_friction() const { return conditions().contains(key::friction); }
 
 std::string DataFileReader::get_friction_file() const {
-  return leaf<std::string>(conditions(), friction_key_);
+  return leaf<std::string>(conditions(), key::friction);
 }
 
 // --- Sediments ----------------------------------------------------------------------------------
@@ -114,12 +116,12 @@ bool DataFileReader::is_sediments() const { return get_model_name() == sediment_
 
 bool DataFileReader::is_imposed_sediments_level() const {
   is_sediments();
-  return validateKey<std::string>(conditions(), sediments_level_key_);
+  return validateKey<std::string>(conditions(), key::sediments_level);
 }
 
 std::string DataFileReader::get_sediments_level_file() const {
   is_imposed_sediments_level();
-  return conditions().at(sediments_level_key_).get<std::string>();
+  return conditions().at(key::sediments_level).get<std::string>();
 }
 
 bool DataFileReader::is_sediments_parameters() const {
@@ -128,85 +130,85 @@ bool DataFileReader::is_sediments_parameters() const {
 }
 
 double DataFileReader::get_sediments_mean_grain() const {
-  return leaf<double>(parameters(), mean_grain_key_);
+  return leaf<double>(parameters(), key::mean_grain);
 }
 
 double DataFileReader::get_sediments_density() const {
-  return leaf<double>(parameters(), density_key_);
+  return leaf<double>(parameters(), key::density);
 }
 
 double DataFileReader::get_sediments_friction() const {
-  return leaf<double>(parameters(), sediments_friction_key_);
+  return leaf<double>(parameters(), key::sediments_friction);
 }
 
 double DataFileReader::get_sediments_porosity() const {
-  return leaf<double>(parameters(), porosity_key_);
+  return leaf<double>(parameters(), key::porosity);
 }
 
 // --- Sources ------------------------------------------------------------------------------------
 
-bool DataFileReader::is_rainfall() const { return sources().contains(rainfall_key_); }
+bool DataFileReader::is_rainfall() const { return sources().contains(key::rainfall); }
 
 std::string DataFileReader::get_rainfall_file() const {
-  return leaf<std::string>(sources(), rainfall_key_);
+  return leaf<std::string>(sources(), key::rainfall);
 }
 
 std::string DataFileReader::get_hyetocells_file() const {
-  return leaf<std::string>(sources(), hyetocells_key_);
+  return leaf<std::string>(sources(), key::hyetocells);
 }
 
-bool DataFileReader::is_infiltration() const { return sources().contains(infiltration_key_); }
+bool DataFileReader::is_infiltration() const { return sources().contains(key::infiltration); }
 
 std::string DataFileReader::get_infiltration_file() const {
-  return leaf<std::string>(sources(), infiltration_key_);
+  return leaf<std::string>(sources(), key::infiltration);
 }
 
 std::string DataFileReader::get_infiltracells_file() const {
-  return leaf<std::string>(sources(), infiltracells_key_);
+  return leaf<std::string>(sources(), key::infiltracells);
 }
 
 bool DataFileReader::is_initial_infiltration() const {
-  return sources().contains(initial_infiltration_key_);
+  return sources().contains(key::initial_infiltration);
 }
 
 std::string DataFileReader::get_initial_infiltration_file() const {
-  return leaf<std::string>(sources(), initial_infiltration_key_);
+  return leaf<std::string>(sources(), key::initial_infiltration);
 }
 
 // --- Extensions and outputs ---------------------------------------------------------------------
 
-bool DataFileReader::is_extensions() const { return document_.contains(extensions_key_); }
+bool DataFileReader::is_extensions() const { return document_.contains(key::extensions); }
 
 std::string DataFileReader::get_output_folder_path() const {
-  return leaf<std::string>(enclosing(document_, output_key_), folder_key_);
+  return leaf<std::string>(enclosing(document_, key::output), key::folder);
 }
 
 double DataFileReader::get_dt_enveloppe() const {
-  return leaf<double>(enclosing(document_, output_key_), dt_enveloppe_key_);
+  return leaf<double>(enclosing(document_, key::output), key::dt_enveloppe);
 }
 
 bool DataFileReader::is_pictures() const {
-  return enclosing(document_, output_key_).contains(pictures_key_);
+  return enclosing(document_, key::output).contains(key::pictures);
 }
 
 std::string DataFileReader::get_pictures_file() const {
-  return leaf<std::string>(enclosing(document_, output_key_), pictures_key_);
+  return leaf<std::string>(enclosing(document_, key::output), key::pictures);
 }
 
 bool DataFileReader::is_gauges() const {
-  return enclosing(document_, output_key_).contains(gauges_key_);
+  return enclosing(document_, key::output).contains(key::gauges);
 }
 
 std::string DataFileReader::get_gauges_file() const {
-  return leaf<std::string>(enclosing(document_, output_key_), gauges_key_);
+  return leaf<std::string>(enclosing(document_, key::output), key::gauges);
 }
 
 bool DataFileReader::is_discharge_check() const {
-  return enclosing(document_, output_key_).contains(discharges_key_);
+  return enclosing(document_, key::output).contains(key::discharges);
 }
 
 std::string DataFileReader::get_discharge_file() const {
-  return leaf<std::string>(enclosing(document_, output_key_), discharges_key_);
+  return leaf<std::string>(enclosing(document_, key::output), key::discharges);
 }
 
 }  // namespace utils

@@ -92,42 +92,6 @@ class DataFileReader : public Reader {
 
   json document_;
   const std::string sediment_model_ = "Bramsett";
-
-  const std::string simulation_name_key_ = "name";
-  const std::string start_time_key_ = "t0";
-  const std::string end_time_key_ = "tend";
-  const std::string cfl_key_ = "CFL";
-  const std::string mesh_key_ = "mesh";
-  const std::string nodes_key_ = "nodes";
-  const std::string cells_key_ = "cells";
-  const std::string edges_key_ = "edges";
-  const std::string model_key_ = "model";
-  const std::string model_name_key_ = "name";
-  const std::string flux_scheme_key_ = "flux scheme";
-  const std::string zero_depth_key_ = "zero depth value";
-  const std::string conditions_key_ = "conditions";
-  const std::string sources_key_ = "sources";
-  const std::string initial_conditions_key_ = "initial conditions";
-  const std::string fixed_bed_level_key_ = "fixed bed level";
-  const std::string friction_key_ = "friction";
-  const std::string sediments_level_key_ = "initial sediments level";
-  const std::string parameters_key_ = "parameters";
-  const std::string mean_grain_key_ = "sediments mean grain diameter";
-  const std::string density_key_ = "sediments density";
-  const std::string sediments_friction_key_ = "sediments friction coefficient";
-  const std::string porosity_key_ = "sediments porosity";
-  const std::string extensions_key_ = "extensions";
-  const std::string output_key_ = "output";
-  const std::string folder_key_ = "folder";
-  const std::string dt_enveloppe_key_ = "time step enveloppe of results";
-  const std::string pictures_key_ = "snapshots of flow";
-  const std::string gauges_key_ = "gauges";
-  const std::string discharges_key_ = "discharges";
-  const std::string hyetocells_key_ = "hyetocells";
-  const std::string rainfall_key_ = "rainfall";
-  const std::string infiltration_key_ = "infiltration";
-  const std::string infiltracells_key_ = "infiltracells";
-  const std::string initial_infiltration_key_ = "initial infiltration";
 };
 
 }  // namespace utils

@@ -12,6 +12,7 @@ namespace {
 constexpr int shown_warnings = 10;
 
 StopHandler stop_handler = std::exit;
+bool fatal_errors_are_thrown = false;
 }  // namespace
 
 void set_stop_handler(StopHandler handler) { stop_handler = handler; }
@@ -24,7 +25,10 @@ void stop(int status) {
   std::abort();  // a handler does not return
 }
 
+void throw_fatal_errors() { fatal_errors_are_thrown = true; }
+
 void fatal(const std::string& message, int status) {
+  if (fatal_errors_are_thrown) throw FatalError(message);
   std::cerr << message;
   stop(status);
 }

@@ -1,6 +1,7 @@
 // The ways a run ends early, and the warnings after which it goes on.
 #pragma once
 
+#include <stdexcept>
 #include <string>
 
 namespace utils {
@@ -16,6 +17,16 @@ void set_stop_handler(StopHandler handler);
 
 /// Writes a message (with its own line end) to standard error and ends the process with the status.
 [[noreturn]] void fatal(const std::string& message, int status = -1);
+
+/// What fatal() throws in a program that goes on after errors.
+class FatalError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// From now on fatal() throws a FatalError with its message, and neither writes nor ends anything:
+/// for programs that collect errors.
+void throw_fatal_errors();
 
 /// Writes "Warning: ", the message and a line end to standard error. Any thread may call it.
 void warn(const std::string& message);

@@ -1,0 +1,7 @@
+// The command `check`.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+/// Adds `check CASE [--json] [--quick]`.
+void add_check_command(CLI::App& app);
