@@ -39,16 +39,16 @@ std::string text_of(int file) {
 
 /// Turns the child process into the program.
 [[noreturn]] void become_program(const std::string& folder, std::vector<char*> arguments, int in,
-                                 int out, int err, std::size_t address_space) {
+                                 int out, int err, const RunOptions& options) {
   constexpr int cannot_run = 127;
   dup2(in, STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
-  if (memory_can_be_limited && address_space > 0) {
-    const rlimit limit{address_space, address_space};
+  if (memory_can_be_limited && options.address_space > 0) {
+    const rlimit limit{options.address_space, options.address_space};
     if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(cannot_run);
   }
-  if (chdir(folder.c_str()) == 0) execv(QUILLMERE_PROGRAM, arguments.data());
+  if (chdir(folder.c_str()) == 0) execv(options.program.c_str(), arguments.data());
   _exit(cannot_run);
 }
 
@@ -57,7 +57,7 @@ std::string text_of(int file) {
 RunningProgram::RunningProgram(const std::string& folder, const std::vector<std::string>& arguments,
                                const RunOptions& options)
     : time_limit_(options.time_limit), out_(memory_file("")), err_(memory_file("")) {
-  std::vector<std::string> words = {"quillmere"};
+  std::vector<std::string> words = {options.program};
   words.insert(words.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : words) pointers.push_back(word.data());
@@ -65,7 +65,7 @@ RunningProgram::RunningProgram(const std::string& folder, const std::vector<std:
 
   const int in = memory_file(options.input);
   process_ = fork();
-  if (process_ == 0) become_program(folder, pointers, in, out_, err_, options.address_space);
+  if (process_ == 0) become_program(folder, pointers, in, out_, err_, options);
   close(in);
   if (process_ < 0) throw std::runtime_error("no process for a run");
 }

@@ -1,4 +1,5 @@
-// Runs the simulator as a user does: in a folder, with arguments and standard input.
+// Runs the simulator, or a program beside it, as a user does: in a folder, with arguments and
+// standard input.
 #pragma once
 
 #include <sys/types.h>
@@ -12,7 +13,8 @@
 namespace support {
 
 struct RunOptions {
-  std::string input = {};         ///< text on standard input
+  std::string program = QUILLMERE_PROGRAM;  ///< the simulator, or a program beside it
+  std::string input = {};                   ///< text on standard input
   std::size_t address_space = 0;  ///< bytes of memory the run may map; 0: no limit. Builds with a
                                   ///< sanitizer, which map terabytes, ignore it
   double time_limit = 120.0;      ///< s; a run that takes longer is killed

@@ -12,17 +12,19 @@ namespace {
 
 using utils::TextScanner;
 
-constexpr int no_limit = std::numeric_limits<int>::max();
+constexpr int unknown = std::numeric_limits<int>::max();
 
+/// The number of records; `unknown` if it is refused, and then the file is not read on.
 int take_count(CheckedFile& file, const char* field, std::size_t tokens_per_record) {
   return file.take_or_give_up(
-      0, [&](TextScanner& text) { return text.read_count(field, tokens_per_record); });
+      unknown, [&](TextScanner& text) { return text.read_count(field, tokens_per_record); });
 }
 
-void read_nodes(const std::string& name, CaseMesh& mesh, Findings& findings) {
+/// Answers the number of nodes, as far as it is known.
+int read_nodes(const std::string& name, CaseMesh& mesh, Findings& findings) {
   CheckedFile file(name, "mesh/nodes", findings);
   const int count = take_count(file, "number of records", 3);
-  mesh.nodes.reserve(static_cast<std::size_t>(count));
+  if (file.is_open()) mesh.nodes.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count && file.is_open(); ++i) {
     file.begin_record("node", i, count);
     const double x = file.number("x");
@@ -31,6 +33,7 @@ void read_nodes(const std::string& name, CaseMesh& mesh, Findings& findings) {
     mesh.nodes.emplace_back(x, y, z);
   }
   mesh.has_nodes = file.is_well();
+  return count;
 }
 
 int read_cell_size(TextScanner& text) {
@@ -39,21 +42,22 @@ int read_cell_size(TextScanner& text) {
   return size;
 }
 
-void read_cells(const std::string& name, CaseMesh& mesh, Findings& findings) {
+/// Answers the number of cells, as far as it is known.
+int read_cells(const std::string& name, int n_nodes, CaseMesh& mesh, Findings& findings) {
   CheckedFile file(name, "mesh/cells", findings);
-  const int limit = mesh.has_nodes ? mesh.n_nodes() : no_limit;
   const int count = take_count(file, "number of records", 2);
-  mesh.first_node.reserve(static_cast<std::size_t>(count) + 1);
+  if (file.is_open()) mesh.first_node.reserve(static_cast<std::size_t>(count) + 1);
   for (int i = 0; i < count && file.is_open(); ++i) {
     file.begin_record("cell", i, count);
     const int size = file.take_or_give_up(0, read_cell_size);
     for (int k = 0; k < size && file.is_open(); ++k) {
       mesh.cell_nodes.push_back(
-          file.take(0, [&](TextScanner& text) { return text.read_index("node", limit); }));
+          file.take(0, [&](TextScanner& text) { return text.read_index("node", n_nodes); }));
     }
     mesh.first_node.push_back(mesh.cell_nodes.size());
   }
   mesh.has_cells = file.is_well();
+  return count;
 }
 
 /// Which codes the simulator builds an edge from.
@@ -108,17 +112,17 @@ class CodeCheck {
 
 class EdgesReader {
  public:
-  EdgesReader(const DataFile& data, CaseMesh& mesh, Findings& findings)
+  EdgesReader(const DataFile& data, int n_nodes, int n_cells, CaseMesh& mesh, Findings& findings)
       : codes_(data),
         mesh_(mesh),
         findings_(findings),
         file_(*data.edges, "mesh/edges", findings),
-        node_limit_(mesh.has_nodes ? mesh.n_nodes() : no_limit),
-        cell_limit_(mesh.has_cells ? mesh.n_cells() : no_limit) {}
+        n_nodes_(n_nodes),
+        n_cells_(n_cells) {}
 
   void read(const DataFile& data) {
     const int count = take_count(file_, "number of records", 5);
-    mesh_.edges.reserve(static_cast<std::size_t>(count));
+    if (file_.is_open()) mesh_.edges.reserve(static_cast<std::size_t>(count));
     bool has_interior = false;
     for (int i = 0; i < count && file_.is_open(); ++i) {
       file_.begin_record("edge", i, count);
@@ -139,9 +143,9 @@ class EdgesReader {
   int right_cell() {
     return file_.take(-1, [&](TextScanner& text) {
       const int right = text.read_integer("right cell");
-      if (right >= cell_limit_) {
-        text.refuse("right cell", "an index from 0 to " + std::to_string(cell_limit_ - 1) +
-                                      ", or -1 on a boundary");
+      if (right >= n_cells_) {
+        text.refuse("right cell",
+                    "an index from 0 to " + std::to_string(n_cells_ - 1) + ", or -1 on a boundary");
       }
       return right;
     });
@@ -156,10 +160,10 @@ class EdgesReader {
     CaseEdge edge{};
     edge.series = -1;
     const int refusals_before = file_.refusals();
-    edge.left = index("left cell", cell_limit_);
+    edge.left = index("left cell", n_cells_);
     edge.right = right_cell();
-    edge.node1 = index("node 1", node_limit_);
-    edge.node2 = index("node 2", node_limit_);
+    edge.node1 = index("node 1", n_nodes_);
+    edge.node2 = index("node 2", n_nodes_);
     edge.code = file_.take_or_give_up(
         edge_code::wall, [](TextScanner& text) { return text.read_integer("boundary code"); });
     if (file_.refusals() == refusals_before) {
@@ -179,8 +183,8 @@ class EdgesReader {
   CaseMesh& mesh_;
   Findings& findings_;
   CheckedFile file_;
-  int node_limit_;
-  int cell_limit_;
+  int n_nodes_;
+  int n_cells_;
   std::map<std::string, int> series_;
 };
 
@@ -207,9 +211,9 @@ std::vector<const MeshNode*> CaseMesh::corners(int cell) const {
 CaseMesh read_mesh(const DataFile& data, Findings& findings) {
   CaseMesh mesh;
   mesh.first_node.push_back(0);
-  if (data.nodes) read_nodes(*data.nodes, mesh, findings);
-  if (data.cells) read_cells(*data.cells, mesh, findings);
-  if (data.edges) EdgesReader(data, mesh, findings).read(data);
+  const int n_nodes = data.nodes ? read_nodes(*data.nodes, mesh, findings) : unknown;
+  const int n_cells = data.cells ? read_cells(*data.cells, n_nodes, mesh, findings) : unknown;
+  if (data.edges) EdgesReader(data, n_nodes, n_cells, mesh, findings).read(data);
   return mesh;
 }
 

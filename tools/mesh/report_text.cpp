@@ -18,7 +18,8 @@ void write_findings(std::ostream& out, const Findings& findings) {
   out << (errors > 0 ? "The simulator refuses this case: " : "The simulator accepts this case: ")
       << counted(errors, "error") << ", " << counted(warnings, "warning") << ".\n";
   for (const Finding& finding : findings.in_order()) {
-    out << (finding.severity == Severity::error ? "Error: " : "Warning: ") << finding.text << ".\n";
+    out << (finding.severity == Severity::error ? "Error: " : "Warning: ") << finding.text
+        << (finding.text.back() == '?' ? "\n" : ".\n");
   }
 }
 

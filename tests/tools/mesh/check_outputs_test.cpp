@@ -1,0 +1,88 @@
+#include "tools/mesh/CheckTest.hpp"
+
+namespace {
+
+class CheckOutputs : public CheckTest {};
+
+TEST_F(CheckOutputs, NamesTheGaugeInNoCellAndTheNearestOne) {
+  c.add_gauges({{1.6, 1.3}, {4.5, 1.4}}, 0.5);
+  expect_warning("gauge in no cell",
+                 {"gauge 1 at (4.5, 1.4) lies in no cell", "nearest, cell 14, is 0.8"});
+}
+
+TEST_F(CheckOutputs, NamesTheGaugeOnAnEdge) {
+  c.add_gauges({{1.5, 1.5}}, 0.5);
+  expect_warning("gauge in no cell", {"gauge 0 at (1.5, 1.5)", "on an edge"});
+}
+
+TEST_F(CheckOutputs, RefusesAGaugeResultThatCannotBeCreated) {
+  c.add_gauges({{1.6, 1.3}}, 0.5, "nowhere/gauges.txt");
+  expect_error("output", {"out/nowhere/gauges.txt can't be created"});
+  c.set_times(1.0, 1.0);  // a run without a step writes none
+  check();
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(CheckOutputs, RefusesMalformedGauges) {
+  c.add_gauges({{1.6, 1.3}}, 0.5);
+  c.files["gauges_in.txt"] = "1 gauges.txt 0.5\n1.6 here 0\n";
+  expect_error("malformed value", {"gauges_in.txt, line 2, gauge 0", "y: found \"here\""});
+}
+
+TEST_F(CheckOutputs, RefusesASectionOfUnknownEdges) {
+  c.add_sections({{43}}, 0.5);
+  expect_error("malformed value", {"sections_in.txt", "section 0", "found \"43\""});
+}
+
+TEST_F(CheckOutputs, NamesTheSectionWhoseNormalsDiffer) {
+  std::vector<int> section = c.edges_across(2);
+  c.add_sections({section}, 0.5);
+  expect_clean();
+  // The edge in the middle turned round, with its cells.
+  const std::string record =
+      support::lines(c.edges_text())[static_cast<std::size_t>(section[1]) + 1];
+  const std::vector<std::string> words = support::split(record, ' ');
+  c.files["edges.txt"] =
+      with_record(c.edges_text(), section[1],
+                  words[1] + " " + words[0] + " " + words[3] + " " + words[2] + " -1");
+  expect_warning("section", {"section 0", "different sides"});
+}
+
+TEST_F(CheckOutputs, WarnsOfASectionResultThatCannotBeCreated) {
+  c.add_sections({{0}}, 0.5, "nowhere/sections.txt");
+  expect_warning("output", {"nowhere/sections.txt can't be created"});
+}
+
+TEST_F(CheckOutputs, NamesSnapshotsThatAreLate) {
+  c.add_snapshots({0.5, 0.25});
+  expect_warning("snapshot", {"snapshot 1 at 0.25 s", "late"});
+}
+
+TEST_F(CheckOutputs, NamesSnapshotsThatTheRunDoesNotReach) {
+  c.add_snapshots({0.0, 1.0});
+  expect_warning("snapshot", {"snapshot 1 at 1 s is not written", "ends at 1 s"});
+}
+
+TEST_F(CheckOutputs, NamesSnapshotsBeforeTheRun) {
+  c.set_times(1.0, 2.0);
+  c.add_snapshots({0.5, 1.5});
+  expect_warning("snapshot", {"snapshot 0 at 0.5 s lies before the run"});
+}
+
+TEST_F(CheckOutputs, RefusesMalformedSnapshots) {
+  c.add_snapshots({0.5});
+  c.files["snapshots_in.txt"] = "";
+  expect_error("malformed value", {"snapshots_in.txt", "number of snapshots"});
+}
+
+TEST_F(CheckOutputs, WarnsOfAMissingFolder) {
+  c.data["output"]["folder"] = "results/";
+  expect_warning("output", {"the output folder results does not exist"});
+}
+
+TEST_F(CheckOutputs, WarnsOfAFolderThatIsTakenForABeginningOfNames) {
+  c.data["output"]["folder"] = "out";
+  expect_warning("output", {"\"out\"", "does not end with /"});
+}
+
+}  // namespace
