@@ -4,12 +4,14 @@
 #include <set>
 
 #include "mesh/checked_file.hpp"
+#include "mesh/known_keys.hpp"
 #include "mesh/numbers.hpp"
 
 namespace tools {
 
 namespace {
 
+namespace key = utils::key;
 using utils::TextScanner;
 using Column = std::vector<double>;
 
@@ -63,27 +65,27 @@ std::size_t number_of_parameters(const std::string& type) { return type == "Gree
 
 CaseFields read_fields(const DataFile& data, int n_cells, Findings& findings) {
   CaseFields fields;
-  const std::string conditions = "model/conditions/";
-  read_columns(data.fixed_bed_level, conditions + "fixed bed level", n_cells,
+  read_columns(data.fixed_bed_level, path_of(section::conditions, key::fixed_bed_level), n_cells,
                {{"bed level", &fields.bed_rock}}, findings);
-  read_columns(data.sediments_level, conditions + "initial sediments level", n_cells,
+  read_columns(data.sediments_level, path_of(section::conditions, key::sediments_level), n_cells,
                {{"sediment thickness", &fields.sediment}}, findings);
-  read_columns(data.friction, conditions + "friction", n_cells,
+  read_columns(data.friction, path_of(section::conditions, key::friction), n_cells,
                {{"Manning coefficient", &fields.friction}}, findings);
-  read_columns(data.initial_conditions, conditions + "initial conditions", n_cells,
+  read_columns(data.initial_conditions, path_of(section::conditions, key::initial_conditions),
+               n_cells,
                {{"free-surface level", &fields.level},
                 {"unit discharge qx", &fields.qx},
                 {"unit discharge qy", &fields.qy}},
                findings);
-  read_columns(data.initial_infiltration, "model/sources/initial infiltration", n_cells,
-               {{"infiltrated depth", &fields.infiltrated}}, findings);
+  read_columns(data.initial_infiltration, path_of(section::sources, key::initial_infiltration),
+               n_cells, {{"infiltrated depth", &fields.infiltrated}}, findings);
   return fields;
 }
 
 std::vector<Hyetogram> read_rain(const DataFile& data, int n_cells, Findings& findings) {
   std::vector<Hyetogram> rain;
   if (!data.rainfall) return rain;
-  CheckedFile file(*data.rainfall, "model/sources/rainfall", findings);
+  CheckedFile file(*data.rainfall, path_of(section::sources, key::rainfall), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of hyetograms", 3); });
   std::set<int> ids;
@@ -107,8 +109,8 @@ std::vector<Hyetogram> read_rain(const DataFile& data, int n_cells, Findings& fi
   }
   if (!file.is_well()) rain.clear();
   if (data.hyetocells) {
-    check_ids(*data.hyetocells, "model/sources/hyetocells", file.is_well() ? n_cells : -1, ids,
-              "hyetogram", findings);
+    check_ids(*data.hyetocells, path_of(section::sources, key::hyetocells),
+              file.is_well() ? n_cells : -1, ids, "hyetogram", findings);
   }
   return rain;
 }
@@ -116,7 +118,7 @@ std::vector<Hyetogram> read_rain(const DataFile& data, int n_cells, Findings& fi
 std::vector<Soil> read_soils(const DataFile& data, int n_cells, Findings& findings) {
   std::vector<Soil> soils;
   if (!data.infiltration) return soils;
-  CheckedFile file(*data.infiltration, "model/sources/infiltration", findings);
+  CheckedFile file(*data.infiltration, path_of(section::sources, key::infiltration), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of soil classes", 2); });
   std::set<int> ids;
@@ -140,8 +142,8 @@ std::vector<Soil> read_soils(const DataFile& data, int n_cells, Findings& findin
   }
   if (!file.is_well()) soils.clear();
   if (data.infiltracells) {
-    check_ids(*data.infiltracells, "model/sources/infiltracells", file.is_well() ? n_cells : -1,
-              ids, "soil", findings);
+    check_ids(*data.infiltracells, path_of(section::sources, key::infiltracells),
+              file.is_well() ? n_cells : -1, ids, "soil", findings);
   }
   return soils;
 }

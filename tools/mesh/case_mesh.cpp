@@ -5,6 +5,7 @@
 
 #include "globals/edge_codes.hpp"
 #include "mesh/checked_file.hpp"
+#include "mesh/known_keys.hpp"
 
 namespace tools {
 
@@ -22,7 +23,7 @@ int take_count(CheckedFile& file, const char* field, std::size_t tokens_per_reco
 
 /// Answers the number of nodes, as far as it is known.
 int read_nodes(const std::string& name, CaseMesh& mesh, Findings& findings) {
-  CheckedFile file(name, "mesh/nodes", findings);
+  CheckedFile file(name, path_of(section::mesh, utils::key::nodes), findings);
   const int count = take_count(file, "number of records", 3);
   if (file.is_open()) mesh.nodes.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count && file.is_open(); ++i) {
@@ -44,7 +45,7 @@ int read_cell_size(TextScanner& text) {
 
 /// Answers the number of cells, as far as it is known.
 int read_cells(const std::string& name, int n_nodes, CaseMesh& mesh, Findings& findings) {
-  CheckedFile file(name, "mesh/cells", findings);
+  CheckedFile file(name, path_of(section::mesh, utils::key::cells), findings);
   const int count = take_count(file, "number of records", 2);
   if (file.is_open()) mesh.first_node.reserve(static_cast<std::size_t>(count) + 1);
   for (int i = 0; i < count && file.is_open(); ++i) {
@@ -116,7 +117,7 @@ class EdgesReader {
       : codes_(data),
         mesh_(mesh),
         findings_(findings),
-        file_(*data.edges, "mesh/edges", findings),
+        file_(*data.edges, path_of(section::mesh, utils::key::edges), findings),
         n_nodes_(n_nodes),
         n_cells_(n_cells) {}
 

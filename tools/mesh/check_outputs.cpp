@@ -8,6 +8,7 @@
 
 #include "domain/PointLocator.hpp"
 #include "mesh/checked_file.hpp"
+#include "mesh/known_keys.hpp"
 #include "mesh/numbers.hpp"
 
 namespace tools {
@@ -15,6 +16,7 @@ namespace tools {
 namespace {
 
 namespace fs = std::filesystem;
+namespace key = utils::key;
 using utils::TextScanner;
 
 struct Point {
@@ -85,7 +87,7 @@ bool is_consistent(const CaseMesh& mesh, const std::vector<int>& section) {
 void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
                   Findings& findings) {
   if (!data.gauges) return;
-  CheckedFile file(*data.gauges, "output/gauges", findings);
+  CheckedFile file(*data.gauges, path_of(section::output, key::gauges), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of gauges", 3); });
   const std::string result = file.take(
@@ -118,7 +120,7 @@ void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<
 void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings) {
   if (!data.discharges) return;
   const int limit = mesh.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
-  CheckedFile file(*data.discharges, "output/discharges", findings);
+  CheckedFile file(*data.discharges, path_of(section::output, key::discharges), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of sections", 1); });
   file.number("recording interval");
@@ -140,7 +142,7 @@ void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findin
 
 void check_snapshots(const DataFile& data, Findings& findings) {
   if (!data.pictures) return;
-  CheckedFile file(*data.pictures, "output/snapshots of flow", findings);
+  CheckedFile file(*data.pictures, path_of(section::output, key::pictures), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of snapshots", 1); });
   double before = -std::numeric_limits<double>::infinity();

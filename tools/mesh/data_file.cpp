@@ -5,9 +5,6 @@
 
 #include "mesh/known_keys.hpp"
 #include "mesh/numbers.hpp"
-#include "utils/DataFileReader.hpp"
-#include "utils/data_file_keys.hpp"
-#include "utils/stop.hpp"
 
 namespace tools {
 
@@ -40,7 +37,7 @@ std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 class KeyCheck {
  public:
   KeyCheck(const json& document, Findings& findings) : document_(document), findings_(findings) {
-    const json* const name = value_at(document, std::string(key::model) + "/" + key::model_name);
+    const json* const name = value_at(document, path_of(section::model, key::model_name));
     has_sediments_ = name != nullptr && *name == sediment_model;
   }
 
@@ -143,7 +140,7 @@ class KeyCheck {
       for (const KnownKey& known : known_keys()) {
         if (known.section == section && known.name == name) found = &known;
       }
-      const std::string path = section.empty() ? name : section + "/" + name;
+      const std::string path = path_of(section, name);
       if (found == nullptr) {
         const std::string suggestion = suggestion_for(section, name);
         findings_.warning("unknown key", quoted(path) + " is unknown, and ignored" +
@@ -160,12 +157,6 @@ class KeyCheck {
 };
 
 DataFile values_of(const KeyCheck& keys) {
-  const std::string mesh = key::mesh;
-  const std::string model = key::model;
-  const std::string conditions = model + "/" + key::conditions;
-  const std::string parameters = model + "/" + key::parameters;
-  const std::string sources = model + "/" + key::sources;
-  const std::string output = key::output;
   constexpr double default_zero_depth = 0.0001;
 
   DataFile data;
@@ -173,29 +164,30 @@ DataFile values_of(const KeyCheck& keys) {
   data.t0 = keys.value<double>("", key::start_time);
   data.tend = keys.value<double>("", key::end_time);
   data.cfl = keys.value<double>("", key::cfl);
-  data.nodes = keys.value<std::string>(mesh, key::nodes);
-  data.cells = keys.value<std::string>(mesh, key::cells);
-  data.edges = keys.value<std::string>(mesh, key::edges);
-  data.model = keys.value<std::string>(model, key::model_name);
-  data.flux_scheme = keys.value<std::string>(model, key::flux_scheme);
-  data.zero_depth = keys.value<double>(model, key::zero_depth).value_or(default_zero_depth);
-  data.initial_conditions = keys.value<std::string>(conditions, key::initial_conditions);
-  data.fixed_bed_level = keys.value<std::string>(conditions, key::fixed_bed_level);
-  data.friction = keys.value<std::string>(conditions, key::friction);
-  data.sediments_level = keys.value<std::string>(conditions, key::sediments_level);
-  data.mean_grain = keys.value<double>(parameters, key::mean_grain);
-  data.density = keys.value<double>(parameters, key::density);
-  data.porosity = keys.value<double>(parameters, key::porosity);
-  data.rainfall = keys.value<std::string>(sources, key::rainfall);
-  data.hyetocells = keys.value<std::string>(sources, key::hyetocells);
-  data.infiltration = keys.value<std::string>(sources, key::infiltration);
-  data.infiltracells = keys.value<std::string>(sources, key::infiltracells);
-  data.initial_infiltration = keys.value<std::string>(sources, key::initial_infiltration);
-  data.folder = keys.value<std::string>(output, key::folder);
-  data.dt_enveloppe = keys.value<double>(output, key::dt_enveloppe);
-  data.pictures = keys.value<std::string>(output, key::pictures);
-  data.gauges = keys.value<std::string>(output, key::gauges);
-  data.discharges = keys.value<std::string>(output, key::discharges);
+  data.nodes = keys.value<std::string>(section::mesh, key::nodes);
+  data.cells = keys.value<std::string>(section::mesh, key::cells);
+  data.edges = keys.value<std::string>(section::mesh, key::edges);
+  data.model = keys.value<std::string>(section::model, key::model_name);
+  data.flux_scheme = keys.value<std::string>(section::model, key::flux_scheme);
+  data.zero_depth =
+      keys.value<double>(section::model, key::zero_depth).value_or(default_zero_depth);
+  data.initial_conditions = keys.value<std::string>(section::conditions, key::initial_conditions);
+  data.fixed_bed_level = keys.value<std::string>(section::conditions, key::fixed_bed_level);
+  data.friction = keys.value<std::string>(section::conditions, key::friction);
+  data.sediments_level = keys.value<std::string>(section::conditions, key::sediments_level);
+  data.mean_grain = keys.value<double>(section::parameters, key::mean_grain);
+  data.density = keys.value<double>(section::parameters, key::density);
+  data.porosity = keys.value<double>(section::parameters, key::porosity);
+  data.rainfall = keys.value<std::string>(section::sources, key::rainfall);
+  data.hyetocells = keys.value<std::string>(section::sources, key::hyetocells);
+  data.infiltration = keys.value<std::string>(section::sources, key::infiltration);
+  data.infiltracells = keys.value<std::string>(section::sources, key::infiltracells);
+  data.initial_infiltration = keys.value<std::string>(section::sources, key::initial_infiltration);
+  data.folder = keys.value<std::string>(section::output, key::folder);
+  data.dt_enveloppe = keys.value<double>(section::output, key::dt_enveloppe);
+  data.pictures = keys.value<std::string>(section::output, key::pictures);
+  data.gauges = keys.value<std::string>(section::output, key::gauges);
+  data.discharges = keys.value<std::string>(section::output, key::discharges);
   return data;
 }
 

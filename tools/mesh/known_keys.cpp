@@ -4,8 +4,6 @@
 #include <cctype>
 #include <numeric>
 
-#include "utils/data_file_keys.hpp"
-
 namespace tools {
 
 namespace {
@@ -35,48 +33,42 @@ std::size_t edit_distance(const std::string& a, const std::string& b) {
 }
 
 std::vector<KnownKey> make_known_keys() {
-  const std::string mesh = key::mesh;
-  const std::string model = key::model;
-  const std::string conditions = model + "/" + key::conditions;
-  const std::string parameters = model + "/" + key::parameters;
-  const std::string sources = model + "/" + key::sources;
-  const std::string output = key::output;
   return {
       {"", key::simulation_name, KeyType::text, Use::always},
       {"", key::start_time, KeyType::number, Use::always},
       {"", key::end_time, KeyType::number, Use::always},
       {"", key::cfl, KeyType::number, Use::always},
       {"", key::extensions, KeyType::section, Use::optional},
-      {"", mesh, KeyType::section, Use::always},
-      {mesh, key::nodes, KeyType::text, Use::always},
-      {mesh, key::cells, KeyType::text, Use::always},
-      {mesh, key::edges, KeyType::text, Use::always},
-      {"", model, KeyType::section, Use::always},
-      {model, key::model_name, KeyType::text, Use::always},
-      {model, key::flux_scheme, KeyType::text, Use::always},
-      {model, key::zero_depth, KeyType::number, Use::optional},
-      {model, key::conditions, KeyType::section, Use::always},
-      {conditions, key::initial_conditions, KeyType::text, Use::always},
-      {conditions, key::fixed_bed_level, KeyType::text, Use::optional},
-      {conditions, key::friction, KeyType::text, Use::optional},
-      {conditions, key::sediments_level, KeyType::text, Use::sediments},
-      {model, key::parameters, KeyType::section, Use::sediments},
-      {parameters, key::mean_grain, KeyType::number, Use::sediments},
-      {parameters, key::density, KeyType::number, Use::sediments},
-      {parameters, key::sediments_friction, KeyType::number, Use::sediments},
-      {parameters, key::porosity, KeyType::number, Use::sediments},
-      {model, key::sources, KeyType::section, Use::always},
-      {sources, key::rainfall, KeyType::text, Use::optional},
-      {sources, key::hyetocells, KeyType::text, Use::with_other, key::rainfall},
-      {sources, key::infiltration, KeyType::text, Use::optional},
-      {sources, key::infiltracells, KeyType::text, Use::with_other, key::infiltration},
-      {sources, key::initial_infiltration, KeyType::text, Use::optional},
-      {"", output, KeyType::section, Use::always},
-      {output, key::folder, KeyType::text, Use::always},
-      {output, key::dt_enveloppe, KeyType::number, Use::always},
-      {output, key::pictures, KeyType::text, Use::optional},
-      {output, key::gauges, KeyType::text, Use::optional},
-      {output, key::discharges, KeyType::text, Use::optional},
+      {"", key::mesh, KeyType::section, Use::always},
+      {section::mesh, key::nodes, KeyType::text, Use::always},
+      {section::mesh, key::cells, KeyType::text, Use::always},
+      {section::mesh, key::edges, KeyType::text, Use::always},
+      {"", key::model, KeyType::section, Use::always},
+      {section::model, key::model_name, KeyType::text, Use::always},
+      {section::model, key::flux_scheme, KeyType::text, Use::always},
+      {section::model, key::zero_depth, KeyType::number, Use::optional},
+      {section::model, key::conditions, KeyType::section, Use::always},
+      {section::conditions, key::initial_conditions, KeyType::text, Use::always},
+      {section::conditions, key::fixed_bed_level, KeyType::text, Use::optional},
+      {section::conditions, key::friction, KeyType::text, Use::optional},
+      {section::conditions, key::sediments_level, KeyType::text, Use::sediments},
+      {section::model, key::parameters, KeyType::section, Use::sediments},
+      {section::parameters, key::mean_grain, KeyType::number, Use::sediments},
+      {section::parameters, key::density, KeyType::number, Use::sediments},
+      {section::parameters, key::sediments_friction, KeyType::number, Use::sediments},
+      {section::parameters, key::porosity, KeyType::number, Use::sediments},
+      {section::model, key::sources, KeyType::section, Use::always},
+      {section::sources, key::rainfall, KeyType::text, Use::optional},
+      {section::sources, key::hyetocells, KeyType::text, Use::with_other, key::rainfall},
+      {section::sources, key::infiltration, KeyType::text, Use::optional},
+      {section::sources, key::infiltracells, KeyType::text, Use::with_other, key::infiltration},
+      {section::sources, key::initial_infiltration, KeyType::text, Use::optional},
+      {"", key::output, KeyType::section, Use::always},
+      {section::output, key::folder, KeyType::text, Use::always},
+      {section::output, key::dt_enveloppe, KeyType::number, Use::always},
+      {section::output, key::pictures, KeyType::text, Use::optional},
+      {section::output, key::gauges, KeyType::text, Use::optional},
+      {section::output, key::discharges, KeyType::text, Use::optional},
   };
 }
 

@@ -4,7 +4,24 @@
 #include <string>
 #include <vector>
 
+#include "utils/data_file_keys.hpp"
+
 namespace tools {
+
+/// Paths of the sections of the data file.
+namespace section {
+inline const std::string mesh = utils::key::mesh;
+inline const std::string model = utils::key::model;
+inline const std::string conditions = model + "/" + utils::key::conditions;
+inline const std::string parameters = model + "/" + utils::key::parameters;
+inline const std::string sources = model + "/" + utils::key::sources;
+inline const std::string output = utils::key::output;
+}  // namespace section
+
+/// The path of a key, as messages name it.
+inline std::string path_of(const std::string& section, const std::string& name) {
+  return section.empty() ? name : section + "/" + name;
+}
 
 enum class KeyType { text, number, section };
 
@@ -19,7 +36,7 @@ struct KnownKey {
   Use use;
   std::string other = {};  ///< the other key, for `with_other`
 
-  std::string path() const { return section.empty() ? name : section + "/" + name; }
+  std::string path() const { return path_of(section, name); }
 };
 
 /// Every key, a section before what it holds.

@@ -100,8 +100,6 @@ Measurement measure(const std::string& data_file) {
 
 /// The process of the trial. Its exit status is 0 after a measurement.
 [[noreturn]] void run_child(const TemporaryFolder& folder, int result_pipe) {
-  constexpr unsigned longest = 600;  // s
-  alarm(longest);
   const int nothing = open("/dev/null", O_WRONLY);
   const int messages = open(folder.file("messages.txt").c_str(), O_WRONLY | O_CREAT, 0600);
   dup2(nothing, STDOUT_FILENO);

@@ -57,6 +57,18 @@ class CheckTest : public testing::Test {
     EXPECT_TRUE(report["errors"].empty() && report["warnings"].empty()) << report.dump(2);
   }
 
+  /// Turns the case into one with a layer of sediment (m) in every cell, and friction.
+  void use_sediments(double thickness) {
+    c.data["model"]["name"] = "Bramsett";
+    c.data["model"]["parameters"] = {{"sediments mean grain diameter", 0.001},
+                                     {"sediments density", 2.65},
+                                     {"sediments friction coefficient", 0.03},
+                                     {"sediments porosity", 0.4}};
+    c.data["model"]["conditions"]["initial sediments level"] = "sediment.txt";
+    c.files["sediment.txt"] = c.per_cell(support::exact(thickness));
+    c.add_friction(c.per_cell("0.03"));
+  }
+
   /// A file of records under their count, with one record changed.
   static std::string with_record(const std::string& text, int index, const std::string& record) {
     std::vector<std::string> lines = support::lines(text);

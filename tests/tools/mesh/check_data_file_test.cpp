@@ -5,17 +5,11 @@ namespace {
 class CheckDataFile : public CheckTest {
  protected:
   /// A case that uses every key of the model with sediments.
-  void use_sediments() {
+  void use_all_keys() {
     c = support::full_case();
     c.west = "-3 -0.1";
     c.north = "-5";
-    c.data["model"]["name"] = "Bramsett";
-    c.data["model"]["parameters"] = {{"sediments mean grain diameter", 0.001},
-                                     {"sediments density", 2.65},
-                                     {"sediments friction coefficient", 0.03},
-                                     {"sediments porosity", 0.4}};
-    c.data["model"]["conditions"]["initial sediments level"] = "sediment.txt";
-    c.files["sediment.txt"] = c.per_cell("0.1");
+    use_sediments(0.1);
   }
 };
 
@@ -32,7 +26,7 @@ std::vector<std::string> pointers_in(const nlohmann::json& document) {
 }
 
 TEST_F(CheckDataFile, RefusesTheAbsenceOfExactlyTheKeysThatTheSimulatorNeeds) {
-  use_sediments();
+  use_all_keys();
   const support::Case whole = c;
   int refused = 0;
   for (const std::string& pointer : pointers_in(whole.data)) {
@@ -51,7 +45,7 @@ TEST_F(CheckDataFile, RefusesTheAbsenceOfExactlyTheKeysThatTheSimulatorNeeds) {
 }
 
 TEST_F(CheckDataFile, RefusesExactlyTheTypesThatTheSimulatorRefuses) {
-  use_sediments();
+  use_all_keys();
   const support::Case whole = c;
   for (const std::string& pointer : pointers_in(whole.data)) {
     SCOPED_TRACE(pointer);

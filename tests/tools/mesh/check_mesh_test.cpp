@@ -81,13 +81,7 @@ TEST_F(CheckMesh, RefusesAnUnknownBoundaryCode) {
 TEST_F(CheckMesh, RefusesASeriesWithSediments) {
   c.west = "-33 series.txt";
   c.files["series.txt"] = "2\n0 -1\n10 -1\n";
-  c.data["model"]["name"] = "Bramsett";
-  c.data["model"]["parameters"] = {{"sediments mean grain diameter", 0.001},
-                                   {"sediments density", 2.65},
-                                   {"sediments friction coefficient", 0.03},
-                                   {"sediments porosity", 0.4}};
-  c.data["model"]["conditions"]["initial sediments level"] = "sediment.txt";
-  c.files["sediment.txt"] = c.per_cell("0");
+  use_sediments(0.0);
   check();
   EXPECT_EQ(texts("errors", "malformed value").size(), 3U);
 }

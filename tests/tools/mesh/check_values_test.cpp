@@ -4,16 +4,6 @@ namespace {
 
 class CheckValues : public CheckTest {
  protected:
-  void use_sediments(double thickness) {
-    c.data["model"]["name"] = "Bramsett";
-    c.data["model"]["parameters"] = {{"sediments mean grain diameter", 0.001},
-                                     {"sediments density", 2.65},
-                                     {"sediments friction coefficient", 0.03},
-                                     {"sediments porosity", 0.4}};
-    c.data["model"]["conditions"]["initial sediments level"] = "sediment.txt";
-    c.files["sediment.txt"] = c.per_cell(support::exact(thickness));
-    c.add_friction(c.per_cell("0.03"));
-  }
   json& parameter(const std::string& name) { return c.data["model"]["parameters"][name]; }
 };
 
