@@ -1,0 +1,163 @@
+#include "mesh/check/boundaries.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <tuple>
+
+#include "globals/edge_codes.hpp"
+#include "mesh/check/checked_file.hpp"
+#include "mesh/check/numbers.hpp"
+#include "utils/stop.hpp"
+
+namespace tools::check {
+
+namespace {
+
+std::string kind_of(int code) {
+  switch (code) {
+    case edge_code::transmissive:
+      return "transmissive";
+    case edge_code::discharge:
+      return "discharge";
+    case edge_code::water_level:
+      return "level";
+    case edge_code::wall:
+      return "wall";
+    case edge_code::hydrograph:
+      return "hydrograph";
+    case edge_code::limnigraph:
+      return "limnigraph";
+    default:
+      return std::to_string(code);
+  }
+}
+
+/// The series of a file; null, and a finding, if it can't be read.
+std::shared_ptr<const TimeSeries> read_series(const std::string& file, Findings& findings) {
+  try {
+    return std::make_shared<const TimeSeries>(file);
+  } catch (const utils::FatalError& error) {
+    findings.error("series", "series of a boundary: " + finding_text(error.what()));
+    return nullptr;
+  }
+}
+
+double value_at_start(const TimeSeries& series, double t0) {
+  int interval = 0;
+  while (interval < series.last_interval() && t0 >= series.interval_end(interval)) ++interval;
+  return series.value_at(t0, interval);
+}
+
+/// The highest level, or the discharge of largest size, that the run can meet.
+double extreme_value(const Boundary& boundary) {
+  if (!boundary.values) return boundary.first_value;
+  const auto& values = boundary.values->values;
+  return *std::max_element(values.begin(), values.end(), [&](double a, double b) {
+    return boundary.is_level() ? a < b : std::fabs(a) < std::fabs(b);
+  });
+}
+
+std::string name_of(const Boundary& boundary) {
+  const std::string what = boundary.series.empty() ? number(boundary.first_value) : boundary.series;
+  return "the " + boundary.kind + " " + what + " (" + counted(boundary.edges, "edge") + ")";
+}
+
+void check_coverage(const DataFile& data, const Boundary& boundary, Findings& findings) {
+  const std::vector<double>& times = boundary.values->times;
+  if (!data.has_steps()) return;
+  if (times.front() > *data.t0) {
+    findings.warning("series coverage", boundary.series + " begins at " + number(times.front()) +
+                                            " s, after the run (" + number(*data.t0) +
+                                            " s): its first interval is extrapolated backwards");
+  }
+  if (times.back() < *data.tend) {
+    findings.warning("series coverage", boundary.series + " ends at " + number(times.back()) +
+                                            " s, before the run (" + number(*data.tend) +
+                                            " s): its last value holds from then on");
+  }
+}
+
+void check_plausible(const DataFile& data, const Boundary& boundary, Findings& findings) {
+  constexpr double largest_unit_discharge = 100.0;  // m2/s
+  constexpr double largest_depth = 100.0;           // m
+  const double value = extreme_value(boundary);
+  if (boundary.is_discharge()) {
+    if (std::fabs(value) > largest_unit_discharge) {
+      findings.warning("boundary value",
+                       name_of(boundary) + " reaches " + number(value) +
+                           " m2/s, expected at most 100: was the whole discharge given? it is per "
+                           "metre of boundary");
+    }
+    if (value > 0.0 && !(boundary.deepest_water > data.zero_depth)) {
+      findings.warning("boundary value",
+                       name_of(boundary) + " takes water out of dry cells: an inflow is negative");
+    }
+  }
+  if (boundary.is_level()) {
+    if (value < boundary.lowest_bed) {
+      findings.warning("boundary value",
+                       name_of(boundary) + " stays below the bed of its cells (" +
+                           number(boundary.lowest_bed) +
+                           " m at the lowest): is it a depth? a level is expected");
+    } else if (value - boundary.lowest_bed > largest_depth) {
+      findings.warning("boundary value", name_of(boundary) + " reaches " +
+                                             number(value - boundary.lowest_bed) +
+                                             " m above the bed of its cells, expected at most 100");
+    }
+  }
+}
+
+}  // namespace
+
+bool Boundary::is_discharge() const {
+  return code == edge_code::discharge || code == edge_code::hydrograph;
+}
+
+bool Boundary::is_level() const {
+  return code == edge_code::water_level || code == edge_code::limnigraph;
+}
+
+std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mesh,
+                                       const std::vector<CellValues>& cells, Findings& findings) {
+  using Key = std::tuple<int, int, double>;
+  std::map<Key, Boundary, std::greater<>> table;  // open ends, then walls, then series
+  for (const CaseEdge& edge : mesh.edges) {
+    if (edge_code::is_between_cells(edge.code)) continue;
+    Boundary& boundary = table[{edge.code, edge.series, edge.value}];
+    const CellValues& cell = cells[static_cast<std::size_t>(edge.left)];
+    boundary.code = edge.code;
+    ++boundary.edges;
+    boundary.length += mesh.nodes[static_cast<std::size_t>(edge.node1)].horizontal_distance(
+        mesh.nodes[static_cast<std::size_t>(edge.node2)]);
+    boundary.lowest_bed = std::min(boundary.lowest_bed, cell.bed);
+    boundary.deepest_water = std::max(boundary.deepest_water, cell.depth);
+  }
+
+  std::vector<Boundary> boundaries;
+  for (auto& [key, boundary] : table) {
+    boundary.kind = kind_of(boundary.code);
+    const int series = std::get<1>(key);
+    if (series >= 0) {
+      boundary.series = mesh.series_files[static_cast<std::size_t>(series)];
+      boundary.values = read_series(boundary.series, findings);
+      boundary.has_value = boundary.values && data.t0;
+      if (boundary.has_value) {
+        boundary.first_value = value_at_start(*boundary.values, *data.t0);
+        check_coverage(data, boundary, findings);
+      }
+    } else if (boundary.is_discharge() || boundary.is_level()) {
+      boundary.has_value = true;
+      boundary.first_value = std::get<2>(key);
+    }
+    if (boundary.has_value) check_plausible(data, boundary, findings);
+    boundaries.push_back(boundary);
+  }
+  return boundaries;
+}
+
+void check_series_files(const CaseMesh& mesh, Findings& findings) {
+  for (const std::string& file : mesh.series_files) read_series(file, findings);
+}
+
+}  // namespace tools::check

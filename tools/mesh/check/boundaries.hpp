@@ -1,0 +1,42 @@
+// The boundaries of a case, edge by edge and as a table.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "interfaces/TimeSeries.hpp"
+#include "mesh/check/case_mesh.hpp"
+#include "mesh/check/cell_values.hpp"
+#include "mesh/check/findings.hpp"
+
+namespace tools::check {
+
+/// All edges of one code with one imposed value or series.
+struct Boundary {
+  int code = 0;
+  std::string kind;    ///< "wall", "hydrograph", ...
+  std::string series;  ///< file of its series; empty without one
+  long edges = 0;
+  double length = 0.0;  ///< m
+  bool has_value = false;
+  double first_value = 0.0;                  ///< at the start: m2/s or m
+  std::shared_ptr<const TimeSeries> values;  ///< null without a readable series
+  double lowest_bed = 1e20;                  ///< of its cells, m
+  double deepest_water = 0.0;                ///< of its cells at the start, m
+
+  bool is_discharge() const;
+  bool is_level() const;
+  /// What passes at the start (m3/s, positive outwards), for a discharge.
+  double discharge() const { return first_value * length; }
+};
+
+/// The table of boundaries, and reports of series that can't be read or do not cover the run, and
+/// of implausible values. The mesh must be whole.
+std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mesh,
+                                       const std::vector<CellValues>& cells, Findings& findings);
+
+/// Reads every series that the edges name, for a mesh that is not whole.
+void check_series_files(const CaseMesh& mesh, Findings& findings);
+
+}  // namespace tools::check

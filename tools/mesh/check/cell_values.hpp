@@ -1,0 +1,31 @@
+// Geometry and initial state of every cell, as the simulator sets them up.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "mesh/check/case_fields.hpp"
+#include "mesh/check/case_mesh.hpp"
+#include "model/MeshNode.hpp"
+
+namespace tools::check {
+
+struct CellValues {
+  MeshNode center;
+  double area;         ///< m2
+  double char_length;  ///< 2 area / perimeter, m
+  double bed;          ///< with its sediment, m
+  double depth;        ///< m; 0 where the initial conditions are at fault
+  double velocity;     ///< m/s, 0 in a dry cell
+  double step;         ///< stable time step before the Courant factor, s
+};
+
+/// One entry per cell; the mesh must have its geometry.
+std::vector<CellValues> cell_values(const DataFile& data, const CaseMesh& mesh,
+                                    const CaseFields& fields);
+
+/// First time step of the run (s); empty without a Courant number or initial conditions.
+std::optional<double> first_time_step(const DataFile& data, const CaseFields& fields,
+                                      const std::vector<CellValues>& cells);
+
+}  // namespace tools::check

@@ -1,0 +1,11 @@
+// The command `check`.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace tools::check {
+
+/// Adds `check CASE [--json] [--quick]`.
+void add_check_command(CLI::App& app);
+
+}  // namespace tools::check

@@ -1,0 +1,183 @@
+#include "mesh/check/check_outputs.hpp"
+
+#include <unistd.h>
+
+#include <cmath>
+#include <filesystem>
+#include <limits>
+
+#include "domain/PointLocator.hpp"
+#include "mesh/check/checked_file.hpp"
+#include "mesh/check/known_keys.hpp"
+#include "mesh/check/numbers.hpp"
+
+namespace tools::check {
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace key = utils::key;
+using utils::TextScanner;
+
+struct Point {
+  double x, y;
+};
+
+/// Whether a file can be created, or overwritten.
+bool can_be_written(const std::string& name) {
+  std::error_code ignored;
+  if (fs::is_directory(name, ignored)) return false;
+  if (fs::exists(name, ignored)) return access(name.c_str(), W_OK) == 0;
+  const fs::path folder = fs::path(name).parent_path();
+  return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0;
+}
+
+/// Whether each point lies in a cell.
+std::vector<bool> points_in_cells(const CaseMesh& mesh, const std::vector<Point>& points) {
+  std::vector<bool> found(points.size(), false);
+  for (int c = 0; c < mesh.n_cells(); ++c) {
+    const ComputationalCell cell(c, mesh.corners(c));
+    for (std::size_t i = 0; i < points.size(); ++i) {
+      if (!found[i]) found[i] = cell_contains(cell, points[i].x, points[i].y);
+    }
+  }
+  return found;
+}
+
+std::string nearest_cell(const std::vector<CellValues>& cells, const Point& p) {
+  double nearest = std::numeric_limits<double>::infinity();
+  std::size_t found = 0;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const double distance = std::hypot(cells[i].center.x - p.x, cells[i].center.y - p.y);
+    if (distance >= nearest) continue;
+    nearest = distance;
+    found = i;
+  }
+  return "the centre of the nearest, cell " + std::to_string(found) + ", is " + number(nearest) +
+         " m away";
+}
+
+/// Reads a section; empty if one of its edges is refused.
+std::vector<int> read_section(CheckedFile& file, int edge_limit) {
+  const int before = file.refusals();
+  const int count = file.take_or_give_up(
+      0, [](TextScanner& text) { return text.read_count("number of edges", 1); });
+  std::vector<int> edges;
+  for (int i = 0; i < count && file.is_open(); ++i) {
+    edges.push_back(
+        file.take(0, [&](TextScanner& text) { return text.read_index("edge", edge_limit); }));
+  }
+  if (file.refusals() != before) edges.clear();
+  return edges;
+}
+
+/// Whether the normals of a section's edges, of which neighbours share a node, lie on one side: on
+/// the way along the section all edges are walked in the same direction.
+bool is_consistent(const CaseMesh& mesh, const std::vector<int>& section) {
+  for (std::size_t i = 1; i < section.size(); ++i) {
+    const CaseEdge& a = mesh.edges[static_cast<std::size_t>(section[i - 1])];
+    const CaseEdge& b = mesh.edges[static_cast<std::size_t>(section[i])];
+    if (a.node1 == b.node1 || a.node2 == b.node2) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
+                  Findings& findings) {
+  if (!data.gauges) return;
+  CheckedFile file(*data.gauges, path_of(section::output, key::gauges), findings);
+  const int count = file.take_or_give_up(
+      0, [](TextScanner& text) { return text.read_count("number of gauges", 3); });
+  const std::string result = file.take(
+      std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
+  file.number("recording interval");
+  std::vector<Point> points;
+  for (int i = 0; i < count && file.is_open(); ++i) {
+    file.begin_record("gauge", i, count);
+    const double x = file.number("x");
+    const double y = file.number("y");
+    file.number("z");
+    points.push_back({x, y});
+  }
+  if (!file.is_well()) return;
+  if (data.folder && data.has_steps() && !can_be_written(*data.folder + result)) {
+    findings.error("output", "the gauges' result file " + *data.folder + result +
+                                 " can't be created: the run stops at its first step");
+  }
+  if (cells.empty()) return;
+  const std::vector<bool> found = points_in_cells(mesh, points);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (found[i]) continue;
+    findings.warning("gauge in no cell",
+                     "gauge " + std::to_string(i) + " at " + point(points[i].x, points[i].y) +
+                         " lies in no cell, or on an edge, and records nothing; " +
+                         nearest_cell(cells, points[i]));
+  }
+}
+
+void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings) {
+  if (!data.discharges) return;
+  const int limit = mesh.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
+  CheckedFile file(*data.discharges, path_of(section::output, key::discharges), findings);
+  const int count = file.take_or_give_up(
+      0, [](TextScanner& text) { return text.read_count("number of sections", 1); });
+  file.number("recording interval");
+  const std::string result = file.take(
+      std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
+  for (int s = 0; s < count && file.is_open(); ++s) {
+    file.begin_record("section", s, count);
+    const std::vector<int> section = read_section(file, limit);
+    if (mesh.has_edges && !is_consistent(mesh, section)) {
+      findings.warning("section", "section " + std::to_string(s) +
+                                      " has neighbouring edges whose normals lie on different "
+                                      "sides: their discharges cancel");
+    }
+  }
+  if (file.is_well() && !can_be_written(result)) {
+    findings.warning("output", "the sections' result file " + result + " can't be created");
+  }
+}
+
+void check_snapshots(const DataFile& data, Findings& findings) {
+  if (!data.pictures) return;
+  CheckedFile file(*data.pictures, path_of(section::output, key::pictures), findings);
+  const int count = file.take_or_give_up(
+      0, [](TextScanner& text) { return text.read_count("number of snapshots", 1); });
+  double before = -std::numeric_limits<double>::infinity();
+  for (int i = 0; i < count && file.is_open(); ++i) {
+    file.begin_record("snapshot", i, count);
+    const double time = file.number("time");
+    if (!file.is_well() || !data.has_steps()) continue;
+    const std::string name = "snapshot " + std::to_string(i) + " at " + number(time) + " s ";
+    if (!(time > before)) {
+      findings.warning("snapshot", name + "does not come after the one before: it is late");
+    }
+    if (time >= *data.tend) {
+      findings.warning("snapshot", name + "is not written: the run ends at " + number(*data.tend) +
+                                       " s, before the first step that reaches it");
+    } else if (time < *data.t0) {
+      findings.warning("snapshot", name + "lies before the run (" + number(*data.t0) +
+                                       " s): it shows a later state");
+    }
+    before = time;
+  }
+}
+
+void check_output_folder(const DataFile& data, Findings& findings) {
+  if (!data.folder) return;
+  const fs::path folder = fs::path(*data.folder).parent_path();
+  std::error_code ignored;
+  if (!folder.empty() && !fs::is_directory(folder, ignored)) {
+    findings.warning(
+        "output", "the output folder " + folder.string() + " does not exist: results will be lost");
+  }
+  if (!data.folder->empty() && data.folder->back() != '/') {
+    findings.warning("output", "\"output/folder\" is \"" + *data.folder +
+                                   "\": it does not end with /, so it becomes the beginning of "
+                                   "result names");
+  }
+}
+
+}  // namespace tools::check

@@ -1,0 +1,22 @@
+// Whether the outputs of a case can be recorded.
+#pragma once
+
+#include <vector>
+
+#include "mesh/check/case_mesh.hpp"
+#include "mesh/check/cell_values.hpp"
+#include "mesh/check/findings.hpp"
+
+namespace tools::check {
+
+/// Reads the gauges file and reports gauges in no cell. Without geometry, pass no cells.
+void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
+                  Findings& findings);
+/// Reads the sections file; reports edges that do not exist, and normals on both sides.
+void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings);
+/// Reads the snapshots file; reports times that the run does not reach.
+void check_snapshots(const DataFile& data, Findings& findings);
+/// Reports an output folder that is not there.
+void check_output_folder(const DataFile& data, Findings& findings);
+
+}  // namespace tools::check

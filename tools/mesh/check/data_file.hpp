@@ -1,0 +1,39 @@
+// The data file of a case, checked key by key.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "mesh/check/findings.hpp"
+
+namespace tools::check {
+
+/// What the data file says; a value is empty where its key is absent, not used, or at fault.
+struct DataFile {
+  std::optional<std::string> name;
+  std::optional<double> t0, tend;  ///< s
+  std::optional<double> cfl;
+
+  std::optional<std::string> nodes, cells, edges;
+
+  std::optional<std::string> model, flux_scheme;
+  double zero_depth = 0.0;  ///< m
+  std::optional<std::string> initial_conditions, fixed_bed_level, friction, sediments_level;
+  std::optional<double> mean_grain, density, porosity;
+  std::optional<std::string> rainfall, hyetocells;
+  std::optional<std::string> infiltration, infiltracells, initial_infiltration;
+
+  std::optional<std::string> folder;
+  std::optional<double> dt_enveloppe;  ///< s
+  std::optional<std::string> pictures, gauges, discharges;
+
+  bool has_sediments() const;
+  /// Whether the run advances at all.
+  bool has_steps() const { return t0 && tend && *t0 < *tend; }
+};
+
+/// Reads the data file and reports keys that are missing, unknown or of the wrong type, and values
+/// that no run accepts or that are implausible.
+DataFile read_data_file(const std::string& path, Findings& findings);
+
+}  // namespace tools::check

@@ -1,0 +1,180 @@
+#include "mesh/check/trial_run.hpp"
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "domain/Domain.hpp"
+#include "globals/Globals.hpp"
+#include "support/Tool.hpp"
+#include "utils/data_file_keys.hpp"
+
+namespace tools::check {
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+double seconds_since(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+class TemporaryFolder {
+ public:
+  TemporaryFolder() {
+    std::string name = (fs::temp_directory_path() / "quillmere-mesh-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) throw Error("no temporary folder: " + name);
+    path_ = name;
+  }
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  fs::path path_;
+};
+
+/// What the process of the trial hands back.
+struct Measurement {
+  double setup_seconds, simulated, timed_seconds, memory_bytes;
+  long steps, timed_steps;
+  bool is_complete;
+};
+
+/// The data file of the trial: outputs go nowhere but to the temporary folder. What has the wrong
+/// type stays, for the simulator to refuse.
+std::optional<nlohmann::json> trial_data(const std::string& data_file, const std::string& folder) {
+  namespace key = utils::key;
+  std::ifstream stream(data_file, std::ios::binary);
+  nlohmann::json data = nlohmann::json::parse(stream, nullptr, false);
+  if (!data.is_object()) return {};
+  if (!data.contains(key::output) || !data[key::output].is_object()) return data;
+  nlohmann::json& output = data[key::output];
+  if (output.contains(key::folder) && output[key::folder].is_string()) {
+    output[key::folder] = folder + "/";
+  }
+  for (const char* const name : {key::pictures, key::gauges, key::discharges}) {
+    if (output.contains(name) && output[name].is_string()) output.erase(name);
+  }
+  return data;
+}
+
+Measurement measure(const std::string& data_file) {
+  constexpr double budget = 1.0;  // s
+  constexpr long fewest_steps = 3;
+  const Clock::time_point start = Clock::now();
+  Domain domain(data_file);
+
+  Measurement result{};
+  result.setup_seconds = seconds_since(start);
+  const Clock::time_point first = Clock::now();
+  Clock::time_point second = first;
+  domain.Update([&] {
+    if (domain.number_of_steps() == 1) second = Clock::now();
+    return domain.number_of_steps() < fewest_steps || seconds_since(first) < budget;
+  });
+  result.timed_seconds = seconds_since(second);
+  result.steps = domain.number_of_steps();
+  result.timed_steps = std::max(result.steps - 1, 0L);
+  result.simulated = Globals::t - Globals_Params::tStart;
+  result.is_complete = !(Globals::t < Globals_Params::tEnd);
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  result.memory_bytes = 1024.0 * static_cast<double>(usage.ru_maxrss);
+  return result;
+}
+
+/// The process of the trial. Its exit status is 0 after a measurement.
+[[noreturn]] void run_child(const TemporaryFolder& folder, int result_pipe) {
+  const int nothing = open("/dev/null", O_WRONLY);
+  const int messages = open(folder.file("messages.txt").c_str(), O_WRONLY | O_CREAT, 0600);
+  dup2(nothing, STDOUT_FILENO);
+  dup2(messages, STDERR_FILENO);
+  try {
+    const Measurement result = measure(folder.file("data.json"));
+    const bool is_handed_over = write(result_pipe, &result, sizeof result) == sizeof result;
+    _exit(is_handed_over ? 0 : 1);
+  } catch (const std::exception& error) {
+    std::cerr << error.what() << "\n";
+    _exit(1);
+  }
+}
+
+/// What a trial that was given up said on standard error, without the warnings.
+std::string refusal_in(const std::string& file) {
+  std::ifstream stream(file);
+  std::string text;
+  for (std::string line; std::getline(stream, line);) {
+    if (line.rfind("Warning", 0) == 0) continue;
+    text += (text.empty() ? "" : " ") + line;
+  }
+  return text;
+}
+
+}  // namespace
+
+double TrialRun::expected_steps(double duration) const {
+  if (is_complete) return static_cast<double>(steps);
+  return static_cast<double>(steps) * duration / simulated;
+}
+
+double TrialRun::expected_seconds(double duration) const {
+  return setup_seconds + seconds_per_step() * expected_steps(duration);
+}
+
+std::optional<TrialRun> trial_run(const std::string& data_file) {
+  const TemporaryFolder folder;
+  const auto data = trial_data(data_file, fs::path(folder.file("x")).parent_path().string());
+  if (!data) return {};
+  std::ofstream(folder.file("data.json")) << *data;
+
+  int ends[2];
+  if (pipe(ends) != 0) throw Error("no pipe for the trial run");
+  std::cout << std::flush;
+  const pid_t child = fork();
+  if (child < 0) throw Error("no process for the trial run");
+  if (child == 0) {
+    close(ends[0]);
+    run_child(folder, ends[1]);
+  }
+  close(ends[1]);
+  Measurement result{};
+  const bool is_measured = read(ends[0], &result, sizeof result) == sizeof result;
+  close(ends[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+
+  TrialRun trial;
+  if (!is_measured) {
+    trial.refusal = refusal_in(folder.file("messages.txt"));
+    if (WIFSIGNALED(status)) {
+      trial.refusal += std::string("it ends by a signal: ") + strsignal(WTERMSIG(status));
+    }
+    if (trial.refusal.empty()) trial.refusal = "it ends without a message";
+    return trial;
+  }
+  trial.setup_seconds = result.setup_seconds;
+  trial.steps = result.steps;
+  trial.simulated = result.simulated;
+  trial.timed_steps = result.timed_steps;
+  trial.timed_seconds = result.timed_seconds;
+  trial.memory_bytes = result.memory_bytes;
+  trial.is_complete = result.is_complete;
+  return trial;
+}
+
+}  // namespace tools::check

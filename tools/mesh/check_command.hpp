@@ -1,7 +1,0 @@
-// The command `check`.
-#pragma once
-
-#include <CLI/CLI.hpp>
-
-/// Adds `check CASE [--json] [--quick]`.
-void add_check_command(CLI::App& app);
