@@ -20,7 +20,7 @@ TEXT
 packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
-    tools) echo libcli11-dev ;;
+    tools) echo libcli11-dev libgmsh-dev libgdal-dev ;;
     test) echo libgtest-dev ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;

@@ -1,0 +1,237 @@
+#include "mesh/boundaries.hpp"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <set>
+
+#include "globals/edge_codes.hpp"
+#include "mesh/Scanner.hpp"
+#include "mesh/fields.hpp"
+#include "mesh/numbers.hpp"
+#include "support/Tool.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+enum class Argument { none, value, file };
+
+struct Kind {
+  const char* name;
+  int code;
+  Argument argument;
+};
+
+constexpr Kind kinds[] = {
+    {"wall", edge_code::wall, Argument::none},
+    {"transmissive", edge_code::transmissive, Argument::none},
+    {"discharge", edge_code::discharge, Argument::value},
+    {"level", edge_code::water_level, Argument::value},
+    {"hydrograph", edge_code::hydrograph, Argument::file},
+    {"limnigraph", edge_code::limnigraph, Argument::file},
+};
+
+bool has_series(int code) { return code == edge_code::hydrograph || code == edge_code::limnigraph; }
+
+/// Checks a series file and keeps its text, its first value and its last time.
+void read_series(Boundary& boundary, const std::string& path) {
+  Scanner in(path);
+  const long long n = in.integer("number of samples");
+  if (n < 2 || n > static_cast<long long>(in.bytes_left() / 4 + 1)) {
+    in.refuse("number of samples", "at least 2, and no more than the file holds");
+  }
+  boundary.series = std::to_string(n) + "\n";
+  double last = 0.0;
+  for (long long i = 0; i < n; ++i) {
+    const double time = in.number("time");
+    if (i > 0 && !(time > last)) in.refuse("time", "one after " + shown(last));
+    last = time;
+    const double value = in.number("value");
+    if (i == 0) boundary.value = value;
+    append_number(boundary.series, time);
+    boundary.series += ' ';
+    append_number(boundary.series, value);
+    boundary.series += '\n';
+  }
+  boundary.series_end = last;
+}
+
+/// A file name without spaces or signs that mean something elsewhere, and not taken yet.
+std::string series_name(const std::string& boundary, std::set<std::string>& taken) {
+  std::string name = "boundary_";
+  for (const char c : boundary) {
+    name += std::isalnum(static_cast<unsigned char>(c)) || c == '-' ? c : '_';
+  }
+  std::string file = name + ".txt";
+  for (int k = 2; !taken.insert(file).second; ++k) file = name + "_" + std::to_string(k) + ".txt";
+  return file;
+}
+
+std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
+                                          const std::vector<BoundaryRequest>& requests) {
+  std::vector<Boundary> list(mesh.line_names.size() + 1);  // the last one has no name
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    if (i < mesh.line_names.size()) list[i].name = mesh.line_names[i];
+    list[i].code = edge_code::wall;
+  }
+  std::set<std::string> file_names;
+  for (const auto& request : requests) {
+    const auto line = std::find(mesh.line_names.begin(), mesh.line_names.end(), request.name) -
+                      mesh.line_names.begin();
+    if (line == static_cast<std::ptrdiff_t>(mesh.line_names.size())) {
+      throw tools::Error("--boundary " + request.name + "=" + request.kind +
+                         ": the mesh has no line \"" + request.name +
+                         "\"; it has: " + list_of_names(mesh.line_names) + ".");
+    }
+    Boundary& boundary = list[static_cast<std::size_t>(line)];
+    if (boundary.is_given) {
+      throw tools::Error("--boundary " + request.name + ": given twice; expected it once.");
+    }
+    boundary.is_given = true;
+    boundary.kind = request.kind;
+    boundary.code = request.code;
+    boundary.value = request.value;
+    if (has_series(request.code)) {
+      read_series(boundary, request.file);
+      boundary.series_name = series_name(request.name, file_names);
+    }
+  }
+  return list;
+}
+
+std::string padded(const std::string& text, std::size_t width) {
+  return text + std::string(width > text.size() ? width - text.size() : 0, ' ');
+}
+
+std::string right_aligned(const std::string& text, std::size_t width) {
+  return std::string(width > text.size() ? width - text.size() : 0, ' ') + text;
+}
+
+/// The first value, with its unit and what it means.
+std::string first_value(const Boundary& boundary) {
+  switch (boundary.code) {
+    case edge_code::discharge:
+    case edge_code::hydrograph: {
+      const double total = std::abs(boundary.value * boundary.length);
+      const char* way = boundary.value < 0.0 ? "in" : "out";
+      const std::string text = shown(boundary.value) + " m2/s";
+      return boundary.value == 0.0 ? text : text + " (" + shown(total) + " m3/s " + way + ")";
+    }
+    case edge_code::water_level:
+    case edge_code::limnigraph:
+      return shown(boundary.value) + " m";
+    default:
+      return "-";
+  }
+}
+
+}  // namespace
+
+BoundaryRequest parse_boundary(const std::string& text) {
+  const auto refuse = [&text](const std::string& expected) {
+    throw CLI::ValidationError("--boundary", "found \"" + text + "\", expected " + expected);
+  };
+  const std::size_t equals = text.find('=');
+  if (equals == std::string::npos || equals == 0) {
+    refuse("NAME=KIND, as in outflow=transmissive or inflow=discharge:-2.5");
+  }
+  BoundaryRequest request;
+  request.name = text.substr(0, equals);
+  const std::size_t colon = text.find(':', equals);
+  request.kind = text.substr(equals + 1, colon == std::string::npos ? colon : colon - equals - 1);
+  const std::string argument = colon == std::string::npos ? "" : text.substr(colon + 1);
+  const auto kind = std::find_if(std::begin(kinds), std::end(kinds),
+                                 [&](const Kind& k) { return request.kind == k.name; });
+  if (kind == std::end(kinds)) {
+    refuse(
+        "a kind among wall, transmissive, discharge:V, level:V, hydrograph:FILE and "
+        "limnigraph:FILE");
+  }
+  request.code = kind->code;
+  switch (kind->argument) {
+    case Argument::none:
+      if (colon != std::string::npos) refuse("nothing after \"" + request.kind + "\"");
+      break;
+    case Argument::value:
+      if (!parse_number(argument)) refuse("a number after \"" + request.kind + ":\"");
+      request.value = *parse_number(argument);
+      break;
+    case Argument::file:
+      if (argument.empty()) refuse("a file after \"" + request.kind + ":\"");
+      request.file = argument;
+      break;
+  }
+  return request;
+}
+
+Boundaries assign_boundaries(const Mesh& mesh, const std::vector<Edge>& edges,
+                             const EdgeIndex& index, const std::vector<BoundaryRequest>& requests) {
+  Boundaries boundaries;
+  boundaries.list = boundaries_of_lines(mesh, requests);
+  const auto unnamed = static_cast<int>(mesh.line_names.size());
+  auto& of_edge = boundaries.of_edge;
+  of_edge.assign(edges.size(), -1);
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    if (edges[i].is_boundary()) of_edge[i] = unnamed;
+  }
+  const auto boundary = [&](int i) -> Boundary& {
+    return boundaries.list[static_cast<std::size_t>(i)];
+  };
+  for (const LinePiece& piece : mesh.line_pieces) {
+    const int edge = index.find(piece.node1, piece.node2);
+    if (edge < 0 || !edges[static_cast<std::size_t>(edge)].is_boundary()) continue;
+    int& present = of_edge[static_cast<std::size_t>(edge)];
+    if (present == piece.line) continue;
+    if (present != unnamed && boundary(present).is_given) {
+      if (!boundary(piece.line).is_given) continue;
+      const Node& a = mesh.nodes[static_cast<std::size_t>(piece.node1)];
+      throw tools::Error("the boundary edge at " + shown_point(a.x, a.y) + " belongs to \"" +
+                         boundary(present).name + "\" and to \"" + boundary(piece.line).name +
+                         "\"; expected a --boundary for one of them.");
+    }
+    present = piece.line;
+  }
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    if (of_edge[i] < 0) continue;
+    const Node& a = mesh.nodes[static_cast<std::size_t>(edges[i].node1)];
+    const Node& b = mesh.nodes[static_cast<std::size_t>(edges[i].node2)];
+    ++boundary(of_edge[i]).n_edges;
+    boundary(of_edge[i]).length += std::hypot(b.x - a.x, b.y - a.y);
+  }
+  for (const Boundary& given : boundaries.list) {
+    if (given.is_given && given.n_edges == 0) {
+      throw tools::Error("--boundary " + given.name + "=" + given.kind + ": the line \"" +
+                         given.name +
+                         "\" has no edge on the boundary of the mesh; expected one that has "
+                         "cells on one side only (--section takes inner lines).");
+    }
+  }
+  return boundaries;
+}
+
+std::string boundary_table(const Boundaries& boundaries) {
+  constexpr std::size_t kind_width = 22, edges_width = 8, length_width = 14;
+  std::size_t name_width = 12;
+  for (const auto& boundary : boundaries.list) {
+    name_width = std::max(name_width, boundary.name.size() + 2);
+  }
+  const auto row = [&](const std::string& name, const std::string& kind, const std::string& n,
+                       const std::string& length, const std::string& value) {
+    return padded(name, name_width) + padded(kind, kind_width) + right_aligned(n, edges_width) +
+           right_aligned(length, length_width) + "  " + value + "\n";
+  };
+  std::string table = row("boundary", "kind", "edges", "length", "first value");
+  for (const auto& boundary : boundaries.list) {
+    if (boundary.n_edges == 0) continue;
+    const bool is_named = !boundary.name.empty();
+    table +=
+        row(is_named ? boundary.name : "(no name)",
+            boundary.kind + (is_named && !boundary.is_given ? " (not given)" : ""),
+            std::to_string(boundary.n_edges), shown(boundary.length) + " m", first_value(boundary));
+  }
+  return table;
+}
+
+}  // namespace mesh_import

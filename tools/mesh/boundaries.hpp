@@ -1,0 +1,51 @@
+// Boundary conditions of named lines.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mesh/edges.hpp"
+#include "mesh/mesh.hpp"
+
+namespace mesh_import {
+
+/// A boundary condition as the command line gives it: NAME=KIND or NAME=KIND:ARGUMENT.
+struct BoundaryRequest {
+  std::string name;
+  std::string kind;    // "wall", "discharge", ...
+  int code = 0;        // of the edges file
+  double value = 0.0;  // of a discharge (m2/s) or a level (m)
+  std::string file;    // of a hydrograph or a limnigraph, to be copied into the case
+};
+
+/// Reads one; throws CLI::ValidationError (wrong usage).
+BoundaryRequest parse_boundary(const std::string& text);
+
+struct Boundary {
+  std::string name;  // of the line; empty for edges without a name
+  bool is_given = false;
+  std::string kind = "wall";
+  int code = 0;
+  double value = 0.0;       // m2/s or m; the first one of a series
+  std::string series;       // text of the series file
+  std::string series_name;  // its name in the case
+  double series_end = 0.0;  // its last time, s
+  int n_edges = 0;
+  double length = 0.0;  // m
+};
+
+struct Boundaries {
+  std::vector<Boundary> list;
+  std::vector<int> of_edge;  // index into list, -1 for an interior edge
+};
+
+/// Every boundary edge gets the boundary of its line; a line that no request names, and edges
+/// without a line, are walls. Throws tools::Error for unknown names and unreadable series.
+Boundaries assign_boundaries(const Mesh& mesh, const std::vector<Edge>& edges,
+                             const EdgeIndex& index, const std::vector<BoundaryRequest>& requests);
+
+/// The table of all boundaries, for the user.
+std::string boundary_table(const Boundaries& boundaries);
+
+}  // namespace mesh_import

@@ -1,0 +1,236 @@
+#include "mesh/case_writer.hpp"
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "globals/edge_codes.hpp"
+#include "mesh/numbers.hpp"
+#include "support/Tool.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char nodes_name[] = "nodes.txt";
+constexpr char cells_name[] = "cells.txt";
+constexpr char edges_name[] = "edges.txt";
+constexpr char initial_name[] = "initial.txt";
+constexpr char bed_name[] = "bed.txt";
+constexpr char friction_name[] = "friction.txt";
+constexpr char sediment_name[] = "sediment.txt";
+constexpr char rain_name[] = "rain.txt";
+constexpr char hyetocells_name[] = "hyetocells.txt";
+constexpr char soils_name[] = "soils.txt";
+constexpr char soilcells_name[] = "soilcells.txt";
+constexpr char snapshots_name[] = "snapshots.txt";
+constexpr char gauges_name[] = "gauges.txt";
+constexpr char sections_name[] = "sections.txt";
+constexpr double gauges_per_snapshot = 10.0;  // recordings of gauges and sections
+
+std::string text_of_nodes(const Mesh& mesh) {
+  std::string text = std::to_string(mesh.nodes.size()) + "\n";
+  for (const Node& node : mesh.nodes) {
+    append_number(text, node.x);
+    text += ' ';
+    append_number(text, node.y);
+    text += ' ';
+    append_number(text, node.z);
+    text += '\n';
+  }
+  return text;
+}
+
+std::string text_of_cells(const Mesh& mesh) {
+  std::string text = std::to_string(mesh.cells.size()) + "\n";
+  for (const Cell& cell : mesh.cells) {
+    append_integer(text, cell.size());
+    for (int k = 0; k < cell.size(); ++k) {
+      text += ' ';
+      append_integer(text, cell.node(k));
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+/// What follows the code of a boundary edge.
+std::string argument_of(const Boundary& boundary) {
+  std::string text;
+  if (!boundary.series_name.empty()) {
+    text = " " + boundary.series_name;
+  } else if (boundary.code == edge_code::discharge || boundary.code == edge_code::water_level) {
+    text = " ";
+    append_number(text, boundary.value);
+  }
+  return text;
+}
+
+std::string text_of_edges(const std::vector<Edge>& edges, const Boundaries& boundaries) {
+  std::string text = std::to_string(edges.size()) + "\n";
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    const Edge& edge = edges[i];
+    for (const int index : {edge.left, edge.right, edge.node1, edge.node2}) {
+      append_integer(text, index);
+      text += ' ';
+    }
+    if (edge.is_boundary()) {
+      const auto& boundary = boundaries.list[static_cast<std::size_t>(boundaries.of_edge[i])];
+      append_integer(text, boundary.code);
+      text += argument_of(boundary);
+    } else {
+      append_integer(text, edge_code::interior);
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+std::string column(const std::vector<double>& values, const char* line_end = "\n") {
+  std::string text;
+  for (const double value : values) {
+    append_number(text, value);
+    text += line_end;
+  }
+  return text;
+}
+
+std::string column(const std::vector<int>& values) {
+  std::string text;
+  for (const int value : values) {
+    append_integer(text, value);
+    text += '\n';
+  }
+  return text;
+}
+
+std::string text_of_snapshots(double end, double interval) {
+  std::vector<double> times;
+  const auto n = static_cast<int>(std::floor(end / interval * (1.0 + 1e-12)));
+  for (int i = 0; i <= n; ++i) times.push_back(i * interval);
+  return std::to_string(times.size()) + "\n" + column(times);
+}
+
+std::string text_of_gauges(const Node& gauge, double interval) {
+  std::string text = std::string("1 ") + gauges_name + " ";
+  append_number(text, interval);
+  text += '\n';
+  append_number(text, gauge.x);
+  text += ' ';
+  append_number(text, gauge.y);
+  return text + " 0\n";
+}
+
+std::string text_of_sections(const std::vector<Section>& sections, double interval) {
+  std::string text = std::to_string(sections.size()) + " ";
+  append_number(text, interval);
+  text += std::string(" out/") + sections_name + "\n";
+  for (const Section& section : sections) {
+    text += std::to_string(section.edges.size());
+    for (const int edge : section.edges) {
+      text += ' ';
+      append_integer(text, edge);
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+std::string data_file(const Case& contents) {
+  using nlohmann::ordered_json;
+  ordered_json conditions{{"initial conditions", initial_name}};
+  if (!contents.bed.empty()) conditions["fixed bed level"] = bed_name;
+  if (!contents.friction.empty()) conditions["friction"] = friction_name;
+  if (!contents.sediment.empty()) conditions["initial sediments level"] = sediment_name;
+  ordered_json sources = ordered_json::object();
+  if (!contents.rain.empty()) {
+    sources["rainfall"] = rain_name;
+    sources["hyetocells"] = hyetocells_name;
+  }
+  if (!contents.soil.empty()) {
+    sources["infiltration"] = soils_name;
+    sources["infiltracells"] = soilcells_name;
+  }
+  ordered_json model{{"name", contents.sediment.empty() ? "Quillmere" : "Bramsett"},
+                     {"flux scheme", "LHLLC"},
+                     {"conditions", conditions}};
+  if (!contents.sediment.empty()) {
+    model["parameters"] = {{"sediments mean grain diameter", contents.sediments.grain_diameter},
+                           {"sediments density", contents.sediments.density},
+                           {"sediments friction coefficient", 0.0},
+                           {"sediments porosity", contents.sediments.porosity}};
+  }
+  model["sources"] = sources;
+  ordered_json output{{"folder", "out/"},
+                      {"time step enveloppe of results", contents.interval},
+                      {"snapshots of flow", snapshots_name},
+                      {"gauges", gauges_name}};
+  if (!contents.sections.empty()) output["discharges"] = sections_name;
+  const ordered_json data{
+      {"name", contents.name},
+      {"t0", 0.0},
+      {"tend", contents.end},
+      {"CFL", contents.courant},
+      {"mesh", {{"nodes", nodes_name}, {"cells", cells_name}, {"edges", edges_name}}},
+      {"model", model},
+      {"output", output}};
+  return data.dump(2) + "\n";
+}
+
+class Folder {
+ public:
+  explicit Folder(const std::string& path) : path_(path) {
+    std::error_code error;
+    fs::create_directories(path_ / "out", error);
+    if (error) {
+      throw tools::Error(path + ": the folder cannot be created (" + error.message() + ").");
+    }
+  }
+
+  void write(const std::string& name, const std::string& text) const {
+    const fs::path file = path_ / name;
+    std::ofstream stream(file, std::ios::binary);
+    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+    stream.close();
+    if (!stream) throw tools::Error(file.string() + ": the file cannot be written.");
+  }
+
+ private:
+  fs::path path_;
+};
+
+}  // namespace
+
+void write_case(const Case& contents, const std::string& path) {
+  const Folder folder(path);
+  folder.write(nodes_name, text_of_nodes(contents.mesh));
+  folder.write(cells_name, text_of_cells(contents.mesh));
+  folder.write(edges_name, text_of_edges(contents.edges, contents.boundaries));
+  folder.write(initial_name, column(contents.level, " 0 0\n"));
+  if (!contents.bed.empty()) folder.write(bed_name, column(contents.bed));
+  if (!contents.friction.empty()) folder.write(friction_name, column(contents.friction));
+  if (!contents.sediment.empty()) folder.write(sediment_name, column(contents.sediment));
+  if (!contents.rain.empty()) {
+    folder.write(rain_name, contents.rain_file);
+    folder.write(hyetocells_name, column(contents.rain));
+  }
+  if (!contents.soil.empty()) {
+    folder.write(soils_name, contents.soil_file);
+    folder.write(soilcells_name, column(contents.soil));
+  }
+  for (const Boundary& boundary : contents.boundaries.list) {
+    if (!boundary.series_name.empty()) folder.write(boundary.series_name, boundary.series);
+  }
+  folder.write(snapshots_name, text_of_snapshots(contents.end, contents.interval));
+  const double recording = contents.interval / gauges_per_snapshot;
+  folder.write(gauges_name, text_of_gauges(contents.gauge, recording));
+  if (!contents.sections.empty()) {
+    folder.write(sections_name, text_of_sections(contents.sections, recording));
+  }
+  folder.write("data.json", data_file(contents));
+}
+
+}  // namespace mesh_import

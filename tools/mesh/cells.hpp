@@ -1,0 +1,21 @@
+// Makes the cells of a mesh such that the simulator can use them.
+#pragma once
+
+#include "mesh/mesh.hpp"
+
+namespace mesh_import {
+
+/// What was changed, in cells or nodes.
+struct CellChanges {
+  int n_turned = 0;          // to run counter-clockwise
+  int n_split = 0;           // quadrilaterals, into two triangles each
+  int n_unused_nodes = 0;    // left out: no cell has them
+  int n_repeated_cells = 0;  // joined: a file may hold a cell once for each of its surfaces
+};
+
+/// Turns cells to run counter-clockwise, splits quadrilaterals along their shorter diagonal unless
+/// `keep_quads`, joins repeated cells, drops unused nodes and rounds coordinates to what the case
+/// will hold. Throws tools::Error for a cell without area or that crosses itself.
+CellChanges prepare_cells(Mesh& mesh, bool keep_quads);
+
+}  // namespace mesh_import

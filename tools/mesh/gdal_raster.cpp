@@ -1,0 +1,70 @@
+// The rasters that GDAL reads.
+#include <cpl_error.h>
+#include <gdal.h>
+
+#include <limits>
+#include <memory>
+
+#include "mesh/raster.hpp"
+#include "support/Tool.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+/// GDAL's messages go into our own errors, not to standard error.
+class QuietGdal {
+ public:
+  QuietGdal() {
+    GDALAllRegister();
+    CPLPushErrorHandler(CPLQuietErrorHandler);
+  }
+  ~QuietGdal() { CPLPopErrorHandler(); }
+  QuietGdal(const QuietGdal&) = delete;
+  QuietGdal& operator=(const QuietGdal&) = delete;
+};
+
+struct CloseDataset {
+  void operator()(void* dataset) const { GDALClose(dataset); }
+};
+
+}  // namespace
+
+RasterData read_with_gdal(const std::string& path) {
+  const QuietGdal quiet;
+  const auto refuse = [&path](const std::string& what) {
+    const std::string reason = CPLGetLastErrorMsg();
+    throw tools::Error(path + ": " + what + (reason.empty() ? "." : " (GDAL: " + reason + ")."));
+  };
+  CPLErrorReset();
+  const std::unique_ptr<void, CloseDataset> dataset(
+      GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, nullptr, nullptr, nullptr));
+  if (!dataset) refuse("the file is no raster that can be read");
+  RasterData data;
+  data.n_columns = GDALGetRasterXSize(dataset.get());
+  data.n_rows = GDALGetRasterYSize(dataset.get());
+  if (GDALGetGeoTransform(dataset.get(), data.geometry.data()) != CE_None) {
+    refuse("the raster has no coordinates; expected a georeferenced one");
+  }
+  const GDALRasterBandH band = GDALGetRasterBand(dataset.get(), 1);
+  if (band == nullptr) refuse("the raster has no band of values");
+  constexpr std::size_t most_pixels = std::size_t{1} << 28;
+  const auto n = static_cast<std::size_t>(data.n_columns) * static_cast<std::size_t>(data.n_rows);
+  if (n > most_pixels) refuse("the raster has more than 268435456 pixels; cut out what is needed");
+  data.values.resize(n);
+  if (GDALRasterIO(band, GF_Read, 0, 0, data.n_columns, data.n_rows, data.values.data(),
+                   data.n_columns, data.n_rows, GDT_Float64, 0, 0) != CE_None) {
+    refuse("the values of the raster cannot be read");
+  }
+  int has_no_data = 0;
+  const double no_data = GDALGetRasterNoDataValue(band, &has_no_data);
+  const double scale = GDALGetRasterScale(band, nullptr);
+  const double offset = GDALGetRasterOffset(band, nullptr);
+  for (double& value : data.values) {
+    const bool is_missing = (has_no_data != 0 && value == no_data) || !(value - value == 0.0);
+    value = is_missing ? std::numeric_limits<double>::quiet_NaN() : value * scale + offset;
+  }
+  return data;
+}
+
+}  // namespace mesh_import

@@ -1,0 +1,13 @@
+#include "mesh/raster.hpp"
+#include "support/Tool.hpp"
+
+namespace mesh_import {
+
+RasterData read_with_gdal(const std::string& path) {
+  throw tools::Error(path +
+                     ": this quillmere-mesh was built without GDAL and reads no raster but ESRI "
+                     "ASCII grids (.asc). Convert it, or build again with GDAL (Debian: "
+                     "libgdal-dev).");
+}
+
+}  // namespace mesh_import

@@ -1,0 +1,16 @@
+// Mesh files of every format.
+#pragma once
+
+#include <string>
+
+#include "mesh/mesh.hpp"
+
+namespace mesh_import {
+
+/// Reads a mesh; its extension tells the format (.msh, .geo, .2dm). Throws tools::Error.
+Mesh read_mesh_file(const std::string& path);
+
+/// The bytes of a file. Throws tools::Error.
+std::string read_whole_file(const std::string& path);
+
+}  // namespace mesh_import
