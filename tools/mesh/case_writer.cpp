@@ -1,6 +1,5 @@
 #include "mesh/case_writer.hpp"
 
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -107,10 +106,13 @@ std::string column(const std::vector<int>& values) {
   return text;
 }
 
+/// Before the end: no step reaches the end itself.
 std::string text_of_snapshots(double end, double interval) {
   std::vector<double> times;
-  const auto n = static_cast<int>(std::floor(end / interval * (1.0 + 1e-12)));
-  for (int i = 0; i <= n; ++i) times.push_back(i * interval);
+  for (double time = 0.0; time < end * (1.0 - 1e-9);) {
+    times.push_back(time);
+    time = static_cast<double>(times.size()) * interval;
+  }
   return std::to_string(times.size()) + "\n" + column(times);
 }
 

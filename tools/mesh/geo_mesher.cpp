@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "mesh/gmsh_reader.hpp"
+#include "mesh/mesh_file.hpp"
 #include "support/Tool.hpp"
 
 namespace mesh_import {
@@ -88,7 +89,12 @@ std::string read_all(int descriptor) {
 
 // Intended: a process of its own, since some faulty geometries crash Gmsh.
 Mesh mesh_geo(const std::string& path) {
-  if (!fs::is_regular_file(path)) throw tools::Error(path + ": the file cannot be opened.");
+  const std::string text = read_whole_file(path);
+  if (text.back() != '\n') {
+    throw tools::Error(path +
+                       ": the last line has no end, and Gmsh may leave out what it says; expected "
+                       "a line end.");
+  }
   const TemporaryFolder folder;
   const std::string msh = folder.file("mesh.msh");
   int ends[2];

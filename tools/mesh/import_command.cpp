@@ -310,7 +310,7 @@ void Import::set_run() {
     throw tools::Error("--interval: more than a million snapshots until " + shown(case_.end) +
                        " s; expected a longer one.");
   }
-  out_ << "The run ends at " << shown(case_.end) << " s, with a snapshot every "
+  out_ << "The run ends at " << shown(case_.end) << " s, with snapshots before it every "
        << shown(case_.interval) << " s.\n";
 }
 

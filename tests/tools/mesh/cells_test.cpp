@@ -1,0 +1,106 @@
+#include "mesh/cells.hpp"
+
+#include <gtest/gtest.h>
+
+#include "support/Tool.hpp"
+#include "support/text.hpp"
+
+namespace {
+
+using mesh_import::Cell;
+using mesh_import::Mesh;
+using mesh_import::prepare_cells;
+
+Mesh mesh_of(std::vector<mesh_import::Node> nodes, std::vector<Cell> cells) {
+  Mesh mesh;
+  mesh.nodes = std::move(nodes);
+  mesh.cells = std::move(cells);
+  mesh.zone_of_cell.assign(mesh.cells.size(), 0);
+  mesh.zones = {{}};
+  return mesh;
+}
+
+std::string error_of(Mesh mesh) {
+  try {
+    prepare_cells(mesh, false);
+  } catch (const tools::Error& error) {
+    return error.what();
+  }
+  return "no error";
+}
+
+Cell triangle(int a, int b, int c) { return {{a, b, c, -1}}; }
+Cell quad(int a, int b, int c, int d) { return {{a, b, c, d}}; }
+
+TEST(Cells, ClockwiseOnesAreTurned) {
+  Mesh mesh =
+      mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {triangle(0, 1, 2), triangle(0, 3, 2)});
+  EXPECT_EQ(prepare_cells(mesh, false).n_turned, 1);
+  EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
+  EXPECT_EQ(mesh.cells[1].nodes, triangle(2, 3, 0).nodes);
+}
+
+TEST(Cells, QuadrilateralsAreSplitAlongTheShorterDiagonal) {
+  // The diagonal from 1 to 3 is the shorter one.
+  Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {2, 2, 0}, {0, 1, 0}}, {quad(0, 1, 2, 3)});
+  EXPECT_EQ(prepare_cells(mesh, false).n_split, 1);
+  ASSERT_EQ(mesh.cells.size(), 2U);
+  EXPECT_EQ(mesh.cells[0].nodes, triangle(1, 2, 3).nodes);
+  EXPECT_EQ(mesh.cells[1].nodes, triangle(1, 3, 0).nodes);
+  EXPECT_EQ(mesh.zone_of_cell.size(), 2U);
+}
+
+TEST(Cells, QuadrilateralsWithANotchAreSplitInside) {
+  // The shorter diagonal, from 1 to 3, lies outside.
+  Mesh mesh = mesh_of({{0, 0, 0}, {4, -1, 0}, {1, 0, 0}, {4, 1, 0}}, {quad(0, 1, 2, 3)});
+  prepare_cells(mesh, false);
+  ASSERT_EQ(mesh.cells.size(), 2U);
+  EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
+  EXPECT_EQ(mesh.cells[1].nodes, triangle(0, 2, 3).nodes);
+}
+
+TEST(Cells, QuadrilateralsAreKeptWhereThatIsAskedFor) {
+  Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {quad(0, 3, 2, 1)});
+  const auto changes = prepare_cells(mesh, true);
+  EXPECT_EQ(changes.n_split, 0);
+  EXPECT_EQ(changes.n_turned, 1);
+  ASSERT_EQ(mesh.cells.size(), 1U);
+  EXPECT_EQ(mesh.cells[0].nodes, quad(1, 2, 3, 0).nodes);
+}
+
+TEST(Cells, NodesWithoutACellAreLeftOut) {
+  Mesh mesh = mesh_of({{9, 9, 9}, {0, 0, 1}, {1, 0, 2}, {0, 1, 3}}, {triangle(1, 2, 3)});
+  mesh.line_pieces = {{1, 2, 0}, {0, 1, 0}};
+  EXPECT_EQ(prepare_cells(mesh, false).n_unused_nodes, 1);
+  ASSERT_EQ(mesh.nodes.size(), 3U);
+  EXPECT_EQ(mesh.nodes[0].z, 1.0);
+  EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
+  EXPECT_EQ(mesh.line_pieces[0].node1, 0);
+  EXPECT_LT(mesh.line_pieces[1].node1, 0);
+}
+
+TEST(Cells, OneThatStandsInTheFileForEachOfItsSurfacesIsJoined) {
+  Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}},
+                      {triangle(0, 1, 2), triangle(0, 2, 3), triangle(1, 2, 0)});
+  mesh.surface_names = {"all", "part"};
+  mesh.zones = {{0}, {1}};
+  mesh.zone_of_cell = {0, 0, 1};
+  EXPECT_EQ(prepare_cells(mesh, false).n_repeated_cells, 1);
+  ASSERT_EQ(mesh.cells.size(), 2U);
+  EXPECT_EQ(mesh.zones.at(static_cast<std::size_t>(mesh.zone_of_cell[0])),
+            (std::vector<int>{0, 1}));
+  EXPECT_EQ(mesh.zones.at(static_cast<std::size_t>(mesh.zone_of_cell[1])), std::vector<int>{0});
+}
+
+TEST(Cells, OnesWithoutAreaOrThatCrossThemselvesAreRefused) {
+  EXPECT_EQ(error_of(mesh_of({{0, 0, 0}, {1, 1, 0}, {2, 2, 0}}, {triangle(0, 1, 2)})),
+            "cell 1 of the mesh, with the corners (0.000, 0.000), (1.000, 1.000), (2.000, 2.000), "
+            "has no area: expected corners that are not in one line.");
+  EXPECT_TRUE(support::contains(
+      error_of(mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}, {triangle(0, 1, 1)})), "has no area"));
+  EXPECT_TRUE(support::contains(
+      error_of(mesh_of({{0, 0, 0}, {2, 0, 0}, {0, 1, 0}, {1, 1, 0}}, {quad(0, 1, 2, 3)})),
+      "crosses itself"));
+}
+
+}  // namespace

@@ -1,0 +1,284 @@
+// The command as users run it, and the simulator on the cases it makes.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "support/TemporaryFolder.hpp"
+#include "support/run_program.hpp"
+#include "support/text.hpp"
+#include "tools/mesh/SampleMesh.hpp"
+
+namespace {
+
+using support::contains;
+using Words = std::vector<std::string>;
+
+class Import : public testing::Test {
+ protected:
+  Import() {
+    sample.z = [](double x, double y) { return 0.1 * x + 0.02 * y * y; };
+    folder.write("m.msh", sample.msh4(true));
+  }
+
+  support::RunResult import(Words words) {
+    words.insert(words.begin(), "import");
+    support::RunOptions options;
+    options.program = QUILLMERE_MESH_PROGRAM;
+    return support::run_program(folder.path(), words, options);
+  }
+  /// Imports m.msh into the folder "case"; nothing may go wrong.
+  std::string import_well(Words words) {
+    words.insert(words.begin(), {"m.msh", "case"});
+    const auto result = import(words);
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    return result.out;
+  }
+  /// The message of an import of m.msh that must end with a status.
+  std::string import_badly(int status, Words words) {
+    words.insert(words.begin(), {"m.msh", "case"});
+    const auto result = import(words);
+    EXPECT_EQ(result.status, status) << result.out;
+    EXPECT_FALSE(folder.has("case/data.json"));
+    return result.err;
+  }
+  /// Runs the case to its end, without a warning.
+  void run_case() {
+    const auto result =
+        support::run_program(folder.file("case"), {"-f", "data.json", "-nodisplay"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+  }
+  std::vector<std::string> lines(const std::string& name) {
+    return support::lines(folder.read("case/" + name));
+  }
+  /// A column of a file of the case, header lines left out.
+  std::vector<double> column(const std::string& name, std::size_t index, std::size_t n_headers) {
+    std::vector<double> values;
+    const auto rows = lines(name);
+    for (std::size_t i = n_headers; i < rows.size(); ++i) {
+      std::istringstream row(rows[i]);
+      double value = 0.0;
+      for (std::size_t k = 0; k <= index; ++k) row >> value;
+      values.push_back(value);
+    }
+    return values;
+  }
+  nlohmann::json data() { return nlohmann::json::parse(folder.read("case/data.json")); }
+
+  support::TemporaryFolder folder;
+  support::SampleMesh sample;
+};
+
+TEST_F(Import, MakesACaseOfEveryFormatThatRuns) {
+  folder.write("a.msh", sample.msh2(false));
+  folder.write("b.msh", sample.msh2(true));
+  folder.write("c.msh", sample.msh4(false));
+  folder.write("d.2dm", sample.sms());
+  import_well({"--level", "1.5", "--end", "2"});
+  run_case();
+  const std::string edges = folder.read("case/edges.txt");
+  EXPECT_EQ(support::lines(edges).size(), 1U + 43U);
+  for (const char* file : {"a.msh", "b.msh", "c.msh", "d.2dm"}) {
+    SCOPED_TRACE(file);
+    const auto result = import({file, "case", "--level", "1.5", "--end", "2", "--overwrite"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(folder.read("case/edges.txt"), edges);
+    run_case();
+  }
+}
+
+TEST_F(Import, LetsAFloodRunThroughAndMeasuresIt) {
+  folder.write("flood.txt", "3\n0 -0.5\n30 -1\n200 -1\n");
+  const std::string out = import_well({"--level", "0.8", "--friction", "0.03", "--boundary",
+                                       "west=hydrograph:flood.txt", "--boundary", "east=level:0.8",
+                                       "--section", "gate"});
+  EXPECT_EQ(data()["tend"], 200.0);
+  EXPECT_TRUE(contains(out, "Section gate: 3 edges, 3 m, discharge positive towards (1, 0)"));
+  run_case();
+  // In the end 1 m2/s passes through 3 m.
+  const auto discharge = column("out/sections.txt", 1, 0);
+  ASSERT_GT(discharge.size(), 50U);
+  EXPECT_NEAR(discharge.back(), 3.0, 0.1);
+  EXPECT_EQ(lines("out/pic_180_00.txt").size(), 1U + 24U);
+  EXPECT_GT(lines("out/gauges.txt").size(), 50U);
+  EXPECT_FALSE(contains(folder.read("case/out/gauges.txt"), "nan"));
+}
+
+TEST_F(Import, LeavesALakeWithAnIslandAtRest) {
+  sample.nx = 8;
+  sample.ny = 8;
+  sample.z = [](double x, double y) {
+    return std::max(0.0, 1.4 - 0.4 * std::hypot(x - 3.7, y - 4.2)) + 0.03 * x;
+  };
+  folder.write("m.msh", sample.msh2(false));
+  import_well({"--level", "0.6", "--end", "20"});
+  run_case();
+  std::size_t n_dry = 0;
+  for (const double depth : column("out/pic_18_00.txt", 3, 1)) n_dry += depth < 1e-3;
+  EXPECT_GT(n_dry, 5U);
+  for (const std::size_t discharge : {4U, 5U}) {
+    for (const double q : column("out/pic_18_00.txt", discharge, 1)) EXPECT_NEAR(q, 0.0, 1e-12);
+  }
+}
+
+TEST_F(Import, PrintsEveryBoundary) {
+  folder.write("tide.txt", "2\n0 1.25\n100 2\n");
+  EXPECT_TRUE(contains(import_well({"--boundary", "west=discharge:-0.5"}),
+                       "boundary    kind                     edges        length  first value\n"
+                       "west        discharge                    3           3 m  -0.5 m2/s (1.5 "
+                       "m3/s in)\n"
+                       "east        wall (not given)             3           3 m  -\n"
+                       "(no name)   wall                         8           8 m  -\n"));
+  EXPECT_TRUE(contains(import_well({"--boundary", "east=limnigraph:tide.txt", "--boundary",
+                                    "west=transmissive", "--overwrite"}),
+                       "west        transmissive                 3           3 m  -\n"
+                       "east        limnigraph                   3           3 m  1.25 m\n"));
+  EXPECT_EQ(folder.read("case/boundary_east.txt"), "2\n0 1.25\n100 2\n");
+  int n_limnigraph = 0;
+  for (const auto& line : lines("edges.txt")) {
+    n_limnigraph += contains(line, " -44 boundary_east.txt");
+  }
+  EXPECT_EQ(n_limnigraph, 3);
+}
+
+TEST_F(Import, SaysWhatItTurned) {
+  sample.clockwise = true;
+  folder.write("m.msh", sample.msh4(true));
+  const std::string out = import_well({});
+  EXPECT_TRUE(contains(out, "Turned 24 cells to run counter-clockwise.\n"));
+  EXPECT_TRUE(contains(out, " edges to name the lower cell first"));
+}
+
+TEST_F(Import, SplitsQuadrilateralsOrKeepsThem) {
+  folder.write("q.2dm", sample.sms(true));
+  auto result = import({"q.2dm", "case", "--level", "1", "--end", "1"});
+  EXPECT_TRUE(contains(result.out, "Split 12 quadrilaterals into triangles"));
+  EXPECT_EQ(lines("cells.txt").at(0), "24");
+  run_case();
+  result = import({"q.2dm", "kept", "--keep-quads"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(contains(result.out, "Kept the quadrilaterals"));
+  EXPECT_EQ(support::lines(folder.read("kept/cells.txt")).at(1).substr(0, 2), "4 ");
+}
+
+TEST_F(Import, TakesElevationsFromTerrain) {
+  folder.write("dem.asc", support::asc_grid(10, 10, -1.0, -1.0, 1.0, [](double x, double y) {
+                 return 3.0 + 0.5 * x - 0.25 * y;
+               }));
+  import_well({"--terrain", "dem.asc"});
+  const auto x = column("nodes.txt", 0, 1), y = column("nodes.txt", 1, 1);
+  const auto z = column("nodes.txt", 2, 1);
+  ASSERT_EQ(z.size(), 20U);
+  for (std::size_t i = 0; i < z.size(); ++i) {
+    EXPECT_NEAR(z[i], 3.0 + 0.5 * x[i] - 0.25 * y[i], 1e-9);
+  }
+}
+
+TEST_F(Import, RefusesMissingTerrainUnlessItMayFillIt) {
+  folder.write("dem.asc",
+               support::asc_grid(3, 10, -1.0, -1.0, 1.0, [](double, double) { return 3.0; }));
+  EXPECT_TRUE(contains(import_badly(1, {"--terrain", "dem.asc"}),
+                       "dem.asc: no data at 8 of 20 nodes, the first one at (3.000, 0.000)"));
+  EXPECT_TRUE(contains(import_well({"--terrain", "dem.asc", "--fill", "-7"}),
+                       "No terrain under 8 nodes: filled with -7 m.\n"));
+  EXPECT_EQ(column("nodes.txt", 2, 1).at(3), -7.0);
+}
+
+TEST_F(Import, GivesCellsTheValuesOfTheirSurfaces) {
+  import_well(
+      {"--friction", "0.06", "--friction", "left=0.03", "--level", "right=2", "--bed", "left=0.5"});
+  const auto friction = column("friction.txt", 0, 0), level = column("initial.txt", 0, 0);
+  const auto bed = column("bed.txt", 0, 0);
+  ASSERT_EQ(friction.size(), 24U);
+  for (std::size_t i = 0; i < 24; ++i) {
+    const bool is_left = i < 12;  // the sample lists that surface first
+    EXPECT_EQ(friction[i], is_left ? 0.03 : 0.06);
+    EXPECT_EQ(level[i], is_left ? 0.5 : 2.0);
+    if (is_left) {
+      EXPECT_EQ(bed[i], 0.5);
+    }
+  }
+  EXPECT_GT(bed.back(), 0.3);
+  EXPECT_EQ(data()["model"]["conditions"]["fixed bed level"], "bed.txt");
+}
+
+TEST_F(Import, GivesCellsTheMeanOfARaster) {
+  folder.write("n.asc", support::asc_grid(40, 30, 0.0, 0.0, 0.1,
+                                          [](double x, double) { return x < 2.0 ? 0.02 : 0.05; }));
+  import_well({"--friction", "n.asc"});
+  const auto friction = column("friction.txt", 0, 0);
+  for (std::size_t i = 0; i < 24; ++i) EXPECT_NEAR(friction[i], i < 12 ? 0.02 : 0.05, 1e-12);
+}
+
+TEST_F(Import, AddsRainSoilsAndSediments) {
+  folder.write("hyetograms.txt", "1\n5 1 60\n0 1e-5\n");
+  folder.write("soil_types.txt", "1\n2 GreenAmpt 1e-6 0.1 0.1 0.4 1 0\n");
+  import_well({"--rain", "left=5", "--hyetograms", "hyetograms.txt", "--soil", "2", "--soils",
+               "soil_types.txt", "--level", "1", "--end", "2"});
+  EXPECT_EQ(column("hyetocells.txt", 0, 0).front(), 5.0);
+  EXPECT_EQ(column("hyetocells.txt", 0, 0).back(), -1.0);
+  EXPECT_EQ(column("soilcells.txt", 0, 0).back(), 2.0);
+  run_case();
+  import_well({"--sediment", "right=0.3", "--grain-diameter", "0.002", "--level", "1", "--friction",
+               "0.02", "--end", "2", "--overwrite"});
+  EXPECT_EQ(data()["model"]["name"], "Bramsett");
+  EXPECT_EQ(data()["model"]["parameters"]["sediments mean grain diameter"], 0.002);
+  EXPECT_EQ(column("sediment.txt", 0, 0).front(), 0.0);
+  EXPECT_EQ(column("sediment.txt", 0, 0).back(), 0.3);
+  run_case();
+}
+
+TEST_F(Import, ListsTheNamesItKnows) {
+  EXPECT_EQ(import_badly(1, {"--boundary", "inlet=wall"}),
+            "quillmere-mesh: --boundary inlet=wall: the mesh has no line \"inlet\"; it has: west, "
+            "east, gate.\n");
+  EXPECT_EQ(import_badly(1, {"--friction", "river=0.03"}),
+            "quillmere-mesh: --friction river=0.03: the mesh has no surface \"river\"; it has: "
+            "left, right.\n");
+  EXPECT_TRUE(contains(import_badly(1, {"--friction", "left=0.03"}),
+                       "12 cells get no value, the first one at "));
+  EXPECT_TRUE(contains(import_badly(1, {"--boundary", "gate=wall"}),
+                       "the line \"gate\" has no edge on the boundary of the mesh"));
+}
+
+TEST_F(Import, EndsWithStatus2ForWrongUsage) {
+  EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west=dam"}),
+                       "found \"west=dam\", expected a kind among wall, transmissive"));
+  EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west=level:high"}),
+                       "expected a number after \"level:\""));
+  EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west"}), "expected NAME=KIND"));
+  EXPECT_TRUE(contains(import_badly(2, {"--rain", "1"}), "--hyetograms"));
+  EXPECT_TRUE(contains(import_badly(2, {"--sediment", "1"}), "--grain-diameter"));
+  EXPECT_TRUE(contains(import_badly(2, {"--fill", "1"}), "needs --terrain"));
+  EXPECT_TRUE(contains(import_badly(2, {"--slope", "1"}), "--slope"));
+}
+
+TEST_F(Import, KeepsACaseThatIsThere) {
+  import_well({"--end", "5"});
+  const std::string before = folder.read("case/data.json");
+  const auto result = import({"m.msh", "case", "--end", "6"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "quillmere-mesh: case/data.json: there is a case already; expected a new "
+            "folder, or --overwrite.\n");
+  EXPECT_EQ(folder.read("case/data.json"), before);
+}
+
+TEST_F(Import, NamesTheLineOfADamagedSeries) {
+  folder.write("flood.txt", "3\n0 -1\n10 -2\n5 -1\n");
+  EXPECT_EQ(import_badly(1, {"--boundary", "west=hydrograph:flood.txt"}),
+            "quillmere-mesh: flood.txt, line 4: time: found \"5\", expected one after 10.\n");
+  EXPECT_EQ(import_badly(1, {"--boundary", "west=hydrograph:none.txt"}),
+            "quillmere-mesh: none.txt: the file cannot be opened.\n");
+}
+
+TEST_F(Import, ShowsExamplesFirst) {
+  const auto result = import({"--help"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_TRUE(support::starts_with(result.out, "Examples:\n  quillmere-mesh import valley.msh"));
+}
+
+}  // namespace
