@@ -162,7 +162,7 @@ std::string data_file(const Case& contents) {
   if (!contents.sediment.empty()) {
     model["parameters"] = {{"sediments mean grain diameter", contents.sediments.grain_diameter},
                            {"sediments density", contents.sediments.density},
-                           {"sediments friction coefficient", 0.0},
+                           {"sediments friction coefficient", contents.friction.front()},
                            {"sediments porosity", contents.sediments.porosity}};
   }
   model["sources"] = sources;

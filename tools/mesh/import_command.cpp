@@ -71,6 +71,9 @@ void check_usage(const Options& options) {
   if (!options.sediment.empty() && !(options.grain_diameter > 0.0)) {
     refuse_usage("--sediment", "needs --grain-diameter, in m, above 0");
   }
+  if (!options.sediment.empty() && options.friction.empty()) {
+    refuse_usage("--sediment", "needs --friction: the flow carries no sediment over a smooth bed");
+  }
   const auto check_positive = [](const char* option, double value) {
     if (!(value > 0.0) || !std::isfinite(value)) refuse_usage(option, "must be above 0");
   };

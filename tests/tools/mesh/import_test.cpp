@@ -252,6 +252,8 @@ TEST_F(Import, EndsWithStatus2ForWrongUsage) {
   EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west"}), "expected NAME=KIND"));
   EXPECT_TRUE(contains(import_badly(2, {"--rain", "1"}), "--hyetograms"));
   EXPECT_TRUE(contains(import_badly(2, {"--sediment", "1"}), "--grain-diameter"));
+  EXPECT_TRUE(contains(import_badly(2, {"--sediment", "1", "--grain-diameter", "0.002"}),
+                       "needs --friction"));
   EXPECT_TRUE(contains(import_badly(2, {"--fill", "1"}), "needs --terrain"));
   EXPECT_TRUE(contains(import_badly(2, {"--slope", "1"}), "--slope"));
 }
