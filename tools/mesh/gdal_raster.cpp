@@ -38,7 +38,8 @@ RasterData read_with_gdal(const std::string& path) {
   };
   CPLErrorReset();
   const std::unique_ptr<void, CloseDataset> dataset(
-      GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY, nullptr, nullptr, nullptr));
+      GDALOpenEx(path.c_str(), GDAL_OF_RASTER | GDAL_OF_READONLY | GDAL_OF_VERBOSE_ERROR, nullptr,
+                 nullptr, nullptr));
   if (!dataset) refuse("the file is no raster that can be read");
   RasterData data;
   data.n_columns = GDALGetRasterXSize(dataset.get());

@@ -4,6 +4,7 @@
 
 #include "support/Tool.hpp"
 #include "support/text.hpp"
+#include "tools/mesh/message_of.hpp"
 
 namespace {
 
@@ -21,12 +22,7 @@ Mesh mesh_of(std::vector<mesh_import::Node> nodes, std::vector<Cell> cells) {
 }
 
 std::string error_of(Mesh mesh) {
-  try {
-    prepare_cells(mesh, false);
-  } catch (const tools::Error& error) {
-    return error.what();
-  }
-  return "no error";
+  return support::message_of([&] { prepare_cells(mesh, false); });
 }
 
 Cell triangle(int a, int b, int c) { return {{a, b, c, -1}}; }

@@ -10,6 +10,7 @@
 #include "support/TemporaryFolder.hpp"
 #include "support/Tool.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/geotiff.hpp"
 
 namespace {
 
@@ -108,5 +109,16 @@ TEST(DamagedFiles, OfTerrain) {
     mesh_import::Raster(path).interpolate(101.0, 203.0);
   }));
 }
+
+#ifdef QUILLMERE_HAS_GDAL
+TEST(DamagedFiles, OfGeoTiff) {
+  const support::TemporaryFolder folder;
+  support::write_geotiff(folder.file("r.tif"), 8, 6, 100.0, 200.0, 2.5,
+                         [](double x, double y) { return x - y; });
+  expect_most_are_refused(count_refused(folder.read("r.tif"), "r.tif", [](const std::string& path) {
+    mesh_import::Raster(path).interpolate(101.0, 203.0);
+  }));
+}
+#endif
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/message_of.hpp"
 
 namespace {
 
@@ -107,15 +108,11 @@ TEST_F(Edges, OfCellsThatOverlapAreRefused) {
   Mesh mesh;
   mesh.nodes = {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0.5, 2, 0}};
   mesh.cells = {{{0, 1, 2, -1}}, {{0, 1, 3, -1}}};
-  try {
-    mesh_import::make_edges(mesh);
-    FAIL() << "no error";
-  } catch (const tools::Error& error) {
-    EXPECT_EQ(std::string(error.what()),
-              "the edge from (0.000, 0.000) to (1.000, 0.000): found two cells on the same side "
-              "(cells 1 and 2 of the mesh among them), expected one cell on each side: cells "
-              "overlap.");
-  }
+  const std::string error = support::message_of([&] { mesh_import::make_edges(mesh); });
+  EXPECT_EQ(error,
+            "the edge from (0.000, 0.000) to (1.000, 0.000): found two cells on the same side "
+            "(cells 1 and 2 of the mesh among them), expected one cell on each side: cells "
+            "overlap.");
 }
 
 class Sections : public Edges {
@@ -126,12 +123,7 @@ class Sections : public Edges {
     return mesh_import::make_section(mesh, edges, {edges, mesh.nodes.size()}, request);
   }
   std::string error_of(const std::string& request) {
-    try {
-      make(request);
-    } catch (const tools::Error& error) {
-      return error.what();
-    }
-    return "no error";
+    return support::message_of([&] { make(request); });
   }
 
   Mesh mesh;

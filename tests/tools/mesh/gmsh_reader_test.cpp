@@ -7,6 +7,7 @@
 #include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/message_of.hpp"
 
 namespace {
 
@@ -16,12 +17,7 @@ class GmshReader : public testing::Test {
  protected:
   Mesh read(const std::string& text) { return mesh_import::read_msh(folder.write("m.msh", text)); }
   std::string error_of(const std::string& text) {
-    try {
-      read(text);
-    } catch (const tools::Error& error) {
-      return error.what();
-    }
-    return "no error";
+    return support::message_of([&] { read(text); });
   }
   /// A text with one part replaced by another.
   static std::string replaced(std::string text, const std::string& part, const std::string& by) {
@@ -166,12 +162,8 @@ TEST_F(GmshReader, MeshesAGeometryWithoutNamedSurfaces) {
 
 TEST_F(GmshReader, RepeatsWhatGmshSaysOfAFaultyGeometry) {
   const std::string path = folder.write("sample.geo", "Line(1) = {1, 2};\nnonsense;\n");
-  try {
-    mesh_import::read_mesh_file(path);
-    FAIL() << "no error";
-  } catch (const tools::Error& error) {
-    EXPECT_TRUE(support::starts_with(error.what(), path + ": Gmsh reports:\n  ")) << error.what();
-  }
+  const std::string error = support::message_of([&] { mesh_import::read_mesh_file(path); });
+  EXPECT_TRUE(support::starts_with(error, path + ": Gmsh reports:\n  ")) << error;
 }
 
 TEST_F(GmshReader, RefusesAGeometryWhoseLastStatementGmshMayLeaveOut) {

@@ -9,6 +9,8 @@
 #include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/geotiff.hpp"
+#include "tools/mesh/message_of.hpp"
 
 namespace {
 
@@ -21,12 +23,7 @@ class RasterFile : public testing::Test {
  protected:
   Raster read(const std::string& text) { return Raster(folder.write("r.asc", text)); }
   std::string error_of(const std::string& text) {
-    try {
-      read(text);
-    } catch (const tools::Error& error) {
-      return error.what();
-    }
-    return "no error";
+    return support::message_of([&] { read(text); });
   }
 
   support::TemporaryFolder folder;
@@ -115,26 +112,38 @@ TEST_F(RasterFile, GivesNodesTheirElevationOrSaysWhereItHasNone) {
   EXPECT_EQ(mesh_import::set_elevations(mesh, raster, std::nullopt), 0);
   EXPECT_NEAR(mesh.nodes[1].z, plane(4.0, 1.0), 1e-9);
   Mesh far = one_triangle(1.0, 1.0, 30.0);
-  try {
-    mesh_import::set_elevations(far, raster, std::nullopt);
-    FAIL() << "no error";
-  } catch (const tools::Error& error) {
-    EXPECT_TRUE(support::contains(error.what(),
-                                  "no data at 2 of 3 nodes, the first one at (31.000, 1.000)"));
-  }
+  const std::string error =
+      support::message_of([&] { mesh_import::set_elevations(far, raster, std::nullopt); });
+  EXPECT_TRUE(
+      support::contains(error, "no data at 2 of 3 nodes, the first one at (31.000, 1.000)"));
   EXPECT_EQ(mesh_import::set_elevations(far, raster, 55.0), 2);
   EXPECT_EQ(far.nodes[1].z, 55.0);
 }
 
-#ifndef QUILLMERE_HAS_GDAL
-TEST_F(RasterFile, OfOtherFormatsNeedGdal) {
-  try {
-    Raster(folder.write("r.tif", ""));
-    FAIL() << "no error";
-  } catch (const tools::Error& error) {
-    EXPECT_TRUE(support::contains(error.what(), "libgdal-dev"));
-  }
+#ifdef QUILLMERE_HAS_GDAL
+
+TEST_F(RasterFile, MayBeAGeoTiff) {
+  const std::string path = folder.file("r.tif");
+  support::write_geotiff(path, 6, 4, 10.0, 20.0, 2.0,
+                         [](double x, double y) { return x > 20.0 ? -32768.0 : plane(x, y); });
+  const Raster raster(path);
+  EXPECT_NEAR(raster.interpolate(13.7, 24.2).value(), plane(13.7, 24.2), 1e-4);
+  EXPECT_FALSE(raster.interpolate(21.0, 24.0).has_value());
 }
+
+TEST_F(RasterFile, ThatIsNoneIsRefused) {
+  const std::string path = folder.write("r.tif", "nothing of the kind");
+  EXPECT_TRUE(support::starts_with(support::message_of([&] { Raster raster(path); }),
+                                   path + ": the file is no raster that can be read (GDAL: "));
+}
+
+#else
+
+TEST_F(RasterFile, OfOtherFormatsNeedsGdal) {
+  const std::string path = folder.write("r.tif", "");
+  EXPECT_TRUE(support::contains(support::message_of([&] { Raster raster(path); }), "libgdal-dev"));
+}
+
 #endif
 
 }  // namespace

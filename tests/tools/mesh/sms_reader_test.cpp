@@ -6,6 +6,7 @@
 #include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/message_of.hpp"
 
 namespace {
 
@@ -15,12 +16,7 @@ class SmsReader : public testing::Test {
  protected:
   Mesh read(const std::string& text) { return mesh_import::read_2dm(folder.write("m.2dm", text)); }
   std::string error_of(const std::string& text) {
-    try {
-      read(text);
-    } catch (const tools::Error& error) {
-      return error.what();
-    }
-    return "no error";
+    return support::message_of([&] { read(text); });
   }
 
   support::TemporaryFolder folder;
