@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # Measures the speed of the simulator: runs on generated meshes (a dam break over an uneven bed with
-# friction), reading, writing and point location on the last of them, and the pure formulas.
+# friction), the import of meshes, reading, writing and point location, and the pure formulas.
 # bench.sh [CELLS...] chooses the mesh sizes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install_dependencies.sh build bench
+scripts/install_dependencies.sh build tools bench
 cmake --preset release -DQUILLMERE_BENCHMARKS=ON -DQUILLMERE_TESTS=OFF -B build/bench >/dev/null
 cmake --build build/bench
 
@@ -21,6 +21,11 @@ for cells in "${sizes[@]}"; do
   row objects 1 "$cells"
   row tables 1 "$cells"
   [ "$(nproc)" -eq 1 ] || row tables "$(nproc)" "$cells"
+done
+printf '\n%-8s %12s %14s %12s %16s\n' import triangles 'file (MB)' 'time (s)' 'peak (MiB)'
+for cells in "${sizes[@]}"; do
+  printf '%-8s ' '.msh'
+  build/bench/bin/bench_import "$cells" build/bench/bin/quillmere-mesh
 done
 echo
 build/bench/bin/bench_files "${sizes[-1]}"
