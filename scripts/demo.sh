@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# From a bare clone to a picture: installs what is missing, builds the program, runs the flood wave
+# From a bare clone to pictures: installs what is missing, builds the programs, runs the flood wave
 # of examples/meandering_valley in a copy under build/demo and draws its results there.
 set -euo pipefail
 
@@ -7,13 +7,16 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 example=$root/examples/meandering_valley
 case_folder=$root/build/demo/meandering_valley
 program=$root/build/release/bin/quillmere
+exporter=$root/build/release/bin/quillmere-export
 
 build() {
   # The folder is shared with the tests: whether it builds them is left as it was configured.
   if [ ! -e "$root/build/release/build.ninja" ]; then
     (cd "$root" && cmake --preset release -DQUILLMERE_TESTS=OFF)
+  else
+    cmake "$root/build/release" >/dev/null  # finds the libraries that have come since
   fi
-  cmake --build "$root/build/release" --target quillmere
+  cmake --build "$root/build/release" --target quillmere quillmere-export
 }
 
 # The case's own files, without what a run in its folder may have left.
@@ -43,19 +46,14 @@ simulate() {
   echo "$key" >"$case_folder/complete"
 }
 
-plot() {
-  /usr/bin/python3 "$root/scripts/plot_results.py" "$case_folder" "$@" >/dev/null
-}
-
-"$root/scripts/install_dependencies.sh" build plot
+"$root/scripts/install_dependencies.sh" build tools
 build
 simulate
-plot --threshold 0.05 --output "$case_folder/max_depth.png"
-plot --gauges --output "$case_folder/gauges.png"
+echo "Drawing (some seconds) ..."
+"$exporter" plot "$case_folder" --all --threshold 0.05 >/dev/null
 cat <<TEXT
 
 Results of the run:  $case_folder/out
 Its log:             $case_folder/log.txt
-Largest depths:      $case_folder/max_depth.png
-Curves of gauges:    $case_folder/gauges.png
+Pictures:            $case_folder/export/pictures
 TEXT

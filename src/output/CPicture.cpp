@@ -5,17 +5,10 @@
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/snapshot_name.hpp"
 #include "utils/stop.hpp"
 
 namespace {
-
-/// pic_12_50.txt for 12.5 s: two decimals, cut off, not rounded.
-std::string picture_name(double time) {
-  std::string text = std::to_string(time);
-  const auto point = text.find('.');
-  text = text.replace(point, 1, "_").substr(0, point + 3);
-  return Globals::g_outputPath + "pic_" + text + ".txt";
-}
 
 /// Warnings about snapshots that will not be what their names say.
 class SnapshotWarnings {
@@ -46,7 +39,7 @@ CPicture::CPicture(const std::string& path) {
   for (int i = 0; i < count; ++i) {
     file.begin_record("snapshot", i, count);
     times_.push_back(file.read_number("time"));
-    names_.push_back(picture_name(times_.back()));
+    names_.push_back(Globals::g_outputPath + utils::snapshot_name(times_.back()));
     warnings.check(i, times_, names_.back());
   }
 }

@@ -28,7 +28,9 @@ void stop(int status) {
 void throw_fatal_errors() { fatal_errors_are_thrown = true; }
 
 void fatal(const std::string& message, int status) {
-  if (fatal_errors_are_thrown) throw FatalError(message);
+  if (fatal_errors_are_thrown) {
+    throw FatalError(message.substr(0, message.find_last_not_of('\n') + 1));
+  }
   std::cerr << message;
   stop(status);
 }

@@ -24,7 +24,8 @@ class FatalError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// From now on fatal() throws a FatalError with its message, and neither writes nor ends anything:
+/// From now on fatal() throws a FatalError with its message, less the line end, and neither writes
+/// nor ends anything:
 /// for programs that collect errors.
 void throw_fatal_errors();
 

@@ -4,6 +4,8 @@
 #include <iostream>
 #include <string>
 
+#include "utils/stop.hpp"
+
 namespace tools {
 
 namespace {
@@ -17,6 +19,7 @@ Tool::Tool(const char* name, const char* summary, const char* examples)
     : app_(std::string("Examples:\n") + examples + "\n" + summary, name) {
   app_.set_version_flag("--version", std::string(name) + " " + QUILLMERE_VERSION);
   app_.require_subcommand(1);
+  utils::throw_fatal_errors();
 }
 
 int Tool::run(int argc, char** argv) {

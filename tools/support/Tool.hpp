@@ -15,7 +15,7 @@ class Error : public std::runtime_error {
 /// A command line program with subcommands. Every subcommand runs from its callback.
 class Tool {
  public:
-  /// `examples` opens the help text.
+  /// `examples` opens the help text. From now on, what the simulator's readers refuse is an Error.
   Tool(const char* name, const char* summary, const char* examples);
 
   CLI::App& app() { return app_; }

@@ -1,0 +1,97 @@
+// Pictures. SVG keeps its texts, so that a title, a unit and a scale bar can be looked for.
+#include <set>
+
+#include "tools/export/ExportTest.hpp"
+
+namespace {
+
+class Plot : public ExportTest {
+ protected:
+  std::string svg_of(const std::vector<std::string>& options) {
+    std::vector<std::string> arguments = {"plot", ".", "-o", "picture.svg"};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    run_well(arguments);
+    return folder.read("picture.svg");
+  }
+};
+
+bool is_png(const std::string& bytes) {
+  return bytes.size() > 1000 && support::starts_with(bytes, "\x89PNG\r\n\x1a\n");
+}
+
+}  // namespace
+
+TEST_F(Plot, AMapHasTitleTimeUnitAndScaleBar) {
+  simulate(flood_case());
+  const std::string map = svg_of({"--field", "velocity", "--time", "0.5"});
+  for (const char* text : {"River with everything: velocity, t = 0.5 s", "velocity (m/s)", "x (m)",
+                           "y (m)", ">1 m<"}) {
+    EXPECT_TRUE(support::contains(map, text)) << text;
+  }
+  EXPECT_TRUE(support::contains(svg_of({}), "River with everything: largest depth"));
+  EXPECT_TRUE(support::contains(svg_of({"--title", "By hand"}), ">By hand<"));
+}
+
+TEST_F(Plot, CurvesHaveTitleUnitsAndLegend) {
+  simulate(flood_case());
+  const std::string gauges = svg_of({"--gauges"});
+  for (const char* text : {"River with everything: gauges", "depth (m)", "unit discharge (m²/s)",
+                           "time (s)", "gauge 1", "gauge 2"}) {
+    EXPECT_TRUE(support::contains(gauges, text)) << text;
+  }
+  const std::string sections = svg_of({"--sections"});
+  for (const char* text : {"River with everything: sections", "discharge (m³/s)", "section 2"}) {
+    EXPECT_TRUE(support::contains(sections, text)) << text;
+  }
+}
+
+TEST_F(Plot, AllMakesTheFolderOfAReport) {
+  simulate(flood_case());
+  std::set<std::string> expected = {"gauges", "sections", "max_depth", "max_level"};
+  for (const char* time : {"0s", "0.5s", "1.25s"}) {
+    for (const char* field : {"depth_", "level_", "velocity_"}) {
+      expected.insert(std::string(field) + time);
+    }
+  }
+  std::set<std::string> found;
+  for (const std::string& name : support::lines(run_well({"plot", ".", "--all"}).out)) {
+    EXPECT_TRUE(is_png(folder.read(name))) << name;
+    found.insert(std::filesystem::path(name).stem().string());
+  }
+  EXPECT_EQ(found, expected);
+}
+
+TEST_F(Plot, OverSandAllShowsTheChangeOfTheBed) {
+  simulate(sand_case());
+  run_well({"plot", ".", "--all", "-o", "pictures", "--format", "svg"});
+  const std::string map = folder.read("pictures/bed_change_0.25s.svg");
+  EXPECT_TRUE(support::contains(map, "bed change (m)"));
+  EXPECT_FALSE(folder.has("pictures/max_level.svg"));
+}
+
+TEST_F(Plot, MapsOfOneQuantityShareTheirScale) {
+  simulate(flood_case());
+  run_well({"plot", ".", "--all", "-o", "pictures", "--format", "svg"});
+  // The numbers beside the colours come last.
+  const auto scale = [this](const std::string& name) {
+    const std::string map = folder.read("pictures/" + name);
+    return map.substr(map.find("id=\"axes_2\""));
+  };
+  EXPECT_EQ(support::occurrences(scale("depth_0s.svg"), "<text"),
+            support::occurrences(scale("depth_1.25s.svg"), "<text"));
+}
+
+TEST_F(Plot, WhatTheCaseDoesNotHaveIsRefused) {
+  simulate(support::Case());
+  EXPECT_EQ(run({"plot", ".", "--gauges"}).err,
+            "quillmere-export: ./data.json asks for no gauges.\n");
+  EXPECT_EQ(run({"plot", ".", "--field", "depth"}).err,
+            "quillmere-export: ./data.json asks for no snapshots of flow.\n");
+  EXPECT_EQ(run({"plot", ".", "--gauges"}).status, 1);
+}
+
+TEST_F(Plot, TheSameResultsGiveTheSamePicture) {
+  simulate(flood_case());
+  const std::string first = svg_of({"--field", "depth"});
+  EXPECT_EQ(svg_of({"--field", "depth"}), first);
+}

@@ -1,0 +1,121 @@
+#include "export/CaseResults.hpp"
+
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <sstream>
+
+#include "export/TableReader.hpp"
+#include "support/Tool.hpp"
+#include "utils/TextScanner.hpp"
+#include "utils/snapshot_name.hpp"
+
+namespace exports {
+
+namespace {
+
+/// One number per cell.
+std::vector<double> read_cell_file(const std::string& name, const char* field, std::size_t n) {
+  utils::TextScanner file(name);
+  std::vector<double> values(n);
+  for (std::size_t i = 0; i < n; ++i) {
+    file.begin_record("cell", static_cast<int>(i), static_cast<int>(n));
+    values[i] = file.read_number(field);
+  }
+  return values;
+}
+
+std::vector<double> initial_bed(const CaseFiles& files, const Mesh& mesh) {
+  std::vector<double> bed = mesh.center_z;
+  if (files.fixed_bed) bed = read_cell_file(*files.fixed_bed, "bed level", bed.size());
+  if (files.sediment_thickness) {
+    const std::vector<double> thickness =
+        read_cell_file(*files.sediment_thickness, "thickness of the sediment", bed.size());
+    for (std::size_t i = 0; i < bed.size(); ++i) bed[i] += thickness[i];
+  }
+  return bed;
+}
+
+}  // namespace
+
+CaseResults::CaseResults(const std::string& folder_or_data_file)
+    : files(folder_or_data_file),
+      mesh(read_mesh(files.nodes, files.cells)),
+      bed(initial_bed(files, mesh)) {
+  if (!files.snapshot_times) return;
+  utils::TextScanner schedule(*files.snapshot_times);
+  const int count = schedule.read_count("number of snapshots", 1);
+  double before = -HUGE_VAL;
+  for (int i = 0; i < count; ++i) {
+    schedule.begin_record("snapshot", i, count);
+    const double time = schedule.read_number("time");
+    if (time <= before) schedule.refuse("time", "a time after the one before");
+    before = time;
+    const std::string name = files.result(utils::snapshot_name(time));
+    // Of two times that name the same file, it shows the later.
+    if (!snapshots.empty() && snapshots.back().name == name) snapshots.pop_back();
+    if (std::filesystem::is_regular_file(name)) {
+      snapshots.push_back({time, name});
+    } else {
+      missing_snapshots.push_back(name);
+    }
+  }
+}
+
+std::vector<double> CaseResults::node_bed() const {
+  if (!files.fixed_bed && !files.sediment_thickness) return mesh.z;
+  std::vector<double> sum(mesh.n_nodes(), 0.0), count(mesh.n_nodes(), 0.0);
+  for (std::size_t i = 0; i < mesh.n_cells(); ++i) {
+    for (const int node : mesh.nodes_of(i)) {
+      sum[static_cast<std::size_t>(node)] += bed[i];
+      ++count[static_cast<std::size_t>(node)];
+    }
+  }
+  for (std::size_t k = 0; k < sum.size(); ++k) {
+    sum[k] = count[k] > 0.0 ? sum[k] / count[k] : mesh.z[k];
+  }
+  return sum;
+}
+
+std::optional<std::vector<float>> CaseResults::max_depth() const {
+  const std::string name = files.result("enveloppe.txt");
+  if (!std::filesystem::exists(name)) return std::nullopt;
+  TableReader table(name);
+  std::array<double, 4> row;
+  std::vector<float> depth;
+  depth.reserve(mesh.n_cells());
+  while (table.next_row(row)) {
+    if (depth.size() == mesh.n_cells()) {
+      table.refuse(": found a row more than the " + std::to_string(depth.size()) +
+                   " cells of the mesh. Is it a result of this case?");
+    }
+    depth.push_back(static_cast<float>(row[3]));
+  }
+  if (depth.size() < mesh.n_cells()) {
+    table.refuse(": found the end of the file, expected " + std::to_string(mesh.n_cells()) +
+                 " rows, one per cell.");
+  }
+  return depth;
+}
+
+const SnapshotFile& CaseResults::snapshot_at(std::optional<double> time) const {
+  if (snapshots.empty()) {
+    throw tools::Error(missing_snapshots.empty()
+                           ? files.data_file + " asks for no snapshots of flow."
+                           : "No snapshot is there: expected " + missing_snapshots.front() +
+                                 ". Has the case been run?");
+  }
+  if (!time) return snapshots.back();
+  constexpr double tolerance = 0.005;  // s; the names of the files have two decimals
+  std::ostringstream times;
+  for (const SnapshotFile& snapshot : snapshots) {
+    if (std::abs(snapshot.time - *time) <= tolerance) return snapshot;
+    times << (times.tellp() > 0 ? ", " : "") << snapshot.time;
+  }
+  std::ostringstream text;
+  text << "No snapshot is there for the time " << *time << " s; those there are for " << times.str()
+       << " s.";
+  throw tools::Error(text.str());
+}
+
+}  // namespace exports

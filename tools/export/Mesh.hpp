@@ -1,0 +1,52 @@
+// The mesh of a case, as flat arrays.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace exports {
+
+struct Mesh {
+  std::vector<double> x, y, z;  ///< nodes, m
+  std::vector<int> first;       ///< of every cell, where its nodes begin; one more at the end
+  std::vector<int> nodes;       ///< nodes of the cells, counter-clockwise
+  /// Centres of the cells: the mean of their nodes, m.
+  std::vector<double> center_x, center_y, center_z;
+
+  std::size_t n_nodes() const { return x.size(); }
+  std::size_t n_cells() const { return center_x.size(); }
+  std::span<const int> nodes_of(std::size_t cell) const {
+    return std::span(nodes).subspan(static_cast<std::size_t>(first[cell]),
+                                    static_cast<std::size_t>(first[cell + 1] - first[cell]));
+  }
+  int most_nodes_per_cell() const;
+};
+
+/// Reads the nodes and cells files. Cells whose nodes run clockwise are turned round, since that is
+/// what the formats of other programs ask for.
+Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file);
+
+struct Edges {
+  std::vector<std::array<int, 2>> nodes;  ///< of every edge
+  std::vector<int> boundary;              ///< numbers of the edges that bound the domain
+};
+/// Reads the edges file.
+Edges read_edges(const std::string& edges_file, const Mesh& mesh);
+
+/// The cells cut into triangles.
+struct Triangulation {
+  std::vector<std::array<int, 3>> nodes;
+  std::vector<int> cell;  ///< the cell of every triangle
+};
+Triangulation triangulate(const Mesh& mesh);
+
+struct Extent {
+  double west, east, south, north;
+};
+/// Extent of the nodes, m.
+Extent extent_of(const Mesh& mesh);
+
+}  // namespace exports

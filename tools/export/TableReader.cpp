@@ -1,0 +1,110 @@
+#include "export/TableReader.hpp"
+
+#include <charconv>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+
+#include "support/Tool.hpp"
+
+namespace exports {
+
+namespace {
+
+constexpr std::size_t buffer_size = 1 << 20;
+
+bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
+
+/// Printable start of what was found, for a message.
+std::string quoted(const char* first, const char* last) {
+  constexpr std::ptrdiff_t shown = 40;
+  std::string text = "\"";
+  for (const char* c = first; c != last && c - first < shown && !is_blank(*c); ++c) {
+    text += *c >= ' ' && *c != 127 ? *c : '?';
+  }
+  return text + "\"";
+}
+
+std::string column(std::size_t index) { return ", column " + std::to_string(index + 1); }
+
+}  // namespace
+
+TableReader::TableReader(const std::string& name, Missing missing)
+    : name_(name), missing_(missing), file_(name, std::ios::binary), buffer_(buffer_size, '\0') {
+  std::error_code ignored;
+  if (!file_ || std::filesystem::is_directory(name, ignored)) {
+    throw tools::Error("The file " + name + " couldn't be opened. Has the case been run?");
+  }
+}
+
+bool TableReader::fill() {
+  std::memmove(buffer_.data(), buffer_.data() + begin_, end_ - begin_);
+  end_ -= begin_;
+  begin_ = 0;
+  file_.read(buffer_.data() + end_, static_cast<std::streamsize>(buffer_.size() - end_));
+  end_ += static_cast<std::size_t>(file_.gcount());
+  return file_.gcount() > 0;
+}
+
+bool TableReader::next_line(std::string_view& line) {
+  const void* newline = std::memchr(buffer_.data() + begin_, '\n', end_ - begin_);
+  while (newline == nullptr) {
+    const std::size_t searched = end_ - begin_;
+    if (!fill()) break;
+    newline = std::memchr(buffer_.data() + searched, '\n', end_ - searched);
+  }
+  if (newline == nullptr && begin_ == end_) return false;
+  ++line_;
+  if (newline == nullptr) {
+    refuse(end_ - begin_ == buffer_.size()
+               ? ": found no line end within a million bytes, expected a table of numbers."
+               : ": found the end of the file, expected the end of the line; the file is cut off.");
+  }
+  const std::size_t size =
+      static_cast<std::size_t>(static_cast<const char*>(newline) - buffer_.data()) - begin_;
+  line = std::string_view(buffer_.data() + begin_, size);
+  begin_ += size + 1;
+  return true;
+}
+
+bool TableReader::next_row(std::span<double> values) {
+  std::string_view line;
+  if (!next_line(line)) return false;
+  const char* at = line.data();
+  const char* const last = at + line.size();
+  const auto skip_blanks = [&] {
+    while (at != last && is_blank(*at)) ++at;
+  };
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    skip_blanks();
+    if (at == last) {
+      refuse(column(k) + ": found the end of the line, expected " + std::to_string(values.size()) +
+             " numbers.");
+    }
+    const auto [end, error] = std::from_chars(at, last, values[k]);
+    const bool is_whole = end == last || is_blank(*end);
+    if (error == std::errc::result_out_of_range) {
+      values[k] = std::strtod(std::string(at, end).c_str(), nullptr);  // too small is 0
+    }
+    const bool is_known = std::fabs(values[k]) <= std::numeric_limits<float>::max() ||
+                          (missing_ == Missing::allowed && std::isnan(values[k]));
+    if (error == std::errc::invalid_argument || !is_whole || !is_known) {
+      refuse(column(k) + ": found " + quoted(at, last) + ", expected a finite number.");
+    }
+    at = end;
+  }
+  skip_blanks();
+  if (at != last) {
+    refuse(column(values.size()) + ": found " + quoted(at, last) + ", expected only " +
+           std::to_string(values.size()) + " numbers.");
+  }
+  return true;
+}
+
+void TableReader::refuse(const std::string& what) const {
+  throw tools::Error("Error in file " + name_ + ", line " + std::to_string(line_) + what);
+}
+
+}  // namespace exports

@@ -1,0 +1,210 @@
+#include "export/commands.hpp"
+
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include "export/CaseResults.hpp"
+#include "export/csv_writer.hpp"
+#include "export/geotiff_writer.hpp"
+#include "export/plot_command.hpp"
+#include "export/quantities.hpp"
+#include "export/ugrid_writer.hpp"
+#include "export/vtu_writer.hpp"
+#include "support/Tool.hpp"
+#include "utils/stop.hpp"
+
+namespace exports {
+
+namespace {
+
+/// A command with its one argument, the case.
+template <class Options>
+CLI::App& add_command(CLI::App& app, const char* name, const char* summary, Options& options) {
+  CLI::App& command = *app.add_subcommand(name, summary);
+  command
+      .add_option("CASE", options.case_name, "Case folder that holds data.json, or its data file")
+      ->required();
+  return command;
+}
+
+void add_crs_option(CLI::App& command, std::optional<int>& epsg) {
+  command
+      .add_option_function<std::string>(
+          "--crs",
+          [&epsg](const std::string& text) {
+            constexpr std::size_t prefix = 5;  // "EPSG:"
+            epsg = std::stoi(text.substr(prefix));
+          },
+          "Coordinate reference system, as in EPSG:32632")
+      ->check([](const std::string& text) {
+        const bool has_prefix = text.rfind("EPSG:", 0) == 0 || text.rfind("epsg:", 0) == 0;
+        const std::string digits = has_prefix ? text.substr(5) : "";
+        const bool is_number = !digits.empty() && digits.size() <= 8 &&
+                               digits.find_first_not_of("0123456789") == std::string::npos;
+        return is_number ? "" : "found \"" + text + "\", expected EPSG: and a number";
+      })
+      ->type_name("EPSG:n");
+}
+
+std::string or_default(const std::string& given, const std::string& usual) {
+  return given.empty() ? usual : given;
+}
+
+void tell(const std::string& output) { std::cout << output << "\n"; }
+
+/// Says what an export leaves out: the run may still go on, or have ended early.
+void warn_about_missing(const CaseResults& results) {
+  const std::string envelope = results.files.result("enveloppe.txt");
+  const bool has_envelope = std::filesystem::exists(envelope);
+  if (results.snapshots.empty() && !has_envelope) results.snapshot_at(std::nullopt);  // refuses
+  if (!results.missing_snapshots.empty()) {
+    utils::warn(std::to_string(results.missing_snapshots.size()) +
+                " snapshots are not there; the first is " + results.missing_snapshots.front() +
+                ".");
+  }
+  if (!has_envelope) utils::warn("the envelope " + envelope + " is not there.");
+}
+
+}  // namespace
+
+void add_netcdf_command(CLI::App& app) {
+  struct Options : UgridOptions {
+    std::string case_name;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App& command = add_command(
+      app, "netcdf", "All snapshots and the envelope as UGRID NetCDF, for QGIS", *options);
+  add_crs_option(command, options->epsg);
+  command.add_option("--epoch", options->epoch, "Date and hour of the time 0 s")
+      ->check([](const std::string& text) {
+        std::string shape = text;
+        for (char& c : shape) c = c >= '0' && c <= '9' ? '0' : c;
+        return shape == "0000-00-00 00:00:00"
+                   ? ""
+                   : "found \"" + text + "\", expected \"YYYY-MM-DD hh:mm:ss\"";
+      })
+      ->capture_default_str();
+  command.add_flag("--compress", options->is_compressed, "Smaller, slower: netCDF-4, deflated");
+  command.add_option("-o,--output", options->output, "File (CASE/export/results.nc)");
+  command.callback([options] {
+    const CaseResults results(options->case_name);
+    warn_about_missing(results);
+    options->output = or_default(options->output, results.files.export_path("results.nc"));
+    write_ugrid(results, *options);
+    tell(options->output);
+  });
+}
+
+void add_vtu_command(CLI::App& app) {
+  struct Options : VtuOptions {
+    std::string case_name;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App& command =
+      add_command(app, "vtu", "A VTU file per snapshot and a PVD, for ParaView", *options);
+  command.add_flag("--relief", options->has_relief, "Put the points on the bed, not at 0");
+  command.add_option("-o,--output", options->output, "PVD file (CASE/export/results.pvd)");
+  command.callback([options] {
+    const CaseResults results(options->case_name);
+    warn_about_missing(results);
+    options->output = or_default(options->output, results.files.export_path("results.pvd"));
+    write_vtu(results, *options);
+    tell(options->output);
+  });
+}
+
+void add_geotiff_command(CLI::App& app) {
+  struct Options : GeotiffOptions {
+    std::string case_name, field = "max_depth";
+    std::optional<double> time;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App& command = add_command(app, "geotiff", "One field as a raster", *options);
+  command.add_option("--field", options->field, "What the pixels hold")
+      ->check(CLI::IsMember(map_field_names()))
+      ->capture_default_str();
+  command.add_option("--resolution", options->resolution, "Side of a pixel, m")
+      ->required()
+      ->check(CLI::PositiveNumber);
+  command.add_option("--time", options->time, "Time of the snapshot, s (the last one)");
+  add_crs_option(command, options->epsg);
+  command.add_option("-o,--output", options->output, "File (CASE/export/FIELD.tif)");
+  command.callback([options] {
+    const CaseResults results(options->case_name);
+    options->output =
+        or_default(options->output, results.files.export_path(options->field + ".tif"));
+    const MapField field =
+        read_map_field(results, options->field, options->time, results.files.dry_depth);
+    write_geotiff(results.mesh, field, *options);
+    tell(options->output);
+  });
+}
+
+void add_csv_command(CLI::App& app) {
+  struct Options {
+    std::string case_name, folder;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App& command = add_command(app, "csv", "Gauges and sections as tables with units", *options);
+  command.add_option("-o,--output", options->folder, "Folder (CASE/export)");
+  command.callback([options] {
+    const CaseFiles files(options->case_name);
+    if (!files.gauges && !files.sections) {
+      throw tools::Error(files.data_file + " asks for neither gauges nor discharges.");
+    }
+    const auto write = [&](auto writer, const char* name) {
+      const std::string output = options->folder.empty()
+                                     ? files.export_path(name)
+                                     : (std::filesystem::path(options->folder) / name).string();
+      writer(files, output);
+      tell(output);
+    };
+    if (files.gauges) {
+      write(write_gauges_csv, "gauges.csv");
+      write(write_gauge_points_csv, "gauge_points.csv");
+    }
+    if (files.sections) write(write_sections_csv, "sections.csv");
+  });
+}
+
+void add_plot_command(CLI::App& app) {
+  struct Options : PlotOptions {
+    std::string case_name;
+  };
+  using What = PlotOptions::What;
+  auto options = std::make_shared<Options>();
+  CLI::App& command = add_command(app, "plot", "Pictures: maps and curves", *options);
+  CLI::App& what = *command.add_option_group("What to draw");
+  what.require_option(0, 1);
+  what.add_option("--field", options->field, "Map of a field")
+      ->check(CLI::IsMember(map_field_names()))
+      ->capture_default_str();
+  what.add_flag_callback(
+      "--gauges", [options] { options->what = What::gauges; }, "Curves of the gauges");
+  what.add_flag_callback(
+      "--sections", [options] { options->what = What::sections; }, "Curves of the sections");
+  what.add_flag_callback(
+      "--all", [options] { options->what = What::all; },
+      "A folder of pictures: the envelope, every snapshot, the curves");
+  command.add_option("--time", options->time, "Time of the snapshot, s (the last one)");
+  command.add_option("--threshold", options->dry_depth,
+                     "Cells no deeper than this are drawn dry, m (the case's zero depth)");
+  command.add_option("--format", options->format, "Kind of picture")
+      ->check(CLI::IsMember({"png", "svg"}))
+      ->capture_default_str();
+  command.add_option("--title", options->title, "Title (name of the run, and what is shown)");
+  command.add_option("-o,--output", options->output,
+                     "File (CASE/export/NAME.png), or folder of --all (CASE/export/pictures)");
+  command.callback([options] {
+    const std::string extension = std::filesystem::path(options->output).extension().string();
+    if (options->what != What::all && (extension == ".png" || extension == ".svg")) {
+      options->format = extension.substr(1);
+    }
+    const CaseResults results(options->case_name);
+    for (const std::string& picture : plot(results, *options)) tell(picture);
+  });
+}
+
+}  // namespace exports

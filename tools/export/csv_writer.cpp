@@ -1,0 +1,111 @@
+#include "export/csv_writer.hpp"
+
+#include <cmath>
+#include <filesystem>
+
+#include "export/PartialFile.hpp"
+#include "export/TableReader.hpp"
+#include "support/Tool.hpp"
+#include "utils/TextBuffer.hpp"
+#include "utils/TextScanner.hpp"
+
+namespace exports {
+
+namespace {
+
+/// Copies the rows of a table, one after the other.
+void copy_rows(TableReader& table, std::size_t columns, std::ostream& out) {
+  std::vector<double> row(columns);
+  utils::TextBuffer line;
+  while (table.next_row(row)) {
+    line.clear();
+    for (std::size_t k = 0; k < columns; ++k) {
+      if (k > 0) line << ',';
+      if (!std::isnan(row[k])) line << row[k];
+    }
+    line << '\n';
+    out << line.text();
+  }
+}
+
+}  // namespace
+
+GaugeList read_gauge_list(const CaseFiles& files) {
+  if (!files.gauges) throw tools::Error(files.data_file + " asks for no gauges.");
+  utils::TextScanner file(*files.gauges);
+  GaugeList list;
+  const int count = file.read_count("number of gauges", 3);
+  list.result = files.result(file.read_word("result file name"));
+  file.read_number("recording interval");
+  for (int i = 0; i < count; ++i) {
+    file.begin_record("gauge", i, count);
+    const double x = file.read_number("x");
+    const double y = file.read_number("y");
+    file.read_number("z");
+    list.points.emplace_back(x, y);
+  }
+  return list;
+}
+
+SectionList read_section_list(const CaseFiles& files) {
+  if (!files.sections) throw tools::Error(files.data_file + " asks for no discharges.");
+  utils::TextScanner file(*files.sections);
+  SectionList list;
+  const int count = file.read_count("number of sections", 1);
+  file.read_number("recording interval");
+  // The simulator writes it in its working directory, not in the output folder.
+  list.result = (std::filesystem::path(files.folder) / file.read_word("result file name")).string();
+  for (int s = 0; s < count; ++s) {
+    file.begin_record("section", s, count);
+    std::vector<int> edges(static_cast<std::size_t>(file.read_count("number of edges", 1)));
+    for (int& edge : edges) edge = file.read_integer("edge");
+    list.edges.push_back(std::move(edges));
+  }
+  return list;
+}
+
+void write_gauges_csv(const CaseFiles& files, const std::string& output) {
+  const GaugeList list = read_gauge_list(files);
+  TableReader table(list.result, TableReader::Missing::allowed);
+  std::string_view header;
+  table.next_line(header);
+  if (header.substr(0, 9) != "time [s]\t") {
+    table.refuse(": expected a header that begins with \"time [s]\".");
+  }
+  PartialStream file(output);
+  file.stream() << "time (s)";
+  for (std::size_t i = 1; i <= list.points.size(); ++i) {
+    const std::string gauge = ",gauge " + std::to_string(i);
+    file.stream() << gauge << " depth (m)" << gauge << " unit discharge x (m2/s)" << gauge
+                  << " unit discharge y (m2/s)";
+  }
+  file.stream() << '\n';
+  copy_rows(table, 1 + 3 * list.points.size(), file.stream());
+  file.commit();
+}
+
+void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
+  const GaugeList list = read_gauge_list(files);
+  PartialStream file(output);
+  file.stream() << "gauge,x (m),y (m)\n";
+  file.stream().precision(15);
+  for (std::size_t i = 0; i < list.points.size(); ++i) {
+    file.stream() << i + 1 << ',' << list.points[i].first << ',' << list.points[i].second << '\n';
+  }
+  file.commit();
+}
+
+void write_sections_csv(const CaseFiles& files, const std::string& output) {
+  const SectionList list = read_section_list(files);
+  TableReader table(list.result);
+  PartialStream file(output);
+  file.stream() << "time (s)";
+  for (std::size_t s = 1; s <= list.edges.size(); ++s) {
+    file.stream() << ",section " << s << " discharge (m3/s)";
+  }
+  file.stream() << '\n';
+  copy_rows(table, 1 + list.edges.size(), file.stream());
+  file.commit();
+}
+
+}  // namespace exports

@@ -1,0 +1,314 @@
+#!/usr/bin/python3
+"""Draws the maps and curves that "quillmere-export plot" asks for: draw_results.py JOB.json.
+
+The job names, beside it, arrays of the machine's own numbers: values of the cells, the triangles of
+the mesh, and the triangle in which every pixel of the map lies.
+"""
+import io
+import json
+import os
+import sys
+
+import numpy as np
+
+try:
+    import matplotlib
+    matplotlib.use("Agg")
+    import matplotlib.pyplot as plt
+    from matplotlib import colormaps, patheffects
+    from matplotlib.cm import ScalarMappable
+    from matplotlib.collections import LineCollection
+    from matplotlib.colors import ListedColormap, Normalize
+    from matplotlib.offsetbox import AnchoredOffsetbox, AuxTransformBox, TextArea, VPacker
+    from matplotlib.patches import Rectangle
+    from matplotlib.ticker import MaxNLocator
+    from mpl_toolkits.axes_grid1 import make_axes_locatable
+except ImportError as error:
+    sys.exit(f"matplotlib was not found ({error}): install it (Debian: python3-matplotlib).")
+
+# Colours of Okabe and Ito, which readers with any colour vision tell apart.
+CURVE_COLOURS = ("#0072B2", "#D55E00", "#009E73", "#CC79A7", "#E69F00", "#56B4E9", "#000000")
+LINE_STYLES = ("-", "--", "-.", ":")
+# Colour maps for readers with any colour vision; pale ends would look like dry land.
+MAP_COLOURS = {"max_depth": "GnBu", "depth": "GnBu", "velocity": "YlOrRd", "bed": "cividis",
+               "bed_change": "PuOr_r", "sediment_thickness": "YlOrBr",
+               "infiltrated_depth": "PuBu"}
+PALE = ("GnBu", "YlOrRd", "YlOrBr", "PuBu")
+UNITS = {"m": "m", "m s-1": "m/s", "m2 s-1": "m²/s"}
+
+
+class Terrain:
+    """What all maps of a case share: pixels, the shaded ground, outline, gauges and sections."""
+
+    def __init__(self, folder, mesh):
+        def load(name, kind):
+            return np.fromfile(os.path.join(folder, name), kind)
+
+        grid = mesh["grid"]
+        rows, columns, size = grid["rows"], grid["columns"], grid["resolution"]
+        self.bounds = (grid["west"], grid["west"] + columns * size,
+                       grid["north"] - rows * size, grid["north"])
+        self.extent = mesh["extent"]
+        self.outline, self.sections = mesh["outline"], mesh["sections"]
+        self.gauges = mesh["gauges"]
+
+        pixels = load("pixels", np.int32).reshape(rows, columns)
+        self.inside = pixels >= 0
+        triangle = pixels[self.inside]
+        self.cells = load("triangle_cells", np.int32)[triangle]
+        x, y, z = load("x", float), load("y", float), load("terrain", float)
+        triangles = load("triangles", np.int32).reshape(-1, 3)
+        self.ground = self.draw_ground(x, y, z, triangles, triangle, grid)
+
+    def on_pixels(self, values, nothing=np.nan):
+        image = np.full(self.inside.shape, nothing)
+        image[self.inside] = values
+        return image
+
+    def draw_ground(self, x, y, z, triangles, triangle, grid):
+        """Elevation and lightness of every pixel, linear in the triangles."""
+        row, column = np.nonzero(self.inside)
+        px = grid["west"] + (column + 0.5) * grid["resolution"]
+        py = grid["north"] - (row + 0.5) * grid["resolution"]
+        a, b, c = triangles[triangle].T
+        area = (x[b] - x[a]) * (y[c] - y[a]) - (x[c] - x[a]) * (y[b] - y[a])
+        of_b = ((px - x[a]) * (y[c] - y[a]) - (x[c] - x[a]) * (py - y[a])) / area
+        of_c = ((x[b] - x[a]) * (py - y[a]) - (px - x[a]) * (y[b] - y[a])) / area
+        of_a = 1 - of_b - of_c
+        light = hillshade(x, y, z, triangles)
+        self.elevation = self.on_pixels(of_a * z[a] + of_b * z[b] + of_c * z[c])
+        self.has_contours = has_relief(z)
+        return self.on_pixels(of_a * light[a] + of_b * light[b] + of_c * light[c], 1.0)
+
+
+def has_relief(z):
+    """Whether elevations differ by more than rounding."""
+    return np.ptp(z) > 1e-9 * np.abs(z).max()
+
+
+def hillshade(x, y, z, triangles):
+    """Lightness of the nodes (0 black, 1 white), lit from the north-west; slopes are scaled by the
+    terrain's own, so that flat and steep terrain both show."""
+    a, b, c = triangles.T
+    normal = np.cross(np.column_stack((x[b] - x[a], y[b] - y[a], z[b] - z[a])),
+                      np.column_stack((x[c] - x[a], y[c] - y[a], z[c] - z[a])))
+    if not has_relief(z):
+        return np.full(len(x), 0.83)
+    slope = -normal[:, :2] / np.where(normal[:, 2:] > 0, normal[:, 2:], np.inf)
+    usual = np.quantile(np.hypot(*slope.T), 0.75)
+    light = np.tanh(slope @ (np.array([1, -1]) / np.sqrt(2)) / (usual if usual > 0 else 1))
+    corners = triangles.ravel()
+    total = np.bincount(corners, np.repeat(light, 3), len(x))
+    return 0.83 + 0.1 * total / np.maximum(np.bincount(corners, minlength=len(x)), 1)
+
+
+# --- maps -----------------------------------------------------------------------------------------
+
+def colour_scale(name, lowest, highest):
+    """Colour map and range for values from `lowest` to `highest`."""
+    chosen = MAP_COLOURS.get(name, "viridis")
+    colours = colormaps[chosen]
+    if chosen in PALE:
+        colours = ListedColormap(colours(np.linspace(0.22, 1, 256)))
+        lowest = min(lowest, 0)
+    if name == "bed_change":  # no change is the middle
+        highest = max(abs(lowest), abs(highest))
+        lowest = -highest
+    if highest <= lowest:
+        lowest, highest = lowest - 0.5 * (chosen not in PALE), highest + 0.5
+    return colours, Normalize(lowest, highest)
+
+
+def format_time(time):
+    text = f"t = {time:g} s"
+    if time < 3600:
+        return text
+    minutes = round(time / 60)
+    return f"{text} ({minutes // 60} h {minutes % 60:02d} min)"
+
+
+def draw_picture(axes, terrain, values, colours, scale):
+    """The shaded ground, and the values over it where there are any."""
+    image = np.repeat(terrain.ground[:, :, None], 4, axis=2)
+    image[:, :, 3] = terrain.inside
+    on_cells = values[terrain.cells]
+    shown = ~np.isnan(on_cells)
+    painted = image[terrain.inside]
+    painted[shown] = colours(scale(on_cells[shown]))
+    image[terrain.inside] = painted
+    axes.imshow(image, extent=terrain.bounds, origin="upper")
+    if terrain.has_contours:
+        axes.contour(terrain.elevation, levels=12, colors="0.55", linewidths=0.35,
+                     extent=terrain.bounds, origin="upper")
+    axes.add_collection(LineCollection(terrain.outline, colors="0.35", linewidths=0.7))
+
+
+def draw_places(axes, terrain):
+    """Where the gauges and the sections are."""
+    halo = [patheffects.withStroke(linewidth=2.2, foreground="white")]
+    for section in terrain.sections:
+        axes.add_collection(LineCollection(section, colors="black", linewidths=0.9))
+    for number, (x, y) in enumerate(terrain.gauges, 1):
+        axes.plot(x, y, "o", markersize=4.5, color="#D55E00", markeredgecolor="white",
+                  markeredgewidth=0.7)
+        axes.annotate(str(number), (x, y), xytext=(4, 4), textcoords="offset points",
+                      fontsize=9, fontweight="bold", path_effects=halo)
+
+
+def draw_scale(axes, width):
+    """A bar of a round length, about a sixth of the map, above its right end."""
+    power = 10.0 ** np.floor(np.log10(width / 6))
+    length = max(factor * power for factor in (1, 2, 5) if factor * power <= width / 6)
+    bar = AuxTransformBox(axes.transData)
+    bar.add_artist(Rectangle((0, 0), length, 0, edgecolor="black", linewidth=2))
+    text = f"{length / 1000:g} km" if length >= 1000 else f"{length:g} m"
+    packed = VPacker(children=[bar, TextArea(text, textprops={"fontsize": 9})], align="center",
+                     pad=0, sep=3)
+    axes.add_artist(AnchoredOffsetbox("lower right", child=packed, frameon=False, borderpad=0.2,
+                                      bbox_to_anchor=(1, 1), bbox_transform=axes.transAxes))
+
+
+def draw_map(job, terrain, entry, values, limits):
+    west, east, south, north = terrain.extent
+    ratio = max(north - south, 1e-9) / max(east - west, 1e-9)
+    size = (9.6, max(9.6 * ratio + 1.2, 2.6)) if ratio < 1 else (7.2 / ratio + 2.2, 7.2)
+    figure, axes = plt.subplots(figsize=size, layout="constrained")
+    colours, scale = colour_scale(entry["name"], *limits)
+    draw_picture(axes, terrain, values, colours, scale)
+    draw_places(axes, terrain)
+    axes.set_aspect("equal")
+    margin = 0.01 * max(east - west, north - south)
+    axes.set(xlim=(west - margin, east + margin), ylim=(south - margin, north + margin),
+             xlabel="x (m)", ylabel="y (m)")
+    shown = entry["long_name"]
+    if "time" in entry:
+        shown += ", " + format_time(entry["time"])
+    axes.set_title(job["title"] or f"{job['case']}: {shown}", loc="left")
+    axes.ticklabel_format(useOffset=False, style="plain")
+    axes.xaxis.set_major_locator(MaxNLocator(6, integer=east - west > 10))
+    axes.yaxis.set_major_locator(MaxNLocator(2 if ratio < 0.2 else 5, integer=east - west > 10))
+    axes.spines[["top", "right"]].set_visible(False)
+    label = f"{entry['long_name']} ({UNITS[entry['unit']]})"
+    paint = ScalarMappable(scale, colours)
+    if ratio > 0.4:  # as high as the map, and beside it
+        beside = make_axes_locatable(axes).append_axes("right", size=0.16, pad=0.15)
+        figure.colorbar(paint, cax=beside, label=label)
+    else:
+        figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30)
+    draw_scale(axes, east - west)
+    return figure
+
+
+def limits_of(fields):
+    """Least and largest value of each quantity, so that its maps share one scale."""
+    limits = {}
+    for entry, values in fields:
+        shown = values[~np.isnan(values)]
+        if len(shown):
+            low, high = limits.get(entry["name"], (np.inf, -np.inf))
+            limits[entry["name"]] = (min(low, shown.min()), max(high, shown.max()))
+    return limits
+
+
+def draw_maps(job, folder):
+    if not job["maps"]:
+        return
+    terrain = Terrain(folder, job["mesh"])
+    fields = [(entry, np.memmap(os.path.join(folder, entry["values"]), np.float32, "r"))
+              for entry in job["maps"]]
+    limits = limits_of(fields)
+    for entry, values in fields:
+        save(draw_map(job, terrain, entry, values, limits.get(entry["name"], (0, 0))),
+             entry["output"])
+
+
+# --- curves ---------------------------------------------------------------------------------------
+
+def time_axis(times):
+    """Times and their unit, in hours for long runs."""
+    return (times / 3600, "time (h)") if times[-1] > 7000 else (times, "time (s)")
+
+
+def draw_curves(axes, times, columns, kind):
+    for k, column in enumerate(columns.T):
+        axes.plot(times, column, color=CURVE_COLOURS[k % len(CURVE_COLOURS)], linewidth=1.6,
+                  linestyle=LINE_STYLES[k // len(CURVE_COLOURS) % len(LINE_STYLES)],
+                  label=f"{kind} {k + 1}")
+    axes.grid(color="0.9")
+    axes.spines[["top", "right"]].set_visible(False)
+    axes.margins(x=0)
+
+
+def draw_gauges(table, title):
+    """Depth and unit discharge; the table has time, then depth, qx and qy of every gauge."""
+    times, label = time_axis(table[:, 0])
+    figure, (upper, lower) = plt.subplots(2, 1, figsize=(8.4, 5.6), sharex=True,
+                                          layout="constrained")
+    draw_curves(upper, times, table[:, 1::3], "gauge")
+    draw_curves(lower, times, np.hypot(table[:, 2::3], table[:, 3::3]), "gauge")
+    upper.set(ylabel="depth (m)", title=title, ylim=(0, None))
+    lower.set(ylabel="unit discharge (m²/s)", xlabel=label, ylim=(0, None))
+    upper.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
+    return figure
+
+
+def draw_sections(table, title):
+    """Discharge through every section."""
+    times, label = time_axis(table[:, 0])
+    figure, axes = plt.subplots(figsize=(8.4, 4), layout="constrained")
+    draw_curves(axes, times, table[:, 1:], "section")
+    axes.set(ylabel="discharge (m³/s)", xlabel=label, title=title)
+    axes.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
+    return figure
+
+
+def draw_all_curves(job, folder):
+    for entry in job["curves"]:
+        path = os.path.join(folder, entry["table"])
+        table = np.genfromtxt(path, delimiter=",", skip_header=1, ndmin=2)
+        kind = entry["kind"]
+        if table.size == 0 or table.shape[1] < 2:
+            sys.exit(f"the case's {kind} hold nothing to draw.")
+        title = job["title"] or f"{job['case']}: {kind}"
+        draw = draw_gauges if kind == "gauges" else draw_sections
+        save(draw(table, title), entry["output"])
+
+
+# --- pictures -------------------------------------------------------------------------------------
+
+def save(figure, output):
+    """PNG pictures get a palette of 256 colours, which makes them several times smaller."""
+    try:
+        if output.lower().endswith(".svg"):
+            figure.savefig(output, format="svg", bbox_inches="tight", pad_inches=0.1,
+                           metadata={"Date": None})
+        else:
+            save_png(figure, output)
+    except OSError as error:
+        sys.exit(f"{output} couldn't be written: {error}.")
+    plt.close(figure)
+
+
+def save_png(figure, output):
+    from PIL import Image  # matplotlib itself needs it
+
+    picture = io.BytesIO()
+    figure.savefig(picture, format="png", dpi=120, bbox_inches="tight", pad_inches=0.1)
+    with Image.open(picture) as image:
+        palette = image.convert("RGB").quantize(256, method=Image.Quantize.MAXCOVERAGE,
+                                                dither=Image.Dither.NONE)
+        palette.save(output, format="PNG", optimize=True)
+
+
+def main():
+    folder = os.path.dirname(sys.argv[1])
+    with open(sys.argv[1], encoding="utf-8") as file:
+        job = json.load(file)
+    plt.rcParams["svg.fonttype"] = "none"  # texts stay texts
+    plt.rcParams["svg.hashsalt"] = "quillmere"  # the same picture has the same bytes
+    draw_maps(job, folder)
+    draw_all_curves(job, folder)
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,274 @@
+#include "export/plot_command.hpp"
+
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "export/SnapshotReader.hpp"
+#include "export/csv_writer.hpp"
+#include "export/quantities.hpp"
+#include "export/raster.hpp"
+#include "support/Tool.hpp"
+
+namespace exports {
+
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using What = PlotOptions::What;
+
+constexpr double pixels_along_a_map = 1600.0;
+
+/// A folder that lives as long as the drawing, with the arrays that the script reads.
+class DrawingFolder {
+ public:
+  DrawingFolder() {
+    std::string name = (fs::temp_directory_path() / "quillmere-plot-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+      throw tools::Error("The folder " + name + " couldn't be created.");
+    }
+    path_ = name;
+  }
+  ~DrawingFolder() {
+    std::error_code ignored;
+    fs::remove_all(path_, ignored);
+  }
+  DrawingFolder(const DrawingFolder&) = delete;
+  DrawingFolder& operator=(const DrawingFolder&) = delete;
+
+  std::string path(const std::string& name) const { return (path_ / name).string(); }
+  template <class T>
+  void save(const std::string& name, const std::vector<T>& values) const {
+    std::ofstream file(path(name), std::ios::binary);
+    file.write(reinterpret_cast<const char*>(values.data()),
+               static_cast<std::streamsize>(values.size() * sizeof(T)));
+    if (!file.flush()) {
+      throw tools::Error("The file " + path(name) + " couldn't be written (is the disk full?).");
+    }
+  }
+
+ private:
+  fs::path path_;
+};
+
+/// Coordinates x1 y1 x2 y2 of edges.
+json lines_of(const std::vector<int>& numbers, const Edges& edges, const CaseResults& results) {
+  json lines = json::array();
+  for (const int number : numbers) {
+    if (number < 0 || static_cast<std::size_t>(number) >= edges.nodes.size()) {
+      throw tools::Error("Error in file " + results.files.sections.value_or("") + ": found edge " +
+                         std::to_string(number) + ", expected an index from 0 to " +
+                         std::to_string(static_cast<long>(edges.nodes.size()) - 1) + ".");
+    }
+    json line = json::array();
+    for (const int node : edges.nodes[static_cast<std::size_t>(number)]) {
+      const auto n = static_cast<std::size_t>(node);
+      line.push_back({results.mesh.x[n], results.mesh.y[n]});
+    }
+    lines.push_back(std::move(line));
+  }
+  return lines;
+}
+
+/// What all maps share: terrain, outline, pixels, and where gauges and sections are.
+json describe_mesh(const CaseResults& results, const DrawingFolder& folder) {
+  const Mesh& mesh = results.mesh;
+  const Extent extent = extent_of(mesh);
+  const double length = std::max(extent.east - extent.west, extent.north - extent.south);
+  const Grid grid = grid_over(extent, length > 0.0 ? length / pixels_along_a_map : 1.0);
+  const Triangulation triangles = triangulate(mesh);
+  folder.save("x", mesh.x);
+  folder.save("y", mesh.y);
+  folder.save("terrain", results.node_bed());
+  folder.save("triangles", triangles.nodes);
+  folder.save("triangle_cells", triangles.cell);
+  folder.save("pixels", rasterize(mesh, triangles, grid));
+
+  const Edges edges = read_edges(results.files.edges, mesh);
+  json places = {{"outline", lines_of(edges.boundary, edges, results)},
+                 {"sections", json::array()},
+                 {"gauges", json::array()}};
+  if (results.files.sections) {
+    for (const auto& section : read_section_list(results.files).edges) {
+      places["sections"].push_back(lines_of(section, edges, results));
+    }
+  }
+  if (results.files.gauges) {
+    for (const auto& [x, y] : read_gauge_list(results.files).points) {
+      places["gauges"].push_back({x, y});
+    }
+  }
+  places["grid"] = {{"west", grid.west},
+                    {"north", grid.north},
+                    {"resolution", grid.resolution},
+                    {"columns", grid.columns},
+                    {"rows", grid.rows}};
+  places["extent"] = {extent.west, extent.east, extent.south, extent.north};
+  return places;
+}
+
+/// The pictures of one call, as the script reads them.
+class Job {
+ public:
+  Job(const CaseResults& results, const PlotOptions& options)
+      : results_(results),
+        options_(options),
+        dry_depth_(options.dry_depth.value_or(results.files.dry_depth)),
+        job_({{"case", results.files.title},
+              {"title", options.title},
+              {"maps", json::array()},
+              {"curves", json::array()}}) {}
+
+  void add_map(const MapField& field, const std::string& name) {
+    const std::string values = "values_" + std::to_string(job_["maps"].size());
+    folder_.save(values, field.values);
+    json map = {{"name", field.name},
+                {"long_name", field.long_name},
+                {"unit", field.unit},
+                {"values", values},
+                {"output", add_output(name)}};
+    if (field.time) map["time"] = *field.time;
+    job_["maps"].push_back(std::move(map));
+  }
+  void add_map(const std::string& field) {
+    const MapField values = read_map_field(results_, field, options_.time, dry_depth_);
+    add_map(values, picture_name(values));
+  }
+  void add_gauges() {
+    write_gauges_csv(results_.files, folder_.path("gauges.csv"));
+    add_curves("gauges");
+  }
+  void add_sections() {
+    write_sections_csv(results_.files, folder_.path("sections.csv"));
+    add_curves("sections");
+  }
+  /// What a report wants: the envelope, every snapshot, every curve, of what the case has.
+  void add_all() {
+    if (results_.max_depth()) {
+      add_map("max_depth");
+      if (!results_.files.has_sediment) add_map("max_level");
+    }
+    Snapshot snapshot;
+    for (const SnapshotFile& file : results_.snapshots) {
+      read_snapshot(results_, file, snapshot);
+      for (const char* name : {"depth", "level", "velocity", "bed_change"}) {
+        if (std::string(name) == "bed_change" && !results_.files.has_sediment) continue;
+        const MapField field = map_field(results_, snapshot, name, dry_depth_);
+        add_map(field, picture_name(field));
+      }
+    }
+    if (results_.files.gauges) add_gauges();
+    if (results_.files.sections) add_sections();
+    if (outputs_.empty()) {
+      throw tools::Error("No result of " + results_.files.data_file +
+                         " is there. Has the case been run?");
+    }
+  }
+
+  std::vector<std::string> draw() {
+    if (!job_["maps"].empty()) job_["mesh"] = describe_mesh(results_, folder_);
+    std::ofstream(folder_.path("job.json")) << job_;
+    run_script(folder_.path("job.json"));
+    return outputs_;
+  }
+
+ private:
+  /// depth_600s.png for the depth at 600 s.
+  static std::string picture_name(const MapField& field) {
+    if (!field.time) return field.name;
+    json time = *field.time;
+    if (*field.time == std::floor(*field.time)) time = static_cast<long>(*field.time);
+    return field.name + "_" + time.dump() + "s";
+  }
+
+  std::string add_output(const std::string& name) {
+    const std::string file = name + "." + options_.format;
+    if (options_.what == What::all) {
+      const std::string folder =
+          options_.output.empty() ? results_.files.export_path("pictures") : options_.output;
+      outputs_.push_back((fs::path(folder) / file).string());
+    } else {
+      outputs_.push_back(options_.output.empty() ? results_.files.export_path(file)
+                                                 : options_.output);
+    }
+    const fs::path parent = fs::path(outputs_.back()).parent_path();
+    std::error_code error;
+    if (!parent.empty()) fs::create_directories(parent, error);
+    if (error) {
+      throw tools::Error("The folder " + parent.string() +
+                         " couldn't be created: " + error.message() + ".");
+    }
+    return outputs_.back();
+  }
+
+  void add_curves(const std::string& kind) {
+    job_["curves"].push_back(
+        {{"kind", kind}, {"table", kind + ".csv"}, {"output", add_output(kind)}});
+  }
+
+  /// The script has its place beside the program: ../share/quillmere from the program's folder, in
+  /// the build tree and where it is installed.
+  static void run_script(const std::string& job) {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    const std::string script =
+        (program.parent_path().parent_path() / "share" / "quillmere" / "draw_results.py").string();
+    if (error || !fs::exists(script)) {
+      throw tools::Error("The script " + script + ", which draws, is not there.");
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+      execl(QUILLMERE_PYTHON, QUILLMERE_PYTHON, "-B", script.c_str(), job.c_str(),
+            static_cast<char*>(nullptr));
+      _exit(127);
+    }
+    int state = 0;
+    if (child < 0 || waitpid(child, &state, 0) != child) {
+      throw tools::Error("No process for the drawing script could be started.");
+    }
+    if (WIFEXITED(state) && WEXITSTATUS(state) == 127) {
+      throw tools::Error("Python is not there as " QUILLMERE_PYTHON
+                         ". Install it (Debian: python3-matplotlib).");
+    }
+    if (!WIFEXITED(state) || WEXITSTATUS(state) != 0) {
+      throw tools::Error("Drawing failed; what went wrong stands above.");
+    }
+  }
+
+  const CaseResults& results_;
+  const PlotOptions& options_;
+  double dry_depth_;
+  DrawingFolder folder_;
+  json job_;
+  std::vector<std::string> outputs_;
+};
+
+}  // namespace
+
+std::vector<std::string> plot(const CaseResults& results, const PlotOptions& options) {
+  Job job(results, options);
+  switch (options.what) {
+    case What::map:
+      job.add_map(options.field);
+      break;
+    case What::gauges:
+      job.add_gauges();
+      break;
+    case What::sections:
+      job.add_sections();
+      break;
+    case What::all:
+      job.add_all();
+      break;
+  }
+  return job.draw();
+}
+
+}  // namespace exports

@@ -1,0 +1,56 @@
+// The quantities that a case's results give, with names and units: one list for every format.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "export/CaseResults.hpp"
+#include "export/SnapshotReader.hpp"
+
+namespace exports {
+
+/// A quantity of a snapshot. Vectors have two, the x and after it the y component.
+struct Quantity {
+  enum class Part { scalar, x, y };
+  /// What a dry cell shows: its value; its value in data sets, but nothing on maps; or nothing.
+  enum class WhenDry { shown, left_off_maps, hidden };
+
+  std::string name;       ///< "velocity" for both components of the velocity
+  std::string long_name;  ///< as a legend says it
+  std::string unit;
+  Part part;
+  WhenDry when_dry;
+  float (*of_cell)(const CaseResults&, const Snapshot&, std::size_t cell);
+};
+
+/// Those that go into data sets.
+std::vector<Quantity> dataset_quantities(const CaseFiles& files);
+/// velocity_x for the x component of the velocity.
+std::string variable_name(const Quantity& quantity);
+/// The values of all cells; nan where a dry cell hides them.
+void evaluate(const Quantity& quantity, const CaseResults& results, const Snapshot& snapshot,
+              std::vector<float>& values);
+/// The level (m) of the largest depths over a bed that does not move; nan where dry.
+std::vector<float> max_level(const CaseResults& results, const std::vector<float>& max_depth);
+
+/// One value per cell, nan where there is nothing to show.
+struct MapField {
+  std::string name, long_name, unit;
+  std::optional<double> time;  ///< s; none for the envelope of the largest values
+  std::vector<float> values;
+};
+
+/// Names that `read_map_field` knows.
+std::vector<std::string> map_field_names();
+/// Names of those that this case's snapshots have.
+std::vector<std::string> snapshot_map_fields(const CaseFiles& files);
+/// A field of the envelope, or of the snapshot at a time (the last one without a time). Where the
+/// water is not deeper than `dry_depth` (m), it shows nothing. Refuses what the case does not have.
+MapField read_map_field(const CaseResults& results, const std::string& name,
+                        std::optional<double> time, double dry_depth);
+/// The same of a snapshot that has been read.
+MapField map_field(const CaseResults& results, const Snapshot& snapshot, const std::string& name,
+                   double dry_depth);
+
+}  // namespace exports

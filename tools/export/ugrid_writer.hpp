@@ -1,0 +1,21 @@
+// UGRID-1.0 in CF NetCDF: every snapshot in one file, as QGIS opens it as a mesh layer.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "export/CaseResults.hpp"
+
+namespace exports {
+
+struct UgridOptions {
+  std::string output;                         ///< name of the file
+  std::optional<int> epsg;                    ///< coordinate reference system
+  std::string epoch = "1970-01-01 00:00:00";  ///< date and hour of the time 0 s
+  bool is_compressed = false;                 ///< netCDF-4, deflated, in place of classic netCDF
+};
+
+/// Writes the file, one snapshot after the other. Without netCDF-C in the build it is refused.
+void write_ugrid(const CaseResults& results, const UgridOptions& options);
+
+}  // namespace exports
