@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Measures the speed of the simulator: runs on generated meshes (a dam break over an uneven bed with
-# friction), the import of meshes, reading, writing and point location, and the pure formulas.
-# bench.sh [CELLS...] chooses the mesh sizes.
+# friction), the import of meshes, reading, writing and point location, the pure formulas, and the
+# export of 20 snapshots. bench.sh [CELLS...] chooses the mesh sizes.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -31,3 +31,9 @@ echo
 build/bench/bin/bench_files "${sizes[-1]}"
 echo
 build/bench/bin/bench_formulas --benchmark_format=console 2>/dev/null
+
+printf '\n%12s %9s %14s %10s %12s %18s\n' \
+  triangles snapshots 'text (MB)' 'netcdf (s)' 'MB/s of text' 'memory (snapshots)'
+for cells in "${sizes[@]}"; do
+  build/bench/bin/bench_export build/bench/bin/quillmere-export "$cells" 20
+done
