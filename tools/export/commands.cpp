@@ -60,9 +60,8 @@ void warn_about_missing(const CaseResults& results) {
   const bool has_envelope = std::filesystem::exists(envelope);
   if (results.snapshots.empty() && !has_envelope) results.snapshot_at(std::nullopt);  // refuses
   if (!results.missing_snapshots.empty()) {
-    utils::warn(std::to_string(results.missing_snapshots.size()) +
-                " snapshots are not there; the first is " + results.missing_snapshots.front() +
-                ".");
+    utils::warn("snapshots not there: " + std::to_string(results.missing_snapshots.size()) +
+                ", the first of them " + results.missing_snapshots.front() + ".");
   }
   if (!has_envelope) utils::warn("the envelope " + envelope + " is not there.");
 }
@@ -198,6 +197,12 @@ void add_plot_command(CLI::App& app) {
   command.add_option("-o,--output", options->output,
                      "File (CASE/export/NAME.png), or folder of --all (CASE/export/pictures)");
   command.callback([options] {
+    if (options->time && options->what != What::map) {
+      throw CLI::ValidationError("--time", "is for the map of one field");
+    }
+    if (options->dry_depth && (options->what == What::gauges || options->what == What::sections)) {
+      throw CLI::ValidationError("--threshold", "is for maps");
+    }
     const std::string extension = std::filesystem::path(options->output).extension().string();
     if (options->what != What::all && (extension == ".png" || extension == ".svg")) {
       options->format = extension.substr(1);

@@ -187,7 +187,10 @@ std::vector<std::string> snapshot_map_fields(const CaseFiles& files) {
 
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth) {
-  if (name == "max_depth" || name == "max_level") return of_envelope(results, name, dry_depth);
+  if (name == "max_depth" || name == "max_level") {
+    if (time) throw tools::Error(name + " is that of the whole run: it has no time.");
+    return of_envelope(results, name, dry_depth);
+  }
   Snapshot snapshot;
   read_snapshot(results, results.snapshot_at(time), snapshot);
   return map_field(results, snapshot, name, dry_depth);

@@ -63,15 +63,15 @@ class UgridWriter {
   }
 
   void define_mesh() {
-    const int topology = file_.add_variable("Mesh2d", NC_INT, {});
-    file_.add_text(topology, "cf_role", "mesh_topology");
-    file_.add_text(topology, "long_name", "topology of the mesh");
-    file_.add_integer(topology, "topology_dimension", 2);
-    file_.add_text(topology, "node_coordinates", "Mesh2d_node_x Mesh2d_node_y");
-    file_.add_text(topology, "face_node_connectivity", "Mesh2d_face_nodes");
-    file_.add_text(topology, "face_dimension",
+    topology_ = file_.add_variable("Mesh2d", NC_INT, {});
+    file_.add_text(topology_, "cf_role", "mesh_topology");
+    file_.add_text(topology_, "long_name", "topology of the mesh");
+    file_.add_integer(topology_, "topology_dimension", 2);
+    file_.add_text(topology_, "node_coordinates", "Mesh2d_node_x Mesh2d_node_y");
+    file_.add_text(topology_, "face_node_connectivity", "Mesh2d_face_nodes");
+    file_.add_text(topology_, "face_dimension",
                    "Mesh2d_nFaces");  // else rows and columns are guessed
-    file_.add_text(topology, "face_coordinates", "Mesh2d_face_x Mesh2d_face_y");
+    file_.add_text(topology_, "face_coordinates", "Mesh2d_face_x Mesh2d_face_y");
 
     node_x_ = add_coordinate("Mesh2d_node_x", nodes_, "x", "nodes");
     node_y_ = add_coordinate("Mesh2d_node_y", nodes_, "y", "nodes");
@@ -103,10 +103,10 @@ class UgridWriter {
 
   void define_crs() {
     if (!options_.epsg) return;
-    const int crs = file_.add_variable("crs", NC_INT, {});
-    file_.add_text(crs, "long_name", "coordinate reference system");
-    file_.add_text(crs, "EPSG_code", "EPSG:" + std::to_string(*options_.epsg));
-    file_.add_integer(crs, "epsg", *options_.epsg);
+    crs_ = file_.add_variable("crs", NC_INT, {});
+    file_.add_text(crs_, "long_name", "coordinate reference system");
+    file_.add_text(crs_, "EPSG_code", "EPSG:" + std::to_string(*options_.epsg));
+    file_.add_integer(crs_, "epsg", *options_.epsg);
   }
 
   void define_results() {
@@ -174,6 +174,9 @@ class UgridWriter {
   }
 
   void put_mesh() {
+    constexpr int none = 0;  // these two are there for their attributes
+    file_.put(topology_, &none);
+    if (crs_ >= 0) file_.put(crs_, &none);
     file_.put(node_x_, mesh().x.data());
     file_.put(node_y_, mesh().y.data());
     file_.put(node_z_, results_.node_bed().data());
@@ -196,6 +199,7 @@ class UgridWriter {
   std::optional<std::vector<float>> max_depth_;
   NetcdfFile file_;
   int nodes_ = 0, faces_ = 0, corners_ = 0, time_ = 0;
+  int topology_ = 0, crs_ = -1;
   int node_x_ = 0, node_y_ = 0, node_z_ = 0, face_x_ = 0, face_y_ = 0, face_nodes_ = 0;
   int time_variable_ = 0, bed_ = -1, max_depth_variable_ = -1, max_level_variable_ = -1;
   std::vector<int> variables_;  ///< of the quantities

@@ -39,6 +39,8 @@ TEST_F(CommandLine, WrongUsageHasAStatusOfItsOwn) {
            {"geotiff", ".", "--resolution", "0"},
            {"geotiff", ".", "--resolution", "1", "--field", "depht"},
            {"plot", ".", "--all", "--gauges"},
+           {"plot", ".", "--all", "--time", "1"},
+           {"plot", ".", "--gauges", "--threshold", "1"},
            {"plot", ".", "--format", "gif"}}) {
     const support::RunResult result = run(words);
     EXPECT_EQ(result.status, 2) << result.err;
@@ -68,6 +70,22 @@ TEST_F(CommandLine, ACaseThatHasNotBeenRunIsNamed) {
                "No snapshot is there: expected ./out/pic_0_50.txt. Has the case been run?");
   expect_error({"geotiff", ".", "--resolution", "1"},
                "The file ./out/enveloppe.txt is not there. Has the case been run?");
+}
+
+TEST_F(CommandLine, AMalformedMeshFileIsAnErrorWithItsPlace) {
+  support::Case c;
+  c.files["nodes.txt"] = "1\n0 0 zero\n";
+  c.write(folder);
+  expect_error(
+      {"netcdf", "."},
+      "Error in file ./nodes.txt, line 2, node 0 (of 0 to 0), z: found \"zero\", expected a "
+      "finite number.");
+}
+
+TEST_F(CommandLine, TheEnvelopeHasNoTime) {
+  simulate(support::Case());
+  expect_error({"geotiff", ".", "--resolution", "1", "--time", "0.5"},
+               "max_depth is that of the whole run: it has no time.");
 }
 
 TEST_F(CommandLine, TheDataFileStandsForItsFolder) {

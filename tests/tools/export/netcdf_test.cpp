@@ -266,7 +266,7 @@ TEST_F(Netcdf, SnapshotsThatAreNotThereAreNamedAndTheOthersExported) {
   std::filesystem::remove(folder.file("out/pic_1_25.txt"));
   const support::RunResult result = run({"netcdf", "."});
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "Warning: 1 snapshots are not there; the first is ./out/pic_1_25.txt.\n");
+  EXPECT_EQ(result.err, "Warning: snapshots not there: 1, the first of them ./out/pic_1_25.txt.\n");
   EXPECT_EQ(values("time"), (std::vector<std::string>{"0", "0.5"}));
 }
 
