@@ -10,9 +10,12 @@ import tempfile
 
 import numpy as np
 
-WALL = -5
 TRANSMISSIVE = -2
+DISCHARGE = -3
+LEVEL = -4
+WALL = -5
 HYDROGRAPH = -33
+LIMNIGRAPH = -44
 
 
 class Plan:
@@ -183,9 +186,10 @@ def make_edges(cells):
     return np.array(sorted(edges)).T
 
 
-def write_mesh(folder, mesh, codes, series=None, z_decimals=3):
+def write_mesh(folder, mesh, codes, values=None, z_decimals=3):
     """The three mesh files. `codes` holds one boundary code per edge (ignored inside the domain),
-    `series` the name of the hydrograph's file."""
+    `values` the further value of the codes that have one."""
+    values = values or {}
     form = f"%.{mesh.decimals}f %.{mesh.decimals}f %.{z_decimals}f"
     nodes = [form % (*xy, z) for xy, z in zip(mesh.xy, mesh.z)]
     cells = ["3 %d %d %d" % tuple(cell) for cell in mesh.cells]
@@ -194,7 +198,7 @@ def write_mesh(folder, mesh, codes, series=None, z_decimals=3):
     lines = []
     for left, right, a, b, code in zip(mesh.left, mesh.right, mesh.node1, mesh.node2, codes):
         line = f"{left} {right} {a} {b} {-1 if right >= 0 else code}"
-        lines.append(line + f" {series}" if right < 0 and code == HYDROGRAPH else line)
+        lines.append(f"{line} {values[code]}" if right < 0 and code in values else line)
     write_lines(folder, "edges.txt", lines, count=True)
 
 
@@ -223,12 +227,16 @@ def write_initial_state(folder, level, decimals):
     write_lines(folder, "initial.txt", [f"{z:.{decimals}f} 0 0" for z in level])
 
 
-def write_data_file(folder, name, t_end, courant, conditions, sources, output, zero_depth=None):
-    model = {"name": "Quillmere", "flux scheme": "LHLLC"}
+def write_data_file(folder, name, t_end, courant, conditions, sources, output, zero_depth=None,
+                    sediment=None):
+    """`sediment` holds the parameters of the sediments, in a case that has a mobile bed."""
+    model = {"name": "Bramsett" if sediment else "Quillmere", "flux scheme": "LHLLC"}
     if zero_depth is not None:
         model["zero depth value"] = zero_depth
     model["conditions"] = {"initial conditions": "initial.txt", **conditions}
     model["sources"] = sources
+    if sediment:
+        model["parameters"] = sediment
     data = {
         "name": name, "t0": 0, "tend": t_end, "CFL": courant,
         "mesh": {"nodes": "nodes.txt", "cells": "cells.txt", "edges": "edges.txt"},

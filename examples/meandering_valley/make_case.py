@@ -110,7 +110,7 @@ def main():
 
     sections = [mesh.section_at(at) for at in (600, 3000, 5400)]
     mesh.point_edges_uphill(keep=np.concatenate(sections))
-    tools.write_mesh(FOLDER, mesh, codes, series="hydrograph.txt")
+    tools.write_mesh(FOLDER, mesh, codes, values={tools.HYDROGRAPH: "hydrograph.txt"})
 
     # Unit discharges along the outward normal: what flows in is negative.
     tools.write_lines(FOLDER, "hydrograph.txt",

@@ -1,6 +1,5 @@
 #!/usr/bin/python3
 """Writes the input files of this case: a dam break over a flat bed of sand in a flume."""
-import json
 import os
 import sys
 
@@ -43,22 +42,11 @@ def main():
     tools.write_data_file(
         FOLDER, "Dam break over a bed of sand", t_end=1.51, courant=0.9,
         conditions={"friction": "friction.txt", "initial sediments level": "sand.txt"}, sources={},
-        output={"time step enveloppe of results": 0.5, "snapshots of flow": "snapshots.txt"})
-    use_sediment_model()
+        output={"time step enveloppe of results": 0.5, "snapshots of flow": "snapshots.txt"},
+        sediment={"sediments mean grain diameter": GRAIN, "sediments density": DENSITY,
+                  "sediments friction coefficient": round(MANNING, 4),
+                  "sediments porosity": POROSITY})
     print(f"{cells} triangles, Manning {MANNING:.4f}")
-
-
-def use_sediment_model():
-    path = os.path.join(FOLDER, "data.json")
-    with open(path) as file:
-        data = json.load(file)
-    data["model"]["name"] = "Bramsett"
-    data["model"]["parameters"] = {
-        "sediments mean grain diameter": GRAIN, "sediments density": DENSITY,
-        "sediments friction coefficient": round(MANNING, 4), "sediments porosity": POROSITY}
-    with open(path, "w") as file:
-        json.dump(data, file, indent=2)
-        file.write("\n")
 
 
 if __name__ == "__main__":
