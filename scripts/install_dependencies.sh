@@ -8,11 +8,12 @@ usage() {
 Usage: install_dependencies.sh GROUP...
 
 Groups:
-  build   compiler, CMake, Ninja and the JSON library
-  tools   what the companion tools build on, and matplotlib for their pictures
-  test    GoogleTest, and what reads exported files back
-  fuzz    Clang, with its fuzzer and sanitizers
-  bench   Google Benchmark
+  build       compiler, CMake, Ninja and the JSON library
+  tools       what the companion tools build on, and matplotlib for their pictures
+  test        GoogleTest, numpy, and what reads exported files back
+  fuzz        Clang, with its fuzzer and sanitizers
+  bench       Google Benchmark
+  validation  numpy and matplotlib for /usr/bin/python3
 TEXT
 }
 
@@ -20,9 +21,10 @@ packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
-    test) echo libgtest-dev python3-netcdf4 python3-meshio python3-gdal ;;
+    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
+    validation) echo python3-numpy python3-matplotlib ;;
     *) return 1 ;;
   esac
 }

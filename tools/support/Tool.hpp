@@ -2,15 +2,13 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
-#include <stdexcept>
+
+#include "utils/stop.hpp"
 
 namespace tools {
 
 /// A reason to end with status 1: the file, the place in it, what was found and what is expected.
-class Error : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
+using Error = utils::FatalError;
 
 /// A command line program with subcommands. Every subcommand runs from its callback.
 class Tool {

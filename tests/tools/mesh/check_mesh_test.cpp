@@ -19,7 +19,7 @@ TEST_F(CheckMesh, NamesEveryFileThatCannotBeOpened) {
   check();
   const std::vector<std::string> found = texts("errors", "unreadable file");
   ASSERT_EQ(found.size(), 3U);
-  EXPECT_TRUE(support::contains(found[0], "\"mesh/check/nodes\": the file n.txt"));
+  EXPECT_TRUE(support::contains(found[0], "\"mesh/nodes\": the file n.txt"));
   EXPECT_TRUE(support::contains(found[2], "\"model/conditions/friction\": the file f.txt"));
 }
 

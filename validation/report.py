@@ -1,0 +1,121 @@
+"""Writes docs/validation.md: one section per case, between marks, so that a case that is run alone
+replaces its own section."""
+import os
+import re
+
+from validation import figures, norms
+
+INTRODUCTION = f"""# Validation
+
+What the simulator computes well, and what it does not. `scripts/validate.sh` makes the meshes, runs
+the simulator, compares with the exact solutions, draws the figures and writes this page; `validate.sh
+CASE...` does so for single cases. Every number below was measured by that command.
+
+**Meshes.** A mesh of size n has n squares along its length, each cut into two triangles: *structured*
+with alternating diagonals; *irregular* with diagonals drawn at random and nodes moved at random by up
+to a quarter of a side; *rotated* is the structured one turned by 37°. The Courant number is 0.9.
+
+**Errors** are relative L1 norms over the cells at their centres: the sum of |computed - exact| times the
+area of a cell, over the sum of |exact| times the area; L1(h) of the depth, L1(q) of the vector of unit
+discharge. *Order* is the observed one between a mesh and the one before. A snapshot is written at the
+first step that has reached its time; it is compared with the solution at the time of that step, which
+the sections file tells.
+
+**What the errors are held against.** Where a column *plain scheme* stands, the depth must be within
+{norms.FACTOR:g} times the error of a plain first-order scheme on n squares (HLL on Cartesian cells, computed
+separately). Two triangles share a square; *ratio, equal area* therefore gives, for information, the
+ratio to the plain scheme on squares of the triangles' area, interpolated between its meshes. On the
+finest mesh the depth must further be within 5 %, the tolerance of Synolakis, Bernard, Titov, Kânoğlu
+and González (2007), *Standards, criteria, and procedures for NOAA evaluation of tsunami numerical models*
+(NOAA Technical Memorandum OAR PMEL-135), for analytical solutions; not for the swinging lakes, where no
+first-order scheme reaches it on such meshes. The last observed order must be at least {norms.LOWEST_ORDER:g}, which
+Kuznetsov (1976), *USSR Comput. Math. Math. Phys.* 16, 105–119, proves for monotone first-order schemes and
+one scalar law, shocks included. Bounds come from there, not from what the simulator gives;
+where a case has another one, it says so. A criterion that is missed is named with its reason.
+"""
+
+CLOSING = """## What is not here
+
+- The flume of Bellos, Soulis and Sakkas (1992), J. Hydraul. Eng. 118, 1616–1633, a dam break in a
+  converging-diverging channel, is set up in [an example](../examples/flume_dam_break), but its measured
+  levels are in figures of the paper that we cannot quote with certainty. No comparison is claimed.
+- The beds of Hudson and Sweby and of Berthon et al. need Grass's transport law, which the simulator does
+  not have.
+"""
+
+
+def section(case, result, figure, caption):
+    """The text of a case's section."""
+    lines = [f"## {case.title}", "", f"{case.tests}", "", f"*Source.* {case.source}", "",
+             f"![{case.title}](validation/{figure})", "", caption, ""]
+    for table in result.tables:
+        lines += [*markdown(table), ""]
+    if result.remarks:
+        lines += [" ".join(result.remarks), ""]
+    lines += [f"*What the first-order scheme cannot do here.* {case.limit}", ""]
+    lines += [verdict(case, result), ""]
+    return "\n".join(lines)
+
+
+def markdown(table):
+    rows = [f"| {' | '.join(row)} |" for row in table.rows]
+    aligned = ["---" if k == 0 else "---:" for k in range(len(table.titles))]
+    return [f"| {' | '.join(table.titles)} |", f"| {' | '.join(aligned)} |", *rows]
+
+
+def verdict(case, result):
+    if not result.criteria:
+        return "*Criteria.* None."
+    missed = result.missed()
+    if not missed:
+        return f"*Criteria.* All {len(result.criteria)} are met."
+    lines = [f"*Criteria.* {len(missed)} of {len(result.criteria)} are **missed**:", ""]
+    lines += [f"- {text}: {measured:.3g}, bound {bound:.3g}" for text, measured, bound, _ in missed]
+    return "\n".join([*lines, "", f"*Reason.* {case.reason}"])
+
+
+def summary_row(case, result):
+    met = len(result.criteria) - len(result.missed())
+    state = "–" if not result.criteria else f"{met} of {len(result.criteria)}"
+    return f"| [{case.title}](#{anchor(case.title)}) | `{case.name}` | {state} |"
+
+
+def anchor(title):
+    """The anchor that a heading gets: lower case, no punctuation, hyphens for blanks."""
+    return re.sub(r"[^\w\- ]", "", title.lower()).replace(" ", "-")
+
+
+class Page:
+    """The document: sections by case name, each with its row of the summary."""
+
+    start = "<!-- case {name} -->"
+    pattern = re.compile(r"<!-- case (\w+) -->\n<!-- summary (.*) -->\n(.*?)<!-- end -->", re.S)
+
+    def __init__(self, path):
+        self.path, self.sections = path, {}
+        if os.path.exists(path):
+            with open(path) as file:
+                for name, row, text in self.pattern.findall(file.read()):
+                    self.sections[name] = row, text
+
+    def put(self, case, result, figure, caption):
+        self.sections[case.name] = (summary_row(case, result),
+                                    section(case, result, figure, caption))
+
+    def write(self, names):
+        """Sections in the order of `names`; those of other names are dropped."""
+        known = [name for name in names if name in self.sections]
+        parts = [INTRODUCTION, "| case | name | criteria met |\n| --- | --- | ---: |"]
+        parts[-1] += "".join(f"\n{self.sections[name][0]}" for name in known) + "\n"
+        for name in known:
+            row, text = self.sections[name]
+            parts.append(f"{self.start.format(name=name)}\n<!-- summary {row} -->\n{text}<!-- end -->\n")
+        with open(self.path, "w") as file:
+            file.write("\n".join([*parts, CLOSING]))
+
+
+def add(page, case, result, folder):
+    """Draws the case's figure into `folder` and puts its section into the page."""
+    figure = f"{case.name}.svg"
+    caption = figures.save(case, os.path.join(folder, figure))
+    page.put(case, result, figure, caption)

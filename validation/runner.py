@@ -1,0 +1,179 @@
+"""Writes a case folder, runs the simulator in it and reads the results back."""
+import os
+import shutil
+import subprocess
+
+import numpy as np
+
+from validation.meshes import SIDES, mesh_tools, rotate
+
+ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
+PROGRAM = os.environ.get("QUILLMERE_PROGRAM", os.path.join(ROOT, "build/release/bin/quillmere"))
+GRAVITY = 9.81
+COURANT = 0.9
+
+
+class RunError(Exception):
+    """A run that ended with an error, or without a result that it should have written."""
+
+
+class Setup:
+    """What a run needs beside its mesh. Fields are functions of the local x and y.
+
+    bed             bed level, m
+    bed_by          "nodes": elevations of the mesh nodes; "file": one value per cell over flat nodes
+    level, qx, qy   initial free surface (m) and unit discharges (m2/s)
+    boundaries      {side: (code, further value or None)}; a side that is not named is a wall
+    manning         Manning coefficient
+    sources         the data file's section of that name
+    sediment        thickness of the erodible layer (a function), parameters (a dictionary)
+    files           {name: lines} of further input files
+    sections        lists of edge numbers
+    uphill          whether edges name their lower cell first, as the manual asks for at shores
+    """
+
+    def __init__(self, level, times, bed=None, bed_by="nodes", qx=None, qy=None, boundaries=None,
+                 manning=None, zero_depth=1e-6, sources=None, sediment=None, files=None,
+                 sections=None, interval=None, uphill=True):
+        self.level, self.times = level, list(times)
+        self.bed, self.bed_by = bed or constant(0), bed_by
+        self.qx, self.qy = qx or constant(0), qy or constant(0)
+        self.boundaries = boundaries or {}
+        self.manning, self.zero_depth = manning, zero_depth
+        self.sources, self.sediment = sources or {}, sediment
+        self.files, self.sections = files or {}, sections or []
+        self.interval = interval or self.times[0]
+        self.uphill = uphill
+
+
+class State:
+    """The cells at one time: depth h, unit discharges qx, qy along the local axes, bed zb; `more`
+    holds the further columns of a snapshot."""
+
+    def __init__(self, time, table, angle):
+        self.time = time
+        self.zb, self.h = table[:, 2], table[:, 3]
+        self.qx, self.qy = rotate(table[:, 4], table[:, 5], -angle)
+        self.more = table[:, 6:]
+
+
+class Run:
+    """Results: the states, and the series of the sections (column 0 is the clock)."""
+
+    def __init__(self, mesh, states, sections):
+        self.mesh, self.states, self.sections = mesh, states, sections
+        self.x, self.y = mesh.centres().T
+        self.areas = mesh.areas
+
+    def volume(self, state=-1):
+        return float(np.sum(self.states[state].h * self.areas))
+
+
+def constant(value):
+    return lambda x, y: np.full(np.shape(x), float(value))
+
+
+def snapshot_name(time):
+    """The program's name of the snapshot at a time: two decimals, cut off."""
+    whole, decimals = f"{time:.6f}".split(".")
+    return f"pic_{whole}_{decimals[:2]}.txt"
+
+
+def write_case(folder, name, mesh, setup):
+    """Every input file of the case."""
+    shutil.rmtree(folder, ignore_errors=True)
+    os.makedirs(os.path.join(folder, "out"))
+    x, y = mesh.centres().T
+    bed = place_bed(mesh, setup, x, y)
+    if setup.uphill:
+        mesh.point_edges_uphill()
+    codes, values = boundary_codes(mesh, setup)
+    mesh_tools.write_mesh(folder, mesh.turned(), codes, values, z_decimals=mesh.decimals)
+
+    level, (qx, qy) = setup.level(x, y), rotate(setup.qx(x, y), setup.qy(x, y), mesh.angle)
+    write_columns(folder, "initial.txt", level, qx, qy)
+    conditions = {}
+    if setup.bed_by == "file":
+        write_columns(folder, "bed.txt", bed)
+        conditions["fixed bed level"] = "bed.txt"
+    if setup.manning is not None:
+        write_columns(folder, "friction.txt", setup.manning(x, y))
+        conditions["friction"] = "friction.txt"
+    if setup.sediment is not None:
+        write_columns(folder, "sand.txt", setup.sediment[0](x, y))
+        conditions["initial sediments level"] = "sand.txt"
+    for file_name, lines in setup.files.items():
+        mesh_tools.write_lines(folder, file_name, lines)
+    mesh_tools.write_lines(folder, "times.txt", [len(setup.times), *map(repr, setup.times)])
+    mesh_tools.write_sections(folder, setup.sections or [[0]], setup.interval)
+    write_data_file(folder, name, mesh, setup, conditions, level - bed)
+
+
+def place_bed(mesh, setup, x, y):
+    """Gives the nodes their elevations; returns the bed of the cells."""
+    if setup.bed_by == "nodes":
+        mesh.z = setup.bed(*mesh.xy.T)
+        return mesh.bed()
+    bed = setup.bed(x, y)
+    mesh.z = np.full(len(mesh.xy), bed.min())
+    # The sides that an edge file names first are chosen from the bed that the run will see.
+    mesh.bed = lambda: bed
+    return bed
+
+
+def boundary_codes(mesh, setup):
+    codes, values = np.full(len(mesh.left), mesh_tools.WALL), {}
+    sides = mesh.side_of_edges()
+    for side, (code, value) in setup.boundaries.items():
+        codes[sides == SIDES.index(side)] = code
+        if value is not None:
+            values[code] = value
+    return codes, values
+
+
+def write_columns(folder, name, *columns):
+    np.savetxt(os.path.join(folder, name), np.column_stack(columns), fmt="%.17g")
+
+
+def write_data_file(folder, name, mesh, setup, conditions, depth):
+    # No step is shortened to meet a time: the run must last some steps longer than its last output.
+    # Where water gets thin, steps get long.
+    last = setup.times[-1]
+    step = mesh.shortest_length() / np.sqrt(GRAVITY * max(depth.max(), 0.01))
+    output = {"time step enveloppe of results": 1e9, "snapshots of flow": "times.txt",
+              "discharges": "sections.txt"}
+    mesh_tools.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT,
+                               conditions, setup.sources, output, setup.zero_depth,
+                               setup.sediment and setup.sediment[1])
+
+
+def execute(folder, threads=1):
+    """Runs the program in a case folder. The results are the same on any number of threads; most of
+    the meshes are too small for a second one to gain much."""
+    environment = dict(os.environ, OMP_NUM_THREADS=str(threads))
+    done = subprocess.run([PROGRAM, "-f", "data.json", "-nodisplay"], cwd=folder, env=environment,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    if done.returncode != 0:
+        raise RunError(f"The run in {folder} ended with {done.returncode}:\n{done.stderr}")
+
+
+def read_results(folder, mesh, times):
+    sections = np.loadtxt(os.path.join(folder, "out/sections.txt"), ndmin=2)
+    states = []
+    for time in times:
+        name = snapshot_name(time)
+        try:
+            table = np.loadtxt(os.path.join(folder, "out", name), skiprows=1, ndmin=2)
+        except OSError:
+            raise RunError(f"The run in {folder} wrote no {name}.")
+        # The sections file tells the clock of the step that wrote the snapshot.
+        reached = sections[:, 0] >= time * (1 - 1e-5)
+        states.append(State(sections[np.argmax(reached), 0], table, mesh.angle))
+    return Run(mesh, states, sections)
+
+
+def simulate(folder, name, mesh, setup, threads=1):
+    """Writes the case, runs it and returns its Run."""
+    write_case(folder, name, mesh, setup)
+    execute(folder, threads)
+    return read_results(folder, mesh, setup.times)
