@@ -34,8 +34,8 @@ def main():
         result = case.evaluate(os.path.join(RUNS, case.name))
         report.add(page, case, result, figures)
         missed = result.missed()
-        print(f"{case.name}: {len(result.criteria) - len(missed)} of {len(result.criteria)} criteria met, "
-              f"{time.monotonic() - start:.0f} s", flush=True)
+        print(f"{case.name}: {len(result.criteria) - len(missed)} of {len(result.criteria)} "
+              f"criteria met, {time.monotonic() - start:.0f} s", flush=True)
         page.write([case.name for case in CASES])
     print(f"Written: {page.path}")
 

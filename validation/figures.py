@@ -6,7 +6,7 @@ import numpy as np
 BLACK, ORANGE, BLUE, GREEN, RED, PINK = ("#000000", "#E69F00", "#0072B2", "#009E73", "#D55E00",
                                          "#CC79A7")
 KIND_STYLES = ((BLUE, "o", "-"), (RED, "s", "--"), (GREEN, "^", ":"), (PINK, "D", "-."))
-MOST_POINTS = 120  # of a curve of results
+MOST_POINTS = 80  # of a curve of results
 SHOWN_DEPTH = 1e-3  # m, from which on a velocity is shown
 
 STYLE = {
@@ -33,16 +33,18 @@ def shorten_numbers(path):
     """Hundredths of a point are enough for coordinates, and make the file smaller."""
     with open(path) as file:
         text = file.read()
+    text = re.sub(r'(?<= )(d|x|y)="[^"]*"',
+                  lambda found: re.sub(r"(\.\d\d)\d+", r"\1", found.group()), text)
     with open(path, "w") as file:
-        file.write(re.sub(r"(\d\.\d\d)\d+", r"\1", text))
+        file.write(text)
 
 
 def profile_and_errors(figure, case):
     left, right = figure.subplots(1, 2, width_ratios=(1.6, 1))
     profile(left, case)
     errors(right, case)
-    return ("Left: depth along the middle, computed on the coarsest and the finest mesh, and exact. "
-            "Right: error of the depth against the number of cells.")
+    return ("Left: depth along the middle, computed on the coarsest and the finest mesh, and "
+            "exact. Right: error of the depth against the number of cells.")
 
 
 def profile(axes, case):
@@ -85,6 +87,8 @@ def errors(axes, case):
     axes.set(xlabel="n", ylabel="relative L1 error of depth")
     axes.set_xticks(sizes, [str(n) for n in sizes])
     axes.minorticks_off()
+    low, high = np.log10(axes.get_ylim())
+    axes.set_ylim(10 ** np.floor(low), 10 ** np.ceil(high))  # so that two decades have their labels
     axes.legend()
 
 
@@ -100,10 +104,11 @@ def map_of_speed(figure, run, level):
     left.grid(False)
     left.set(aspect="equal", xlabel="x (m)", ylabel="y (m)")
     distance = np.hypot(run.x - run.x.mean(), run.y - run.y.mean())[wet]
-    right.semilogy(distance, np.maximum(speed, 1e-20), ".", color=BLUE, markersize=2, rasterized=True)
+    right.semilogy(distance, np.maximum(speed, 1e-20), ".", color=BLUE, markersize=2,
+                   rasterized=True)
     right.set(xlabel="distance from the middle (m)", ylabel="speed (m/s)")
-    return ("Left: depth on the finest mesh. Right: speed in its wet cells after the run (1e-20 stands "
-            "for 0).")
+    return ("Left: depth on the finest mesh. Right: speed in its wet cells after the run (1e-20 "
+            "stands for 0).")
 
 
 def curves(figure, panels):

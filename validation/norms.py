@@ -6,7 +6,7 @@ LOWEST_ORDER = 0.5  # Kuznetsov (1976): of a monotone first-order scheme, shocks
 
 
 def relative_l1(difference, reference, areas):
-    """Sum of |difference| over the cells, relative to that of |reference|; both weighted by area."""
+    """Sum of |difference| over the cells, relative to that of |reference|, weighted by area."""
     return float(np.sum(np.abs(difference) * areas) / np.sum(np.abs(reference) * areas))
 
 

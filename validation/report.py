@@ -7,40 +7,44 @@ from validation import figures, norms
 
 INTRODUCTION = f"""# Validation
 
-What the simulator computes well, and what it does not. `scripts/validate.sh` makes the meshes, runs
-the simulator, compares with the exact solutions, draws the figures and writes this page; `validate.sh
-CASE...` does so for single cases. Every number below was measured by that command.
+What the simulator computes well, and what it does not. `scripts/validate.sh` makes the meshes,
+runs the simulator, compares with the exact solutions, draws the figures and writes this page;
+`validate.sh CASE...` does so for single cases. Every number below was measured by that command.
 
-**Meshes.** A mesh of size n has n squares along its length, each cut into two triangles: *structured*
-with alternating diagonals; *irregular* with diagonals drawn at random and nodes moved at random by up
-to a quarter of a side; *rotated* is the structured one turned by 37°. The Courant number is 0.9.
+**Meshes.** A mesh of size n has n squares along its length, each cut into two triangles:
+*structured* with alternating diagonals; *irregular* with diagonals drawn at random and nodes
+moved at random by up to a quarter of a side; *rotated* is the structured one turned by 37°. The
+Courant number is 0.9.
 
-**Errors** are relative L1 norms over the cells at their centres: the sum of |computed - exact| times the
-area of a cell, over the sum of |exact| times the area; L1(h) of the depth, L1(q) of the vector of unit
-discharge. *Order* is the observed one between a mesh and the one before. A snapshot is written at the
-first step that has reached its time; it is compared with the solution at the time of that step, which
-the sections file tells.
+**Errors** are relative L1 norms over the cells at their centres: the sum of |computed - exact|
+times the area of a cell, over the sum of |exact| times the area; L1(h) of the depth, L1(q) of the
+vector of unit discharge. *Order* is the observed one between a mesh and the one before. A
+snapshot is written at the first step that has reached its time; it is compared with the solution
+at the time of that step, which the sections file tells.
 
-**What the errors are held against.** Where a column *plain scheme* stands, the depth must be within
-{norms.FACTOR:g} times the error of a plain first-order scheme on n squares (HLL on Cartesian cells, computed
-separately). Two triangles share a square; *ratio, equal area* therefore gives, for information, the
-ratio to the plain scheme on squares of the triangles' area, interpolated between its meshes. On the
-finest mesh the depth must further be within 5 %, the tolerance of Synolakis, Bernard, Titov, Kânoğlu
-and González (2007), *Standards, criteria, and procedures for NOAA evaluation of tsunami numerical models*
-(NOAA Technical Memorandum OAR PMEL-135), for analytical solutions; not for the swinging lakes, where no
-first-order scheme reaches it on such meshes. The last observed order must be at least {norms.LOWEST_ORDER:g}, which
-Kuznetsov (1976), *USSR Comput. Math. Math. Phys.* 16, 105–119, proves for monotone first-order schemes and
-one scalar law, shocks included. Bounds come from there, not from what the simulator gives;
-where a case has another one, it says so. A criterion that is missed is named with its reason.
+**What the errors are held against.** Where a column *plain scheme* stands, the depth must be
+within {norms.FACTOR:g} times the error of a plain first-order scheme on n Cartesian
+squares, computed separately. Two triangles share a square; *ratio, equal area* therefore
+gives, for information, the ratio to the plain scheme on squares of the triangles' area,
+interpolated between its meshes. On the finest mesh the depth must further be within 5 %, the
+tolerance of Synolakis, Bernard, Titov, Kânoğlu and González (2007), *Standards, criteria, and
+procedures for NOAA evaluation of tsunami numerical models* (NOAA Technical Memorandum OAR
+PMEL-135), for analytical solutions; not for the swinging lakes, where no first-order scheme
+reaches it on such meshes. The last observed order must be at least {norms.LOWEST_ORDER:g}, which
+Kuznetsov (1976), *USSR Comput. Math. Math. Phys.* 16, 105–119, proves for monotone first-order
+schemes and one scalar law, shocks included. Bounds come from there, not from what the simulator
+gives; where a case has another one, it says so. A criterion that is missed is named with its
+reason.
 """
 
 CLOSING = """## What is not here
 
-- The flume of Bellos, Soulis and Sakkas (1992), J. Hydraul. Eng. 118, 1616–1633, a dam break in a
-  converging-diverging channel, is set up in [an example](../examples/flume_dam_break), but its measured
-  levels are in figures of the paper that we cannot quote with certainty. No comparison is claimed.
-- The beds of Hudson and Sweby and of Berthon et al. need Grass's transport law, which the simulator does
-  not have.
+- The flume of Bellos, Soulis and Sakkas (1992), J. Hydraul. Res. 30, 47–63, a dam break in a
+  converging-diverging channel, is set up in [an example](../examples/flume_dam_break), but its
+  measured levels are in figures of the paper that we cannot quote with certainty. No comparison
+  is claimed.
+- The beds of Hudson and Sweby and of Berthon et al. need Grass's transport law, which the
+  simulator does not have.
 """
 
 
@@ -71,7 +75,7 @@ def verdict(case, result):
         return f"*Criteria.* All {len(result.criteria)} are met."
     lines = [f"*Criteria.* {len(missed)} of {len(result.criteria)} are **missed**:", ""]
     lines += [f"- {text}: {measured:.3g}, bound {bound:.3g}" for text, measured, bound, _ in missed]
-    return "\n".join([*lines, "", f"*Reason.* {case.reason}"])
+    return "\n".join([*lines, "", f"*Reason.* {case.reason or 'Not known.'}"])
 
 
 def summary_row(case, result):
@@ -89,7 +93,7 @@ class Page:
     """The document: sections by case name, each with its row of the summary."""
 
     start = "<!-- case {name} -->"
-    pattern = re.compile(r"<!-- case (\w+) -->\n<!-- summary (.*) -->\n(.*?)<!-- end -->", re.S)
+    pattern = re.compile(r"<!-- case (\w+) -->\n<!-- summary ([^\n]*) -->\n(.*?)<!-- end -->", re.S)
 
     def __init__(self, path):
         self.path, self.sections = path, {}
@@ -109,7 +113,8 @@ class Page:
         parts[-1] += "".join(f"\n{self.sections[name][0]}" for name in known) + "\n"
         for name in known:
             row, text = self.sections[name]
-            parts.append(f"{self.start.format(name=name)}\n<!-- summary {row} -->\n{text}<!-- end -->\n")
+            start = self.start.format(name=name)
+            parts.append(f"{start}\n<!-- summary {row} -->\n{text}<!-- end -->\n")
         with open(self.path, "w") as file:
             file.write("\n".join([*parts, CLOSING]))
 

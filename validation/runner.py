@@ -21,7 +21,7 @@ class Setup:
     """What a run needs beside its mesh. Fields are functions of the local x and y.
 
     bed             bed level, m
-    bed_by          "nodes": elevations of the mesh nodes; "file": one value per cell over flat nodes
+    bed_by          "nodes": elevations of the nodes; "file": one value per cell over flat nodes
     level, qx, qy   initial free surface (m) and unit discharges (m2/s)
     boundaries      {side: (code, further value or None)}; a side that is not named is a wall
     manning         Manning coefficient

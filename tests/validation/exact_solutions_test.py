@@ -97,9 +97,9 @@ class Bump(unittest.TestCase):
 class MacDonald(unittest.TestCase):
     def test_subcritical(self):
         case = steady.MacDonaldSubcritical()
-        np.testing.assert_allclose(case.depth(np.array([0, 500.0])), [0.74832356, 1.11229910], atol=5e-9)
-        np.testing.assert_allclose(case.bed(np.array([0, 500.0, 1000.0])), [6.9522453, 3.3114298, 0],
-                                   atol=5e-7)
+        x = np.array([0, 500.0, 1000.0])
+        np.testing.assert_allclose(case.depth(x)[:2], [0.74832356, 1.11229910], atol=5e-9)
+        np.testing.assert_allclose(case.bed(x), [6.9522453, 3.3114298, 0], atol=5e-7)
 
     def test_supercritical(self):
         case = steady.MacDonaldSupercritical()

@@ -1,7 +1,7 @@
 """Runs one validation case on its coarse meshes; fails if a criterion is missed.
 
-A case that misses criteria, as docs/validation.md says, passes if it misses exactly those named here:
-a change for the better asks for a new look at the document, too.
+A case that misses criteria, as docs/validation.md says, passes if it misses exactly those named
+here: a change for the better asks for a new look at the document, too.
 """
 import sys
 import tempfile

@@ -56,13 +56,14 @@ def radial_solution(end, cells=RADIAL_CELLS, reach=SIDE / 2):
 class CircularDamBreak(AnalyticCase):
     name = "circular_dam_break"
     title = "Circular dam break"
-    tests = ("A column of water, 2.5 m high and wide, collapses into 0.5 m of water. There is no formula; the "
-             "reference is a second-order solution in the radius on 2000 cells. It tests a shock that runs "
-             "across triangles in all directions.")
-    source = ("Set-up of Toro (2001), Shock-Capturing Methods for Free-Surface Shallow Flows, section 13.2 "
-              "(radius 2.5 m, 2.5 m against 0.5 m); t = 1.4 s; reference computed here.")
-    limit = ("The ring of the shock is wider and lower than it should be, and the dip in the middle is "
-             "shallower.")
+    tests = ("A column of water, 2.5 m high and wide, collapses into 0.5 m of water. There is no "
+             "formula; the reference is a second-order solution in the radius on 2000 cells. It "
+             "tests a shock that runs across triangles in all directions.")
+    source = ("Set-up of Toro (2001), Shock-Capturing Methods for Free-Surface Shallow Flows "
+              "(radius 2.5 m, 2.5 m against 0.5 m); t = 1.4 s; reference computed "
+              "here.")
+    limit = ("The ring of the shock is wider and lower than it should be, and the dip in the "
+             "middle is shallower.")
     kinds = ("structured", "irregular", "rotated")
     sizes = (50, 100, 200)
     times = (END,)
@@ -91,7 +92,8 @@ class CircularDamBreak(AnalyticCase):
         halved = 0.5 * (fine[::2] + fine[1::2])
         areas = np.arange(len(coarse)) + 0.5  # of rings, up to a factor
         result.remarks.append("The reference differs from that on half as many cells by "
-                              f"{norms.relative_l1(coarse - halved, halved, areas):.1e} (relative L1).")
+                              f"{norms.relative_l1(coarse - halved, halved, areas):.1e} (relative "
+                              "L1).")
         return result
 
 

@@ -1,4 +1,4 @@
-"""Dam breaks in a channel: on wet ground (Stoker), on dry ground (Ritter), with friction (Dressler).
+"""Dam breaks in a channel: on wet ground (Stoker), on dry (Ritter), with friction (Dressler).
 
 Parameters of Stoker and Ritter: Delestre et al. (2013), Int. J. Numer. Meth. Fluids 72, 269-300,
 sections 4.1.1 and 4.1.2.
@@ -79,13 +79,13 @@ class Stoker(AnalyticCase):
     name = "stoker"
     title = "Dam break on wet ground (Stoker)"
     tests = ("A dam between 5 mm and 1 mm of water vanishes. A rarefaction runs up, a shock runs "
-             "down the channel, between them the water has one depth and one velocity. It tests the "
-             "speed of the shock and the height of the plateau, that is, conservation.")
-    source = ("Stoker (1957), Water Waves, chapter 10; parameters of Delestre et al. (2013), Int. J. "
-              "Numer. Meth. Fluids 72, 269–300, section 4.1.1: L = 10 m, t = 6 s.")
+             "down the channel, between them the water has one depth and one velocity. It tests "
+             "the speed of the shock and the height of the plateau, that is, conservation.")
+    source = ("Stoker (1957), Water Waves, chapter 10; parameters of Delestre et al. (2013), Int. "
+              "J. Numer. Meth. Fluids 72, 269–300, section 4.1.1: L = 10 m, t = 6 s.")
     limit = ("The first-order scheme spreads the shock over some cells and rounds both ends of the "
-             "rarefaction; the error falls more slowly than the cell size, because it sits in these "
-             "corners.")
+             "rarefaction; the error falls more slowly than the cell size, because it sits in "
+             "these corners.")
     sizes = (100, 200, 400, 800)
     yardstick = {100: 1.39e-2, 200: 7.8e-3, 400: 4.5e-3, 800: 2.6e-3}
     length, dam, hl, hr, times = 10.0, 5.0, 0.005, 0.001, (6.0,)
@@ -103,10 +103,10 @@ class Ritter(Stoker):
     title = "Dam break on dry ground (Ritter)"
     tests = ("The same dam with dry ground below it: the front of the water is a cusp that runs at "
              "twice the celerity of the reservoir. It tests wetting.")
-    source = ("Ritter (1892), Z. Ver. Dtsch. Ing. 36, 947–954; parameters of Delestre et al. (2013), "
-              "section 4.1.2: L = 10 m, t = 6 s.")
-    limit = ("The thin tip lags: a first-order scheme fills a cell before it wets the next one, and "
-             "the velocity near the front is too low.")
+    source = ("Ritter (1892), Z. Ver. Dtsch. Ing. 36, 947–954; parameters of Delestre et al. "
+              "(2013), section 4.1.2: L = 10 m, t = 6 s.")
+    limit = ("The thin tip lags: a first-order scheme fills a cell before it wets the next one, "
+             "and the velocity near the front is too low.")
     yardstick = {100: 1.94e-2, 200: 1.18e-2, 400: 6.9e-3, 800: 4.1e-3}
     velocity_tolerance = 2.0
 
@@ -119,7 +119,8 @@ class Ritter(Stoker):
 
     def evaluate(self, folder, quick=False):
         result = super().evaluate(folder, quick)
-        worst = max(self.velocity_error(run) for runs in self.runs.values() for run in runs.values())
+        all_runs = [run for runs in self.runs.values() for run in runs.values()]
+        worst = max(self.velocity_error(run) for run in all_runs)
         result.require_at_most("relative L1 error of the velocity, worst mesh; published bound of "
                                "another program for a dry bed", worst, self.velocity_tolerance)
         return result
@@ -135,15 +136,15 @@ class Ritter(Stoker):
 class Dressler(AnalyticCase):
     name = "dressler"
     title = "Dam break on dry ground with friction (Dressler)"
-    tests = ("A dam break from 6 m of water over a rough bed. Dressler's solution is the first term "
-             "of a series in g t / C²; it is compared where it holds, 5 s after the break and "
+    tests = ("A dam break from 6 m of water over a rough bed. Dressler's solution is the first "
+             "term of a series in g t / C²; it is compared where it holds, 5 s after the break and "
              "behind the tip, that is, up to the place of the largest velocity.")
     source = ("Dressler (1952), J. Res. Natl. Bur. Stand. 49, 217–225, with C = 40 m^(1/2)/s. The "
               "simulator knows Manning's law: each cell has n = h^(1/6)/C with the mean of h^(1/6) "
               "of the exact solution over the time in which it is wet and behind the tip.")
-    limit = ("Friction is a small correction behind the tip, where this solution holds; in the tip, "
-             "where it rules, there is no exact depth to compare with, and the scheme's own lag of "
-             "the front adds to that of friction.")
+    limit = ("Friction is a small correction behind the tip, where this solution holds; in the "
+             "tip, where it rules, there is no exact depth to compare with, and the scheme's own "
+             "lag of the front adds to that of friction.")
     length, dam, hl, chezy, times = 200.0, 100.0, 6.0, 40.0, (5.0,)
     sizes = (100, 200, 400)
 
@@ -176,17 +177,18 @@ class Dressler(AnalyticCase):
                            zero_depth=1e-4)
             without = simulate(os.path.join(folder, f"frictionless_{n}"), self.title,
                                self.mesh(n, self.kinds[0]), smooth)
-            shown = [error for part in (BODY, 2.0) for error in self.effect_errors(run, without, part)]
-            rows.append([str(n), *(f"{100 * error:.1f} %" for error in shown)])
+            effect = [self.effect_errors(run, without, part) for part in (BODY, 2.0)]
+            rows.append([str(n), *(f"{100 * error:.1f} %" for error in np.ravel(effect))])
         result.tables.append(Table(["n", f"effect on h, xi <= {BODY:g}", f"on q, xi <= {BODY:g}",
                                     "on h, to the tip", "on q, to the tip"], rows))
         size = self.size_of_effect(run)
         result.remarks.append(
             f"Friction changes the exact depth there by {size[0]:.2e} and the unit discharge by "
-            f"{size[1]:.2e} (relative L1): less than the scheme's own error on these meshes. The second "
-            "table therefore takes the difference between the runs with and without friction, in which "
-            "that error cancels, and compares it with Dressler's less Ritter's solution. Towards the tip "
-            "the series loses its meaning, and the scheme's front, which lags, feels less friction.")
+            f"{size[1]:.2e} (relative L1): less than the scheme's own error on these meshes. The "
+            "second table therefore takes the difference between the runs with and without "
+            "friction, in which that error cancels, and compares it with Dressler's less Ritter's "
+            "solution. Towards the tip the series loses its meaning, and the scheme's front, which "
+            "lags, feels less friction.")
         return result
 
     def effect_errors(self, run, without, part):

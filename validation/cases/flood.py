@@ -1,4 +1,4 @@
-"""A real flood: Merewether, Newcastle (Australia), June 2007. Its data are not in the repository."""
+"""A real flood: Merewether, Newcastle (Australia), 2007. Its data are not in the repository."""
 import os
 import shutil
 
@@ -17,14 +17,16 @@ NEAREST = 3  # wet cells whose levels are averaged
 class Flood(Case):
     name = "merewether_flood"
     title = "A flood in a town (Merewether, 2007)"
-    tests = ("19.7 m³/s run through the streets of a suburb, between houses cut out of the mesh: 48 941 "
-             "triangles of some 2.5 m. The levels after 990 s, when the flow is steady, are compared with "
-             "five flood marks. It tests everything at once, on terrain as it is.")
-    source = ("Smith and Wasko (2012), Australian Rainfall and Runoff, Revision Project 15; data of the Water "
-              "Research Laboratory, UNSW. The data stay out of this repository; "
-              f"`{FOLDER_VARIABLE}=FOLDER scripts/validate.sh {name}` runs the case where they are.")
-    limit = ("Flood marks are uncertain by a decimetre or more, and so are the terrain, the inflow and the "
-             "friction: agreement here says that nothing is grossly wrong, not that the scheme is exact.")
+    tests = ("19.7 m³/s run through the streets of a suburb, between houses cut out of the mesh: "
+             "48 941 triangles of some 2.5 m. The levels after 990 s, when the flow is steady, are "
+             "compared with five flood marks. It tests everything at once, on terrain as it is.")
+    source = ("Smith and Wasko (2012), Australian Rainfall and Runoff, Revision Project 15; data "
+              "of the Water Research Laboratory, UNSW. The data stay out of this repository; "
+              f"`{FOLDER_VARIABLE}=FOLDER scripts/validate.sh {name}` runs the case where they "
+              "are.")
+    limit = ("Flood marks are uncertain by a decimetre or more, and so are the terrain, the inflow "
+             "and the friction: agreement here says that nothing is grossly wrong, not that the "
+             "scheme is exact.")
 
     def folder_of_data(self):
         return os.environ.get(FOLDER_VARIABLE)
@@ -49,10 +51,10 @@ class Flood(Case):
                 for title, d in (("computed less observed", self.computed - self.observed),
                                  ("computed less the other model", self.computed - self.published),
                                  ("other model less observed", self.published - self.observed))]
-        result.tables.append(Table(["five points (m)", "mean of absolute", "mean", "largest absolute"],
-                                   rows))
-        result.remarks.append(f"A level is the mean of the {NEAREST} wet cells nearest to the mark. No bound is "
-                              "set: the marks are too uncertain for one.")
+        titles = ["five points (m)", "mean of absolute", "mean", "largest absolute"]
+        result.tables.append(Table(titles, rows))
+        result.remarks.append(f"A level is the mean of the {NEAREST} wet cells nearest to the "
+                              "mark. No bound is set: the marks are too uncertain for one.")
         return result
 
     def draw(self, figure):

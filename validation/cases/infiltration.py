@@ -41,8 +41,8 @@ class Infiltration(Case):
     sizes = (0.5, 0.25, 0.125)  # m, of squares
     side = 1.0
     times = tuple(600.0 * k for k in range(1, 13))
-    limit = ("The soil is emptied by explicit steps: the error is of the first order in the time step, which "
-             "follows the cell size.")
+    limit = ("The soil is emptied by explicit steps: the error is of the first order in the time "
+             "step, which follows the cell size.")
 
     def curve(self, t):
         raise NotImplementedError
@@ -54,15 +54,15 @@ class Infiltration(Case):
         errors, rows = [], []
         for size in sizes:
             mesh = meshes.square(self.side, round(self.side / size))
-            run = self.runs[size] = runner.simulate(os.path.join(folder, f"{size:g}"), self.title, mesh,
-                                                    self.setup(mesh))
+            run = self.runs[size] = runner.simulate(os.path.join(folder, f"{size:g}"), self.title,
+                                                    mesh, self.setup(mesh))
             F = self.infiltrated(run)
             clock = np.array([state.time for state in run.states])
             errors.append(np.abs(F - self.curve(clock)).max() / self.curve(clock).max())
             rows.append([f"{size:g}", str(len(run.areas)), f"{errors[-1]:.2e}",
                          f"{F[5] * 1000:.4f}", f"{F[11] * 1000:.4f}"])
-            result.require_at_most(f"side {size:g} m: largest error of the cumulative depth", errors[-1],
-                                   self.allowed)
+            result.require_at_most(f"side {size:g} m: largest error of the cumulative depth",
+                                   errors[-1], self.allowed)
         for row, order in zip(rows, norms.observed_orders(sizes, errors)):
             row.insert(3, "" if order is None else f"{order:.2f}")
         exact = self.curve(t) * 1000
@@ -89,12 +89,14 @@ class Infiltration(Case):
 
     def draw(self, figure):
         t = np.linspace(1, self.times[-1], 300)
-        panel = [(f"side {size:g} m", [s.time / 60 for s in run.states], 1000 * self.infiltrated(run),
-                  False) for size, run in self.runs.items() if size in (max(self.runs), min(self.runs))]
+        panel, difference = [], []
+        for size, run in self.runs.items():
+            label, F = f"side {size:g} m", self.infiltrated(run)
+            clock = np.array([state.time for state in run.states])
+            if size in (max(self.runs), min(self.runs)):
+                panel.append((label, clock / 60, 1000 * F, False))
+            difference.append((label, clock / 60, 1000 * (F - self.curve(clock)), False))
         panel.append(("exact", t / 60, 1000 * self.curve(t), True))
-        difference = [(f"side {size:g} m", [s.time / 60 for s in run.states], 1000 * (
-            self.infiltrated(run) - self.curve(np.array([s.time for s in run.states]))), False)
-            for size, run in self.runs.items()]
         figures.curves(figure, [("", "t (min)", "infiltrated depth (mm)", panel),
                                 ("", "t (min)", "computed - exact (mm)", difference)])
         return "Left: cumulative infiltration. Right: its error."
@@ -103,10 +105,11 @@ class Infiltration(Case):
 class GreenAmpt(Infiltration):
     name = "green_ampt"
     title = "Infiltration after Green and Ampt"
-    tests = ("Rain of 50 mm/h falls on a soil that at first takes all of it and then ponds. It tests the time "
-             "of ponding and the curve after it.")
-    source = ("Green and Ampt (1911), J. Agric. Sci. 4, 1–24; ponding after Mein and Larson (1973), Water "
-              "Resour. Res. 9, 384–394; K = 10.9 mm/h, psi = 110.1 mm, moisture deficit 0.247.")
+    tests = ("Rain of 50 mm/h falls on a soil that at first takes all of it and then ponds. It "
+             "tests the time of ponding and the curve after it.")
+    source = ("Green and Ampt (1911), J. Agric. Sci. 4, 1–24; ponding after Mein and Larson "
+              "(1973), Water Resour. Res. 9, 384–394; K = 10.9 mm/h, psi = 110.1 mm, moisture "
+              "deficit 0.247.")
     K, psi, dtheta, rain = 10.9 * MM_PER_HOUR, 0.1101, 0.247, 50 * MM_PER_HOUR
 
     def curve(self, t):
@@ -121,10 +124,11 @@ class GreenAmpt(Infiltration):
 class Horton(Infiltration):
     name = "horton"
     title = "Infiltration after Horton"
-    tests = ("Rain of 100 mm/h exceeds at all times what the soil can take. The simulator's capacity decays "
-             "with the infiltrated depth F, as fc + (f0 - fc) exp(-k F); the exact curve is the integral of "
-             "that, F = ln(1 + f0/fc (exp(k fc t) - 1)) / k.")
-    source = "Horton (1940), Soil Sci. Soc. Am. Proc. 5, 399–417; f0 = 50 mm/h, fc = 10 mm/h, k = 82.8 1/m."
+    tests = ("Rain of 100 mm/h exceeds at all times what the soil can take. The simulator's "
+             "capacity decays with the infiltrated depth F, as fc + (f0 - fc) exp(-k F); the exact "
+             "curve is the integral of that, F = ln(1 + f0/fc (exp(k fc t) - 1)) / k.")
+    source = ("Horton (1940), Soil Sci. Soc. Am. Proc. 5, 399–417; f0 = 50 mm/h, fc = 10 mm/h, "
+              "k = 82.8 1/m.")
     f0, fc, rain = 50 * MM_PER_HOUR, 10 * MM_PER_HOUR, 100 * MM_PER_HOUR
     k_time = 4.14 / HOUR
     k = k_time / f0  # the same decay at the start as k_time gives
@@ -133,16 +137,17 @@ class Horton(Infiltration):
         return horton_in_depth(t, self.f0, self.fc, self.k)
 
     def setup(self, mesh):
-        return self.soil_setup(mesh, f"1 Horton {self.f0!r} {self.fc!r} {self.k!r} 100 0", self.rain)
+        soil = f"1 Horton {self.f0!r} {self.fc!r} {self.k!r} 100 0"
+        return self.soil_setup(mesh, soil, self.rain)
 
     def evaluate(self, folder, quick=False):
         result = super().evaluate(folder, quick)
         t = np.array([HOUR, 2 * HOUR])
         in_time = 1000 * horton_in_time(t, self.f0, self.fc, self.k_time)
         result.remarks.append(
-            "Horton's own formula, in which the capacity decays with time (k = 4.14 1/h, the same decay at "
-            f"the start), gives {in_time[0]:.3f} and {in_time[1]:.3f} mm after 1 and 2 h: parameters fitted "
-            "to the one form must not be used in the other.")
+            "Horton's own formula, in which the capacity decays with time (k = 4.14 1/h, the same "
+            f"decay at the start), gives {in_time[0]:.3f} and {in_time[1]:.3f} mm after 1 and 2 h: "
+            "parameters fitted to the one form must not be used in the other.")
         return result
 
 

@@ -31,8 +31,9 @@ class Inflow(Case):
         mesh = meshes.Rectangle(LENGTH, WIDTH, n, n // 5, "irregular")
         lines = [f"{len(self.series)}"] + [f"{t} {value!r}" for t, value in self.series]
         setup = Setup(lambda x, y: mesh.bed() + self.initial, self.times, bed=self.bed,
-                      boundaries={"west": (self.code, "series.txt")}, manning=constant(self.friction),
-                      files={"series.txt": lines}, zero_depth=1e-4)
+                      boundaries={"west": (self.code, "series.txt")},
+                      manning=constant(self.friction), files={"series.txt": lines},
+                      zero_depth=1e-4)
         return runner.simulate(os.path.join(folder, str(n)), self.title, mesh, setup)
 
     def expected(self, t):
@@ -80,14 +81,14 @@ class Inflow(Case):
 class Hydrograph(Inflow):
     name = "hydrograph"
     title = "Volume of a hydrograph"
-    tests = ("A flood wave of 10 minutes runs into a dry valley that is closed at its lower end, and fills a "
-             "lake there. It tests that the discharge of the series, times the length of the boundary, is "
-             "what is stored.")
-    reason = ("On dry ground the first water is a film, and the time step follows the depth: some steps last "
-              "many seconds, in which the hydrograph rises much. The error falls with the second order, as "
-              "the steps get shorter and the cells that are filmed smaller.")
-    limit = ("The series is read once a step and holds for that step; the clock that it is read at runs ahead "
-             "or behind by the change of the time step.")
+    tests = ("A flood wave of 10 minutes runs into a dry valley that is closed at its lower end, "
+             "and fills a lake there. It tests that the discharge of the series, times the length "
+             "of the boundary, is what is stored.")
+    reason = ("On dry ground the first water is a film, and the time step follows the depth: some "
+              "steps last many seconds, in which the hydrograph rises much. The error falls with "
+              "the second order, as the steps get shorter and the cells that are filmed smaller.")
+    limit = ("The series is read once a step and holds for that step; the clock that it is read at "
+             "runs ahead or behind by the change of the time step.")
     slope, initial, friction = 0.02, 0.0, 0.03
     code = mesh_tools.HYDROGRAPH
     series = ((0, 0.0), (300, -0.5), (600, 0.0), (2000, 0.0))  # m2/s; negative enters
@@ -106,17 +107,18 @@ class Hydrograph(Inflow):
         return result
 
     def remark_on_returning_waves(self, folder):
-        """What happens if the wave comes back to the inflow: the same in a flat frictionless pond."""
+        """What happens if the wave comes back: the same in a flat frictionless pond."""
         pond = Hydrograph()
         pond.slope, pond.initial, pond.friction = 0.0, INITIAL, 0.0
         try:
             pond.simulate(os.path.join(folder, "pond"), self.sizes[0])
         except runner.RunError as error:
-            return ("The same inflow into a flat, frictionless pond, whose waves come back to the boundary, "
-                    f"ends with “{str(error).splitlines()[1]}”: an imposed discharge strengthens a wave that "
-                    "runs against it. Place such a boundary where no waves return.")
-        return ("The same inflow into a flat, frictionless pond, whose waves come back to the boundary, runs "
-                "to its end.")
+            return ("The same inflow into a flat, frictionless pond, whose waves come back to the "
+                    f"boundary, ends with “{str(error).splitlines()[1]}”: an imposed discharge "
+                    "strengthens a wave that runs against it. Place such a boundary where no waves "
+                    "return.")
+        return ("The same inflow into a flat, frictionless pond, whose waves come back to the "
+                "boundary, runs to its end.")
 
 
 def smooth_step(s):
@@ -128,10 +130,11 @@ class Limnigraph(Inflow):
     name = "limnigraph"
     title = "Volume of a limnigraph"
     tests = ("The level at the open side of a basin rises by half a metre in half an hour, so "
-             "slowly and smoothly that hardly a wave arises, and stays. It tests that the basin follows: in the end the volume is the area "
-             "times the rise.")
-    limit = ("Only the end is exact: on the way the basin lags behind the boundary by the time of a wave. An "
-             "imposed level reflects waves; a rise with a kink would leave the basin swinging.")
+             "slowly and smoothly that hardly a wave arises, and stays. It tests that the basin "
+             "follows: in the end the volume is the area times the rise.")
+    limit = ("Only the end is exact: on the way the basin lags behind the boundary by the time of "
+             "a wave. An imposed level reflects waves; a rise with a kink would leave the basin "
+             "swinging.")
     code = mesh_tools.LIMNIGRAPH
     sizes = (20, 40, 80)
     times = tuple(120.0 * k for k in range(1, 21))

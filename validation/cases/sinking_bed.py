@@ -10,6 +10,7 @@ g = GRAVITY
 L, Q, D, S, N = 100.0, 2.0, 0.005, 2.65, 0.025  # m, m2/s, m, -, s/m^(1/3)
 THETA_C, POROSITY, BETA, ALPHA = 0.047, 0.4, 1e-4, 4e-6  # -, -, m2/s, m/s
 LAYER = 0.5  # m
+SHOWN_FROM = 10.0  # m
 
 
 def shields(x):
@@ -48,15 +49,16 @@ def sunk(t):
 class SinkingBed(AnalyticCase):
     name = "sinking_bed"
     title = "Sinking bed under Meyer-Peter and Müller transport"
-    tests = ("The transport grows linearly along a channel, so that the whole bed sinks at one rate under a "
-             "steady flow: an exact unsteady solution of the coupled equations with Manning friction. It "
-             "tests the bed load, the balance of the bed and their coupling.")
-    source = ("The construction of Berthon, Cordier, Delestre and Le (2012), C. R. Math. 350, 183–186, carried "
-              "over from Grass's law to that of Meyer-Peter and Müller (1948): choose q_b = beta + alpha x, "
-              "find the Shields number, from it u and h, and z from the steady momentum equation.")
-    limit = ("The inflow feeds no sediment, so a scour runs down from the inlet: compared is only what lies "
-             "beyond its reach, from 40 to 95 m. The weak coupling would need care near critical flow, which "
-             "this case, with Froude numbers from 0.29 to 0.44, avoids.")
+    tests = ("The transport grows linearly along a channel, so that the whole bed sinks at one "
+             "rate under a steady flow: an exact unsteady solution of the coupled equations with "
+             "Manning friction. It tests the bed load, the balance of the bed and their coupling.")
+    source = ("The construction of Berthon, Cordier, Delestre and Le (2012), C. R. Math. 350, "
+              "183–186, carried over from Grass's law to that of Meyer-Peter and Müller (1948): "
+              "choose q_b = beta + alpha x, find the Shields number, from it u and h, and z from "
+              "the steady momentum equation.")
+    limit = ("The inflow feeds no sediment, so a scour runs down from the inlet: compared is only "
+             "what lies beyond its reach, from 40 to 95 m. The weak coupling would need care near "
+             "critical flow, which this case, with Froude numbers from 0.29 to 0.44, avoids.")
     sizes = (50, 100, 200)
     kinds = ("structured",)
     quick_sizes = 1
@@ -97,8 +99,8 @@ class SinkingBed(AnalyticCase):
         rows = [[str(n), f"{100 * e:.2f} %", "" if o is None else f"{o:.2f}"]
                 for n, e, o in zip(runs, errors, orders)]
         result.tables.append(Table(["n", "error of the bed, of its sinking", "order"], rows))
-        result.require_at_most("error of the bed relative to its sinking, worst mesh; the tolerance of "
-                               "the depth", max(errors), self.bed_tolerance)
+        result.require_at_most("error of the bed relative to its sinking, worst mesh; the "
+                               "tolerance of the depth", max(errors), self.bed_tolerance)
         return result
 
     def draw(self, figure):
@@ -108,15 +110,18 @@ class SinkingBed(AnalyticCase):
         for n in (min(runs), max(runs)):
             run = runs[n]
             order = np.argsort(run.x)
-            sinking.append((f"n = {n}", run.x[order],
-                            1000 * (run.states[-1].zb - self.bed(run.x))[order], False))
+            beyond = order[run.x[order] > SHOWN_FROM]
+            sinking.append((f"n = {n}", run.x[beyond],
+                            1000 * (run.states[-1].zb - self.bed(run.x))[beyond], False))
             levels.append((f"n = {n}", run.x[order], run.states[-1].h[order], False))
         t = run.states[-1].time
         levels.append(("exact", x, depth(x), True))
+        x = x[x > SHOWN_FROM]
         sinking.append(("exact", x, np.full_like(x, -1000 * sunk(t)), True))
         figures.curves(figure, [(f"t = {t:.0f} s", "x (m)", "depth (m)", levels),
                                 (f"t = {t:.0f} s", "x (m)", "change of the bed (mm)", sinking)])
-        return "Left: depth. Right: how far the bed has sunk; the scour comes from the inlet."
+        return (f"Left: depth. Right: how far the bed has sunk beyond {SHOWN_FROM:g} m; before, "
+                "the scour is much deeper.")
 
 
 CASES = [SinkingBed()]

@@ -104,8 +104,9 @@ class SteadyCase(AnalyticCase):
 class Bump(SteadyCase):
     length = 25.0
     times = (200.0,)
-    source = ("Bernoulli's equation; Goutal and Maurel (1997), Proc. 2nd workshop on dam-break wave "
-              "simulation; parameters of Delestre et al. (2013), section 3.1: L = 25 m, bump of 0.2 m.")
+    source = ("Bernoulli's equation; Goutal and Maurel (1997), Proc. 2nd workshop on dam-break "
+              "wave simulation; parameters of Delestre et al. (2013), section 3.1: L = 25 m, bump "
+              "of 0.2 m.")
 
     def bed(self, x, y=None):
         return bump(x)
@@ -120,8 +121,8 @@ class Bump(SteadyCase):
 class BumpSubcritical(Bump):
     name = "bump_subcritical"
     title = "Bump, subcritical"
-    tests = ("Deep water at 4.42 m²/s passes a bump and its surface dips. It tests the balance of the bed "
-             "slope against the flow.")
+    tests = ("Deep water at 4.42 m²/s passes a bump and its surface dips. It tests the balance of "
+             "the bed slope against the flow.")
     limit = ("The discharge in the cells over the bump is not uniform: the first-order mass flux "
              "contains a term of the slope of the surface.")
     yardstick = {100: 1.5e-3, 200: 7.4e-4, 400: 3.7e-4}
@@ -134,8 +135,8 @@ class BumpSubcritical(Bump):
 class BumpTranscritical(Bump):
     name = "bump_transcritical"
     title = "Bump, transcritical"
-    tests = ("1.53 m²/s become critical on the crest and leave supercritical through a free outflow. It "
-             "tests the passage through the critical point and the free outflow.")
+    tests = ("1.53 m²/s become critical on the crest and leave supercritical through a free "
+             "outflow. It tests the passage through the critical point and the free outflow.")
     limit = "The water runs up a little before the crest and the critical point is smeared."
     yardstick = {100: 7.4e-3, 200: 3.8e-3, 400: 1.9e-3}
     kinds = ("structured", "irregular", "rotated")
@@ -148,8 +149,8 @@ class BumpTranscritical(Bump):
 class BumpShock(Bump):
     name = "bump_shock"
     title = "Bump, transcritical with a hydraulic jump"
-    tests = ("0.18 m²/s become supercritical behind the crest and jump back to the level that is held at "
-             "the outlet. It tests the place of a standing jump over a sloping bed.")
+    tests = ("0.18 m²/s become supercritical behind the crest and jump back to the level that is "
+             "held at the outlet. It tests the place of a standing jump over a sloping bed.")
     limit = ("The jump takes two or three cells, in which the unit discharge has a spike: it is no "
              "discharge of water but the trace of a shock that does not fit the mesh.")
     yardstick = {100: 9.0e-3, 200: 4.7e-3, 400: 2.5e-3}
@@ -211,10 +212,10 @@ def constant_of(value):
 class MacDonaldSubcritical(MacDonald):
     name = "macdonald_subcritical"
     title = "MacDonald's channel, subcritical"
-    tests = ("The bed of a channel of 1 km is made for a chosen subcritical depth, so that slope, friction "
-             "and inertia all vary. It tests Manning friction against the bed slope.")
-    limit = ("The depth is off by a term in proportion to the cell size times the slope: on a coarse mesh "
-             "the stepped bed adds resistance.")
+    tests = ("The bed of a channel of 1 km is made for a chosen subcritical depth, so that slope, "
+             "friction and inertia all vary. It tests Manning friction against the bed slope.")
+    limit = ("The depth is off by a term in proportion to the cell size times the slope: on a "
+             "coarse mesh the stepped bed adds resistance.")
     yardstick = {100: 1.6e-2, 200: 8.4e-3, 400: 4.4e-3}
     q, n, shape = 2.0, 0.033, (0.5, 16.0)
 
@@ -226,21 +227,24 @@ class MacDonaldSubcritical(MacDonald):
 class MacDonaldSupercritical(MacDonald):
     name = "macdonald_supercritical"
     title = "MacDonald's channel, supercritical"
-    tests = ("The same with a supercritical depth on a steep bed; the run starts from the exact state. It "
-             "tests friction in shooting flow.")
-    limit = ("An inflow is given by its discharge alone; for supercritical inflow a depth would be needed as "
-             "well. On a steep bed, steps as high as a part of the depth disturb the flow.")
+    tests = ("The same with a supercritical depth on a steep bed; the run starts from the exact "
+             "state. It tests friction in shooting flow.")
+    limit = ("An inflow is given by its discharge alone; for supercritical inflow a depth would be "
+             "needed as well. On a steep bed, steps as high as a part of the depth disturb the "
+             "flow.")
     q, n, shape = 2.5, 0.04, (-0.2, 36.0)
 
 
 class Uniform(SteadyCase):
     name = "uniform_flow"
     title = "Uniform flow"
-    tests = ("2 m²/s run down a plane at the normal depth of Manning's law. It tests friction against slope "
-             "with nothing else at work.")
-    source = "Manning's law of a wide channel, h = (q n / S^(1/2))^(3/5), with S = 0.005, n = 0.033."
-    limit = ("Even this is not exact: the mass flux contains the difference of the levels of two cells, so "
-             "that the depth differs from the normal depth in proportion to the cell size.")
+    tests = ("2 m²/s run down a plane at the normal depth of Manning's law. It tests friction "
+             "against slope with nothing else at work.")
+    source = ("Manning's law of a wide channel, h = (q n / S^(1/2))^(3/5), with S = 0.005, "
+              "n = 0.033.")
+    limit = ("Even this is not exact: the mass flux contains the difference of the levels of two "
+             "cells, so that the depth differs from the normal depth in proportion to the cell "
+             "size.")
     length, times = 1000.0, (3000.0,)
     q, n, slope = 2.0, 0.033, 0.005
     normal_depth = (q * n / slope ** 0.5) ** 0.6

@@ -10,10 +10,10 @@ SIDE, A, H0 = 4.0, 1.0, 0.1  # side of the domain, radius of the still shore and
 
 BED_PER_CELL = "bed per cell"
 PARTLY_WET = (
-    "With the relief in the nodes, a cell whose highest node is not under water carries no momentum: "
-    "this rule keeps lakes around islands at rest, and it holds back a shore that moves. Over the same "
-    "mesh with the bed given per cell (rows “bed per cell”: flat nodes, a bed file) the rule does not "
-    "act, and the error is smaller.")
+    "With the relief in the nodes, a cell whose highest node is not under water carries no "
+    "momentum: this rule keeps lakes around islands at rest, and it holds back a shore that moves. "
+    "Over the same mesh with the bed given per cell (rows “bed per cell”: flat nodes, a bed file) "
+    "the rule does not act, and the error is smaller.")
 
 PLANAR_ETA = 0.5
 PLANAR_OMEGA = np.sqrt(2 * g * H0) / A
@@ -68,9 +68,9 @@ def cell_bed(mesh, bed, x, y):
 class ThackerPlanar(AnalyticCase):
     name = "thacker_planar"
     title = "Lake that turns round a paraboloid (Thacker, planar)"
-    tests = ("A plane surface turns round a bowl for one period and should return to where it began. "
-             "It tests a shore that moves everywhere, over a bed that is steep everywhere, with no "
-             "loss of energy.")
+    tests = ("A plane surface turns round a bowl for one period and should return to where it "
+             "began. It tests a shore that moves everywhere, over a bed that is steep everywhere, "
+             "with no loss of energy.")
     source = ("Thacker (1981), J. Fluid Mech. 107, 499–508; parameters of Delestre et al. (2013), "
               "section 4.2.2: bowl of radius 1 m and depth 0.1 m on a square of 4 m; one period is "
               "4.4857 s.")
@@ -102,13 +102,13 @@ class ThackerPlanar(AnalyticCase):
 class ThackerRadial(ThackerPlanar):
     name = "thacker_radial"
     title = "Lake that rises and falls in a paraboloid (Thacker, radial)"
-    tests = ("The surface bulges and sinks in the middle of the bowl while the shore moves out and in. "
-             "It tests the moving shore and the symmetry of the scheme on triangles.")
-    source = ("Thacker (1981); parameters of Delestre et al. (2013), section 4.2.2, with r0 = 0.8 m; "
-              "one period is 2.2429 s.")
+    tests = ("The surface bulges and sinks in the middle of the bowl while the shore moves out and "
+             "in. It tests the moving shore and the symmetry of the scheme on triangles.")
+    source = ("Thacker (1981); parameters of Delestre et al. (2013), section 4.2.2, with r0 = 0.8 "
+              "m; one period is 2.2429 s.")
     yardstick = {50: 0.153, 100: 0.096, 200: 0.053}
     times = (round(2 * np.pi / RADIAL_OMEGA, 6),)
-    # At a whole period the water is at rest: the error of the discharge has nothing to be relative to.
+    # At a whole period the water is at rest: an error of the discharge is relative to nothing.
     discharge_matters = False
 
     def solution(self, x, y, t):
@@ -118,10 +118,10 @@ class ThackerRadial(ThackerPlanar):
 class ThackerLine(AnalyticCase):
     name = "thacker_parabola"
     title = "Lake that swings in a parabola (Thacker, along a channel)"
-    tests = ("A plane surface swings to and fro in a parabolic channel for five periods: the hardest of "
-             "Thacker's lakes, because the losses of all periods add up.")
-    source = ("Thacker (1981); parameters of Delestre et al. (2013), section 4.2.1: channel of 4 m, "
-              "depth 0.5 m; five periods are 10.03 s.")
+    tests = ("A plane surface swings to and fro in a parabolic channel for five periods: the "
+             "hardest of Thacker's lakes, because the losses of all periods add up.")
+    source = ("Thacker (1981); parameters of Delestre et al. (2013), section 4.2.1: channel of 4 "
+              "m, depth 0.5 m; five periods are 10.03 s.")
     limit = ThackerPlanar.limit
     reason = PARTLY_WET
     sizes = (100, 200, 400)
