@@ -30,7 +30,8 @@ interpolated between its meshes. On the finest mesh the depth must further be wi
 tolerance of Synolakis, Bernard, Titov, Kânoğlu and González (2007), *Standards, criteria, and
 procedures for NOAA evaluation of tsunami numerical models* (NOAA Technical Memorandum OAR
 PMEL-135), for analytical solutions; not for the swinging lakes, where no first-order scheme
-reaches it on such meshes. The last observed order must be at least {norms.LOWEST_ORDER:g}, which
+reaches it on such meshes. The order from the coarsest to the finest
+mesh must be at least {norms.LOWEST_ORDER:g}, which
 Kuznetsov (1976), *USSR Comput. Math. Math. Phys.* 16, 105–119, proves for monotone first-order
 schemes and one scalar law, shocks included. Bounds come from there, not from what the simulator
 gives; where a case has another one, it says so. A criterion that is missed is named with its

@@ -12,6 +12,7 @@ from validation.case import AnalyticCase, Table
 from validation.runner import GRAVITY, Setup, simulate
 
 g = GRAVITY
+BODY = 0.5  # of xi: up to there the neglected terms of Dressler's series stay below some percent
 
 
 def middle_depth(hl, hr):
@@ -70,9 +71,6 @@ def dressler_coefficients(xi):
     a1 = 6 / (5 * s) - 2 / 3 + 4 * np.sqrt(3) / 135 * s ** 1.5
     a2 = 12 / s - 8 / 3 + 8 * np.sqrt(3) / 189 * s ** 1.5 - 108 / (7 * s ** 2)
     return a1, a2
-
-
-BODY = 0.5  # of xi: up to there the neglected terms of Dressler's series stay below some percent
 
 
 class Stoker(AnalyticCase):

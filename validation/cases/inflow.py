@@ -84,9 +84,9 @@ class Hydrograph(Inflow):
     tests = ("A flood wave of 10 minutes runs into a dry valley that is closed at its lower end, "
              "and fills a lake there. It tests that the discharge of the series, times the length "
              "of the boundary, is what is stored.")
-    reason = ("On dry ground the first water is a film, and the time step follows the depth: some "
-              "steps last many seconds, in which the hydrograph rises much. The error falls with "
-              "the second order, as the steps get shorter and the cells that are filmed smaller.")
+    reason = ("The error arises in the first minute, as the figure shows: on dry ground the first "
+              "water is a film, and the time step, which follows the depth, is many seconds long. "
+              "On a finer mesh that step is shorter.")
     limit = ("The series is read once a step and holds for that step; the clock that it is read at "
              "runs ahead or behind by the change of the time step.")
     slope, initial, friction = 0.02, 0.0, 0.03

@@ -214,8 +214,9 @@ class MacDonaldSubcritical(MacDonald):
     title = "MacDonald's channel, subcritical"
     tests = ("The bed of a channel of 1 km is made for a chosen subcritical depth, so that slope, "
              "friction and inertia all vary. It tests Manning friction against the bed slope.")
-    limit = ("The depth is off by a term in proportion to the cell size times the slope: on a "
-             "coarse mesh the stepped bed adds resistance.")
+    limit = ("The mass flux contains the fall of the level from cell to cell, so that a depth "
+             "below the exact one carries the discharge: by a share in proportion to the cell size "
+             "times the slope.")
     yardstick = {100: 1.6e-2, 200: 8.4e-3, 400: 4.4e-3}
     q, n, shape = 2.0, 0.033, (0.5, 16.0)
 
@@ -230,8 +231,8 @@ class MacDonaldSupercritical(MacDonald):
     tests = ("The same with a supercritical depth on a steep bed; the run starts from the exact "
              "state. It tests friction in shooting flow.")
     limit = ("An inflow is given by its discharge alone; for supercritical inflow a depth would be "
-             "needed as well. On a steep bed, steps as high as a part of the depth disturb the "
-             "flow.")
+             "needed as well, and the first cells are too deep. Further down the depth is too "
+             "small, as in the subcritical channel, and more so on the steeper bed.")
     q, n, shape = 2.5, 0.04, (-0.2, 36.0)
 
 
@@ -243,7 +244,7 @@ class Uniform(SteadyCase):
     source = ("Manning's law of a wide channel, h = (q n / S^(1/2))^(3/5), with S = 0.005, "
               "n = 0.033.")
     limit = ("Even this is not exact: the mass flux contains the difference of the levels of two "
-             "cells, so that the depth differs from the normal depth in proportion to the cell "
+             "cells, so that the depth stays below the normal depth in proportion to the cell "
              "size.")
     length, times = 1000.0, (3000.0,)
     q, n, slope = 2.0, 0.033, 0.005
