@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -1,5 +1,6 @@
 #include "mesh/boundaries.hpp"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cctype>
 #include <cmath>
@@ -10,7 +11,7 @@
 #include "mesh/Scanner.hpp"
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

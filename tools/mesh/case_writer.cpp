@@ -6,7 +6,7 @@
 
 #include "globals/edge_codes.hpp"
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -4,7 +4,7 @@
 #include <filesystem>
 
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

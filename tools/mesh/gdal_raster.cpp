@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "mesh/raster.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -1,5 +1,5 @@
 #include "mesh/raster.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

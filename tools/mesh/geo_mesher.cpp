@@ -9,7 +9,7 @@
 
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/mesh_file.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -1,5 +1,5 @@
 #include "mesh/geo_mesher.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

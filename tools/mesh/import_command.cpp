@@ -20,7 +20,7 @@
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
 #include "mesh/sections.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

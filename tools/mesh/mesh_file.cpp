@@ -7,7 +7,7 @@
 #include "mesh/geo_mesher.hpp"
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/sms_reader.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

@@ -9,7 +9,7 @@
 
 #include "mesh/Scanner.hpp"
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

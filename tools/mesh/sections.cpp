@@ -7,7 +7,7 @@
 
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

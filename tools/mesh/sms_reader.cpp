@@ -8,7 +8,7 @@
 
 #include "mesh/NodeNumbers.hpp"
 #include "mesh/Scanner.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace mesh_import {
 

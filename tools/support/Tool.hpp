@@ -3,12 +3,9 @@
 
 #include <CLI/CLI.hpp>
 
-#include "utils/stop.hpp"
+#include "support/Error.hpp"
 
 namespace tools {
-
-/// A reason to end with status 1: the file, the place in it, what was found and what is expected.
-using Error = utils::FatalError;
 
 /// A command line program with subcommands. Every subcommand runs from its callback.
 class Tool {

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/message_of.hpp"
 

@@ -7,8 +7,8 @@
 #include "mesh/edges.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/raster.hpp"
+#include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/Tool.hpp"
 #include "tools/mesh/SampleMesh.hpp"
 #include "tools/mesh/geotiff.hpp"
 

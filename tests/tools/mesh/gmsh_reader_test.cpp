@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "mesh/mesh_file.hpp"
+#include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
 #include "tools/mesh/message_of.hpp"

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace support {
 

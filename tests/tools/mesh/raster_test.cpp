@@ -5,8 +5,8 @@
 #include <cmath>
 
 #include "mesh/fields.hpp"
+#include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
 #include "tools/mesh/geotiff.hpp"

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/Tool.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
 #include "tools/mesh/message_of.hpp"
