@@ -130,11 +130,14 @@ class Import {
   void set_run();
   void place_gauge();
 
+  /// Bed level of the cells, the sediments included, m.
   std::vector<double> bed() const {
-    if (!case_.bed.empty()) return case_.bed;
-    std::vector<double> bed;
-    bed.reserve(case_.mesh.cells.size());
-    for (const Cell& cell : case_.mesh.cells) bed.push_back(case_.mesh.center(cell).z);
+    std::vector<double> bed = case_.bed;
+    if (bed.empty()) {
+      bed.reserve(case_.mesh.cells.size());
+      for (const Cell& cell : case_.mesh.cells) bed.push_back(case_.mesh.center(cell).z);
+    }
+    for (std::size_t i = 0; i < case_.sediment.size(); ++i) bed[i] += case_.sediment[i];
     return bed;
   }
 
@@ -230,7 +233,6 @@ void Import::set_fields() {
     case_.sediments = {options_.grain_diameter, options_.grain_density, options_.porosity};
   }
   case_.level = bed();  // dry
-  for (std::size_t i = 0; i < case_.sediment.size(); ++i) case_.level[i] += case_.sediment[i];
   std::size_t n_wet = 0;
   if (!options_.level.empty()) {
     const auto given = values_of_cells(mesh, "--level", options_.level, RasterUse::mean);

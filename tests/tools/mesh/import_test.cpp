@@ -231,6 +231,23 @@ TEST_F(Import, AddsRainSoilsAndSediments) {
   run_case();
 }
 
+TEST_F(Import, CountsSedimentsAsBedWhereItNamesTheLowerCellFirst) {
+  sample.z = [](double x, double) { return 0.01 * x; };
+  folder.write("m.msh", sample.msh4(true));
+  import_well({"--sediment", "left=2", "--grain-diameter", "0.002", "--friction", "0.02"});
+  int n_across = 0;
+  for (const auto& line : lines("edges.txt")) {
+    int left = -1, right = -1;
+    std::istringstream(line) >> left >> right;
+    // The cells of the surface "left", now the higher one, come first in the sample.
+    if (right < 0 || (left < 12) == (right < 12)) continue;
+    ++n_across;
+    EXPECT_GE(left, 12) << line;
+  }
+  EXPECT_EQ(n_across, 3);
+  EXPECT_NEAR(column("initial.txt", 0, 0).front(), 2.0 + 0.02 / 3.0, 1e-9);
+}
+
 TEST_F(Import, ListsTheNamesItKnows) {
   EXPECT_EQ(import_badly(1, {"--boundary", "inlet=wall"}),
             "quillmere-mesh: --boundary inlet=wall: the mesh has no line \"inlet\"; it has: west, "
