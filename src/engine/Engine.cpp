@@ -18,12 +18,6 @@ namespace {
 
 std::size_t at(int i) { return static_cast<std::size_t>(i); }
 
-/// Share of a list that a member of the team takes.
-Range share_of(int member, int members, std::size_t count) {
-  const auto cut = [&](int m) { return static_cast<int>(count * at(m) / at(members)); };
-  return {cut(member), cut(member + 1)};
-}
-
 /// Puts a column in a new order: entry k is the old entry order[k].
 template <class Vector>
 void reorder(Vector& column, const std::vector<int>& order) {
@@ -53,6 +47,11 @@ int cells_per_patch_for(int cells, int threads) {
 
 void add_once(std::vector<int>& list, int value) {
   if (std::find(list.begin(), list.end(), value) == list.end()) list.push_back(value);
+}
+
+template <class Vector>
+std::size_t bytes_of(const Vector& column) {
+  return column.capacity() * sizeof(typename Vector::value_type);
 }
 
 template <class Value>
@@ -472,6 +471,24 @@ std::optional<NotHyperbolic> Engine::take_not_hyperbolic() {
   const auto place = std::find(cell_number_.begin(), cell_number_.end(), first->cell);
   first->cell = static_cast<int>(place - cell_number_.begin());
   return first;
+}
+
+std::size_t Engine::bytes() const {
+  const CellTable& c = cells_;
+  const PatchEdges& e = patches_.edges;
+  std::size_t sum = 0;
+  const auto add = [&](const auto&... columns) { ((sum += bytes_of(columns)), ...); };
+  add(c.h, c.qx, c.qy, c.eta, c.max_h, c.max_u, c.max_v, c.bed, c.max_node, c.area, c.char_length,
+      c.manning, c.infiltrated, c.hs, c.qsx, c.qsy, c.dqs_dh, c.rock, c.rain, c.soil);
+  add(reciprocal_, celerity_, shortest_, cell_number_, boundaries_, boundary_number_);
+  add(e.left, e.right, e.nx, e.ny, e.length, patches_.edge_number, patches_.cut_edge_number);
+  add(patches_.slots[0], patches_.slots[1], patches_.slots[2]);
+  add(patches_.patches, patches_.neighbours, patches_.outer_slots, patches_.boundary_number);
+  const EdgeTable& cut = patches_.cut_edges;
+  add(cut.left, cut.right, cut.nx, cut.ny, cut.length);
+  add(outer_mass_, outer_momentum_x_, outer_momentum_y_, outer_bed_);
+  for (const Scratch& s : scratch_) add(s.mass, s.momentum_x, s.momentum_y, s.bed, s.demand);
+  return sum;
 }
 
 CellOutput Engine::cell(int model_cell) const {

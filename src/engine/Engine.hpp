@@ -47,6 +47,14 @@ class Engine {
   double advance();
 
   CellOutput cell(int model_cell) const;
+  /// Calls read(model cell, its state) for every cell, on all threads at once.
+  template <class Read>
+  void read_cells(const Read& read) {
+    team_.run([&](int member) {
+      const Range share = share_of(member, team_.size(), cell_number_.size());
+      for (int cell = share.begin; cell < share.end; ++cell) read(cell, this->cell(cell));
+    });
+  }
   /// Where the last step was not hyperbolic, on the first such edge of the model; asked once, as
   /// the engine looks no further after it has found one.
   std::optional<NotHyperbolic> take_not_hyperbolic();
@@ -57,6 +65,8 @@ class Engine {
   int patches() const { return static_cast<int>(patches_.patches.size()); }
   /// Patches that the last step computed.
   int active_patches() const { return static_cast<int>(active_.size()); }
+  /// Memory of the tables, bytes.
+  std::size_t bytes() const;
   const char* instruction_set() const { return kernels_.name; }
 
  private:

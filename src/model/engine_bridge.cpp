@@ -316,15 +316,14 @@ double CompiledModel::advance() {
 }
 
 void CompiledModel::publish() {
-  for (int cell = 0; cell < static_cast<int>(model_.cells.size()); ++cell) publish_cell(cell);
+  engine_.read_cells([this](int cell, const engine::CellOutput& state) { store(cell, state); });
 }
 
 void CompiledModel::publish(const std::vector<int>& cells) {
-  for (const int cell : cells) publish_cell(cell);
+  for (const int cell : cells) store(cell, engine_.cell(cell));
 }
 
-void CompiledModel::publish_cell(int cell) {
-  const engine::CellOutput state = engine_.cell(cell);
+void CompiledModel::store(int cell, const engine::CellOutput& state) {
   ComputationalCell& object = *model_.cells[static_cast<std::size_t>(cell)];
   object.U.set_values(state.h, state.qx, state.qy);
   object.free_surface_level = state.eta;

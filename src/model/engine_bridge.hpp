@@ -39,7 +39,7 @@ class CompiledModel {
   };
 
   CompiledModel(PhysicalModel& model, engine::ModelInput&& input, int threads);
-  void publish_cell(int cell);
+  void store(int cell, const engine::CellOutput& state);
 
   PhysicalModel& model_;
   engine::Engine engine_;

@@ -235,6 +235,24 @@ TEST_F(Equality, HoldsForEveryInstructionSetOfTheMachine) {
   expect_same_for_every_instruction_set<SWE_Exner>();
 }
 
+TEST_F(Equality, TheTablesTakeAtMost250BytesPerCell) {
+  const support::RunGlobals globals(1e-3);
+  const auto model = support::build_rectangle<SWE>({200, 100, 200.0, 100.0});
+  support::fill(*model, [](double, double) { return 1.0; });
+  for (const auto& cell : model->cells) {
+    cell->set_friction(0.03);
+    cell->add_source_term(&model->friction_terms.emplace_back(0.03));
+  }
+  model->compile(2);
+  ASSERT_NE(model->engine, nullptr);
+  Globals::dt = 1e-3;
+  model->computeFlowStep();
+  const double per_cell = static_cast<double>(model->engine->tables().bytes()) / model->n_cells;
+  EXPECT_LE(per_cell, 250.0);
+  EXPECT_GE(per_cell, 150.0);  // the columns that no run can do without
+  RecordProperty("bytes_per_cell", std::to_string(per_cell));
+}
+
 TEST_F(Equality, AnUnknownInstructionSetIsRefused) {
   setenv("QUILLMERE_ISA", "abacus", 1);
   EXPECT_THROW(engine::kernels_of_this_machine(), std::runtime_error);

@@ -1,0 +1,129 @@
+"""Runs the benchmarks and writes docs/performance.md: report.py BIN_FOLDER REPEATS [CELLS...]."""
+import os
+import statistics
+import subprocess
+import sys
+
+# Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state and
+# the terms of its depth read and written, bed, maxima, highest vertex, area and roughness read,
+# three slots of 2 bytes, and one and a half edges of 28 bytes. Maxima that change add 24.
+BYTES_PER_STEP = 2 * 5 * 8 + 8 + 3 * 8 + 3 * 8 + 6 + 1.5 * 28
+
+
+def output_of(command, **settings):
+    environment = {**os.environ, **{name: str(value) for name, value in settings.items()}}
+    return subprocess.run(command, env=environment, check=True, capture_output=True,
+                          text=True).stdout
+
+
+class Bench:
+    def __init__(self, folder, repeats):
+        self.folder = folder
+        self.repeats = repeats
+        self.cores = os.cpu_count()
+
+    def program(self, name, *arguments, **settings):
+        return output_of([f"{self.folder}/{name}", *map(str, arguments)], **settings)
+
+    def run(self, path, threads, cells, kind):
+        """Triangles, steps, set-up (s), ns per cell and step, bytes per cell of one run."""
+        line = self.program("bench_run", cells, kind, QUILLMERE_ENGINE=path,
+                            OMP_NUM_THREADS=threads)
+        return [float(word) for word in line.split()]
+
+    def compare(self, cells, kind):
+        """Runs of the objects and the tables side by side, `repeats` times."""
+        paths = {"objects": ("objects", 1), "one": ("tables", 1), "all": ("tables", self.cores)}
+        runs = {name: [] for name in paths}
+        for _ in range(self.repeats):
+            for name, (path, threads) in paths.items():
+                runs[name].append(self.run(path, threads, cells, kind))
+        return runs
+
+
+def times(runs):
+    return [run[3] for run in runs]
+
+
+def table(head, rows):
+    return "\n".join(["| " + " | ".join(head) + " |", "|" + "---|" * len(head)] +
+                     ["| " + " | ".join(row) + " |" for row in rows])
+
+
+def minimum_and_median(values):
+    return f"{min(values):.1f} / {statistics.median(values):.1f}"
+
+
+def median_ratio(over, under):
+    return f"{statistics.median(a / b for a, b in zip(times(over), times(under))):.1f}"
+
+
+def row_of(runs, kind):
+    one, every = runs["one"], runs["all"]
+    return [f"{one[0][0]:,.0f} {kind}", minimum_and_median(times(runs["objects"])),
+            minimum_and_median(times(one)), median_ratio(runs["objects"], one),
+            minimum_and_median(times(every)), median_ratio(runs["objects"], every),
+            f"{statistics.median(run[2] for run in every):.2f}",
+            f"{statistics.median(run[4] for run in every):.0f}"]
+
+
+def machine():
+    model = next((line.split(":")[1].strip() for line in open("/proc/cpuinfo")
+                  if line.startswith("model name")), "unknown processor")
+    compiler = output_of(["c++", "--version"]).splitlines()[0]
+    flags = next((line for line in open("/proc/cpuinfo") if line.startswith("flags")), "")
+    widest = next((isa for isa in ("avx512f", "avx2") if isa in flags), "baseline")
+    load = os.getloadavg()[0]
+    return (f"{os.cpu_count()} cores ({model}, {widest}), {compiler}; load average of the last minute "
+            f"before the measurements {load:.1f}")
+
+
+def roofline(bench, runs):
+    """Share of the measured bandwidth that the largest wet mesh uses."""
+    rows = []
+    for name, threads in (("one", 1), ("all", bench.cores)):
+        bandwidth = float(bench.program("bench_memory", threads))
+        used = BYTES_PER_STEP / min(times(runs[name]))
+        rows.append([str(threads), f"{bandwidth:.1f}", f"{used:.1f}", f"{used / bandwidth:.0%}"])
+    return table(["threads", "streams reach (GB/s)", "the step moves (GB/s)", "share"], rows)
+
+
+def main():
+    here = sys.stdout
+    bench = Bench(sys.argv[1], int(sys.argv[2]))
+    sizes = [int(cells) for cells in sys.argv[3:]] or [3000, 30000, 300000, 3000000]
+    before = machine()
+    cases = [(cells, "wet") for cells in sizes]
+    cases += [(300000, kind) for kind in ("shuffled", "dry", "sediment")]
+    measured = {}
+    for case in cases:
+        measured[case] = bench.compare(*case)
+        print("  ".join(row_of(measured[case], case[1])), file=here, flush=True)
+    largest = measured[(sizes[-1], "wet")]
+    parts = [
+        "# Performance",
+        "Written by `scripts/bench.sh`. A dam break in a channel over an uneven bed with Manning "
+        "friction, the loop of the whole program; times in ns per cell and step, minimum / median "
+        f"of {bench.repeats} runs side by side; ratios are medians of objects over tables. "
+        "*Shuffled* is the same mesh with nodes, cells and edges in random order, *dry* has water in "
+        "a tenth of the channel at the start, *sediment* a bed of sand that moves.",
+        f"Machine: {before}.",
+        table(["triangles", "objects, 1 thread", "tables, 1 thread", "ratio",
+               f"tables, {bench.cores} threads", "ratio", "set-up (s)", "bytes per cell (peak)"],
+              [row_of(measured[case], case[1]) for case in cases]),
+        "## Memory bandwidth",
+        f"A step moves {BYTES_PER_STEP:.0f} bytes per cell where the tables do not fit into a cache "
+        f"(counted from the columns). On {largest['one'][0][0]:,.0f} triangles:",
+        roofline(bench, largest),
+        "## Files",
+        "Reading and writing against formatted streams, and the location of points, on a mesh of "
+        f"{min(sizes[-1], 1000000):,} triangles.",
+        "```\n" + bench.program("bench_files", min(sizes[-1], 1000000)).rstrip() + "\n```",
+    ]
+    with open("docs/performance.md", "w") as file:
+        file.write("\n\n".join(parts) + "\n")
+    print("Written: docs/performance.md")
+
+
+if __name__ == "__main__":
+    main()
