@@ -31,7 +31,7 @@ int threads_wanted() {
 
 }  // namespace
 
-ThreadTeam::ThreadTeam(int size) : size_(size) {
+ThreadTeam::ThreadTeam(int size) : size_(size), begun_in_(static_cast<std::size_t>(size)) {
   for (int member = 1; member < size; ++member) {
     threads_.emplace_back([this, member] { serve(member); });
   }
@@ -50,19 +50,36 @@ void ThreadTeam::run(Task task) {
     return;
   }
   task_ = task;
-  working_ = static_cast<std::uint32_t>(size_ - 1);
-  ++round_;
+  unfinished_ = static_cast<std::uint32_t>(size_);
+  const std::uint32_t round = ++round_;
   round_.notify_all();
-  task.call(task.context, 0);
-  for (std::uint32_t left = working_; left != 0; left = working_) wait_while(working_, left);
+  work(0, round);
+  for (std::uint32_t left = unfinished_; left != 0; left = unfinished_) {
+    wait_while(unfinished_, left);
+  }
+}
+
+void ThreadTeam::work(int member, std::uint32_t round) {
+  for (int k = 0; k < size_; ++k) {
+    const int share = (member + k) % size_;
+    // Whoever moves the share from the last round to this one runs it. A thread that comes late
+    // finds it moved, and does not look at a task that may be another by then.
+    std::uint32_t last_round = round - 1;
+    if (!begun_in_[static_cast<std::size_t>(share)].compare_exchange_strong(last_round, round)) {
+      continue;
+    }
+    task_.call(task_.context, share);
+    if (--unfinished_ == 0) unfinished_.notify_one();
+  }
 }
 
 void ThreadTeam::serve(int member) {
-  for (std::uint32_t round = 0;; ++round) {
+  std::uint32_t round = 0;
+  while (true) {
     wait_while(round_, round);
+    round = round_;
     if (ends_) return;
-    task_.call(task_.context, member);
-    if (--working_ == 0) working_.notify_one();
+    work(member, round);
   }
 }
 

@@ -17,27 +17,31 @@ class ThreadTeam {
   ThreadTeam& operator=(const ThreadTeam&) = delete;
 
   int size() const { return size_; }
-  /// Calls body(member) on every member, 0 being the calling thread; returns when all are done.
-  /// Allocates nothing.
+  /// Calls body(share) for the shares 0 to size() - 1 and returns when all are done. A thread
+  /// begins with its own share and goes on with those that nobody has begun, so that on a busy
+  /// machine no one waits for a thread that does not get a core. Allocates nothing.
   template <class Body>
   void run(const Body& body) {
-    run({[](const void* context, int member) { (*static_cast<const Body*>(context))(member); },
+    run({[](const void* context, int share) { (*static_cast<const Body*>(context))(share); },
          &body});
   }
 
  private:
   struct Task {
-    void (*call)(const void* context, int member);
+    void (*call)(const void* context, int share);
     const void* context;
   };
 
   void run(Task task);
   void serve(int member);
+  /// Runs what is left to begin of a round, the own share first.
+  void work(int member, std::uint32_t round);
 
   int size_;
   Task task_{};
   std::atomic<std::uint32_t> round_ = 0;
-  std::atomic<std::uint32_t> working_ = 0;
+  std::atomic<std::uint32_t> unfinished_ = 0;         ///< shares
+  std::vector<std::atomic<std::uint32_t>> begun_in_;  ///< last round of every share
   std::atomic<bool> ends_ = false;
   std::vector<std::thread> threads_;
 };
