@@ -9,7 +9,8 @@
 
 namespace {
 
-#ifdef __GLIBC__
+// Sanitizers bring an allocator of their own.
+#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
 constexpr std::size_t MiB = 1 << 20;
 
