@@ -70,7 +70,7 @@ double sum_of_edges(const std::string& file, int n_nodes, int n_cells) {
   utils::MeshReader reader(file, "edge", 5);
   double sum = 0.0;
   for (int i = reader.get_number_of_elements(); i > 0; --i) {
-    const auto [left, right, node1, node2, code, value, series] =
+    const auto& [left, right, node1, node2, code, value, series] =
         reader.read_next_edge(n_nodes, n_cells);
     sum += left + right + node1 + node2 + code;
   }

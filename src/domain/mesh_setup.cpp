@@ -109,7 +109,7 @@ void Domain::read_edges(const std::string& name) {
   model->interfaces.reserve(static_cast<std::size_t>(model->n_interfaces));
   EdgeWarnings warnings;
   for (int i = 0; i < model->n_interfaces; ++i) {
-    const auto [left, right, node1, node2, code, value, file] =
+    const auto& [left, right, node1, node2, code, value, file] =
         reader.read_next_edge(model->n_nodes, model->n_cells);
     model->build_interface(flux_scheme, i, left, right,
                            model->mesh_nodes[static_cast<std::size_t>(node1)],

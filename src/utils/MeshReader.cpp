@@ -52,26 +52,31 @@ const std::vector<int>& MeshReader::read_next_cell(int n_nodes) {
   return cell_nodes_;
 }
 
-EdgeRecord MeshReader::read_next_edge(int n_nodes, int n_cells) {
+const EdgeRecord& MeshReader::read_next_edge(int n_nodes, int n_cells) {
   begin_next_record();
-  const int left = scanner_.read_index("left cell", n_cells);
-  const int right = scanner_.read_integer("right cell");
+  auto& [left, right, node1, node2, code, value, file] = edge_;
+  left = scanner_.read_index("left cell", n_cells);
+  right = scanner_.read_integer("right cell");
   if (right >= n_cells) {
     scanner_.refuse("right cell",
                     "an index from 0 to " + std::to_string(n_cells - 1) + ", or -1 on a boundary");
   }
-  const int node1 = scanner_.read_index("node 1", n_nodes);
-  const int node2 = scanner_.read_index("node 2", n_nodes);
-  const int code = scanner_.read_integer("boundary code");
+  node1 = scanner_.read_index("node 1", n_nodes);
+  node2 = scanner_.read_index("node 2", n_nodes);
+  code = scanner_.read_integer("boundary code");
   if (edge_code::is_between_cells(code) && right < 0) {
     scanner_.refuse("boundary code", "a boundary condition, since the edge has no right cell");
   }
   if (edge_code::is_between_cells(code) && right == left) {
     scanner_.refuse("boundary code", "two different cells on the sides of an interior edge");
   }
-  const std::string file = has_series_file(code) ? scanner_.read_word("time-series file") : "";
-  const double value = has_value(code) ? scanner_.read_number("imposed value") : 0.0;
-  return {left, right, node1, node2, code, value, file};
+  if (has_series_file(code)) {
+    file = scanner_.read_word("time-series file");
+  } else {
+    file.clear();
+  }
+  value = has_value(code) ? scanner_.read_number("imposed value") : 0.0;
+  return edge_;
 }
 
 }  // namespace utils

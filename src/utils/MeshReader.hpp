@@ -36,8 +36,9 @@ class MeshReader {
   /// Node indices of the next cell, each below n_nodes; a cell has at least three. They hold until
   /// the next call.
   const std::vector<int>& read_next_cell(int n_nodes);
-  /// The next edge, with indices below n_nodes and n_cells; a negative right cell is a boundary.
-  EdgeRecord read_next_edge(int n_nodes, int n_cells);
+  /// The next edge, with indices below n_nodes and n_cells; a negative right cell is a boundary. It
+  /// holds until the next call.
+  const EdgeRecord& read_next_edge(int n_nodes, int n_cells);
 
  private:
   void begin_next_record();
@@ -45,9 +46,10 @@ class MeshReader {
   TextScanner scanner_;
   const char* kind_;
   int number_of_elements_;
-  int number_read_ = 0;
   std::vector<double> node_values_;
   std::vector<int> cell_nodes_;
+  EdgeRecord edge_;
+  int number_read_ = 0;
 };
 
 }  // namespace utils

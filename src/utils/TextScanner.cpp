@@ -12,6 +12,10 @@ namespace utils {
 
 namespace {
 
+// Bytes that a cache holds: the page faults of memory for a whole file take as long as its reading.
+constexpr std::ptrdiff_t piece = 1 << 18;
+constexpr std::ptrdiff_t padding = 4;  // for looks at four characters at once
+
 /// A leading "+" is a sign to formatted extraction, but not to from_chars.
 std::string_view without_plus(std::string_view token) {
   const bool signed_twice = token.size() > 1 && token[1] == '-';
@@ -42,27 +46,39 @@ std::string quoted(std::string_view token) {
 
 }  // namespace
 
-TextScanner::TextScanner(const std::string& name) : Reader(name) {
-  // What is not a regular file (a pipe, say) has no size beforehand and comes piece by piece.
-  constexpr std::size_t piece = 1 << 16;
+TextScanner::TextScanner(const std::string& name) : Reader(name), text_(piece + padding) {
+  next_ = end_ = text_.data();
   std::error_code has_no_size;
   const std::uintmax_t file_size = std::filesystem::file_size(name, has_no_size);
-  if (!has_no_size) text_.reserve(file_size + piece);
-  std::size_t size = 0;
-  do {
-    text_.resize(size + piece);
-    stream_.read(text_.data() + size, piece);
-    size += static_cast<std::size_t>(stream_.gcount());
-  } while (stream_);
-  if (stream_.bad()) fatal("Fatal error. Impossible to read file " + name + " to its end.\n");
-  text_.resize(size);
-  next_ = text_.data();
-  close();
+  if (has_no_size || file_size == 0) {  // a pipe, say: it is read whole, to know its size
+    while (read_on()) continue;
+    size_ = end_ - text_.data();
+  } else {
+    read_on();
+    size_ = static_cast<std::ptrdiff_t>(file_size);
+  }
   skip_byte_order_mark();
+  token_ = next_;
+}
+
+bool TextScanner::read_on() {
+  if (!stream_) return false;
+  const std::ptrdiff_t capacity = static_cast<std::ptrdiff_t>(text_.size()) - padding;
+  const std::ptrdiff_t kept = end_ - next_;
+  dropped_ += next_ - text_.data();
+  std::copy(next_, end_, text_.data());
+  // Doubling keeps the time for a token of any length proportional to its length.
+  if (2 * kept > capacity) text_.resize(2 * text_.size());
+  next_ = text_.data();
+  stream_.read(text_.data() + kept, static_cast<std::ptrdiff_t>(text_.size()) - padding - kept);
+  if (stream_.bad()) fatal("Fatal error. Impossible to read file " + name_ + " to its end.\n");
+  end_ = text_.data() + kept + stream_.gcount();
+  text_[static_cast<std::size_t>(end_ - next_)] = '\0';
+  return stream_.gcount() > 0;
 }
 
 void TextScanner::skip_byte_order_mark() {
-  const std::string_view text = text_;
+  const std::string_view text(next_, static_cast<std::size_t>(end_ - next_));
   if (text.substr(0, 2) == "\xFF\xFE" || text.substr(0, 2) == "\xFE\xFF") {
     fatal("Error in file " + name_ +
           ": it is UTF-16 text, expected plain text (UTF-8 or ASCII).\n");
@@ -70,18 +86,19 @@ void TextScanner::skip_byte_order_mark() {
   if (text.substr(0, 3) == "\xEF\xBB\xBF") next_ += 3;  // UTF-8, which editors like to mark
 }
 
-void TextScanner::begin_record(const char* kind, int index, int total) {
-  record_kind_ = kind;
-  record_index_ = index;
-  record_total_ = total;
+std::string_view TextScanner::next_token() {
+  std::ptrdiff_t length;
+  do {
+    skip_spaces();
+    length = std::find_if(next_, end_, is_space) - next_;
+  } while (next_ + length == end_ && read_on());
+  token_ = next_;
+  next_ += length;
+  return token();
 }
 
-std::string_view TextScanner::next_token() {
-  skip_spaces();
-  const char* const begin = next_;
-  while (next_ != end_of_text() && !is_space(*next_)) ++next_;
-  token_ = std::string_view(begin, static_cast<std::size_t>(next_ - begin));
-  return token_;
+std::string_view TextScanner::token() const {
+  return {token_, static_cast<std::size_t>(next_ - token_)};
 }
 
 double TextScanner::read_any_number(const char* field) {
@@ -100,9 +117,16 @@ int TextScanner::read_any_integer(const char* field) {
   return value;
 }
 
-void TextScanner::refuse_index(const char* field, int limit) const {
+void TextScanner::refuse_index(const char* field, int limit) {
   refuse(field, limit > 0 ? "an index from 0 to " + std::to_string(limit - 1)
                           : "no index: there is nothing to point to");
+}
+
+void TextScanner::refuse_count(const char* field, std::size_t tokens_per_record) {
+  const auto per_record = static_cast<std::ptrdiff_t>(tokens_per_record);
+  const std::ptrdiff_t most = std::max<std::ptrdiff_t>(tokens_left() / per_record, 0);
+  refuse(field, "a count from 0 to " + std::to_string(most) +
+                    ", the most that the rest of the file can hold");
 }
 
 std::string TextScanner::read_word(const char* field) {
@@ -111,30 +135,19 @@ std::string TextScanner::read_word(const char* field) {
   return std::string(token);
 }
 
-int TextScanner::read_count(const char* field, std::size_t tokens_per_record) {
-  const int value = read_integer(field);
-  const std::size_t tokens_left = static_cast<std::size_t>(end_of_text() - next_) / 2;
-  const std::size_t records_left = tokens_left / std::max<std::size_t>(tokens_per_record, 1);
-  if (value < 0 || static_cast<std::size_t>(value) > records_left) {
-    refuse(field, "a count from 0 to " + std::to_string(records_left) +
-                      ", the most that the rest of the file can hold");
-  }
-  return value;
-}
-
-std::string TextScanner::place() const {
-  const auto begin = text_.begin();
-  const auto offset =
-      token_.empty() ? text_.size() : static_cast<std::size_t>(token_.data() - text_.data());
-  const auto line = 1 + std::count(begin, begin + static_cast<std::ptrdiff_t>(offset), '\n');
+std::string TextScanner::place() {
+  auto line = 1 + std::count<const char*>(text_.data(), token_, '\n');
+  stream_.clear();
+  stream_.seekg(0);
+  for (std::ptrdiff_t i = 0; i < dropped_; ++i) line += stream_.get() == '\n';
   std::string text = "Error in file " + name_ + ", line " + std::to_string(line) + ", ";
   if (record_kind_ == nullptr) return text + "header";
   text += record_kind_ + (" " + std::to_string(record_index_));
   return text + " (of 0 to " + std::to_string(record_total_ - 1) + ")";
 }
 
-void TextScanner::refuse(const char* field, const std::string& expected) const {
-  const std::string found = token_.empty() ? "the end of the file" : quoted(token_);
+void TextScanner::refuse(const char* field, const std::string& expected) {
+  const std::string found = token().empty() ? "the end of the file" : quoted(token());
   fatal(place() + ", " + field + ": found " + found + ", expected " + expected + ".\n");
 }
 

@@ -1,11 +1,14 @@
-// Reads white-space separated values from a text file held in memory, and refuses what is
-// malformed with a message that names file, line, record and field.
+// Reads white-space separated values from a text file, and refuses what is malformed with a message
+// that names file, line, record and field.
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "utils/Reader.hpp"
 
@@ -15,13 +18,16 @@ namespace utils {
 /// token is consumed. Anything else ends the run.
 class TextScanner : public Reader {
  public:
-  /// Opens the file and reads it whole. A UTF-8 byte-order mark at its start is no part of the
-  /// text.
+  /// Opens the file. A UTF-8 byte-order mark at its start is no part of the text.
   explicit TextScanner(const std::string& name);
 
   /// Names the record that the next values belong to, as in "cell 3 (of 0 to 9)"; the values before
   /// the first record are the header.
-  void begin_record(const char* kind, int index, int total);
+  void begin_record(const char* kind, int index, int total) {
+    record_kind_ = kind;
+    record_index_ = index;
+    record_total_ = total;
+  }
 
   double read_number(const char* field) {
     double value;
@@ -40,41 +46,57 @@ class TextScanner : public Reader {
   std::string read_word(const char* field);
   /// A number of records of at least `tokens_per_record` values each: between 0 and what the rest
   /// of the file can hold, so that it is safe to allocate.
-  int read_count(const char* field, std::size_t tokens_per_record);
+  int read_count(const char* field, std::size_t tokens_per_record) {
+    const int value = read_integer(field);
+    if (value < 0 || value * static_cast<std::ptrdiff_t>(tokens_per_record) > tokens_left()) {
+      refuse_count(field, tokens_per_record);
+    }
+    return value;
+  }
 
   /// Ends the run: the value read last is not what is expected.
-  [[noreturn]] void refuse(const char* field, const std::string& expected) const;
+  [[noreturn]] void refuse(const char* field, const std::string& expected);
 
  private:
   /// White space of the C locale.
   static bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
   static bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
-  // The text ends in a null character, which is neither space nor digit: it stops every loop.
-  void skip_spaces() {
-    while (is_space(*next_)) ++next_;
+  // The piece of text in memory ends in a null character, which is neither space nor digit: it
+  // stops every loop.
+  void skip_spaces() {  // a token shows at the first comparison
+    while (*next_ <= ' ' && is_space(*next_)) ++next_;
   }
-  /// Takes the token from the present position up to `end`, if it ends there.
+  /// Takes the token from the present position up to `end`, if it is seen to end there.
   bool take_token(const char* end) {
-    if (!is_space(*end) && end != end_of_text()) return false;
-    token_ = std::string_view(next_, static_cast<std::size_t>(end - next_));
+    if (!is_space(*end)) return false;
+    token_ = next_;
     next_ = end;
     return true;
   }
   /// The usual spellings, read where they stand; false leaves the token to the full rules.
   bool read_usual_number(double& value);
   bool read_usual_integer(int& value);
+  bool take_digits(const char* p, int& value);
   double read_any_number(const char* field);
   int read_any_integer(const char* field);
-  [[noreturn]] void refuse_index(const char* field, int limit) const;
-  const char* end_of_text() const { return text_.data() + text_.size(); }
+  [[noreturn]] void refuse_index(const char* field, int limit);
+  [[noreturn]] void refuse_count(const char* field, std::size_t tokens_per_record);
+  /// Puts the next piece of the file behind what is not yet read; false at the end of the file.
+  bool read_on();
   void skip_byte_order_mark();
   std::string_view next_token();
-  std::string place() const;
+  std::string_view token() const;
+  /// The most tokens that the rest of the file can hold; less than none if the file grew.
+  std::ptrdiff_t tokens_left() const { return (size_ - dropped_ - (next_ - text_.data())) / 2; }
+  std::string place();
 
-  std::string text_;
-  const char* next_ = nullptr;  ///< first character that is not yet read
-  std::string_view token_;
+  std::vector<char> text_;      ///< the piece of the file in memory, and some padding
+  const char* end_;             ///< its end
+  const char* next_;            ///< its first character that is not yet read
+  const char* token_;           ///< start of the token that ends at next_
+  std::ptrdiff_t dropped_ = 0;  ///< bytes of the file before text_
+  std::ptrdiff_t size_;         ///< bytes of the file
   const char* record_kind_ = nullptr;
   int record_index_ = 0;
   int record_total_ = 0;
@@ -111,15 +133,30 @@ inline bool TextScanner::read_usual_number(double& value) {
 }
 
 inline bool TextScanner::read_usual_integer(int& value) {
-  constexpr std::ptrdiff_t most_digits = 9;  // no overflow
   skip_spaces();
-  const char* p = next_;
-  const bool is_negative = *p == '-';
-  if (is_negative) ++p;
+  if (*next_ != '-') return take_digits(next_, value);
+  const bool is_taken = take_digits(next_ + 1, value);
+  value = -value;
+  return is_taken;
+}
+
+/// The token whose digits begin at p, if they are one to nine, which cannot overflow.
+inline bool TextScanner::take_digits(const char* p, int& value) {
   const char* const first_digit = p;
   int magnitude = 0;
-  while (is_digit(*p) && p - first_digit < most_digits) magnitude = 10 * magnitude + (*p++ - '0');
-  value = is_negative ? -magnitude : magnitude;
+  if constexpr (std::endian::native == std::endian::little) {  // four digits at once
+    std::uint32_t four;
+    std::memcpy(&four, p, sizeof four);
+    four ^= 0x30303030;  // each byte becomes its digit, or more than 9
+    const bool are_digits = (((four + 0x76767676) | four) & 0x80808080) == 0;
+    if (are_digits) {
+      four = (four * 10 + (four >> 8)) & 0x00FF00FF;  // neighbours join
+      magnitude = static_cast<int>((four * 100 + (four >> 16)) & 0xFFFF);
+      p += sizeof four;
+    }
+  }
+  for (int i = 0; i < 5 && is_digit(*p); ++i) magnitude = 10 * magnitude + (*p++ - '0');
+  value = magnitude;
   return p != first_digit && take_token(p);
 }
 

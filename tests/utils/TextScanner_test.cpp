@@ -1,11 +1,14 @@
 #include "utils/TextScanner.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
 #include <random>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
@@ -27,8 +30,10 @@ TEST(TextScanner, TakesAnyWhiteSpaceForASeparator) {
 TEST(TextScanner, ReadsWordsOfAnyLength) {
   const support::TemporaryFolder folder;
   const std::string word(100000, 'w');
-  utils::TextScanner scanner(folder.write("values.txt", word + " \"a,b\" end"));
+  const std::string longer_word(3 << 20, 'v');
+  utils::TextScanner scanner(folder.write("values.txt", word + " " + longer_word + " \"a,b\" end"));
   EXPECT_EQ(scanner.read_word("name"), word);
+  EXPECT_EQ(scanner.read_word("name"), longer_word);
   EXPECT_EQ(scanner.read_word("name"), "\"a,b\"");
   EXPECT_EQ(scanner.read_word("name"), "end");
 }
@@ -66,6 +71,59 @@ TEST(TextScanner, ReadsAFileLargerThanAMegabyte) {
   ASSERT_GT(text.size(), 2U << 20);
   utils::TextScanner scanner(folder.write("values.txt", text));
   for (int i = 0; i < count; ++i) ASSERT_EQ(scanner.read_integer("value"), i);
+}
+
+TEST(TextScanner, ReadsIntegersOfAnyLength) {
+  const support::TemporaryFolder folder;
+  std::mt19937 random(23);
+  std::string text;
+  std::vector<int> expected;
+  for (int i = 0; i < 100000; ++i) {
+    const int magnitude = static_cast<int>(random() & 0x7FFFFFFF) >> random() % 31;
+    expected.push_back(random() % 2 == 0 ? -magnitude : magnitude);
+    text += std::to_string(expected.back()) + (random() % 2 == 0 ? "\n" : " \t");
+  }
+  utils::TextScanner scanner(folder.write("values.txt", text));
+  for (const int value : expected) ASSERT_EQ(scanner.read_integer("value"), value);
+}
+
+TEST(TextScanner, SkipsMegabytesOfWhiteSpace) {
+  const support::TemporaryFolder folder;
+  utils::TextScanner scanner(
+      folder.write("values.txt", "1" + std::string(3 << 20, '\n') + "2.5" + std::string(99, ' ')));
+  EXPECT_EQ(scanner.read_integer("value"), 1);
+  EXPECT_EQ(scanner.read_number("value"), 2.5);
+}
+
+TEST(TextScanner, ReadsWhatComesThroughAPipe) {
+  const support::TemporaryFolder folder;
+  const std::string path = folder.file("pipe");
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  constexpr int count = 200000;
+  std::thread writer([&] {
+    std::ofstream pipe(path);
+    pipe << count << '\n';
+    for (int i = 0; i < count; ++i) pipe << i << '\n';
+  });
+  utils::TextScanner scanner(path);
+  writer.join();
+  EXPECT_EQ(scanner.read_count("records", 1), count);
+  for (int i = 0; i < count; ++i) ASSERT_EQ(scanner.read_integer("value"), i);
+}
+
+TEST(TextScannerDeathTest, NamesTheLineOfALargeFile) {
+  const support::TemporaryFolder folder;
+  constexpr int count = 400000;
+  std::string text;
+  for (int i = 0; i < count; ++i) text += std::to_string(i) + "\n";
+  const auto read = [&](const std::string& path) {
+    utils::TextScanner scanner(path);
+    for (int i = 0; i <= count; ++i) scanner.read_integer("value");
+  };
+  EXPECT_EXIT(read(folder.write("word.txt", text + "\nword\n")), ExitedWithCode(255),
+              "word\\.txt, line 400002, header, value: found \"word\", expected an integer");
+  EXPECT_EXIT(read(folder.write("short.txt", text)), ExitedWithCode(255),
+              "short\\.txt, line 400001, header, value: found the end of the file");
 }
 
 TEST(TextScannerDeathTest, NamesFileLineRecordAndField) {
@@ -141,6 +199,9 @@ TEST(TextScanner, AcceptsTheLargestCountThatTheFileCanHold) {
   EXPECT_EQ(utils::TextScanner(folder.write("a.txt", "2 1 2 3 4")).read_count("records", 2), 2);
   EXPECT_EQ(utils::TextScanner(folder.write("b.txt", "0")).read_count("records", 2), 0);
   EXPECT_EQ(utils::TextScanner(folder.write("c.txt", "1 5 6 7")).read_count("records", 1), 1);
+  std::string text = "1000000";
+  for (int i = 0; i < 1000000; ++i) text += " 1";
+  EXPECT_EQ(utils::TextScanner(folder.write("d.txt", text)).read_count("records", 1), 1000000);
 }
 
 TEST(TextScannerDeathTest, RefusesACountThatIsNegativeOrThatTheFileCannotHold) {
