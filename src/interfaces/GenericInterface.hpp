@@ -60,7 +60,8 @@ class GenericInterface {
   void set_right_bed_slot(double hs);
 
  private:
-  static inline utils::Arena arena;
+  /// Never destroyed: a run may end by exit() while cells and edges live.
+  static inline utils::Arena& arena = *new utils::Arena;
 };
 
 /// A cell's water above its bed rock, as fluxes read it.

@@ -94,7 +94,8 @@ class ComputationalCell {
   double min_node_level;  ///< m
 
  private:
-  static inline utils::Arena arena;
+  /// Never destroyed: a run may end by exit() while cells and edges live.
+  static inline utils::Arena& arena = *new utils::Arena;
 
  protected:
   /// Sum of the first three slots. Intended: the update is that of a triangle; a fourth slot does
