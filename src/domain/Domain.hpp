@@ -8,16 +8,22 @@
 #include <vector>
 
 #include "domain/PointLocator.hpp"
+#include "domain/Progress.hpp"
 #include "model/PhysicalModel.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
 #include "sources/RainTerm.hpp"
 
+/// Who watches a run; null: nobody.
+struct Watchers {
+  Progress* progress = nullptr;
+};
+
 class Domain {
  public:
-  /// Builds the whole run from its data file.
-  explicit Domain(const std::string& dataFile);
+  /// Builds the whole run from its data file. The watchers must outlive the run.
+  explicit Domain(const std::string& dataFile, Watchers watchers = {});
   /// Waits for the writers, which look at the cells.
   ~Domain();
   Domain(const Domain&) = delete;
@@ -55,14 +61,16 @@ class Domain {
 
   // Time loop.
   void fire_outputs();
+  void end_progress();
   void write_enveloppe();
-  void stop_on_collapsed_step() const;
+  void stop_on_collapsed_step();
   void report_limiting_cell() const;
   static void report_interruption();
-  static void stop_if_writer_failed();
+  void stop_if_writer_failed();
   static void printTime(double t, int width, int precision);
   static void eraseTime();
 
+  Watchers watchers_;
   std::string simulation_name;
   std::string nodes_file, cells_file, edges_file;
   std::string initial_conditions_file;

@@ -19,7 +19,7 @@ const std::map<std::string, int> flux_schemes = {{"LHLLC", 1}, {"Roe", 2}};
 
 }  // namespace
 
-Domain::Domain(const std::string& dataFile) {
+Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watchers) {
   utils::return_large_blocks();
   read_data_file(dataFile);
   std::ostream& log = Globals::spyFile;

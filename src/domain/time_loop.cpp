@@ -22,6 +22,8 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
   Globals::dt = cfl * model->dtMin();
   utils::listen_for_interruption();
+  Progress* const progress = watchers_.progress;
+  if (progress != nullptr) progress->begin(Globals::t, Globals_Params::tEnd);
   while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
     fire_outputs();
     if (++passes > passes_between_displays) {
@@ -36,7 +38,11 @@ void Domain::Update(const std::function<bool()>& goes_on) {
     // shortened to meet an output time or the end.
     Globals::t += Globals::dt;
     stop_if_writer_failed();
+    if (progress != nullptr && progress->is_due()) {
+      progress->show(Globals::t, Globals::dt, survey_flow(*model));
+    }
   }
+  end_progress();
   Handoff::join_all();
   stop_if_writer_failed();
   eraseTime();
@@ -46,6 +52,10 @@ void Domain::Update(const std::function<bool()>& goes_on) {
     utils::stop(-1);
   }
   if (!is_complete()) report_interruption();
+}
+
+void Domain::end_progress() {
+  if (watchers_.progress != nullptr) watchers_.progress->end();
 }
 
 bool Domain::is_complete() { return Globals::t >= Globals_Params::tEnd; }
@@ -69,9 +79,10 @@ void Domain::fire_outputs() {
   if (enveloppe_due) write_enveloppe();
 }
 
-void Domain::stop_on_collapsed_step() const {
+void Domain::stop_on_collapsed_step() {
   const bool clock_stands_still = Globals::t + Globals::dt == Globals::t;
   if (!(Globals::dt <= dt_threshold || clock_stands_still)) return;
+  end_progress();
   std::cerr << "dt too small!\n";
   Globals::spyFile << "Simulation stopped at t = " << Globals::t << " s\n"
                    << "Too small dt! dt = " << Globals::dt << " s\n";
@@ -99,7 +110,9 @@ void Domain::report_interruption() {
 }
 
 void Domain::stop_if_writer_failed() {
-  if (Thread::has_failed) utils::stop(-1);
+  if (!Thread::has_failed) return;
+  end_progress();
+  utils::stop(-1);
 }
 
 void Domain::printTime(double t, int width, int precision) {

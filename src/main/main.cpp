@@ -3,6 +3,7 @@
 #include <ctime>
 #include <iostream>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "domain/Domain.hpp"
@@ -45,14 +46,14 @@ int whole_seconds(double seconds) {
 }
 
 /// Answers the exit status.
-int run() {
+int run(Watchers watchers) {
   Globals::spyFile.open("log.txt");
   if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
   Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
   print_banner();
 
   const utils::DataFileReader data_file(_dataFile);
-  Domain domain(_dataFile);
+  Domain domain(_dataFile, watchers);
 
   const std::time_t start = std::time(nullptr);
   domain.Update();
@@ -83,7 +84,9 @@ int main(int argc, char** argv) {
       return 0;
     }
     parseInputs(parser);
-    return run();
+    std::optional<Progress> progress;
+    if (parser.cmdOptionExists("--progress")) progress.emplace(Progress::on_standard_error());
+    return run({.progress = progress ? &*progress : nullptr});
   } catch (const std::exception& error) {
     utils::fatal(error.what() + std::string("\n"));
   }

@@ -6,7 +6,7 @@
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
 inline void print_usage(std::ostream& out) {
-  out << "Usage: quillmere -f DATA_FILE [-nodisplay]\n"
+  out << "Usage: quillmere -f DATA_FILE [-nodisplay] [--progress]\n"
          "\n"
          "Simulates free-surface flow over terrain: one scenario, described by a JSON data file.\n"
          "\n"
@@ -19,6 +19,9 @@ inline void print_usage(std::ostream& out) {
          "  -f DATA_FILE   data file; asked for when absent. Paths in it are relative to the\n"
          "                 working directory\n"
          "  -nodisplay     write welcome, name and execution time to log.txt only\n"
+         "  --progress     show on standard error how far the run is: a line rewritten in place on "
+         "a\n"
+         "                 terminal, a line every 30 s elsewhere\n"
          "  --help         print this help and exit\n"
          "  --version      print the version and exit\n"
          "\n"

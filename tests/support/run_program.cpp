@@ -65,7 +65,9 @@ RunningProgram::RunningProgram(const std::string& folder, const std::vector<std:
 
   const int in = memory_file(options.input);
   process_ = fork();
-  if (process_ == 0) become_program(folder, pointers, in, out_, err_, options);
+  if (process_ == 0) {
+    become_program(folder, pointers, in, out_, options.err >= 0 ? options.err : err_, options);
+  }
   close(in);
   if (process_ < 0) throw std::runtime_error("no process for a run");
 }

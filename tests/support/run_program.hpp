@@ -18,6 +18,7 @@ struct RunOptions {
   std::size_t address_space = 0;  ///< bytes of memory the run may map; 0: no limit. Builds with a
                                   ///< sanitizer, which map terabytes, ignore it
   double time_limit = 120.0;      ///< s; a run that takes longer is killed
+  int err = -1;                   ///< file for standard error; -1: it is kept for the result
 };
 
 struct RunResult {
