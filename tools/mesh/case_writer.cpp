@@ -28,7 +28,7 @@ constexpr char soilcells_name[] = "soilcells.txt";
 constexpr char snapshots_name[] = "snapshots.txt";
 constexpr char gauges_name[] = "gauges.txt";
 constexpr char sections_name[] = "sections.txt";
-constexpr double gauges_per_snapshot = 10.0;  // recordings of gauges and sections
+constexpr double recordings_per_interval = 10.0;  // of gauges and sections
 
 std::string text_of_nodes(const Mesh& mesh) {
   std::string text = std::to_string(mesh.nodes.size()) + "\n";
@@ -106,24 +106,17 @@ std::string column(const std::vector<int>& values) {
   return text;
 }
 
-/// Before the end: no step reaches the end itself.
-std::string text_of_snapshots(double end, double interval) {
-  std::vector<double> times;
-  for (double time = 0.0; time < end * (1.0 - 1e-9);) {
-    times.push_back(time);
-    time = static_cast<double>(times.size()) * interval;
-  }
-  return std::to_string(times.size()) + "\n" + column(times);
-}
-
-std::string text_of_gauges(const Node& gauge, double interval) {
-  std::string text = std::string("1 ") + gauges_name + " ";
+std::string text_of_gauges(const std::vector<Node>& gauges, double interval) {
+  std::string text = std::to_string(gauges.size()) + " " + gauges_name + " ";
   append_number(text, interval);
   text += '\n';
-  append_number(text, gauge.x);
-  text += ' ';
-  append_number(text, gauge.y);
-  return text + " 0\n";
+  for (const Node& gauge : gauges) {
+    append_number(text, gauge.x);
+    text += ' ';
+    append_number(text, gauge.y);
+    text += " 0\n";
+  }
+  return text;
 }
 
 std::string text_of_sections(const std::vector<Section>& sections, double interval) {
@@ -157,8 +150,9 @@ std::string data_file(const Case& contents) {
     sources["infiltracells"] = soilcells_name;
   }
   ordered_json model{{"name", contents.sediment.empty() ? "Quillmere" : "Bramsett"},
-                     {"flux scheme", "LHLLC"},
-                     {"conditions", conditions}};
+                     {"flux scheme", "LHLLC"}};
+  if (contents.zero_depth) model["zero depth value"] = *contents.zero_depth;
+  model["conditions"] = conditions;
   if (!contents.sediment.empty()) {
     model["parameters"] = {{"sediments mean grain diameter", contents.sediments.grain_diameter},
                            {"sediments density", contents.sediments.density},
@@ -226,9 +220,10 @@ void write_case(const Case& contents, const std::string& path) {
   for (const Boundary& boundary : contents.boundaries.list) {
     if (!boundary.series_name.empty()) folder.write(boundary.series_name, boundary.series);
   }
-  folder.write(snapshots_name, text_of_snapshots(contents.end, contents.interval));
-  const double recording = contents.interval / gauges_per_snapshot;
-  folder.write(gauges_name, text_of_gauges(contents.gauge, recording));
+  folder.write(snapshots_name,
+               std::to_string(contents.snapshots.size()) + "\n" + column(contents.snapshots));
+  const double recording = contents.interval / recordings_per_interval;
+  folder.write(gauges_name, text_of_gauges(contents.gauges, recording));
   if (!contents.sections.empty()) {
     folder.write(sections_name, text_of_sections(contents.sections, recording));
   }

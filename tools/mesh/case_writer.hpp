@@ -24,12 +24,14 @@ struct Case {
   std::string name;
   double end = 0.0;  // s
   double courant = 0.0;
-  double interval = 0.0;  // between snapshots, s
+  double interval = 0.0;             // between envelopes, s
+  std::vector<double> snapshots;     // s
+  std::optional<double> zero_depth;  // m
   Mesh mesh;
   std::vector<Edge> edges;
   Boundaries boundaries;
   std::vector<Section> sections;
-  Node gauge;
+  std::vector<Node> gauges;
 
   std::vector<double> level;  // a cell is dry where it is not above the bed
   std::vector<double> bed;

@@ -19,6 +19,7 @@
 #include "mesh/fields.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/run_options.hpp"
 #include "mesh/sections.hpp"
 #include "support/Error.hpp"
 
@@ -49,7 +50,9 @@ struct Options {
   double grain_density = 2.65;
   double porosity = 0.4;
   std::string name;
-  std::optional<double> end, interval;
+  std::vector<std::string> gauges;
+  std::string snapshots;
+  std::optional<double> end, interval, zero_depth;
   double courant = 0.9;
   bool keep_quads = false;
   bool overwrite = false;
@@ -80,6 +83,7 @@ void check_usage(const Options& options) {
   check_positive("--end", options.end.value_or(1.0));
   check_positive("--interval", options.interval.value_or(1.0));
   check_positive("--cfl", options.courant);
+  check_positive("--zero-depth", options.zero_depth.value_or(1.0));
 }
 
 std::string counted(std::size_t n, const char* one, const char* many) {
@@ -94,6 +98,8 @@ class Import {
     check_usage(options_);
     std::vector<BoundaryRequest> requests;
     for (const auto& text : options_.boundaries) requests.push_back(parse_boundary(text));
+    for (const auto& text : options_.gauges) case_.gauges.push_back(parse_gauge(text));
+    if (!options_.snapshots.empty()) case_.snapshots = parse_snapshots(options_.snapshots);
     check_folder();
     read_mesh();
     set_terrain();
@@ -104,7 +110,7 @@ class Import {
     check_sediment_boundaries();
     orient_edges(index);
     set_run();
-    place_gauge();
+    place_gauges();
     write_case(case_, options_.folder);
     out_ << "\n" << boundary_table(case_.boundaries);
     out_ << "\nThe case is complete. Run it: cd " << options_.folder
@@ -128,7 +134,8 @@ class Import {
   void check_sediment_boundaries() const;
   void orient_edges(const EdgeIndex& index);
   void set_run();
-  void place_gauge();
+  void set_snapshots();
+  void place_gauges();
 
   /// Bed level of the cells, the sediments included, m.
   std::vector<double> bed() const {
@@ -310,29 +317,51 @@ void Import::set_run() {
   constexpr double intervals = 10.0;
   case_.interval = options_.interval.value_or(case_.end / intervals);
   case_.courant = options_.courant;
+  case_.zero_depth = options_.zero_depth;
+  set_snapshots();
+}
+
+/// Before the end: no step reaches the end itself.
+void Import::set_snapshots() {
+  out_ << "The run ends at " << shown(case_.end) << " s, with ";
+  if (!case_.snapshots.empty()) {
+    if (!(case_.snapshots.back() < case_.end)) {
+      throw tools::Error("--snapshots: found " + shown(case_.snapshots.back()) +
+                         ", expected times before the run ends, at " + shown(case_.end) + " s.");
+    }
+    out_ << counted(case_.snapshots.size(), "snapshot", "snapshots")
+         << " before it and the envelope every " << shown(case_.interval) << " s.\n";
+    return;
+  }
   constexpr double most_snapshots = 1e6;
   if (case_.end / case_.interval > most_snapshots) {
     throw tools::Error("--interval: more than a million snapshots until " + shown(case_.end) +
                        " s; expected a longer one.");
   }
-  out_ << "The run ends at " << shown(case_.end) << " s, with snapshots before it every "
-       << shown(case_.interval) << " s.\n";
+  for (double time = 0.0; time < case_.end * (1.0 - 1e-9);) {
+    case_.snapshots.push_back(time);
+    time = static_cast<double>(case_.snapshots.size()) * case_.interval;
+  }
+  out_ << "snapshots before it every " << shown(case_.interval) << " s.\n";
 }
 
-/// In the lowest cell; not at its centre, nor on a line from there to a corner, where no cell is
-/// found.
-void Import::place_gauge() {
+/// Where the options say, or else in the lowest cell.
+void Import::place_gauges() {
+  for (Node& gauge : case_.gauges) {
+    const Node placed = place_gauge(case_.mesh, gauge);
+    if (placed.x != gauge.x || placed.y != gauge.y) {
+      out_ << "Moved the gauge at " << shown_point(gauge.x, gauge.y)
+           << ", on the border of cells, to " << shown_point(placed.x, placed.y) << ".\n";
+    }
+    gauge = placed;
+  }
+  if (!case_.gauges.empty()) return;
   const std::vector<double> levels = bed();
   const auto lowest = std::min_element(levels.begin(), levels.end()) - levels.begin();
   const Cell& cell = case_.mesh.cells[static_cast<std::size_t>(lowest)];
-  const auto corner = [&](int k) {
-    return case_.mesh.nodes[static_cast<std::size_t>(cell.node(k))];
-  };
-  const Node a = corner(0), b = corner(1), c = corner(2);
-  case_.gauge.x = 0.4 * a.x + 0.33 * b.x + 0.27 * c.x;
-  case_.gauge.y = 0.4 * a.y + 0.33 * b.y + 0.27 * c.y;
-  out_ << "A gauge stands in the lowest cell, at " << shown_point(case_.gauge.x, case_.gauge.y)
-       << ".\n";
+  case_.gauges.push_back(point_inside(case_.mesh, cell));
+  out_ << "A gauge stands in the lowest cell, at "
+       << shown_point(case_.gauges.front().x, case_.gauges.front().y) << ".\n";
 }
 
 void add_options(CLI::App& command, Options& options) {
@@ -357,6 +386,8 @@ void add_options(CLI::App& command, Options& options) {
            "walls");
   repeated("--section", options.sections, "NAME[=reversed]",
            "Record the discharge through a named inner line");
+  repeated("--gauge", options.gauges, "X,Y",
+           "Record the flow at a point; otherwise one gauge stands in the lowest cell");
   const char* form = "[NAME=]VALUE";
   repeated("--friction", options.friction, form, "Manning coefficient, s/m^(1/3)");
   repeated("--level", options.level, form, "Initial water level, m; the rest is dry");
@@ -385,8 +416,15 @@ void add_options(CLI::App& command, Options& options) {
       ->type_name("SECONDS");
   command
       .add_option("--interval", options.interval,
-                  "Between snapshots, s; otherwise a tenth of the run")
+                  "Between snapshots and envelopes, s; otherwise a tenth of the run. Gauges and "
+                  "sections are recorded ten times as often")
       ->type_name("SECONDS");
+  command.add_option("--snapshots", options.snapshots, "Times of the snapshots instead, s")
+      ->type_name("T1,T2,...");
+  command
+      .add_option("--zero-depth", options.zero_depth,
+                  "Depth up to which a cell counts as dry, m; otherwise 0.0001")
+      ->type_name("VALUE");
   command.add_option("--cfl", options.courant, "Courant number")
       ->capture_default_str()
       ->type_name("VALUE");

@@ -248,6 +248,63 @@ TEST_F(Import, CountsSedimentsAsBedWhereItNamesTheLowerCellFirst) {
   EXPECT_NEAR(column("initial.txt", 0, 0).front(), 2.0 + 0.02 / 3.0, 1e-9);
 }
 
+TEST_F(Import, PlacesGauges) {
+  import_well({"--gauge", "0.25,0.4", "--gauge", "3.5,2.2", "--level", "1.5", "--end", "2"});
+  EXPECT_EQ(folder.read("case/gauges.txt"), "2 gauges.txt 0.02\n0.25 0.4 0\n3.5 2.2 0\n");
+  run_case();
+  // The sample's bed; the simulator records the cells that hold the points.
+  const auto z = [](double x, double y) { return 0.1 * x + 0.02 * y * y; };
+  const auto bed = [&](double x1, double y1, double x2, double y2, double x3, double y3) {
+    return (z(x1, y1) + z(x2, y2) + z(x3, y3)) / 3.0;
+  };
+  EXPECT_NEAR(column("out/gauges.txt", 1, 1).front(), 1.5 - bed(0, 0, 1, 1, 0, 1), 1e-3);
+  EXPECT_NEAR(column("out/gauges.txt", 4, 1).front(), 1.5 - bed(3, 2, 4, 2, 4, 3), 1e-3);
+}
+
+TEST_F(Import, MovesGaugesOffTheLinesWhereTheSimulatorFindsNoCell) {
+  const std::string out = import_well({"--gauge", "0.5,0.5", "--gauge", "2,1", "--gauge",
+                                       "0.333333333333333,0.666666666666667", "--gauge", "0,0",
+                                       "--gauge", "1.7,1.2", "--level", "1.5", "--end", "2"});
+  EXPECT_TRUE(contains(out, "Moved the gauge at (0.500, 0.500), on the border of cells, to ("));
+  EXPECT_FALSE(contains(out, "Moved the gauge at (1.700, 1.200)"));
+  EXPECT_EQ(lines("gauges.txt").size(), 6U);
+  run_case();
+  EXPECT_FALSE(contains(folder.read("case/out/gauges.txt"), "nan"));
+}
+
+TEST_F(Import, RefusesAGaugeOutsideOfTheMesh) {
+  EXPECT_EQ(import_badly(1, {"--gauge", "4.1,1"}),
+            "quillmere-mesh: --gauge: the point (4.100, 1.000) lies in no cell; expected one "
+            "inside of the mesh.\n");
+}
+
+TEST_F(Import, TakesSnapshotsWhenItIsTold) {
+  EXPECT_TRUE(contains(import_well({"--snapshots", "0,0.25,1.5", "--level", "1.5", "--end", "2",
+                                    "--interval", "0.5", "--section", "gate"}),
+                       "The run ends at 2 s, with 3 snapshots before it and the envelope every "
+                       "0.5 s.\n"));
+  EXPECT_EQ(folder.read("case/snapshots.txt"), "3\n0\n0.25\n1.5\n");
+  EXPECT_EQ(data()["output"]["time step enveloppe of results"], 0.5);
+  EXPECT_EQ(lines("sections.txt").at(0), "1 0.05 out/sections.txt");
+  run_case();
+  for (const char* name : {"pic_0_00", "pic_0_25", "pic_1_50"}) {
+    EXPECT_TRUE(folder.has(std::string("case/out/") + name + ".txt"));
+  }
+  EXPECT_FALSE(folder.has("case/out/pic_0_50.txt"));
+}
+
+TEST_F(Import, RefusesASnapshotThatIsNeverTaken) {
+  EXPECT_EQ(import_badly(1, {"--snapshots", "1,2", "--end", "2"}),
+            "quillmere-mesh: --snapshots: found 2, expected times before the run ends, at 2 s.\n");
+}
+
+TEST_F(Import, SetsTheDepthOfDryCells) {
+  import_well({"--zero-depth", "0.002"});
+  EXPECT_EQ(data()["model"]["zero depth value"], 0.002);
+  import_well({"--overwrite"});
+  EXPECT_FALSE(data()["model"].contains("zero depth value"));
+}
+
 TEST_F(Import, ListsTheNamesItKnows) {
   EXPECT_EQ(import_badly(1, {"--boundary", "inlet=wall"}),
             "quillmere-mesh: --boundary inlet=wall: the mesh has no line \"inlet\"; it has: west, "
@@ -272,6 +329,14 @@ TEST_F(Import, EndsWithStatus2ForWrongUsage) {
   EXPECT_TRUE(contains(import_badly(2, {"--sediment", "1", "--grain-diameter", "0.002"}),
                        "needs --friction"));
   EXPECT_TRUE(contains(import_badly(2, {"--fill", "1"}), "needs --terrain"));
+  for (const char* gauge : {"1", "1,2,3", "a,2", "1,", ""}) {
+    EXPECT_TRUE(contains(import_badly(2, {"--gauge", gauge}), "expected X,Y")) << gauge;
+  }
+  EXPECT_TRUE(contains(import_badly(2, {"--snapshots", "0,soon"}), "expected T1,T2,..."));
+  for (const char* times : {"-1,2", "0,5,5", "0,5,4", "0,0.005"}) {
+    EXPECT_TRUE(contains(import_badly(2, {"--snapshots", times}), "increase by 0.01 s")) << times;
+  }
+  EXPECT_TRUE(contains(import_badly(2, {"--zero-depth", "0"}), "--zero-depth"));
   EXPECT_TRUE(contains(import_badly(2, {"--slope", "1"}), "--slope"));
 }
 
