@@ -256,44 +256,6 @@ StateColumns Engine::states() const {
           cells_.qy.data(), reciprocal_.data(), celerity_.data()};
 }
 
-BoundaryInflow Engine::boundary_inflow(int boundary) const {
-  const int number = boundary_number_[at(boundary)];
-  const int cells_per_patch = patches_.patches.front().cells.size();
-  // A patch that took no part in the step took nothing in; its slots are older.
-  if (marks_[at(boundaries_[at(number)].cell / cells_per_patch)] == 0) return {0.0, 0.0};
-  const std::size_t k = 2 * patches_.cut_edges.left.size() + at(number);
-  return {outer_mass_[k], has_bed_ ? outer_bed_[k] : 0.0};
-}
-
-double Engine::stable_step_at(std::size_t place) const {
-  if (!physics::is_wet(cells_.h[place], step_.zero_depth)) return physics::unbounded_step;
-  return cells_.char_length[place] / physics::wave_speed({reciprocal_[place], celerity_[place]},
-                                                         cells_.qx[place], cells_.qy[place]);
-}
-
-int Engine::place_of_smallest_step(int likely) const {
-  const auto least = std::min_element(
-      scratch_.begin(), scratch_.end(),
-      [](const Scratch& a, const Scratch& b) { return a.smallest_step < b.smallest_step; });
-  const double smallest = least->smallest_step;
-  const bool skipped_dry_cells = active_.size() < patches_.patches.size();
-  if (least->limiting_patch < 0 || (skipped_dry_cells && dry_step_ < smallest)) return -1;
-  if (likely >= 0 && stable_step_at(at(likely)) == smallest) return likely;
-  const Range cells = patches_.patches[at(least->limiting_patch)].cells;
-  for (int i = cells.begin; i < cells.end; ++i) {
-    // Most cells are ruled out without a root and a division; the margin is for the rounding.
-    const std::size_t c = at(i);
-    const double needed = cells_.char_length[c] - (1.0 + 1e-9) * smallest * celerity_[c];
-    const double reached = smallest * reciprocal_[c];
-    const double discharge_squared = cells_.qx[c] * cells_.qx[c] + cells_.qy[c] * cells_.qy[c];
-    if (needed > 0.0 && needed * needed > (1.0 + 1e-9) * reached * reached * discharge_squared) {
-      continue;
-    }
-    if (stable_step_at(c) == smallest) return i;
-  }
-  return -1;
-}
-
 CellOutput Engine::cell(int model_cell) const {
   const std::size_t k = at(cell_number_[at(model_cell)]);
   const CellTable& c = cells_;

@@ -28,11 +28,6 @@ struct StateColumns {
   const double *h, *qx, *qy, *reciprocal, *celerity;  ///< see CellColumns
 };
 
-/// What a boundary edge lets in, m3/s of water and of bed.
-struct BoundaryInflow {
-  double water, bed;
-};
-
 /// Clock of a step: time and span of the run, and the step (s).
 struct StepTimes {
   double t, t_start, t_end, dt;
@@ -70,11 +65,6 @@ class Engine {
   StateColumns states() const;
   /// Place of every cell of the model in the order of the engine.
   const std::vector<int>& places() const { return cell_number_; }
-  /// What passed a boundary, by its number in the input, in the last step.
-  BoundaryInflow boundary_inflow(int boundary) const;
-  /// Place of the cell whose wave sets the step that advance() returned last; -1 where dry cells
-  /// set it. `likely` is a place to try first, or -1.
-  int place_of_smallest_step(int likely) const;
   /// Where the last step was not hyperbolic, on the first such edge of the model; asked once, as
   /// the engine looks no further after it has found one.
   std::optional<NotHyperbolic> take_not_hyperbolic();
@@ -101,7 +91,6 @@ class Engine {
     Column mass, momentum_x, momentum_y, bed;
     Column demand;
     double smallest_step = 0.0;
-    int limiting_patch = -1;  ///< where the smallest step was found; -1: nowhere
     std::optional<NotHyperbolic> not_hyperbolic;
 
     SlotColumns slots();
@@ -123,8 +112,6 @@ class Engine {
   template <class Index>
   void find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRange& range,
                            const std::vector<int>& numbers, Scratch& scratch) const;
-
-  double stable_step_at(std::size_t place) const;
 
   CellColumns cell_columns();
   EdgeColumns<Local> patch_edge_columns() const;

@@ -158,7 +158,6 @@ double Engine::advance() {
   team_.run([&](int member) {
     Scratch& scratch = scratch_[at(member)];
     scratch.smallest_step = physics::unbounded_step;
-    scratch.limiting_patch = -1;
     const Range share = share_of(member, team_.size(), active_.size());
     for (int k = share.begin; k < share.end; ++k) advance_patch(active_[at(k)], scratch);
   });
@@ -200,7 +199,6 @@ void Engine::advance_patch(int number, Scratch& scratch) {
   const CellRange range = {patch.cells.begin, patch.cells.end, slots,
                            drinks ? scratch.demand.data() : nullptr};
   const Advance after = model_.advance(cells, range, step_, scratch.smallest_step);
-  if (after.stable_step < scratch.smallest_step) scratch.limiting_patch = number;
   scratch.smallest_step = after.stable_step;
   can_change_[at(number)] = after.all_dry ? 0 : 1;
 }

@@ -326,13 +326,6 @@ int CompiledModel::cell_at(int place) const {
   return cell_at_place_[static_cast<std::size_t>(place)];
 }
 
-int CompiledModel::cell_of_smallest_step() const {
-  const int place = engine_.place_of_smallest_step(last_limiting_place_);
-  if (place < 0) return -1;
-  last_limiting_place_ = place;
-  return cell_at(place);
-}
-
 void CompiledModel::publish() {
   engine_.read_cells([this](int cell, const engine::CellOutput& state) { store(cell, state); });
 }

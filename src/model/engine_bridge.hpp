@@ -32,8 +32,6 @@ class CompiledModel {
   const engine::Engine& tables() const { return engine_; }
   /// The cell at a place of the tables.
   int cell_at(int place) const;
-  /// The cell whose wave set the last step; -1 where dry cells did.
-  int cell_of_smallest_step() const;
 
  private:
   template <class Interface>
@@ -48,7 +46,6 @@ class CompiledModel {
   PhysicalModel& model_;
   engine::Engine engine_;
   mutable std::vector<int> cell_at_place_;  ///< filled when it is asked for first
-  mutable int last_limiting_place_ = -1;
   std::vector<SeriesBoundary<HydroBCHydrograph>> hydrographs_;
   std::vector<SeriesBoundary<HydroBCLimnigraph>> limnigraphs_;
 };
