@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -56,9 +57,9 @@ double sum_of_nodes(const std::string& file) {
   return sum;
 }
 
-double sum_of_cells(const std::string& file, int n_nodes) {
+std::int64_t sum_of_cells(const std::string& file, int n_nodes) {
   utils::MeshReader reader(file, "cell", 2);
-  double sum = 0.0;
+  std::int64_t sum = 0;
   for (int i = reader.get_number_of_elements(); i > 0; --i) {
     sum += 3;
     for (const int node : reader.read_next_cell(n_nodes)) sum += node;
@@ -66,9 +67,9 @@ double sum_of_cells(const std::string& file, int n_nodes) {
   return sum;
 }
 
-double sum_of_edges(const std::string& file, int n_nodes, int n_cells) {
+std::int64_t sum_of_edges(const std::string& file, int n_nodes, int n_cells) {
   utils::MeshReader reader(file, "edge", 5);
-  double sum = 0.0;
+  std::int64_t sum = 0;
   for (int i = reader.get_number_of_elements(); i > 0; --i) {
     const auto& [left, right, node1, node2, code, value, series] =
         reader.read_next_edge(n_nodes, n_cells);
@@ -88,21 +89,20 @@ double sum_of_field(const std::string& file, int n_cells, int columns) {
 }
 
 /// The same with formatted extraction, after a header of some values.
-template <class Value>
-double sum_of_stream(const std::string& file, int header) {
+template <class Value, class Sum = Value>
+Sum sum_of_stream(const std::string& file, int header) {
   std::ifstream stream(file);
   int count;
   for (int i = 0; i < header; ++i) stream >> count;
-  double sum = 0.0;
+  Sum sum = 0;
   for (Value value; stream >> value;) sum += value;
   return sum;
 }
 
 void compare_reading(const Channel& channel) {
   const int n_nodes = (channel.nx + 1) * (channel.ny + 1), n_cells = channel.cells();
-  const auto row = [](const char* what, const char* file, const std::function<double()>& ours,
-                      const std::function<double()>& streams) {
-    double sum = 0.0, sum_of_streams = 0.0;
+  const auto row = [](const char* what, const char* file, const auto& ours, const auto& streams) {
+    decltype(ours()) sum = 0, sum_of_streams = 0;
     const double our_time = seconds_of([&] { sum = ours(); });
     const double stream_time = seconds_of([&] { sum_of_streams = streams(); });
     refuse(sum != sum_of_streams);
@@ -113,10 +113,10 @@ void compare_reading(const Channel& channel) {
       [] { return sum_of_stream<double>("nodes.txt", 1); });
   row(
       "read cells", "cells.txt", [&] { return sum_of_cells("cells.txt", n_nodes); },
-      [] { return sum_of_stream<int>("cells.txt", 1); });
+      [] { return sum_of_stream<int, std::int64_t>("cells.txt", 1); });
   row(
       "read edges", "edges.txt", [&] { return sum_of_edges("edges.txt", n_nodes, n_cells); },
-      [] { return sum_of_stream<int>("edges.txt", 1); });
+      [] { return sum_of_stream<int, std::int64_t>("edges.txt", 1); });
   row(
       "read friction", "friction.txt", [&] { return sum_of_field("friction.txt", n_cells, 1); },
       [] { return sum_of_stream<double>("friction.txt", 0); });
