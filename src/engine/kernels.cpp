@@ -190,9 +190,8 @@ void store_maxima(const CellColumns& cells, const CellBlock& block, int first, i
 
 template <bool friction, bool rain, bool soil>
 struct AdvanceWater {
-  [[gnu::flatten]] static void block(const CellColumns& cells, const CellRange& range,
-                                     const StepValues& step, int first, int count,
-                                     CellBlock& result) {
+  [[gnu::flatten]] static void block(CellColumns cells, CellRange range, StepValues step, int first,
+                                     int count, CellBlock& result) {
     int dry_cells = 0, active_cells = 0, new_maxima = 0;
 #pragma omp simd reduction(+ : dry_cells, active_cells, new_maxima)
     for (int k = 0; k < count; ++k) {
@@ -232,9 +231,8 @@ struct AdvanceWater {
 
 template <bool friction, bool rain, bool soil>
 struct AdvanceWaterAndBed {
-  [[gnu::flatten]] static void block(const CellColumns& cells, const CellRange& range,
-                                     const StepValues& step, int first, int count,
-                                     CellBlock& result) {
+  [[gnu::flatten]] static void block(CellColumns cells, CellRange range, StepValues step, int first,
+                                     int count, CellBlock& result) {
     int dry_cells = 0, new_maxima = 0;
 #pragma omp simd reduction(+ : dry_cells, new_maxima)
     for (int k = 0; k < count; ++k) {
