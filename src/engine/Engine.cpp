@@ -35,7 +35,7 @@ std::vector<int> inverse(const std::vector<int>& order) {
 /// thread; a multiple of a cache line of doubles, so that no two threads write to one.
 int cells_per_patch_for(int cells, int threads) {
   constexpr int grain = cells_of_shortest;
-  const int wanted = std::clamp(cells / 512, 512, 4096);
+  const int wanted = std::clamp(cells / 128, 1024, 4096);
   const int rounds = std::max(1, (cells + wanted * threads / 2) / (wanted * threads));
   const int patches = rounds * threads;
   return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
@@ -76,11 +76,12 @@ Engine::Engine(ModelInput&& input, int threads)
   step_.dry_step = dry_step_;
   step_.porosity = input.porosity;
   step_.grains = input.grains;
-  number_cells(std::exchange(input.x, {}), std::exchange(input.y, {}), input.edges);
-  const int cells = static_cast<int>(cells_.h.size());
-  patches_ = make_patches(
-      input.edges, cells_.slots,
-      input.cells_per_patch > 0 ? input.cells_per_patch : cells_per_patch_for(cells, threads));
+  const int cells_per_patch = input.cells_per_patch > 0
+                                  ? input.cells_per_patch
+                                  : cells_per_patch_for(static_cast<int>(cells_.h.size()), threads);
+  number_cells(std::exchange(input.x, {}), std::exchange(input.y, {}), cells_per_patch,
+               input.edges);
+  patches_ = make_patches(input.edges, cells_.slots, cells_per_patch);
   for (auto& slots : cells_.slots) slots = {};
   if (!has_bed_) patches_.edge_number = patches_.cut_edge_number = {};
   number_boundaries(input.boundaries, input.edges);
@@ -89,8 +90,8 @@ Engine::Engine(ModelInput&& input, int threads)
 }
 
 void Engine::number_cells(const std::vector<double>& x, const std::vector<double>& y,
-                          EdgeTable& edges) {
-  const std::vector<int> order = order_along_hilbert_curve(x, y);
+                          int cells_per_patch, EdgeTable& edges) {
+  const std::vector<int> order = order_by_swept_runs(x, y, cells_per_patch);
   cell_number_ = inverse(order);
   CellTable& c = cells_;
   for (Column* column :

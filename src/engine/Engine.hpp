@@ -96,7 +96,8 @@ class Engine {
     SlotColumns slots();
   };
 
-  void number_cells(const std::vector<double>& x, const std::vector<double>& y, EdgeTable& edges);
+  void number_cells(const std::vector<double>& x, const std::vector<double>& y, int cells_per_patch,
+                    EdgeTable& edges);
   void number_boundaries(const std::vector<BoundaryInput>& boundaries, const EdgeTable& edges);
   void derive_columns();
   void prepare_scratch();

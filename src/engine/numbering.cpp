@@ -28,6 +28,14 @@ std::uint64_t hilbert_distance(std::uint32_t x, std::uint32_t y) {
   return distance;
 }
 
+using Points = std::vector<int>::iterator;
+
+double extent(Points first, Points last, const double* coordinate) {
+  const auto [least, most] =
+      std::minmax_element(first, last, [&](int i, int j) { return coordinate[i] < coordinate[j]; });
+  return coordinate[*most] - coordinate[*least];
+}
+
 }  // namespace
 
 std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys) {
@@ -55,6 +63,19 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
                                 static_cast<std::uint32_t>((y[i] - *y_min) * scale));
   }
   return order_by_key(place);
+}
+
+std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
+                                     int run) {
+  std::vector<int> order = order_along_hilbert_curve(x, y);
+  for (Points first = order.begin(); first != order.end();) {
+    const Points last = first + std::min<std::ptrdiff_t>(run, order.end() - first);
+    const bool is_wide = extent(first, last, x.data()) > extent(first, last, y.data());
+    const double* const longer = is_wide ? x.data() : y.data();
+    std::stable_sort(first, last, [&](int i, int j) { return longer[i] < longer[j]; });
+    first = last;
+  }
+  return order;
 }
 
 }  // namespace engine

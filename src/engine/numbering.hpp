@@ -11,6 +11,12 @@ namespace engine {
 std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
                                            const std::vector<double>& y);
 
+/// The same points in runs of a length along that curve, each run swept from one end of its longer
+/// extent to the other. Sides of the edges of a run then come from two windows that move through
+/// memory together, which the processor fetches ahead; along the curve alone they jump.
+std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
+                                     int run);
+
 /// Permutation that sorts keys: entry k is the index of the k-th smallest; equal keys keep their
 /// order.
 std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys);

@@ -44,3 +44,11 @@ TEST(Numbering, AcceptsNoPointsAndEqualPoints) {
   EXPECT_TRUE(engine::order_along_hilbert_curve({}, {}).empty());
   EXPECT_EQ(engine::order_along_hilbert_curve({1.0, 1.0}, {2.0, 2.0}), (std::vector<int>{0, 1}));
 }
+
+TEST(Numbering, SweepsEachRunOfTheCurveAlongItsLongerExtent) {
+  // A wide run of four points and a tall one, far from each other.
+  const std::vector<double> x = {2, 0, 3, 1, 900, 901, 900, 901};
+  const std::vector<double> y = {0, 1, 1, 0, 1003, 1000, 1001, 1002};
+  const std::vector<int> order = engine::order_by_swept_runs(x, y, 4);
+  EXPECT_EQ(order, (std::vector<int>{1, 3, 0, 2, 5, 6, 7, 4}));
+}
