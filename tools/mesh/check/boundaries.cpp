@@ -8,6 +8,7 @@
 #include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
+#include "support/counted.hpp"
 #include "utils/stop.hpp"
 
 namespace tools::check {

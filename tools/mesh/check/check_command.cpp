@@ -5,10 +5,10 @@
 #include <string>
 
 #include "mesh/check/case_report.hpp"
-#include "mesh/check/numbers.hpp"
 #include "mesh/check/report_json.hpp"
 #include "mesh/check/report_text.hpp"
 #include "support/Tool.hpp"
+#include "support/counted.hpp"
 
 namespace tools::check {
 

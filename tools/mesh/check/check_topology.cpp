@@ -6,6 +6,7 @@
 
 #include "globals/edge_codes.hpp"
 #include "mesh/check/numbers.hpp"
+#include "support/counted.hpp"
 
 namespace tools::check {
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mesh/check/numbers.hpp"
+#include "support/counted.hpp"
 
 namespace tools::check {
 

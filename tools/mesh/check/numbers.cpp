@@ -23,8 +23,4 @@ std::string coordinate(double value) { return text_of(value, 12); }
 
 std::string point(double x, double y) { return "(" + coordinate(x) + ", " + coordinate(y) + ")"; }
 
-std::string counted(long count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
 }  // namespace tools::check

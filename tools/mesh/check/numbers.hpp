@@ -13,7 +13,5 @@ std::string rounded(double value);
 std::string coordinate(double value);
 /// "(12.5, 480)".
 std::string point(double x, double y);
-/// "1 edge", "3 edges".
-std::string counted(long count, const std::string& noun);
 
 }  // namespace tools::check

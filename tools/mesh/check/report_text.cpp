@@ -5,6 +5,7 @@
 
 #include "mesh/check/numbers.hpp"
 #include "mesh/check/text_table.hpp"
+#include "support/counted.hpp"
 
 namespace tools::check {
 

@@ -1,0 +1,19 @@
+// The edges of an imported case: boundaries, sections, and which cell each one names first.
+#pragma once
+
+#include <ostream>
+#include <vector>
+
+#include "mesh/boundaries.hpp"
+#include "mesh/case_writer.hpp"
+#include "mesh/import_options.hpp"
+
+namespace mesh_import {
+
+/// Makes the edges of `contents.mesh`, which has its fields already, and gives those on the
+/// boundary their conditions. Edges of a section cross it all in its direction, the other ones name
+/// the lower cell first. Throws tools::Error.
+void import_edges(const ImportOptions& options, const std::vector<BoundaryRequest>& requests,
+                  Case& contents, std::ostream& out);
+
+}  // namespace mesh_import

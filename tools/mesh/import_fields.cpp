@@ -1,0 +1,97 @@
+#include "mesh/import_fields.hpp"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <string>
+
+#include "mesh/fields.hpp"
+#include "mesh/mesh_file.hpp"
+#include "mesh/numbers.hpp"
+#include "support/Error.hpp"
+#include "support/counted.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+/// Levels of the cells, m; those without one keep the mean of their nodes.
+std::vector<double> bed_levels(const Mesh& mesh, const std::vector<std::string>& requests) {
+  std::vector<double> levels;
+  const auto given = values_of_cells(mesh, "--bed", requests, RasterUse::mean);
+  for (std::size_t i = 0; i < given.size(); ++i) {
+    levels.push_back(as_written(given[i].value_or(mesh.center(mesh.cells[i]).z)));
+  }
+  return levels;
+}
+
+void set_sediments(const ImportOptions& options, Case& contents) {
+  for (const auto& thickness :
+       values_of_cells(contents.mesh, "--sediment", options.sediment, RasterUse::mean)) {
+    contents.sediment.push_back(thickness.value_or(0.0));
+  }
+  contents.sediments = {options.grain_diameter, options.grain_density, options.porosity};
+}
+
+/// Level of the water, m: the bed where no request puts it higher.
+void set_water(const std::vector<std::string>& requests, Case& contents, std::ostream& out) {
+  contents.level = bed_of_cells(contents);
+  std::size_t n_wet = 0;
+  if (!requests.empty()) {
+    const auto given = values_of_cells(contents.mesh, "--level", requests, RasterUse::mean);
+    for (std::size_t i = 0; i < given.size(); ++i) {
+      if (!given[i] || !(*given[i] > contents.level[i])) continue;
+      contents.level[i] = *given[i];
+      ++n_wet;
+    }
+  }
+  out << "Water stands in " << n_wet << " of " << tools::counted(contents.mesh.cells.size(), "cell")
+      << " at the start.\n";
+}
+
+std::vector<int> ids_of_cells(const Mesh& mesh, const std::string& option,
+                              const std::vector<std::string>& requests) {
+  std::vector<int> ids;
+  for (const auto& value : values_of_cells(mesh, option, requests, RasterUse::most_frequent)) {
+    const double id = value.value_or(-1.0);
+    if (id != std::floor(id) || std::abs(id) > std::numeric_limits<int>::max()) {
+      throw tools::Error(option + ": found the ID " + shown(id) + ", expected a whole number.");
+    }
+    ids.push_back(static_cast<int>(id));
+  }
+  return ids;
+}
+
+}  // namespace
+
+void import_fields(const ImportOptions& options, Case& contents, std::ostream& out) {
+  const Mesh& mesh = contents.mesh;
+  if (!options.bed.empty()) contents.bed = bed_levels(mesh, options.bed);
+  if (!options.friction.empty()) {
+    contents.friction = values_of_all_cells(mesh, "--friction", options.friction);
+  } else {
+    out << "No --friction: the bed is smooth.\n";
+  }
+  if (!options.sediment.empty()) set_sediments(options, contents);
+  set_water(options.level, contents, out);
+  if (!options.rain.empty()) {
+    contents.rain = ids_of_cells(mesh, "--rain", options.rain);
+    contents.rain_file = read_whole_file(options.hyetograms);
+  }
+  if (!options.soil.empty()) {
+    contents.soil = ids_of_cells(mesh, "--soil", options.soil);
+    contents.soil_file = read_whole_file(options.soils);
+  }
+}
+
+std::vector<double> bed_of_cells(const Case& contents) {
+  std::vector<double> bed = contents.bed;
+  if (bed.empty()) {
+    bed.reserve(contents.mesh.cells.size());
+    for (const Cell& cell : contents.mesh.cells) bed.push_back(contents.mesh.center(cell).z);
+  }
+  for (std::size_t i = 0; i < contents.sediment.size(); ++i) bed[i] += contents.sediment[i];
+  return bed;
+}
+
+}  // namespace mesh_import

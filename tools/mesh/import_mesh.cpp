@@ -1,0 +1,66 @@
+#include "mesh/import_mesh.hpp"
+
+#include <algorithm>
+
+#include "mesh/cells.hpp"
+#include "mesh/fields.hpp"
+#include "mesh/mesh_file.hpp"
+#include "mesh/numbers.hpp"
+#include "support/counted.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
+  Mesh mesh = read_mesh_file(options.mesh);
+  const CellChanges changes = prepare_cells(mesh, options.keep_quads);
+  const auto n_quads = static_cast<std::size_t>(std::count_if(
+      mesh.cells.begin(), mesh.cells.end(), [](const Cell& cell) { return cell.is_quad(); }));
+  out << "Read " << options.mesh << " (" << mesh.format
+      << "): " << tools::counted(mesh.nodes.size(), "node") << ", "
+      << tools::counted(mesh.cells.size() - n_quads, "triangle");
+  if (n_quads > 0) out << ", " << tools::counted(n_quads, "quadrilateral");
+  out << ".\n";
+  for (const auto& remark : mesh.remarks) out << remark << "\n";
+  if (changes.n_split > 0) {
+    out << "Split " << tools::counted(changes.n_split, "quadrilateral")
+        << " into triangles, along the shorter diagonal (--keep-quads keeps them).\n";
+  }
+  if (n_quads > 0) {
+    out << "Kept the quadrilaterals: the scheme is written for triangles and takes the first "
+           "three edges of a cell.\n";
+  }
+  if (changes.n_repeated_cells > 0) {
+    out << "Joined " << tools::counted(changes.n_repeated_cells, "cell")
+        << " that the file repeats.\n";
+  }
+  if (changes.n_unused_nodes > 0) {
+    out << "Left out " << tools::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
+  }
+  out << "Turned " << tools::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
+  return mesh;
+}
+
+void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
+  if (!options.terrain.empty()) {
+    const int n_filled = set_elevations(mesh, Raster(options.terrain), options.fill);
+    if (n_filled > 0) {
+      out << "No terrain under " << tools::counted(n_filled, "node") << ": filled with "
+          << shown(*options.fill) << " m.\n";
+    }
+  }
+  const auto [low, high] = std::minmax_element(
+      mesh.nodes.begin(), mesh.nodes.end(), [](const Node& a, const Node& b) { return a.z < b.z; });
+  out << "Elevations run from " << shown(low->z) << " to " << shown(high->z) << " m.\n";
+}
+
+}  // namespace
+
+Mesh import_mesh(const ImportOptions& options, std::ostream& out) {
+  Mesh mesh = read_mesh(options, out);
+  set_terrain(options, mesh, out);
+  return mesh;
+}
+
+}  // namespace mesh_import

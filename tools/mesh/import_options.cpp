@@ -1,0 +1,110 @@
+#include "mesh/import_options.hpp"
+
+#include <cmath>
+
+namespace mesh_import {
+
+namespace {
+
+[[noreturn]] void refuse_usage(const std::string& option, const std::string& message) {
+  throw CLI::ValidationError(option, message);
+}
+
+}  // namespace
+
+void add_import_options(CLI::App& command, ImportOptions& options) {
+  const auto repeated = [&command](const char* name, std::vector<std::string>& values,
+                                   const char* form, const char* meaning) {
+    command.add_option(name, values, meaning)
+        ->type_name(form)
+        ->type_size(1)
+        ->allow_extra_args(false);
+  };
+  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo or .2dm")->required();
+  command.add_option("CASE", options.folder, "Folder of the case, made if needed")->required();
+  command
+      .add_option("--terrain", options.terrain,
+                  "Elevation of the nodes from a raster: ESRI ASCII (.asc), GeoTIFF")
+      ->type_name("FILE");
+  command.add_option("--fill", options.fill, "Elevation of nodes where the terrain has no data")
+      ->type_name("VALUE");
+  repeated("--boundary", options.boundaries, "NAME=KIND",
+           "Condition on a named line: hydrograph:FILE, discharge:V, level:V, limnigraph:FILE, "
+           "transmissive, wall; discharges in m2/s, an inflow is negative. Lines not given are "
+           "walls");
+  repeated("--section", options.sections, "NAME[=reversed]",
+           "Record the discharge through a named inner line");
+  repeated("--gauge", options.gauges, "X,Y",
+           "Record the flow at a point; otherwise one gauge stands in the lowest cell");
+  const char* form = "[NAME=]VALUE";
+  repeated("--friction", options.friction, form, "Manning coefficient, s/m^(1/3)");
+  repeated("--level", options.level, form, "Initial water level, m; the rest is dry");
+  repeated("--bed", options.bed, form,
+           "Bed level of cells, m, in place of the mean of their nodes");
+  repeated("--sediment", options.sediment, form, "Thickness of the erodible layer, m");
+  command.add_option("--grain-diameter", options.grain_diameter, "Mean grain diameter, m")
+      ->type_name("VALUE");
+  command.add_option("--grain-density", options.grain_density, "Density relative to water")
+      ->capture_default_str()
+      ->type_name("VALUE");
+  command.add_option("--porosity", options.porosity, "Porosity of the bed")
+      ->capture_default_str()
+      ->type_name("VALUE");
+  repeated("--rain", options.rain, form, "ID of the hyetogram, -1 for none");
+  command.add_option("--hyetograms", options.hyetograms, "Rain file that holds the hyetograms")
+      ->type_name("FILE");
+  repeated("--soil", options.soil, form, "ID of the soil, -1 for none");
+  command.add_option("--soils", options.soils, "Infiltration file that holds the soils")
+      ->type_name("FILE");
+  command.add_option("--name", options.name, "Title of the case; otherwise the mesh file's name")
+      ->type_name("TEXT");
+  command
+      .add_option("--end", options.end,
+                  "End of the run, s; otherwise where the shortest series ends, or 3600")
+      ->type_name("SECONDS");
+  command
+      .add_option("--interval", options.interval,
+                  "Between snapshots and envelopes, s; otherwise a tenth of the run. Gauges and "
+                  "sections are recorded ten times as often")
+      ->type_name("SECONDS");
+  command.add_option("--snapshots", options.snapshots, "Times of the snapshots instead, s")
+      ->type_name("T1,T2,...");
+  command
+      .add_option("--zero-depth", options.zero_depth,
+                  "Depth up to which a cell counts as dry, m; otherwise 0.0001")
+      ->type_name("VALUE");
+  command.add_option("--cfl", options.courant, "Courant number")
+      ->capture_default_str()
+      ->type_name("VALUE");
+  command.add_flag("--keep-quads", options.keep_quads, "Do not split quadrilaterals");
+  command.add_flag("--overwrite", options.overwrite, "Replace a case that is there");
+  command.footer(
+      "VALUE may also be a raster file: a cell takes the mean of its pixels (for IDs the most "
+      "frequent one). With NAME= it holds for a named surface, without for all cells; the named "
+      "ones come last.");
+}
+
+void check_usage(const ImportOptions& options) {
+  if (options.fill && options.terrain.empty()) refuse_usage("--fill", "needs --terrain");
+  if (!options.rain.empty() && options.hyetograms.empty()) {
+    refuse_usage("--rain", "gives IDs of hyetograms: name their file with --hyetograms");
+  }
+  if (!options.soil.empty() && options.soils.empty()) {
+    refuse_usage("--soil", "gives IDs of soils: name their file with --soils");
+  }
+  if (!options.sediment.empty() && !(options.grain_diameter > 0.0)) {
+    refuse_usage("--sediment", "needs --grain-diameter, in m, above 0");
+  }
+  if (!options.sediment.empty() && options.friction.empty()) {
+    refuse_usage("--sediment", "needs --friction: the flow carries no sediment over a smooth bed");
+  }
+  const auto check_positive = [](const char* option, double value) {
+    if (!(value > 0.0) || !std::isfinite(value)) refuse_usage(option, "must be above 0");
+  };
+  check_positive("--end", options.end.value_or(1.0));
+  check_positive("--interval", options.interval.value_or(1.0));
+  check_positive("--cfl", options.courant);
+  check_positive("--zero-depth", options.zero_depth.value_or(1.0));
+}
+
+}  // namespace mesh_import

@@ -1,0 +1,40 @@
+// What the command line of `import` says.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace mesh_import {
+
+/// Requests that may be repeated are kept as they were written.
+struct ImportOptions {
+  std::string mesh;
+  std::string folder;
+  std::string terrain;
+  std::optional<double> fill;
+  std::vector<std::string> boundaries;
+  std::vector<std::string> friction, level, bed, sediment, rain, soil;
+  std::string hyetograms, soils;
+  std::vector<std::string> sections;
+  double grain_diameter = std::numeric_limits<double>::quiet_NaN();
+  double grain_density = 2.65;
+  double porosity = 0.4;
+  std::string name;
+  std::vector<std::string> gauges;
+  std::string snapshots;
+  std::optional<double> end, interval, zero_depth;
+  double courant = 0.9;
+  bool keep_quads = false;
+  bool overwrite = false;
+};
+
+/// Adds the arguments and options of the command; `options` lives as long as the command.
+void add_import_options(CLI::App& command, ImportOptions& options);
+
+/// Refuses what needs no file to be seen as wrong: throws CLI::ValidationError (wrong usage).
+void check_usage(const ImportOptions& options);
+
+}  // namespace mesh_import

@@ -1,0 +1,89 @@
+#include "mesh/import_run.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+#include <vector>
+
+#include "mesh/import_fields.hpp"
+#include "mesh/numbers.hpp"
+#include "mesh/run_options.hpp"
+#include "support/Error.hpp"
+#include "support/counted.hpp"
+
+namespace mesh_import {
+
+namespace {
+
+void set_times(const ImportOptions& options, Case& contents, std::ostream& out) {
+  constexpr double usual_end = 3600.0;
+  double end = std::numeric_limits<double>::infinity();
+  for (const Boundary& boundary : contents.boundaries.list) {
+    if (!boundary.series_name.empty()) end = std::min(end, boundary.series_end);
+  }
+  contents.end = options.end.value_or(std::isfinite(end) && end > 0.0 ? end : usual_end);
+  if (end < contents.end) {
+    out << "The shortest series ends at " << shown(end)
+        << " s, before the run does; its last value holds.\n";
+  }
+  constexpr double intervals = 10.0;
+  contents.interval = options.interval.value_or(contents.end / intervals);
+}
+
+/// Before the end: no step reaches the end itself.
+void set_snapshots(Case& contents, std::ostream& out) {
+  out << "The run ends at " << shown(contents.end) << " s, with ";
+  if (!contents.snapshots.empty()) {
+    if (!(contents.snapshots.back() < contents.end)) {
+      throw tools::Error("--snapshots: found " + shown(contents.snapshots.back()) +
+                         ", expected times before the run ends, at " + shown(contents.end) + " s.");
+    }
+    out << tools::counted(contents.snapshots.size(), "snapshot")
+        << " before it and the envelope every " << shown(contents.interval) << " s.\n";
+    return;
+  }
+  constexpr double most_snapshots = 1e6;
+  if (contents.end / contents.interval > most_snapshots) {
+    throw tools::Error("--interval: more than a million snapshots until " + shown(contents.end) +
+                       " s; expected a longer one.");
+  }
+  for (double time = 0.0; time < contents.end * (1.0 - 1e-9);) {
+    contents.snapshots.push_back(time);
+    time = static_cast<double>(contents.snapshots.size()) * contents.interval;
+  }
+  out << "snapshots before it every " << shown(contents.interval) << " s.\n";
+}
+
+/// Where the options say, or else in the lowest cell.
+void place_gauges(Case& contents, std::ostream& out) {
+  for (Node& gauge : contents.gauges) {
+    const Node placed = place_gauge(contents.mesh, gauge);
+    if (placed.x != gauge.x || placed.y != gauge.y) {
+      out << "Moved the gauge at " << shown_point(gauge.x, gauge.y)
+          << ", on the border of cells, to " << shown_point(placed.x, placed.y) << ".\n";
+    }
+    gauge = placed;
+  }
+  if (!contents.gauges.empty()) return;
+  const std::vector<double> levels = bed_of_cells(contents);
+  const auto lowest = std::min_element(levels.begin(), levels.end()) - levels.begin();
+  const Cell& cell = contents.mesh.cells[static_cast<std::size_t>(lowest)];
+  contents.gauges.push_back(point_inside(contents.mesh, cell));
+  out << "A gauge stands in the lowest cell, at "
+      << shown_point(contents.gauges.front().x, contents.gauges.front().y) << ".\n";
+}
+
+}  // namespace
+
+void import_run(const ImportOptions& options, Case& contents, std::ostream& out) {
+  contents.name =
+      options.name.empty() ? std::filesystem::path(options.mesh).stem().string() : options.name;
+  contents.courant = options.courant;
+  contents.zero_depth = options.zero_depth;
+  set_times(options, contents, out);
+  set_snapshots(contents, out);
+  place_gauges(contents, out);
+}
+
+}  // namespace mesh_import
