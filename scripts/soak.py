@@ -34,6 +34,7 @@ SETTINGS = {
     "TSAN_OPTIONS": "halt_on_error=1",
     "UBSAN_OPTIONS": "print_stacktrace=1",
 }
+FEWEST_LOOKS = 40  # at the memory: a shorter run tells nothing of its growth
 GROWTH = 1.02  # of the largest resident set, from the second to the last quarter of the run
 
 
@@ -108,6 +109,9 @@ def main():
         steps = count_lines(folder / "sections.txt")
         snapshots = len(list((folder / "out").glob("pic_*.txt")))
         gauge_lines = count_lines(folder / "out" / "gauges.txt") - 1
+    if len(memory) < FEWEST_LOOKS:
+        sys.exit(f"soak.py: {len(memory)} looks at the memory in {seconds:.1f} s, expected "
+                 f"{FEWEST_LOOKS} or more: too few steps to see whether it grows")
     quarters = [max(memory[i * len(memory) // 4:(i + 1) * len(memory) // 4]) for i in range(4)]
     print(f"{options.program}: {steps} steps, {snapshots} snapshots, {gauge_lines} gauge lines in "
           f"{seconds:.0f} s; largest resident set of each quarter: "
@@ -115,7 +119,8 @@ def main():
     if steps < options.steps:
         sys.exit(f"soak.py: {options.steps} steps were expected")
     if quarters[3] > GROWTH * quarters[1] and not options.allow_growth:
-        sys.exit("soak.py: memory grows")
+        sys.exit(f"soak.py: memory grows: {quarters[1]} KiB in the second quarter of the run and "
+                 f"{quarters[3]} KiB in the last, expected at most {GROWTH:g} times as much")
 
 
 if __name__ == "__main__":
