@@ -56,6 +56,13 @@ TEST(UpdateExner, SourcesStopADischargeButDoNotTurnItRound) {
   EXPECT_EQ(after.qx, 0.0);
   EXPECT_EQ(after.qy, -0.25);
   EXPECT_LT(after.qx_moving, 0.0);  // the largest velocity counts before the rule
+
+  c.source_qx = 0.0;
+  c.source_qy = 100.0;
+  const auto across = update_exner(c, zero_depth);
+  EXPECT_EQ(across.qx, 0.5);
+  EXPECT_EQ(across.qy, 0.0);
+  EXPECT_GT(across.qy_moving, 0.0);
 }
 
 TEST(UpdateExner, ADryCellKeepsItsFilmAndItsBedAndDropsEveryDischarge) {

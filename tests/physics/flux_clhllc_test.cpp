@@ -106,6 +106,26 @@ TEST(FluxClhllc, ADrySideBringsNoBedLoad) {
   EXPECT_EQ(with.left.hs, without.left.hs);
 }
 
+TEST(FluxClhllc, StillWaterRunsOntoADryBedOnItsLeftAndMovesNoSediment) {
+  // Between waves at -c and c, with c^2 = 9.81 h, the mass flux is -c h / 2.
+  const auto slots = flux(water(0.0, 0.0, 0.0, 0.0), {0.5, 1.0, 1.0, 0.0},
+                          water(0.0, 1.0, 0.0, 0.0), {0.7, 0.0, 0.0, 0.0});
+  EXPECT_DOUBLE_EQ(slots.left.water.h, edge.length * std::sqrt(9.81) / 2.0);
+  EXPECT_EQ(slots.right.water.h, -slots.left.water.h);
+  EXPECT_EQ(slots.left.hs, 0.0);
+  EXPECT_EQ(slots.right.hs, 0.0);
+}
+
+TEST(FluxClhllc, ABedWaveThatStandsStillMovesNoSediment) {
+  // Without transport a subcritical forward flow has a bed wave of celerity 0 on either side: both
+  // of its bounds are 0, whatever the step of the layer.
+  const auto w = water(0.0, 1.0, 0.6, 0.8);
+  const auto slots = flux(w, {0.5, 1e-3, 0.0, 0.0}, w, {0.9, 1e-3, 0.0, 0.0});
+  EXPECT_EQ(slots.left.hs, 0.0);
+  EXPECT_EQ(slots.right.hs, 0.0);
+  EXPECT_LT(slots.left.water.h, 0.0);
+}
+
 TEST(FluxClhllc, TellsWhichSideIsNotHyperbolic) {
   const auto w = water(0.0, 1.0, 0.6, 0.8);
   const auto slots = flux(w, {0.5, 0.0, 0.0, 0.0}, w, {0.5, 0.0, 0.0, 100.0});

@@ -30,6 +30,17 @@ TEST(GreenAmptPonded, SolvesTheImplicitRelation) {
   }
 }
 
+TEST(GreenAmptPonded, WithoutSuctionEndsWithoutANumber) {
+  for (const physics::GreenAmptSoil& soil :
+       {physics::GreenAmptSoil{1e-5, 0.0, 0.2, 0.5, 0.0},     // no suction head
+        physics::GreenAmptSoil{1e-5, 0.1, 0.0, 0.5, 0.0}}) {  // no moisture deficit
+    EXPECT_TRUE(std::isnan(physics::green_ampt_ponded(soil, 10.0)));
+    EXPECT_TRUE(std::isnan(physics::infiltration_green_ampt(soil, 1.0, 0.0, 0.0, 10.0).demand));
+    // Once it holds water it takes Ks dt in a step.
+    EXPECT_DOUBLE_EQ(physics::infiltration_green_ampt(soil, 1.0, 0.01, 0.0, 10.0).demand, 1e-4);
+  }
+}
+
 TEST(InfiltrationGreenAmpt, DemandGrowsWithTheSuctionOfTheFront) {
   // Ks (0.02 / 0.01 + 1) dt = 1e-5 * 3 * 10.
   const auto soil = physics::infiltration_green_ampt(loam, 1.0, 0.01, 0.0, 10.0);

@@ -97,6 +97,14 @@ TEST(RainAddition, InTheLastBurstOfTheRunItRainsInEveryStep) {
   EXPECT_EQ(physics::rain_addition(storm, clock, 61.5, 0.0, t_end).depth, 2.5);
 }
 
+TEST(RainAddition, AHyetogramWithoutIntervalsBringsNothing) {
+  const physics::Hyetogram none{nullptr, nullptr, 0, 30.0};
+  const auto rain = physics::rain_addition(none, {0.0, -1, never}, 40.0, 0.0, far_end);
+  EXPECT_EQ(rain.depth, 0.0);
+  EXPECT_EQ(rain.clock.last_update_time, 0.0);
+  EXPECT_EQ(rain.clock.hyetogram_index, -1);
+}
+
 TEST(RainAddition, TheLastIntensityLastsForEver) {
   EXPECT_EQ(physics::rain_addition(storm, {1e5, 2, 30.0}, 1e5 + 40.0, 0.0, far_end).depth, 200.0);
 }
