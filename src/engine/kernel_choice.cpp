@@ -3,12 +3,13 @@
 #include <stdexcept>
 #include <string>
 
+#include "engine/instruction_sets.hpp"
 #include "engine/views.hpp"
 
 namespace engine {
 
 extern const Kernels kernels_baseline;
-#ifdef QUILLMERE_X86_KERNELS
+#ifdef QUILLMERE_X86_LOOPS
 extern const Kernels kernels_avx2;
 extern const Kernels kernels_avx512;
 #endif
@@ -20,14 +21,10 @@ struct Choice {
   bool is_supported;
 };
 
-#ifdef QUILLMERE_X86_KERNELS
+#ifdef QUILLMERE_X86_LOOPS
 /// Best first.
 const Choice choices[] = {
-    {&kernels_avx512,
-     __builtin_cpu_supports("avx512f") != 0 && __builtin_cpu_supports("avx512dq") != 0 &&
-         __builtin_cpu_supports("avx512vl") != 0 && __builtin_cpu_supports("fma") != 0},
-    {&kernels_avx2, __builtin_cpu_supports("avx2") != 0 && __builtin_cpu_supports("fma") != 0},
-    {&kernels_baseline, true}};
+    {&kernels_avx512, has_avx512()}, {&kernels_avx2, has_avx2()}, {&kernels_baseline, true}};
 #else
 const Choice choices[] = {{&kernels_baseline, true}};
 #endif

@@ -1,3 +1,4 @@
+#include "engine/instruction_sets.hpp"
 #include "support/formula_loops/formula_loops.hpp"
 
 namespace formula_loops {
@@ -11,12 +12,8 @@ Loops avx512();
 std::vector<Loops> of_this_machine() {
   std::vector<Loops> loops = {baseline()};
 #ifdef QUILLMERE_X86_LOOPS
-  const bool has_avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-  if (has_avx2) loops.push_back(avx2());
-  if (has_avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512dq") &&
-      __builtin_cpu_supports("avx512vl")) {
-    loops.push_back(avx512());
-  }
+  if (engine::has_avx2()) loops.push_back(avx2());
+  if (engine::has_avx512()) loops.push_back(avx512());
 #endif
   return loops;
 }
