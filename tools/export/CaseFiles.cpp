@@ -3,7 +3,7 @@
 #include <exception>
 #include <filesystem>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/DataFileReader.hpp"
 
 namespace exports {

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "export/TableReader.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/TextScanner.hpp"
 #include "utils/snapshot_name.hpp"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/MeshReader.hpp"
 
 namespace exports {

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

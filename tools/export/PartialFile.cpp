@@ -2,7 +2,7 @@
 
 #include <system_error>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

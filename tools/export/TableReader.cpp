@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <limits>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

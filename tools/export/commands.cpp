@@ -12,7 +12,7 @@
 #include "export/quantities.hpp"
 #include "export/ugrid_writer.hpp"
 #include "export/vtu_writer.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/stop.hpp"
 
 namespace exports {

@@ -5,7 +5,7 @@
 
 #include "export/PartialFile.hpp"
 #include "export/TableReader.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/TextBuffer.hpp"
 #include "utils/TextScanner.hpp"
 

@@ -1,6 +1,6 @@
 // In place of the writer of GeoTIFF where the library for it is not installed.
 #include "export/geotiff_writer.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

@@ -10,7 +10,7 @@
 
 #include "export/PartialFile.hpp"
 #include "export/raster.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

@@ -1,6 +1,5 @@
 #include "export/plot_command.hpp"
 
-#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,7 +13,8 @@
 #include "export/csv_writer.hpp"
 #include "export/quantities.hpp"
 #include "export/raster.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
+#include "support/TemporaryFolder.hpp"
 
 namespace exports {
 
@@ -29,21 +29,7 @@ constexpr double pixels_along_a_map = 1600.0;
 /// A folder that lives as long as the drawing, with the arrays that the script reads.
 class DrawingFolder {
  public:
-  DrawingFolder() {
-    std::string name = (fs::temp_directory_path() / "quillmere-plot-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-      throw tools::Error("The folder " + name + " couldn't be created.");
-    }
-    path_ = name;
-  }
-  ~DrawingFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  DrawingFolder(const DrawingFolder&) = delete;
-  DrawingFolder& operator=(const DrawingFolder&) = delete;
-
-  std::string path(const std::string& name) const { return (path_ / name).string(); }
+  std::string path(const std::string& name) const { return folder_.file(name); }
   template <class T>
   void save(const std::string& name, const std::vector<T>& values) const {
     std::ofstream file(path(name), std::ios::binary);
@@ -55,7 +41,7 @@ class DrawingFolder {
   }
 
  private:
-  fs::path path_;
+  tools::TemporaryFolder folder_;
 };
 
 /// Coordinates x1 y1 x2 y2 of edges.

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

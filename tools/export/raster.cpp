@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

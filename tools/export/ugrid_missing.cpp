@@ -1,6 +1,6 @@
 // In place of the writer of UGRID where the library for it is not installed.
 #include "export/ugrid_writer.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 
 namespace exports {
 

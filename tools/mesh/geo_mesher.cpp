@@ -10,34 +10,11 @@
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/mesh_file.hpp"
 #include "support/Error.hpp"
+#include "support/TemporaryFolder.hpp"
 
 namespace mesh_import {
 
 namespace {
-
-namespace fs = std::filesystem;
-
-/// A folder that lives as long as the object.
-class TemporaryFolder {
- public:
-  TemporaryFolder() : path_((fs::temp_directory_path() / "quillmere-mesh-XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) {
-      throw tools::Error("No temporary folder can be made in " +
-                         fs::temp_directory_path().string() + ".");
-    }
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::string file(const char* name) const { return (fs::path(path_) / name).string(); }
-
- private:
-  std::string path_;
-};
 
 /// What Gmsh calls errors, one a line. It goes on after most of them, with a part of the mesh.
 std::string logged_errors() {
@@ -95,7 +72,7 @@ Mesh mesh_geo(const std::string& path) {
                        ": the last line has no end, and Gmsh may leave out what it says; expected "
                        "a line end.");
   }
-  const TemporaryFolder folder;
+  const tools::TemporaryFolder folder;
   const std::string msh = folder.file("mesh.msh");
   int ends[2];
   if (pipe(ends) != 0) throw tools::Error("No process can be started for Gmsh.");
@@ -113,7 +90,8 @@ Mesh mesh_geo(const std::string& path) {
   int status = 0;
   waitpid(child, &status, 0);
   if (WIFSIGNALED(status)) throw tools::Error(path + ": Gmsh crashed on this geometry.");
-  if (status != 0 || !fs::exists(msh)) throw tools::Error(path + ": Gmsh reports:" + errors);
+  if (status != 0 || !std::filesystem::exists(msh))
+    throw tools::Error(path + ": Gmsh reports:" + errors);
   Mesh mesh = read_msh(msh);
   mesh.format = "meshed with Gmsh " + std::string(GMSH_API_VERSION);
   return mesh;

@@ -8,7 +8,7 @@
 #include "mesh/check/check_topology.hpp"
 #include "mesh/check/check_values.hpp"
 #include "mesh/check/numbers.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "utils/stop.hpp"
 
 namespace tools::check {

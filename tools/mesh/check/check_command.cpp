@@ -7,7 +7,7 @@
 #include "mesh/check/case_report.hpp"
 #include "mesh/check/report_json.hpp"
 #include "mesh/check/report_text.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
 #include "support/counted.hpp"
 
 namespace tools::check {

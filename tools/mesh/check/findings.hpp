@@ -1,7 +1,6 @@
 // What a check of a case has found, so far.
 #pragma once
 
-#include <map>
 #include <string>
 #include <vector>
 

@@ -7,7 +7,6 @@
 #include "mesh/check/case_report.hpp"
 #include "mesh/check/report_json.hpp"
 #include "mesh/check/report_text.hpp"
-#include "support/Tool.hpp"
 
 namespace tools::check {
 

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <numbers>
 #include <numeric>
+#include <tuple>
+#include <utility>
 
 #include "mesh/check/numbers.hpp"
 

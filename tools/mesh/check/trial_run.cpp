@@ -7,46 +7,25 @@
 
 #include <chrono>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
-#include "support/Tool.hpp"
+#include "support/Error.hpp"
+#include "support/TemporaryFolder.hpp"
 #include "utils/data_file_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
 double seconds_since(Clock::time_point start) {
   return std::chrono::duration<double>(Clock::now() - start).count();
 }
-
-class TemporaryFolder {
- public:
-  TemporaryFolder() {
-    std::string name = (fs::temp_directory_path() / "quillmere-mesh-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) throw Error("no temporary folder: " + name);
-    path_ = name;
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-
-  std::string file(const std::string& name) const { return (path_ / name).string(); }
-
- private:
-  fs::path path_;
-};
 
 /// What the process of the trial hands back.
 struct Measurement {
@@ -138,7 +117,7 @@ double TrialRun::expected_seconds(double duration) const {
 
 std::optional<TrialRun> trial_run(const std::string& data_file) {
   const TemporaryFolder folder;
-  const auto data = trial_data(data_file, fs::path(folder.file("x")).parent_path().string());
+  const auto data = trial_data(data_file, folder.path());
   if (!data) return {};
   std::ofstream(folder.file("data.json")) << *data;
 

@@ -1,0 +1,26 @@
+// A folder for what a companion program only needs while it works.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace tools {
+
+/// Lives as long as the object.
+class TemporaryFolder {
+ public:
+  /// Throws Error if no folder can be created.
+  TemporaryFolder();
+  ~TemporaryFolder();
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+
+  std::string path() const { return path_.string(); }
+  /// The path of a file in it.
+  std::string file(const std::string& name) const { return (path_ / name).string(); }
+
+ private:
+  std::filesystem::path path_;
+};
+
+}  // namespace tools
