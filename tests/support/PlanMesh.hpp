@@ -17,7 +17,7 @@
 
 namespace support {
 
-struct Point {
+struct PlanPoint {
   double x, y, z;  ///< m
 };
 
@@ -32,7 +32,7 @@ struct PlanEdge {
 };
 
 struct Plan {
-  std::vector<Point> points;
+  std::vector<PlanPoint> points;
   std::vector<PlanCell> cells;
   std::vector<PlanEdge> edges;
   double manning = 0.0;  ///< of every cell; none when 0
@@ -106,7 +106,7 @@ inline Permutation random_permutation_within_cells(const Plan& plan, std::mt1993
 inline Plan rotate(Plan plan, double angle) {
   const double c = std::cos(angle);
   const double s = std::sin(angle);
-  for (Point& p : plan.points) p = {c * p.x - s * p.y, s * p.x + c * p.y, p.z};
+  for (PlanPoint& p : plan.points) p = {c * p.x - s * p.y, s * p.x + c * p.y, p.z};
   for (PlanCell& cell : plan.cells) {
     cell = {cell.nodes, cell.depth, c * cell.qx - s * cell.qy, s * cell.qx + c * cell.qy};
   }
@@ -167,7 +167,7 @@ inline Plan random_plan(int nx, int ny, const Weather& weather, std::mt19937& ge
 /// The plan as a model, ready to step.
 inline std::unique_ptr<SWE> build(const Plan& plan) {
   auto model = std::make_unique<SWE>();
-  for (const Point& p : plan.points) model->mesh_nodes.emplace_back(p.x, p.y, p.z);
+  for (const PlanPoint& p : plan.points) model->mesh_nodes.emplace_back(p.x, p.y, p.z);
   model->n_nodes = static_cast<int>(plan.points.size());
   const auto node = [&](int i) -> const MeshNode& {
     return model->mesh_nodes[static_cast<std::size_t>(i)];
