@@ -22,7 +22,8 @@ function(quillmere_add_loops target source)
     # turn of a loop to the next, which would keep it from being vectorised.
     target_compile_options(${loops} PRIVATE
       -O3 -fopenmp-simd -fno-math-errno -fno-trapping-math
-      $<$<CXX_COMPILER_ID:GNU>:-fno-tree-pre> ${QUILLMERE_OPTIONS_${isa}})
+      $<$<CXX_COMPILER_ID:GNU>:-fno-tree-pre> ${QUILLMERE_OPTIONS_${isa}}
+      $<$<BOOL:${QUILLMERE_COVERAGE}>:-O0>)  # lines are counted as they are written
     target_link_libraries(${loops} PRIVATE quillmere_options)
     target_sources(${target} PRIVATE $<TARGET_OBJECTS:${loops}>)
   endforeach()

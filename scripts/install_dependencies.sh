@@ -11,6 +11,7 @@ Groups:
   build       compiler, CMake, Ninja and the JSON library
   tools       what the companion tools build on, and matplotlib for their pictures
   test        GoogleTest, numpy, and what reads exported files back
+  coverage    gcovr
   fuzz        Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
   validation  numpy and matplotlib for /usr/bin/python3
@@ -22,6 +23,7 @@ packages_of() {
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
     test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal ;;
+    coverage) echo gcovr ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
     validation) echo python3-numpy python3-matplotlib ;;
