@@ -25,8 +25,8 @@ class FatalError : public std::runtime_error {
 };
 
 /// From now on fatal() throws a FatalError with its message, less the line end, and neither writes
-/// nor ends anything:
-/// for programs that collect errors.
+/// nor ends anything: for programs that collect errors, or that say them with a beginning of their
+/// own.
 void throw_fatal_errors();
 
 /// Writes "Warning: ", the message and a line end to standard error. Any thread may call it.
