@@ -8,6 +8,7 @@
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <utility>
 
 #include "globals/WriterHandoff.hpp"
 #include "support/TemporaryFolder.hpp"
@@ -196,9 +197,13 @@ void run_with_file_size_limit(rlim_t bytes, Statement statement) {
   const pid_t process = fork();
   if (process == 0) {
     std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{bytes, bytes};
+    rlimit limit;
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlim_t usual = std::exchange(limit.rlim_cur, bytes);
     setrlimit(RLIMIT_FSIZE, &limit);
     statement();
+    limit.rlim_cur = usual;  // a build that counts lines writes its counters at the end
+    setrlimit(RLIMIT_FSIZE, &limit);
     _exit(0);
   }
   waitpid(process, nullptr, 0);
