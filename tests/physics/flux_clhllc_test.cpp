@@ -117,13 +117,23 @@ TEST(FluxClhllc, StillWaterRunsOntoADryBedOnItsLeftAndMovesNoSediment) {
 }
 
 TEST(FluxClhllc, ABedWaveThatStandsStillMovesNoSediment) {
-  // Without transport a subcritical forward flow has a bed wave of celerity 0 on either side: both
-  // of its bounds are 0, whatever the step of the layer.
-  const auto w = water(0.0, 1.0, 0.6, 0.8);
-  const auto slots = flux(w, {0.5, 1e-3, 0.0, 0.0}, w, {0.9, 1e-3, 0.0, 0.0});
+  // Critical flow over a bed that cannot move: both bounds of the bed wave are 0, and only the wave
+  // downstream, at 2 m/s, is left. The water passes as it is.
+  const physics::EdgeSide critical = {.wet = true,
+                                      .h = 0.5,
+                                      .zb = 0.0,
+                                      .eta = 0.5,
+                                      .qn = 0.5,
+                                      .qt = 0.0,
+                                      .un = 1.0,
+                                      .ut = 0.0,
+                                      .c = 1.0};
+  const auto slots = flux_clhllc(critical, {0.5, 0.0, 0.0, 0.0}, critical, {0.9, 0.0, 0.0, 0.0},
+                                 edge, porosity, zero_depth);
   EXPECT_EQ(slots.left.hs, 0.0);
   EXPECT_EQ(slots.right.hs, 0.0);
-  EXPECT_LT(slots.left.water.h, 0.0);
+  EXPECT_EQ(slots.left.water.h, -edge.length * 0.5);
+  EXPECT_EQ(slots.right.water.h, edge.length * 0.5);
 }
 
 TEST(FluxClhllc, TellsWhichSideIsNotHyperbolic) {
