@@ -33,6 +33,16 @@ void set_sediments(const ImportOptions& options, Case& contents) {
   contents.sediments = {options.grain_diameter, options.grain_density, options.porosity};
 }
 
+/// The waves of the water bound the time step. In a film, the bed load of such a step can raise the
+/// bed by more than the film's depth, and water that stands higher runs faster. A millimetre has
+/// kept dam breaks of 0.35 m over grains of 0.2 to 10 mm from collapsing, on cells of 10 to 25 mm.
+void warn_of_thin_films(std::ostream& out) {
+  out << "No --zero-depth: films down to 0.0001 m move sediment. Where water spreads over a dry "
+         "bed "
+         "they can pile it up, and end the run with a collapsed time step; try a millimetre or "
+         "more.\n";
+}
+
 /// Level of the water, m: the bed where no request puts it higher.
 void set_water(const std::vector<std::string>& requests, Case& contents, std::ostream& out) {
   contents.level = bed_of_cells(contents);
@@ -72,7 +82,10 @@ void import_fields(const ImportOptions& options, Case& contents, std::ostream& o
   } else {
     out << "No --friction: the bed is smooth.\n";
   }
-  if (!options.sediment.empty()) set_sediments(options, contents);
+  if (!options.sediment.empty()) {
+    set_sediments(options, contents);
+    if (!options.zero_depth) warn_of_thin_films(out);
+  }
   set_water(options.level, contents, out);
   if (!options.rain.empty()) {
     contents.rain = ids_of_cells(mesh, "--rain", options.rain);

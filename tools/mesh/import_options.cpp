@@ -71,7 +71,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("T1,T2,...");
   command
       .add_option("--zero-depth", options.zero_depth,
-                  "Depth up to which a cell counts as dry, m; otherwise 0.0001")
+                  "Depth up to which a cell counts as dry, m; otherwise 0.0001. With --sediment "
+                  "try 0.001 or more")
       ->type_name("VALUE");
   command.add_option("--cfl", options.courant, "Courant number")
       ->capture_default_str()

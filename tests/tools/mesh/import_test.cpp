@@ -305,6 +305,17 @@ TEST_F(Import, SetsTheDepthOfDryCells) {
   EXPECT_FALSE(data()["model"].contains("zero depth value"));
 }
 
+TEST_F(Import, SaysThatThinFilmsMoveTheBed) {
+  const Words sand{"--sediment",       "0.1",   "--friction", "0.02",
+                   "--grain-diameter", "0.002", "--overwrite"};
+  const std::string remark = "No --zero-depth: films down to 0.0001 m move sediment.";
+  EXPECT_TRUE(contains(import_well(sand), remark));
+  Words with_depth = sand;
+  with_depth.insert(with_depth.end(), {"--zero-depth", "0.001"});
+  EXPECT_FALSE(contains(import_well(with_depth), remark));
+  EXPECT_FALSE(contains(import_well({"--overwrite"}), remark));
+}
+
 TEST_F(Import, ListsTheNamesItKnows) {
   EXPECT_EQ(import_badly(1, {"--boundary", "inlet=wall"}),
             "quillmere-mesh: --boundary inlet=wall: the mesh has no line \"inlet\"; it has: west, "
