@@ -30,10 +30,10 @@ done
 for data in examples/*/data.json; do
   seed_from data_file "$data" "$(basename "$(dirname "$data")").json"
 done
-seed_from inflow $example/hydrograph.txt example.txt
-seed_from level $example/hydrograph.txt example.txt
+seed_from inflow $example/boundary_inflow.txt example.txt
+seed_from level $example/boundary_inflow.txt example.txt
 seed_from rain $example/rain.txt example.txt
-seed_from soils $example/infiltration.txt example.txt
+seed_from soils $example/soils.txt example.txt
 seed_from gauges_in $example/gauges.txt example.txt
 seed_from sections_in examples/flume_dam_break/sections.txt example.txt
 seed_from snapshots_in $example/snapshots.txt example.txt
