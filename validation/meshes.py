@@ -4,22 +4,18 @@ A mesh of size n has n squares along its length, each cut into two triangles. So
 in local coordinates, in which x runs along the rectangle from 0; only the files are rotated.
 """
 import copy
-import os
-import sys
 
 import numpy as np
 
-sys.path.insert(0, os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "examples"))
-import mesh_tools  # noqa: E402
+from validation.mesh import Mesh, cross
 
 ANGLE = np.radians(37.0)
 DISPLACEMENT = 0.25  # of interior nodes of an irregular mesh, in sides of a square
 ROWS_OF_IRREGULAR_STRIP = 4
-DECIMALS = 15
 SIDES = ("west", "east", "south", "north")
 
 
-class Rectangle(mesh_tools.Mesh):
+class Rectangle(Mesh):
     """A rectangle [0, length] x [0, width] of nx by ny squares, in local coordinates."""
 
     def __init__(self, length, width, nx, ny, kind="structured", seed=1):
@@ -29,7 +25,7 @@ class Rectangle(mesh_tools.Mesh):
         if irregular:
             move_nodes(points, length, width, length / nx, random)
         triangles = cut_squares(nx, ny, random if irregular else None)
-        super().__init__(points, triangles, along=points[:, 0], decimals=DECIMALS)
+        super().__init__(points, triangles, along=points[:, 0])
         self.kind, self.length, self.width = kind, length, width
         self.size = length / nx
         self.angle = ANGLE if kind == "rotated" else 0.0
@@ -94,7 +90,7 @@ def cut_squares(nx, ny, random=None):
 
 def triangle_areas(xy, cells):
     a, b, c = (xy[cells[:, k]] for k in range(3))
-    return 0.5 * np.abs(mesh_tools.cross(b - a, c - a))
+    return 0.5 * np.abs(cross(b - a, c - a))
 
 
 def rotate(x, y, angle):

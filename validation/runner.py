@@ -5,7 +5,8 @@ import subprocess
 
 import numpy as np
 
-from validation.meshes import SIDES, mesh_tools, rotate
+from validation import input_files
+from validation.meshes import SIDES, rotate
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 PROGRAM = os.environ.get("QUILLMERE_PROGRAM", os.path.join(ROOT, "build/release/bin/quillmere"))
@@ -88,7 +89,7 @@ def write_case(folder, name, mesh, setup):
     if setup.uphill:
         mesh.point_edges_uphill()
     codes, values = boundary_codes(mesh, setup)
-    mesh_tools.write_mesh(folder, mesh.turned(), codes, values, z_decimals=mesh.decimals)
+    input_files.write_mesh(folder, mesh.turned(), codes, values)
 
     level, (qx, qy) = setup.level(x, y), rotate(setup.qx(x, y), setup.qy(x, y), mesh.angle)
     write_columns(folder, "initial.txt", level, qx, qy)
@@ -103,9 +104,9 @@ def write_case(folder, name, mesh, setup):
         write_columns(folder, "sand.txt", setup.sediment[0](x, y))
         conditions["initial sediments level"] = "sand.txt"
     for file_name, lines in setup.files.items():
-        mesh_tools.write_lines(folder, file_name, lines)
-    mesh_tools.write_lines(folder, "times.txt", [len(setup.times), *map(repr, setup.times)])
-    mesh_tools.write_sections(folder, setup.sections or [[0]], setup.interval)
+        input_files.write_lines(folder, file_name, lines)
+    input_files.write_lines(folder, "times.txt", [len(setup.times), *map(repr, setup.times)])
+    input_files.write_sections(folder, setup.sections or [[0]], setup.interval)
     write_data_file(folder, name, mesh, setup, conditions, level - bed)
 
 
@@ -122,7 +123,7 @@ def place_bed(mesh, setup, x, y):
 
 
 def boundary_codes(mesh, setup):
-    codes, values = np.full(len(mesh.left), mesh_tools.WALL), {}
+    codes, values = np.full(len(mesh.left), input_files.WALL), {}
     sides = mesh.side_of_edges()
     for side, (code, value) in setup.boundaries.items():
         codes[sides == SIDES.index(side)] = code
@@ -142,7 +143,7 @@ def write_data_file(folder, name, mesh, setup, conditions, depth):
     step = mesh.shortest_length() / np.sqrt(GRAVITY * max(depth.max(), 0.01))
     output = {"time step enveloppe of results": 1e9, "snapshots of flow": "times.txt",
               "discharges": "sections.txt"}
-    mesh_tools.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT,
+    input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT,
                                conditions, setup.sources, output, setup.zero_depth,
                                setup.sediment and setup.sediment[1])
 

@@ -3,9 +3,8 @@ import os
 
 import numpy as np
 
-from validation import figures, meshes, norms, runner
+from validation import figures, input_files, meshes, norms, runner
 from validation.case import Case, Result, Table
-from validation.meshes import mesh_tools
 from validation.runner import Setup, constant
 
 LENGTH, WIDTH = 200.0, 40.0  # m, of a basin
@@ -90,7 +89,7 @@ class Hydrograph(Inflow):
     limit = ("The series is read once a step and holds for that step; the clock that it is read at "
              "runs ahead or behind by the change of the time step.")
     slope, initial, friction = 0.02, 0.0, 0.03
-    code = mesh_tools.HYDROGRAPH
+    code = input_files.HYDROGRAPH
     series = ((0, 0.0), (300, -0.5), (600, 0.0), (2000, 0.0))  # m2/s; negative enters
 
     def expected(self, t):
@@ -135,7 +134,7 @@ class Limnigraph(Inflow):
     limit = ("Only the end is exact: on the way the basin lags behind the boundary by the time of "
              "a wave. An imposed level reflects waves; a rise with a kink would leave the basin "
              "swinging.")
-    code = mesh_tools.LIMNIGRAPH
+    code = input_files.LIMNIGRAPH
     sizes = (20, 40, 80)
     times = tuple(120.0 * k for k in range(1, 21))
     series = tuple((30.0 * k, INITIAL + RISE * smooth_step(k / 60)) for k in range(61))

@@ -1,9 +1,8 @@
 """Rain on a plane against the kinematic wave."""
 import numpy as np
 
-from validation import figures, norms
+from validation import figures, input_files, norms
 from validation.case import AnalyticCase
-from validation.meshes import mesh_tools
 from validation.runner import Setup, constant
 
 LENGTH, SLOPE, MANNING = 182.88, 0.0016, 0.025
@@ -69,7 +68,7 @@ class Rain(AnalyticCase):
                  "hyetocells.txt": ["1"] * count}
         return Setup(lambda x, y: mesh.bed(), self.times, bed=self.bed,
                      manning=constant(MANNING), zero_depth=1e-3, files=files,
-                     boundaries={"east": (mesh_tools.TRANSMISSIVE, None)},
+                     boundaries={"east": (input_files.TRANSMISSIVE, None)},
                      sources={"rainfall": "rain.txt", "hyetocells": "hyetocells.txt"},
                      sections=[list(mesh.edges_on("east"))])
 

@@ -1,9 +1,8 @@
 """A channel whose bed sinks evenly under Meyer-Peter and Mueller transport."""
 import numpy as np
 
-from validation import figures, norms
+from validation import figures, input_files, norms
 from validation.case import AnalyticCase, Table
-from validation.meshes import mesh_tools
 from validation.runner import GRAVITY, Setup, constant
 
 g = GRAVITY
@@ -76,8 +75,8 @@ class SinkingBed(AnalyticCase):
         return Setup(lambda x, y: self.bed(x) + depth(x), self.times, qx=constant(Q),
                      bed=lambda x, y: self.bed(x) - LAYER, bed_by="file", uphill=False,
                      manning=constant(N), sediment=(constant(LAYER), parameters), zero_depth=1e-4,
-                     boundaries={"west": (mesh_tools.DISCHARGE, repr(-Q)),
-                                 "east": (mesh_tools.LEVEL, repr(floor + float(depth(L))))})
+                     boundaries={"west": (input_files.DISCHARGE, repr(-Q)),
+                                 "east": (input_files.LEVEL, repr(floor + float(depth(L))))})
 
     def exact(self, x, y, t):
         return depth(x), np.full_like(x, Q), np.zeros_like(x)

@@ -1,8 +1,8 @@
 """Steady flow in a channel: over a bump, over MacDonald's beds, and uniform."""
 import numpy as np
 
+from validation import input_files
 from validation.case import AnalyticCase
-from validation.meshes import mesh_tools
 from validation.runner import GRAVITY, Setup, constant
 
 g = GRAVITY
@@ -89,12 +89,12 @@ class SteadyCase(AnalyticCase):
         return None
 
     def setup(self, mesh):
-        outlet = (mesh_tools.TRANSMISSIVE, None)
+        outlet = (input_files.TRANSMISSIVE, None)
         if self.outlet_level is not None:
-            outlet = (mesh_tools.LEVEL, repr(self.outlet_level))
+            outlet = (input_files.LEVEL, repr(self.outlet_level))
         return Setup(lambda x, y: self.start(x, mesh.bed()), self.times, bed=self.bed,
                      qx=self.start_discharge, zero_depth=self.zero_depth, manning=self.manning(),
-                     boundaries={"west": (mesh_tools.DISCHARGE, repr(-self.q)), "east": outlet},
+                     boundaries={"west": (input_files.DISCHARGE, repr(-self.q)), "east": outlet},
                      uphill=False)
 
     def exact(self, x, y, t):
