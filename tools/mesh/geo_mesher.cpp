@@ -1,11 +1,16 @@
 #include "mesh/geo_mesher.hpp"
 
 #include <gmsh.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <exception>
 #include <filesystem>
+#include <new>
 
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/mesh_file.hpp"
@@ -28,6 +33,19 @@ std::string logged_errors() {
   return errors;
 }
 
+/// The words for what was thrown; some releases of Gmsh throw texts and numbers.
+std::string describe(const std::exception_ptr& thrown) {
+  try {
+    if (thrown) std::rethrow_exception(thrown);
+  } catch (const std::bad_alloc&) {
+    return "\n  out of memory; expected a mesh size in the unit of the points, and fewer cells";
+  } catch (const std::exception& error) {
+    return std::string("\n  ") + error.what();
+  } catch (...) {
+  }
+  return "\n  no mesh could be made";
+}
+
 /// Meshes with Gmsh; the errors, none if all is well.
 std::string run_gmsh(const std::string& geo, const std::string& msh) {
   std::string thrown;
@@ -44,13 +62,37 @@ std::string run_gmsh(const std::string& geo, const std::string& msh) {
     gmsh::option::setNumber("Mesh.MshFileVersion", 4.1);
     gmsh::option::setNumber("Mesh.Binary", 1);
     gmsh::write(msh);
-  } catch (const std::exception& error) {
-    thrown = std::string("\n  ") + error.what();
-  } catch (...) {  // some releases throw texts and numbers
-    thrown = "\n  no mesh could be made";
+  } catch (...) {
+    thrown = describe(std::current_exception());
   }
   const std::string errors = logged_errors();
   return errors.empty() ? thrown : errors;
+}
+
+int report_descriptor = -1;  // of the process that meshes
+
+[[noreturn]] void report_and_exit(const std::string& errors) {
+  const bool is_said = write(report_descriptor, errors.data(), errors.size()) >= 0;
+  _exit(errors.empty() && is_said ? 0 : 1);
+}
+
+/// What led to an exception that left a thread of Gmsh, where nothing can catch it.
+[[noreturn]] void report_uncaught() {
+  const std::string errors = logged_errors();
+  report_and_exit(errors.empty() ? describe(std::current_exception()) : errors);
+}
+
+/// A mesh size in the wrong unit asks for billions of cells: Gmsh may take all memory that the
+/// machine has, and not what other programs need to go on.
+void limit_memory() {
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these map terabytes
+  const auto bytes =
+      static_cast<rlim_t>(sysconf(_SC_PHYS_PAGES)) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
+  rlimit limit{};
+  getrlimit(RLIMIT_AS, &limit);
+  limit.rlim_cur = std::min(limit.rlim_cur, bytes);
+  setrlimit(RLIMIT_AS, &limit);
+#endif
 }
 
 std::string read_all(int descriptor) {
@@ -80,9 +122,11 @@ Mesh mesh_geo(const std::string& path) {
   if (child < 0) throw tools::Error("No process can be started for Gmsh.");
   if (child == 0) {
     close(ends[0]);
-    const std::string errors = run_gmsh(path, msh);
-    const bool is_said = write(ends[1], errors.data(), errors.size()) >= 0;
-    _exit(errors.empty() && is_said ? 0 : 1);
+    report_descriptor = ends[1];
+    std::set_terminate(report_uncaught);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);  // nobody waits for a mesh when the program is gone
+    limit_memory();
+    report_and_exit(run_gmsh(path, msh));
   }
   close(ends[1]);
   const std::string errors = read_all(ends[0]);
