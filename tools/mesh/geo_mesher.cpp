@@ -76,7 +76,7 @@ int report_descriptor = -1;  // of the process that meshes
   _exit(errors.empty() && is_said ? 0 : 1);
 }
 
-/// What led to an exception that left a thread of Gmsh, where nothing can catch it.
+/// Reports what led to an exception that left a thread of Gmsh, where nothing can catch it.
 [[noreturn]] void report_uncaught() {
   const std::string errors = logged_errors();
   report_and_exit(errors.empty() ? describe(std::current_exception()) : errors);
