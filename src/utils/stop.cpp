@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <utility>
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
@@ -11,29 +12,39 @@ namespace utils {
 namespace {
 constexpr int shown_warnings = 10;
 
-StopHandler stop_handler = std::exit;
-bool fatal_errors_are_thrown = false;
+StopHandler stop_handler = end_process;
+
+[[noreturn]] void end_run(int status, const std::string& message) {
+  const StopHandler handler = stop_handler;  // which may set another one
+  handler(status, message);
+  std::abort();  // a handler does not return
+}
 }  // namespace
 
-void set_stop_handler(StopHandler handler) { stop_handler = handler; }
+void set_stop_handler(StopHandler handler) { stop_handler = std::move(handler); }
 
-void stop(int status) {
+void close_run(const std::string& message) {
+  std::cerr << message;
   std::cout.flush();
   Handoff::join_all();
   if (Globals::spyFile.is_open()) Globals::spyFile.close();
-  stop_handler(status);
-  std::abort();  // a handler does not return
 }
 
-void throw_fatal_errors() { fatal_errors_are_thrown = true; }
+void end_process(int status, const std::string& message) {
+  close_run(message);
+  std::exit(status);
+}
 
-void fatal(const std::string& message, int status) {
-  if (fatal_errors_are_thrown) {
+void throw_fatal_errors() {
+  set_stop_handler([](int status, const std::string& message) {
+    if (message.empty()) end_process(status, message);
     throw FatalError(message.substr(0, message.find_last_not_of('\n') + 1));
-  }
-  std::cerr << message;
-  stop(status);
+  });
 }
+
+void stop(int status) { end_run(status, ""); }
+
+void fatal(const std::string& message, int status) { end_run(status, message); }
 
 void warn(const std::string& message) { std::cerr << "Warning: " + message + "\n"; }
 

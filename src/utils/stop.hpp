@@ -1,22 +1,28 @@
 // The ways a run ends early, and the warnings after which it goes on.
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 
 namespace utils {
 
-/// Ends the process: lets the writers finish their files, closes the log, flushes the console.
-/// Must be called on the main thread.
+/// Ends the run after an error that has been told. Must be called on the main thread.
 [[noreturn]] void stop(int status);
 
-/// What stop() does last; at first it is std::exit. A program that goes on after a run that ended
-/// early sets a handler that throws.
-using StopHandler = void (*)(int status);
+/// Ends the run after an error that the message tells, with its own line end.
+[[noreturn]] void fatal(const std::string& message, int status = -1);
+
+/// What stop() and fatal() do, with the message of fatal() or an empty one: at first end_process().
+/// A handler does not return; a program that goes on after a run that ended early throws.
+using StopHandler = std::function<void(int status, const std::string& message)>;
 void set_stop_handler(StopHandler handler);
 
-/// Writes a message (with its own line end) to standard error and ends the process with the status.
-[[noreturn]] void fatal(const std::string& message, int status = -1);
+/// Writes the message to standard error, lets the writers finish their files, closes the log and
+/// flushes the console.
+void close_run(const std::string& message);
+/// The same, and ends the process with the status.
+[[noreturn]] void end_process(int status, const std::string& message);
 
 /// What fatal() throws in a program that goes on after errors.
 class FatalError : public std::runtime_error {

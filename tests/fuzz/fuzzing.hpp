@@ -2,6 +2,7 @@
 #pragma once
 
 #include <iostream>
+#include <string>
 
 #include "utils/stop.hpp"
 
@@ -13,7 +14,7 @@ struct Stopped {
 
 /// To be called once, before the first input. The messages, one per input, are not shown.
 inline void start() {
-  utils::set_stop_handler([](int status) { throw Stopped{status}; });
+  utils::set_stop_handler([](int status, const std::string&) { throw Stopped{status}; });
   std::cout.setstate(std::ios::failbit);
   std::cerr.setstate(std::ios::failbit);
 }

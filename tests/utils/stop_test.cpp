@@ -31,16 +31,38 @@ TEST(StopDeathTest, StopIsSilent) {
   EXPECT_EXIT(utils::stop(-1), ExitedWithCode(255), "^$");
 }
 
-TEST(StopDeathTest, StopGoesToTheHandlerInPlaceOfTheExit) {
+TEST(StopDeathTest, EveryEarlyEndGoesToTheHandlerAlone) {
   const auto run = [] {
-    utils::set_stop_handler([](int status) { throw status; });
+    utils::set_stop_handler([](int status, const std::string& message) {
+      throw std::to_string(status) + " " + message;
+    });
+    std::string told;
+    const auto note = [&told](const std::string& text) { told += text; };
     try {
       utils::fatal("Unknown ID.\n", 1);
-    } catch (const int status) {
-      std::exit(40 + status);
+    } catch (const std::string& text) {
+      note(text);
+    }
+    try {
+      utils::stop(3);
+    } catch (const std::string& text) {
+      note(text);
+    }
+    std::exit(told == "1 Unknown ID.\n3 " ? 40 : 41);
+  };
+  EXPECT_EXIT(run(), ExitedWithCode(40), "^$");
+}
+
+TEST(StopDeathTest, FatalErrorsAreThrownOnRequest) {
+  const auto run = [] {
+    utils::throw_fatal_errors();
+    try {
+      utils::fatal("Unknown ID.\n", 1);
+    } catch (const utils::FatalError& error) {
+      if (error.what() == std::string("Unknown ID.")) utils::stop(42);
     }
   };
-  EXPECT_EXIT(run(), ExitedWithCode(41), "^Unknown ID\\.\n$");
+  EXPECT_EXIT(run(), ExitedWithCode(42), "^$");
 }
 
 TEST(StopDeathTest, StopClosesTheLogWithAllItsLines) {
