@@ -1,6 +1,7 @@
 #include "utils/DataFileReader.hpp"
 
 #include "utils/data_file_keys.hpp"
+#include "utils/known_keys.hpp"
 
 namespace utils {
 
@@ -16,6 +17,7 @@ bool DataFileReader::validateKey(const json& object, const std::string& key) con
     throw DataFileReaderException("Error. The following key couldn't be found in the datafile: ",
                                   key);
   }
+  read_.insert(&object.at(key));
   try {
     object.at(key).get<T>();
   } catch (const json::exception&) {
@@ -209,6 +211,39 @@ bool DataFileReader::is_discharge_check() const {
 
 std::string DataFileReader::get_discharge_file() const {
   return leaf<std::string>(enclosing(document_, key::output), key::discharges);
+}
+
+// --- What became of the keys --------------------------------------------------------------------
+
+void DataFileReader::add_uses_of(const json& object, const std::string& section,
+                                 KeyUses& uses) const {
+  for (const auto& [name, value] : object.items()) {
+    const std::string path = path_of(section, name);
+    if (read_.count(&value) == 0) {
+      const KnownKey* const nearest = nearest_key(section, name);
+      if (nearest != nullptr && nearest->path() == path) {
+        uses.unused.push_back(path);
+      } else {
+        uses.ignored.push_back({path, nearest != nullptr ? nearest->path() : ""});
+      }
+    } else if (value.is_object()) {
+      add_uses_of(value, path, uses);
+    } else {
+      uses.read.push_back(path);
+    }
+  }
+}
+
+KeyUses DataFileReader::key_uses() const {
+  KeyUses uses;
+  if (!document_.is_object()) return uses;
+  add_uses_of(document_, "", uses);
+  for (const KnownKey& known : known_keys()) {
+    if (known.use != KnownKey::Use::optional || known.other.empty()) continue;
+    if (document_.contains(json::json_pointer("/" + known.path()))) continue;
+    uses.defaulted.push_back({known.path(), known.other});
+  }
+  return uses;
 }
 
 }  // namespace utils

@@ -4,7 +4,9 @@
 
 #include <exception>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "utils/Reader.hpp"
 
@@ -18,6 +20,22 @@ class DataFileReaderException : public std::exception {
 
  private:
   std::string text_;
+};
+
+/// What became of the keys of a data file, named by their paths, as in "mesh/nodes".
+struct KeyUses {
+  struct Ignored {
+    std::string key;
+    std::string nearest;  ///< known key that it resembles; empty if there is none
+  };
+  struct Defaulted {
+    std::string key;
+    std::string value;  ///< in place of the missing one
+  };
+  std::vector<std::string> read;
+  std::vector<Defaulted> defaulted;
+  std::vector<std::string> unused;  ///< known, and not asked for
+  std::vector<Ignored> ignored;     ///< unknown
 };
 
 class DataFileReader : public Reader {
@@ -76,6 +94,9 @@ class DataFileReader : public Reader {
   bool is_discharge_check() const;
   std::string get_discharge_file() const;
 
+  /// What became of the keys up to now.
+  KeyUses key_uses() const;
+
  private:
   using json = nlohmann::json;
 
@@ -90,7 +111,10 @@ class DataFileReader : public Reader {
   template <class T>
   T leaf(const json& object, const std::string& key) const;
 
+  void add_uses_of(const json& object, const std::string& section, KeyUses& uses) const;
+
   json document_;
+  mutable std::set<const json*> read_;  ///< values that were asked for
   const std::string sediment_model_ = "Bramsett";
 };
 

@@ -33,7 +33,7 @@ void ask_for_everything(const utils::DataFileReader& reader) {
       &Reader::get_initial_infiltration_file, &Reader::is_extensions,
       &Reader::get_output_folder_path, &Reader::get_dt_enveloppe, &Reader::is_pictures,
       &Reader::get_pictures_file, &Reader::is_gauges, &Reader::get_gauges_file,
-      &Reader::is_discharge_check, &Reader::get_discharge_file);
+      &Reader::is_discharge_check, &Reader::get_discharge_file, &Reader::key_uses);
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "utils/known_keys.hpp"
 
 namespace {
 
@@ -286,6 +288,84 @@ TEST(DataFileReaderException, SaysTheMessageDirectlyFollowedByTheKey) {
   const utils::DataFileReaderException error("message: ", "key");
   EXPECT_STREQ(error.what(), "message: key");
   EXPECT_NE(dynamic_cast<const std::exception*>(&error), nullptr);
+}
+
+std::string path_text(const Path& path) { return pointer_to(path).to_string().substr(1); }
+
+/// Asks for every text and number of the water model, as far as it stands in the document.
+utils::KeyUses uses_after_all_questions(const json& document) {
+  const support::TemporaryFolder folder;
+  const Reader reader(folder.write("data.json", document.dump()));
+  const auto ask = [&](const auto& getters) {
+    for (const auto& getter : getters) {
+      if (document.contains(pointer_to(getter.path))) std::invoke(getter.get, reader);
+    }
+  };
+  ask(texts);
+  ask(numbers);
+  return reader.key_uses();
+}
+
+TEST(KeyUses, EveryKeyThatIsAskedForIsReadAndKnown) {
+  const utils::KeyUses uses = uses_after_all_questions(complete_document());
+  EXPECT_EQ(uses.read.size(), texts.size() + numbers.size());
+  EXPECT_TRUE(uses.defaulted.empty());
+  EXPECT_TRUE(uses.ignored.empty());
+  EXPECT_EQ(uses.unused, std::vector<std::string>{"extensions"});  // no run asks for it
+  std::set<std::string> known;
+  for (const utils::KnownKey& key : utils::known_keys()) known.insert(key.path());
+  for (const std::string& key : uses.read) EXPECT_EQ(known.count(key), 1U) << key;
+}
+
+TEST(KeyUses, KeysThatMayBeMissingAreDefaultedThen) {
+  for (const Path& path :
+       {Path{"model", "zero depth value"}, Path{"model", "conditions", "fixed bed level"},
+        Path{"model", "conditions", "friction"}, Path{"model", "sources", "rainfall"},
+        Path{"model", "sources", "infiltration"}, Path{"model", "sources", "initial infiltration"},
+        Path{"output", "snapshots of flow"}, Path{"output", "gauges"},
+        Path{"output", "discharges"}}) {
+    const utils::KeyUses uses = uses_after_all_questions(without(path));
+    ASSERT_EQ(uses.defaulted.size(), 1U) << path.back();
+    EXPECT_EQ(uses.defaulted[0].key, path_text(path));
+    EXPECT_NE(uses.defaulted[0].value, "");
+  }
+}
+
+TEST(KeyUses, AMissingZeroDepthIsReportedWithTheValueThatIsUsed) {
+  const json document = without({"model", "zero depth value"});
+  const std::string value = uses_after_all_questions(document).defaulted.at(0).value;
+  EXPECT_EQ(std::stod(value), answer(document, &Reader::get_zero_depth_value));
+}
+
+TEST(KeyUses, KeysNobodyAsksForAreIgnoredWithTheNearestKnownKey) {
+  const auto ignored = [](const Path& path) {
+    json document = with(path, "x");
+    document.erase("extensions");
+    const utils::KeyUses uses = uses_after_all_questions(document);
+    EXPECT_EQ(uses.ignored.size(), 1U);
+    EXPECT_EQ(uses.ignored.at(0).key, path_text(path));
+    return uses.ignored.at(0).nearest;
+  };
+  EXPECT_EQ(ignored({"output", "gaugs"}), "output/gauges");
+  EXPECT_EQ(ignored({"friction"}), "model/conditions/friction");
+  EXPECT_EQ(ignored({"TEnd"}), "tend");
+  EXPECT_EQ(ignored({"model", "Name"}), "model/name");
+  EXPECT_EQ(ignored({"author of this"}), "");
+}
+
+TEST(KeyUses, AKeyOfTheWrongTypeWasReadAndWhatAnUnknownSectionHoldsIsNotListed) {
+  json document = complete_document();
+  document["CFL"] = "large";
+  document["notes"]["by"] = "me";
+  const support::TemporaryFolder folder;
+  const Reader reader(folder.write("data.json", document.dump()));
+  EXPECT_THROW(reader.get_CFL(), utils::DataFileReaderException);
+  const utils::KeyUses uses = reader.key_uses();
+  EXPECT_EQ(uses.read, std::vector<std::string>{"CFL"});
+  ASSERT_EQ(uses.ignored.size(), 1U);
+  EXPECT_EQ(uses.ignored[0].key, "notes");
+  EXPECT_EQ(uses.unused, (std::vector<std::string>{"extensions", "mesh", "model", "name", "output",
+                                                   "t0", "tend"}));
 }
 
 }  // namespace

@@ -4,14 +4,16 @@
 #include <set>
 
 #include "mesh/check/checked_file.hpp"
-#include "mesh/check/known_keys.hpp"
 #include "mesh/check/numbers.hpp"
+#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
 namespace key = utils::key;
+namespace section = utils::section;
+using utils::path_of;
 using utils::TextScanner;
 using Column = std::vector<double>;
 

@@ -5,12 +5,14 @@
 
 #include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
-#include "mesh/check/known_keys.hpp"
+#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
+namespace section = utils::section;
+using utils::path_of;
 using utils::TextScanner;
 
 constexpr int unknown = std::numeric_limits<int>::max();

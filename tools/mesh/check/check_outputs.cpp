@@ -8,8 +8,8 @@
 
 #include "domain/PointLocator.hpp"
 #include "mesh/check/checked_file.hpp"
-#include "mesh/check/known_keys.hpp"
 #include "mesh/check/numbers.hpp"
+#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
@@ -17,6 +17,8 @@ namespace {
 
 namespace fs = std::filesystem;
 namespace key = utils::key;
+namespace section = utils::section;
+using utils::path_of;
 using utils::TextScanner;
 
 struct Point {

@@ -3,15 +3,20 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
-#include "mesh/check/known_keys.hpp"
 #include "mesh/check/numbers.hpp"
+#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
 namespace key = utils::key;
+namespace section = utils::section;
 using nlohmann::json;
+using utils::KeyType;
+using utils::known_keys;
+using utils::KnownKey;
+using utils::path_of;
 using Use = KnownKey::Use;
 
 constexpr char hydrodynamic_model[] = "Quillmere";
@@ -32,6 +37,14 @@ const json* value_at(const json& document, const std::string& path) {
 }
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+
+/// Completes a message about a key nobody knows; empty if none resembles it.
+std::string suggestion_for(const std::string& section, const std::string& name) {
+  const KnownKey* const nearest = utils::nearest_key(section, name);
+  if (nearest == nullptr) return "";
+  return "did you mean " + quoted(nearest->section == section ? nearest->name : nearest->path()) +
+         "?";
+}
 
 /// Compares a document with the table of known keys.
 class KeyCheck {

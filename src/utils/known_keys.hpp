@@ -6,16 +6,16 @@
 
 #include "utils/data_file_keys.hpp"
 
-namespace tools::check {
+namespace utils {
 
 /// Paths of the sections of the data file.
 namespace section {
-inline const std::string mesh = utils::key::mesh;
-inline const std::string model = utils::key::model;
-inline const std::string conditions = model + "/" + utils::key::conditions;
-inline const std::string parameters = model + "/" + utils::key::parameters;
-inline const std::string sources = model + "/" + utils::key::sources;
-inline const std::string output = utils::key::output;
+inline const std::string mesh = key::mesh;
+inline const std::string model = key::model;
+inline const std::string conditions = model + "/" + key::conditions;
+inline const std::string parameters = model + "/" + key::parameters;
+inline const std::string sources = model + "/" + key::sources;
+inline const std::string output = key::output;
 }  // namespace section
 
 /// The path of a key, as messages name it.
@@ -34,7 +34,9 @@ struct KnownKey {
   std::string name;
   KeyType type;
   Use use;
-  std::string other = {};  ///< the other key, for `with_other`
+  /// For `optional`: what takes its place where it does not stand; empty for a key that no run asks
+  /// for. For `with_other`: the other key.
+  std::string other = {};
 
   std::string path() const { return path_of(section, name); }
 };
@@ -42,8 +44,8 @@ struct KnownKey {
 /// Every key, a section before what it holds.
 const std::vector<KnownKey>& known_keys();
 
-/// Completes a message about a key nobody knows: the place where it belongs, or the known key that
-/// is spelt most nearly like it; empty if none resembles it.
-std::string suggestion_for(const std::string& section, const std::string& name);
+/// The known key that a misspelt or misplaced one resembles most, of two alike that of the same
+/// section; null if none resembles it.
+const KnownKey* nearest_key(const std::string& section, const std::string& name);
 
-}  // namespace tools::check
+}  // namespace utils

@@ -1,14 +1,13 @@
-#include "mesh/check/known_keys.hpp"
+#include "utils/known_keys.hpp"
 
 #include <algorithm>
 #include <cctype>
 #include <numeric>
 
-namespace tools::check {
+namespace utils {
 
 namespace {
 
-namespace key = utils::key;
 using Use = KnownKey::Use;
 
 std::string lower_case(std::string text) {
@@ -46,11 +45,12 @@ std::vector<KnownKey> make_known_keys() {
       {"", key::model, KeyType::section, Use::always},
       {section::model, key::model_name, KeyType::text, Use::always},
       {section::model, key::flux_scheme, KeyType::text, Use::always},
-      {section::model, key::zero_depth, KeyType::number, Use::optional},
+      {section::model, key::zero_depth, KeyType::number, Use::optional, "0.0001 m"},
       {section::model, key::conditions, KeyType::section, Use::always},
       {section::conditions, key::initial_conditions, KeyType::text, Use::always},
-      {section::conditions, key::fixed_bed_level, KeyType::text, Use::optional},
-      {section::conditions, key::friction, KeyType::text, Use::optional},
+      {section::conditions, key::fixed_bed_level, KeyType::text, Use::optional,
+       "mean of the nodes of a cell"},
+      {section::conditions, key::friction, KeyType::text, Use::optional, "no friction"},
       {section::conditions, key::sediments_level, KeyType::text, Use::sediments},
       {section::model, key::parameters, KeyType::section, Use::sediments},
       {section::parameters, key::mean_grain, KeyType::number, Use::sediments},
@@ -58,17 +58,17 @@ std::vector<KnownKey> make_known_keys() {
       {section::parameters, key::sediments_friction, KeyType::number, Use::sediments},
       {section::parameters, key::porosity, KeyType::number, Use::sediments},
       {section::model, key::sources, KeyType::section, Use::always},
-      {section::sources, key::rainfall, KeyType::text, Use::optional},
+      {section::sources, key::rainfall, KeyType::text, Use::optional, "no rain"},
       {section::sources, key::hyetocells, KeyType::text, Use::with_other, key::rainfall},
-      {section::sources, key::infiltration, KeyType::text, Use::optional},
+      {section::sources, key::infiltration, KeyType::text, Use::optional, "no infiltration"},
       {section::sources, key::infiltracells, KeyType::text, Use::with_other, key::infiltration},
-      {section::sources, key::initial_infiltration, KeyType::text, Use::optional},
+      {section::sources, key::initial_infiltration, KeyType::text, Use::optional, "0 m"},
       {"", key::output, KeyType::section, Use::always},
       {section::output, key::folder, KeyType::text, Use::always},
       {section::output, key::dt_enveloppe, KeyType::number, Use::always},
-      {section::output, key::pictures, KeyType::text, Use::optional},
-      {section::output, key::gauges, KeyType::text, Use::optional},
-      {section::output, key::discharges, KeyType::text, Use::optional},
+      {section::output, key::pictures, KeyType::text, Use::optional, "no snapshots"},
+      {section::output, key::gauges, KeyType::text, Use::optional, "no gauges"},
+      {section::output, key::discharges, KeyType::text, Use::optional, "no sections"},
   };
 }
 
@@ -79,12 +79,11 @@ const std::vector<KnownKey>& known_keys() {
   return keys;
 }
 
-std::string suggestion_for(const std::string& section, const std::string& name) {
+const KnownKey* nearest_key(const std::string& section, const std::string& name) {
   const KnownKey* nearest = nullptr;
   std::size_t smallest = std::max<std::size_t>(2, name.size() / 3) + 1;
   for (const KnownKey& known : known_keys()) {
-    std::size_t distance = edit_distance(lower_case(name), lower_case(known.name));
-    // Of two alike, the one of the same section.
+    const std::size_t distance = edit_distance(lower_case(name), lower_case(known.name));
     const bool nearer =
         distance < smallest || (distance == smallest && nearest != nullptr &&
                                 nearest->section != section && known.section == section);
@@ -92,9 +91,7 @@ std::string suggestion_for(const std::string& section, const std::string& name) 
     smallest = distance;
     nearest = &known;
   }
-  if (nearest == nullptr) return "";
-  if (nearest->section == section) return "did you mean \"" + nearest->name + "\"?";
-  return "did you mean \"" + nearest->path() + "\"?";
+  return nearest;
 }
 
-}  // namespace tools::check
+}  // namespace utils
