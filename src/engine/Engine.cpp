@@ -257,6 +257,20 @@ StateColumns Engine::states() const {
           cells_.qy.data(), reciprocal_.data(), celerity_.data()};
 }
 
+int Engine::cell_at(int place) const {
+  if (cell_at_place_.empty()) cell_at_place_ = inverse(cell_number_);
+  return cell_at_place_[at(place)];
+}
+
+BoundaryInflow Engine::boundary_inflow(int boundary) const {
+  const int number = boundary_number_[at(boundary)];
+  const int cells_per_patch = patches_.patches.front().cells.size();
+  // A patch that took no part in the step took nothing in; its slots are older.
+  if (marks_[at(boundaries_[at(number)].cell / cells_per_patch)] == 0) return {0.0, 0.0};
+  const std::size_t k = 2 * patches_.cut_edges.left.size() + at(number);
+  return {outer_mass_[k], has_bed_ ? outer_bed_[k] : 0.0};
+}
+
 CellOutput Engine::cell(int model_cell) const {
   const std::size_t k = at(cell_number_[at(model_cell)]);
   const CellTable& c = cells_;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "engine/ThreadTeam.hpp"
 #include "engine/views.hpp"
 #include "physics/edge_frame.hpp"
+#include "physics/flow_extremes.hpp"
 
 namespace engine {
 
@@ -26,6 +28,17 @@ struct CellOutput {
 struct StateColumns {
   std::size_t cells;
   const double *h, *qx, *qy, *reciprocal, *celerity;  ///< see CellColumns
+};
+
+/// What a boundary edge lets in, m3/s of water and of bed.
+struct BoundaryInflow {
+  double water, bed;
+};
+
+/// What no state tells of the books of a cell, since the watch began, m.
+struct UnseenDepths {
+  double recovered;  ///< lost by the soil as it recovered
+  double lifted;     ///< sediment that the limit at the bed rock created
 };
 
 /// Clock of a step: time and span of the run, and the step (s).
@@ -65,6 +78,15 @@ class Engine {
   StateColumns states() const;
   /// Place of every cell of the model in the order of the engine.
   const std::vector<int>& places() const { return cell_number_; }
+  /// The cell of the model at a place.
+  int cell_at(int place) const;
+  /// What passed a boundary, by its number in the input, in the last step.
+  BoundaryInflow boundary_inflow(int boundary) const;
+
+  /// From now on every step takes notes; `before` are those of the present states.
+  void watch(const physics::StepNotes& before);
+  const physics::StepNotes& notes() const { return watch_->notes; }
+  UnseenDepths unseen_depths(int model_cell) const;
   /// Where the last step was not hyperbolic, on the first such edge of the model; asked once, as
   /// the engine looks no further after it has found one.
   std::optional<NotHyperbolic> take_not_hyperbolic();
@@ -90,10 +112,20 @@ class Engine {
   struct Scratch {
     Column mass, momentum_x, momentum_y, bed;
     Column demand;
+    Column infiltrated_before;  ///< of a patch that is watched, before the soil recovers, m
     double smallest_step = 0.0;
     std::optional<NotHyperbolic> not_hyperbolic;
 
     SlotColumns slots();
+  };
+
+  /// What the patches note of a step.
+  struct Watch {
+    physics::StepNotes notes;
+    std::vector<physics::FlowExtremes> extremes;  ///< per patch
+    /// Per patch: the smallest step of its cells where it may be that of all, else unbounded, s.
+    std::vector<double> smallest_steps;
+    Column recovered, lifted;  ///< per cell, m; see UnseenDepths
   };
 
   void number_cells(const std::vector<double>& x, const std::vector<double>& y, int cells_per_patch,
@@ -110,6 +142,15 @@ class Engine {
   void outer_fluxes(int first_patch, int last_patch, Scratch& scratch);
   void advance_patch(int patch, Scratch& scratch);
   void set_demand(int patch, Scratch& scratch);
+  void note_recovery(const Range& cells, const Scratch& scratch);
+  void note_bare_rock(const Range& cells, const SlotColumns& slots);
+  void note_step(double smallest);
+  int limiting_cell(double smallest) const;
+  void note_record(physics::FlowRecord& record, double physics::FlowExtremes::*value);
+  /// The lowest number, in the model, of a cell whose place is meant in a patch that qualifies; -1
+  /// without one.
+  template <class Qualifies, class IsMeant>
+  int first_cell(const Qualifies& qualifies, const IsMeant& is_meant) const;
   template <class Index>
   void find_not_hyperbolic(const EdgeColumns<Index>& edges, const EdgeRange& range,
                            const std::vector<int>& numbers, Scratch& scratch) const;
@@ -147,9 +188,11 @@ class Engine {
   std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
   std::vector<char> has_rain_;
   std::vector<char> marks_;
-  std::vector<int> active_;       ///< patches that a step computes
-  std::vector<int> with_fluxes_;  ///< those whose outer fluxes it computes
-  std::vector<Scratch> scratch_;  ///< one per thread
+  std::vector<int> active_;                 ///< patches that a step computes
+  std::vector<int> with_fluxes_;            ///< those whose outer fluxes it computes
+  std::vector<Scratch> scratch_;            ///< one per thread
+  std::unique_ptr<Watch> watch_;            ///< null: nobody asks for notes
+  mutable std::vector<int> cell_at_place_;  ///< filled when it is asked for first
 };
 
 }  // namespace engine

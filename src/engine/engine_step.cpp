@@ -1,5 +1,6 @@
 // A step over the tables: which patches take part, the fluxes around them, and their update.
 #include <algorithm>
+#include <cmath>
 
 #include "engine/Engine.hpp"
 #include "physics/boundary_discharge.hpp"
@@ -166,6 +167,7 @@ double Engine::advance() {
   for (const Scratch& scratch : scratch_) step = physics::smaller(step, scratch.smallest_step);
   const bool skipped_dry_cells = active_.size() < patches_.patches.size();
   if (skipped_dry_cells) step = physics::smaller(step, dry_step_);
+  if (watch_) note_step(step);
   return physics::stable_step_domain(step, char_length_min_);
 }
 
@@ -196,16 +198,27 @@ void Engine::advance_patch(int number, Scratch& scratch) {
   const bool has_soil = !soils_.empty() && !soils_of_patch_[at(number)].empty();
   if (has_soil) set_demand(number, scratch);
   const bool drinks = has_soil && !has_bed_;  // sediment beds let no water in
+  physics::FlowExtremes* const extremes = watch_ ? &watch_->extremes[at(number)] : nullptr;
+  if (extremes != nullptr) *extremes = {};
   const CellRange range = {patch.cells.begin, patch.cells.end, slots,
-                           drinks ? scratch.demand.data() : nullptr};
-  const Advance after = model_.advance(cells, range, step_, scratch.smallest_step);
-  scratch.smallest_step = after.stable_step;
+                           drinks ? scratch.demand.data() : nullptr, extremes};
+  if (watch_ && has_bed_) note_bare_rock(patch.cells, slots);
+  const double so_far = scratch.smallest_step;
+  // Who takes notes wants to see a step that is just as small as the smallest so far.
+  const double below = watch_ ? std::nextafter(so_far, HUGE_VAL) : so_far;
+  const Advance after = model_.advance(cells, range, step_, below);
+  scratch.smallest_step = physics::smaller(so_far, after.stable_step);
+  if (watch_) watch_->smallest_steps[at(number)] = after.stable_step;
   can_change_[at(number)] = after.all_dry ? 0 : 1;
 }
 
 void Engine::set_demand(int number, Scratch& scratch) {
   const Range cells = patches_.patches[at(number)].cells;
   const CellColumns columns = cell_columns();
+  if (watch_) {
+    std::copy_n(columns.infiltrated + cells.begin, cells.size(),
+                scratch.infiltrated_before.begin());
+  }
   std::fill_n(scratch.demand.begin(), cells.size(), 0.0);
   for (const int s : soils_of_patch_[at(number)]) {
     const SoilRange range = {cells.begin, cells.end, cells_.soil.data(), s, scratch.demand.data()};
@@ -216,6 +229,7 @@ void Engine::set_demand(int number, Scratch& scratch) {
       kernels_.horton(columns, range, soil.horton, soil_steps_[at(s)]);
     }
   }
+  if (watch_) note_recovery(cells, scratch);
 }
 
 template <class Index>

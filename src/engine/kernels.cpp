@@ -300,6 +300,22 @@ double smallest_step(double smallest, const CellColumns& cells, const double* wa
   return smallest;
 }
 
+/// Extremes of the states of the cells [begin, end).
+[[gnu::flatten]] physics::FlowExtremes extremes_of(const CellColumns& given, int begin, int end) {
+  const CellColumns cells = given;  // a copy, which the loop cannot change
+  double fastest = 0.0, most_rapid = 0.0;
+  int not_finite = 0;
+#pragma omp simd reduction(max : fastest, most_rapid) reduction(+ : not_finite)
+  for (int i = begin; i < end; ++i) {
+    const physics::FlowExtremes of_cell = physics::extremes_of_state(
+        cells.h[i], cells.qx[i], cells.qy[i], {cells.reciprocal[i], cells.celerity[i]});
+    fastest = physics::larger(fastest, of_cell.speed_squared);
+    most_rapid = physics::larger(most_rapid, of_cell.speed_squared_per_depth);
+    not_finite += of_cell.not_finite;
+  }
+  return {fastest, most_rapid, not_finite};
+}
+
 template <class Model>
 Advance advance_cells(const CellColumns& cells, const CellRange& range, const StepValues& step,
                       double smallest) {
@@ -310,6 +326,9 @@ Advance advance_cells(const CellColumns& cells, const CellRange& range, const St
     stage(block, cells, first, count);
     Model::block(cells, range, step, first, count, block);
     if (block.new_maxima > 0) store_maxima(cells, block, first, count);
+    if (range.extremes != nullptr) {
+      *range.extremes = physics::united(*range.extremes, extremes_of(cells, first, first + count));
+    }
     smallest = smallest_step(smallest, cells, block.wave_speeds, first, count);
     if (block.dry_cells > 0) smallest = physics::smaller(smallest, step.dry_step);
     active_cells += block.active_cells;

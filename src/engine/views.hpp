@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "physics/bed_load_mpm.hpp"
+#include "physics/flow_extremes.hpp"
 #include "physics/infiltration.hpp"
 
 namespace engine {
@@ -58,11 +59,13 @@ struct EdgeRange {
   SlotColumns left, right;
 };
 
-/// A range of cells; their slots, and what their soils ask for in this step (m; null: nothing).
+/// A range of cells; their slots, what their soils ask for in this step (m; null: nothing), and
+/// where the extremes of their new states go (null: nobody asks).
 struct CellRange {
   int begin, end;
   SlotColumns slots;
   const double* demand;
+  physics::FlowExtremes* extremes;
 };
 
 /// Scalars of a step.

@@ -70,6 +70,9 @@ class ComputationalCell {
   void compute_source();
   /// Stable step before the Courant factor, s; 1e20 when dry.
   double dtMin() const;
+  /// Sum of the first three slots. Intended: the update is that of a triangle; a fourth slot does
+  /// not count.
+  HydraulicVariableSWE flux_balance() const;
 
   FluxSlots fluxes;  ///< one slot per interface, inflow times edge length
   utils::SmallVector<GenericInterface*, 3> interfaces;
@@ -96,9 +99,4 @@ class ComputationalCell {
  private:
   /// Never destroyed: a run may end by exit() while cells and edges live.
   static inline utils::Arena& arena = *new utils::Arena;
-
- protected:
-  /// Sum of the first three slots. Intended: the update is that of a triangle; a fourth slot does
-  /// not count.
-  HydraulicVariableSWE flux_balance() const;
 };

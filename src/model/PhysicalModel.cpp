@@ -5,6 +5,7 @@
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "model/StepWatch.hpp"
 #include "model/engine_bridge.hpp"
 #include "physics/stable_step.hpp"
 #include "utils/stop.hpp"
@@ -52,10 +53,40 @@ double PhysicalModel::advance_one_step() {
     computeFluxes();
   }
   Handoff::wait_for_copies();
-  if (engine) return engine->advance();
+  const double step = engine ? engine->advance() : advance_objects();
+  if (watch) watch->step_is_done(step);
+  return step;
+}
+
+double PhysicalModel::advance_objects() {
+  if (watch) watch->sources_come_next();
   computeSourceTerms();
+  if (watch) watch->balance_comes_next();
   computeFiniteVolumeBalance();
   return dtMin();
+}
+
+void PhysicalModel::watch_steps() { watch = std::make_unique<StepWatch>(*this); }
+
+HydraulicVariableSWE PhysicalModel::state_of(int cell) const {
+  if (!engine) return cells[static_cast<std::size_t>(cell)]->U;
+  const ::engine::CellOutput state = engine->tables().cell(cell);
+  return {state.h, state.qx, state.qy, state.hs, state.qsx, state.qsy};
+}
+
+BoundaryInflow PhysicalModel::boundary_inflow(const GenericInterface& boundary, int number) const {
+  if (engine) {
+    const ::engine::BoundaryInflow inflow = engine->tables().boundary_inflow(number);
+    return {inflow.water, inflow.bed};
+  }
+  const FluxSlots& slots = boundary.cell_left->fluxes;
+  const HydraulicVariableSWE& slot = slots[boundary.local_index_left];
+  return {slot.h, slot.hs};
+}
+
+ExecutionPath PhysicalModel::execution_path() const {
+  if (!engine) return {"objects", 1, "that of the build"};
+  return {"tables", engine->tables().threads(), engine->tables().instruction_set()};
 }
 
 void PhysicalModel::computeFluxes() {

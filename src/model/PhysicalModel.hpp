@@ -14,6 +14,19 @@
 #include "utils/TextScanner.hpp"
 
 class CompiledModel;
+class StepWatch;
+
+/// What enters through a boundary edge, m3/s of water and of bed.
+struct BoundaryInflow {
+  double water = 0.0, bed = 0.0;
+};
+
+/// What the steps run on: the name of the path, its threads, and its instruction set.
+struct ExecutionPath {
+  const char* name;
+  int threads;
+  const char* instruction_set;
+};
 
 /// Snapshot values, a row per cell; written by the snapshot writer alone.
 struct CellValueRows {
@@ -73,6 +86,17 @@ class PhysicalModel {
   void publish();
   void publish(const std::vector<int>& cells);
 
+  /// From now on every step takes notes for a report. To be called before the first one, after
+  /// compile().
+  void watch_steps();
+  const StepWatch& step_watch() const { return *watch; }
+  /// The present state of a cell, published or not.
+  HydraulicVariableSWE state_of(int cell) const;
+  /// What entered through a boundary in the last step; `number` counts the boundaries in the order
+  /// of their edges.
+  BoundaryInflow boundary_inflow(const GenericInterface& boundary, int number) const;
+  ExecutionPath execution_path() const;
+
   void computeFluxes();
   void computeSourceTerms();
 
@@ -92,10 +116,13 @@ class PhysicalModel {
   bool has_infiltration = false;
   std::deque<FrictionTerm> friction_terms;  ///< cells point to them
   std::unique_ptr<CompiledModel> engine;    ///< null: the objects run
+  std::unique_ptr<StepWatch> watch;         ///< null: no step takes notes
 
  protected:
   /// The schedule of a step, the same for every model.
   double advance_one_step();
+  /// Sources, balance and stable step on the objects.
+  double advance_objects();
   /// Attaches a new interface to its cells and gives it the index of its edge.
   void append_interface(std::unique_ptr<GenericInterface> interface, int edge, int left, int right);
   [[noreturn]] static void refuse_boundary_code(int code);

@@ -315,17 +315,6 @@ double CompiledModel::advance() {
   return step;
 }
 
-int CompiledModel::cell_at(int place) const {
-  if (cell_at_place_.empty()) {
-    const std::vector<int>& places = engine_.places();
-    cell_at_place_.resize(places.size());
-    for (std::size_t cell = 0; cell < places.size(); ++cell) {
-      cell_at_place_[static_cast<std::size_t>(places[cell])] = static_cast<int>(cell);
-    }
-  }
-  return cell_at_place_[static_cast<std::size_t>(place)];
-}
-
 void CompiledModel::publish() {
   engine_.read_cells([this](int cell, const engine::CellOutput& state) { store(cell, state); });
 }

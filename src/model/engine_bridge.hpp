@@ -30,8 +30,8 @@ class CompiledModel {
   void publish(const std::vector<int>& cells);
 
   const engine::Engine& tables() const { return engine_; }
-  /// The cell at a place of the tables.
-  int cell_at(int place) const;
+  /// See engine::Engine::watch.
+  void watch(const physics::StepNotes& before) { engine_.watch(before); }
 
  private:
   template <class Interface>
@@ -45,7 +45,6 @@ class CompiledModel {
 
   PhysicalModel& model_;
   engine::Engine engine_;
-  mutable std::vector<int> cell_at_place_;  ///< filled when it is asked for first
   std::vector<SeriesBoundary<HydroBCHydrograph>> hydrographs_;
   std::vector<SeriesBoundary<HydroBCLimnigraph>> limnigraphs_;
 };

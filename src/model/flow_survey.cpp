@@ -7,7 +7,7 @@
 #include "globals/Globals.hpp"
 #include "model/PhysicalModel.hpp"
 #include "model/engine_bridge.hpp"
-#include "physics/pointwise.hpp"
+#include "physics/flow_extremes.hpp"
 
 namespace {
 
@@ -16,35 +16,21 @@ struct State {
   physics::DepthTerms terms;
 };
 
-bool is_finite(const State& state) { return std::isfinite(state.h + state.qx + state.qy); }
+bool is_finite(const State& state) { return physics::is_finite_state(state.h, state.qx, state.qy); }
 
-/// Looks at the states 0 to count - 1, whose numbers are not those of the cells.
+/// Looks at the states 0 to count - 1, in any order.
 template <class StateAt>
 FlowSurvey survey(int count, StateAt state_at) {
   FlowSurvey result;
-  double fastest = 0.0, most_rapid = 0.0;  // squares of speed and Froude number
+  physics::FlowExtremes all;
   for (int i = 0; i < count; ++i) {
     const State state = state_at(i);
-    if (!is_finite(state)) {
-      ++result.not_finite;
-      continue;
-    }
-    result.wet_cells += physics::is_wet(state.h, Constants::ZERO_DEPTH) ? 1 : 0;
-    const double u = state.qx * state.terms.reciprocal;
-    const double v = state.qy * state.terms.reciprocal;
-    const double speed_squared = u * u + v * v;
-    if (speed_squared > fastest) {
-      fastest = speed_squared;
-      result.fastest_cell = i;
-    }
-    const double celerity_squared = state.terms.celerity * state.terms.celerity;
-    if (speed_squared > most_rapid * celerity_squared && celerity_squared > 0.0) {
-      most_rapid = speed_squared / celerity_squared;
-      result.largest_froude_cell = i;
-    }
+    result.wet_cells += is_finite(state) && physics::is_wet(state.h, Constants::ZERO_DEPTH) ? 1 : 0;
+    all =
+        physics::united(all, physics::extremes_of_state(state.h, state.qx, state.qy, state.terms));
   }
-  result.largest_speed = std::sqrt(fastest);
-  result.largest_froude = std::sqrt(most_rapid);
+  result.largest_speed = std::sqrt(all.speed_squared);
+  result.not_finite = all.not_finite;
   return result;
 }
 
@@ -93,9 +79,6 @@ FlowSurvey survey_flow(const PhysicalModel& model) {
                  {columns.reciprocal[place], columns.celerity[place]}};
   };
   FlowSurvey result = survey(static_cast<int>(columns.cells), state);
-  for (int* cell : {&result.fastest_cell, &result.largest_froude_cell}) {
-    if (*cell >= 0) *cell = model.engine->cell_at(*cell);
-  }
   if (result.not_finite > 0) {
     const std::vector<int>& places = model.engine->tables().places();
     result.a_cell_not_finite = cell_in_the_middle(

@@ -7,9 +7,6 @@ class PhysicalModel;
 struct FlowSurvey {
   long wet_cells = 0;
   double largest_speed = 0.0;  ///< m/s
-  int fastest_cell = -1;       ///< -1: nothing moves
-  double largest_froude = 0.0;
-  int largest_froude_cell = -1;
   long not_finite = 0;         ///< cells whose depth or discharge is infinite or not a number
   int a_cell_not_finite = -1;  ///< the one nearest to the middle of them
 };

@@ -23,6 +23,12 @@ struct ExnerCellUpdate {
   double qx_moving, qy_moving;
 };
 
+/// Thickness of the sediment (m) after a step's inflow Fhs (m3/s): below 0 where more was carried
+/// away than there was.
+QM_HD inline double balanced_sediment(double hs, double Fhs, double dt_over_area) {
+  return hs + Fhs * dt_over_area;
+}
+
 /// Balance, sources, and the dry rules, in this order.
 /// Intended: no rule for partly wet cells and no infiltration in this model; momentum sources are
 /// scaled with the depth before rain.
@@ -30,7 +36,7 @@ QM_HD inline ExnerCellUpdate update_exner(const ExnerCell& c, double zero_depth)
   const double h_balance = c.h + c.Fh * c.dt_over_area;
   const double qx_balance = c.qx + c.Fqx * c.dt_over_area;
   const double qy_balance = c.qy + c.Fqy * c.dt_over_area;
-  const double hs_balance = c.hs + c.Fhs * c.dt_over_area;
+  const double hs_balance = balanced_sediment(c.hs, c.Fhs, c.dt_over_area);
 
   const double h = h_balance + c.rain;
   const double qx = qx_balance + momentum_change(c.source_qx, c.dt, h_balance);

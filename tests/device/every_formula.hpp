@@ -14,6 +14,7 @@
 #include "physics/cell_update_exner.hpp"
 #include "physics/cell_update_swe.hpp"
 #include "physics/edge_frame.hpp"
+#include "physics/flow_extremes.hpp"
 #include "physics/flux_clhllc.hpp"
 #include "physics/flux_lhllc.hpp"
 #include "physics/friction_manning.hpp"
@@ -243,6 +244,12 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   add(results, maxima.h);
   add(results, maxima.u);
   add(results, maxima.v);
+
+  const physics::FlowExtremes extremes = physics::united(
+      {},
+      physics::extremes_of_state(swe.h, swe.qx, swe.qy, physics::depth_terms(swe.h, zero_depth)));
+  add(results, extremes.speed_squared);
+  add(results, physics::froude_number(extremes.speed_squared_per_depth));
   const double step = physics::stable_step(swe.h, swe.qx, swe.qy, dt, zero_depth);
   add(results, physics::stable_step_domain(step, dt));
   add(results, physics::stable_step_dry(dt, water.h, zero_depth));

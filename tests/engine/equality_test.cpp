@@ -9,6 +9,7 @@
 #include "interfaces/HydroBCWall.hpp"
 #include "model/CellSWE_Exner.hpp"
 #include "model/SWE_Exner.hpp"
+#include "model/StepWatch.hpp"
 #include "model/engine_bridge.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
@@ -41,6 +42,7 @@ struct Options {
   Water water = Water::everywhere;
   double recovery = 1e-3;  ///< of one of the soils, 1/s
   bool films = true;       ///< on cells without water
+  bool watched = false;    ///< with notes for a report
 };
 
 constexpr int cells_per_patch = 64;  // so that a small mesh has many
@@ -127,6 +129,10 @@ class Equality : public testing::Test {
     const auto tables = build<Model>(options);
     double next = 0.4 * objects->dtMin();
     tables->compile(threads, cells_per_patch);
+    if (options.watched) {
+      objects->watch_steps();
+      tables->watch_steps();
+    }
     if (tables->engine == nullptr) {
       ADD_FAILURE() << "the tables were refused";
       return {};
@@ -145,6 +151,7 @@ class Equality : public testing::Test {
         ADD_FAILURE() << "cell " << i << ", step " << step;
         return work;
       }
+      if (options.watched) expect_same_notes(*objects, *tables, step);
       work.fewest_patches = std::min(work.fewest_patches, engine.active_patches());
       next = 0.4 * of_objects;
       Globals::t += next;
@@ -160,6 +167,35 @@ class Equality : public testing::Test {
            a.dqs_dh == b.dqs_dh && a.param.infiltrated_depth == b.param.infiltrated_depth;
   }
 
+  static void expect_same_notes(const PhysicalModel& objects, const PhysicalModel& tables,
+                                int step) {
+    const physics::StepNotes& a = objects.step_watch().notes();
+    const physics::StepNotes& b = tables.step_watch().notes();
+    EXPECT_EQ(a.limiting_cell, b.limiting_cell) << "step " << step;
+    EXPECT_EQ(a.speed_squared.value, b.speed_squared.value) << "step " << step;
+    EXPECT_EQ(a.speed_squared.cell, b.speed_squared.cell) << "step " << step;
+    EXPECT_EQ(a.speed_squared_per_depth.value, b.speed_squared_per_depth.value);
+    EXPECT_EQ(a.speed_squared_per_depth.cell, b.speed_squared_per_depth.cell);
+    EXPECT_EQ(a.not_finite, b.not_finite);
+    int number = 0;
+    for (std::size_t k = 0; k < objects.interfaces.size(); ++k) {
+      const GenericInterface& edge = *objects.interfaces[k];
+      const ComputationalCell& cell = *objects.cells[static_cast<std::size_t>(edge.cell_left->id)];
+      EXPECT_EQ(objects.state_of(cell.id).h, tables.state_of(cell.id).h);
+      const UnseenDepth of_objects = objects.step_watch().unseen_depth(cell.id);
+      const UnseenDepth of_tables = tables.step_watch().unseen_depth(cell.id);
+      EXPECT_EQ(of_objects.recovered, of_tables.recovered) << "cell " << cell.id;
+      EXPECT_EQ(of_objects.lifted, of_tables.lifted) << "cell " << cell.id;
+      if (edge.cell_right != nullptr) continue;
+      const BoundaryInflow of_edge = objects.boundary_inflow(edge, number);
+      const BoundaryInflow of_number = tables.boundary_inflow(*tables.interfaces[k], number);
+      EXPECT_EQ(of_edge.water, of_number.water) << "edge " << edge.tag << ", step " << step;
+      EXPECT_EQ(of_edge.bed, of_number.bed) << "edge " << edge.tag << ", step " << step;
+      ++number;
+    }
+    EXPECT_GT(number, 0);
+  }
+
   template <class Model>
   void expect_same_for_every_instruction_set() {
     int run = 0;
@@ -172,6 +208,7 @@ class Equality : public testing::Test {
       }
       EXPECT_STREQ(engine::kernels_of_this_machine().name, set);
       expect_same<Model>({}, 2, 80);
+      expect_same<Model>({.watched = true}, 2, 20);
       ++run;
     }
     unsetenv("QUILLMERE_ISA");
@@ -228,6 +265,42 @@ TEST_F(Equality, SoilWithoutAFilmIsSkippedUnlessItRecovers) {
   const Work recovering =
       expect_same<SWE>({true, false, true, Water::in_the_west, 1e-3, false}, 2, 40);
   EXPECT_EQ(recovering.fewest_patches, recovering.patches);
+}
+
+TEST_F(Equality, NotesAreTheSameOnBothPaths) {
+  for (const Water water : {Water::everywhere, Water::in_the_west}) {
+    for (const int threads : {1, 2, 3}) {
+      expect_same<SWE>({.water = water, .watched = true}, threads, 60);
+      expect_same<SWE_Exner>({.water = water, .watched = true}, threads, 60);
+    }
+  }
+}
+
+TEST_F(Equality, NotesOfCellsThatAreAlikeNameTheSameOne) {
+  const support::RunGlobals globals(1e-3);
+  // Still water of one depth: every cell sets the step. Then a symmetric wave.
+  for (const double wave : {0.0, 0.5}) {
+    const auto build = [&] {
+      auto model = support::build_rectangle<SWE>({26, 14, 26.0, 14.0});
+      support::fill(*model,
+                    [&](double x, double) { return x > 6.0 && x < 20.0 ? 1.0 + wave : 1.0; });
+      return model;
+    };
+    const auto objects = build(), tables = build();
+    tables->compile(2, cells_per_patch);
+    objects->watch_steps();
+    tables->watch_steps();
+    const int first = objects->step_watch().notes().limiting_cell;
+    ASSERT_GE(first, 0);
+    EXPECT_EQ(objects->cells[static_cast<std::size_t>(first)]->U.h, 1.0 + wave);
+    double next = 0.4 * objects->dtMin();
+    for (int step = 0; step < 20; ++step) {
+      Globals::dt = next;
+      next = 0.4 * objects->computeFlowStep();
+      tables->computeFlowStep();
+      expect_same_notes(*objects, *tables, step);
+    }
+  }
 }
 
 TEST_F(Equality, HoldsForEveryInstructionSetOfTheMachine) {

@@ -1,0 +1,87 @@
+#include "model/StepWatch.hpp"
+
+#include "globals/Globals.hpp"
+#include "model/PhysicalModel.hpp"
+#include "model/engine_bridge.hpp"
+#include "physics/cell_update_exner.hpp"
+#include "physics/stable_step.hpp"
+
+namespace {
+
+physics::FlowExtremes extremes_of(const ComputationalCell& cell) {
+  const HydraulicVariableSWE& U = cell.U;
+  return physics::extremes_of_state(U.h, U.qx, U.qy,
+                                    physics::depth_terms(U.h, Constants::ZERO_DEPTH));
+}
+
+void note(physics::FlowRecord& record, double value, int cell) {
+  if (value > record.value) record = {value, cell};
+}
+
+}  // namespace
+
+StepWatch::StepWatch(PhysicalModel& model) : model_(model) {
+  note_objects(model.dtMin());
+  if (model.engine) {
+    model.engine->watch(notes_);
+  } else {
+    unseen_.resize(model.cells.size());
+    infiltrated_before_.resize(model.cells.size());
+  }
+}
+
+UnseenDepth StepWatch::unseen_depth(int cell) const {
+  if (!model_.engine) return unseen_[static_cast<std::size_t>(cell)];
+  const engine::UnseenDepths depths = model_.engine->tables().unseen_depths(cell);
+  return {depths.recovered, depths.lifted};
+}
+
+void StepWatch::sources_come_next() {
+  for (std::size_t i = 0; i < unseen_.size(); ++i) {
+    infiltrated_before_[i] = model_.cells[i]->param.infiltrated_depth;
+  }
+}
+
+void StepWatch::balance_comes_next() {
+  for (std::size_t i = 0; i < unseen_.size(); ++i) {
+    const ComputationalCell& cell = *model_.cells[i];
+    unseen_[i].recovered += infiltrated_before_[i] - cell.param.infiltrated_depth;
+    const double hs = physics::balanced_sediment(cell.U.hs, cell.flux_balance().hs,
+                                                 Globals::dt * (1.0 / cell.area));
+    if (hs < 0.0) unseen_[i].lifted -= hs;
+  }
+}
+
+void StepWatch::step_is_done(double stable_step) {
+  if (model_.engine) {
+    notes_ = model_.engine->tables().notes();
+  } else {
+    note_objects(stable_step);
+  }
+}
+
+void StepWatch::note_objects(double stable_step) {
+  physics::FlowExtremes all;
+  for (const auto& cell : model_.cells) {
+    const physics::FlowExtremes of_cell = extremes_of(*cell);
+    note(notes_.speed_squared, of_cell.speed_squared, cell->id);
+    note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell->id);
+    all = physics::united(all, of_cell);
+  }
+  notes_.not_finite = all.not_finite;
+  notes_.limiting_cell = limiting_cell(stable_step);
+}
+
+int StepWatch::limiting_cell(double smallest) const {
+  const double dry_step =
+      physics::stable_step_dry(model_.char_length_min, model_.h0, Constants::ZERO_DEPTH);
+  if (smallest == dry_step) return -1;
+  const int before = notes_.limiting_cell;
+  if (before >= 0 && model_.cells[static_cast<std::size_t>(before)]->dtMin() == smallest) {
+    return before;
+  }
+  for (const auto& cell : model_.cells) {
+    if (cell->dtMin() == smallest) return cell->id;
+  }
+  return -1;
+}

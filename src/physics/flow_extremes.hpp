@@ -1,0 +1,58 @@
+// The most extreme of many states, and how many of them are no numbers.
+#pragma once
+
+#include "physics/pointwise.hpp"
+
+namespace physics {
+
+/// Of a set of states; those that are not finite are only counted.
+struct FlowExtremes {
+  double speed_squared = 0.0;            ///< largest, m2/s2
+  double speed_squared_per_depth = 0.0;  ///< largest, m/s2: the order of Froude numbers
+  int not_finite = 0;
+};
+
+QM_HD inline bool is_finite_state(double h, double qx, double qy) {
+  const double sum = h + qx + qy;
+  return sum - sum == 0.0;
+}
+
+/// Those of one state; a dry one does not move.
+QM_HD inline FlowExtremes extremes_of_state(double h, double qx, double qy,
+                                            const DepthTerms& depth) {
+  const bool finite = is_finite_state(h, qx, qy);
+  const double u = qx * depth.reciprocal;
+  const double v = qy * depth.reciprocal;
+  const double speed_squared = finite ? u * u + v * v : 0.0;
+  return {speed_squared, finite ? speed_squared * depth.reciprocal : 0.0, finite ? 0 : 1};
+}
+
+/// Those of two sets together.
+QM_HD inline FlowExtremes united(const FlowExtremes& a, const FlowExtremes& b) {
+  return {larger(a.speed_squared, b.speed_squared),
+          larger(a.speed_squared_per_depth, b.speed_squared_per_depth),
+          a.not_finite + b.not_finite};
+}
+
+/// Froude number |u| / sqrt(g h) of a state by its squared speed over its depth (m/s2).
+QM_HD inline double froude_number(double speed_squared_per_depth) {
+  return std::sqrt(speed_squared_per_depth / 9.81);
+}
+
+/// The largest value so far, and the cell that had it; of several, the one with the lowest number.
+struct FlowRecord {
+  double value = 0.0;
+  int cell = -1;  ///< -1: no value above 0 yet
+};
+
+/// What a step tells of the flow.
+struct StepNotes {
+  /// The cell whose wave set the stable step; -1 where dry cells did, or nothing. Of several cells
+  /// the one that set the step before, or else the one with the lowest number.
+  int limiting_cell = -1;
+  FlowRecord speed_squared;            ///< m2/s2
+  FlowRecord speed_squared_per_depth;  ///< m/s2
+  int not_finite = 0;                  ///< cells whose state is not finite after the step
+};
+
+}  // namespace physics
