@@ -1,5 +1,6 @@
-// Times a whole run on a generated mesh: bench_run CELLS [KIND]. Prints one row of a table:
-// triangles, set-up time, time of a step per cell, peak memory per cell.
+// Times a whole run on a generated mesh: bench_run CELLS [KIND [report]]. Prints one row of a
+// table: triangles, set-up time, time of a step per cell, peak memory per cell. With "report" the
+// run writes a report.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,10 +12,12 @@
 #include <filesystem>
 #include <iostream>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "channel_case.hpp"
 #include "domain/Domain.hpp"
+#include "report/RunReport.hpp"
 
 namespace {
 
@@ -45,7 +48,8 @@ int main(int argc, char** argv) {
   const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
   const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
   if (wanted < 100 || kind == kinds.end()) {
-    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment], at least 100 cells\n";
+    std::cerr
+        << "usage: bench_run CELLS [wet|dry|shuffled|sediment [report]], at least 100 cells\n";
     return 2;
   }
   // Enough steps for a second or so: a step of this case is about 0.05 s.
@@ -63,7 +67,9 @@ int main(int argc, char** argv) {
   std::cout.setstate(std::ios::failbit);  // the clock would stand in the table
 
   const auto start = Clock::now();
-  Domain domain("data.json");
+  std::optional<RunReport> report;
+  if (argc > 3 && argv[3] == std::string("report")) report.emplace("report.json", "data.json");
+  Domain domain("data.json", {.report = report ? &*report : nullptr});
   const double setup = seconds_since(start);
   const auto start_loop = Clock::now();
   domain.Update();
@@ -73,6 +79,7 @@ int main(int argc, char** argv) {
       static_cast<double>(channel.cells()) * static_cast<double>(domain.number_of_steps());
   std::printf("%12d %8ld %12.3f %18.1f %18.0f\n", channel.cells(), domain.number_of_steps(), setup,
               1e9 * loop / cell_steps, peak_memory_bytes() / channel.cells());
+  if (report) report->write(0, "");
   std::filesystem::current_path("/");
   std::filesystem::remove_all(folder);
   return 0;

@@ -13,11 +13,18 @@
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
+#include "report/PhaseClock.hpp"
 #include "sources/RainTerm.hpp"
 
-/// Who watches a run; null: nobody.
+class RunReport;
+namespace utils {
+class DataFileReader;
+}
+
+/// Who watches a run; null: nobody. A report looks at the model until it is written.
 struct Watchers {
   Progress* progress = nullptr;
+  RunReport* report = nullptr;
 };
 
 class Domain {
@@ -45,8 +52,10 @@ class Domain {
  private:
   // Set-up.
   void read_data_file(const std::string& dataFile);
+  void take_values(const utils::DataFileReader& reader);
   void create_model();
   void read_mesh();
+  void allocate_snapshot();
   void read_nodes(const std::string& name);
   void read_cells(const std::string& name);
   void read_edges(const std::string& name);
@@ -60,15 +69,27 @@ class Domain {
   bool has_sediments() const { return model_name == "Bramsett"; }
 
   // Time loop.
+  void begin_watching();
+  void enter(Phase phase);
   void fire_outputs();
+  void compute_step();
+  void show_progress();
   void end_progress();
   void write_enveloppe();
-  void stop_on_collapsed_step();
-  void report_limiting_cell() const;
   static void report_interruption();
   void stop_if_writer_failed();
   static void printTime(double t, int width, int precision);
   static void eraseTime();
+
+  // Failures.
+  void stop_on_collapsed_step();
+  void stop_on_lost_clock();
+  [[noreturn]] void stop_at_limiting_cell(const std::string& what);
+  void warn_of_lost_states() const;
+  void report_lost_states();
+  void report_failure(const std::string& what, int cell);
+  /// Answers the name of the snapshot; empty if it would replace an input file.
+  std::string write_failure_snapshot();
 
   Watchers watchers_;
   std::string simulation_name;

@@ -68,16 +68,18 @@ void Domain::read_mesh() {
 
   const auto n_cells = static_cast<std::size_t>(model->n_cells);
   umax_buffer.assign(n_cells, 0.0);
-  const bool has_infiltrated_depth = is_infiltration || is_initial_infiltration;
-  const std::size_t hydrodynamic_columns = has_infiltrated_depth ? 4 : 3;
-  if (is_pictures) {
-    model->cell_value_rows.allocate(n_cells, has_sediments() ? 7 : hydrodynamic_columns);
-  }
+  if (is_pictures) allocate_snapshot();
 
   log << "  Reading interfaces in: " << edges_file << '\n';
   read_edges(edges_file);
   log << "   Number of interfaces created: " << model->n_interfaces << '\n';
   utils::print_delimitator(log);
+}
+
+void Domain::allocate_snapshot() {
+  const bool has_infiltrated_depth = is_infiltration || is_initial_infiltration;
+  const std::size_t hydrodynamic_columns = has_infiltrated_depth ? 4 : 3;
+  model->cell_value_rows.allocate(model->cells.size(), has_sediments() ? 7 : hydrodynamic_columns);
 }
 
 void Domain::read_nodes(const std::string& name) {

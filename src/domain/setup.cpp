@@ -7,6 +7,7 @@
 #include "globals/WriterHandoff.hpp"
 #include "model/SWE.hpp"
 #include "model/SWE_Exner.hpp"
+#include "report/RunReport.hpp"
 #include "utils/DataFileReader.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
@@ -50,6 +51,19 @@ Domain::~Domain() { Handoff::join_all(); }
 
 void Domain::read_data_file(const std::string& dataFile) {
   const utils::DataFileReader reader(dataFile);
+  const auto report_keys = [&] {
+    if (watchers_.report != nullptr) watchers_.report->take_keys(reader);
+  };
+  try {
+    take_values(reader);
+  } catch (...) {
+    report_keys();
+    throw;
+  }
+  report_keys();
+}
+
+void Domain::take_values(const utils::DataFileReader& reader) {
   simulation_name = reader.get_simulation_name();
   Globals_Params::tStart = reader.get_start_time();
   Globals_Params::tEnd = reader.get_end_time();

@@ -1,5 +1,4 @@
 // The time loop: outputs, progress, and the steps.
-#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <sstream>
@@ -7,6 +6,7 @@
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "report/RunReport.hpp"
 #include "utils/signals.hpp"
 #include "utils/stop.hpp"
 
@@ -22,36 +22,58 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
   Globals::dt = cfl * model->dtMin();
   utils::listen_for_interruption();
-  Progress* const progress = watchers_.progress;
-  if (progress != nullptr) progress->begin(Globals::t, Globals_Params::tEnd);
+  begin_watching();
   while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
+    enter(Phase::outputs);
     fire_outputs();
+    enter(Phase::steps);
     if (++passes > passes_between_displays) {
       passes = 0;
       eraseTime();
       printTime(Globals::t, 8, 3);
     }
     stop_on_collapsed_step();
-    Globals::dt = cfl * model->computeFlowStep();
-    ++steps;
-    // Intended: the clock advances by the new step, not by the one just applied, and no step is
-    // shortened to meet an output time or the end.
-    Globals::t += Globals::dt;
+    compute_step();
     stop_if_writer_failed();
-    if (progress != nullptr && progress->is_due()) {
-      progress->show(Globals::t, Globals::dt, survey_flow(*model));
-    }
+    show_progress();
   }
+  enter(Phase::outputs);
   end_progress();
   Handoff::join_all();
   stop_if_writer_failed();
   eraseTime();
-  if (std::isnan(Globals::t)) {
-    std::cerr << "Error. The simulated time is not a number any more.\n";
-    report_limiting_cell();
-    utils::stop(-1);
-  }
+  stop_on_lost_clock();
+  warn_of_lost_states();
   if (!is_complete()) report_interruption();
+}
+
+void Domain::compute_step() {
+  const double t = Globals::t, dt = Globals::dt;
+  Globals::dt = cfl * model->computeFlowStep();
+  ++steps;
+  // Intended: the clock advances by the new step, not by the one just applied, and no step is
+  // shortened to meet an output time or the end.
+  Globals::t += Globals::dt;
+  if (watchers_.report == nullptr) return;
+  watchers_.report->add_step(t, dt);
+  report_lost_states();
+}
+
+void Domain::begin_watching() {
+  if (watchers_.report != nullptr) {
+    watchers_.report->begin(*model);
+    report_lost_states();
+  }
+  if (watchers_.progress != nullptr) watchers_.progress->begin(Globals::t, Globals_Params::tEnd);
+}
+
+void Domain::enter(Phase phase) {
+  if (watchers_.report != nullptr) watchers_.report->enter(phase);
+}
+
+void Domain::show_progress() {
+  if (watchers_.progress == nullptr || !watchers_.progress->is_due()) return;
+  watchers_.progress->show(Globals::t, Globals::dt, survey_flow(*model));
 }
 
 void Domain::end_progress() {
@@ -77,29 +99,6 @@ void Domain::fire_outputs() {
   if (picture_due) picture->WriteMeasure(model.get());
   if (section_due) monitor_section->WriteMeasure();
   if (enveloppe_due) write_enveloppe();
-}
-
-void Domain::stop_on_collapsed_step() {
-  const bool clock_stands_still = Globals::t + Globals::dt == Globals::t;
-  if (!(Globals::dt <= dt_threshold || clock_stands_still)) return;
-  end_progress();
-  std::cerr << "dt too small!\n";
-  Globals::spyFile << "Simulation stopped at t = " << Globals::t << " s\n"
-                   << "Too small dt! dt = " << Globals::dt << " s\n";
-  report_limiting_cell();
-  utils::stop(-1);
-}
-
-void Domain::report_limiting_cell() const {
-  model->publish();
-  const ComputationalCell* const cell = model->limiting_cell();
-  if (cell == nullptr) return;
-  const HydraulicVariableSWE& U = cell->UVal();
-  const double velocity = U.h != 0.0 ? std::hypot(U.qx, U.qy) / U.h : 0.0;
-  std::cerr << "Limiting cell: " << cell->id << " (counted from 0), centre ("
-            << std::setprecision(12) << cell->center.x << ", " << cell->center.y << ") m"
-            << std::setprecision(6) << ", depth " << U.h << " m, velocity " << velocity
-            << " m/s, characteristic length " << cell->char_length << " m\n";
 }
 
 void Domain::report_interruption() {

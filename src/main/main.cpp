@@ -1,15 +1,19 @@
 // Start-up of a run.
 #include <algorithm>
+#include <cstdlib>
 #include <ctime>
 #include <iostream>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <string>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
+#include "globals/WriterHandoff.hpp"
 #include "main/credits.hpp"
 #include "main/usage.hpp"
+#include "report/RunReport.hpp"
 #include "utils/DataFileReader.hpp"
 #include "utils/InputParser.hpp"
 #include "utils/files.hpp"
@@ -29,6 +33,24 @@ void parseInputs(utils::InputParser parser) {
   Globals::displayMessage = !parser.cmdOptionExists("-nodisplay");
 }
 
+std::string name_of_report(const utils::InputParser& parser) {
+  const std::string& name = parser.getCmdOption("--report");
+  if (name.empty() || name.starts_with('-')) {
+    throw std::runtime_error("Error. --report needs the name of a file.");
+  }
+  return name;
+}
+
+/// From now on an early end of the run is reported too.
+void report_early_end(RunReport& report) {
+  utils::set_stop_handler([&report](int status, const std::string& message) {
+    utils::set_stop_handler(utils::end_process);
+    utils::close_run(message);
+    report.write(status, message);
+    std::exit(status);
+  });
+}
+
 void print_banner() {
   std::ostream& log = Globals::spyFile;
   utils::print_delimitator(log);
@@ -45,18 +67,18 @@ int whole_seconds(double seconds) {
   return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
-/// Answers the exit status.
-int run(Watchers watchers) {
+/// Answers the exit status. The run stays in its place, for those who watched it.
+int run(std::optional<Domain>& domain, Watchers watchers) {
   Globals::spyFile.open("log.txt");
   if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
   Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
   print_banner();
 
   const utils::DataFileReader data_file(_dataFile);
-  Domain domain(_dataFile, watchers);
+  domain.emplace(_dataFile, watchers);
 
   const std::time_t start = std::time(nullptr);
-  domain.Update();
+  domain->Update();
   const std::time_t end = std::time(nullptr);
   utils::write_and_display(
       Globals::spyFile, "Total execution time: " + std::to_string(static_cast<long>(end - start)) +
@@ -73,6 +95,8 @@ int run(Watchers watchers) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  std::optional<RunReport> report;  // outlives the errors that it tells of, as does the run
+  std::optional<Domain> domain;
   try {
     const utils::InputParser parser(argc, argv);
     if (parser.cmdOptionExists("--help")) {
@@ -84,9 +108,17 @@ int main(int argc, char** argv) {
       return 0;
     }
     parseInputs(parser);
+    if (parser.cmdOptionExists("--report")) {
+      report.emplace(name_of_report(parser), _dataFile);
+      report_early_end(*report);
+    }
     std::optional<Progress> progress;
     if (parser.cmdOptionExists("--progress")) progress.emplace(Progress::on_standard_error());
-    return run({.progress = progress ? &*progress : nullptr});
+    const int status = run(domain, {.progress = progress ? &*progress : nullptr,
+                                    .report = report ? &*report : nullptr});
+    if (!report) return status;
+    report->write(status, "");
+    return Thread::has_failed ? -1 : status;
   } catch (const std::exception& error) {
     utils::fatal(error.what() + std::string("\n"));
   }

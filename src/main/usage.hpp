@@ -6,7 +6,7 @@
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
 inline void print_usage(std::ostream& out) {
-  out << "Usage: quillmere -f DATA_FILE [-nodisplay] [--progress]\n"
+  out << "Usage: quillmere -f DATA_FILE [-nodisplay] [--progress] [--report FILE]\n"
          "\n"
          "Simulates free-surface flow over terrain: one scenario, described by a JSON data file.\n"
          "\n"
@@ -22,6 +22,10 @@ inline void print_usage(std::ostream& out) {
          "  --progress     show on standard error how far the run is: a line rewritten in place on "
          "a\n"
          "                 terminal, a line every 30 s elsewhere\n"
+         "  --report FILE  write a JSON report at the end of the run, however it ends: outcome, "
+         "wall\n"
+         "                 time, books of water and sediment, steps and the cells that set them,\n"
+         "                 largest velocities, keys that were ignored, surroundings of a failure\n"
          "  --help         print this help and exit\n"
          "  --version      print the version and exit\n"
          "\n"

@@ -27,8 +27,9 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"interfaces", {"physics", "model", "globals", "utils"}},
     {"sources", {"physics", "model", "globals", "utils"}},
     {"output", {"model", "interfaces", "globals", "utils"}},
-    {"domain", {"model", "interfaces", "sources", "output", "globals", "utils"}},
-    {"main", {"domain", "globals", "utils"}}};
+    {"report", {"physics", "model", "interfaces", "sources", "globals", "utils"}},
+    {"domain", {"model", "interfaces", "sources", "output", "report", "globals", "utils"}},
+    {"main", {"domain", "report", "globals", "utils"}}};
 
 std::vector<fs::path> files_below(const fs::path& folder) {
   std::vector<fs::path> files;

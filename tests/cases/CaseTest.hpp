@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -83,4 +85,16 @@ inline std::string essence_of_log(const std::string& log) {
     before = line;
   }
   return text;
+}
+
+/// Every file of a folder and below, by name.
+inline std::map<std::string, std::string> files_of(const support::TemporaryFolder& folder) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
+    if (!entry.is_regular_file()) continue;
+    const std::string name = std::filesystem::relative(entry.path(), folder.path()).string();
+    files[name] = folder.read(name);
+  }
+  files["log.txt"] = essence_of_log(files["log.txt"]);
+  return files;
 }

@@ -1,23 +1,10 @@
 #include <cstdlib>
-#include <map>
 
 #include "cases/CaseTest.hpp"
 
 namespace {
 
 using Determinism = CaseTest;
-
-/// Every file of a folder and below, by name.
-std::map<std::string, std::string> files_of(const support::TemporaryFolder& folder) {
-  std::map<std::string, std::string> files;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
-    if (!entry.is_regular_file()) continue;
-    const std::string name = std::filesystem::relative(entry.path(), folder.path()).string();
-    files[name] = folder.read(name);
-  }
-  files["log.txt"] = essence_of_log(files["log.txt"]);
-  return files;
-}
 
 TEST_F(Determinism, TwoRunsOfACaseWriteTheSameBytes) {
   c = support::full_case(12, 9);

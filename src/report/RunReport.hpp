@@ -1,0 +1,79 @@
+// What a run did and how well, as a JSON file: why it ended, where its time went, its books, the
+// cells that set its steps, its largest velocities, and what it made of its data file.
+#pragma once
+
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "model/PhysicalModel.hpp"
+#include "physics/flow_extremes.hpp"
+#include "report/PhaseClock.hpp"
+#include "report/StepHistory.hpp"
+#include "report/VolumeLedger.hpp"
+#include "utils/DataFileReader.hpp"
+
+class RunReport {
+ public:
+  /// Throws std::runtime_error if no file of that name can be made.
+  RunReport(std::string file, std::string data_file);
+
+  void take_keys(const utils::DataFileReader& reader) { key_uses_ = reader.key_uses(); }
+  /// From now on the wall time counts for this phase.
+  void enter(Phase phase) { clock_.enter(phase); }
+  /// The steps of the model begin, which must live until the report is written. The clock stands at
+  /// its start and the first step is set.
+  void begin(PhysicalModel& model);
+  /// A step of dt (s), which began at t (s), has been computed, and the clock moved.
+  void add_step(double t, double dt);
+  /// Whether a state was found not to be a number after the last step, for the first time.
+  bool has_just_lost_a_state() const { return steps_ == lost_at_step_; }
+  bool has_failure() const { return !failure_.is_null(); }
+  /// Describes a failure in a cell, in whose instant a snapshot was written. Only the first one of
+  /// a run is described.
+  void add_failure(const std::string& what, int cell, const std::string& snapshot);
+  /// Writes the file. `status` is the exit status, `message` what was said about an early end.
+  void write(int status, const std::string& message);
+
+ private:
+  using json = nlohmann::ordered_json;
+
+  /// The largest value of the run, and the state that had it.
+  struct Peak {
+    physics::FlowRecord record;
+    double t = 0.0;  ///< s
+    HydraulicVariableSWE state = {};
+  };
+
+  void note_state();
+  void note_peak(Peak& peak, const physics::FlowRecord& record) const;
+  const ComputationalCell& cell(int number) const;
+  json step_json(const StepRecord& step) const;
+  json peak_json(const Peak& peak, const char* name, double value) const;
+  json last_steps() const;
+  json outcome(int status, const std::string& message) const;
+  static json simulated_time();
+  json wall_times() const;
+  json execution() const;
+  json steps() const;
+  json velocity() const;
+  json not_a_number() const;
+  json keys() const;
+  void add_what_the_model_tells(json& report) const;
+
+  std::string file_;
+  std::string data_file_;
+  utils::KeyUses key_uses_;
+  PhaseClock clock_;
+
+  PhysicalModel* model_ = nullptr;  ///< null before the steps
+  std::unique_ptr<VolumeLedger> ledger_;
+  int smallest_cell_ = -1;  ///< of the mesh
+  StepHistory history_;
+  long steps_ = 0;          ///< computed
+  long lost_at_step_ = -1;  ///< after which a state was first found not to be a number
+  double lost_at_t_ = 0.0;  ///< s
+  Peak fastest_, most_rapid_;
+  json failure_;             ///< the first one
+  std::string what_failed_;  ///< last
+};

@@ -1,0 +1,48 @@
+// The steps of a run: how many, the smallest, the cells that set most of them, and the last ones.
+#pragma once
+
+#include <array>
+#include <unordered_map>
+#include <vector>
+
+#include "model/HydraulicVariableSWE.hpp"
+
+/// A step, and the state that set it.
+struct StepRecord {
+  double t = 0.0, dt = 0.0;         ///< of the clock, and the step from there on, s
+  int cell = -1;                    ///< whose wave set it; -1: dry cells did, or nothing
+  HydraulicVariableSWE state = {};  ///< of the cell
+};
+
+class StepHistory {
+ public:
+  static constexpr std::size_t steps_kept = 50;
+  static constexpr std::size_t cells_listed = 10;
+
+  struct CellCount {
+    int cell;
+    long steps;
+  };
+
+  void add(const StepRecord& step);
+
+  /// How many steps were set; the last of them has not been computed.
+  long count() const { return count_; }
+  long set_by_dry_cells() const { return set_by_dry_cells_; }
+  const StepRecord& smallest() const { return smallest_; }
+  double largest() const { return largest_; }  ///< s
+  double newest() const;                       ///< s
+  double mean() const;                         ///< s
+  /// The cells that set most steps, most often first.
+  std::vector<CellCount> most_frequent() const;
+  /// The last steps, the newest at the end.
+  std::vector<StepRecord> last() const;
+
+ private:
+  std::array<StepRecord, steps_kept> last_{};
+  long count_ = 0;
+  long set_by_dry_cells_ = 0;
+  StepRecord smallest_{};
+  double largest_ = 0.0, sum_ = 0.0;      ///< s
+  std::unordered_map<int, long> set_by_;  ///< steps by cell
+};
