@@ -12,8 +12,6 @@ namespace engine {
 
 namespace {
 
-std::size_t at(int i) { return static_cast<std::size_t>(i); }
-
 /// Puts a column in a new order: entry k is the old entry order[k].
 template <class Vector>
 void reorder(Vector& column, const std::vector<int>& order) {

@@ -10,8 +10,6 @@ namespace engine {
 
 namespace {
 
-std::size_t at(int i) { return static_cast<std::size_t>(i); }
-
 enum class Place : std::uint64_t { within, cut, boundary };
 
 /// Builds the parts of Patches one after the other.

@@ -26,4 +26,7 @@ struct CacheLineAllocator {
 template <class Value>
 using AlignedVector = std::vector<Value, CacheLineAllocator<Value>>;
 
+/// Index of an entry.
+inline std::size_t at(int i) { return static_cast<std::size_t>(i); }
+
 }  // namespace engine

@@ -12,12 +12,6 @@
 
 namespace engine {
 
-namespace {
-
-std::size_t at(int i) { return static_cast<std::size_t>(i); }
-
-}  // namespace
-
 void Engine::fluxes(const StepTimes& times) {
   step_.dt = times.dt;
   rain(times);

@@ -8,12 +8,6 @@
 
 namespace engine {
 
-namespace {
-
-std::size_t at(int i) { return static_cast<std::size_t>(i); }
-
-}  // namespace
-
 void Engine::watch(const physics::StepNotes& before) {
   watch_ = std::make_unique<Watch>();
   watch_->notes = before;

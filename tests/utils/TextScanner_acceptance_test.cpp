@@ -12,6 +12,7 @@
 
 #include "support/TemporaryFolder.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/scan.hpp"
 
 namespace {
 
@@ -99,9 +100,6 @@ std::string joined(const std::vector<std::string>& tokens) {
   for (const std::string& token : tokens) text += token + "\n";
   return text;
 }
-
-void read_number_from(const std::string& path) { utils::TextScanner(path).read_number("value"); }
-void read_integer_from(const std::string& path) { utils::TextScanner(path).read_integer("value"); }
 
 TEST(TextScanner, ReadsNumbersAsFormattedExtractionDoes) {
   std::vector<std::string> accepted;

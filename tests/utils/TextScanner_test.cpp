@@ -12,13 +12,11 @@
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "utils/scan.hpp"
 
 namespace {
 
 using testing::ExitedWithCode;
-
-void read_number_from(const std::string& path) { utils::TextScanner(path).read_number("value"); }
-void read_integer_from(const std::string& path) { utils::TextScanner(path).read_integer("value"); }
 
 TEST(TextScanner, TakesAnyWhiteSpaceForASeparator) {
   const support::TemporaryFolder folder;

@@ -12,7 +12,6 @@ namespace {
 
 namespace key = utils::key;
 namespace section = utils::section;
-using nlohmann::json;
 using utils::KeyType;
 using utils::known_keys;
 using utils::KnownKey;
@@ -23,8 +22,8 @@ constexpr char hydrodynamic_model[] = "Quillmere";
 constexpr char sediment_model[] = "Bramsett";
 
 /// The value under a path like "model/conditions"; null if there is none.
-const json* value_at(const json& document, const std::string& path) {
-  const json* value = &document;
+const nlohmann::json* value_at(const nlohmann::json& document, const std::string& path) {
+  const nlohmann::json* value = &document;
   std::size_t begin = 0;
   while (begin < path.size()) {
     const std::size_t end = std::min(path.find('/', begin), path.size());
@@ -49,8 +48,9 @@ std::string suggestion_for(const std::string& section, const std::string& name) 
 /// Compares a document with the table of known keys.
 class KeyCheck {
  public:
-  KeyCheck(const json& document, Findings& findings) : document_(document), findings_(findings) {
-    const json* const name = value_at(document, path_of(section::model, key::model_name));
+  KeyCheck(const nlohmann::json& document, Findings& findings)
+      : document_(document), findings_(findings) {
+    const nlohmann::json* const name = value_at(document, path_of(section::model, key::model_name));
     has_sediments_ = name != nullptr && *name == sediment_model;
   }
 
@@ -64,7 +64,7 @@ class KeyCheck {
   std::optional<T> value(const std::string& section, const std::string& name) const {
     for (const KnownKey& known : known_keys()) {
       if (known.section != section || known.name != name) continue;
-      const json* const found = value_at(document_, known.path());
+      const nlohmann::json* const found = value_at(document_, known.path());
       if (found == nullptr || !is_used(known) || !has_type(*found, known.type)) return {};
       return found->get<T>();
     }
@@ -72,7 +72,7 @@ class KeyCheck {
   }
 
  private:
-  static bool has_type(const json& value, KeyType type) {
+  static bool has_type(const nlohmann::json& value, KeyType type) {
     switch (type) {
       case KeyType::text:
         return value.is_string();
@@ -106,7 +106,7 @@ class KeyCheck {
   }
 
   void check(const KnownKey& known) {
-    const json* const value = value_at(document_, known.path());
+    const nlohmann::json* const value = value_at(document_, known.path());
     if (value == nullptr) {
       // What a missing section would hold is not listed.
       const bool can_stand = value_at(document_, known.section) != nullptr;
@@ -147,7 +147,7 @@ class KeyCheck {
     return text.size() > shown ? text.substr(0, shown) + "..." : text;
   }
 
-  void find_unknown(const json& object, const std::string& section) {
+  void find_unknown(const nlohmann::json& object, const std::string& section) {
     for (const auto& [name, value] : object.items()) {
       const KnownKey* found = nullptr;
       for (const KnownKey& known : known_keys()) {
@@ -164,7 +164,7 @@ class KeyCheck {
     }
   }
 
-  const json& document_;
+  const nlohmann::json& document_;
   Findings& findings_;
   bool has_sediments_ = false;
 };
@@ -237,12 +237,12 @@ bool DataFile::has_sediments() const { return model == sediment_model; }
 
 DataFile read_data_file(const std::string& path, Findings& findings) {
   std::ifstream stream(path, std::ios::binary);
-  json document;
+  nlohmann::json document;
   try {
     stream.peek();
     if (!stream) throw std::ios_base::failure("");
-    document = json::parse(stream);
-  } catch (const json::exception& error) {
+    document = nlohmann::json::parse(stream);
+  } catch (const nlohmann::json::exception& error) {
     findings.error("data file", path + " is not valid JSON: " + error.what());
     return {};
   } catch (const std::ios_base::failure&) {
