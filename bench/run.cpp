@@ -1,6 +1,6 @@
-// Times a whole run on a generated mesh: bench_run CELLS [KIND [report]]. Prints one row of a
-// table: triangles, set-up time, time of a step per cell, peak memory per cell. With "report" the
-// run writes a report.
+// Times a whole run on a generated mesh: bench_run CELLS [KIND [STEPS [report]]]. Prints one row of
+// a table: triangles, steps, set-up time, time of a step per cell, peak memory per cell. STEPS is
+// about their number; without it the run takes a second or so. With "report" it writes a report.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -48,17 +48,18 @@ int main(int argc, char** argv) {
   const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
   const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
   if (wanted < 100 || kind == kinds.end()) {
-    std::cerr
-        << "usage: bench_run CELLS [wet|dry|shuffled|sediment [report]], at least 100 cells\n";
+    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment [STEPS [report]]], at least "
+                 "100 cells\n";
     return 2;
   }
-  // Enough steps for a second or so: a step of this case is about 0.05 s.
-  const double steps_wanted = std::clamp(3e7 / wanted, 50.0, 3000.0);
+  const double steps_wanted =
+      argc > 3 ? std::max(1.0, std::atof(argv[3])) : std::clamp(3e7 / wanted, 50.0, 3000.0);
   const Channel channel = channel_of(wanted);
   const std::string folder = make_folder();
   const pid_t writer = fork();  // so that the peak memory is that of the run
   if (writer == 0) {
-    write_channel_case(channel, kind->second, folder, 0.05 * steps_wanted);
+    constexpr double usual_step = 0.05;  // s
+    write_channel_case(channel, kind->second, folder, usual_step * steps_wanted);
     _exit(0);
   }
   int status = 0;
@@ -68,7 +69,7 @@ int main(int argc, char** argv) {
 
   const auto start = Clock::now();
   std::optional<RunReport> report;
-  if (argc > 3 && argv[3] == std::string("report")) report.emplace("report.json", "data.json");
+  if (argc > 4 && argv[4] == std::string("report")) report.emplace("report.json", "data.json");
   Domain domain("data.json", {.report = report ? &*report : nullptr});
   const double setup = seconds_since(start);
   const auto start_loop = Clock::now();
