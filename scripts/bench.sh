@@ -12,7 +12,7 @@ bin=build/bench/bin
 
 python3 bench/report.py "$bin" "${REPEATS:-3}" "$@"
 
-cells=${*: -1}
+cells=${1:+${*: -1}}
 cells=${cells:-1000000}
 if [ -x "$bin/bench_import" ]; then
   printf '\n%-8s %12s %14s %12s %16s\n.msh     ' import triangles 'file (MB)' 'time (s)' 'peak (MiB)'
