@@ -194,7 +194,8 @@ def draw_map(job, terrain, entry, values, limits):
         beside = make_axes_locatable(axes).append_axes("right", size=0.16, pad=0.15)
         figure.colorbar(paint, cax=beside, label=label)
     else:
-        figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30)
+        figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30,
+                        ticks=MaxNLocator(6))
     draw_scale(axes, east - west)
     return figure
 
