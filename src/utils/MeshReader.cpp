@@ -45,11 +45,16 @@ const std::vector<double>& MeshReader::read_next_node(int n) {
 
 const std::vector<int>& MeshReader::read_next_cell(int n_nodes) {
   begin_next_record();
-  const int k = scanner_.read_count("number of nodes", 1);
-  if (k < 3) scanner_.refuse("number of nodes", "at least 3");
-  cell_nodes_.resize(static_cast<std::size_t>(k));
+  const int k = scanner_.read_integer("number of nodes");
+  if (k != static_cast<int>(cell_nodes_.size())) resize_cell(k);
   for (int& node : cell_nodes_) node = scanner_.read_index("node", n_nodes);
   return cell_nodes_;
+}
+
+void MeshReader::resize_cell(int number_of_nodes) {
+  scanner_.require_count(number_of_nodes, "number of nodes", 1);
+  if (number_of_nodes < 3) scanner_.refuse("number of nodes", "at least 3");
+  cell_nodes_.resize(static_cast<std::size_t>(number_of_nodes));
 }
 
 const EdgeRecord& MeshReader::read_next_edge(int n_nodes, int n_cells) {

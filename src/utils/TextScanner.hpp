@@ -48,10 +48,14 @@ class TextScanner : public Reader {
   /// of the file can hold, so that it is safe to allocate.
   int read_count(const char* field, std::size_t tokens_per_record) {
     const int value = read_integer(field);
+    require_count(value, field, tokens_per_record);
+    return value;
+  }
+  /// The same of the value read last.
+  void require_count(int value, const char* field, std::size_t tokens_per_record) {
     if (value < 0 || value * static_cast<std::ptrdiff_t>(tokens_per_record) > tokens_left()) {
       refuse_count(field, tokens_per_record);
     }
-    return value;
   }
 
   /// Ends the run: the value read last is not what is expected.
