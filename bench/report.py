@@ -5,9 +5,9 @@ import subprocess
 import sys
 
 # Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state and
-# the terms of its depth read and written, bed, maxima, highest vertex, area and roughness read,
-# three slots of 2 bytes, and one and a half edges of 28 bytes. Maxima that change add 24.
-BYTES_PER_STEP = 2 * 5 * 8 + 8 + 3 * 8 + 3 * 8 + 6 + 1.5 * 28
+# the terms of its depth read and written, bed, largest depth, highest vertex, area and roughness
+# read, three slots of 2 bytes, and one and a half edges of 28 bytes. A new largest depth adds 8.
+BYTES_PER_STEP = 2 * 5 * 8 + 5 * 8 + 6 + 1.5 * 28
 
 
 def output_of(command, **settings):

@@ -93,8 +93,7 @@ void Engine::number_cells(const std::vector<double>& x, const std::vector<double
   cell_number_ = inverse(order);
   CellTable& c = cells_;
   for (Column* column :
-       {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.max_u, &c.max_v, &c.bed, &c.max_node, &c.area,
-        &c.char_length, &c.manning, &c.infiltrated, &c.hs, &c.qsx, &c.qsy, &c.dqs_dh, &c.rock}) {
+       {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.bed, &c.max_node, &c.area, &c.char_length, &c.manning, &c.infiltrated, &c.hs, &c.qsx, &c.qsy, &c.dqs_dh, &c.rock}) {
     reorder(*column, order);
   }
   for (AlignedVector<int>* column : {&c.rain, &c.soil, &c.slots[0], &c.slots[1], &c.slots[2]}) {
@@ -196,8 +195,6 @@ CellColumns Engine::cell_columns() {
           .bed = c.bed.data(),
           .eta = data_or_null(c.eta),
           .max_h = c.max_h.data(),
-          .max_u = c.max_u.data(),
-          .max_v = c.max_v.data(),
           .max_node = data_or_null(c.max_node),
           .reciprocal_area = c.area.data(),
           .char_length = c.char_length.data(),
@@ -237,7 +234,7 @@ std::size_t Engine::bytes() const {
   const PatchEdges& e = patches_.edges;
   std::size_t sum = 0;
   const auto add = [&](const auto&... columns) { ((sum += bytes_of(columns)), ...); };
-  add(c.h, c.qx, c.qy, c.eta, c.max_h, c.max_u, c.max_v, c.bed, c.max_node, c.area, c.char_length,
+  add(c.h, c.qx, c.qy, c.eta, c.max_h, c.bed, c.max_node, c.area, c.char_length,
       c.manning, c.infiltrated, c.hs, c.qsx, c.qsy, c.dqs_dh, c.rock, c.rain, c.soil);
   add(reciprocal_, celerity_, shortest_, cell_number_, boundaries_, boundary_number_);
   add(e.left, e.right, e.nx, e.ny, e.length, patches_.edge_number, patches_.cut_edge_number);
@@ -278,8 +275,6 @@ CellOutput Engine::cell(int model_cell) const {
           .qy = c.qy[k],
           .eta = c.eta.empty() ? c.bed[k] + c.h[k] : c.eta[k],
           .max_h = c.max_h[k],
-          .max_u = c.max_u[k],
-          .max_v = c.max_v[k],
           .infiltrated = value(c.infiltrated),
           .bed = c.bed[k],
           .hs = value(c.hs),

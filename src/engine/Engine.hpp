@@ -19,7 +19,7 @@ namespace engine {
 /// State of one cell, for the objects.
 struct CellOutput {
   double h, qx, qy, eta;
-  double max_h, max_u, max_v;
+  double max_h;
   double infiltrated;
   double bed, hs, qsx, qsy, dqs_dh;
 };

@@ -18,7 +18,7 @@ using Column = AlignedVector<double>;
 struct CellTable {
   Column h, qx, qy;             ///< state: m, m2/s
   Column eta;                   ///< free-surface level, m
-  Column max_h, max_u, max_v;   ///< m, m/s
+  Column max_h;                 ///< largest depth so far, m
   Column bed;                   ///< level of the bed under the water, m
   Column max_node;              ///< highest vertex, m
   Column area, char_length;     ///< m2, m

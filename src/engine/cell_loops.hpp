@@ -32,7 +32,7 @@ struct CellBlock {
   static constexpr int size = 256;
   int slots[3][size];
   double wave_speeds[size];  ///< largest ones, m/s; 0: does not bound the step
-  double max_h[size], max_u[size], max_v[size];
+  double max_h[size];
   int dry_cells = 0;     ///< of depth up to the threshold
   int active_cells = 0;  ///< those that may change in a step without inflow
   int new_maxima = 0;
@@ -50,33 +50,25 @@ double balance(const CellBlock& block, int k, const double* slots) {
   return ((0.0 + slots[block.slots[0][k]]) + slots[block.slots[1][k]]) + slots[block.slots[2][k]];
 }
 
-/// Stores what follows from the new depth and discharges of a cell; whether its maxima are new.
+/// Stores what follows from the new depth and discharges of a cell; whether it was never as deep.
 bool finish_cell(const CellColumns& cells, CellBlock& block, int i, int k, double h, double qx,
-                 double qy, double qx_moving, double qy_moving, double zero_depth) {
+                 double qy, double zero_depth) {
   const DepthTerms depth = physics::depth_terms(h, zero_depth);
-  const physics::Maxima before = {cells.max_h[i], cells.max_u[i], cells.max_v[i]};
-  const physics::Maxima after =
-      physics::updated_maxima(before, h, depth, qx_moving, qy_moving, zero_depth);
+  const double max_h = physics::larger(cells.max_h[i], h);
   cells.h[i] = h;
   cells.qx[i] = qx;
   cells.qy[i] = qy;
   cells.reciprocal[i] = depth.reciprocal;
   cells.celerity[i] = depth.celerity;
-  block.max_h[k] = after.h;
-  block.max_u[k] = after.u;
-  block.max_v[k] = after.v;
+  block.max_h[k] = max_h;
   block.wave_speeds[k] = physics::is_wet(h, zero_depth) ? physics::wave_speed(depth, qx, qy) : 0.0;
-  return after.h != before.h || after.u != before.u || after.v != before.v;
+  return max_h != cells.max_h[i];
 }
 
-/// Maxima rarely change once a flood has passed: they are written where one of a block does.
+/// Largest depths rarely change once a flood has passed: they are written where one of a block does.
 void store_maxima(const CellColumns& cells, const CellBlock& block, int first, int count) {
 #pragma omp simd
-  for (int k = 0; k < count; ++k) {
-    cells.max_h[first + k] = block.max_h[k];
-    cells.max_u[first + k] = block.max_u[k];
-    cells.max_v[first + k] = block.max_v[k];
-  }
+  for (int k = 0; k < count; ++k) cells.max_h[first + k] = block.max_h[k];
 }
 
 template <bool friction, bool rain, bool soil>
@@ -105,10 +97,7 @@ struct AdvanceWater {
                                .bed_rock_level = cells.bed[i],
                                .max_node_level = cells.max_node[i]},
                               step.zero_depth);
-      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, after.qx,
-                                after.qy, step.zero_depth)
-                        ? 1
-                        : 0;
+      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, step.zero_depth) ? 1 : 0;
       if constexpr (soil) cells.infiltrated[i] = after.infiltrated_depth;
       dry_cells += after.h <= step.zero_depth ? 1 : 0;
       // A soil drinks even a film.
@@ -146,10 +135,7 @@ struct AdvanceWaterAndBed {
                                  .source_qx = source.qx,
                                  .source_qy = source.qy},
                                 step.zero_depth);
-      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, after.qx_moving,
-                                after.qy_moving, step.zero_depth)
-                        ? 1
-                        : 0;
+      new_maxima += finish_cell(cells, result, i, k, after.h, after.qx, after.qy, step.zero_depth) ? 1 : 0;
       const physics::BedLoad load = physics::bed_load_of_cell(
           {after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy}, cells.reciprocal[i],
           friction ? cells.manning[i] : 0.0, step.grains, step.zero_depth);

@@ -23,7 +23,7 @@ struct CellColumns {
   double *reciprocal, *celerity;    ///< terms of the depth: 1/m, m/s
   double* bed;                      ///< level of the bed under the water, m
   const double* eta;                ///< free-surface level before the first step, m; else null
-  double *max_h, *max_u, *max_v;    ///< m, m/s
+  double* max_h;                    ///< largest depth so far, m
   const double* max_node;           ///< highest vertex, m
   const double* reciprocal_area;    ///< 1/m2
   const double* char_length;        ///< m

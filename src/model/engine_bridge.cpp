@@ -188,8 +188,6 @@ void add_cell(engine::CellTable& cells, const ComputationalCell& cell) {
   cells.qy.push_back(cell.U.qy);
   cells.eta.push_back(cell.free_surface_level);
   cells.max_h.push_back(cell.max_values.h);
-  cells.max_u.push_back(cell.max_values.qx);
-  cells.max_v.push_back(cell.max_values.qy);
   cells.bed.push_back(cell.bed_rock_level);
   cells.max_node.push_back(cell.max_node_level);
   cells.area.push_back(cell.area);
@@ -211,8 +209,7 @@ void reserve(engine::ModelInput& input, std::size_t cells, std::size_t edges) {
   engine::CellTable& c = input.cells;
   input.x.reserve(cells);
   input.y.reserve(cells);
-  for (engine::Column* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.max_u, &c.max_v, &c.bed,
-                                 &c.area, &c.char_length, &c.manning, &c.infiltrated}) {
+  for (engine::Column* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.bed, &c.area, &c.char_length, &c.manning, &c.infiltrated}) {
     column->reserve(cells);
   }
   for (auto* column : {&c.rain, &c.soil, &c.slots[0], &c.slots[1], &c.slots[2]}) {
@@ -327,7 +324,7 @@ void CompiledModel::store(int cell, const engine::CellOutput& state) {
   ComputationalCell& object = *model_.cells[static_cast<std::size_t>(cell)];
   object.U.set_values(state.h, state.qx, state.qy);
   object.free_surface_level = state.eta;
-  object.max_values.set_values(state.max_h, state.max_u, state.max_v);
+  object.max_values.h = state.max_h;  // no output knows the fastest velocity: the tables keep none
   if (engine_.has_soil()) object.param.infiltrated_depth = state.infiltrated;
   if (!engine_.has_bed()) return;
   object.bed_level = state.bed;

@@ -162,7 +162,7 @@ class Equality : public testing::Test {
 
   static bool same_bits(const ComputationalCell& a, const ComputationalCell& b) {
     return std::memcmp(&a.U, &b.U, sizeof a.U) == 0 &&
-           std::memcmp(&a.max_values, &b.max_values, sizeof a.max_values) == 0 &&
+           std::memcmp(&a.max_values.h, &b.max_values.h, sizeof a.max_values.h) == 0 &&
            a.free_surface_level == b.free_surface_level && a.bed_level == b.bed_level &&
            a.dqs_dh == b.dqs_dh && a.param.infiltrated_depth == b.param.infiltrated_depth;
   }
