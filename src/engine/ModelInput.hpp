@@ -4,13 +4,12 @@
 #include <vector>
 
 #include "engine/aligned_vector.hpp"
+#include "kernels/boundary.hpp"
 #include "physics/bed_load_mpm.hpp"
 #include "physics/infiltration.hpp"
 #include "physics/rain.hpp"
 
 namespace engine {
-
-enum class BoundaryKind { wall, transmissive, discharge, water_level };
 
 using Column = AlignedVector<double>;
 
@@ -40,7 +39,7 @@ struct EdgeTable {
 /// What an edge imposes on the cell at its left.
 struct BoundaryInput {
   int edge;
-  BoundaryKind kind;
+  kernels::BoundaryKind kind;
   double imposed;      ///< unit discharge (m2/s) or depth (m)
   double imposed_bed;  ///< bed load along the outward normal (m2/s)
 };

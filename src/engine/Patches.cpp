@@ -10,6 +10,8 @@ namespace engine {
 
 namespace {
 
+using kernels::Local;
+
 enum class Place : std::uint64_t { within, cut, boundary };
 
 /// Builds the parts of Patches one after the other.

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "engine/ModelInput.hpp"
-#include "engine/views.hpp"
+#include "kernels/columns.hpp"
 
 namespace engine {
 
@@ -40,7 +40,7 @@ struct Patch {
 
 /// Edges between cells of one patch; the numbers of the cells count from the first of the patch.
 struct PatchEdges {
-  AlignedVector<Local> left, right;
+  AlignedVector<kernels::Local> left, right;
   Column nx, ny, length;
 };
 
@@ -54,7 +54,7 @@ struct Patches {
   EdgeTable cut_edges;
   std::vector<int> edge_number, cut_edge_number;  ///< of the edges in the input
   std::vector<int> boundary_number;               ///< of the boundaries
-  AlignedVector<Local> slots[3];                  ///< of the cells, in the scratch of their patch
+  AlignedVector<kernels::Local> slots[3];         ///< of the cells, in the scratch of their patch
 };
 
 /// Cuts the cells, whose order is final, into patches of a number of cells, which is a multiple of

@@ -26,6 +26,12 @@ struct CacheLineAllocator {
 template <class Value>
 using AlignedVector = std::vector<Value, CacheLineAllocator<Value>>;
 
+/// Memory of columns, bytes.
+template <class... Columns>
+std::size_t bytes_of(const Columns&... columns) {
+  return ((columns.capacity() * sizeof(typename Columns::value_type)) + ... + std::size_t{0});
+}
+
 /// Index of an entry.
 inline std::size_t at(int i) { return static_cast<std::size_t>(i); }
 

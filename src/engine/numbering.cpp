@@ -38,6 +38,14 @@ double extent(Points first, Points last, const double* coordinate) {
 
 }  // namespace
 
+std::vector<int> inverse(const std::vector<int>& order) {
+  std::vector<int> number(order.size());
+  for (std::size_t k = 0; k < order.size(); ++k) {
+    number[static_cast<std::size_t>(order[k])] = static_cast<int>(k);
+  }
+  return number;
+}
+
 std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys) {
   std::vector<std::pair<std::uint64_t, int>> pairs;
   pairs.reserve(keys.size());

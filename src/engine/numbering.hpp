@@ -17,6 +17,9 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
                                      int run);
 
+/// Where each entry of a permutation has gone.
+std::vector<int> inverse(const std::vector<int>& order);
+
 /// Permutation that sorts keys: entry k is the index of the k-th smallest; equal keys keep their
 /// order.
 std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys);

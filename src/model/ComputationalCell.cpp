@@ -5,6 +5,7 @@
 
 #include "globals/Globals.hpp"
 #include "interfaces/GenericInterface.hpp"
+#include "physics/cell_update.hpp"
 #include "physics/stable_step.hpp"
 #include "sources/SourceTerm.hpp"
 
@@ -109,8 +110,14 @@ double ComputationalCell::dtMin() const {
 }
 
 HydraulicVariableSWE ComputationalCell::flux_balance() const {
+  const auto slot = [&](std::size_t k) {
+    return k < fluxes.size() ? fluxes[k] : HydraulicVariableSWE();
+  };
+  const HydraulicVariableSWE a = slot(0), b = slot(1), c = slot(2);
   HydraulicVariableSWE sum;
-  const std::size_t counted = std::min<std::size_t>(fluxes.size(), 3);
-  for (std::size_t k = 0; k < counted; ++k) sum += fluxes[k];
+  sum.h = physics::sum_of_slots(a.h, b.h, c.h);
+  sum.qx = physics::sum_of_slots(a.qx, b.qx, c.qx);
+  sum.qy = physics::sum_of_slots(a.qy, b.qy, c.qy);
+  sum.hs = physics::sum_of_slots(a.hs, b.hs, c.hs);
   return sum;
 }

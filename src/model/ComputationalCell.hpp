@@ -70,8 +70,7 @@ class ComputationalCell {
   void compute_source();
   /// Stable step before the Courant factor, s; 1e20 when dry.
   double dtMin() const;
-  /// Sum of the first three slots. Intended: the update is that of a triangle; a fourth slot does
-  /// not count.
+  /// Sum of the first three slots.
   HydraulicVariableSWE flux_balance() const;
 
   FluxSlots fluxes;  ///< one slot per interface, inflow times edge length

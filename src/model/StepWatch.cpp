@@ -75,13 +75,14 @@ void StepWatch::note_objects(double stable_step) {
 int StepWatch::limiting_cell(double smallest) const {
   const double dry_step =
       physics::stable_step_dry(model_.char_length_min, model_.h0, Constants::ZERO_DEPTH);
-  if (smallest == dry_step) return -1;
-  const int before = notes_.limiting_cell;
-  if (before >= 0 && model_.cells[static_cast<std::size_t>(before)]->dtMin() == smallest) {
-    return before;
-  }
-  for (const auto& cell : model_.cells) {
-    if (cell->dtMin() == smallest) return cell->id;
-  }
-  return -1;
+  const auto sets_step = [&](int cell) {
+    return model_.cells[static_cast<std::size_t>(cell)]->dtMin() == smallest;
+  };
+  const auto first = [&] {
+    for (int cell = 0; cell < model_.n_cells; ++cell) {
+      if (sets_step(cell)) return cell;
+    }
+    return -1;
+  };
+  return physics::limiting_cell(smallest, dry_step, notes_.limiting_cell, sets_step, first);
 }

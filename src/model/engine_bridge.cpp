@@ -31,7 +31,7 @@
 
 namespace {
 
-using engine::BoundaryKind;
+using kernels::BoundaryKind;
 
 /// The object as exactly this class, and not as one derived from it.
 template <class Class, class Base>
@@ -307,7 +307,7 @@ void CompiledModel::fluxes() {
 double CompiledModel::advance() {
   const double step = engine_.advance();
   if (const auto place = engine_.take_not_hyperbolic()) {
-    warn_not_hyperbolic(place->cell, place->h, place->qx, place->qy);
+    warn_not_hyperbolic(engine_.cell_at(place->place), place->h, place->qx, place->qy);
   }
   return step;
 }

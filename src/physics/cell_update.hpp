@@ -5,6 +5,12 @@
 
 namespace physics {
 
+/// Inflow of a cell from its first three slots, in their order: 0.0 for one that it lacks.
+/// Intended: the update is that of a triangle; a fourth slot does not count.
+QM_HD inline double sum_of_slots(double first, double second, double third) {
+  return ((0.0 + first) + second) + third;
+}
+
 /// Momentum source per unit of g h dt, turned into a change of unit discharge (m2/s).
 QM_HD inline double momentum_change(double source, double dt, double h) {
   return source * ((dt * 9.81) * h);

@@ -28,6 +28,16 @@ QM_HD inline double stable_step_dry(double char_length_min, double h0, double ze
   return was_wet ? char_length_min / (2.0 * std::sqrt(9.81 * h0)) : unbounded_step;
 }
 
+/// The cell whose wave set the smallest step (s) of a domain; -1 where dry cells did, or nothing. Of
+/// several cells it is the one that set the step before (-1: none), or else the first:
+/// sets_step(cell) tells whether a cell has that step, first() finds the lowest number that does.
+template <class SetsStep, class First>
+QM_HD inline int limiting_cell(double smallest, double dry_step, int before,
+                               const SetsStep& sets_step, const First& first) {
+  if (smallest == dry_step || smallest == unbounded_step) return -1;
+  return before >= 0 && sets_step(before) ? before : first();
+}
+
 /// Step (s) of a domain from the smallest one of its cells, of which none may bound it.
 QM_HD inline double stable_step_domain(double smallest, double char_length_min) {
   return smallest == unbounded_step ? char_length_min / 10.0 : smallest;

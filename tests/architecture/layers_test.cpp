@@ -20,7 +20,8 @@ const fs::path source = fs::path(QUILLMERE_SOURCE_DIR) / "src";
 /// What each folder may include, itself left out.
 const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"physics", {}},
-    {"engine", {"physics"}},
+    {"kernels", {"physics"}},
+    {"engine", {"kernels", "physics"}},
     {"globals", {}},
     {"utils", {"globals"}},
     {"model", {"physics", "interfaces", "sources", "globals", "utils", "engine"}},

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <random>
 
+#include "engine/host/loops.hpp"
 #include "interfaces/HydroBCWall.hpp"
 #include "model/CellSWE_Exner.hpp"
 #include "model/SWE_Exner.hpp"
@@ -202,11 +203,11 @@ class Equality : public testing::Test {
     for (const char* set : {"baseline", "avx2", "avx512"}) {
       setenv("QUILLMERE_ISA", set, 1);
       try {
-        engine::kernels_of_this_machine();
+        engine::loops_of_this_machine();
       } catch (const std::runtime_error&) {
         continue;  // this machine does not have it
       }
-      EXPECT_STREQ(engine::kernels_of_this_machine().name, set);
+      EXPECT_STREQ(engine::loops_of_this_machine().instruction_set, set);
       expect_same<Model>({}, 2, 80);
       expect_same<Model>({.watched = true}, 2, 20);
       ++run;
@@ -328,7 +329,7 @@ TEST_F(Equality, TheTablesTakeAtMost250BytesPerCell) {
 
 TEST_F(Equality, AnUnknownInstructionSetIsRefused) {
   setenv("QUILLMERE_ISA", "abacus", 1);
-  EXPECT_THROW(engine::kernels_of_this_machine(), std::runtime_error);
+  EXPECT_THROW(engine::loops_of_this_machine(), std::runtime_error);
   unsetenv("QUILLMERE_ISA");
 }
 

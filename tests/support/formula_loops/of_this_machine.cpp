@@ -1,4 +1,4 @@
-#include "engine/instruction_sets.hpp"
+#include "engine/host/instruction_sets.hpp"
 #include "support/formula_loops/formula_loops.hpp"
 
 namespace formula_loops {

@@ -3,40 +3,40 @@
 #include <stdexcept>
 #include <string>
 
-#include "engine/instruction_sets.hpp"
-#include "engine/views.hpp"
+#include "engine/host/instruction_sets.hpp"
+#include "engine/host/loops.hpp"
 
 namespace engine {
 
-extern const Kernels kernels_baseline;
+extern const Loops loops_baseline;
 #ifdef QUILLMERE_X86_LOOPS
-extern const Kernels kernels_avx2;
-extern const Kernels kernels_avx512;
+extern const Loops loops_avx2;
+extern const Loops loops_avx512;
 #endif
 
 namespace {
 
 struct Choice {
-  const Kernels* kernels;
+  const Loops* loops;
   bool is_supported;
 };
 
 #ifdef QUILLMERE_X86_LOOPS
 /// Best first.
 const Choice choices[] = {
-    {&kernels_avx512, has_avx512()}, {&kernels_avx2, has_avx2()}, {&kernels_baseline, true}};
+    {&loops_avx512, has_avx512()}, {&loops_avx2, has_avx2()}, {&loops_baseline, true}};
 #else
-const Choice choices[] = {{&kernels_baseline, true}};
+const Choice choices[] = {{&loops_baseline, true}};
 #endif
 
 }  // namespace
 
-const Kernels& kernels_of_this_machine() {
+const Loops& loops_of_this_machine() {
   const char* const wanted = std::getenv("QUILLMERE_ISA");
   for (const Choice& choice : choices) {
     if (!choice.is_supported) continue;
-    if (wanted == nullptr || std::strcmp(wanted, choice.kernels->name) == 0) {
-      return *choice.kernels;
+    if (wanted == nullptr || std::strcmp(wanted, choice.loops->instruction_set) == 0) {
+      return *choice.loops;
     }
   }
   throw std::runtime_error("Error. QUILLMERE_ISA is \"" + std::string(wanted) +

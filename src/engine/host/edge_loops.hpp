@@ -1,33 +1,17 @@
 // The loops over edges: fluxes into the slots of both sides, block by block.
 #pragma once
 
-#include "engine/views.hpp"
-#include "physics/flux_clhllc.hpp"
-#include "physics/flux_lhllc.hpp"
-#include "physics/pointwise.hpp"
+#include "engine/host/loops.hpp"
+#include "kernels/edge.hpp"
 
-// Names are internal to each build of kernels.cpp, so that no build runs the instructions of
-// another.
+// Names are internal to each build of loops.cpp, so that no build runs the instructions of another.
 namespace engine {
 namespace {
 
-using physics::CellSediment;
-using physics::EdgeSide;
-
-/// A cell in the frame of an edge. After a step the free surface is bed and depth; before the first
-/// one it is as the run gives it.
-template <bool eta_given>
-EdgeSide side_of(const CellColumns& cells, int i, const physics::Edge& edge, double zero_depth) {
-  const double h = cells.h[i];
-  const double bed = cells.bed[i];
-  return physics::to_edge_frame(
-      {h, cells.qx[i], cells.qy[i], bed, eta_given ? cells.eta[i] : bed + h},
-      {cells.reciprocal[i], cells.celerity[i]}, edge, zero_depth);
-}
-
-CellSediment sediment_of(const CellColumns& cells, int i) {
-  return {cells.hs[i], cells.qsx[i], cells.qsy[i], cells.dqs_dh[i]};
-}
+using kernels::CellColumns;
+using kernels::EdgeColumns;
+using kernels::SlotColumns;
+using kernels::StepValues;
 
 /// Cells of a block of edges, in a type that gathers can use. Blocks stay in the first cache.
 struct EdgeBlock {
@@ -56,15 +40,8 @@ struct FluxesOfWater {
     for (int k = 0; k < count; ++k) {
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-      const EdgeSide L = side_of<eta_given>(cells, block.left[k], edge, step.zero_depth);
-      const EdgeSide R = side_of<eta_given>(cells, block.right[k], edge, step.zero_depth);
-      const physics::SlotPair slots = physics::flux_lhllc(L, R, edge);
-      left.mass[k] = slots.left.h;
-      left.momentum_x[k] = slots.left.qx;
-      left.momentum_y[k] = slots.left.qy;
-      right.mass[k] = slots.right.h;
-      right.momentum_x[k] = slots.right.qx;
-      right.momentum_y[k] = slots.right.qy;
+      kernels::flux_of_water<eta_given>(cells, block.left[k], block.right[k], edge, step, left,
+                                        right, k);
     }
     return 0.0;
   }
@@ -81,22 +58,12 @@ struct FluxesOfWaterAndBed {
 #pragma omp simd reduction(min : least_radicand)
     for (int k = 0; k < count; ++k) {
       const int e = first + k;
-      const int l = block.left[k], r = block.right[k];
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-      const physics::CoupledSlotPair slots = physics::flux_clhllc(
-          side_of<eta_given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
-          side_of<eta_given>(cells, r, edge, step.zero_depth), sediment_of(cells, r), edge,
-          step.porosity, step.zero_depth);
-      left.mass[k] = slots.left.water.h;
-      left.momentum_x[k] = slots.left.water.qx;
-      left.momentum_y[k] = slots.left.water.qy;
-      left.bed[k] = slots.left.hs;
-      right.mass[k] = slots.right.water.h;
-      right.momentum_x[k] = slots.right.water.qx;
-      right.momentum_y[k] = slots.right.water.qy;
-      right.bed[k] = slots.right.hs;
-      least_radicand = physics::smaller(least_radicand, slots.left_radicand);
-      least_radicand = physics::smaller(least_radicand, slots.right_radicand);
+      const kernels::Radicands radicands = kernels::flux_of_water_and_bed<eta_given>(
+          cells, block.left[k], block.right[k], edge, step, left, right, k);
+      // One after the other: GCC 12 does not vectorise a minimum of a minimum.
+      least_radicand = physics::smaller(least_radicand, radicands.left);
+      least_radicand = physics::smaller(least_radicand, radicands.right);
     }
     return least_radicand;
   }

@@ -1,8 +1,10 @@
 // The loops of a step, built once per instruction set: QUILLMERE_ISA_NAME names the table of
 // functions that this build provides. The formulas are those of physics/, with the same bits.
-#include "engine/cell_loops.hpp"
-#include "engine/edge_loops.hpp"
-#include "engine/soil_loops.hpp"
+#include "engine/host/loops.hpp"
+
+#include "engine/host/cell_loops.hpp"
+#include "engine/host/edge_loops.hpp"
+#include "engine/host/soil_loops.hpp"
 
 namespace engine {
 
@@ -11,11 +13,13 @@ namespace engine {
 #define QUILLMERE_JOIN_(a, b) a##b
 #define QUILLMERE_JOIN(a, b) QUILLMERE_JOIN_(a, b)
 
-extern const Kernels QUILLMERE_JOIN(kernels_, QUILLMERE_ISA_NAME);
-const Kernels QUILLMERE_JOIN(kernels_, QUILLMERE_ISA_NAME) = {
-    .name = QUILLMERE_NAME_TEXT(QUILLMERE_ISA_NAME),
-    .green_ampt = green_ampt,
-    .horton = horton,
+using kernels::Local;
+
+extern const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME);
+const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME) = {
+    .instruction_set = QUILLMERE_NAME_TEXT(QUILLMERE_ISA_NAME),
+    .green_ampt = demand<physics::GreenAmptSoil>,
+    .horton = demand<physics::HortonSoil>,
     .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},
     .water_and_bed = {fluxes<FluxesOfWaterAndBed, Local>, fluxes<FluxesOfWaterAndBed, int>,
                       advance<AdvanceWaterAndBed>}};

@@ -1,0 +1,37 @@
+// Which patches take part in a step.
+#pragma once
+
+#include <vector>
+
+#include "engine/Tables.hpp"
+
+namespace engine {
+
+/// A patch takes part where one of its own cells may change, or where water stands at its border.
+/// Elsewhere all fluxes are exactly zero and the step would leave every cell as it is.
+class Activity {
+ public:
+  explicit Activity(const Tables& tables);
+
+  /// Finds the patches of the next step.
+  void find(const Tables& tables, bool it_rains);
+  /// Patches that the step computes, in ascending order.
+  const std::vector<int>& patches() const { return active_; }
+  /// Patches whose outer fluxes the step computes: those around every patch that takes part.
+  const std::vector<int>& with_fluxes() const { return with_fluxes_; }
+  bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
+
+  /// After its step: whether a patch may change in the next one without inflow.
+  void set_can_change(int patch, bool can_change) { can_change_[at(patch)] = can_change; }
+
+ private:
+  bool touches_mark(const Tables& tables, const Patch& patch) const;
+
+  std::vector<char> can_change_;     ///< per patch, by the state of its own cells
+  std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
+  std::vector<char> has_rain_;
+  std::vector<char> marks_;
+  std::vector<int> active_, with_fluxes_;
+};
+
+}  // namespace engine

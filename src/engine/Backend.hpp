@@ -1,0 +1,40 @@
+// What runs the parts of a step over the tables: the host's loops, or a device.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "engine/Activity.hpp"
+#include "engine/Forcing.hpp"
+#include "engine/StepNotes.hpp"
+
+namespace engine {
+
+/// Where the coupled system of water and bed was found not to be hyperbolic.
+struct NotHyperbolic {
+  int edge;   ///< of the model
+  int place;  ///< of the cell
+  double h, qx, qy;
+};
+
+class Backend {
+ public:
+  virtual ~Backend() = default;
+
+  /// Fluxes over the cut edges and boundaries of patches, in ascending order.
+  virtual void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) = 0;
+  /// The rest of the step of patches: the fluxes within them, sources, balance and dry rules. Tells
+  /// `activity` which of them may change again, and `notes` (null: nobody asks) what is to be
+  /// noted. The smallest stable step of their cells, s; unbounded without patches.
+  virtual double advance(const std::vector<int>& patches, const kernels::StepValues& step,
+                         const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
+                         StepNotes* notes) = 0;
+  /// Where this step was not hyperbolic, on the first such edge of the model. From the first time
+  /// on it looks no further.
+  virtual std::optional<NotHyperbolic> take_not_hyperbolic() = 0;
+
+  virtual int threads() const = 0;
+  virtual const char* instruction_set() const = 0;
+};
+
+}  // namespace engine

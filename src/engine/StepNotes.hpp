@@ -1,0 +1,48 @@
+// What the patches note of a step for a report, while their cells are in cache.
+#pragma once
+
+#include <vector>
+
+#include "engine/Tables.hpp"
+#include "physics/flow_extremes.hpp"
+
+namespace engine {
+
+/// What becomes of the water and the bed of a cell without showing in its state, summed since the
+/// notes began, m.
+struct UnseenDepths {
+  double recovered;  ///< lost by the soil as it recovered
+  double lifted;     ///< sediment that the limit at the bed rock created
+};
+
+class StepNotes {
+ public:
+  /// `before` are the notes of the present states.
+  StepNotes(const Tables& tables, const physics::StepNotes& before);
+
+  // What a backend writes while it computes a patch.
+  std::vector<physics::FlowExtremes> extremes;  ///< per patch
+  /// Per patch: the smallest step of its cells where it may be that of all, else unbounded, s.
+  std::vector<double> smallest_steps;
+  Column recovered, lifted;  ///< per cell, see UnseenDepths; empty without soils, or sediments
+
+  /// Sums up a step that computed these patches and found this smallest step (s).
+  void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step);
+  const physics::StepNotes& of_last_step() const { return notes_; }
+  UnseenDepths unseen_depths(int place) const;
+
+ private:
+  int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest) const;
+  void note_record(const Tables& tables, const std::vector<int>& patches,
+                   physics::FlowRecord& record, double physics::FlowExtremes::*value) const;
+  /// The lowest number, in the model, of a cell whose place is meant in a patch that qualifies; -1
+  /// without one.
+  template <class Qualifies, class IsMeant>
+  int first_cell(const Tables& tables, const std::vector<int>& patches, const Qualifies& qualifies,
+                 const IsMeant& is_meant) const;
+
+  physics::StepNotes notes_;
+  std::vector<int> cell_at_place_;
+};
+
+}  // namespace engine

@@ -1,0 +1,205 @@
+#include "engine/host/HostBackend.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "kernels/cell.hpp"
+
+namespace engine {
+
+namespace {
+
+/// End of the run of consecutive patches that starts at entry k of a list: their cut edges and
+/// boundaries lie one behind the other.
+int end_of_run(const std::vector<int>& patches, int k, int end) {
+  const int first = patches[at(k)] - k;
+  while (k < end && patches[at(k)] - k == first) ++k;
+  return k;
+}
+
+}  // namespace
+
+HostBackend::HostBackend(Tables& tables, ThreadTeam& team)
+    : tables_(tables),
+      team_(team),
+      loops_(loops_of_this_machine()),
+      model_(tables.has_bed ? loops_.water_and_bed : loops_.water),
+      watches_hyperbolicity_(tables.has_bed),
+      scratch_(at(team.size())) {
+  std::size_t slots = 0, cells = 0;
+  for (const Patch& patch : tables.patches.patches) {
+    slots = std::max(slots, at(patch.empty_slot()) + 1);
+    cells = std::max(cells, at(patch.cells.size()));
+  }
+  for (Scratch& scratch : scratch_) {
+    scratch.slots.assign(slots, tables.has_bed);
+    if (tables.soils.empty()) continue;
+    scratch.demand.assign(cells, 0.0);
+    scratch.infiltrated_before.assign(cells, 0.0);
+  }
+}
+
+void HostBackend::outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) {
+  team_.run([&](int member) {
+    Scratch& scratch = scratch_[at(member)];
+    scratch.not_hyperbolic.reset();
+    const Range share = share_of(member, team_.size(), patches.size());
+    for (int k = share.begin; k < share.end;) {
+      const int end = end_of_run(patches, k, share.end);
+      outer_fluxes(patches[at(k)], patches[at(end - 1)], step, scratch);
+      k = end;
+    }
+  });
+}
+
+void HostBackend::outer_fluxes(int first_patch, int last_patch, const kernels::StepValues& step,
+                               Scratch& scratch) {
+  const Patch& first = tables_.patches.patches[at(first_patch)];
+  const Patch& last = tables_.patches.patches[at(last_patch)];
+  const kernels::CellColumns cells = tables_.columns();
+  const kernels::SlotColumns slots = tables_.outer.columns();
+  const Range cut = {first.cut_edges.begin, last.cut_edges.end};
+  const EdgeRange range = {cut.begin, cut.end, 0, slots.from(cut.begin),
+                           slots.from(tables_.cut_edges() + cut.begin)};
+  const kernels::EdgeColumns<int> edges = tables_.cut_edge_columns();
+  if (!model_.fluxes(cells, edges, range, step)) {
+    find_not_hyperbolic(edges, range, tables_.patches.cut_edge_number, step, scratch);
+  }
+  for (int b = first.boundaries.begin; b < last.boundaries.end; ++b) {
+    kernels::flux_of_boundary(cells, tables_.boundaries[at(b)], step, slots,
+                              tables_.first_boundary_slot() + b);
+  }
+}
+
+double HostBackend::advance(const std::vector<int>& patches, const kernels::StepValues& values,
+                            const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
+                            StepNotes* notes) {
+  const Step step = {values, soil_steps, activity, notes};
+  team_.run([&](int member) {
+    Scratch& scratch = scratch_[at(member)];
+    scratch.smallest_step = physics::unbounded_step;
+    const Range share = share_of(member, team_.size(), patches.size());
+    for (int k = share.begin; k < share.end; ++k) advance_patch(patches[at(k)], step, scratch);
+  });
+  double smallest = physics::unbounded_step;
+  for (const Scratch& scratch : scratch_) {
+    smallest = physics::smaller(smallest, scratch.smallest_step);
+  }
+  return smallest;
+}
+
+void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
+  const Patch& patch = tables_.patches.patches[at(number)];
+  fluxes_within(patch, step.values, scratch);
+  take_outer_slots(patch, scratch);
+
+  const bool has_soil =
+      !tables_.soils_of_patch.empty() && !tables_.soils_of_patch[at(number)].empty();
+  if (has_soil) set_demand(number, step, scratch);
+  const bool takes_water = has_soil && !tables_.has_bed;  // sediment beds let no water in
+  physics::FlowExtremes* const extremes =
+      step.notes != nullptr ? &step.notes->extremes[at(number)] : nullptr;
+  if (extremes != nullptr) *extremes = {};
+  if (step.notes != nullptr && tables_.has_bed) note_bare_rock(patch, step, scratch);
+  const CellRange range = {patch.cells.begin,
+                           patch.cells.end,
+                           tables_.shortest.data() + patch.cells.begin / cells_of_shortest,
+                           scratch.slots.columns(),
+                           takes_water ? scratch.demand.data() : nullptr,
+                           extremes};
+  const double so_far = scratch.smallest_step;
+  // Who takes notes wants to see a step that is just as small as the smallest so far.
+  const double below = step.notes != nullptr ? std::nextafter(so_far, HUGE_VAL) : so_far;
+  const Advance after = model_.advance(tables_.columns(), range, step.values, below);
+  scratch.smallest_step = physics::smaller(so_far, after.stable_step);
+  if (step.notes != nullptr) step.notes->smallest_steps[at(number)] = after.stable_step;
+  step.activity.set_can_change(number, !after.all_rest);
+}
+
+void HostBackend::fluxes_within(const Patch& patch, const kernels::StepValues& step,
+                                Scratch& scratch) {
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  const kernels::EdgeColumns<kernels::Local> edges = tables_.patch_edges();
+  const EdgeRange range = {patch.edges.begin, patch.edges.end, patch.cells.begin, slots,
+                           slots.from(patch.right_slots())};
+  if (!model_.patch_fluxes(tables_.columns(), edges, range, step)) {
+    find_not_hyperbolic(edges, range, tables_.patches.edge_number, step, scratch);
+  }
+}
+
+void HostBackend::take_outer_slots(const Patch& patch, Scratch& scratch) const {
+  const Slots& outer = tables_.outer;
+  const kernels::SlotColumns taken = scratch.slots.columns().from(patch.outer_slots_begin());
+  const int count = patch.outer_slots.size();
+  for (int k = 0; k < count; ++k) {
+    const std::size_t slot = at(tables_.patches.outer_slots[at(patch.outer_slots.begin + k)]);
+    taken.mass[k] = outer.mass[slot];
+    taken.momentum_x[k] = outer.momentum_x[slot];
+    taken.momentum_y[k] = outer.momentum_y[slot];
+    if (tables_.has_bed) taken.bed[k] = outer.bed[slot];
+  }
+  kernels::fill_slot(taken, count, {0.0, 0.0, 0.0});  // the slot that never carries anything
+  if (tables_.has_bed) taken.bed[count] = 0.0;
+}
+
+void HostBackend::set_demand(int number, const Step& step, Scratch& scratch) {
+  const Range cells = tables_.patches.patches[at(number)].cells;
+  const kernels::CellColumns columns = tables_.columns();
+  const double* const infiltrated = columns.infiltrated + cells.begin;
+  if (step.notes != nullptr) {
+    std::copy_n(infiltrated, cells.size(), scratch.infiltrated_before.begin());
+  }
+  std::fill_n(scratch.demand.begin(), cells.size(), 0.0);
+  for (const int s : tables_.soils_of_patch[at(number)]) {
+    const SoilRange range = {cells.begin, cells.end, s, scratch.demand.data()};
+    const Soil& soil = tables_.soils[at(s)];
+    if (soil.is_green_ampt) {
+      loops_.green_ampt(columns, range, soil.green_ampt, step.soil_steps[at(s)]);
+    } else {
+      loops_.horton(columns, range, soil.horton, step.soil_steps[at(s)]);
+    }
+  }
+  if (step.notes == nullptr) return;
+  double* const recovered = step.notes->recovered.data() + cells.begin;
+  for (int k = 0; k < cells.size(); ++k) {
+    recovered[k] += scratch.infiltrated_before[at(k)] - infiltrated[k];
+  }
+}
+
+void HostBackend::note_bare_rock(const Patch& patch, const Step& step, Scratch& scratch) {
+  const kernels::CellColumns cells = tables_.columns();
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  for (int i = patch.cells.begin; i < patch.cells.end; ++i) {
+    const kernels::CellSlots of_cell = {cells.slots[0][i], cells.slots[1][i], cells.slots[2][i]};
+    step.notes->lifted[at(i)] += kernels::lifted_sediment(cells, i, of_cell, slots, step.values);
+  }
+}
+
+template <class Index>
+void HostBackend::find_not_hyperbolic(const kernels::EdgeColumns<Index>& edges,
+                                      const EdgeRange& range, const std::vector<int>& numbers,
+                                      const kernels::StepValues& step, Scratch& scratch) const {
+  if (!watches_hyperbolicity_) return;
+  const kernels::CellColumns cells = tables_.columns();
+  for (int e = range.begin; e < range.end; ++e) {
+    if (scratch.not_hyperbolic && scratch.not_hyperbolic->edge < numbers[at(e)]) continue;
+    const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
+    for (const int i : {range.first_cell + edges.right[e], range.first_cell + edges.left[e]}) {
+      if (kernels::is_hyperbolic(cells, i, edge, step)) continue;
+      scratch.not_hyperbolic = {numbers[at(e)], i, cells.h[i], cells.qx[i], cells.qy[i]};
+    }
+  }
+}
+
+std::optional<NotHyperbolic> HostBackend::take_not_hyperbolic() {
+  std::optional<NotHyperbolic> first;
+  for (const Scratch& scratch : scratch_) {
+    if (scratch.not_hyperbolic && (!first || scratch.not_hyperbolic->edge < first->edge)) {
+      first = scratch.not_hyperbolic;
+    }
+  }
+  if (first) watches_hyperbolicity_ = false;
+  return first;
+}
+
+}  // namespace engine

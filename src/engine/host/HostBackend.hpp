@@ -1,0 +1,61 @@
+// The parts of a step on the host: loops of the best instruction set, on a team of threads.
+#pragma once
+
+#include "engine/Backend.hpp"
+#include "engine/ThreadTeam.hpp"
+#include "engine/host/loops.hpp"
+
+namespace engine {
+
+class HostBackend : public Backend {
+ public:
+  /// Works on the tables, which must outlive it.
+  HostBackend(Tables& tables, ThreadTeam& team);
+
+  void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) override;
+  double advance(const std::vector<int>& patches, const kernels::StepValues& step,
+                 const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
+                 StepNotes* notes) override;
+  std::optional<NotHyperbolic> take_not_hyperbolic() override;
+
+  int threads() const override { return team_.size(); }
+  const char* instruction_set() const override { return loops_.instruction_set; }
+
+ private:
+  /// What a thread needs for one patch at a time.
+  struct Scratch {
+    Slots slots;
+    Column demand;              ///< of the soils, m
+    Column infiltrated_before;  ///< of a patch that is watched, before its soil recovers, m
+    double smallest_step = 0.0;
+    std::optional<NotHyperbolic> not_hyperbolic;
+  };
+  /// What the patches of a step have in common.
+  struct Step {
+    const kernels::StepValues& values;
+    const std::vector<physics::SoilStep>& soil_steps;
+    Activity& activity;
+    StepNotes* notes;
+  };
+
+  void outer_fluxes(int first_patch, int last_patch, const kernels::StepValues& step,
+                    Scratch& scratch);
+  void advance_patch(int patch, const Step& step, Scratch& scratch);
+  void fluxes_within(const Patch& patch, const kernels::StepValues& step, Scratch& scratch);
+  void take_outer_slots(const Patch& patch, Scratch& scratch) const;
+  void set_demand(int patch, const Step& step, Scratch& scratch);
+  void note_bare_rock(const Patch& patch, const Step& step, Scratch& scratch);
+  template <class Index>
+  void find_not_hyperbolic(const kernels::EdgeColumns<Index>& edges, const EdgeRange& range,
+                           const std::vector<int>& numbers, const kernels::StepValues& step,
+                           Scratch& scratch) const;
+
+  Tables& tables_;
+  ThreadTeam& team_;
+  const Loops& loops_;
+  const ModelLoops& model_;
+  bool watches_hyperbolicity_;
+  std::vector<Scratch> scratch_;  ///< one per thread
+};
+
+}  // namespace engine

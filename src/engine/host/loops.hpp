@@ -1,0 +1,69 @@
+// The loops over the tables, as the host runs them: a table of functions for every instruction set.
+#pragma once
+
+#include "engine/runs.hpp"
+#include "kernels/columns.hpp"
+#include "physics/flow_extremes.hpp"
+#include "physics/infiltration.hpp"
+
+namespace engine {
+
+/// A range of edges, and the slots that they fill: edge e the slots e - begin of both sides.
+struct EdgeRange {
+  int begin, end;
+  int first_cell;  ///< what cell 0 of the edges is among all cells
+  kernels::SlotColumns left, right;
+};
+
+/// A range of cells; their slots, what their soils ask for in this step (m; null: nothing), and
+/// where the extremes of their new states go (null: nobody asks).
+struct CellRange {
+  int begin, end;
+  const double* shortest;  ///< of every run of cells_of_shortest cells, from the first one on, m
+  kernels::SlotColumns slots;
+  const double* demand;
+  physics::FlowExtremes* extremes;
+};
+
+/// The cells of a patch that have a soil.
+struct SoilRange {
+  int begin, end;
+  int soil;        ///< number of the soil in question
+  double* demand;  ///< of the cells of the range, m
+};
+
+/// The smallest stable step so far (s), and whether none of the cells that it was asked of can
+/// change in a step without inflow.
+struct Advance {
+  double stable_step;
+  bool all_rest;
+};
+
+/// The loops of a model over edges and cells.
+struct ModelLoops {
+  /// Fluxes of a range of edges; false if the coupled system is not hyperbolic somewhere.
+  bool (*patch_fluxes)(const kernels::CellColumns&, const kernels::EdgeColumns<kernels::Local>&,
+                       const EdgeRange&, const kernels::StepValues&);
+  bool (*fluxes)(const kernels::CellColumns&, const kernels::EdgeColumns<int>&, const EdgeRange&,
+                 const kernels::StepValues&);
+  /// Sources, balance, dry rules, largest depths and stable step of a range of cells.
+  Advance (*advance)(const kernels::CellColumns&, const CellRange&, const kernels::StepValues&,
+                     double smallest_step);
+};
+
+struct Loops {
+  const char* instruction_set;
+  /// Demand of one soil, and the infiltrated depth after its recovery, where the cells have it.
+  void (*green_ampt)(const kernels::CellColumns&, const SoilRange&, const physics::GreenAmptSoil&,
+                     const physics::SoilStep&);
+  void (*horton)(const kernels::CellColumns&, const SoilRange&, const physics::HortonSoil&,
+                 const physics::SoilStep&);
+  ModelLoops water;          ///< of the hydrodynamic model
+  ModelLoops water_and_bed;  ///< of the model with sediments
+};
+
+/// Loops for the best instruction set of the machine, or the one that QUILLMERE_ISA names
+/// (baseline, avx2, avx512). Throws std::runtime_error for a set that the machine lacks.
+const Loops& loops_of_this_machine();
+
+}  // namespace engine

@@ -1,0 +1,60 @@
+// What the bodies of a step see of the tables: plain columns, one entry per cell, edge or slot. The
+// bodies are built once per instruction set, and for a device, so nothing here may have inline
+// functions of the standard library.
+#pragma once
+
+#include <cstdint>
+
+#include "physics/bed_load_mpm.hpp"
+
+namespace kernels {
+
+/// Number of a cell within its patch, or of a slot within the scratch of a patch.
+using Local = std::uint16_t;
+
+/// Cells, in the engine's own order. Columns that a run does not need are null.
+struct CellColumns {
+  double *h, *qx, *qy;              ///< state: m, m2/s
+  double *reciprocal, *celerity;    ///< terms of the depth: 1/m, m/s
+  double* bed;                      ///< level of the bed under the water, m
+  const double* eta;                ///< free-surface level before the first step, m; else null
+  double* max_h;                    ///< largest depth so far, m
+  const double* max_node;           ///< highest vertex, m
+  const double* reciprocal_area;    ///< 1/m2
+  const double* char_length;        ///< m
+  const double* manning;            ///< s/m^(1/3)
+  double* infiltrated;              ///< m
+  const int* rain;                  ///< number of the cell's hyetogram, 0: none
+  const int* soil;                  ///< number of the cell's soil, -1: none
+  double *hs, *qsx, *qsy, *dqs_dh;  ///< sediment: m, m2/s, m/s
+  const double* rock;               ///< level of the bed under the sediment, m
+  const Local* slots[3];            ///< first three slots of the cell in the scratch of its patch
+};
+
+/// Edges with a cell on either side; cells are numbered within their patch, or among all cells.
+template <class Index>
+struct EdgeColumns {
+  const Index *left, *right;
+  const double *nx, *ny, *length;
+};
+
+/// Flux slots as their cells receive them: m3/s, m4/s2, and m3/s of bed (null without sediments).
+struct SlotColumns {
+  double *mass, *momentum_x, *momentum_y, *bed;
+
+  SlotColumns from(int k) const {
+    return {mass + k, momentum_x + k, momentum_y + k, bed != nullptr ? bed + k : nullptr};
+  }
+};
+
+/// Scalars of a step.
+struct StepValues {
+  double dt;                  ///< s
+  double zero_depth;          ///< m
+  double dry_step;            ///< what a dry cell contributes to the stable step, s
+  double porosity;            ///< of the bed
+  physics::Grains grains;     ///< of the bed
+  const double* rain_depths;  ///< of the step, by number of hyetogram, m; null: it does not rain
+};
+
+}  // namespace kernels

@@ -1,0 +1,77 @@
+// The body of an edge between two cells: its flux, into a slot of each.
+#pragma once
+
+#include "kernels/columns.hpp"
+#include "physics/flux_clhllc.hpp"
+#include "physics/flux_lhllc.hpp"
+#include "physics/pointwise.hpp"
+
+namespace kernels {
+
+/// A cell in the frame of an edge. After a step the free surface is bed and depth; before the first
+/// one it is as the run gives it.
+template <bool eta_given>
+QM_HD inline physics::EdgeSide side_of(const CellColumns& cells, int i, const physics::Edge& edge,
+                                       double zero_depth) {
+  const double h = cells.h[i];
+  const double bed = cells.bed[i];
+  return physics::to_edge_frame(
+      {h, cells.qx[i], cells.qy[i], bed, eta_given ? cells.eta[i] : bed + h},
+      {cells.reciprocal[i], cells.celerity[i]}, edge, zero_depth);
+}
+
+QM_HD inline physics::CellSediment sediment_of(const CellColumns& cells, int i) {
+  return {cells.hs[i], cells.qsx[i], cells.qsy[i], cells.dqs_dh[i]};
+}
+
+QM_HD inline void fill_slot(const SlotColumns& slots, int k, const physics::WaterSlot& slot) {
+  slots.mass[k] = slot.h;
+  slots.momentum_x[k] = slot.qx;
+  slots.momentum_y[k] = slot.qy;
+}
+
+/// Water between the cells l and r, into slot k of both sides.
+template <bool eta_given>
+QM_HD inline void flux_of_water(const CellColumns& cells, int l, int r, const physics::Edge& edge,
+                                const StepValues& step, const SlotColumns& left,
+                                const SlotColumns& right, int k) {
+  const physics::SlotPair slots =
+      physics::flux_lhllc(side_of<eta_given>(cells, l, edge, step.zero_depth),
+                          side_of<eta_given>(cells, r, edge, step.zero_depth), edge);
+  fill_slot(left, k, slots.left);
+  fill_slot(right, k, slots.right);
+}
+
+/// Radicands of the bed wave on both sides of an edge: the coupled system is not hyperbolic where
+/// one is negative.
+struct Radicands {
+  double left, right;
+};
+
+/// Water and bed between the cells l and r, into slot k of both sides.
+template <bool eta_given>
+QM_HD inline Radicands flux_of_water_and_bed(const CellColumns& cells, int l, int r,
+                                             const physics::Edge& edge, const StepValues& step,
+                                             const SlotColumns& left, const SlotColumns& right,
+                                             int k) {
+  const physics::CoupledSlotPair slots = physics::flux_clhllc(
+      side_of<eta_given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
+      side_of<eta_given>(cells, r, edge, step.zero_depth), sediment_of(cells, r), edge,
+      step.porosity, step.zero_depth);
+  fill_slot(left, k, slots.left.water);
+  fill_slot(right, k, slots.right.water);
+  left.bed[k] = slots.left.hs;
+  right.bed[k] = slots.right.hs;
+  return {slots.left_radicand, slots.right_radicand};
+}
+
+/// Whether the coupled system of water and bed is hyperbolic in a cell, seen from an edge.
+QM_HD inline bool is_hyperbolic(const CellColumns& cells, int i, const physics::Edge& edge,
+                                const StepValues& step) {
+  const physics::EdgeSide side = side_of<false>(cells, i, edge, step.zero_depth);
+  const physics::CoupledSpeeds speeds =
+      physics::coupled_speeds(side, cells.dqs_dh[i], step.porosity, step.zero_depth);
+  return !(speeds.radicand < 0.0);
+}
+
+}  // namespace kernels
