@@ -1,6 +1,7 @@
 // A model as the engine receives it: columns in the order of the objects.
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "engine/aligned_vector.hpp"
@@ -29,6 +30,9 @@ struct CellTable {
   AlignedVector<int> soil;      ///< number of the cell's soil, -1: none
   AlignedVector<int> slots[3];  ///< 2 edge + (0 left, 1 right); -1: none
 };
+
+/// So many edges have sides that an int numbers, as 2 edge + side.
+inline constexpr std::size_t most_edges = (std::size_t{1} << 30) - 1;
 
 /// The columns of the edges.
 struct EdgeTable {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
+#include <string>
 
 #include "engine/numbering.hpp"
 
@@ -202,11 +204,11 @@ Patches make_patches(const EdgeTable& edges, const AlignedVector<int> (&slots)[3
                      int cells_per_patch) {
   const int cells = static_cast<int>(slots[0].size());
   Patches patches = Builder(edges, cells, cells_per_patch).build(slots);
+  if (slots_fit(patches)) return patches;
   // Cells of very many sides: smaller patches until their slots can be numbered.
-  if (!slots_fit(patches) && cells_per_patch > 64) {
-    return make_patches(edges, slots, cells_per_patch / 128 * 64);
-  }
-  return patches;
+  if (cells_per_patch > 64) return make_patches(edges, slots, cells_per_patch / 128 * 64);
+  throw std::length_error("Error. The edges of " + std::to_string(cells_per_patch) +
+                          " cells are more than the tables can number.");
 }
 
 }  // namespace engine

@@ -58,7 +58,8 @@ struct Patches {
 };
 
 /// Cuts the cells, whose order is final, into patches of a number of cells, which is a multiple of
-/// 64. `edges` and `slots` name cells in that order, and edges in theirs.
+/// 64. `edges` and `slots` name cells in that order, and edges in theirs. Throws std::length_error
+/// where a few cells have more edges than Local can number.
 Patches make_patches(const EdgeTable& edges, const AlignedVector<int> (&slots)[3],
                      int cells_per_patch);
 

@@ -52,8 +52,7 @@ struct Tables {
 };
 
 /// Takes the columns of a model over and puts them in the order of the tables, in patches that suit
-/// a number of threads. Throws std::length_error for more cells or edges than the tables can
-/// number.
+/// a number of threads. Throws std::length_error as make_patches does.
 Tables make_tables(ModelInput&& input, int threads);
 
 }  // namespace engine

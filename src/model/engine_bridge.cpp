@@ -209,7 +209,8 @@ void reserve(engine::ModelInput& input, std::size_t cells, std::size_t edges) {
   engine::CellTable& c = input.cells;
   input.x.reserve(cells);
   input.y.reserve(cells);
-  for (engine::Column* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.bed, &c.area, &c.char_length, &c.manning, &c.infiltrated}) {
+  for (engine::Column* column : {&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.bed, &c.area,
+                                 &c.char_length, &c.manning, &c.infiltrated}) {
     column->reserve(cells);
   }
   for (auto* column : {&c.rain, &c.soil, &c.slots[0], &c.slots[1], &c.slots[2]}) {
@@ -229,6 +230,7 @@ bool all_cells_are(const PhysicalModel& model) {
 }
 
 std::optional<engine::ModelInput> describe(PhysicalModel& model) {
+  if (model.interfaces.size() > engine::most_edges) return std::nullopt;
   engine::ModelInput input;
   input.has_bed = !model.cells.empty() && all_cells_are<CellSWE_Exner>(model);
   if (!input.has_bed && !all_cells_are<CellSWE>(model)) return std::nullopt;
@@ -268,10 +270,12 @@ std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int 
                              "\", expected objects or tables.");
   }
   if (path == "objects") return nullptr;
-  auto input = describe(model);
-  if (input) {
+  if (auto input = describe(model)) {
     input->cells_per_patch = cells_per_patch;
-    return std::unique_ptr<CompiledModel>(new CompiledModel(model, std::move(*input), threads));
+    try {
+      return std::unique_ptr<CompiledModel>(new CompiledModel(model, std::move(*input), threads));
+    } catch (const std::length_error&) {  // more edges of a cell than the tables can number
+    }
   }
   if (path == "tables") {
     throw std::runtime_error(

@@ -2,11 +2,13 @@
 // source term, on any number of threads and for every instruction set that the machine has.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <random>
 
 #include "engine/host/loops.hpp"
+#include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCWall.hpp"
 #include "model/CellSWE_Exner.hpp"
 #include "model/SWE_Exner.hpp"
@@ -370,6 +372,33 @@ TEST_F(Equality, WhatTheTablesDoNotKnowRunsOnTheObjects) {
   setenv("QUILLMERE_ENGINE", "tables", 1);
   EXPECT_THROW(model->compile(1), std::runtime_error);
   unsetenv("QUILLMERE_ENGINE");
+}
+
+TEST_F(Equality, ACellOfMoreEdgesThanTheTablesNumberRunsOnTheObjects) {
+  const support::RunGlobals globals(1e-3);
+  const auto polygon = [](int sides) {
+    auto model = std::make_unique<SWE>();
+    std::vector<const MeshNode*> vertices;
+    model->mesh_nodes.reserve(static_cast<std::size_t>(sides));
+    for (int i = 0; i < sides; ++i) {
+      const double angle = 2.0 * 3.141592653589793 * i / sides;
+      model->mesh_nodes.emplace_back(std::cos(angle), std::sin(angle), 0.0);
+      vertices.push_back(&model->mesh_nodes.back());
+    }
+    model->build_cell(0, vertices);
+    model->n_cells = 1;
+    for (int i = 0; i < sides; ++i) {
+      model->build_interface(
+          edge_code::scheme_lhllc, i, 0, -1, *vertices[static_cast<std::size_t>(i)],
+          *vertices[static_cast<std::size_t>((i + 1) % sides)], edge_code::wall, 0.0, "");
+    }
+    model->findH0();
+    model->calculateCharLengthMin();
+    model->compile(1);
+    return model;
+  };
+  EXPECT_NE(polygon(65000)->engine, nullptr);
+  EXPECT_EQ(polygon(66000)->engine, nullptr);
 }
 
 TEST_F(Equality, ABedThatIsRoughWhereItsFlowIsNotRunsOnTheObjects) {
