@@ -3,13 +3,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <regex>
 #include <set>
-#include <sstream>
 #include <string>
-#include <vector>
+
+#include "architecture/source_files.hpp"
 
 namespace {
 
@@ -32,32 +31,8 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"domain", {"model", "interfaces", "sources", "output", "report", "globals", "utils"}},
     {"main", {"domain", "report", "globals", "utils"}}};
 
-std::vector<fs::path> files_below(const fs::path& folder) {
-  std::vector<fs::path> files;
-  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-    const std::string extension = entry.path().extension().string();
-    if (extension == ".hpp" || extension == ".cpp") files.push_back(entry.path());
-  }
-  return files;
-}
-
-std::string text_of(const fs::path& file) {
-  std::ifstream stream(file);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
 std::string without_comments(const std::string& text) {
   return std::regex_replace(text, std::regex("//[^\n]*"), "");
-}
-
-std::vector<std::string> matches(const std::string& text, const std::regex& pattern) {
-  std::vector<std::string> found;
-  for (std::sregex_iterator i(text.begin(), text.end(), pattern), end; i != end; ++i) {
-    found.push_back((*i)[1].str());
-  }
-  return found;
 }
 
 }  // namespace
