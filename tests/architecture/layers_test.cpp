@@ -90,11 +90,16 @@ TEST(Layers, PhysicsCallsPowersAndLogarithmsThroughOneHeader) {
   }
 }
 
-TEST(Layers, EveryFormulaIsBuiltForTheDeviceToo) {
-  const fs::path check = fs::path(QUILLMERE_SOURCE_DIR) / "tests" / "device" / "every_formula.hpp";
-  const auto included = matches(text_of(check), std::regex("#include \"(physics/\\w+\\.hpp)"));
-  for (const fs::path& file : files_below(source / "physics")) {
-    const std::string header = fs::relative(file, source).string();
-    EXPECT_TRUE(std::count(included.begin(), included.end(), header)) << header;
+TEST(Layers, EveryFormulaAndEveryBodyIsBuiltForTheDeviceToo) {
+  const fs::path device = fs::path(QUILLMERE_SOURCE_DIR) / "tests" / "device";
+  const std::map<std::string, std::string> checks = {{"physics", "every_formula.hpp"},
+                                                     {"kernels", "every_body.hpp"}};
+  for (const auto& [folder, check] : checks) {
+    const auto included =
+        matches(text_of(device / check), std::regex("#include \"(" + folder + "/\\w+\\.hpp)"));
+    for (const fs::path& file : files_below(source / folder)) {
+      const std::string header = fs::relative(file, source).string();
+      EXPECT_TRUE(std::count(included.begin(), included.end(), header)) << header;
+    }
   }
 }

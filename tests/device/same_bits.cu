@@ -1,11 +1,12 @@
-// Compares every formula of src/physics, bit for bit, between the host and a graphics card, on ten
-// million random states. Exit status: 0 equal, 1 different, 77 without a card.
+// Compares every formula of src/physics and every body of src/kernels, bit for bit, between the host
+// and a graphics card, on ten million random states. Exit status: 0 equal, 1 different, 77 without a card.
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
 
+#include "device/every_body.hpp"
 #include "device/every_formula.hpp"
 
 namespace {
@@ -16,9 +17,17 @@ constexpr std::uint64_t states = 10'000'000;
 constexpr std::uint64_t states_at_a_time = 50'000;
 constexpr int no_card = 77;
 
-__global__ void compute(std::uint64_t first, Results* results) {
+/// The formulas on one state, and then the bodies.
+enum class Part { formulas, bodies };
+
+QM_HD inline Results compute(Part part, std::uint64_t number) {
+  return part == Part::formulas ? device_check::every_formula(number)
+                                : device_check::every_body(number);
+}
+
+__global__ void compute_all(Part part, std::uint64_t first, Results* results) {
   const std::uint64_t i = static_cast<std::uint64_t>(blockIdx.x) * blockDim.x + threadIdx.x;
-  if (i < states_at_a_time) results[i] = device_check::every_formula(first + i);
+  if (i < states_at_a_time) results[i] = compute(part, first + i);
 }
 
 void check(cudaError_t status) {
@@ -67,16 +76,18 @@ int main() {
   std::vector<Results> results(states_at_a_time);
   long long compared = 0;
   int different = 0;
-  for (std::uint64_t first = 0; first < states && different < 20; first += states_at_a_time) {
-    constexpr unsigned threads = 128;
-    compute<<<(states_at_a_time + threads - 1) / threads, threads>>>(first, on_device);
-    check(cudaGetLastError());
-    check(cudaMemcpy(results.data(), on_device, results.size() * sizeof(Results),
-                     cudaMemcpyDeviceToHost));
-    for (std::uint64_t i = 0; i < states_at_a_time; ++i) {
-      const Results host = device_check::every_formula(first + i);
-      different += differences(first + i, host, results[i]);
-      compared += host.count;
+  for (const Part part : {Part::formulas, Part::bodies}) {
+    for (std::uint64_t first = 0; first < states && different < 20; first += states_at_a_time) {
+      constexpr unsigned threads = 128;
+      compute_all<<<(states_at_a_time + threads - 1) / threads, threads>>>(part, first, on_device);
+      check(cudaGetLastError());
+      check(cudaMemcpy(results.data(), on_device, results.size() * sizeof(Results),
+                       cudaMemcpyDeviceToHost));
+      for (std::uint64_t i = 0; i < states_at_a_time; ++i) {
+        const Results host = compute(part, first + i);
+        different += differences(first + i, host, results[i]);
+        compared += host.count;
+      }
     }
   }
   check(cudaFree(on_device));

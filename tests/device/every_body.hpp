@@ -1,0 +1,157 @@
+// Every body of a step on two random cells and the edge between them, for a comparison of host and
+// device.
+#pragma once
+
+#include "device/every_formula.hpp"
+#include "kernels/boundary.hpp"
+#include "kernels/cell.hpp"
+#include "kernels/columns.hpp"
+#include "kernels/edge.hpp"
+#include "kernels/soil.hpp"
+
+namespace device_check {
+
+/// Two cells with all their columns, and the slots of one edge and a boundary.
+struct TwoCells {
+  double h[2], qx[2], qy[2], reciprocal[2], celerity[2], bed[2], eta[2], max_h[2], max_node[2],
+      reciprocal_area[2], char_length[2], manning[2], infiltrated[2], hs[2], qsx[2], qsy[2],
+      dqs_dh[2], rock[2];
+  int rain[2], soil[2];
+  double mass[3], momentum_x[3], momentum_y[3], bed_slots[3];  ///< left, right, boundary
+  double rain_depths[2];
+};
+
+QM_HD inline kernels::CellColumns columns_of(TwoCells& c, bool eta_given) {
+  kernels::CellColumns columns = {};
+  columns.h = c.h;
+  columns.qx = c.qx;
+  columns.qy = c.qy;
+  columns.reciprocal = c.reciprocal;
+  columns.celerity = c.celerity;
+  columns.bed = c.bed;
+  columns.eta = eta_given ? c.eta : nullptr;
+  columns.max_h = c.max_h;
+  columns.max_node = c.max_node;
+  columns.reciprocal_area = c.reciprocal_area;
+  columns.char_length = c.char_length;
+  columns.manning = c.manning;
+  columns.infiltrated = c.infiltrated;
+  columns.rain = c.rain;
+  columns.soil = c.soil;
+  columns.hs = c.hs;
+  columns.qsx = c.qsx;
+  columns.qsy = c.qsy;
+  columns.dqs_dh = c.dqs_dh;
+  columns.rock = c.rock;
+  return columns;
+}
+
+QM_HD inline kernels::SlotColumns slots_of(TwoCells& c, int k) {
+  return {c.mass + k, c.momentum_x + k, c.momentum_y + k, c.bed_slots + k};
+}
+
+QM_HD inline TwoCells random_cells(Random& random) {
+  TwoCells c = {};
+  for (int i = 0; i < 2; ++i) {
+    const physics::CellWater water = random_water(random);
+    const physics::CellSediment sediment = random_sediment(random);
+    const physics::DepthTerms terms = physics::depth_terms(water.h, zero_depth);
+    c.h[i] = water.h;
+    c.qx[i] = water.qx;
+    c.qy[i] = water.qy;
+    c.reciprocal[i] = terms.reciprocal;
+    c.celerity[i] = terms.celerity;
+    c.bed[i] = water.zb;
+    c.eta[i] = water.eta;
+    c.max_h[i] = uniform(random, 0.0, 1.0);
+    c.max_node[i] = water.zb + 0.2;
+    c.reciprocal_area[i] = uniform(random, 0.01, 10.0);
+    c.char_length[i] = 1.0;
+    c.manning[i] = uniform(random, 0.01, 0.1);
+    c.infiltrated[i] = uniform(random, 0.0, 0.02);
+    c.hs[i] = sediment.hs;
+    c.qsx[i] = sediment.qsx;
+    c.qsy[i] = sediment.qsy;
+    c.dqs_dh[i] = sediment.dqs_dh;
+    c.rock[i] = water.zb - sediment.hs;
+    c.rain[i] = i;
+    c.soil[i] = i;
+  }
+  c.rain_depths[1] = uniform(random, 0.0, 1e-3);
+  return c;
+}
+
+QM_HD inline void add_slots(Results& results, const TwoCells& c) {
+  for (int k = 0; k < 3; ++k) add(results, c.mass[k] + c.momentum_x[k] + c.momentum_y[k]);
+  for (int k = 0; k < 3; ++k) add(results, c.bed_slots[k]);
+}
+
+QM_HD inline void add_cells(Results& results, const TwoCells& c, const kernels::CellAfter& after) {
+  for (int i = 0; i < 2; ++i) {
+    add(results, c.h[i]);
+    add(results, c.qx[i]);
+    add(results, c.qy[i]);
+    add(results, c.reciprocal[i] + c.celerity[i] + c.bed[i] + c.infiltrated[i]);
+    add(results, c.hs[i] + c.qsx[i] + c.qsy[i] + c.dqs_dh[i]);
+  }
+  add(results, after.max_h);
+  add(results, after.wave_speed);
+  add(results, (after.is_deeper ? 1 : 0) + (after.is_dry ? 2 : 0) + (after.may_change ? 4 : 0));
+}
+
+QM_HD inline void add_boundary_bodies(Results& results, TwoCells& c, const physics::Edge& edge,
+                                      const kernels::StepValues& step, double imposed) {
+  using kernels::BoundaryKind;
+  const BoundaryKind kinds[] = {BoundaryKind::wall, BoundaryKind::transmissive,
+                                BoundaryKind::discharge, BoundaryKind::water_level};
+  for (const BoundaryKind kind : kinds) {
+    const kernels::BoundaryEdge boundary = {kind, 0, edge, imposed, 1e-3};
+    kernels::flux_of_boundary(columns_of(c, false), boundary, step, slots_of(c, 0), 2);
+    add(results, c.mass[2] + c.momentum_x[2] + c.momentum_y[2]);
+    add(results, c.bed_slots[2]);
+  }
+}
+
+/// Every body on the cells of that number.
+QM_HD inline Results every_body(std::uint64_t number) {
+  Results results = {};
+  Random random = {(number << 20) + 0x80000U};  // apart from the states of every_formula
+  const TwoCells before = random_cells(random);
+  const physics::Edge edge = random_edge(random);
+  const double dt = uniform(random, 1e-4, 2.0);
+  const kernels::StepValues step = {dt,       zero_depth,    1.0,
+                                    porosity, {0.001, 2.65}, before.rain_depths};
+
+  TwoCells c = before;
+  kernels::flux_of_water<true>(columns_of(c, true), 0, 1, edge, step, slots_of(c, 0),
+                               slots_of(c, 1), 0);
+  add_slots(results, c);
+  const kernels::Radicands radicands = kernels::flux_of_water_and_bed<false>(
+      columns_of(c, false), 0, 1, edge, step, slots_of(c, 0), slots_of(c, 1), 0);
+  add_slots(results, c);
+  add(results, radicands.left);
+  add(results, radicands.right);
+  add(results, kernels::is_hyperbolic(columns_of(c, false), 1, edge, step) ? 1.0 : 0.0);
+  add_boundary_bodies(results, c, edge, step, uniform(random, -2.0, 2.0));
+
+  const physics::GreenAmptSoil loam = {3e-5, 0.11, 0.25, 0.02, 1e-3};
+  const double demand =
+      kernels::demand_of_soil(columns_of(c, false), 1, 1, loam, physics::soil_step(loam, dt), 0.0);
+  add(results, demand);
+  const physics::HortonSoil clay = {1e-4, 1e-5, 20.0, 0.01, 1e-3};
+  add(results,
+      kernels::demand_of_soil(columns_of(c, false), 0, 0, clay, physics::soil_step(clay, dt), 0.0));
+
+  const kernels::CellSlots slots = {0, 2, 1};
+  TwoCells with_soil = c;
+  add_cells(results, with_soil,
+            kernels::advance_water<true, true, true>(columns_of(with_soil, false), 1, slots,
+                                                     slots_of(with_soil, 0), demand, step));
+  add(results, kernels::lifted_sediment(columns_of(c, false), 1, slots, slots_of(c, 0), step));
+  add_cells(results, c,
+            kernels::advance_water_and_bed<true, true>(columns_of(c, false), 1, slots,
+                                                       slots_of(c, 0), step));
+  return results;
+}
+
+}  // namespace device_check
