@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <system_error>
 
 namespace engine {
 
@@ -32,8 +33,14 @@ int threads_wanted() {
 }  // namespace
 
 ThreadTeam::ThreadTeam(int size) : size_(size), begun_in_(static_cast<std::size_t>(size)) {
-  for (int member = 1; member < size; ++member) {
-    threads_.emplace_back([this, member] { serve(member); });
+  threads_.reserve(begun_in_.size());
+  try {
+    for (int member = 1; member < size; ++member) {
+      threads_.emplace_back([this, member] { serve(member); });
+    }
+  } catch (const std::system_error&) {
+    // Those that wait already look at the size only in a round.
+    size_ = 1 + static_cast<int>(threads_.size());
   }
 }
 

@@ -10,7 +10,7 @@ namespace engine {
 
 class ThreadTeam {
  public:
-  /// A team of `size` threads, the calling one included.
+  /// A team of `size` threads, the calling one included; of fewer, if the system gives no more.
   explicit ThreadTeam(int size);
   ~ThreadTeam();
   ThreadTeam(const ThreadTeam&) = delete;

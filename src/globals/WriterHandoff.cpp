@@ -9,6 +9,14 @@ std::thread gauge, picture, monitorSection, Umax;
 std::atomic<bool> has_failed = false;
 }  // namespace Thread
 
+void warn_of_missing_thread(const std::system_error& error) {
+  static std::atomic_flag is_said;
+  if (is_said.test_and_set()) return;
+  std::cerr << std::string("Warning: a thread that writes results couldn't be started (") +
+                   error.code().message() +
+                   "). The run waits for such results instead; they stay the same.\n";
+}
+
 namespace Mutex {
 std::binary_semaphore gauge{1}, picture{1}, monitorSection{1}, Umax{1};
 }

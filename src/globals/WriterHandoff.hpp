@@ -7,8 +7,8 @@
 #include <iostream>
 #include <semaphore>
 #include <string>
+#include <system_error>
 #include <thread>
-#include <utility>
 
 /// Where each kind of writer stands.
 namespace Thread {
@@ -30,6 +30,9 @@ namespace Mutex {
 extern std::binary_semaphore gauge, picture, monitorSection, Umax;
 }
 
+/// Says, once, that the system gives no thread for a writer.
+void warn_of_missing_thread(const std::system_error& error);
+
 /// The three pieces of one kind's hand-off, with the steps of the protocol.
 struct WriterHandoff {
   std::atomic<int>& state;
@@ -41,21 +44,19 @@ struct WriterHandoff {
     if (state >= Thread::finished && thread.joinable()) thread.join();
   }
 
-  /// Loop: starts a writer, which must call release() once and then end.
+  /// Loop: starts a writer, which must call release() once and then end. Where the system gives no
+  /// thread for it, it writes at once, before the loop goes on.
   template <class Writer>
-  void start(Writer writer) {
+  void start(const Writer& writer) {
     join();
     state = Thread::started;
     permit.acquire();
-    thread = std::thread([this, writer = std::move(writer)] {
-      try {
-        writer();
-      } catch (const std::exception& error) {
-        std::cerr << std::string("Error. A writer of results failed: ") + error.what() + "\n";
-        Thread::has_failed = true;
-      }
-      state = Thread::finished;
-    });
+    try {
+      thread = std::thread([this, writer] { run(writer); });
+    } catch (const std::system_error& error) {
+      warn_of_missing_thread(error);
+      run(writer);
+    }
   }
 
   /// Writer: its copy is taken, the loop may change the cells. Nothing before it may throw.
@@ -68,6 +69,18 @@ struct WriterHandoff {
     int expected = Thread::started;  // the writer may have finished meanwhile
     state.compare_exchange_strong(expected, Thread::copy_taken);
     permit.release();
+  }
+
+ private:
+  template <class Writer>
+  void run(const Writer& writer) {
+    try {
+      writer();
+    } catch (const std::exception& error) {
+      std::cerr << std::string("Error. A writer of results failed: ") + error.what() + "\n";
+      Thread::has_failed = true;
+    }
+    state = Thread::finished;
   }
 };
 

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <iostream>
+#include <string>
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
@@ -17,6 +18,10 @@ void PhysicalModel::compile() { compile(::engine::threads_for(n_cells)); }
 
 void PhysicalModel::compile(int threads, int cells_per_patch) {
   engine = CompiledModel::compile(*this, threads, cells_per_patch);
+  if (!engine || engine->tables().threads() == threads) return;
+  utils::warn("the system gives " + std::to_string(engine->tables().threads()) + " of " +
+              std::to_string(threads) +
+              " threads: the run is slower, its results stay the same.");
 }
 
 void PhysicalModel::publish() {

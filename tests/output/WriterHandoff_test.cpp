@@ -8,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/NoThreads.hpp"
+
 namespace {
 
 using testing::internal::CaptureStderr;
@@ -91,6 +93,32 @@ TEST_F(WriterHandoffTest, AnExceptionOfAWriterIsReportedAndAsksForTheEndOfTheRun
   EXPECT_EQ(GetCapturedStderr(), "Error. A writer of results failed: no memory for the table\n");
   EXPECT_TRUE(Thread::has_failed);
   EXPECT_EQ(state, Thread::finished);
+}
+
+TEST_F(WriterHandoffTest, AWriterWithoutAThreadWritesBeforeTheLoopGoesOn) {
+  CaptureStderr();
+  std::vector<int> written;
+  for (int i = 0; i < 3; ++i) {
+    const support::NoThreads none;
+    handoff.start([&, i] {
+      handoff.release();
+      written.push_back(i);
+    });
+    EXPECT_EQ(written.size(), static_cast<std::size_t>(i + 1));
+    EXPECT_EQ(state, Thread::finished);
+    handoff.wait_for_copy();
+    handoff.join();
+  }
+  handoff.start([&] {
+    handoff.release();
+    written.push_back(3);
+  });
+  handoff.wait_for_copy();
+  handoff.join();
+  EXPECT_EQ(written, (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_EQ(GetCapturedStderr(),
+            "Warning: a thread that writes results couldn't be started (Resource temporarily "
+            "unavailable). The run waits for such results instead; they stay the same.\n");
 }
 
 TEST(Handoff, JoinsTheWritersOfEveryKind) {

@@ -14,12 +14,6 @@ namespace support {
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool memory_can_be_limited = false;
-#else
-constexpr bool memory_can_be_limited = true;
-#endif
-
 /// A file in memory that holds the text.
 int memory_file(const std::string& text) {
   const int file = memfd_create("quillmere_test", MFD_CLOEXEC);
@@ -48,6 +42,11 @@ std::string text_of(int file) {
     const rlimit limit{options.address_space, options.address_space};
     if (setrlimit(RLIMIT_AS, &limit) != 0) _exit(cannot_run);
   }
+  for (const auto& [resource, most] : options.limits) {
+    const rlimit limit{most, most};
+    if (setrlimit(static_cast<__rlimit_resource_t>(resource), &limit) != 0) _exit(cannot_run);
+  }
+  for (const int stream : options.closed) close(stream);
   if (chdir(folder.c_str()) == 0) execv(options.program.c_str(), arguments.data());
   _exit(cannot_run);
 }
@@ -66,7 +65,8 @@ RunningProgram::RunningProgram(const std::string& folder, const std::vector<std:
   const int in = memory_file(options.input);
   process_ = fork();
   if (process_ == 0) {
-    become_program(folder, pointers, in, out_, options.err >= 0 ? options.err : err_, options);
+    become_program(folder, pointers, in, options.out >= 0 ? options.out : out_,
+                   options.err >= 0 ? options.err : err_, options);
   }
   close(in);
   if (process_ < 0) throw std::runtime_error("no process for a run");

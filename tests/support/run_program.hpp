@@ -5,6 +5,7 @@
 #include <sys/types.h>
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -12,13 +13,23 @@
 
 namespace support {
 
+/// Builds with a sanitizer, which map terabytes, ignore limits of memory.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool memory_can_be_limited = false;
+#else
+inline constexpr bool memory_can_be_limited = true;
+#endif
+
 struct RunOptions {
   std::string program = QUILLMERE_PROGRAM;  ///< the simulator, or a program beside it
   std::string input = {};                   ///< text on standard input
-  std::size_t address_space = 0;  ///< bytes of memory the run may map; 0: no limit. Builds with a
-                                  ///< sanitizer, which map terabytes, ignore it
+  std::size_t address_space = 0;  ///< bytes of memory the run may map, where it can be limited; 0:
+                                  ///< no limit
+  std::map<int, std::size_t> limits = {};  ///< further ones, by the number of a resource
   double time_limit = 120.0;      ///< s; a run that takes longer is killed
-  int err = -1;                   ///< file for standard error; -1: it is kept for the result
+  int out = -1;                   ///< file for standard output; -1: it is kept for the result
+  int err = -1;                   ///< the same for standard error
+  std::vector<int> closed = {};   ///< standard streams that the run has to do without
 };
 
 struct RunResult {
