@@ -79,6 +79,7 @@ void Domain::report_failure(const std::string& what, int cell) {
 std::string Domain::write_failure_snapshot() {
   const std::string name = Globals::g_outputPath + "failure.txt";
   if (utils::is_input_file(name)) return "";
+  Handoff::picture.join();  // a writer under way formats from the rows that are allocated anew
   allocate_snapshot();
   Handoff::picture.start([this, name] { model->printPicture(name); });
   Handoff::picture.join();

@@ -1,4 +1,5 @@
 // What a run leaves that collapses or loses a state.
+#include <algorithm>
 #include <cmath>
 
 #include "cases/ReportTest.hpp"
@@ -167,6 +168,19 @@ TEST_F(Failure, ReplacesNoInputFileWithItsSnapshot) {
   EXPECT_EQ(run_with_report().status, 255);
   EXPECT_EQ(folder.read("out/failure.txt"), c.initial_text());
   EXPECT_EQ(report()["failure"]["snapshot"], "");
+}
+
+TEST_F(Failure, LeavesASnapshotUnderWayAsItIs) {
+  // The run ends while the snapshot of its first instant is being written.
+  c = support::Case();
+  c.nx = c.ny = 150;
+  c.data["CFL"] = 1e-9;
+  c.add_snapshots({0.0});
+  EXPECT_EQ(run_with_report().status, 255);
+  const std::vector<std::string> depths = column("out/pic_0_00.txt", 3);
+  EXPECT_EQ(depths.size(), 45000U);
+  EXPECT_EQ(std::count(depths.begin(), depths.end(), "1"), 45000);
+  EXPECT_EQ(column("out/failure.txt", 3), depths);
 }
 
 TEST_F(Failure, OfSedimentIsDescribedToo) {
