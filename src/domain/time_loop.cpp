@@ -40,6 +40,8 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   enter(Phase::outputs);
   end_progress();
   Handoff::join_all();
+  if (gauge) gauge->close();
+  if (monitor_section) monitor_section->close();
   stop_if_writer_failed();
   eraseTime();
   stop_on_lost_clock();

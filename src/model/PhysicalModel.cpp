@@ -20,8 +20,7 @@ void PhysicalModel::compile(int threads, int cells_per_patch) {
   engine = CompiledModel::compile(*this, threads, cells_per_patch);
   if (!engine || engine->tables().threads() == threads) return;
   utils::warn("the system gives " + std::to_string(engine->tables().threads()) + " of " +
-              std::to_string(threads) +
-              " threads: the run is slower, its results stay the same.");
+              std::to_string(threads) + " threads: the run is slower, its results stay the same.");
 }
 
 void PhysicalModel::publish() {

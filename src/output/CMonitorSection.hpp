@@ -24,6 +24,8 @@ class CMonitorSection {
   const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
   void WriteOutputThread();
+  /// Closes the result file, after the last recording.
+  void close() { output_.close(); }
 
  private:
   std::vector<std::vector<const GenericInterface*>> sections_;

@@ -25,6 +25,8 @@ class Gauge {
   const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
   void WriteOutputThread();
+  /// Closes the result file, after the last recording.
+  void close() { output_.close(); }
 
  private:
   double interval_ = 0.0;  ///< s

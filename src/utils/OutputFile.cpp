@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <system_error>
 
 #include "globals/WriterHandoff.hpp"
 #include "utils/files.hpp"
+#include "utils/signals.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
@@ -29,41 +31,67 @@ void warn_once(const std::string& name, const std::string& trouble) {
   if (is_first_trouble(name)) warn("The file " + name + " " + trouble);
 }
 
-/// Says why a file is not complete, and lets the run end; `error` is an error number.
-void fail(const std::string& name, int error) {
-  const std::string reason = error != 0 ? std::generic_category().message(error) : "unknown reason";
-  if (is_first_trouble(name)) {
-    std::cerr << "Error. The file " + name + " couldn't be written completely: " + reason + ".\n";
-  }
+std::string reason_of(int error) { return std::generic_category().message(error); }
+
+/// Says what keeps a file from being what it should be, and lets the run end.
+void fail(const std::string& name, const std::string& trouble) {
+  if (is_first_trouble(name)) std::cerr << "Error. The file " + name + " " + trouble + ".\n";
   Thread::has_failed = true;
+}
+
+/// `error` is an error number.
+void fail_incomplete(const std::string& name, int error) {
+  fail(name, "couldn't be written completely: " + reason_of(error));
 }
 
 bool is_out_of_space(int error) { return error == ENOSPC || error == EDQUOT; }
 
-bool can_be_replaced(const std::string& name) {
+/// The file that a link leads to; else the name itself.
+std::string place_of(const std::string& name) {
   std::error_code ignored;
-  const auto status = std::filesystem::symlink_status(name, ignored);
+  const bool is_linked = std::filesystem::is_symlink(name, ignored);
+  const std::filesystem::path target =
+      is_linked ? std::filesystem::canonical(name, ignored) : std::filesystem::path();
+  return target.empty() ? name : target.string();
+}
+
+bool can_be_replaced(const std::string& place) {
+  std::error_code ignored;
+  const auto status = std::filesystem::symlink_status(place, ignored);
   return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+/// Whether an input file itself, not a link to one, has the name.
+bool is_input_itself(const std::string& name) {
+  std::error_code ignored;
+  return !std::filesystem::is_symlink(name, ignored) && is_input_file(name);
 }
 
 }  // namespace
 
-WholeFile::WholeFile(std::string name) : name_(std::move(name)) {
-  if (can_be_replaced(name_)) {
-    temporary_name_ = name_ + ".part";
-    stream_.open(temporary_name_, std::ios::binary);
-    if (!stream_.is_open() && is_out_of_space(errno)) {
+WholeFile::WholeFile(std::string name) : name_(std::move(name)), place_(place_of(name_)) {
+  if (is_input_file(place_) || is_input_itself(place_ + ".part")) {
+    fail(name_, "isn't written: it, or its name with .part, is an input file of this run");
+    return;
+  }
+  create();
+}
+
+void WholeFile::create() {
+  if (can_be_replaced(place_)) {
+    temporary_name_ = place_ + ".part";
+    const int error = file_.create_anew(temporary_name_);
+    if (is_out_of_space(error)) {
       // An earlier file stays: it is not emptied for one that cannot be written.
-      fail(name_, errno);
+      fail_incomplete(name_, error);
       return;
     }
   }
-  if (!stream_.is_open()) {  // a device, a link, or a folder where no file can be added
+  if (!file_.is_open()) {  // a device, a pipe, or a folder where no file can be added
     temporary_name_.clear();
-    stream_.clear();
-    stream_.open(name_, std::ios::binary);
+    file_.open(place_);
   }
-  if (!stream_.is_open()) warn_once(name_, "couldn't be created: its results are lost.");
+  if (!file_.is_open()) warn_once(name_, "couldn't be created: its results are lost.");
 }
 
 void WholeFile::drain(TextBuffer& buffer) {
@@ -74,24 +102,25 @@ void WholeFile::drain(TextBuffer& buffer) {
 }
 
 void WholeFile::put(const TextBuffer& text) {
-  if (!stream_.good()) return;
-  errno = 0;
-  stream_ << text.text() << std::flush;
-  if (!stream_.good()) error_ = errno;
+  if (file_.is_open() && error_ == 0) error_ = file_.write(text.text());
 }
 
 void WholeFile::commit(const TextBuffer& rest) {
-  if (!stream_.is_open()) return;
+  if (!file_.is_open()) return;
   put(rest);
-  errno = 0;
-  stream_.close();
-  const bool complete = stream_.good();
-  if (!complete) fail(name_, error_ != 0 ? error_ : errno);
-  if (temporary_name_.empty()) return;
-  if (!complete) {
+  const int error_of_close = file_.close();
+  if (error_ == 0) error_ = error_of_close;
+  if (error_ != 0) fail_incomplete(name_, error_);
+  if (!temporary_name_.empty()) put_in_place();
+}
+
+void WholeFile::put_in_place() {
+  if (error_ != 0) {
     std::remove(temporary_name_.c_str());
-  } else if (std::rename(temporary_name_.c_str(), name_.c_str()) != 0) {
-    warn_once(name_, "couldn't be put in its place: see " + temporary_name_ + ".");
+  } else if (std::rename(temporary_name_.c_str(), place_.c_str()) != 0) {
+    const std::string reason = reason_of(errno);
+    fail(name_,
+         "couldn't be put in its place: " + reason + "; it is complete as " + temporary_name_);
   }
 }
 
@@ -100,29 +129,32 @@ void LineFile::open(const std::string& name) {
     fatal("Error. The result file " + name + " would replace an input file of this run.\n");
   }
   name_ = name;
-  stream_.open(name, std::ios::binary);
-  is_created_ = stream_.is_open();
+  is_created_ = file_.open(name) == 0;
+  is_regular_ = is_created_ && file_.is_regular();
   if (!is_created_) warn_once(name_, "couldn't be created.");
 }
 
 void LineFile::write(const TextBuffer& line) {
-  if (!stream_.is_open()) return;
-  errno = 0;
-  stream_ << line.text() << std::flush;
-  if (stream_.good()) {
+  if (!file_.is_open()) return;
+  int error = 0;
+  {
+    // A pipe may never be emptied: the end of the run does not wait for it.
+    std::optional<LineUnderWay> line_under_way;
+    if (is_regular_) line_under_way.emplace();
+    error = file_.write(line.text());
+    if (error != 0 && is_regular_) file_.cut_off(size_);
+  }
+  if (error == 0) {
     size_ += line.text().size();
     return;
   }
-  fail(name_, errno);
-  stream_.close();
-  cut_off_unfinished_line();
+  fail_incomplete(name_, error);
+  file_.close();
 }
 
-void LineFile::cut_off_unfinished_line() const {
-  std::error_code ignored;
-  if (std::filesystem::is_regular_file(name_, ignored)) {
-    std::filesystem::resize_file(name_, size_, ignored);
-  }
+void LineFile::close() {
+  const int error = file_.close();
+  if (error != 0) fail_incomplete(name_, error);
 }
 
 }  // namespace utils

@@ -1,18 +1,19 @@
-// Result files that a killed run never leaves damaged. A file that cannot be created is warned
-// about and the run goes on without it; one that cannot be written to its end (a full disk) ends
-// the run, after the other outputs.
+// Result files that a killed run leaves without damage, as far as the system allows. A file that
+// cannot be created is warned about and the run goes on without it; one that cannot be written to
+// its end (a full disk), or put in its place, ends the run, after the other outputs.
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <string>
 
 #include "utils/TextBuffer.hpp"
+#include "utils/WritableFile.hpp"
 
 namespace utils {
 
 /// A file written whole: it grows under a temporary name and takes its own when it is complete, so
-/// that an earlier complete file is there until then.
+/// that an earlier complete file is there until then. A link to a file stays, and the file that it
+/// leads to is replaced. Devices and pipes are written directly.
 class WholeFile {
  public:
   explicit WholeFile(std::string name);
@@ -23,16 +24,22 @@ class WholeFile {
   void commit(const TextBuffer& rest);
 
  private:
+  void create();
   void put(const TextBuffer& text);
+  void put_in_place();
 
   std::string name_;
-  std::string temporary_name_;
-  std::ofstream stream_;
+  std::string place_;           ///< the name, or that of the file that a link of the name leads to
+  std::string temporary_name_;  ///< empty for a file that is written directly
+  WritableFile file_;
   int error_ = 0;  ///< number of the error that kept the file from being complete
 };
 
-/// A file that grows line by line for the whole run; each line reaches the disk whole or not at
-/// all.
+/// A file that grows line by line for the whole run. Each line is handed to the system in one piece
+/// and is on its way to the disk at once: a reader sees complete lines. A signal that ends the run
+/// waits for the line that is being written. Only what a process cannot hold back (SIGKILL) may cut
+/// a long line while the system takes it: of the file of a killed run the last line may lack its
+/// end; all lines before it are complete.
 class LineFile {
  public:
   /// Creates or truncates the file; a failure is warned about. A file that the run has read is not
@@ -42,13 +49,14 @@ class LineFile {
   bool is_open() const { return is_created_; }
   /// Appends a text that ends in a line end; without an open file it is lost.
   void write(const TextBuffer& line);
+  /// No line comes any more.
+  void close();
 
  private:
-  void cut_off_unfinished_line() const;
-
   std::string name_;
-  std::ofstream stream_;
+  WritableFile file_;
   bool is_created_ = false;
+  bool is_regular_ = false;
   std::uintmax_t size_ = 0;  ///< of the complete lines
 };
 

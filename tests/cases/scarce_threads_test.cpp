@@ -21,10 +21,9 @@ class ScarceThreads : public ReportTest {
   ~ScarceThreads() override { unsetenv("OMP_NUM_THREADS"); }
 
   /// A thread asks for more memory than the run may have.
-  const support::RunOptions no_threads = {
-      .address_space = std::size_t{2} << 30,
-      .limits = {{RLIMIT_STACK, std::size_t{1} << 36}},
-      .time_limit = 60.0};
+  const support::RunOptions no_threads = {.address_space = std::size_t{2} << 30,
+                                          .limits = {{RLIMIT_STACK, std::size_t{1} << 36}},
+                                          .time_limit = 60.0};
 };
 
 TEST_F(ScarceThreads, CostTimeAndNoResult) {

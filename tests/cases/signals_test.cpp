@@ -1,4 +1,5 @@
-// SIGINT and SIGTERM: the first ends a run cleanly after its step, the second at once.
+// SIGINT, SIGTERM and SIGHUP: the first ends a run cleanly after its step, the second at once, but
+// for the line that is being written.
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -60,7 +61,7 @@ class Signals : public CaseTest {
 };
 
 TEST_F(Signals, EndTheRunAfterItsStepWithCompleteResults) {
-  for (const int signal : {SIGINT, SIGTERM}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     c.set_times(0.0, 1e6);
     c.write(folder);
     std::filesystem::remove(folder.file("passes.txt"));

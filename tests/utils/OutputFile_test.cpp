@@ -2,16 +2,19 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <filesystem>
 #include <string>
+#include <system_error>
 #include <utility>
 
 #include "globals/WriterHandoff.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "utils/files.hpp"
 
 namespace {
 
@@ -121,6 +124,83 @@ TEST(WholeFile, WritesThroughALinkInsteadOfReplacingIt) {
   EXPECT_EQ(folder.read("target.txt"), "new\n");
 }
 
+TEST(WholeFile, LeavesTheFileThatALinkLeadsToUntilItIsComplete) {
+  const support::TemporaryFolder folder;
+  folder.write("target.txt", "earlier\n");
+  std::filesystem::create_symlink("target.txt", folder.file("out.txt"));
+  utils::WholeFile file(folder.file("out.txt"));
+  utils::TextBuffer buffer = buffer_of(std::string(3 << 20, 'x'));
+  file.drain(buffer);
+  EXPECT_EQ(folder.read("target.txt"), "earlier\n");
+  file.commit(buffer_of("end"));
+  EXPECT_EQ(folder.read("target.txt"), std::string(3 << 20, 'x') + "end");
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.file("out.txt")));
+}
+
+TEST(WholeFile, NeverWritesThroughALinkOfItsTemporaryName) {
+  const support::TemporaryFolder folder;
+  folder.write("precious.txt", "precious\n");
+  std::filesystem::create_symlink("precious.txt", folder.file("out.txt.part"));
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("new\n"));
+  EXPECT_EQ(folder.read("precious.txt"), "precious\n");
+  EXPECT_EQ(folder.read("out.txt"), "new\n");
+  EXPECT_FALSE(std::filesystem::is_symlink(folder.file("out.txt")));
+}
+
+TEST(WholeFile, NeverWaitsForTheReaderOfAPipeOfItsTemporaryName) {
+  const support::TemporaryFolder folder;
+  ASSERT_EQ(mkfifo(folder.file("out.txt.part").c_str(), 0600), 0);
+  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("new\n"));
+  EXPECT_TRUE(std::filesystem::is_regular_file(folder.file("out.txt")));
+  EXPECT_EQ(folder.read("out.txt"), "new\n");
+}
+
+/// A file that the run has read.
+class InputOfTheRun : public testing::Test {
+ protected:
+  InputOfTheRun() {
+    folder.write("input.txt", "1 2 3\n");
+    folder.write("out.txt.part", "4 5 6\n");
+    std::filesystem::create_symlink("input.txt", folder.file("link.txt"));
+    CaptureStderr();
+  }
+  ~InputOfTheRun() override { Thread::has_failed = false; }
+  void expect_refusal(const std::string& result, const std::string& input) {
+    utils::open_input_file(folder.file(input));
+    const std::string before = folder.read(input);
+    const std::string name = folder.file(result);
+    utils::WholeFile(name).commit(buffer_of("new\n"));
+    EXPECT_EQ(folder.read(input), before);
+    EXPECT_TRUE(Thread::has_failed);
+    EXPECT_EQ(GetCapturedStderr(), "Error. The file " + name +
+                                       " isn't written: it, or its name with .part, is an input "
+                                       "file of this run.\n");
+  }
+  support::TemporaryFolder folder;
+};
+
+TEST_F(InputOfTheRun, IsNotReplacedByAResult) { expect_refusal("input.txt", "input.txt"); }
+
+TEST_F(InputOfTheRun, IsNotReplacedThroughALink) { expect_refusal("link.txt", "input.txt"); }
+
+TEST_F(InputOfTheRun, IsNotReplacedByATemporaryFile) { expect_refusal("out.txt", "out.txt.part"); }
+
+TEST(WholeFile, FailsWhenItCannotBePutInItsPlaceAndKeepsTheCompleteFile) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("out.txt");
+  utils::WholeFile file(name);
+  folder.write("out.txt/inside", "");  // a folder takes the place meanwhile
+  CaptureStderr();
+  file.commit(buffer_of("complete\n"));
+  EXPECT_EQ(GetCapturedStderr(), "Error. The file " + name +
+                                     " couldn't be put in its place: Is a directory; it is "
+                                     "complete as " +
+                                     name + ".part.\n");
+  EXPECT_TRUE(Thread::has_failed);
+  EXPECT_EQ(folder.read("out.txt.part"), "complete\n");
+  Thread::has_failed = false;
+}
+
 TEST(WholeFile, WarnsOncePerNameWhenItCannotBeCreated) {
   const support::TemporaryFolder folder;
   const std::string first = folder.file("missing/first.txt");
@@ -189,6 +269,46 @@ TEST_F(FullDisk, EndsTheRunForALineFileAndIsSaidOnce) {
   file.write(buffer_of("two\n"));
   EXPECT_TRUE(file.is_open());
   expect_error();
+}
+
+/// Closes the file behind the back of those who write it, so that their next call fails.
+void lose(const std::string& name) {
+  for (int file = 3; file < 1024; ++file) {
+    std::error_code none;
+    const auto link = "/proc/self/fd/" + std::to_string(file);
+    if (std::filesystem::read_symlink(link, none) == name) close(file);
+  }
+}
+
+TEST(LineFile, FailsWhenItsLastLinesAreLostAsItIsClosed) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("lines.txt");
+  utils::LineFile file;
+  file.open(name);
+  file.write(buffer_of("one\n"));
+  CaptureStderr();
+  lose(name);
+  file.close();
+  EXPECT_EQ(GetCapturedStderr(),
+            "Error. The file " + name + " couldn't be written completely: Bad file descriptor.\n");
+  EXPECT_TRUE(Thread::has_failed);
+  Thread::has_failed = false;
+}
+
+TEST(WholeFile, FailsAndKeepsAnEarlierFileWhenItCannotBeClosed) {
+  const support::TemporaryFolder folder;
+  const std::string name = folder.file("out.txt");
+  folder.write("out.txt", "earlier\n");
+  utils::WholeFile file(name);
+  CaptureStderr();
+  lose(name + ".part");
+  file.commit(buffer_of(""));
+  EXPECT_EQ(GetCapturedStderr(),
+            "Error. The file " + name + " couldn't be written completely: Bad file descriptor.\n");
+  EXPECT_TRUE(Thread::has_failed);
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
+  Thread::has_failed = false;
 }
 
 /// Runs the statement in a process whose files may not grow beyond a size.

@@ -1,0 +1,55 @@
+#include "utils/WritableFile.hpp"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <utility>
+
+namespace utils {
+
+namespace {
+constexpr int writing = O_WRONLY | O_CREAT | O_CLOEXEC;
+constexpr mode_t for_everyone = 0666;  // less what the umask of the process takes away
+}  // namespace
+
+int WritableFile::open(const std::string& name) {
+  return take(::open(name.c_str(), writing | O_TRUNC, for_everyone));
+}
+
+int WritableFile::create_anew(const std::string& name) {
+  unlink(name.c_str());  // what cannot be removed makes the next call fail
+  return take(::open(name.c_str(), writing | O_EXCL | O_NOFOLLOW, for_everyone));
+}
+
+int WritableFile::take(int descriptor) {
+  descriptor_ = descriptor;
+  return is_open() ? 0 : errno;
+}
+
+bool WritableFile::is_regular() const {
+  struct stat status = {};
+  return fstat(descriptor_, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+int WritableFile::write(std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(descriptor_, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return written < 0 ? errno : EIO;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
+
+int WritableFile::cut_off(std::uintmax_t size) {
+  return ftruncate(descriptor_, static_cast<off_t>(size)) == 0 ? 0 : errno;
+}
+
+int WritableFile::close() {
+  if (!is_open()) return 0;
+  return ::close(std::exchange(descriptor_, -1)) == 0 ? 0 : errno;
+}
+
+}  // namespace utils
