@@ -8,6 +8,7 @@
 #include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
 #include "utils/signals.hpp"
+#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
 
 void Domain::Update() {
@@ -117,7 +118,8 @@ void Domain::stop_if_writer_failed() {
 }
 
 void Domain::printTime(double t, int width, int precision) {
-  std::cout << std::setw(width) << std::fixed << std::setprecision(precision) << t << std::flush;
+  std::cout << std::setw(width) << std::fixed << std::setprecision(precision) << t;
+  utils::flush_console();
 }
 
 void Domain::eraseTime() { std::cout << '\r'; }

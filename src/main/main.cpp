@@ -4,6 +4,7 @@
 #include <ctime>
 #include <iostream>
 #include <limits>
+#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -17,7 +18,9 @@
 #include "utils/DataFileReader.hpp"
 #include "utils/InputParser.hpp"
 #include "utils/files.hpp"
+#include "utils/memory.hpp"
 #include "utils/signals.hpp"
+#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -67,8 +70,27 @@ int whole_seconds(double seconds) {
   return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
+/// Ends the run if the log is not complete.
+void close_log() {
+  if (!Globals::spyFile.is_open()) return;  // it couldn't be created
+  Globals::spyFile.close();
+  if (Globals::spyFile.good()) return;
+  utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
+}
+
+/// The signals, streams and memory of the process: nothing of theirs may end it without a word, or
+/// in the middle of a result.
+void secure_process() {
+  utils::open_standard_streams();
+  utils::let_writes_fail();
+  utils::end_between_lines();
+  utils::end_where_memory_is_missing();
+}
+
 /// Answers the exit status. The run stays in its place, for those who watched it.
 int run(std::optional<Domain>& domain, Watchers watchers) {
+  // Without a buffer: a piece that a full disk took only in part would be written again at the end.
+  Globals::spyFile.rdbuf()->pubsetbuf(nullptr, 0);
   Globals::spyFile.open("log.txt");
   if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
   Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
@@ -85,16 +107,19 @@ int run(std::optional<Domain>& domain, Watchers watchers) {
                             " sec. for " +
                             std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
                             " sec. of simulation.\n");
-  if (Globals::spyFile.is_open() && !Globals::spyFile.good()) {
-    utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
-  }
-  Globals::spyFile.close();
+  close_log();
   return Domain::is_complete() ? 0 : 128 + utils::interrupting_signal();
+}
+
+[[noreturn]] void end_beyond_memory(const std::exception& error) {
+  utils::fatal("Error. The run needs more memory than there can be (" + std::string(error.what()) +
+               ").\n");
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  secure_process();
   std::optional<RunReport> report;  // outlives the errors that it tells of, as does the run
   std::optional<Domain> domain;
   try {
@@ -116,9 +141,14 @@ int main(int argc, char** argv) {
     if (parser.cmdOptionExists("--progress")) progress.emplace(Progress::on_standard_error());
     const int status = run(domain, {.progress = progress ? &*progress : nullptr,
                                     .report = report ? &*report : nullptr});
+    utils::flush_console();
     if (!report) return status;
     report->write(status, "");
     return Thread::has_failed ? -1 : status;
+  } catch (const std::length_error& error) {
+    end_beyond_memory(error);
+  } catch (const std::bad_alloc& error) {  // a size that no machine has; others never get here
+    end_beyond_memory(error);
   } catch (const std::exception& error) {
     utils::fatal(error.what() + std::string("\n"));
   }

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "globals/Globals.hpp"
+#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
@@ -52,7 +53,10 @@ void rename_old_file(const std::string& name) {
 }
 
 void write_and_display(std::ostream& log, const std::string& message) {
-  if (Globals::displayMessage) std::cout << message << std::flush;
+  if (Globals::displayMessage) {
+    std::cout << message;
+    flush_console();
+  }
   log << message;
 }
 

@@ -6,6 +6,7 @@
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
+#include "utils/standard_streams.hpp"
 
 namespace utils {
 
@@ -25,7 +26,7 @@ void set_stop_handler(StopHandler handler) { stop_handler = std::move(handler); 
 
 void close_run(const std::string& message) {
   std::cerr << message;
-  std::cout.flush();
+  flush_console();
   Handoff::join_all();
   if (Globals::spyFile.is_open()) Globals::spyFile.close();
 }

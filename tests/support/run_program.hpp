@@ -26,10 +26,10 @@ struct RunOptions {
   std::size_t address_space = 0;  ///< bytes of memory the run may map, where it can be limited; 0:
                                   ///< no limit
   std::map<int, std::size_t> limits = {};  ///< further ones, by the number of a resource
-  double time_limit = 120.0;      ///< s; a run that takes longer is killed
-  int out = -1;                   ///< file for standard output; -1: it is kept for the result
-  int err = -1;                   ///< the same for standard error
-  std::vector<int> closed = {};   ///< standard streams that the run has to do without
+  double time_limit = 120.0;               ///< s; a run that takes longer is killed
+  int out = -1;                  ///< file for standard output; -1: it is kept for the result
+  int err = -1;                  ///< the same for standard error
+  std::vector<int> closed = {};  ///< standard streams that the run has to do without
 };
 
 struct RunResult {
