@@ -31,7 +31,8 @@ inline void print_usage(std::ostream& out) {
          "\n"
          "Results go to the output folder named in the data file, the log to log.txt in the\n"
          "working directory. Exit status: 0 when the run is complete, 255 after an error, 1 for\n"
-         "an unknown rain or soil ID, 130 or 143 when SIGINT (Ctrl-C) or SIGTERM ended the run\n"
-         "after its current step; a second signal ends it at once. Errors are on standard error,\n"
-         "except those of rain and soil IDs and soil types, which are on standard output.\n";
+         "an unknown rain or soil ID, 130, 143 or 129 when SIGINT (Ctrl-C), SIGTERM or SIGHUP\n"
+         "ended the run after its current step; a second signal ends it at once. Errors are on\n"
+         "standard error, except those of rain and soil IDs and soil types, which are on\n"
+         "standard output.\n";
 }
