@@ -111,6 +111,12 @@ int run(std::optional<Domain>& domain, Watchers watchers) {
   return Domain::is_complete() ? 0 : 128 + utils::interrupting_signal();
 }
 
+/// Exit status of a call that only writes to the console.
+int status_of_words() {
+  utils::flush_console();
+  return std::cout.good() ? 0 : -1;
+}
+
 [[noreturn]] void end_beyond_memory(const std::exception& error) {
   utils::fatal("Error. The run needs more memory than there can be (" + std::string(error.what()) +
                ").\n");
@@ -126,11 +132,11 @@ int main(int argc, char** argv) {
     const utils::InputParser parser(argc, argv);
     if (parser.cmdOptionExists("--help")) {
       print_usage(std::cout);
-      return 0;
+      return status_of_words();
     }
     if (parser.cmdOptionExists("--version")) {
       print_version(std::cout);
-      return 0;
+      return status_of_words();
     }
     parseInputs(parser);
     if (parser.cmdOptionExists("--report")) {

@@ -29,7 +29,7 @@ void flush_console() {
   if (std::cout.good() || is_lost) return;
   is_lost = true;
   const std::string reason = errno != 0 ? std::generic_category().message(errno) : "unknown reason";
-  warn("nothing more can be written to standard output: " + reason + ". The run goes on.");
+  warn("nothing more can be written to standard output: " + reason + ".");
 }
 
 }  // namespace utils

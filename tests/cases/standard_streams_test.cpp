@@ -30,8 +30,7 @@ class StandardStreams : public CaseTest {
   StandardStreams() { c = support::full_case(); }
 
   static std::string warning(const std::string& reason) {
-    return "Warning: nothing more can be written to standard output: " + reason +
-           ". The run goes on.\n";
+    return "Warning: nothing more can be written to standard output: " + reason + ".\n";
   }
 };
 
@@ -78,6 +77,16 @@ TEST_F(StandardStreams, MayBeFull) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, warning("No space left on device"));
   EXPECT_EQ(files_of(folder), files);
+}
+
+TEST_F(StandardStreams, MustTakeWhatIsOnlyMeantForThem) {
+  const int full = open("/dev/full", O_WRONLY | O_CLOEXEC);
+  for (const char* const option : {"--help", "--version"}) {
+    const RunResult result = support::run_program(folder.path(), {option}, {.out = full});
+    EXPECT_EQ(result.status, 255) << option;
+    EXPECT_EQ(result.err, warning("No space left on device")) << option;
+  }
+  close(full);
 }
 
 }  // namespace
