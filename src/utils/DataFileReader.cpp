@@ -1,6 +1,9 @@
 #include "utils/DataFileReader.hpp"
 
+#include <type_traits>
+
 #include "utils/data_file_keys.hpp"
+#include "utils/json_file.hpp"
 #include "utils/known_keys.hpp"
 
 namespace utils {
@@ -9,7 +12,7 @@ DataFileReaderException::DataFileReaderException(std::string message, std::strin
     : text_(std::move(message) + std::move(key)) {}
 
 DataFileReader::DataFileReader(const std::string& path)
-    : Reader(path), document_(json::parse(stream_)) {}
+    : Reader(path), document_(parse_json(stream_, name_)) {}
 
 template <class T>
 bool DataFileReader::validateKey(const json& object, const std::string& key) const {
@@ -18,6 +21,7 @@ bool DataFileReader::validateKey(const json& object, const std::string& key) con
                                   key);
   }
   read_.insert(&object.at(key));
+  if constexpr (std::is_same_v<T, json>) return true;  // every value is one, and may be large
   try {
     object.at(key).get<T>();
   } catch (const json::exception&) {

@@ -53,6 +53,36 @@ TEST_F(DataFile, ReportsAValueOfTheWrongType) {
   expect_stop(bad_format + "t0\n");
 }
 
+TEST_F(DataFile, RefusesValuesThatAreNestedTooDeep) {
+  c.write(folder);
+  const std::string data = c.data.dump();
+  const std::string refusal =
+      "Error. The values in the file data.json are nested more than 100 levels deep, expected at "
+      "most 100.\n";
+  struct Brackets {
+    std::string open, close;
+    std::size_t levels;
+  };
+  for (const Brackets& brackets :
+       {Brackets{"[", "]", 1}, Brackets{"{\"a\":", "}", 1}, Brackets{"[{\"a\":", "}]", 2}}) {
+    const auto nested = [&](std::size_t times) {
+      std::string text = "{\"ignored\": ";
+      for (std::size_t i = 0; i < times; ++i) text += brackets.open;
+      text += "0";
+      for (std::size_t i = 0; i < times; ++i) text += brackets.close;
+      return text + "," + data.substr(1);
+    };
+    for (const std::size_t times : {99 / brackets.levels + 1, std::size_t{100000}}) {
+      folder.write("data.json", nested(times));
+      const RunResult result = support::run_case(folder);
+      EXPECT_EQ(result.status, 255) << times << brackets.open;
+      EXPECT_EQ(result.err, refusal) << times << brackets.open;
+    }
+    folder.write("data.json", nested(99 / brackets.levels));
+    EXPECT_EQ(support::run_case(folder).status, 0) << brackets.open;
+  }
+}
+
 TEST_F(DataFile, ReportsTheZeroDepthBeforeTheFluxScheme) {
   c.data["model"]["zero depth value"] = "thin";
   c.data["model"].erase("flux scheme");

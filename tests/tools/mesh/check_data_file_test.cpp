@@ -112,6 +112,22 @@ TEST_F(CheckDataFile, RefusesWhatIsNotJson) {
   EXPECT_TRUE(support::contains(texts("errors", "data file")[0], "line 1, column 10"));
 }
 
+TEST_F(CheckDataFile, RefusesValuesThatAreNestedTooDeep) {
+  c.write(folder);
+  const std::string nested = std::string(100000, '[') + std::string(100000, ']');
+  folder.write("data.json", "{\"ignored\": " + nested + "," + c.data.dump().substr(1));
+  for (const std::string way : {"--quick", "--json"}) {
+    const support::RunResult result = mesh_tool({"check", ".", "--json", way});
+    EXPECT_EQ(result.status, 1) << way;
+    report = json::parse(result.out);
+    EXPECT_EQ(texts("errors", "data file"),
+              (std::vector<std::string>{"The values in the file data.json are nested more than 100 "
+                                        "levels deep, expected at most 100"}))
+        << way;
+  }
+  EXPECT_EQ(support::run_case(folder).status, 255);
+}
+
 TEST_F(CheckDataFile, RefusesADataFileThatIsNotThere) {
   const support::RunResult result = mesh_tool({"check", "nowhere.json", "--json"});
   EXPECT_EQ(result.status, 1);

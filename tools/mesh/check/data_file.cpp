@@ -3,7 +3,9 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
+#include "utils/json_file.hpp"
 #include "utils/known_keys.hpp"
 
 namespace tools::check {
@@ -241,9 +243,12 @@ DataFile read_data_file(const std::string& path, Findings& findings) {
   try {
     stream.peek();
     if (!stream) throw std::ios_base::failure("");
-    document = nlohmann::json::parse(stream);
+    document = utils::parse_json(stream, path);
   } catch (const nlohmann::json::exception& error) {
     findings.error("data file", path + " is not valid JSON: " + error.what());
+    return {};
+  } catch (const utils::JsonTooDeepException& error) {
+    findings.error("data file", finding_text(error.what()));
     return {};
   } catch (const std::ios_base::failure&) {
     findings.error("unreadable file", "the data file " + path + " can't be read");

@@ -16,6 +16,7 @@
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "utils/data_file_keys.hpp"
+#include "utils/json_file.hpp"
 
 namespace tools::check {
 
@@ -39,7 +40,12 @@ struct Measurement {
 std::optional<nlohmann::json> trial_data(const std::string& data_file, const std::string& folder) {
   namespace key = utils::key;
   std::ifstream stream(data_file, std::ios::binary);
-  nlohmann::json data = nlohmann::json::parse(stream, nullptr, false);
+  nlohmann::json data;
+  try {
+    data = utils::parse_json(stream, data_file);
+  } catch (const std::exception&) {
+    return {};  // the check of the data file says why
+  }
   if (!data.is_object()) return {};
   if (!data.contains(key::output) || !data[key::output].is_object()) return data;
   nlohmann::json& output = data[key::output];

@@ -1,0 +1,23 @@
+// JSON that others wrote, which may be nested as deeply as they please.
+#pragma once
+
+#include <istream>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string>
+
+namespace utils {
+
+/// Levels of objects and arrays that a JSON file may have: what walks its values recurses.
+inline constexpr int deepest_json_level = 100;
+
+class JsonTooDeepException : public std::runtime_error {
+ public:
+  explicit JsonTooDeepException(const std::string& file);
+};
+
+/// Parses the whole stream; `file` names it in messages. Throws a JsonTooDeepException while the
+/// values are still few, and the library's own exception for what is no JSON.
+nlohmann::json parse_json(std::istream& stream, const std::string& file);
+
+}  // namespace utils
