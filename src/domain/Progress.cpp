@@ -9,6 +9,8 @@
 #include <iostream>
 #include <string>
 
+#include "utils/number_text.hpp"
+
 namespace {
 
 constexpr double interval_on_terminal = 0.1;  // s
@@ -23,6 +25,10 @@ std::string hours_minutes_seconds(double seconds) {
   char text[32];
   std::snprintf(text, sizeof text, "%ld:%02ld:%02ld", whole / 3600, whole / 60 % 60, whole % 60);
   return text;
+}
+
+std::string right_aligned(const std::string& text, std::size_t width) {
+  return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
 }  // namespace
@@ -64,12 +70,12 @@ void Progress::show(double t, double dt, const FlowSurvey& flow) {
 
   const double percent = std::clamp(100.0 * (t - t_start_) / (t_end_ - t_start_), 0.0, 100.0);
   const double left = std::max(0.0, t_end_ - t) / pace();
-  char line[200];
-  std::snprintf(line, sizeof line,
-                "%5.1f %%  step %.3g s  %ld wet cells  fastest %.3g m/s  %s gone  %s left", percent,
-                dt, flow.wet_cells, flow.largest_speed, hours_minutes_seconds(now - start_).c_str(),
-                hours_minutes_seconds(left).c_str());
-  out_ << (is_terminal_ ? "\r" : "") << line << (is_terminal_ ? "\033[K" : "\n") << std::flush;
+  out_ << (is_terminal_ ? "\r" : "") + right_aligned(utils::fixed_text(percent, 1), 5) + " %  step " +
+              utils::number_text(dt, 3) + " s  " + std::to_string(flow.wet_cells) +
+              " wet cells  fastest " + utils::number_text(flow.largest_speed, 3) + " m/s  " +
+              hours_minutes_seconds(now - start_) + " gone  " + hours_minutes_seconds(left) +
+              " left" + (is_terminal_ ? "\033[K" : "\n")
+       << std::flush;
   has_line_ = is_terminal_;
 
   const double after = wall_clock_();

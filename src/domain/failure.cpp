@@ -10,6 +10,7 @@
 #include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
 #include "utils/files.hpp"
+#include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -58,7 +59,7 @@ void Domain::warn_of_lost_states() const {
   const FlowSurvey flow = survey_flow(*model);
   if (flow.not_finite == 0) return;
   utils::warn("the state of " + std::to_string(flow.not_finite) +
-              " cells is not a number at t = " + std::to_string(Globals::t) + " s.");
+              " cells is not a number at t = " + utils::fixed_text(Globals::t, 6) + " s.");
   const std::vector<int> lost = {flow.a_cell_not_finite};
   model->publish(lost);
   show(*model->cells[static_cast<std::size_t>(lost.front())]);

@@ -1,17 +1,16 @@
 // Set-up of the sediments: their parameters in the log, and checks of what they can mean.
 #include <algorithm>
-#include <sstream>
+#include <string>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
+#include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
 namespace {
 
 std::string value_of(const std::string& key, double value) {
-  std::ostringstream text;
-  text << "\"" << key << "\" is " << value;
-  return text.str();
+  return "\"" + key + "\" is " + utils::number_text(value);
 }
 
 /// Without sediment in any cell a senseless parameter changes nothing: a warning will do.

@@ -69,6 +69,7 @@ void Domain::read_hyetograms(const std::string& path) {
   utils::TextScanner file(path);
   const int count = file.read_count("number of hyetograms", 3);
   hyetograms.reserve(static_cast<std::size_t>(count));
+  utils::RepeatedWarning warnings("hyetograms out of order.");
   for (int i = 0; i < count; ++i) {
     file.begin_record("hyetogram", i, count);
     const int id = file.read_integer("ID");
@@ -76,6 +77,11 @@ void Domain::read_hyetograms(const std::string& path) {
     const int dts = file.read_integer("step");
     hyetograms.push_back(std::make_unique<RainTerm>(id, intervals, dts));
     hyetograms.back()->read_hyetogram(file, intervals);
+    if (!hyetograms.back()->is_in_order()) {
+      warnings.add("hyetogram " + std::to_string(id) +
+                   " has an interval that starts before the one above it: of those that have "
+                   "started, the last in the file counts.");
+    }
   }
 }
 

@@ -1,12 +1,13 @@
 // The time loop: outputs, progress, and the steps.
 #include <iomanip>
 #include <iostream>
-#include <sstream>
+#include <string>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
+#include "utils/number_text.hpp"
 #include "utils/signals.hpp"
 #include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
@@ -105,10 +106,9 @@ void Domain::fire_outputs() {
 }
 
 void Domain::report_interruption() {
-  std::ostringstream text;
-  text << " interrupted at t = " << Globals::t << " s\n";
-  Globals::spyFile << "Simulation" << text.str();
-  std::cerr << "The run was" << text.str();
+  const std::string text = " interrupted at t = " + utils::number_text(Globals::t) + " s\n";
+  Globals::spyFile << "Simulation" << text;
+  std::cerr << "The run was" << text;
 }
 
 void Domain::stop_if_writer_failed() {

@@ -1,6 +1,8 @@
 #include "interfaces/TimeSeries.hpp"
 
+#include <filesystem>
 #include <map>
+#include <system_error>
 
 #include "physics/time_series.hpp"
 #include "utils/TextScanner.hpp"
@@ -23,11 +25,14 @@ TimeSeries::TimeSeries(const std::string& file) {
 }
 
 std::shared_ptr<const TimeSeries> TimeSeries::from_file(const std::string& file) {
-  static std::map<std::string, std::weak_ptr<const TimeSeries>> known;
-  std::shared_ptr<const TimeSeries> series = known[file].lock();
+  static std::map<std::filesystem::path, std::weak_ptr<const TimeSeries>> known;
+  // A relative name means another file in another working directory.
+  std::error_code ignored;
+  std::weak_ptr<const TimeSeries>& entry = known[std::filesystem::weakly_canonical(file, ignored)];
+  std::shared_ptr<const TimeSeries> series = entry.lock();
   if (!series) {
     series = std::make_shared<const TimeSeries>(file);
-    known[file] = series;
+    entry = series;
   }
   return series;
 }

@@ -1,23 +1,22 @@
 #include "output/Gauge.hpp"
 
 #include <limits>
-#include <sstream>
+#include <string>
 
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
 #include "output/COutput.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
 namespace {
 
-void warn_without_cell(int number, double x, double y) {
-  std::ostringstream text;
-  text.precision(15);
-  text << "gauge " << number << " (counted from 0) at (" << x << ", " << y
-       << ") lies in no cell; its values are written as nan. A point on an edge, or at the centre "
-          "of a cell whose nodes run counter-clockwise, belongs to no cell.";
-  utils::warn(text.str());
+std::string without_cell(int number, double x, double y) {
+  return "gauge " + std::to_string(number) + " (counted from 0) at (" + utils::number_text(x, 15) +
+         ", " + utils::number_text(y, 15) +
+         ") lies in no cell; its values are written as nan. A point on an edge, or at the centre "
+         "of a cell whose nodes run counter-clockwise, belongs to no cell.";
 }
 
 /// What a gauge without a cell writes.
@@ -36,6 +35,7 @@ Gauge::Gauge(const std::string& path, const CellLocator& cell_with_point, double
   const int count = file.read_count("number of gauges", 3);
   const std::string name = file.read_word("result file name");
   interval_ = file.read_number("recording interval");
+  utils::RepeatedWarning warnings("gauges in no cell.");
   for (int i = 0; i < count; ++i) {
     file.begin_record("gauge", i, count);
     const double x = file.read_number("x");
@@ -45,7 +45,7 @@ Gauge::Gauge(const std::string& path, const CellLocator& cell_with_point, double
     if (cells_.back() != nullptr) {
       watched_cells_.push_back(cells_.back()->id);
     } else {
-      warn_without_cell(i, x, y);
+      warnings.add(without_cell(i, x, y));
     }
   }
   output_.open(Globals::g_outputPath + name);

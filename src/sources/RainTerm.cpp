@@ -1,7 +1,8 @@
 #include "sources/RainTerm.hpp"
 
+#include <algorithm>
+
 #include "globals/Globals.hpp"
-#include "utils/stop.hpp"
 
 RainTerm::RainTerm(int id, int count, int dts)
     : SourceTerm(id, dts),
@@ -9,18 +10,13 @@ RainTerm::RainTerm(int id, int count, int dts)
       intensities(static_cast<std::size_t>(count)) {}
 
 void RainTerm::read_hyetogram(utils::TextScanner& file, int count) {
-  bool is_out_of_order = false;
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
     times[i] = file.read_number("start time of an interval");
     intensities[i] = file.read_number("intensity");
-    is_out_of_order |= i > 0 && times[i] < times[i - 1];
-  }
-  if (is_out_of_order) {
-    utils::warn("hyetogram " + std::to_string(getID()) +
-                " has an interval that starts before the one above it: of those that have started, "
-                "the last in the file counts.");
   }
 }
+
+bool RainTerm::is_in_order() const { return std::is_sorted(times.begin(), times.end()); }
 
 int RainTerm::current_hyetogram_index(double t) const {
   return physics::hyetogram_index_at(hyetogram(), t);

@@ -15,6 +15,8 @@ class RainTerm : public SourceTerm {
 
   /// Reads `count` pairs of start time (s) and intensity (m/s).
   void read_hyetogram(utils::TextScanner& file, int count);
+  /// Whether no interval starts before the one above it.
+  bool is_in_order() const;
   /// The last interval that has started at time t (s); the first one before every start.
   int current_hyetogram_index(double t) const;
 

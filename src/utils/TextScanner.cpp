@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <filesystem>
 
+#include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
@@ -23,17 +23,8 @@ std::string_view without_plus(std::string_view token) {
 }
 
 /// Whether the token is a finite number; `value` receives it.
-bool parse_number(std::string_view token, double& value) {
-  const std::string_view digits = without_plus(token);
-  const char* last = digits.data() + digits.size();
-  const auto [end, error] = std::from_chars(digits.data(), last, value);
-  if (end != last) return false;
-  if (error == std::errc::result_out_of_range) {
-    value = std::strtod(std::string(digits).c_str(), nullptr);  // too small is 0, too large is not
-  } else if (error != std::errc()) {
-    return false;
-  }
-  return std::isfinite(value);
+bool parse_finite_number(std::string_view token, double& value) {
+  return parse_number(without_plus(token), value) && std::isfinite(value);
 }
 
 /// Printable start of a token, for a message.
@@ -103,7 +94,7 @@ std::string_view TextScanner::token() const {
 
 double TextScanner::read_any_number(const char* field) {
   double value = 0.0;
-  if (!parse_number(next_token(), value)) refuse(field, "a finite number");
+  if (!parse_finite_number(next_token(), value)) refuse(field, "a finite number");
   return value;
 }
 
@@ -145,6 +136,8 @@ std::string TextScanner::place() {
   text += record_kind_ + (" " + std::to_string(record_index_));
   return text + " (of 0 to " + std::to_string(record_total_ - 1) + ")";
 }
+
+void TextScanner::refuse_record(const std::string& why) { fatal(place() + ": " + why + ".\n"); }
 
 void TextScanner::refuse(const char* field, const std::string& expected) {
   const std::string found = token().empty() ? "the end of the file" : quoted(token());

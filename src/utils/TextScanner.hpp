@@ -60,6 +60,8 @@ class TextScanner : public Reader {
 
   /// Ends the run: the value read last is not what is expected.
   [[noreturn]] void refuse(const char* field, const std::string& expected);
+  /// Ends the run: the values of the record read last do not go together.
+  [[noreturn]] void refuse_record(const std::string& why);
 
  private:
   /// White space of the C locale.

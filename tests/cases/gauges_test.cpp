@@ -77,6 +77,14 @@ TEST_F(Gauges, InNoCellWarnAndWriteNanWhileTheRunGoesOn) {
   EXPECT_EQ(support::split(rows()[2], '\t')[5], "nan");
 }
 
+TEST_F(Gauges, InNoCellAreNamedTenTimes) {
+  c.add_gauges(std::vector<support::Point>(12, {-1.0, 7.5}), 0.5);
+  const std::vector<std::string> lines = support::lines(run().err);
+  ASSERT_EQ(lines.size(), 11U);
+  EXPECT_TRUE(support::starts_with(lines[9], "Warning: gauge 9 (counted from 0) at (-1, 7.5) "));
+  EXPECT_EQ(lines[10], "Warning: 2 more gauges in no cell.");
+}
+
 TEST_F(Gauges, AtTheCentreOfACellNeedACellThatRunsClockwise) {
   c.size = 3.0;  // centres are exact
   c.add_gauges({{2.0, 1.0}}, 0.5);

@@ -72,6 +72,18 @@ TEST_F(Warnings, AreCountedFromTheEleventhOfAKindOn) {
   EXPECT_EQ(lines[10], "Warning: 33 more edges whose normal points into their left cell.");
 }
 
+TEST_F(Warnings, NameTenHyetogramsOutOfOrder) {
+  std::string hyetograms = "12\n";
+  for (int id = 1; id <= 12; ++id) hyetograms += std::to_string(id) + " 2 1\n10 0\n5 0\n";
+  c.add_rain(hyetograms, c.per_cell("1"));
+  const std::vector<std::string> lines = warnings();
+  ASSERT_EQ(lines.size(), 11U);
+  EXPECT_EQ(lines[0],
+            "Warning: hyetogram 1 has an interval that starts before the one above it: of those "
+            "that have started, the last in the file counts.");
+  EXPECT_EQ(lines[10], "Warning: 2 more hyetograms out of order.");
+}
+
 TEST_F(Warnings, NameTheBoundaryEdgeThatHasARightCell) {
   change_edge(0, "0 1 6 0 -5");
   const std::vector<std::string> lines = warnings();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "support/TemporaryFolder.hpp"
 
 namespace {
@@ -52,6 +54,23 @@ TEST_F(TimeSeriesTest, EdgesThatNameTheSameFileShareIt) {
   EXPECT_EQ(series, TimeSeries::from_file(file));
   EXPECT_NE(series, TimeSeries::from_file(other));
   EXPECT_EQ(TimeSeries::from_file(other)->values.front(), 5.0);
+}
+
+TEST_F(TimeSeriesTest, ARelativeNameIsThatOfTheWorkingDirectory) {
+  namespace fs = std::filesystem;
+  const fs::path before = fs::current_path();
+  write("2 0 1 10 2");
+  fs::create_directory(folder.file("other"));
+  folder.write("other/series.txt", "2 0 5 10 6");
+  fs::current_path(folder.path());
+  const auto here = TimeSeries::from_file("series.txt");
+  EXPECT_EQ(here, TimeSeries::from_file("./other/../series.txt"));
+  fs::current_path("other");
+  const auto there = TimeSeries::from_file("series.txt");
+  EXPECT_EQ(here, TimeSeries::from_file("../series.txt"));
+  fs::current_path(before);
+  EXPECT_EQ(here->values.front(), 1.0);
+  EXPECT_EQ(there->values.front(), 5.0);
 }
 
 TEST_F(TimeSeriesTest, AFileThatNoEdgeHoldsAnyMoreIsReadAgain) {

@@ -42,15 +42,14 @@ TEST_F(RainTermTest, ReadsPairsOfTimeAndIntensity) {
   EXPECT_EQ(read.get_dts(), 60.0);
 }
 
-TEST_F(RainTermTest, WarnsAboutIntervalsOutOfOrder) {
+TEST_F(RainTermTest, TellsWhetherItsIntervalsAreInOrder) {
   const support::TemporaryFolder folder;
-  utils::TextScanner file(folder.write("rain.txt", "0 1  200 2  100 5"));
-  testing::internal::CaptureStderr();
-  RainTerm(4, 3, 60).read_hyetogram(file, 3);
-  EXPECT_EQ(
-      testing::internal::GetCapturedStderr(),
-      "Warning: hyetogram 4 has an interval that starts before the one above it: of those that "
-      "have started, the last in the file counts.\n");
+  utils::TextScanner file(folder.write("rain.txt", "0 1  200 2  100 5   0 1  0 2"));
+  RainTerm disordered(4, 3, 60), ordered(5, 2, 60);
+  disordered.read_hyetogram(file, 3);
+  ordered.read_hyetogram(file, 2);
+  EXPECT_FALSE(disordered.is_in_order());
+  EXPECT_TRUE(ordered.is_in_order());
 }
 
 TEST_F(RainTermTest, AHyetogramWithoutIntervalsBringsNoRain) {

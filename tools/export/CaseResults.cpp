@@ -3,11 +3,12 @@
 #include <array>
 #include <cmath>
 #include <filesystem>
-#include <sstream>
+#include <string>
 
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/number_text.hpp"
 #include "utils/snapshot_name.hpp"
 
 namespace exports {
@@ -107,15 +108,13 @@ const SnapshotFile& CaseResults::snapshot_at(std::optional<double> time) const {
   }
   if (!time) return snapshots.back();
   constexpr double tolerance = 0.005;  // s; the names of the files have two decimals
-  std::ostringstream times;
+  std::string times;
   for (const SnapshotFile& snapshot : snapshots) {
     if (std::abs(snapshot.time - *time) <= tolerance) return snapshot;
-    times << (times.tellp() > 0 ? ", " : "") << snapshot.time;
+    times += (times.empty() ? "" : ", ") + utils::number_text(snapshot.time);
   }
-  std::ostringstream text;
-  text << "No snapshot is there for the time " << *time << " s; those there are for " << times.str()
-       << " s.";
-  throw tools::Error(text.str());
+  throw tools::Error("No snapshot is there for the time " + utils::number_text(*time) +
+                     " s; those there are for " + times + " s.");
 }
 
 }  // namespace exports

@@ -1,5 +1,6 @@
 #include "export/PartialFile.hpp"
 
+#include <locale>
 #include <system_error>
 
 #include "support/Error.hpp"
@@ -34,6 +35,7 @@ void PartialFile::commit() {
 PartialStream::PartialStream(const fs::path& name)
     : name_(name), file_(name), stream_(file_.part(), std::ios::binary) {
   if (!stream_) throw tools::Error("The file " + name.string() + " couldn't be created.");
+  stream_.imbue(std::locale::classic());  // a point in numbers, whatever the locale
 }
 
 void PartialStream::commit() {

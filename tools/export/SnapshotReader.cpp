@@ -5,6 +5,7 @@
 #include <string>
 
 #include "export/TableReader.hpp"
+#include "utils/number_text.hpp"
 
 namespace exports {
 
@@ -63,9 +64,9 @@ void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapsho
                    " cells of the mesh. Is it a result of this case?");
     }
     if (!agrees(row[0], mesh.center_x[i]) || !agrees(row[1], mesh.center_y[i])) {
-      table.refuse(": found the centre (" + std::to_string(row[0]) + ", " + std::to_string(row[1]) +
+      table.refuse(": found the centre (" + utils::fixed_text(row[0], 6) + ", " + utils::fixed_text(row[1], 6) +
                    "), expected that of cell " + std::to_string(i) + ", (" +
-                   std::to_string(mesh.center_x[i]) + ", " + std::to_string(mesh.center_y[i]) +
+                   utils::fixed_text(mesh.center_x[i], 6) + ", " + utils::fixed_text(mesh.center_y[i], 6) +
                    "). Is it a result of this mesh?");
     }
     for (std::size_t k = 0; k < columns.size(); ++k) {

@@ -2,12 +2,12 @@
 
 #include <charconv>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <limits>
 
 #include "support/Error.hpp"
+#include "utils/number_text.hpp"
 
 namespace exports {
 
@@ -86,7 +86,7 @@ bool TableReader::next_row(std::span<double> values) {
     const auto [end, error] = std::from_chars(at, last, values[k]);
     const bool is_whole = end == last || is_blank(*end);
     if (error == std::errc::result_out_of_range) {
-      values[k] = std::strtod(std::string(at, end).c_str(), nullptr);  // too small is 0
+      utils::parse_number({at, static_cast<std::size_t>(end - at)}, values[k]);  // too small is 0
     }
     const bool is_known = std::fabs(values[k]) <= std::numeric_limits<float>::max() ||
                           (missing_ == Missing::allowed && std::isnan(values[k]));

@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <sstream>
+#include <string>
 #include <utility>
 
 #include "support/Error.hpp"
+#include "utils/number_text.hpp"
 
 namespace exports {
 
@@ -62,10 +63,10 @@ Grid grid_over(const Extent& extent, double resolution) {
   const double columns = std::max(1.0, std::ceil((extent.east - west) / resolution));
   const double rows = std::max(1.0, std::ceil((north - extent.south) / resolution));
   if (!(columns * rows <= most_pixels)) {
-    std::ostringstream text;
-    text << "A resolution of " << resolution << " m gives " << columns << " x " << rows
-         << " pixels, expected at most " << most_pixels << ": choose a coarser one.";
-    throw tools::Error(text.str());
+    throw tools::Error("A resolution of " + utils::number_text(resolution) + " m gives " +
+                       utils::number_text(columns) + " x " + utils::number_text(rows) +
+                       " pixels, expected at most " + utils::number_text(most_pixels) +
+                       ": choose a coarser one.");
   }
   return {west, north, resolution, static_cast<int>(columns), static_cast<int>(rows)};
 }

@@ -6,13 +6,14 @@
 #include <cstdio>
 #include <filesystem>
 #include <functional>
-#include <sstream>
+#include <string>
 #include <type_traits>
 #include <vector>
 
 #include "export/PartialFile.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/quantities.hpp"
+#include "utils/number_text.hpp"
 
 namespace exports {
 
@@ -179,8 +180,7 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
   const auto beside = [&](const std::string& suffix) {
     return collection.parent_path() / (collection.stem().string() + suffix + ".vtu");
   };
-  std::ostringstream data_sets;
-  data_sets.precision(15);
+  std::string data_sets;
   Snapshot snapshot;
   for (std::size_t i = 0; i < results.snapshots.size(); ++i) {
     read_snapshot(results, results.snapshots[i], snapshot);
@@ -188,9 +188,9 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
     std::snprintf(number, sizeof number, "_%04zu", i);
     const fs::path name = beside(number);
     write_snapshot(name, results, snapshot, options.has_relief);
-    data_sets << "<DataSet timestep=\"" << snapshot.time << "\" group=\"\" part=\"0\" file=\""
-              << name.filename().string() << "\"/>\n";
-    write_collection(collection, data_sets.str());
+    data_sets += "<DataSet timestep=\"" + utils::number_text(snapshot.time, 15) +
+                 "\" group=\"\" part=\"0\" file=\"" + name.filename().string() + "\"/>\n";
+    write_collection(collection, data_sets);
   }
   if (const auto max_depth = results.max_depth()) {
     write_maxima(beside("_maxima"), results, *max_depth, options.has_relief);

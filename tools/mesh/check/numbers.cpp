@@ -1,25 +1,14 @@
 #include "mesh/check/numbers.hpp"
 
-#include <sstream>
+#include "utils/number_text.hpp"
 
 namespace tools::check {
 
-namespace {
+std::string number(double value) { return utils::number_text(value, 6); }
 
-std::string text_of(double value, int digits) {
-  std::ostringstream text;
-  text.precision(digits);
-  text << value;
-  return text.str();
-}
+std::string rounded(double value) { return utils::number_text(value, 3); }
 
-}  // namespace
-
-std::string number(double value) { return text_of(value, 6); }
-
-std::string rounded(double value) { return text_of(value, 3); }
-
-std::string coordinate(double value) { return text_of(value, 12); }
+std::string coordinate(double value) { return utils::number_text(value, 12); }
 
 std::string point(double x, double y) { return "(" + coordinate(x) + ", " + coordinate(y) + ")"; }
 

@@ -1,0 +1,40 @@
+#include "utils/number_text.hpp"
+
+#include <array>
+#include <charconv>
+#include <locale>
+#include <sstream>
+
+namespace utils {
+
+namespace {
+
+template <class... Format>
+std::string text_of(double value, Format... format) {
+  std::array<char, 400> text;  // 309 digits before the point, and what comes behind it
+  const auto end = std::to_chars(text.data(), text.data() + text.size(), value, format...).ptr;
+  return std::string(text.data(), end);
+}
+
+}  // namespace
+
+std::string number_text(double value, int digits) {
+  return text_of(value, std::chars_format::general, digits);
+}
+
+std::string fixed_text(double value, int decimals) {
+  return text_of(value, std::chars_format::fixed, decimals);
+}
+
+bool parse_number(std::string_view text, double& value) {
+  const char* const last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, value);
+  if (end != last) return false;
+  if (error != std::errc::result_out_of_range) return error == std::errc();
+  // Streams tell what is too small, which is 0, from what is too large, which fails.
+  std::istringstream stream{std::string(text)};
+  stream.imbue(std::locale::classic());
+  return static_cast<bool>(stream >> value);
+}
+
+}  // namespace utils

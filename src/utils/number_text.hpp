@@ -1,0 +1,19 @@
+// Numbers as text, the same in every locale: a point before the decimals, nothing between thousands.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace utils {
+
+/// A number as a stream writes it by default, to a number of significant digits.
+std::string number_text(double value, int digits = 6);
+
+/// A number with all its decimals, as in "12.50".
+std::string fixed_text(double value, int decimals);
+
+/// Whether the text is a number: not too large, but perhaps infinite or "nan" by its own words; what
+/// is too small is 0. `value` receives it.
+bool parse_number(std::string_view text, double& value);
+
+}  // namespace utils
