@@ -1,7 +1,10 @@
 // Set-up of the mesh: nodes, cells and edges, and warnings about what is suspicious in them.
+#include <cmath>
+
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "globals/edge_codes.hpp"
+#include "model/finite_geometry.hpp"
 #include "utils/MeshReader.hpp"
 #include "utils/files.hpp"
 #include "utils/stop.hpp"
@@ -102,6 +105,7 @@ void Domain::read_cells(const std::string& name) {
       nodes.push_back(&model->mesh_nodes[static_cast<std::size_t>(node)]);
     }
     model->build_cell(i, nodes);
+    if (!has_finite_geometry(*model->cells.back())) reader.refuse_record(overflow_of(nodes));
   }
 }
 
@@ -116,7 +120,9 @@ void Domain::read_edges(const std::string& name) {
     model->build_interface(flux_scheme, i, left, right,
                            model->mesh_nodes[static_cast<std::size_t>(node1)],
                            model->mesh_nodes[static_cast<std::size_t>(node2)], code, value, file);
-    warnings.check(*model->interfaces.back(), right, code);
+    const GenericInterface& edge = *model->interfaces.back();
+    if (!std::isfinite(edge.length)) reader.refuse_record(overflow_of({edge.nodes[0], edge.nodes[1]}));
+    warnings.check(edge, right, code);
   }
   for (const auto& cell : model->cells) {
     cell->sort_interfaces_by_tag();

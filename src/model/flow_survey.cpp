@@ -46,7 +46,8 @@ int cell_in_the_middle(const PhysicalModel& model, StateAt state_of_cell) {
     y += model.cells[static_cast<std::size_t>(i)]->center.y;
   }
   const auto count = static_cast<double>(cells.size());
-  int nearest = -1;
+  // The first one, where the coordinates are too large for a middle.
+  int nearest = cells.empty() ? -1 : cells.front();
   double least = std::numeric_limits<double>::infinity();
   for (const int cell : cells) {
     const MeshNode& center = model.cells[static_cast<std::size_t>(cell)]->center;

@@ -46,7 +46,7 @@ const std::vector<double>& MeshReader::read_next_node(int n) {
 const std::vector<int>& MeshReader::read_next_cell(int n_nodes) {
   begin_next_record();
   const int k = scanner_.read_integer("number of nodes");
-  if (k != static_cast<int>(cell_nodes_.size())) resize_cell(k);
+  if (k < 3 || k != static_cast<int>(cell_nodes_.size())) resize_cell(k);
   for (int& node : cell_nodes_) node = scanner_.read_index("node", n_nodes);
   return cell_nodes_;
 }

@@ -40,6 +40,9 @@ class MeshReader {
   /// holds until the next call.
   const EdgeRecord& read_next_edge(int n_nodes, int n_cells);
 
+  /// Ends the run: the record read last cannot be computed with.
+  [[noreturn]] void refuse_record(const std::string& why) { scanner_.refuse_record(why); }
+
  private:
   void begin_next_record();
   void resize_cell(int number_of_nodes);

@@ -130,4 +130,35 @@ TEST_F(InputFiles, OfSourcesMayLeaveEveryCellWithoutASource) {
   EXPECT_EQ(results(), expected);
 }
 
+TEST_F(InputFiles, RefuseACellOfFewerThanThreeNodes) {
+  c.nx = c.ny = 1;
+  for (const std::string nodes : {"0 0 0 0", "1 0 0 0", "2 0 1 0"}) {
+    c.files["cells.txt"] = "2\n" + nodes + "\n3 0 3 2\n";
+    expect_stop("Error in file cells.txt, line 2, cell 0 (of 0 to 1), number of nodes: found \"" +
+                nodes.substr(0, 1) + "\", expected at least 3.\n");
+  }
+}
+
+TEST_F(InputFiles, NameTheFirstCellWhoseCoordinatesOverflow) {
+  c.nx = c.ny = 1;
+  const std::string end =
+      "), expected coordinates in metres whose sums and products are finite numbers.\n";
+  c.files["nodes.txt"] = "4\n0 0 0\n1 0 0\n0 1 0\n1 1e308 0\n";
+  expect_stop("Error in file cells.txt, line 2, cell 0 (of 0 to 1): found a node at (1, 1e+308, 0" +
+              end);
+  c.files["nodes.txt"] = "4\n1e308 1e308 0\n1e308 1e308 0\n1e308 1e308 0\n1e308 1e308 0\n";
+  expect_stop(
+      "Error in file cells.txt, line 2, cell 0 (of 0 to 1): found a node at (1e+308, 1e+308, 0" +
+      end);
+}
+
+TEST_F(InputFiles, NameTheFirstEdgeWhoseCoordinatesOverflow) {
+  c.nx = c.ny = 1;
+  c.files["nodes.txt"] = "5\n0 0 0\n1 0 0\n0 1 0\n1 1 0\n1e200 0 0\n";
+  c.files["edges.txt"] = "2\n0 -1 0 1 -5\n0 -1 0 4 -5\n";
+  expect_stop(
+      "Error in file edges.txt, line 3, edge 1 (of 0 to 1): found a node at (1e+200, 0, 0), "
+      "expected coordinates in metres whose sums and products are finite numbers.\n");
+}
+
 }  // namespace

@@ -137,6 +137,22 @@ TEST_F(MeshReaderDeathTest, RefusesACellOfFewerThanThreeNodes) {
       error("2, cell 0 \\(of 0 to 0\\), number of nodes: found \"2\", expected at least 3"));
 }
 
+TEST_F(MeshReaderDeathTest, RefusesACellWithoutNodesInEveryPlace) {
+  const std::string refusal = "number of nodes: found \"0\", expected at least 3";
+  EXPECT_EXIT(cells("2 0 0 0 0 0 0 0 0 0").read_next_cell(3), ExitedWithCode(255),
+              error("1, cell 0 .*" + refusal));
+  utils::MeshReader reader = cells("2\n3 0 1 2\n0 0 0 0\n");
+  reader.read_next_cell(3);
+  EXPECT_EXIT(reader.read_next_cell(3), ExitedWithCode(255), error("3, cell 1 .*" + refusal));
+}
+
+TEST_F(MeshReaderDeathTest, NamesTheRecordThatIsRefused) {
+  utils::MeshReader reader = cells("2\n3 0 1 2\n3 0 1 2\n");
+  reader.read_next_cell(3);
+  EXPECT_EXIT(reader.refuse_record("found this, expected that"), ExitedWithCode(255),
+              error("2, cell 0 \\(of 0 to 1\\): found this, expected that\\.\n$"));
+}
+
 TEST_F(MeshReaderDeathTest, RefusesACellOfMoreNodesThanTheFileHolds) {
   EXPECT_EXIT(cells("1\n2000000000 0 1 2\n").read_next_cell(3), ExitedWithCode(255),
               error("2, cell 0 .*number of nodes: found \"2000000000\", expected a count"));

@@ -223,6 +223,29 @@ TEST_F(CheckMesh, NamesCellsWithoutArea) {
   EXPECT_TRUE(support::contains(texts("warnings", "zero area")[0], "cell 1 at (0, 0)"));
 }
 
+TEST_F(CheckMesh, NamesCellsAndEdgesWhoseCoordinatesOverflow) {
+  c.nx = c.ny = 1;
+  c.files["nodes.txt"] = "4\n0 0 0\n1e308 0 0\n0 1e200 0\n1e308 1e200 0\n";
+  check();
+  EXPECT_EQ(texts("errors", "lost cell").size(), 2U) << report.dump(2);
+  EXPECT_EQ(texts("errors", "lost cell").at(0),
+            "cell 0: found a node at (1e+308, 0, 0), expected coordinates in metres whose sums and "
+            "products are finite numbers");
+  EXPECT_EQ(texts("errors", "lost edge").size(), 5U);
+  EXPECT_TRUE(support::starts_with(texts("errors", "lost edge").at(0), "edge 0: found a node at ("));
+}
+
+TEST_F(CheckMesh, RefusesACellOfFewerThanThreeNodes) {
+  c.nx = c.ny = 1;
+  for (const std::string nodes : {"0", "1", "2"}) {
+    c.files["cells.txt"] = "2\n" + nodes + " 0 1 3\n3 0 3 2\n";
+    check();
+    EXPECT_TRUE(support::starts_with(
+        texts("errors", "malformed value").at(0),
+        "cells.txt, line 2, cell 0 (of 0 to 1), number of nodes: found \"" + nodes + "\""));
+  }
+}
+
 TEST_F(CheckMesh, RefusesAFirstStepThatIsTooSmall) {
   c.nx = c.ny = 1;
   c.files["nodes.txt"] = "3\n0 0 0\n1 0 0\n0.5 1e-9 0\n";

@@ -30,6 +30,7 @@ void check_mesh(CaseReport& report, const CaseMesh& mesh, const CaseFields& fiel
   Findings& findings = report.findings;
   report.cells = cell_values(report.data, mesh, fields);
   report.mesh = mesh_summary(mesh, report.cells);
+  check_finite_geometry(mesh, report.cells, findings);
   if (mesh.has_edges) {
     check_orientation(mesh, report.cells, findings);
     check_sides(mesh, findings);

@@ -5,6 +5,7 @@
 
 #include "globals/Globals.hpp"
 #include "model/ComputationalCell.hpp"
+#include "model/finite_geometry.hpp"
 #include "physics/stable_step.hpp"
 
 namespace tools::check {
@@ -24,7 +25,8 @@ CellValues values_of(const ComputationalCell& cell) {
           .bed = cell.bed_level,
           .depth = U.h,
           .velocity = is_wet ? std::hypot(U.qx, U.qy) / U.h : 0.0,
-          .step = cell.dtMin()};
+          .step = cell.dtMin(),
+          .has_finite_geometry = has_finite_geometry(cell)};
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ struct CellValues {
   double depth;        ///< m; 0 where the initial conditions are at fault
   double velocity;     ///< m/s, 0 in a dry cell
   double step;         ///< stable time step before the Courant factor, s
+  bool has_finite_geometry;
 };
 
 /// One entry per cell; the mesh must have its geometry.

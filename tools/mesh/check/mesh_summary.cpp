@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "mesh/check/numbers.hpp"
+#include "model/finite_geometry.hpp"
 
 namespace tools::check {
 
@@ -90,11 +91,27 @@ WaterSummary water_summary(const DataFile& data, const std::vector<CellValues>& 
   return water;
 }
 
+void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+                           Findings& findings) {
+  for (int c = 0; c < mesh.n_cells(); ++c) {
+    if (cells[static_cast<std::size_t>(c)].has_finite_geometry) continue;
+    findings.error("lost cell", "cell " + std::to_string(c) + ": " + overflow_of(mesh.corners(c)));
+  }
+  if (!mesh.has_edges) return;
+  for (int e = 0; e < mesh.n_edges(); ++e) {
+    const CaseEdge& edge = mesh.edges[static_cast<std::size_t>(e)];
+    const MeshNode& a = mesh.nodes[static_cast<std::size_t>(edge.node1)];
+    const MeshNode& b = mesh.nodes[static_cast<std::size_t>(edge.node2)];
+    if (std::isfinite(a.horizontal_distance(b))) continue;
+    findings.error("lost edge", "edge " + std::to_string(e) + ": " + overflow_of({&a, &b}));
+  }
+}
+
 void check_quality(const MeshSummary& mesh, const std::vector<CellValues>& cells,
                    Findings& findings) {
   if (cells.empty()) findings.warning("no cells", "the mesh has no cells");
   for (std::size_t i = 0; i < cells.size(); ++i) {
-    if (cells[i].area > 0.0) continue;
+    if (cells[i].area > 0.0 || !cells[i].has_finite_geometry) continue;
     findings.warning("zero area", "cell " + std::to_string(i) + " at " +
                                       point(cells[i].center.x, cells[i].center.y) +
                                       " has no area: its values are not numbers");

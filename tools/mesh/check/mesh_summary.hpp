@@ -30,6 +30,9 @@ struct WaterSummary {
 MeshSummary mesh_summary(const CaseMesh& mesh, const std::vector<CellValues>& cells);
 WaterSummary water_summary(const DataFile& data, const std::vector<CellValues>& cells);
 
+/// Reports cells and edges whose coordinates overflow.
+void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+                           Findings& findings);
 /// Reports cells without an area and very sharp angles.
 void check_quality(const MeshSummary& mesh, const std::vector<CellValues>& cells,
                    Findings& findings);

@@ -1,0 +1,14 @@
+// Coordinates so large that their sums and products overflow: nothing can be computed with them.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/ComputationalCell.hpp"
+#include "model/MeshNode.hpp"
+
+/// Whether the centre of a cell, its area and its perimeter are finite numbers.
+bool has_finite_geometry(const ComputationalCell& cell);
+
+/// What is wrong with the nodes of a cell or an edge whose geometry is not finite, for a message.
+std::string overflow_of(const std::vector<const MeshNode*>& nodes);
