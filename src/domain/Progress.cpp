@@ -70,8 +70,8 @@ void Progress::show(double t, double dt, const FlowSurvey& flow) {
 
   const double percent = std::clamp(100.0 * (t - t_start_) / (t_end_ - t_start_), 0.0, 100.0);
   const double left = std::max(0.0, t_end_ - t) / pace();
-  out_ << (is_terminal_ ? "\r" : "") + right_aligned(utils::fixed_text(percent, 1), 5) + " %  step " +
-              utils::number_text(dt, 3) + " s  " + std::to_string(flow.wet_cells) +
+  out_ << (is_terminal_ ? "\r" : "") + right_aligned(utils::fixed_text(percent, 1), 5) +
+              " %  step " + utils::number_text(dt, 3) + " s  " + std::to_string(flow.wet_cells) +
               " wet cells  fastest " + utils::number_text(flow.largest_speed, 3) + " m/s  " +
               hours_minutes_seconds(now - start_) + " gone  " + hours_minutes_seconds(left) +
               " left" + (is_terminal_ ? "\033[K" : "\n")

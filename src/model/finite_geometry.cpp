@@ -20,10 +20,9 @@ bool has_finite_geometry(const ComputationalCell& cell) {
 }
 
 std::string overflow_of(const std::vector<const MeshNode*>& nodes) {
-  const MeshNode& farthest =
-      **std::max_element(nodes.begin(), nodes.end(), [](const MeshNode* a, const MeshNode* b) {
-        return size_of(*a) < size_of(*b);
-      });
+  const MeshNode& farthest = **std::max_element(
+      nodes.begin(), nodes.end(),
+      [](const MeshNode* a, const MeshNode* b) { return size_of(*a) < size_of(*b); });
   utils::TextBuffer text;
   text << "found a node at (" << farthest.x << ", " << farthest.y << ", " << farthest.z
        << "), expected coordinates in metres whose sums and products are finite numbers";

@@ -15,7 +15,7 @@ namespace utils {
 
 namespace {
 std::mutex input_files_mutex;
-std::set<std::string> input_files;
+std::set<std::filesystem::path> input_files;  ///< absolute: the working directory may change
 }  // namespace
 
 std::ifstream open_input_file(const std::string& name) {
@@ -25,16 +25,17 @@ std::ifstream open_input_file(const std::string& name) {
     fatal("Fatal error. Impossible to open file " + name + ".\n");
   }
   const std::lock_guard lock(input_files_mutex);
-  input_files.insert(name);
+  input_files.insert(std::filesystem::absolute(name, ignored));
   return file;
 }
 
 bool is_input_file(const std::string& name) {
   std::error_code ignored;
   const std::lock_guard lock(input_files_mutex);
-  return std::any_of(input_files.begin(), input_files.end(), [&](const std::string& input) {
-    return std::filesystem::equivalent(name, input, ignored);
-  });
+  return std::any_of(input_files.begin(), input_files.end(),
+                     [&](const std::filesystem::path& input) {
+                       return std::filesystem::equivalent(name, input, ignored);
+                     });
 }
 
 std::string remove_extension(const std::string& name) { return name.substr(0, name.rfind('.')); }

@@ -1,4 +1,5 @@
-// Numbers as text, the same in every locale: a point before the decimals, nothing between thousands.
+// Numbers as text, the same in every locale: a point before the decimals, nothing between
+// thousands.
 #pragma once
 
 #include <string>
@@ -12,8 +13,8 @@ std::string number_text(double value, int digits = 6);
 /// A number with all its decimals, as in "12.50".
 std::string fixed_text(double value, int decimals);
 
-/// Whether the text is a number: not too large, but perhaps infinite or "nan" by its own words; what
-/// is too small is 0. `value` receives it.
+/// Whether the text is a number: not too large, but perhaps infinite or "nan" by its own words;
+/// what is too small is 0. `value` receives it.
 bool parse_number(std::string_view text, double& value);
 
 }  // namespace utils

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
 #include <string>
 
@@ -158,6 +159,17 @@ TEST(PrintDelimitator, WritesFortyNineEqualSignsToTheLogAlone) {
   EXPECT_EQ(GetCapturedStdout(), "");
   EXPECT_EQ(log.str(), "=================================================\n");
   EXPECT_EQ(log.str().size(), 50U);
+}
+
+TEST(Files, AnInputFileIsKnownInEveryWorkingDirectory) {
+  const support::TemporaryFolder folder;
+  const std::filesystem::path before = std::filesystem::current_path();
+  folder.write("input.txt", "1");
+  std::filesystem::current_path(folder.path());
+  utils::open_input_file("input.txt");
+  std::filesystem::current_path(before);
+  EXPECT_TRUE(utils::is_input_file(folder.file("input.txt")));
+  EXPECT_FALSE(utils::is_input_file(folder.write("other.txt", "1")));
 }
 
 }  // namespace

@@ -64,10 +64,10 @@ void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapsho
                    " cells of the mesh. Is it a result of this case?");
     }
     if (!agrees(row[0], mesh.center_x[i]) || !agrees(row[1], mesh.center_y[i])) {
-      table.refuse(": found the centre (" + utils::fixed_text(row[0], 6) + ", " + utils::fixed_text(row[1], 6) +
-                   "), expected that of cell " + std::to_string(i) + ", (" +
-                   utils::fixed_text(mesh.center_x[i], 6) + ", " + utils::fixed_text(mesh.center_y[i], 6) +
-                   "). Is it a result of this mesh?");
+      table.refuse(": found the centre (" + utils::fixed_text(row[0], 6) + ", " +
+                   utils::fixed_text(row[1], 6) + "), expected that of cell " + std::to_string(i) +
+                   ", (" + utils::fixed_text(mesh.center_x[i], 6) + ", " +
+                   utils::fixed_text(mesh.center_y[i], 6) + "). Is it a result of this mesh?");
     }
     for (std::size_t k = 0; k < columns.size(); ++k) {
       if (columns[k] != nullptr) (*columns[k])[i] = static_cast<float>(row[2 + k]);

@@ -232,7 +232,8 @@ TEST_F(CheckMesh, NamesCellsAndEdgesWhoseCoordinatesOverflow) {
             "cell 0: found a node at (1e+308, 0, 0), expected coordinates in metres whose sums and "
             "products are finite numbers");
   EXPECT_EQ(texts("errors", "lost edge").size(), 5U);
-  EXPECT_TRUE(support::starts_with(texts("errors", "lost edge").at(0), "edge 0: found a node at ("));
+  EXPECT_TRUE(
+      support::starts_with(texts("errors", "lost edge").at(0), "edge 0: found a node at ("));
 }
 
 TEST_F(CheckMesh, RefusesACellOfFewerThanThreeNodes) {
