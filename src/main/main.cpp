@@ -8,6 +8,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
@@ -24,6 +25,13 @@
 #include "utils/stop.hpp"
 
 namespace {
+
+void warn_of_strange_options(const utils::InputParser& parser) {
+  for (const std::string& what : parser.strange_options(known_options)) utils::warn(what);
+  if (parser.cmdOptionExists("-f") && parser.getCmdOption("-f").empty()) {
+    utils::warn("\"-f\" lacks the name of the data file behind it.");
+  }
+}
 
 /// Takes the data file (asking for it if it is not given) and the console echo from the options.
 void parseInputs(utils::InputParser parser) {
@@ -95,6 +103,10 @@ int run(std::optional<Domain>& domain, Watchers watchers) {
   if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
   Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
   print_banner();
+  if (_dataFile.empty()) {
+    print_usage(std::cerr);
+    utils::fatal("Error. No data file is named, neither behind -f nor on standard input.\n");
+  }
 
   const utils::DataFileReader data_file(_dataFile);
   domain.emplace(_dataFile, watchers);
@@ -138,6 +150,7 @@ int main(int argc, char** argv) {
       print_version(std::cout);
       return status_of_words();
     }
+    warn_of_strange_options(parser);
     parseInputs(parser);
     if (parser.cmdOptionExists("--report")) {
       report.emplace(name_of_report(parser), _dataFile);

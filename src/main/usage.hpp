@@ -2,6 +2,13 @@
 #pragma once
 
 #include <ostream>
+#include <vector>
+
+#include "utils/InputParser.hpp"
+
+inline const std::vector<utils::CmdOption> known_options = {
+    {"-f", true},       {"-nodisplay", false}, {"--progress", false},
+    {"--report", true}, {"--help", false},     {"--version", false}};
 
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
@@ -16,8 +23,9 @@ inline void print_usage(std::ostream& out) {
          "console\n"
          "\n"
          "Options:\n"
-         "  -f DATA_FILE   data file; asked for when absent. Paths in it are relative to the\n"
-         "                 working directory\n"
+         "  -f DATA_FILE   data file; its name is read from standard input when absent. Paths in "
+         "it\n"
+         "                 are relative to the working directory\n"
          "  -nodisplay     write welcome, name and execution time to log.txt only\n"
          "  --progress     show on standard error how far the run is: a line rewritten in place on "
          "a\n"

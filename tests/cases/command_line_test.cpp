@@ -51,24 +51,44 @@ TEST_F(CommandLine, SilencesTheEchoBeforeAndAfterTheDataFile) {
 }
 
 TEST_F(CommandLine, IgnoresOtherTokens) {
-  const RunResult result =
-      run_with({"other", "-x", "-f", "data.json", "-NODISPLAY", "--nodisplay", "-help", ""});
+  const RunResult result = run_with({"other", "-f", "data.json", "", "-"});
   expect_complete(result);
+  EXPECT_TRUE(contains(result.out, "Welcome to Quillmere !"));
+}
+
+TEST_F(CommandLine, WarnsOfTokensThatLookLikeOptions) {
+  const RunResult result =
+      run_with({"-x", "-f", "data.json", "--report=r.json", "-NODISPLAY", "--no-picture"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err,
+            "Warning: \"-x\" is no option, and ignored; did you mean -f?\n"
+            "Warning: \"--report=r.json\" is no option, and ignored; did you mean --report?\n"
+            "Warning: \"-NODISPLAY\" is no option, and ignored; did you mean -nodisplay?\n"
+            "Warning: \"--no-picture\" is no option, and ignored.\n");
   EXPECT_TRUE(contains(result.out, "Welcome to Quillmere !"));
 }
 
 TEST_F(CommandLine, AsksForTheDataFileWhenItIsNotGiven) {
   for (const std::vector<std::string>& arguments :
-       {std::vector<std::string>{}, std::vector<std::string>{"data.json"},
-        std::vector<std::string>{"-f"}, std::vector<std::string>{"-x", "-f"}}) {
+       {std::vector<std::string>{}, std::vector<std::string>{"data.json"}}) {
     const RunResult result = run_with(arguments, "  data.json other words\n");
     expect_complete(result);
     EXPECT_TRUE(support::starts_with(result.out, prompt + "\nWelcome to Quillmere !\n"));
   }
 }
 
+TEST_F(CommandLine, AsksForTheDataFileThatIsMissingBehindItsOption) {
+  for (const std::vector<std::string>& arguments :
+       {std::vector<std::string>{"-f"}, std::vector<std::string>{"-f", ""}}) {
+    const RunResult result = run_with(arguments, "data.json");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "Warning: \"-f\" lacks the name of the data file behind it.\n");
+    EXPECT_TRUE(support::starts_with(result.out, prompt + "\nWelcome to Quillmere !\n"));
+  }
+}
+
 TEST_F(CommandLine, AsksEvenWithoutEcho) {
-  const RunResult result = run_with({"-nodisplay", "-f"}, "data.json");
+  const RunResult result = run_with({"-nodisplay"}, "data.json");
   expect_complete(result);
   EXPECT_TRUE(support::starts_with(result.out, prompt + "\n   0.000"));
 }
@@ -79,11 +99,14 @@ TEST_F(CommandLine, ReadsTheWholeWordAtThePrompt) {
   expect_complete(run_with({}, word + "data.json\n"));
 }
 
-TEST_F(CommandLine, EndsWhenTheInputEndsAtThePrompt) {
+TEST_F(CommandLine, PrintsItsUsageWhenTheInputEndsAtThePrompt) {
   for (const std::string input : {"", " \n\t\n"}) {
     const RunResult result = run_with({}, input);
     EXPECT_EQ(result.status, 255);
-    EXPECT_EQ(result.err, "Fatal error. Impossible to open file .\n");
+    EXPECT_TRUE(support::starts_with(result.err, "Usage: quillmere -f DATA_FILE"));
+    EXPECT_TRUE(result.err.ends_with(
+        "\nError. No data file is named, neither behind -f nor on standard input.\n"))
+        << result.err;
     EXPECT_TRUE(support::starts_with(result.out, prompt + "\n"));
   }
 }

@@ -140,6 +140,21 @@ TEST_F(Sediments, ADensityInKilogramsDrawsAWarning) {
   EXPECT_TRUE(contains(result.err, "kg/m3"));
 }
 
+TEST_F(Sediments, InfiltrationThatIsIgnoredDrawsAWarning) {
+  const std::string warning =
+      "Warning: the case has infiltration, but nothing infiltrates in the model with sediments: it "
+      "is left out of account.\n";
+  Case with_soils = sand_case();
+  with_soils.add_infiltration("1\n2 Horton 0.0001 0.00001 1 0.5 0\n", with_soils.per_cell("2"));
+  RunResult result = run(with_soils);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, warning);
+  Case with_initial_depth = sand_case();
+  with_initial_depth.add_initial_infiltration(with_initial_depth.per_cell("0.1"));
+  EXPECT_EQ(run(with_initial_depth).err, warning);
+  EXPECT_EQ(run(sand_case()).err, "");
+}
+
 TEST_F(Sediments, AMobileBedWithoutFrictionDrawsAWarning) {
   Case c = sand_case();
   c.data["model"]["conditions"].erase("friction");

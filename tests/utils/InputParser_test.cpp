@@ -64,4 +64,18 @@ TEST(InputParser, AnswersReferencesThatStay) {
   EXPECT_EQ(&parser.getCmdOption("-x"), &parser.getCmdOption("-y"));
 }
 
+TEST(InputParser, NamesTokensThatOnlyLookLikeOptions) {
+  const std::vector<utils::CmdOption> known = {{"-f", true}, {"--help", false}};
+  const auto strange = [&](std::vector<std::string> tokens) {
+    tokens.insert(tokens.begin(), "program");
+    return parser_of(tokens).strange_options(known);
+  };
+  EXPECT_TRUE(strange({"-f", "--hepl", "word", "-", "--help", ""}).empty());
+  EXPECT_EQ(
+      strange({"--help", "--hepl", "--HELP=x", "---------"}),
+      (std::vector<std::string>{"\"--hepl\" is no option, and ignored; did you mean --help?",
+                                "\"--HELP=x\" is no option, and ignored; did you mean --help?",
+                                "\"---------\" is no option, and ignored."}));
+}
+
 }  // namespace

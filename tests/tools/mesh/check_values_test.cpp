@@ -200,6 +200,12 @@ TEST_F(CheckValues, FindsNothingInACleanSedimentCase) {
   expect_clean();
 }
 
+TEST_F(CheckValues, WarnsOfInfiltrationThatTheModelWithSedimentsIgnores) {
+  use_sediments(0.5);
+  c.add_initial_infiltration(c.per_cell("0.01"));
+  expect_warning("infiltration", {"nothing infiltrates in the model with sediments"});
+}
+
 TEST_F(CheckValues, RefusesTheParametersThatTheSimulatorRefuses) {
   use_sediments(0.1);
   parameter("sediments porosity") = 1.0;

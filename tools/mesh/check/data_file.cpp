@@ -77,6 +77,7 @@ class KeyCheck {
   static bool has_type(const nlohmann::json& value, KeyType type) {
     switch (type) {
       case KeyType::text:
+      case KeyType::file:
         return value.is_string();
       case KeyType::number:
         return value.is_number();
@@ -88,6 +89,7 @@ class KeyCheck {
   static std::string name_of(KeyType type) {
     switch (type) {
       case KeyType::text:
+      case KeyType::file:
         return "text in quotes";
       case KeyType::number:
         return "a number";
@@ -215,6 +217,11 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
     findings.warning("run time", "the run ends (\"tend\" is " + number(*data.tend) +
                                      " s) before it starts (\"t0\" is " + number(*data.t0) +
                                      " s): it computes nothing");
+  }
+  if (data.has_sediments() && (data.infiltration || data.initial_infiltration)) {
+    findings.warning("infiltration",
+                     "the case has infiltration, but nothing infiltrates in the "
+                     "model with sediments: it is left out of account");
   }
   if (data.cfl && *data.cfl > 1.0) {
     findings.warning("Courant number", "\"CFL\" is " + number(*data.cfl) +
