@@ -1,5 +1,6 @@
 // Start-up of a run.
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <ctime>
 #include <iostream>
@@ -20,6 +21,7 @@
 #include "utils/InputParser.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
+#include "utils/planned_files.hpp"
 #include "utils/signals.hpp"
 #include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
@@ -50,6 +52,16 @@ std::string name_of_report(const utils::InputParser& parser) {
     throw std::runtime_error("Error. --report needs the name of a file.");
   }
   return name;
+}
+
+/// Ends the run, before it opens any result, if one would destroy an input or another result.
+void refuse_results_that_destroy(const std::string& report) {
+  const std::vector<std::string> conflicts =
+      utils::conflicts_of(utils::plan_files(_dataFile, report));
+  if (conflicts.empty()) return;
+  std::string sentence = conflicts.front();
+  sentence.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence.front())));
+  utils::fatal("Error. " + sentence + ".\n");
 }
 
 /// From now on an early end of the run is reported too.
@@ -152,8 +164,11 @@ int main(int argc, char** argv) {
     }
     warn_of_strange_options(parser);
     parseInputs(parser);
-    if (parser.cmdOptionExists("--report")) {
-      report.emplace(name_of_report(parser), _dataFile);
+    const bool has_report = parser.cmdOptionExists("--report");
+    const std::string report_name = has_report ? name_of_report(parser) : "";
+    refuse_results_that_destroy(report_name);
+    if (has_report) {
+      report.emplace(report_name, _dataFile);
       report_early_end(*report);
     }
     std::optional<Progress> progress;

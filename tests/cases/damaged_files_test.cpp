@@ -198,18 +198,4 @@ TEST_F(DamagedFile, OfDataIsRefusedWhereverItEndsTooEarly) {
   }
 }
 
-TEST_F(DamagedFile, IsNeverMadeByAResult) {
-  for (const std::string name : {"sections_in.txt", "nodes.txt", "data.json", "./initial.txt"}) {
-    c.add_sections({{0}}, 0.5, name);
-    c.write(folder);
-    const std::string before = folder.read(name);
-    expect_stop("Error. The result file " + name + " would replace an input file of this run.\n");
-    EXPECT_EQ(folder.read(name), before);
-  }
-  c = support::full_case(2, 1);
-  c.data["output"]["folder"] = "";
-  c.add_gauges({{0.6, 0.2}}, 0.5, "gauges_in.txt");
-  expect_stop("Error. The result file gauges_in.txt would replace an input file of this run.\n");
-}
-
 }  // namespace

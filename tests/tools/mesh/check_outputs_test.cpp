@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "tools/mesh/CheckTest.hpp"
 
 namespace {
@@ -83,6 +85,36 @@ TEST_F(CheckOutputs, WarnsOfAMissingFolder) {
 TEST_F(CheckOutputs, WarnsOfAFolderThatIsTakenForABeginningOfNames) {
   c.data["output"]["folder"] = "out";
   expect_warning("output", {"\"out\"", "does not end with /"});
+}
+
+TEST_F(CheckOutputs, RefusesResultsThatWouldDestroyAnInput) {
+  c.data["output"]["folder"] = "";
+  c.add_friction("");
+  c.data["model"]["conditions"]["friction"] = "enveloppe.txt";
+  c.files["enveloppe.txt"] = c.per_cell("0.03");
+  check();
+  EXPECT_EQ(texts("errors", "results"),
+            std::vector<std::string>{"the envelope (enveloppe.txt) would replace an input file of "
+                                     "this run (enveloppe.txt)"});
+}
+
+TEST_F(CheckOutputs, RefusesResultsThatWouldDestroyEachOther) {
+  c.add_gauges({{1.6, 1.3}}, 0.5, "same.txt");
+  c.add_sections({{0}}, 0.5, "out/same.txt");
+  expect_error("results", {"the sections (out/same.txt)", "the gauges (out/same.txt)"});
+}
+
+TEST_F(CheckOutputs, NamesResultsOutsideTheFolderOfTheCase) {
+  const support::TemporaryFolder elsewhere;
+  c.data["output"]["folder"] = elsewhere.path() + "/";
+  expect_warning("results outside", {"the envelope (" + elsewhere.path() + "/enveloppe.txt)"});
+  c.data["output"]["folder"] = "out/";
+  const std::string beside =
+      "out/../../" + std::filesystem::path(elsewhere.path()).filename().string() + "/sections.txt";
+  c.add_sections({{0}}, 0.5, beside);
+  expect_warning("results outside", {"the sections (" + beside + ")"});
+  c.add_sections({{0}}, 0.5, folder.file("sections.txt"));
+  expect_clean();
 }
 
 }  // namespace

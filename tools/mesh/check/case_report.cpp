@@ -101,6 +101,7 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   check_rain(data, rain, findings);
   check_soils(fields, soils, findings);
   check_sediments(data, fields, findings);
+  check_results(data_file, findings);
   check_output_folder(data, findings);
   check_gauges(data, mesh, report.cells, findings);
   check_sections(data, mesh, findings);

@@ -5,11 +5,13 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <set>
 
 #include "domain/PointLocator.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/known_keys.hpp"
+#include "utils/planned_files.hpp"
 
 namespace tools::check {
 
@@ -32,6 +34,14 @@ bool can_be_written(const std::string& name) {
   if (fs::exists(name, ignored)) return access(name.c_str(), W_OK) == 0;
   const fs::path folder = fs::path(name).parent_path();
   return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0;
+}
+
+/// Whether a file lies neither in the working directory nor below.
+bool is_outside(const std::string& name) {
+  std::error_code ignored;
+  const fs::path folder = fs::weakly_canonical(fs::current_path(ignored), ignored);
+  const fs::path file = fs::weakly_canonical(folder / name, ignored);
+  return *file.lexically_relative(folder).begin() == "..";
 }
 
 /// Whether each point lies in a cell.
@@ -164,6 +174,19 @@ void check_snapshots(const DataFile& data, Findings& findings) {
                                        " s): it shows a later state");
     }
     before = time;
+  }
+}
+
+void check_results(const std::string& data_file, Findings& findings) {
+  const utils::PlannedFiles files = utils::plan_files(data_file);
+  for (const std::string& conflict : utils::conflicts_of(files)) {
+    findings.error("results", conflict);
+  }
+  std::set<std::string> known;
+  for (const utils::PlannedResult& result : files.results) {
+    if (!is_outside(result.name) || !known.insert(result.what).second) continue;
+    findings.warning("results outside", result.what + " (" + result.name +
+                                            ") will be written outside the folder of the case");
   }
 }
 

@@ -1,6 +1,7 @@
 // Whether the outputs of a case can be recorded.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "mesh/check/case_mesh.hpp"
@@ -16,6 +17,9 @@ void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<
 void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings);
 /// Reads the snapshots file; reports times that the run does not reach.
 void check_snapshots(const DataFile& data, Findings& findings);
+/// Reports results that would destroy an input or each other, and those outside the folder of the
+/// case.
+void check_results(const std::string& data_file, Findings& findings);
 /// Reports an output folder that is not there.
 void check_output_folder(const DataFile& data, Findings& findings);
 

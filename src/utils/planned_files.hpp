@@ -1,0 +1,29 @@
+// A look ahead at the files that a run will read and write, so that no result destroys an input or
+// another result.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace utils {
+
+struct PlannedResult {
+  std::string what;  ///< for messages: "the envelope"
+  std::string name;
+  bool is_written_whole;  ///< under a temporary name first
+};
+
+struct PlannedFiles {
+  std::vector<std::string> inputs;
+  std::vector<PlannedResult> results;
+};
+
+/// What the data file and the files that it names let foresee, nothing of it opened for writing.
+/// What cannot be read is left out: the run itself will say so. `report`: the name of the report,
+/// empty if there is none.
+PlannedFiles plan_files(const std::string& data_file, const std::string& report = "");
+
+/// What would be lost, a sentence for each result: two names lead to the same file.
+std::vector<std::string> conflicts_of(const PlannedFiles& files);
+
+}  // namespace utils
