@@ -121,8 +121,9 @@ void Domain::read_edges(const std::string& name) {
                            model->mesh_nodes[static_cast<std::size_t>(node1)],
                            model->mesh_nodes[static_cast<std::size_t>(node2)], code, value, file);
     const GenericInterface& edge = *model->interfaces.back();
-    if (!std::isfinite(edge.length))
+    if (!std::isfinite(edge.length)) {
       reader.refuse_record(overflow_of({edge.nodes[0], edge.nodes[1]}));
+    }
     warnings.check(edge, right, code);
   }
   for (const auto& cell : model->cells) {
