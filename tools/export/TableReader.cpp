@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "support/Error.hpp"
+#include "utils/files.hpp"
 #include "utils/number_text.hpp"
 
 namespace exports {
@@ -27,16 +28,24 @@ std::string quoted(const char* first, const char* last) {
   return text + "\"";
 }
 
+/// Opens it as an input, which no output may replace.
+std::ifstream open_table(const std::string& name) {
+  try {
+    return utils::open_input_file(name);
+  } catch (const tools::Error&) {
+    throw tools::Error("The file " + name + " couldn't be opened. Has the case been run?");
+  }
+}
+
 std::string column(std::size_t index) { return ", column " + std::to_string(index + 1); }
 
 }  // namespace
 
 TableReader::TableReader(const std::string& name, Missing missing)
-    : name_(name), missing_(missing), file_(name, std::ios::binary), buffer_(buffer_size, '\0') {
-  std::error_code ignored;
-  if (!file_ || std::filesystem::is_directory(name, ignored)) {
-    throw tools::Error("The file " + name + " couldn't be opened. Has the case been run?");
-  }
+    : name_(name), missing_(missing), file_(open_table(name)), buffer_(buffer_size, '\0') {
+  std::error_code has_no_size;
+  const std::uintmax_t size = std::filesystem::file_size(name, has_no_size);
+  if (!has_no_size) size_at_start_ = size;
 }
 
 bool TableReader::fill() {
@@ -44,8 +53,17 @@ bool TableReader::fill() {
   end_ -= begin_;
   begin_ = 0;
   file_.read(buffer_.data() + end_, static_cast<std::streamsize>(buffer_.size() - end_));
-  end_ += static_cast<std::size_t>(file_.gcount());
-  return file_.gcount() > 0;
+  const auto n_read = static_cast<std::size_t>(file_.gcount());
+  end_ += n_read;
+  n_read_ += n_read;
+  const bool is_full = end_ == buffer_.size();
+  // A run that goes on lets the table grow; one that starts anew cuts it off.
+  if (file_.bad() || (!is_full && n_read_ < size_at_start_)) {
+    throw tools::Error("The file " + name_ + " couldn't be read to its end: " +
+                       (file_.bad() ? "the system reports an error."
+                                    : "it has become shorter since it was opened."));
+  }
+  return n_read > 0;
 }
 
 bool TableReader::next_line(std::string_view& line) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <fstream>
 #include <span>
 #include <string>
@@ -35,8 +36,10 @@ class TableReader {
   Missing missing_;
   std::ifstream file_;
   std::string buffer_;
-  std::size_t begin_ = 0, end_ = 0;  ///< what is read and not yet handed out
-  long line_ = 0;                    ///< number of the line read last
+  std::size_t begin_ = 0, end_ = 0;   ///< what is read and not yet handed out
+  std::uintmax_t n_read_ = 0;         ///< bytes of the file
+  std::uintmax_t size_at_start_ = 0;  ///< of the file
+  long line_ = 0;                     ///< number of the line read last
 };
 
 }  // namespace exports

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
 #include <iterator>
 
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "support/read_file.hpp"
 
 namespace mesh_import {
 
@@ -24,19 +24,7 @@ std::string printable(std::string_view text) {
 
 }  // namespace
 
-Scanner::Scanner(const std::string& path) : path_(path) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw tools::Error(path + ": the file cannot be opened.");
-  constexpr std::size_t chunk = std::size_t{1} << 24;
-  std::size_t size = 0;
-  do {
-    text_.resize(size + chunk);
-    file.read(text_.data() + size, chunk);
-    size += static_cast<std::size_t>(file.gcount());
-  } while (file);
-  if (file.bad()) throw tools::Error(path + ": the file cannot be read.");
-  text_.resize(size);
-}
+Scanner::Scanner(const std::string& path) : path_(path), text_(tools::read_file(path)) {}
 
 bool Scanner::at_end() {
   while (position_ < text_.size() && is_space(text_[position_])) ++position_;

@@ -1,13 +1,12 @@
 #include "mesh/mesh_file.hpp"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "mesh/geo_mesher.hpp"
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/sms_reader.hpp"
 #include "support/Error.hpp"
+#include "support/read_file.hpp"
 
 namespace mesh_import {
 
@@ -21,13 +20,9 @@ Mesh read_mesh_file(const std::string& path) {
 }
 
 std::string read_whole_file(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  std::ostringstream text;
-  if (file) text << file.rdbuf();
-  if (!file || text.str().empty()) {
-    throw tools::Error(path + ": the file cannot be read, or is empty.");
-  }
-  return text.str();
+  std::string text = tools::read_file(path);
+  if (text.empty()) throw tools::Error(path + ": the file is empty.");
+  return text;
 }
 
 }  // namespace mesh_import

@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
+#include <fstream>
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
 #include "support/Tool.hpp"
+#include "tools/mesh/message_of.hpp"
+#include "utils/stop.hpp"
 
 namespace {
 
@@ -14,6 +18,7 @@ using exports::TableReader;
 
 class Table : public testing::Test {
  protected:
+  Table() { utils::throw_fatal_errors(); }
   /// What the reader says of a table of two columns; empty if it accepts it.
   std::string error_of(const std::string& text,
                        TableReader::Missing missing = TableReader::Missing::refused) {
@@ -73,6 +78,38 @@ TEST_F(Table, NanIsAcceptedWhereItStandsForAMissingValue) {
   ASSERT_EQ(rows_.size(), 1u);
   EXPECT_TRUE(std::isnan(rows_[0][1]));
   EXPECT_NE(error_of("1 inf\n", TableReader::Missing::allowed), "");
+}
+
+TEST_F(Table, AnErrorOfTheSystemIsNoEnd) {
+  TableReader table("/proc/self/mem");  // no memory is mapped where reading it begins
+  std::vector<double> row(2);
+  EXPECT_EQ(support::message_of([&] { table.next_row(row); }),
+            "The file /proc/self/mem couldn't be read to its end: the system reports an error.");
+}
+
+TEST_F(Table, AFileThatIsCutOffWhileItIsReadHasNoEnd) {
+  std::string text;
+  for (int i = 0; i < 400'000; ++i) text += "1 2\n";  // more than the reader holds
+  const std::string name = folder_.write("table.txt", text);
+  TableReader table(name);
+  std::vector<double> row(2);
+  EXPECT_TRUE(table.next_row(row));
+  std::filesystem::resize_file(name, text.size() - 4);
+  EXPECT_EQ(support::message_of([&] {
+              while (table.next_row(row)) continue;
+            }),
+            "The file " + name +
+                " couldn't be read to its end: it has become shorter since it was opened.");
+}
+
+TEST_F(Table, AFileThatGrowsWhileItIsReadIsRead) {
+  const std::string name = folder_.write("table.txt", "1 2\n");
+  TableReader table(name);
+  std::ofstream(name, std::ios::app) << "3 4\n";
+  std::vector<double> row(2);
+  EXPECT_TRUE(table.next_row(row));
+  EXPECT_TRUE(table.next_row(row));
+  EXPECT_FALSE(table.next_row(row));
 }
 
 TEST_F(Table, AFileThatIsNotThereIsRefused) {

@@ -49,6 +49,20 @@ TEST_F(Csv, SectionsHaveAHeaderWithUnitsAndTheSameNumbers) {
                 with_commas(folder.read("sections.txt"), false));
 }
 
+TEST_F(Csv, ATableThatCannotBeReadToItsEndIsAnError) {
+  simulate(flood_case());
+  std::filesystem::remove(folder.file("out/gauges.txt"));
+  // A file that opens, and whose first byte cannot be read.
+  std::filesystem::create_symlink("/proc/self/mem", folder.file("out/gauges.txt"));
+  const support::RunResult result = run({"csv", "."});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_EQ(result.err,
+            "quillmere-export: The file ./out/gauges.txt couldn't be read to its end: the system "
+            "reports an error.\n");
+  EXPECT_FALSE(folder.has("export/gauges.csv"));
+  EXPECT_FALSE(folder.has("export/gauges.csv.part"));
+}
+
 TEST_F(Csv, ACaseWithoutGaugesAndSectionsIsRefused) {
   simulate(support::Case());
   const support::RunResult result = run({"csv", "."});
