@@ -15,11 +15,12 @@ namespace exports {
 /// which older readers do not know.
 class NetcdfFile {
  public:
-  NetcdfFile(const std::string& name, bool is_compressed)
+  /// Creates the file `part`, which will be called `name`.
+  NetcdfFile(const std::string& part, const std::string& name, bool is_compressed)
       : name_(name), is_compressed_(is_compressed) {
     // 64-bit offsets are read everywhere; with them a variable may hold 4 GiB in each record.
     const int format = is_compressed ? NC_NETCDF4 | NC_CLASSIC_MODEL : NC_64BIT_OFFSET;
-    check(nc_create(name.c_str(), NC_CLOBBER | format, &id_));
+    check(nc_create(part.c_str(), NC_CLOBBER | format, &id_));
     is_open_ = true;
     check(nc_set_fill(id_, NC_NOFILL, nullptr));  // every value is written, none needs a first one
   }

@@ -3,9 +3,9 @@
 #include <cmath>
 #include <filesystem>
 
-#include "export/PartialFile.hpp"
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
+#include "support/PartialFile.hpp"
 #include "utils/TextBuffer.hpp"
 #include "utils/TextScanner.hpp"
 
@@ -72,7 +72,7 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
   if (header.substr(0, 9) != "time [s]\t") {
     table.refuse(": expected a header that begins with \"time [s]\".");
   }
-  PartialStream file(output);
+  tools::PartialStream file(output);
   file.stream() << "time (s)";
   for (std::size_t i = 1; i <= list.points.size(); ++i) {
     const std::string gauge = ",gauge " + std::to_string(i);
@@ -86,7 +86,7 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
 
 void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
   const GaugeList list = read_gauge_list(files);
-  PartialStream file(output);
+  tools::PartialStream file(output);
   file.stream() << "gauge,x (m),y (m)\n";
   file.stream().precision(15);
   for (std::size_t i = 0; i < list.points.size(); ++i) {
@@ -98,7 +98,7 @@ void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
 void write_sections_csv(const CaseFiles& files, const std::string& output) {
   const SectionList list = read_section_list(files);
   TableReader table(list.result);
-  PartialStream file(output);
+  tools::PartialStream file(output);
   file.stream() << "time (s)";
   for (std::size_t s = 1; s <= list.edges.size(); ++s) {
     file.stream() << ",section " << s << " discharge (m3/s)";

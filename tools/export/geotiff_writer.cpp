@@ -8,9 +8,9 @@
 #include <memory>
 #include <vector>
 
-#include "export/PartialFile.hpp"
 #include "export/raster.hpp"
 #include "support/Error.hpp"
+#include "support/PartialFile.hpp"
 
 namespace exports {
 
@@ -41,12 +41,12 @@ std::vector<float> row_of(const MapField& field, const Triangulation& triangles,
   return values;
 }
 
-void set_reference(GDALDataset& dataset, int epsg) {
+void set_reference(GDALDataset& dataset, int epsg, const std::string& name) {
   OGRSpatialReference reference;
   if (reference.importFromEPSG(epsg) != OGRERR_NONE) {
     throw tools::Error("EPSG:" + std::to_string(epsg) + " is not known to GDAL.");
   }
-  dataset.SetSpatialRef(&reference);
+  if (dataset.SetSpatialRef(&reference) != CE_None) refuse(name);
 }
 
 }  // namespace
@@ -58,7 +58,7 @@ void write_geotiff(const Mesh& mesh, const MapField& field, const GeotiffOptions
 
   GDALAllRegister();
   CPLSetErrorHandler(CPLQuietErrorHandler);  // its messages stand in ours
-  PartialFile file(options.output);
+  tools::PartialFile file(options.output);
   const char* const settings[] = {"COMPRESS=DEFLATE", "PREDICTOR=3", "TILED=YES",
                                   "BIGTIFF=IF_SAFER", nullptr};
   std::unique_ptr<GDALDataset, Closer> dataset(
@@ -67,12 +67,14 @@ void write_geotiff(const Mesh& mesh, const MapField& field, const GeotiffOptions
                                                                const_cast<char**>(settings)));
   if (!dataset) refuse(options.output);
   double place[] = {grid.west, grid.resolution, 0.0, grid.north, 0.0, -grid.resolution};
-  dataset->SetGeoTransform(place);
-  if (options.epsg) set_reference(*dataset, *options.epsg);
   GDALRasterBand& band = *dataset->GetRasterBand(1);
-  band.SetNoDataValue(static_cast<double>(no_data));
+  if (dataset->SetGeoTransform(place) != CE_None ||
+      band.SetNoDataValue(static_cast<double>(no_data)) != CE_None ||
+      band.SetUnitType(field.unit.c_str()) != CE_None) {
+    refuse(options.output);
+  }
   band.SetDescription(field.long_name.c_str());
-  band.SetUnitType(field.unit.c_str());
+  if (options.epsg) set_reference(*dataset, *options.epsg, options.output);
   for (int row = 0; row < grid.rows; ++row) {
     std::vector<float> values = row_of(field, triangles, pixels, grid, row);
     if (band.RasterIO(GF_Write, 0, row, grid.columns, 1, values.data(), grid.columns, 1,

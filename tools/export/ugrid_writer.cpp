@@ -5,9 +5,9 @@
 #include <vector>
 
 #include "export/NetcdfFile.hpp"
-#include "export/PartialFile.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/quantities.hpp"
+#include "support/PartialFile.hpp"
 
 namespace exports {
 
@@ -17,12 +17,12 @@ namespace {
 /// what the mesh library of QGIS does with a file that lacks it.
 class UgridWriter {
  public:
-  UgridWriter(const CaseResults& results, const UgridOptions& options, const std::string& name)
+  UgridWriter(const CaseResults& results, const UgridOptions& options, const std::string& part)
       : results_(results),
         options_(options),
         quantities_(dataset_quantities(results.files)),
         max_depth_(results.max_depth()),
-        file_(name, options.is_compressed) {
+        file_(part, options.output, options.is_compressed) {
     define_dimensions();
     define_mesh();
     define_crs();
@@ -208,8 +208,8 @@ class UgridWriter {
 }  // namespace
 
 void write_ugrid(const CaseResults& results, const UgridOptions& options) {
-  PartialFile file(options.output);
-  UgridWriter(results, options, file.part().string()).write();
+  tools::PartialFile file(options.output);
+  UgridWriter(results, options, file.part()).write();
   file.commit();
 }
 

@@ -10,9 +10,9 @@
 #include <type_traits>
 #include <vector>
 
-#include "export/PartialFile.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/quantities.hpp"
+#include "support/PartialFile.hpp"
 #include "utils/number_text.hpp"
 
 namespace exports {
@@ -70,7 +70,7 @@ class VtuFile {
  private:
   std::ostream& out() { return file_.stream(); }
 
-  PartialStream file_;
+  tools::PartialStream file_;
   std::uint64_t offset_ = 0;
   std::vector<std::function<void()>> blocks_;
 };
@@ -165,9 +165,22 @@ void write_maxima(const fs::path& name, const CaseResults& results,
   file.write();
 }
 
+/// A text as the value of an attribute.
+std::string escaped(const std::string& text) {
+  std::string value;
+  for (const char c : text) {
+    if (c == '&' || c == '<' || c == '"' || (c >= 0 && c < ' ')) {
+      value += "&#" + std::to_string(static_cast<int>(c)) + ";";
+    } else {
+      value += c;
+    }
+  }
+  return value;
+}
+
 /// The PVD grows with every snapshot, so that it can be opened while the export goes on.
 void write_collection(const fs::path& name, const std::string& data_sets) {
-  PartialStream file(name);
+  tools::PartialStream file(name);
   file.stream() << "<VTKFile type=\"Collection\" version=\"0.1\">\n<Collection>\n"
                 << data_sets << "</Collection>\n</VTKFile>\n";
   file.commit();
@@ -189,7 +202,7 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
     const fs::path name = beside(number);
     write_snapshot(name, results, snapshot, options.has_relief);
     data_sets += "<DataSet timestep=\"" + utils::number_text(snapshot.time, 15) +
-                 "\" group=\"\" part=\"0\" file=\"" + name.filename().string() + "\"/>\n";
+                 "\" group=\"\" part=\"0\" file=\"" + escaped(name.filename().string()) + "\"/>\n";
     write_collection(collection, data_sets);
   }
   if (const auto max_depth = results.max_depth()) {

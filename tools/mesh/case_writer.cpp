@@ -1,12 +1,13 @@
 #include "mesh/case_writer.hpp"
 
 #include <filesystem>
-#include <fstream>
+#include <list>
 #include <nlohmann/json.hpp>
 
 #include "globals/edge_codes.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "support/PartialFile.hpp"
 
 namespace mesh_import {
 
@@ -14,6 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr char data_name[] = "data.json";
 constexpr char nodes_name[] = "nodes.txt";
 constexpr char cells_name[] = "cells.txt";
 constexpr char edges_name[] = "edges.txt";
@@ -176,6 +178,8 @@ std::string data_file(const Case& contents) {
   return data.dump(2) + "\n";
 }
 
+/// Files take their places together when all of them are complete, in the order in which they were
+/// written: a case that was there stays as it was if one of them cannot be written.
 class Folder {
  public:
   explicit Folder(const std::string& path) : path_(path) {
@@ -186,22 +190,24 @@ class Folder {
     }
   }
 
-  void write(const std::string& name, const std::string& text) const {
-    const fs::path file = path_ / name;
-    std::ofstream stream(file, std::ios::binary);
-    stream.write(text.data(), static_cast<std::streamsize>(text.size()));
-    stream.close();
-    if (!stream) throw tools::Error(file.string() + ": the file cannot be written.");
+  void write(const std::string& name, const std::string& text) {
+    tools::PartialStream& file = files_.emplace_back(path_ / name);
+    file.stream().write(text.data(), static_cast<std::streamsize>(text.size()));
+    file.finish();
+  }
+  void commit() {
+    for (tools::PartialStream& file : files_) file.commit();
   }
 
  private:
   fs::path path_;
+  std::list<tools::PartialStream> files_;
 };
 
 }  // namespace
 
 void write_case(const Case& contents, const std::string& path) {
-  const Folder folder(path);
+  Folder folder(path);
   folder.write(nodes_name, text_of_nodes(contents.mesh));
   folder.write(cells_name, text_of_cells(contents.mesh));
   folder.write(edges_name, text_of_edges(contents.edges, contents.boundaries));
@@ -227,7 +233,11 @@ void write_case(const Case& contents, const std::string& path) {
   if (!contents.sections.empty()) {
     folder.write(sections_name, text_of_sections(contents.sections, recording));
   }
-  folder.write("data.json", data_file(contents));
+  folder.write(data_name, data_file(contents));
+  // From here on until all is in its place, there is no case that could run.
+  std::error_code ignored;
+  fs::remove(fs::path(path) / data_name, ignored);
+  folder.commit();
 }
 
 }  // namespace mesh_import

@@ -1,9 +1,11 @@
 #include "mesh/import_command.hpp"
 
+#include <cctype>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "mesh/boundaries.hpp"
@@ -30,6 +32,19 @@ constexpr char examples[] = R"(Examples:
 
 )";
 
+/// A name as a shell takes it for one word, and no program for an option.
+std::string shell_word(const std::string& name) {
+  std::string word;
+  bool is_plain = true;
+  for (const char c : name) {
+    is_plain = is_plain && (std::isalnum(static_cast<unsigned char>(c)) ||
+                            std::string_view("_-./+,:@%").find(c) != std::string_view::npos);
+    word += c == '\'' ? "'\\''" : std::string(1, c);
+  }
+  if (!is_plain) word = "'" + word + "'";
+  return (name.rfind('-', 0) == 0 ? "./" : "") + word;
+}
+
 void check_folder(const ImportOptions& options) {
   const auto data = std::filesystem::path(options.folder) / "data.json";
   if (!options.overwrite && std::filesystem::exists(data)) {
@@ -54,7 +69,7 @@ void import_case(const ImportOptions& options, std::ostream& out) {
   write_case(contents, options.folder);
   out << "\n"
       << boundary_table(contents.boundaries) << "\nThe case is complete. Run it: cd "
-      << options.folder << " && quillmere -f data.json\n";
+      << shell_word(options.folder) << " && quillmere -f data.json\n";
 }
 
 }  // namespace

@@ -18,6 +18,8 @@ class Tool {
   int run(int argc, char** argv);
 
  private:
+  int parse_and_run(int argc, char** argv);
+
   CLI::App app_;
 };
 

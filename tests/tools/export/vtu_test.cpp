@@ -19,6 +19,13 @@ TEST_F(Vtu, EverySnapshotIsThereToItsSixDigits) {
             column("out/enveloppe.txt", 3, false));
 }
 
+TEST_F(Vtu, TheCollectionNamesFilesOfAnyName) {
+  simulate(flood_case());
+  run_well({"vtu", ".", "-o", "a&b<\".pvd"});
+  EXPECT_TRUE(support::contains(folder.read("a&b<\".pvd"), "file=\"a&#38;b&#60;&#34;_0000.vtu\""));
+  EXPECT_TRUE(folder.has("a&b<\"_0000.vtu"));
+}
+
 TEST_F(Vtu, OverSandTheBedAndTheSedimentAreThere) {
   simulate(sand_case());
   run_well({"vtu", "."});

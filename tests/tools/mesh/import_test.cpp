@@ -2,8 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
+#include <utility>
 
 #include "support/TemporaryFolder.hpp"
 #include "support/run_program.hpp"
@@ -360,6 +363,70 @@ TEST_F(Import, KeepsACaseThatIsThere) {
             "quillmere-mesh: case/data.json: there is a case already; expected a new "
             "folder, or --overwrite.\n");
   EXPECT_EQ(folder.read("case/data.json"), before);
+}
+
+TEST_F(Import, ReplacesRegularFilesOnly) {
+  import_well({"--end", "5"});
+  folder.write("precious", "data");
+  const std::string before = folder.read("case/data.json");
+  std::filesystem::remove(folder.file("case/nodes.txt"));
+  std::filesystem::create_symlink("../precious", folder.file("case/nodes.txt"));
+  const auto result = import({"m.msh", "case", "--end", "6", "--overwrite"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(contains(result.err, "case/nodes.txt couldn't be written: it is a link"))
+      << result.err;
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.file("case/nodes.txt")));
+  EXPECT_EQ(folder.read("precious"), "data");
+  EXPECT_EQ(folder.read("case/data.json"), before);
+}
+
+TEST_F(Import, WritesThroughNoLink) {
+  folder.write("precious", "data");
+  folder.write("case/readme", "");
+  std::filesystem::create_symlink("../precious", folder.file("case/cells.txt.part"));
+  import_well({});
+  EXPECT_EQ(folder.read("precious"), "data");
+  run_case();
+}
+
+TEST_F(Import, KeepsTheCaseThatIsThereWhereTheDiskIsFull) {
+  import_well({"--end", "5"});
+  const std::string data = folder.read("case/data.json"), nodes = folder.read("case/nodes.txt");
+  const auto names = [this] {
+    std::set<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.file("case"))) {
+      found.insert(entry.path().filename());
+    }
+    return found;
+  };
+  const std::set<std::string> before = names();
+  support::RunOptions options;
+  options.program = "/bin/sh";
+  // The limit holds for the file that keeps the messages too: they run through a pipe.
+  const auto result = support::run_program(
+      folder.path(),
+      {"-c",
+       "(ulimit -f 0; \"$0\" import m.msh case --level 9 --end 6 --overwrite; echo status $?) "
+       "2>&1 | cat",
+       QUILLMERE_MESH_PROGRAM},
+      options);
+  EXPECT_TRUE(contains(result.out, "case/nodes.txt couldn't be written completely")) << result.out;
+  EXPECT_TRUE(contains(result.out, "status 1\n")) << result.out;
+  EXPECT_EQ(folder.read("case/data.json"), data);
+  EXPECT_EQ(folder.read("case/nodes.txt"), nodes);
+  EXPECT_EQ(names(), before);
+}
+
+TEST_F(Import, TellsTheCommandThatRunsACaseOfAnyName) {
+  for (const auto& [name, word] :
+       std::vector<std::pair<std::string, std::string>>{{"plain-1.2", "plain-1.2"},
+                                                        {"a b$x", "'a b$x'"},
+                                                        {"it's", "'it'\\''s'"},
+                                                        {"-dash", "./-dash"}}) {
+    const auto result = import({"--", "m.msh", name});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_TRUE(contains(result.out, "Run it: cd " + word + " && quillmere")) << result.out;
+  }
 }
 
 TEST_F(Import, NamesTheLineOfADamagedSeries) {
