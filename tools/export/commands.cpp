@@ -203,7 +203,8 @@ void add_plot_command(CLI::App& app) {
     if (options->dry_depth && (options->what == What::gauges || options->what == What::sections)) {
       throw CLI::ValidationError("--threshold", "is for maps");
     }
-    const std::string extension = std::filesystem::path(options->output).extension().string();
+    const std::string extension =
+        CLI::detail::to_lower(std::filesystem::path(options->output).extension().string());
     if (options->what != What::all && (extension == ".png" || extension == ".svg")) {
       options->format = extension.substr(1);
     }

@@ -1,13 +1,14 @@
 #!/usr/bin/python3
-"""Draws the maps and curves that "quillmere-export plot" asks for: draw_results.py JOB.json.
+"""Draws the maps and curves that "quillmere-export plot" asks for in the file job.json of the working
+folder, where the pictures go too.
 
-The job names, beside it, arrays of the machine's own numbers: values of the cells, the triangles of
-the mesh, and the triangle in which every pixel of the map lies.
+Beside the job lie arrays of the machine's own numbers: values of the cells, the triangles of the mesh,
+and the triangle in which every pixel of the map lies.
 """
 import io
 import json
-import os
 import sys
+import textwrap
 
 import numpy as np
 
@@ -40,9 +41,9 @@ UNITS = {"m": "m", "m s-1": "m/s", "m2 s-1": "m²/s"}
 class Terrain:
     """What all maps of a case share: pixels, the shaded ground, outline, gauges and sections."""
 
-    def __init__(self, folder, mesh):
+    def __init__(self, mesh):
         def load(name, kind):
-            return np.fromfile(os.path.join(folder, name), kind)
+            return np.fromfile(name, kind)
 
         grid = mesh["grid"]
         rows, columns, size = grid["rows"], grid["columns"], grid["resolution"]
@@ -100,6 +101,19 @@ def hillshade(x, y, z, triangles):
     corners = triangles.ravel()
     total = np.bincount(corners, np.repeat(light, 3), len(x))
     return 0.83 + 0.1 * total / np.maximum(np.bincount(corners, minlength=len(x)), 1)
+
+
+# --- titles ---------------------------------------------------------------------------------------
+
+def title_of(job, shown):
+    """The user's title, or what is shown of the case, letter by letter: without the signs that no
+    font has, a dollar sign begins no formula, and a long text takes several lines."""
+    text = job["title"] or f"{job['case']}: {shown}"
+    text = "".join(c if c.isprintable() or c == "\n" else " " for c in text)
+    lines = [part for line in text.split("\n") for part in textwrap.wrap(line, 110) or [""]]
+    if len(lines) > 6:
+        lines[5:] = [lines[5] + " …"]
+    return "\n".join(lines).replace("$", r"\$")
 
 
 # --- maps -----------------------------------------------------------------------------------------
@@ -183,7 +197,7 @@ def draw_map(job, terrain, entry, values, limits):
     shown = entry["long_name"]
     if "time" in entry:
         shown += ", " + format_time(entry["time"])
-    axes.set_title(job["title"] or f"{job['case']}: {shown}", loc="left")
+    axes.set_title(title_of(job, shown), loc="left")
     axes.ticklabel_format(useOffset=False, style="plain")
     axes.xaxis.set_major_locator(MaxNLocator(6, integer=east - west > 10))
     axes.yaxis.set_major_locator(MaxNLocator(2 if ratio < 0.2 else 5, integer=east - west > 10))
@@ -211,16 +225,15 @@ def limits_of(fields):
     return limits
 
 
-def draw_maps(job, folder):
+def draw_maps(job):
     if not job["maps"]:
         return
-    terrain = Terrain(folder, job["mesh"])
-    fields = [(entry, np.memmap(os.path.join(folder, entry["values"]), np.float32, "r"))
-              for entry in job["maps"]]
+    terrain = Terrain(job["mesh"])
+    fields = [(entry, np.memmap(entry["values"], np.float32, "r")) for entry in job["maps"]]
     limits = limits_of(fields)
     for entry, values in fields:
         save(draw_map(job, terrain, entry, values, limits.get(entry["name"], (0, 0))),
-             entry["output"])
+             entry["picture"])
 
 
 # --- curves ---------------------------------------------------------------------------------------
@@ -263,16 +276,14 @@ def draw_sections(table, title):
     return figure
 
 
-def draw_all_curves(job, folder):
+def draw_all_curves(job):
     for entry in job["curves"]:
-        path = os.path.join(folder, entry["table"])
-        table = np.genfromtxt(path, delimiter=",", skip_header=1, ndmin=2)
+        table = np.genfromtxt(entry["table"], delimiter=",", skip_header=1, ndmin=2)
         kind = entry["kind"]
         if table.size == 0 or table.shape[1] < 2:
             sys.exit(f"the case's {kind} hold nothing to draw.")
-        title = job["title"] or f"{job['case']}: {kind}"
         draw = draw_gauges if kind == "gauges" else draw_sections
-        save(draw(table, title), entry["output"])
+        save(draw(table, title_of(job, kind)), entry["picture"])
 
 
 # --- pictures -------------------------------------------------------------------------------------
@@ -302,13 +313,12 @@ def save_png(figure, output):
 
 
 def main():
-    folder = os.path.dirname(sys.argv[1])
-    with open(sys.argv[1], encoding="utf-8") as file:
+    with open("job.json", encoding="utf-8") as file:
         job = json.load(file)
     plt.rcParams["svg.fonttype"] = "none"  # texts stay texts
     plt.rcParams["svg.hashsalt"] = "quillmere"  # the same picture has the same bytes
-    draw_maps(job, folder)
-    draw_all_curves(job, folder)
+    draw_maps(job)
+    draw_all_curves(job)
 
 
 if __name__ == "__main__":

@@ -1,10 +1,12 @@
 #include "export/plot_command.hpp"
 
+#include <stdlib.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -14,7 +16,10 @@
 #include "export/quantities.hpp"
 #include "export/raster.hpp"
 #include "support/Error.hpp"
+#include "support/PartialFile.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/child_process.hpp"
+#include "support/read_file.hpp"
 
 namespace exports {
 
@@ -26,15 +31,20 @@ using What = PlotOptions::What;
 
 constexpr double pixels_along_a_map = 1600.0;
 
-/// A folder that lives as long as the drawing, with the arrays that the script reads.
+/// A folder that lives as long as the drawing: the job and the arrays that the script reads, and
+/// the pictures that it draws.
 class DrawingFolder {
  public:
+  /// An empty "matplotlibrc" in the working folder of the script is read in place of any other one.
+  DrawingFolder() { save("matplotlibrc", std::string()); }
+
+  std::string path() const { return folder_.path(); }
   std::string path(const std::string& name) const { return folder_.file(name); }
   template <class T>
-  void save(const std::string& name, const std::vector<T>& values) const {
+  void save(const std::string& name, const T& values) const {
     std::ofstream file(path(name), std::ios::binary);
     file.write(reinterpret_cast<const char*>(values.data()),
-               static_cast<std::streamsize>(values.size() * sizeof(T)));
+               static_cast<std::streamsize>(values.size() * sizeof(values[0])));
     if (!file.flush()) {
       throw tools::Error("The file " + path(name) + " couldn't be written (is the disk full?).");
     }
@@ -119,7 +129,7 @@ class Job {
                 {"long_name", field.long_name},
                 {"unit", field.unit},
                 {"values", values},
-                {"output", add_output(name)}};
+                {"picture", add_output(name)}};
     if (field.time) map["time"] = *field.time;
     job_["maps"].push_back(std::move(map));
   }
@@ -160,8 +170,9 @@ class Job {
 
   std::vector<std::string> draw() {
     if (!job_["maps"].empty()) job_["mesh"] = describe_mesh(results_, folder_);
-    std::ofstream(folder_.path("job.json")) << job_;
-    run_script(folder_.path("job.json"));
+    folder_.save("job.json", job_.dump(-1, ' ', false, json::error_handler_t::replace));
+    run_script(folder_);
+    for (std::size_t i = 0; i < outputs_.size(); ++i) put_in_place(picture(i), outputs_[i]);
     return outputs_;
   }
 
@@ -174,6 +185,19 @@ class Job {
     return field.name + "_" + time.dump() + "s";
   }
 
+  /// Name of the picture in the folder of the drawing.
+  std::string picture(std::size_t index) const {
+    return "picture_" + std::to_string(index) + "." + options_.format;
+  }
+  /// Copies a picture: a file of the user's is only ever replaced by a complete one.
+  void put_in_place(const std::string& picture, const std::string& output) const {
+    const std::string bytes = tools::read_file(folder_.path(picture));
+    tools::PartialStream file(output);
+    file.stream().write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    file.commit();
+  }
+
+  /// Adds a picture, refusing early what could not be written; its name for the script.
   std::string add_output(const std::string& name) {
     const std::string file = name + "." + options_.format;
     if (options_.what == What::all) {
@@ -184,24 +208,18 @@ class Job {
       outputs_.push_back(options_.output.empty() ? results_.files.export_path(file)
                                                  : options_.output);
     }
-    const fs::path parent = fs::path(outputs_.back()).parent_path();
-    std::error_code error;
-    if (!parent.empty()) fs::create_directories(parent, error);
-    if (error) {
-      throw tools::Error("The folder " + parent.string() +
-                         " couldn't be created: " + error.message() + ".");
-    }
-    return outputs_.back();
+    tools::prepare_place(outputs_.back());
+    return picture(outputs_.size() - 1);
   }
 
   void add_curves(const std::string& kind) {
     job_["curves"].push_back(
-        {{"kind", kind}, {"table", kind + ".csv"}, {"output", add_output(kind)}});
+        {{"kind", kind}, {"table", kind + ".csv"}, {"picture", add_output(kind)}});
   }
 
   /// The script has its place beside the program: ../share/quillmere from the program's folder, in
   /// the build tree and where it is installed.
-  static void run_script(const std::string& job) {
+  static void run_script(const DrawingFolder& folder) {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
     const std::string script =
@@ -209,21 +227,26 @@ class Job {
     if (error || !fs::exists(script)) {
       throw tools::Error("The script " + script + ", which draws, is not there.");
     }
-    const pid_t child = fork();
+    const pid_t child = tools::fork_child("for the drawing script");
     if (child == 0) {
-      execl(QUILLMERE_PYTHON, QUILLMERE_PYTHON, "-B", script.c_str(), job.c_str(),
-            static_cast<char*>(nullptr));
+      unsetenv("MPLBACKEND");
+      // -I: only Python's own places are searched for modules, whatever lies in the user's folders.
+      if (chdir(folder.path().c_str()) == 0) {
+        execl(QUILLMERE_PYTHON, QUILLMERE_PYTHON, "-I", "-B", script.c_str(),
+              static_cast<char*>(nullptr));
+      }
       _exit(127);
     }
-    int state = 0;
-    if (child < 0 || waitpid(child, &state, 0) != child) {
-      throw tools::Error("No process for the drawing script could be started.");
+    const int state = tools::wait_for(child);
+    if (WIFSIGNALED(state)) {
+      throw tools::Error(std::string("Drawing was ended by a signal: ") +
+                         strsignal(WTERMSIG(state)) + ".");
     }
-    if (WIFEXITED(state) && WEXITSTATUS(state) == 127) {
+    if (WEXITSTATUS(state) == 127) {
       throw tools::Error("Python is not there as " QUILLMERE_PYTHON
                          ". Install it (Debian: python3-matplotlib).");
     }
-    if (!WIFEXITED(state) || WEXITSTATUS(state) != 0) {
+    if (WEXITSTATUS(state) != 0) {
       throw tools::Error("Drawing failed; what went wrong stands above.");
     }
   }

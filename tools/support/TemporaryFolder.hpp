@@ -1,12 +1,15 @@
 // A folder for what a companion program only needs while it works.
 #pragma once
 
+#include <sys/types.h>
+
 #include <filesystem>
 #include <string>
 
 namespace tools {
 
-/// Lives as long as the object.
+/// Lives as long as the object, and no longer than the process, whatever ends that: a small process
+/// of its own keeps watch and removes the folder.
 class TemporaryFolder {
  public:
   /// Throws Error if no folder can be created.
@@ -21,6 +24,8 @@ class TemporaryFolder {
 
  private:
   std::filesystem::path path_;
+  pid_t keeper_ = -1;
+  int lifeline_ = -1;  ///< a pipe to the keeper, which children have too
 };
 
 }  // namespace tools

@@ -1,7 +1,9 @@
 // Pictures. SVG keeps its texts, so that a title, a unit and a scale bar can be looked for.
+#include <csignal>
 #include <regex>
 #include <set>
 
+#include "support/left_behind.hpp"
 #include "tools/export/ExportTest.hpp"
 
 namespace {
@@ -97,6 +99,97 @@ TEST_F(Plot, WhatTheCaseDoesNotHaveIsRefused) {
   EXPECT_EQ(run({"plot", ".", "--field", "depth"}).err,
             "quillmere-export: ./data.json asks for no snapshots of flow.\n");
   EXPECT_EQ(run({"plot", ".", "--gauges"}).status, 1);
+}
+
+TEST_F(Plot, ATitleStandsLetterByLetter) {
+  simulate(flood_case());
+  for (const std::string title : {"cost $5 and $6", "$\\foo$ $x_1$ 100 % {_^}", "a\\$b"}) {
+    EXPECT_TRUE(support::contains(svg_of({"--title=" + title}), ">" + title + "<")) << title;
+  }
+  EXPECT_TRUE(support::contains(svg_of({"--title", "a <b> & c"}), ">a &lt;b&gt; &amp; c<"));
+  const std::string two_lines = svg_of({"--title",
+                                        "a\tb\x01"
+                                        "c\nd\xff"
+                                        "e"});
+  EXPECT_TRUE(support::contains(two_lines, ">a b c<"));
+  EXPECT_TRUE(support::contains(two_lines,
+                                ">d\xEF\xBF\xBD"
+                                "e<"));
+}
+
+TEST_F(Plot, TheNameOfARunIsNoFormula) {
+  support::Case c = flood_case();
+  c.data["name"] = "$\\frac{$ _";
+  simulate(c);
+  EXPECT_TRUE(support::contains(svg_of({}), ">$\\frac{$ _: largest depth<"));
+  EXPECT_TRUE(support::contains(svg_of({"--gauges"}), ">$\\frac{$ _: gauges<"));
+}
+
+TEST_F(Plot, ALongTitleTakesSeveralLines) {
+  simulate(flood_case());
+  for (const std::string& title : {std::string(5000, 'x'), std::string(3000, '\n') + "end"}) {
+    run_well({"plot", ".", "--title", title, "-o", "picture.png"});
+    EXPECT_TRUE(is_png(folder.read("picture.png")));
+  }
+}
+
+TEST_F(Plot, NothingInTheWorkingFolderChangesIt) {
+  simulate(flood_case());
+  const std::string usual = svg_of({});
+  folder.write("matplotlibrc", "figure.facecolor: red\nno such key: 1\n");
+  const std::string trap = "open('trap', 'w')\nraise SystemExit('trapped')\n";
+  for (const char* module : {"sitecustomize", "usercustomize", "numpy", "matplotlib", "json"}) {
+    folder.write(module + std::string(".py"), trap);
+  }
+  EXPECT_EQ(svg_of({}), usual);
+  support::RunOptions options;
+  options.program = "/usr/bin/env";
+  const auto result = support::run_program(
+      folder.path(),
+      {"PYTHONPATH=.", "PYTHONSTARTUP=numpy.py", "MPLBACKEND=nonsense", "MATPLOTLIBRC=matplotlibrc",
+       QUILLMERE_EXPORT_PROGRAM, "plot", ".", "-o", "picture.svg"},
+      options);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(folder.read("picture.svg"), usual);
+  EXPECT_FALSE(folder.has("trap"));
+}
+
+TEST_F(Plot, ARelativeFolderForTemporaryFilesWillDo) {
+  simulate(flood_case());
+  std::filesystem::create_directory(folder.file("tmp"));
+  support::RunOptions options;
+  options.program = "/usr/bin/env";
+  const auto result = support::run_program(
+      folder.path(), {"TMPDIR=tmp", QUILLMERE_EXPORT_PROGRAM, "plot", ".", "-o", "picture.png"},
+      options);
+  EXPECT_EQ(result.status, 0) << result.err;
+  EXPECT_TRUE(is_png(folder.read("picture.png")));
+  EXPECT_TRUE(std::filesystem::is_empty(folder.file("tmp")));
+}
+
+TEST_F(Plot, TheEndingOfTheNameTellsTheFormat) {
+  simulate(flood_case());
+  run_well({"plot", ".", "-o", "upper.SVG"});
+  EXPECT_TRUE(support::contains(folder.read("upper.SVG"), "<svg"));
+  run_well({"plot", ".", "-o", "none", "--format", "svg"});
+  EXPECT_TRUE(support::contains(folder.read("none"), "<svg"));
+}
+
+TEST_F(Plot, EndedFromOutsideItLeavesNothingBehind) {
+  simulate(flood_case());
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGKILL}) {
+    SCOPED_TRACE(signal);
+    support::expect_nothing_left_behind(
+        folder, {QUILLMERE_EXPORT_PROGRAM, "plot", ".", "--all", "-o", "pictures"}, signal,
+        [](const std::filesystem::path& place) {
+          for (const std::string& process : support::processes_with(place.string())) {
+            if (support::contains(process, "draw_results.py")) return true;
+          }
+          return false;
+        });
+    EXPECT_FALSE(folder.has("pictures/gauges.png"));
+  }
 }
 
 TEST_F(Plot, TheSameResultsGiveTheSamePicture) {

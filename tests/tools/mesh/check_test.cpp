@@ -1,6 +1,8 @@
+#include <csignal>
 #include <filesystem>
 #include <set>
 
+#include "support/left_behind.hpp"
 #include "tools/mesh/CheckTest.hpp"
 
 namespace {
@@ -115,6 +117,18 @@ TEST_F(Check, ReportsARunThatGivesUpAfterItsFirstStep) {
   report = json::parse(result.out);
   ASSERT_EQ(texts("errors", "trial run").size(), 1U) << result.out;
   EXPECT_TRUE(support::contains(texts("errors", "trial run")[0], "dt too small!"));
+}
+
+TEST_F(Check, EndedFromOutsideItLeavesNothingBehind) {
+  c.set_times(0.0, 1e6);  // the measurement lasts as long as it may
+  c.write(folder);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGKILL}) {
+    SCOPED_TRACE(signal);
+    support::expect_nothing_left_behind(folder, {QUILLMERE_MESH_PROGRAM, "check", "."}, signal,
+                                        [](const std::filesystem::path& place) {
+                                          return support::has_file_below(place, "messages.txt");
+                                        });
+  }
 }
 
 TEST_F(Check, FindsTheFilesOfADataFileFromTheWorkingDirectory) {

@@ -15,6 +15,7 @@
 #include "globals/Globals.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/child_process.hpp"
 #include "utils/data_file_keys.hpp"
 #include "utils/json_file.hpp"
 
@@ -125,13 +126,14 @@ std::optional<TrialRun> trial_run(const std::string& data_file) {
   const TemporaryFolder folder;
   const auto data = trial_data(data_file, folder.path());
   if (!data) return {};
-  std::ofstream(folder.file("data.json")) << *data;
+  if (!(std::ofstream(folder.file("data.json")) << *data << std::flush)) {
+    throw Error("The file " + folder.file("data.json") +
+                " couldn't be written (is the disk full?).");
+  }
 
   int ends[2];
   if (pipe(ends) != 0) throw Error("no pipe for the trial run");
-  std::cout << std::flush;
-  const pid_t child = fork();
-  if (child < 0) throw Error("no process for the trial run");
+  const pid_t child = fork_child("for the trial run");
   if (child == 0) {
     close(ends[0]);
     run_child(folder, ends[1]);
@@ -140,8 +142,7 @@ std::optional<TrialRun> trial_run(const std::string& data_file) {
   Measurement result{};
   const bool is_measured = read(ends[0], &result, sizeof result) == sizeof result;
   close(ends[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
+  const int status = wait_for(child);
 
   TrialRun trial;
   if (!is_measured) {

@@ -1,0 +1,36 @@
+#include "support/child_process.hpp"
+
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <iostream>
+
+#include "support/Error.hpp"
+
+namespace tools {
+
+pid_t fork_child(const std::string& purpose) {
+  std::cout << std::flush;  // else the child may write it once more
+  const pid_t parent = getpid();
+  const pid_t child = fork();
+  if (child < 0) {
+    throw Error("no process can be started " + purpose + ": " + std::strerror(errno) + ".");
+  }
+  if (child > 0) return child;
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  if (getppid() != parent) _exit(1);  // it has ended already
+  std::signal(SIGINT, SIG_IGN);
+  return 0;
+}
+
+int wait_for(pid_t child) {
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+  return status;
+}
+
+}  // namespace tools
