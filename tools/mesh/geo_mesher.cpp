@@ -1,7 +1,7 @@
 #include "mesh/geo_mesher.hpp"
 
 #include <gmsh.h>
-#include <sys/prctl.h>
+#include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -11,11 +11,15 @@
 #include <exception>
 #include <filesystem>
 #include <new>
+#include <regex>
 
+#include "mesh/forbid_processes.hpp"
 #include "mesh/gmsh_reader.hpp"
 #include "mesh/mesh_file.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/child_process.hpp"
+#include "utils/stop.hpp"
 
 namespace mesh_import {
 
@@ -50,7 +54,8 @@ std::string describe(const std::exception_ptr& thrown) {
 std::string run_gmsh(const std::string& geo, const std::string& msh) {
   std::string thrown;
   try {
-    gmsh::initialize();
+    constexpr bool reads_settings = false;  // which are programs of Gmsh's language too
+    gmsh::initialize(0, nullptr, reads_settings);
     gmsh::option::setNumber("General.Terminal", 0);
     gmsh::logger::start();
     gmsh::open(geo);
@@ -104,38 +109,67 @@ std::string read_all(int descriptor) {
   return text;
 }
 
+/// Keeps the geometry's program from running others; ends the process where that is impossible.
+void forbid_commands(const std::string& home) {
+  setenv("HOME", home.c_str(), 1);  // Gmsh leaves sockets and settings there
+  unsetenv("GMSHPLUGINSHOME");
+  if (!forbid_processes()) {
+    report_and_exit(
+        "\n  commands that the geometry may run can't be hindered on this system; "
+        "expected --allow-commands, if you trust it");
+  }
+}
+
+/// ", line 3: SystemCall" for the first call in the text that runs commands; empty if there is
+/// none. For messages only: a geometry may read other files, and build names of calls.
+std::string place_of_command(const std::string& text) {
+  static const std::regex call("\\b(NonBlockingSystemCall|SystemCall|OnelabRun)\\b");
+  std::smatch found;
+  if (!std::regex_search(text, found, call)) return "";
+  const auto line = 1 + std::count(text.begin(), found[0].first, '\n');
+  return ", line " + std::to_string(line) + ": " + found.str();
+}
+
 }  // namespace
 
-// Intended: a process of its own, since some faulty geometries crash Gmsh.
-Mesh mesh_geo(const std::string& path) {
+// Intended: a process of its own, since some faulty geometries crash Gmsh, and so that the system
+// can keep all that a geometry does from running commands.
+Mesh mesh_geo(const std::string& path, bool allows_commands) {
   const std::string text = read_whole_file(path);
   if (text.back() != '\n') {
     throw tools::Error(path +
                        ": the last line has no end, and Gmsh may leave out what it says; expected "
                        "a line end.");
   }
+  const std::string place = path + place_of_command(text);
+  if (allows_commands && place != path) utils::warn(place + ": the geometry may run commands.");
   const tools::TemporaryFolder folder;
   const std::string msh = folder.file("mesh.msh");
   int ends[2];
-  if (pipe(ends) != 0) throw tools::Error("No process can be started for Gmsh.");
-  const pid_t child = fork();
-  if (child < 0) throw tools::Error("No process can be started for Gmsh.");
+  if (pipe(ends) != 0) throw tools::Error("no pipe can be made for Gmsh.");
+  const pid_t child = tools::fork_child("for Gmsh");
   if (child == 0) {
     close(ends[0]);
     report_descriptor = ends[1];
     std::set_terminate(report_uncaught);
-    prctl(PR_SET_PDEATHSIG, SIGKILL);  // nobody waits for a mesh when the program is gone
     limit_memory();
+    if (!allows_commands) forbid_commands(folder.path());
     report_and_exit(run_gmsh(path, msh));
   }
   close(ends[1]);
   const std::string errors = read_all(ends[0]);
   close(ends[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
+  const int status = tools::wait_for(child);
+  if (WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS) {
+    throw tools::Error(place +
+                       ": the geometry runs a command, itself or through a file that it reads; "
+                       "expected one that runs none, or --allow-commands, if you trust it.");
+  }
   if (WIFSIGNALED(status)) throw tools::Error(path + ": Gmsh crashed on this geometry.");
-  if (status != 0 || !std::filesystem::exists(msh))
-    throw tools::Error(path + ": Gmsh reports:" + errors);
+  if (!errors.empty()) throw tools::Error(path + ": Gmsh reports:" + errors);
+  if (status != 0 || !std::filesystem::exists(msh)) {
+    throw tools::Error(path + ": Gmsh ended without a mesh; expected a geometry without Exit.");
+  }
   Mesh mesh = read_msh(msh);
   mesh.format = "meshed with Gmsh " + std::string(GMSH_API_VERSION);
   return mesh;

@@ -3,7 +3,7 @@
 
 namespace mesh_import {
 
-Mesh mesh_geo(const std::string& path) {
+Mesh mesh_geo(const std::string& path, bool /*allows_commands*/) {
   throw tools::Error(path +
                      ": this quillmere-mesh was built without Gmsh's library and meshes no .geo. "
                      "Mesh it (gmsh -2) and import the .msh, or build again with the library "

@@ -13,7 +13,7 @@ namespace mesh_import {
 namespace {
 
 Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
-  Mesh mesh = read_mesh_file(options.mesh);
+  Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
   const CellChanges changes = prepare_cells(mesh, options.keep_quads);
   const auto n_quads = static_cast<std::size_t>(std::count_if(
       mesh.cells.begin(), mesh.cells.end(), [](const Cell& cell) { return cell.is_quad(); }));

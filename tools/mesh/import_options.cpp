@@ -79,6 +79,9 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("VALUE");
   command.add_flag("--keep-quads", options.keep_quads, "Do not split quadrilaterals");
   command.add_flag("--overwrite", options.overwrite, "Replace a case that is there");
+  command.add_flag("--allow-commands", options.allow_commands,
+                   "Let a .geo run commands of the shell: it is a program, and is refused where it "
+                   "runs others. It may write files either way");
   command.footer(
       "VALUE may also be a raster file: a cell takes the mean of its pixels (for IDs the most "
       "frequent one). With NAME= it holds for a named surface, without for all cells; the named "

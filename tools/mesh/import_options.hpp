@@ -29,6 +29,7 @@ struct ImportOptions {
   double courant = 0.9;
   bool keep_quads = false;
   bool overwrite = false;
+  bool allow_commands = false;
 };
 
 /// Adds the arguments and options of the command; `options` lives as long as the command.

@@ -10,10 +10,10 @@
 
 namespace mesh_import {
 
-Mesh read_mesh_file(const std::string& path) {
+Mesh read_mesh_file(const std::string& path, bool allows_commands) {
   const std::string extension = std::filesystem::path(path).extension().string();
   if (extension == ".msh") return read_msh(path);
-  if (extension == ".geo") return mesh_geo(path);
+  if (extension == ".geo") return mesh_geo(path, allows_commands);
   if (extension == ".2dm") return read_2dm(path);
   throw tools::Error(path + ": found the extension \"" + extension +
                      "\", expected .msh, .geo or .2dm.");

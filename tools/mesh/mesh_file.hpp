@@ -7,8 +7,9 @@
 
 namespace mesh_import {
 
-/// Reads a mesh; its extension tells the format (.msh, .geo, .2dm). Throws tools::Error.
-Mesh read_mesh_file(const std::string& path);
+/// Reads a mesh; its extension tells the format (.msh, .geo, .2dm). A .geo may run commands only if
+/// they are allowed. Throws tools::Error.
+Mesh read_mesh_file(const std::string& path, bool allows_commands = false);
 
 /// The bytes of a file. Throws tools::Error.
 std::string read_whole_file(const std::string& path);
