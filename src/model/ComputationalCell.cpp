@@ -5,9 +5,22 @@
 
 #include "globals/Globals.hpp"
 #include "interfaces/GenericInterface.hpp"
+#include "physics/cell_geometry.hpp"
 #include "physics/cell_update.hpp"
 #include "physics/stable_step.hpp"
 #include "sources/SourceTerm.hpp"
+
+namespace {
+
+/// The vertices of a cell as the formulas of its geometry take them.
+auto plan_nodes_of(const ComputationalCell& cell) {
+  return [&cell](int i) {
+    const MeshNode& node = *cell.get_node(i);
+    return physics::PlanPoint{node.x, node.y};
+  };
+}
+
+}  // namespace
 
 ComputationalCell::ComputationalCell(const std::vector<const MeshNode*>& vertices)
     : n_nodes(static_cast<int>(vertices.size())),
@@ -41,17 +54,11 @@ MeshNode ComputationalCell::compute_center() const {
 }
 
 double ComputationalCell::compute_area() const {
-  // Intended: absolute values make the area independent of the orientation of the vertices; a
-  // signed sum would not be.
-  double sum = 0.0;
-  for (int i = 0; i < n_nodes; ++i) {
-    const MeshNode& a = *get_node(i);
-    const MeshNode& b = *next_node(i);
-    const double twice_area =
-        center.x * a.y + a.x * b.y + b.x * center.y - a.x * center.y - center.x * b.y - b.x * a.y;
-    sum += std::fabs(twice_area) / 2.0;
-  }
-  return sum;
+  return physics::cell_area(n_nodes, {center.x, center.y}, plan_nodes_of(*this));
+}
+
+double ComputationalCell::accurate_area() const {
+  return physics::cell_area_of_differences(n_nodes, plan_nodes_of(*this));
 }
 
 double ComputationalCell::compute_perimeter() const {

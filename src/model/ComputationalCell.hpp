@@ -43,6 +43,8 @@ class ComputationalCell {
   MeshNode compute_center() const;
   /// Sum of the absolute areas of the fan of triangles around the centre, m2.
   double compute_area() const;
+  /// The same, from differences to the first vertex.
+  double accurate_area() const;
   double compute_perimeter() const;
 
   // --- Interfaces ---

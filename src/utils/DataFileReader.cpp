@@ -81,6 +81,16 @@ std::string DataFileReader::get_edges_file() const {
   return leaf<std::string>(enclosing(document_, key::mesh), key::edges);
 }
 
+std::array<double, 2> DataFileReader::get_mesh_origin() const {
+  const json& mesh = enclosing(document_, key::mesh);
+  if (!mesh.contains(key::origin)) return {0.0, 0.0};
+  if (mesh.at(key::origin).size() != 2) {
+    throw DataFileReaderException("Error. The following key has incorrect format in the datafile: ",
+                                  key::origin);
+  }
+  return leaf<std::array<double, 2>>(mesh, key::origin);
+}
+
 // --- Model --------------------------------------------------------------------------------------
 
 std::string DataFileReader::get_model_name() const {

@@ -2,6 +2,7 @@
 // is called, and throws a DataFileReaderException that names the key at fault.
 #pragma once
 
+#include <array>
 #include <exception>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -51,6 +52,9 @@ class DataFileReader : public Reader {
   std::string get_nodes_file() const;
   std::string get_cells_file() const;
   std::string get_edges_file() const;
+  /// What was taken from the coordinates of the mesh, m; (0, 0) where nothing was. No run asks for
+  /// it.
+  std::array<double, 2> get_mesh_origin() const;
 
   std::string get_model_name() const;
   std::string get_flux_scheme_name() const;

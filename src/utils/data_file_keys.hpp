@@ -11,6 +11,7 @@ inline constexpr char mesh[] = "mesh";
 inline constexpr char nodes[] = "nodes";
 inline constexpr char cells[] = "cells";
 inline constexpr char edges[] = "edges";
+inline constexpr char origin[] = "origin";
 inline constexpr char model[] = "model";
 inline constexpr char model_name[] = "name";
 inline constexpr char flux_scheme[] = "flux scheme";

@@ -21,6 +21,7 @@ std::vector<KnownKey> make_known_keys() {
       {section::mesh, key::nodes, KeyType::file, Use::always},
       {section::mesh, key::cells, KeyType::file, Use::always},
       {section::mesh, key::edges, KeyType::file, Use::always},
+      {section::mesh, key::origin, KeyType::point, Use::optional},
       {"", key::model, KeyType::section, Use::always},
       {section::model, key::model_name, KeyType::text, Use::always},
       {section::model, key::flux_scheme, KeyType::text, Use::always},

@@ -23,8 +23,8 @@ inline std::string path_of(const std::string& section, const std::string& name) 
   return section.empty() ? name : section + "/" + name;
 }
 
-/// A file is a text that names something to read.
-enum class KeyType { text, file, number, section };
+/// A file is a text that names something to read, a point two numbers in brackets.
+enum class KeyType { text, file, number, point, section };
 
 struct KnownKey {
   /// When the simulator asks for a key: in every run, with sediments, if it stands there, or if

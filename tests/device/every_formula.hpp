@@ -10,6 +10,7 @@
 #include "physics/boundary_transmissive.hpp"
 #include "physics/boundary_wall.hpp"
 #include "physics/boundary_water_level.hpp"
+#include "physics/cell_geometry.hpp"
 #include "physics/cell_update.hpp"
 #include "physics/cell_update_exner.hpp"
 #include "physics/cell_update_swe.hpp"
@@ -255,6 +256,21 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   add(results, physics::stable_step_dry(dt, water.h, zero_depth));
 }
 
+QM_HD inline void add_geometry(Results& results, Random& random) {
+  physics::PlanPoint corners[3] = {};
+  physics::PlanPoint center = {0.0, 0.0};
+  for (physics::PlanPoint& point : corners) {
+    point = {uniform(random, 6e5, 6.0001e5), uniform(random, 5e6, 5.0001e6)};
+    center = {center.x + point.x / 3.0, center.y + point.y / 3.0};
+  }
+  const auto corner = [&](int i) { return corners[i]; };
+  const double area = physics::cell_area(3, center, corner);
+  const double accurate = physics::cell_area_of_differences(3, corner);
+  add(results, area);
+  add(results, accurate);
+  add(results, physics::area_loss(area, accurate));
+}
+
 /// Every formula on the state of that number.
 QM_HD inline Results every_formula(std::uint64_t number) {
   Results results = {};
@@ -267,6 +283,7 @@ QM_HD inline Results every_formula(std::uint64_t number) {
   add_boundaries(results, random, water, bed, edge);
   add_soils(results, random, water.h);
   add_update(results, random, water, bed);
+  add_geometry(results, random);
   return results;
 }
 

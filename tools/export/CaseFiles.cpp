@@ -31,6 +31,7 @@ void read(CaseFiles& files, const utils::DataFileReader& data) {
   files.nodes = path(data.get_nodes_file());
   files.cells = path(data.get_cells_file());
   files.edges = path(data.get_edges_file());
+  files.origin = data.get_mesh_origin();
   if (data.is_imposed_fixed_bed_level()) files.fixed_bed = path(data.get_fixed_bed_level_file());
   if (files.has_sediment) files.sediment_thickness = path(data.get_sediments_level_file());
   if (data.is_pictures()) files.snapshot_times = path(data.get_pictures_file());

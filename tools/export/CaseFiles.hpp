@@ -1,6 +1,7 @@
 // What the data file of a case says about its files.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -25,6 +26,7 @@ struct CaseFiles {
   double dry_depth = 0.0;  ///< depth up to which a cell is dry, m
 
   std::string nodes, cells, edges;
+  std::array<double, 2> origin{};  ///< what was taken from all coordinates, m
   std::optional<std::string> fixed_bed, sediment_thickness;
   std::optional<std::string> snapshot_times, gauges, sections;
   std::string output_prefix;  ///< put in front of the names of results

@@ -41,7 +41,7 @@ std::vector<double> initial_bed(const CaseFiles& files, const Mesh& mesh) {
 
 CaseResults::CaseResults(const std::string& folder_or_data_file)
     : files(folder_or_data_file),
-      mesh(read_mesh(files.nodes, files.cells)),
+      mesh(read_mesh(files.nodes, files.cells, files.origin)),
       bed(initial_bed(files, mesh)) {
   if (!files.snapshot_times) return;
   utils::TextScanner schedule(*files.snapshot_times);

@@ -17,8 +17,8 @@ void read_nodes(Mesh& mesh, const std::string& file) {
   }
   for (int i = 0; i < count; ++i) {
     const std::vector<double> node = reader.read_next_node(3);
-    mesh.x.push_back(node[0]);
-    mesh.y.push_back(node[1]);
+    mesh.x.push_back(node[0] + mesh.origin[0]);
+    mesh.y.push_back(node[1] + mesh.origin[1]);
     mesh.z.push_back(node[2]);
   }
 }
@@ -73,8 +73,10 @@ int Mesh::most_nodes_per_cell() const {
   return most;
 }
 
-Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file) {
+Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file,
+               const std::array<double, 2>& origin) {
   Mesh mesh;
+  mesh.origin = origin;
   read_nodes(mesh, nodes_file);
   read_cells(mesh, cells_file);
   return mesh;

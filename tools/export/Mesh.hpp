@@ -10,9 +10,10 @@
 namespace exports {
 
 struct Mesh {
-  std::vector<double> x, y, z;  ///< nodes, m
-  std::vector<int> first;       ///< of every cell, where its nodes begin; one more at the end
-  std::vector<int> nodes;       ///< nodes of the cells, counter-clockwise
+  std::array<double, 2> origin{};  ///< what the files take from x and y, and is added here, m
+  std::vector<double> x, y, z;     ///< nodes, m
+  std::vector<int> first;          ///< of every cell, where its nodes begin; one more at the end
+  std::vector<int> nodes;          ///< nodes of the cells, counter-clockwise
   /// Centres of the cells: the mean of their nodes, m.
   std::vector<double> center_x, center_y, center_z;
 
@@ -27,7 +28,8 @@ struct Mesh {
 
 /// Reads the nodes and cells files. Cells whose nodes run clockwise are turned round, since that is
 /// what the formats of other programs ask for.
-Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file);
+Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file,
+               const std::array<double, 2>& origin = {});
 
 struct Edges {
   std::vector<std::array<int, 2>> nodes;  ///< of every edge

@@ -63,11 +63,12 @@ void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapsho
       table.refuse(": found a row more than the " + std::to_string(n) +
                    " cells of the mesh. Is it a result of this case?");
     }
-    if (!agrees(row[0], mesh.center_x[i]) || !agrees(row[1], mesh.center_y[i])) {
+    const double x = mesh.center_x[i] - mesh.origin[0], y = mesh.center_y[i] - mesh.origin[1];
+    if (!agrees(row[0], x) || !agrees(row[1], y)) {
       table.refuse(": found the centre (" + utils::fixed_text(row[0], 6) + ", " +
                    utils::fixed_text(row[1], 6) + "), expected that of cell " + std::to_string(i) +
-                   ", (" + utils::fixed_text(mesh.center_x[i], 6) + ", " +
-                   utils::fixed_text(mesh.center_y[i], 6) + "). Is it a result of this mesh?");
+                   ", (" + utils::fixed_text(x, 6) + ", " + utils::fixed_text(y, 6) +
+                   "). Is it a result of this mesh?");
     }
     for (std::size_t k = 0; k < columns.size(); ++k) {
       if (columns[k] != nullptr) (*columns[k])[i] = static_cast<float>(row[2 + k]);

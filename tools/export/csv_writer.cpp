@@ -42,7 +42,7 @@ GaugeList read_gauge_list(const CaseFiles& files) {
     const double x = file.read_number("x");
     const double y = file.read_number("y");
     file.read_number("z");
-    list.points.emplace_back(x, y);
+    list.points.emplace_back(x + files.origin[0], y + files.origin[1]);
   }
   return list;
 }

@@ -167,14 +167,11 @@ std::string data_file(const Case& contents) {
                       {"snapshots of flow", snapshots_name},
                       {"gauges", gauges_name}};
   if (!contents.sections.empty()) output["discharges"] = sections_name;
-  const ordered_json data{
-      {"name", contents.name},
-      {"t0", 0.0},
-      {"tend", contents.end},
-      {"CFL", contents.courant},
-      {"mesh", {{"nodes", nodes_name}, {"cells", cells_name}, {"edges", edges_name}}},
-      {"model", model},
-      {"output", output}};
+  ordered_json mesh{{"nodes", nodes_name}, {"cells", cells_name}, {"edges", edges_name}};
+  if (contents.origin) mesh["origin"] = {contents.origin->x, contents.origin->y};
+  const ordered_json data{{"name", contents.name},   {"t0", 0.0},    {"tend", contents.end},
+                          {"CFL", contents.courant}, {"mesh", mesh}, {"model", model},
+                          {"output", output}};
   return data.dump(2) + "\n";
 }
 

@@ -27,6 +27,7 @@ struct Case {
   double interval = 0.0;             // between envelopes, s
   std::vector<double> snapshots;     // s
   std::optional<double> zero_depth;  // m
+  std::optional<Node> origin;        // what is taken from all coordinates
   Mesh mesh;
   std::vector<Edge> edges;
   Boundaries boundaries;

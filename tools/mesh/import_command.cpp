@@ -14,6 +14,7 @@
 #include "mesh/import_fields.hpp"
 #include "mesh/import_mesh.hpp"
 #include "mesh/import_options.hpp"
+#include "mesh/import_origin.hpp"
 #include "mesh/import_run.hpp"
 #include "mesh/run_options.hpp"
 #include "support/Error.hpp"
@@ -59,13 +60,15 @@ void import_case(const ImportOptions& options, std::ostream& out) {
   std::vector<BoundaryRequest> requests;
   for (const auto& text : options.boundaries) requests.push_back(parse_boundary(text));
   Case contents;
-  for (const auto& text : options.gauges) contents.gauges.push_back(parse_gauge(text));
+  for (const auto& text : options.gauges) contents.gauges.push_back(parse_point("--gauge", text));
+  if (!options.origin.empty()) contents.origin = parse_point("--origin", options.origin);
   if (!options.snapshots.empty()) contents.snapshots = parse_snapshots(options.snapshots);
   check_folder(options);
   contents.mesh = import_mesh(options, out);
   import_fields(options, contents, out);
   import_edges(options, requests, contents, out);
   import_run(options, contents, out);
+  move_to_origin(contents, out);
   write_case(contents, options.folder);
   out << "\n"
       << boundary_table(contents.boundaries) << "\nThe case is complete. Run it: cd "

@@ -26,6 +26,11 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       .add_option("--terrain", options.terrain,
                   "Elevation of the nodes from a raster: ESRI ASCII (.asc), GeoTIFF")
       ->type_name("FILE");
+  command
+      .add_option("--origin", options.origin,
+                  "Take this point from all coordinates of the case, which keep more digits near "
+                  "the origin; quillmere-export adds it again")
+      ->type_name("X,Y");
   command.add_option("--fill", options.fill, "Elevation of nodes where the terrain has no data")
       ->type_name("VALUE");
   repeated("--boundary", options.boundaries, "NAME=KIND",

@@ -13,6 +13,7 @@ namespace mesh_import {
 struct ImportOptions {
   std::string mesh;
   std::string folder;
+  std::string origin;
   std::string terrain;
   std::optional<double> fill;
   std::vector<std::string> boundaries;

@@ -47,10 +47,10 @@ Sector sector_of(const Mesh& mesh, const Cell& cell, int k) {
 
 }  // namespace
 
-Node parse_gauge(const std::string& text) {
+Node parse_point(const std::string& option, const std::string& text) {
   const auto values = parse_list(text);
   if (!values || values->size() != 2) {
-    throw CLI::ValidationError("--gauge", "found \"" + text + "\", expected X,Y, as in 12.5,40");
+    throw CLI::ValidationError(option, "found \"" + text + "\", expected X,Y, as in 12.5,40");
   }
   return {values->at(0), values->at(1), 0.0};
 }

@@ -8,8 +8,8 @@
 
 namespace mesh_import {
 
-/// A point given as X,Y, in m; throws CLI::ValidationError (wrong usage).
-Node parse_gauge(const std::string& text);
+/// A point that an option gives as X,Y, in m; throws CLI::ValidationError (wrong usage).
+Node parse_point(const std::string& option, const std::string& text);
 
 /// Times given as T1,T2,..., in s, at least 0.01 s apart, as the names of snapshots are; throws
 /// CLI::ValidationError (wrong usage).

@@ -69,3 +69,24 @@ TEST_F(Csv, ACaseWithoutGaugesAndSectionsIsRefused) {
   EXPECT_EQ(result.status, 1);
   EXPECT_EQ(result.err, "quillmere-export: ./data.json asks for neither gauges nor discharges.\n");
 }
+
+TEST_F(Csv, GaugesStandWhereTheyWereBeforeAnOriginWasTaken) {
+  support::Case c;
+  c.data["mesh"]["origin"] = {612000.0, 5235000.0};
+  c.add_gauges({{0.35, 0.55}}, 0.5);
+  simulate(c);
+  run_well({"csv", "."});
+  EXPECT_EQ(folder.read("export/gauge_points.csv"), "gauge,x (m),y (m)\n1,612000.35,5235000.55\n");
+}
+
+TEST_F(Csv, AnOriginThatIsNoPointIsRefused) {
+  support::Case c;
+  c.add_gauges({{0.35, 0.55}}, 0.5);
+  for (const char* const origin : {"[1]", "[1, 2, 3]", "\"1,2\"", "[1, \"2\"]"}) {
+    c.data["mesh"]["origin"] = nlohmann::json::parse(origin);
+    simulate(c);
+    const support::RunResult result = run({"csv", "."});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_TRUE(support::contains(result.err, "incorrect format in the datafile: origin")) << origin;
+  }
+}

@@ -52,6 +52,19 @@ TEST_F(Vtu, TheMeshIsThatOfTheCase) {
             (Values{"0", "0", "7", "1", "0", "8", "0", "1", "7", "1", "1", "8"}));
 }
 
+TEST_F(Vtu, TheMeshStandsWhereItWasBeforeAnOriginWasTaken) {
+  support::Case c;
+  c.nx = c.ny = 1;
+  c.data["mesh"]["origin"] = {612000.0, 523500.0};
+  c.add_snapshots({0.0});
+  simulate(c);
+  run_well({"vtu", "."});
+  using Values = std::vector<std::string>;
+  EXPECT_EQ(read_values({"vtu", "export/results_0000.vtu", "points"}),
+            (Values{"612000", "523500", "0", "612001", "523500", "0", "612000", "523501", "0",
+                    "612001", "523501", "0"}));
+}
+
 TEST_F(Vtu, ADryCellHasNoLevelAndNoVelocity) {
   simulate(flood_case());
   run_well({"vtu", "."});

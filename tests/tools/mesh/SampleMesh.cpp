@@ -127,7 +127,7 @@ std::string SampleMesh::msh4(bool is_binary) const {
     out.add(10 * k + 1).end();  // sparse numbers
   }
   for (int j = 0; j <= ny; ++j) {
-    for (int i = 0; i <= nx; ++i) out.add(double(i)).add(double(j)).add(z(i, j)).end();
+    for (int i = 0; i <= nx; ++i) out.add(x0 + i).add(y0 + j).add(z(i, j)).end();
   }
   long long n_elements = 0;
   for (const auto& group : groups) n_elements += static_cast<long long>(group.elements.size());

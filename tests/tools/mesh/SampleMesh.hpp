@@ -12,7 +12,8 @@ namespace support {
 class SampleMesh {
  public:
   int nx = 4, ny = 3, middle = 2;
-  bool clockwise = false;  ///< whether the nodes of cells run clockwise
+  double x0 = 0.0, y0 = 0.0;  ///< south-west corner
+  bool clockwise = false;     ///< whether the nodes of cells run clockwise
   std::function<double(double, double)> z = [](double, double) { return 0.0; };
 
   int n_nodes() const { return (nx + 1) * (ny + 1); }

@@ -319,6 +319,42 @@ TEST_F(Import, SaysThatThinFilmsMoveTheBed) {
   EXPECT_FALSE(contains(import_well({"--overwrite"}), remark));
 }
 
+TEST_F(Import, TakesAnOriginFromAllCoordinatesAndKeepsIt) {
+  import_well({"--gauge", "1.3,1.2"});
+  const std::vector<double> x = column("nodes.txt", 0, 1), y = column("nodes.txt", 1, 1);
+  const std::vector<std::string> cells = lines("cells.txt"), edges = lines("edges.txt");
+  const std::vector<std::string> levels = lines("initial.txt");
+  ASSERT_EQ(data()["mesh"].count("origin"), 0U);
+
+  const std::string out = import_well({"--gauge", "1.3,1.2", "--origin", "1,-2", "--overwrite"});
+  EXPECT_TRUE(contains(out, "All coordinates of the case count from (1.000, -2.000).\n")) << out;
+  EXPECT_EQ(data()["mesh"]["origin"], nlohmann::json({1.0, -2.0}));
+  const std::vector<double> moved_x = column("nodes.txt", 0, 1),
+                            moved_y = column("nodes.txt", 1, 1);
+  ASSERT_EQ(moved_x.size(), x.size());
+  for (std::size_t i = 0; i < x.size(); ++i) {
+    EXPECT_NEAR(moved_x[i], x[i] - 1.0, 1e-9);
+    EXPECT_NEAR(moved_y[i], y[i] + 2.0, 1e-9);
+  }
+  EXPECT_EQ(lines("cells.txt"), cells);
+  EXPECT_EQ(lines("edges.txt"), edges);
+  EXPECT_EQ(lines("initial.txt"), levels);
+  EXPECT_EQ(lines("gauges.txt").at(1), "0.3 3.2 0");
+  run_case();
+}
+
+TEST_F(Import, WarnsOfAreasThatLoseDigitsUnlessTheOriginIsNear) {
+  sample.x0 = 3e6;
+  sample.y0 = 5e6;
+  folder.write("far.msh", sample.msh4(true));
+  const auto far = import({"far.msh", "case"});
+  EXPECT_EQ(far.status, 0);
+  EXPECT_TRUE(support::starts_with(far.err, "Warning: ")) << far.err;
+  EXPECT_TRUE(contains(far.err, "lose more than 1e-06 of their area")) << far.err;
+  EXPECT_TRUE(contains(far.err, "--origin 3000000,5000000")) << far.err;
+  EXPECT_EQ(import({"far.msh", "case", "--overwrite", "--origin", "3000000,5000000"}).err, "");
+}
+
 TEST_F(Import, ListsTheNamesItKnows) {
   EXPECT_EQ(import_badly(1, {"--boundary", "inlet=wall"}),
             "quillmere-mesh: --boundary inlet=wall: the mesh has no line \"inlet\"; it has: west, "

@@ -81,6 +81,9 @@ class KeyCheck {
         return value.is_string();
       case KeyType::number:
         return value.is_number();
+      case KeyType::point:
+        return value.is_array() && value.size() == 2 && value[0].is_number() &&
+               value[1].is_number();
       case KeyType::section:
         return value.is_object();
     }
@@ -93,6 +96,8 @@ class KeyCheck {
         return "text in quotes";
       case KeyType::number:
         return "a number";
+      case KeyType::point:
+        return "two numbers in brackets";
       case KeyType::section:
         return "an object in braces";
     }
@@ -128,8 +133,8 @@ class KeyCheck {
     if (has_type(*value, known.type)) return;
     const std::string text = quoted(known.path()) + ": found " + shortened(value->dump()) +
                              ", expected " + name_of(known.type);
-    // To the simulator a section that is no object is an empty one.
-    if (known.type == KeyType::section) {
+    // To the simulator a section that is no object is an empty one, and no run asks for a point.
+    if (known.type == KeyType::section || known.type == KeyType::point) {
       findings_.warning("wrong type", text);
     } else {
       findings_.error("wrong type", text);

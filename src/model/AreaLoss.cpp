@@ -1,0 +1,32 @@
+#include "model/AreaLoss.hpp"
+
+#include <cmath>
+
+#include "utils/number_text.hpp"
+
+void AreaLoss::add(physics::PlanPoint center, double area, double accurate_area) {
+  constexpr double tolerated = 1e-6;
+  const double loss = physics::area_loss(area, accurate_area);
+  const int cell = cells_++;
+  if (loss <= tolerated) return;
+  ++losing_cells_;
+  if (worst_cell_ >= 0 && !(loss > largest_)) return;
+  largest_ = loss;
+  worst_cell_ = cell;
+  worst_center_ = center;
+}
+
+std::optional<std::string> AreaLoss::remark() const {
+  if (losing_cells_ == 0) return {};
+  const auto place = [](double x) { return utils::number_text(x, 12); };
+  const auto near = [](double x) {
+    return utils::number_text(std::floor(x / 1000.0) * 1000.0, 15);
+  };
+  return std::to_string(losing_cells_) + " of " + std::to_string(cells_) +
+         " cells lose more than 1e-06 of their area to rounding, as their coordinates are large "
+         "beside them: the most, " +
+         utils::number_text(largest_, 2) + " of it, cell " + std::to_string(worst_cell_) +
+         " (counted from 0), centre (" + place(worst_center_.x) + ", " + place(worst_center_.y) +
+         ") m; an origin near the case helps: quillmere-mesh import --origin " +
+         near(worst_center_.x) + "," + near(worst_center_.y);
+}

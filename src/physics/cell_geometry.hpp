@@ -1,0 +1,55 @@
+// Area of a cell in plan, from coordinates in m.
+#pragma once
+
+#include <cmath>
+
+#include "physics/arithmetic.hpp"
+
+namespace physics {
+
+struct PlanPoint {
+  double x, y;
+};
+
+/// Area (m2) of a triangle, whichever way its corners run.
+QM_HD inline double triangle_area(PlanPoint a, PlanPoint b, PlanPoint c) {
+  const double twice_area = a.x * b.y + b.x * c.y + c.x * a.y - b.x * a.y - a.x * c.y - c.x * b.y;
+  return std::fabs(twice_area) / 2.0;
+}
+
+/// Area (m2) of the fan of triangles between the centre of a cell and its n sides. Products of
+/// coordinates lose digits where these are large beside the cell: at 1e6 m a triangle with sides of
+/// 1 m keeps three.
+template <class NodeAt>
+QM_HD double cell_area(int n, PlanPoint center, const NodeAt& node_at) {
+  // Intended: absolute values make the area independent of the orientation of the vertices; a
+  // signed sum would not be.
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) {
+    sum += triangle_area(center, node_at(i), node_at(i + 1 < n ? i + 1 : 0));
+  }
+  return sum;
+}
+
+/// The same area from differences to the first node, which lose no digits.
+template <class NodeAt>
+QM_HD double cell_area_of_differences(int n, const NodeAt& node_at) {
+  const PlanPoint origin = node_at(0);
+  const auto difference_at = [&](int i) {
+    const PlanPoint node = node_at(i);
+    return PlanPoint{node.x - origin.x, node.y - origin.y};
+  };
+  PlanPoint sum{0.0, 0.0};
+  for (int i = 0; i < n; ++i) {
+    const PlanPoint difference = difference_at(i);
+    sum = {sum.x + difference.x, sum.y + difference.y};
+  }
+  return cell_area(n, {sum.x / n, sum.y / n}, difference_at);
+}
+
+/// Share of its area that a cell loses (or gains) by rounding.
+QM_HD inline double area_loss(double area, double accurate_area) {
+  return area == accurate_area ? 0.0 : std::fabs(area - accurate_area) / accurate_area;
+}
+
+}  // namespace physics
