@@ -66,6 +66,10 @@ class Domain {
   void read_infiltration(const std::string& path);
   void set_outputs();
   void set_other_parameters();
+  void warn_of_implausible_input() const;
+  void warn_of_implausible_fields() const;
+  void warn_of_outflows() const;
+  void warn_of_area_loss() const;
   bool has_sediments() const { return model_name == "Bramsett"; }
 
   // Time loop.
@@ -86,6 +90,7 @@ class Domain {
   void stop_on_lost_clock();
   [[noreturn]] void stop_at_limiting_cell(const std::string& what);
   void warn_of_lost_states() const;
+  void warn_of_lost_results() const;
   void report_lost_states();
   void report_failure(const std::string& what, int cell);
   /// Answers the name of the snapshot; empty if it would replace an input file.

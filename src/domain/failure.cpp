@@ -52,6 +52,7 @@ void Domain::stop_at_limiting_cell(const std::string& what) {
     show(*cell);
     report_failure(what, cell->id);
   }
+  warn_of_lost_results();
   utils::stop(-1);
 }
 

@@ -97,6 +97,10 @@ void Domain::read_nodes(const std::string& name) {
 void Domain::read_cells(const std::string& name) {
   utils::MeshReader reader(name, "cell", 2);
   model->n_cells = reader.get_number_of_elements();
+  if (model->n_cells == 0) {
+    utils::fatal("Error in file " + name +
+                 ", header, number of records: found 0, expected 1 or more: a mesh has cells.\n");
+  }
   model->cells.reserve(static_cast<std::size_t>(model->n_cells));
   std::vector<const MeshNode*> nodes;
   for (int i = 0; i < model->n_cells; ++i) {

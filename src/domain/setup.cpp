@@ -35,9 +35,6 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
       << "  End time: " << Globals_Params::tEnd << " s\t\n"
       << "  Courant-Friedrichs-Lewy (CFL) number: " << cfl << "\n";
   utils::print_delimitator(log);
-  if (Constants::ZERO_DEPTH < 0.0) {
-    utils::warn("\"zero depth value\" is negative: cells without water count as wet.");
-  }
 
   create_model();
   read_mesh();
@@ -45,6 +42,7 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
   set_source_terms();
   set_outputs();
   set_other_parameters();
+  warn_of_implausible_input();
 }
 
 Domain::~Domain() { Handoff::join_all(); }

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "domain/Domain.hpp"
+#include "domain/plausibility.hpp"
 #include "globals/Globals.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
@@ -17,23 +18,34 @@ std::vector<SourceTerm*> pointers_to(const std::vector<std::unique_ptr<Term>>& t
   return pointers;
 }
 
-std::unique_ptr<SourceTerm> read_green_ampt(utils::TextScanner& file, int id) {
-  const double Ks = file.read_number("hydraulic conductivity Ks");
-  const double psi = file.read_number("suction head psi");
-  const double theta_i = file.read_number("initial moisture content theta_i");
-  const double theta_s = file.read_number("saturated moisture content theta_s");
-  const double L = file.read_number("layer depth L");
-  const double kr = file.read_number("recovery rate kr");
-  return std::make_unique<GreenAmptTerm>(id, Ks, psi, theta_i, theta_s, L, kr);
+void add_all(utils::RepeatedWarning& warnings, const plausibility::Remarks& remarks) {
+  for (const std::string& remark : remarks) warnings.add(plausibility::sentence(remark));
 }
 
-std::unique_ptr<SourceTerm> read_horton(utils::TextScanner& file, int id) {
-  const double f0 = file.read_number("initial capacity f0");
-  const double fc = file.read_number("final capacity fc");
-  const double k = file.read_number("decay coefficient k");
-  const double Fmax = file.read_number("largest infiltration Fmax");
-  const double kr = file.read_number("recovery rate kr");
-  return std::make_unique<HortonTerm>(id, f0, fc, k, Fmax, kr);
+std::unique_ptr<SourceTerm> read_green_ampt(utils::TextScanner& file, const std::string& path,
+                                            int id, utils::RepeatedWarning& warnings) {
+  plausibility::GreenAmptParameters soil{};
+  soil.Ks = file.read_number("hydraulic conductivity Ks");
+  soil.psi = file.read_number("suction head psi");
+  soil.theta_i = file.read_number("initial moisture content theta_i");
+  soil.theta_s = file.read_number("saturated moisture content theta_s");
+  soil.L = file.read_number("layer depth L");
+  soil.kr = file.read_number("recovery rate kr");
+  add_all(warnings, plausibility::on_soil(path, id, soil));
+  return std::make_unique<GreenAmptTerm>(id, soil.Ks, soil.psi, soil.theta_i, soil.theta_s, soil.L,
+                                         soil.kr);
+}
+
+std::unique_ptr<SourceTerm> read_horton(utils::TextScanner& file, const std::string& path, int id,
+                                        utils::RepeatedWarning& warnings) {
+  plausibility::HortonParameters soil{};
+  soil.f0 = file.read_number("initial capacity f0");
+  soil.fc = file.read_number("final capacity fc");
+  soil.k = file.read_number("decay coefficient k");
+  soil.Fmax = file.read_number("largest infiltration Fmax");
+  soil.kr = file.read_number("recovery rate kr");
+  add_all(warnings, plausibility::on_soil(path, id, soil));
+  return std::make_unique<HortonTerm>(id, soil.f0, soil.fc, soil.k, soil.Fmax, soil.kr);
 }
 
 }  // namespace
@@ -74,7 +86,8 @@ void Domain::read_hyetograms(const std::string& path) {
   utils::TextScanner file(path);
   const int count = file.read_count("number of hyetograms", 3);
   hyetograms.reserve(static_cast<std::size_t>(count));
-  utils::RepeatedWarning warnings("hyetograms out of order.");
+  utils::RepeatedWarning out_of_order("hyetograms out of order.");
+  utils::RepeatedWarning implausible("about hyetograms.");
   for (int i = 0; i < count; ++i) {
     file.begin_record("hyetogram", i, count);
     const int id = file.read_integer("ID");
@@ -83,10 +96,11 @@ void Domain::read_hyetograms(const std::string& path) {
     hyetograms.push_back(std::make_unique<RainTerm>(id, intervals, dts));
     hyetograms.back()->read_hyetogram(file, intervals);
     if (!hyetograms.back()->is_in_order()) {
-      warnings.add("hyetogram " + std::to_string(id) +
-                   " has an interval that starts before the one above it: of those that have "
-                   "started, the last in the file counts.");
+      out_of_order.add("hyetogram " + std::to_string(id) +
+                       " has an interval that starts before the one above it: of those that have "
+                       "started, the last in the file counts.");
     }
+    add_all(implausible, plausibility::on_hyetogram(path, id, dts, hyetograms.back()->intensities));
   }
 }
 
@@ -94,14 +108,15 @@ void Domain::read_infiltration(const std::string& path) {
   utils::TextScanner file(path);
   const int count = file.read_count("number of soil classes", 2);
   infiltrations.reserve(static_cast<std::size_t>(count));
+  utils::RepeatedWarning warnings("about soils.");
   for (int i = 0; i < count; ++i) {
     file.begin_record("soil class", i, count);
     const int id = file.read_integer("ID");
     const std::string type = file.read_word("type");
     if (type == "GreenAmpt") {
-      infiltrations.push_back(read_green_ampt(file, id));
+      infiltrations.push_back(read_green_ampt(file, path, id, warnings));
     } else if (type == "Horton") {
-      infiltrations.push_back(read_horton(file, id));
+      infiltrations.push_back(read_horton(file, path, id, warnings));
     } else {
       std::cout << "Infiltration type not recognized. Type: " << type << std::endl;
       utils::stop(-1);

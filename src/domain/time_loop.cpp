@@ -47,7 +47,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   stop_if_writer_failed();
   eraseTime();
   stop_on_lost_clock();
-  warn_of_lost_states();
+  warn_of_lost_results();
   if (!is_complete()) report_interruption();
 }
 
@@ -114,6 +114,7 @@ void Domain::report_interruption() {
 void Domain::stop_if_writer_failed() {
   if (!Thread::has_failed) return;
   end_progress();
+  warn_of_lost_results();
   utils::stop(-1);
 }
 

@@ -20,6 +20,8 @@ class CMonitorSection {
   bool CheckTime(double t) const { return t >= next_time_; }
   /// Schedules the next recording and starts the writer.
   void WriteMeasure();
+  /// Time between recordings, s.
+  double interval() const { return interval_; }
   /// Numbers of the cells that it looks at.
   const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.

@@ -28,6 +28,15 @@ class CaseTest : public testing::Test {
     EXPECT_EQ(result.err, "");
     return result;
   }
+  /// A complete run that is expected to say one thing on standard error, a warning with this text.
+  support::RunResult run_with_warning(const std::string& text) {
+    support::RunResult result = run();
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(support::lines(result.err).size(), 1U) << result.err;
+    EXPECT_TRUE(support::starts_with(result.err, "Warning: ")) << result.err;
+    EXPECT_TRUE(support::contains(result.err, text)) << result.err;
+    return result;
+  }
   /// A run that is expected to end with status 255 and exactly this text on standard error.
   void expect_stop(const std::string& err) {
     const support::RunResult result = run();

@@ -115,7 +115,10 @@ TEST_F(Gauges, WithoutAResultFileAndWithoutAPassOnlyWarn) {
   c.add_gauges({{0.6, 0.2}}, 0.1, "missing/result.txt");
   const support::RunResult result = run();
   EXPECT_EQ(result.status, 0);
-  EXPECT_EQ(result.err, "Warning: The file out/missing/result.txt couldn't be created.\n");
+  ASSERT_EQ(support::lines(result.err).size(), 2U) << result.err;
+  EXPECT_EQ(support::lines(result.err)[0],
+            "Warning: The file out/missing/result.txt couldn't be created.");
+  EXPECT_TRUE(support::contains(support::lines(result.err)[1], "computes nothing"));
 }
 
 }  // namespace

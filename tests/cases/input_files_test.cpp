@@ -126,7 +126,7 @@ TEST_F(InputFiles, OfSourcesMayLeaveEveryCellWithoutASource) {
   c.add_gauges({{0.6, 0.2}}, 0.1);
   const std::string expected = results();
   c.add_rain("1\n7 1 0\n0 100\n", c.per_cell("-1"));
-  c.add_infiltration("1\n7 Horton 1 1 0 1 0\n", c.per_cell("-1"));
+  c.add_infiltration("1\n7 Horton 0.01 0.01 0 1 0\n", c.per_cell("-1"));
   EXPECT_EQ(results(), expected);
 }
 

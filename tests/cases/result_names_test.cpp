@@ -145,7 +145,7 @@ TEST_F(ResultNames, MayBeThoseOfTheSameDevice) {
   c.add_sections({{0}}, 0.5, "/dev/null");
   c.data["output"].erase("snapshots of flow");
   c.set_times(1.0, 1.0);  // no envelope among the devices
-  run_well();
+  run_with_warning("it computes nothing");
 }
 
 }  // namespace

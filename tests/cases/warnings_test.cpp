@@ -20,6 +20,16 @@ class Warnings : public CaseTest {
     }
     return support::lines(result.err);
   }
+  /// The same of a run that makes no pass, without the warning about that.
+  std::vector<std::string> warnings_without_a_pass() {
+    c.set_times(0.0, 0.0);
+    std::vector<std::string> lines = warnings();
+    EXPECT_FALSE(lines.empty());
+    if (lines.empty()) return lines;
+    EXPECT_TRUE(support::contains(lines.back(), "computes nothing")) << lines.back();
+    lines.pop_back();
+    return lines;
+  }
   /// The edges file with one record changed.
   void change_edge(int edge, const std::string& record) {
     std::vector<std::string> lines = support::lines(c.edges_text());
@@ -49,10 +59,10 @@ TEST_F(Warnings, NameTheInteriorEdgeWhoseNormalPointsIntoItsLeftCell) {
 
 TEST_F(Warnings, NameTheEdgeWithoutLength) {
   change_edge(1, "0 -1 1 1 -5");
-  c.set_times(0.0, 0.0);
-  EXPECT_EQ(warnings(), std::vector<std::string>{
-                            "Warning: edge 1 (counted from 0) has no length: its flux is not a "
-                            "number."});
+  EXPECT_EQ(
+      warnings_without_a_pass(),
+      std::vector<std::string>{"Warning: edge 1 (counted from 0) has no length: its flux is not a "
+                               "number."});
 }
 
 TEST_F(Warnings, AreCountedFromTheEleventhOfAKindOn) {
@@ -65,9 +75,8 @@ TEST_F(Warnings, AreCountedFromTheEleventhOfAKindOn) {
     text += "\n";
   }
   c.files["edges.txt"] = text;
-  // Water at rest on a wrong mesh need not stay there: no pass.
-  c.set_times(0.0, 0.0);
-  const std::vector<std::string> lines = warnings();
+  // Water at rest on a wrong mesh need not stay there.
+  const std::vector<std::string> lines = warnings_without_a_pass();
   ASSERT_EQ(lines.size(), 11U);
   EXPECT_EQ(lines[10], "Warning: 33 more edges whose normal points into their left cell.");
 }
@@ -100,8 +109,7 @@ TEST_F(Warnings, NameTheCellsWithOtherThanThreeEdges) {
       "6\n0 -1 0 1 -5\n0 1 1 2 -1\n0 -1 2 3 -5\n0 -1 3 0 -5\n1 -1 1 4 -5\n"
       "1 -1 4 2 -5\n";
   c.files["initial.txt"] = "1 0 0\n1 0 0\n";
-  c.set_times(0.0, 0.0);
-  const std::vector<std::string> lines = warnings();
+  const std::vector<std::string> lines = warnings_without_a_pass();
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(support::contains(lines[0], "cell 0 (counted from 0) has 4 edges"));
 }
@@ -111,8 +119,7 @@ TEST_F(Warnings, NameTheCellThatLacksAnEdge) {
   edges.pop_back();  // the northern edge of the last cell
   edges[0] = std::to_string(edges.size() - 1);
   for (const std::string& line : edges) c.files["edges.txt"] += line + "\n";
-  c.set_times(0.0, 0.0);
-  const std::vector<std::string> lines = warnings();
+  const std::vector<std::string> lines = warnings_without_a_pass();
   ASSERT_EQ(lines.size(), 1U);
   EXPECT_TRUE(support::contains(lines[0], "cell 23 (counted from 0) has 2 edges"));
 }

@@ -70,6 +70,13 @@ TEST_F(CheckDataFile, ReportsAllKeysAtOnce) {
   EXPECT_EQ(texts("errors", "wrong type").size(), 1U);
 }
 
+TEST_F(CheckDataFile, KnowsTheOriginOfTheMesh) {
+  c.data["mesh"]["origin"] = {612000.0, 5235000.0};
+  expect_clean();
+  c.data["mesh"]["origin"] = "612000,5235000";
+  expect_warning("wrong type", {"\"mesh/origin\"", "expected two numbers in brackets"});
+}
+
 TEST_F(CheckDataFile, TellsThatASectionIsNoObject) {
   c.data["model"]["sources"] = 5;
   expect_warning("wrong type", {"\"model/sources\": found 5, expected an object"});
@@ -148,6 +155,13 @@ TEST_F(CheckDataFile, WarnsOfARunThatEndsBeforeItStarts) {
 TEST_F(CheckDataFile, WarnsOfACourantNumberAboveOne) {
   c.data["CFL"] = 1.5;
   expect_warning("Courant number", {"\"CFL\" is 1.5"});
+}
+
+TEST_F(CheckDataFile, WarnsOfACourantNumberThatAdvancesNothing) {
+  c.data["CFL"] = 0;
+  c.set_times(0.0, -1.0);  // or else the simulator stops at its first step
+  check();
+  EXPECT_EQ(texts("warnings", "Courant number").size(), 1U);
 }
 
 TEST_F(CheckDataFile, WarnsOfANegativeAndOfALargeDryDepth) {

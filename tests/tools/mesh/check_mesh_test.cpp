@@ -283,11 +283,18 @@ TEST_F(CheckMesh, TellsTheFirstTimeStep) {
   EXPECT_NEAR(report["first time step"].get<double>(), 0.5 * length / std::sqrt(9.81), 1e-12);
 }
 
-TEST_F(CheckMesh, WarnsOfAMeshWithoutCells) {
+TEST_F(CheckMesh, WarnsOfAreasThatLoseDigitsFarFromTheOrigin) {
+  c.size = 0.125;
+  c.x0 = 262144.0;
+  c.y0 = 4194304.0;
+  expect_warning("area", {"cells lose more than 1e-06 of their area", "--origin 262000,4194000"});
+}
+
+TEST_F(CheckMesh, RefusesAMeshWithoutCells) {
   c.files["cells.txt"] = "0\n";
   c.files["edges.txt"] = "0\n";
   c.files["nodes.txt"] = "0\n";
-  expect_warning("no cells", {"the mesh has no cells"});
+  expect_error("no cells", {"cells.txt: the mesh has no cells"});
 }
 
 }  // namespace

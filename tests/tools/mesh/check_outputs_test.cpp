@@ -55,6 +55,14 @@ TEST_F(CheckOutputs, WarnsOfASectionResultThatCannotBeCreated) {
   expect_warning("output", {"nowhere/sections.txt can't be created"});
 }
 
+TEST_F(CheckOutputs, WarnsOfRecordingsWithoutAnInterval) {
+  c.add_gauges({{0.6, 0.2}}, 0.0);
+  expect_warning("recording interval", {"gauges_in.txt: the recording interval is 0 s"});
+  c = support::Case();
+  c.add_sections({{0}}, -1.0);
+  expect_warning("recording interval", {"sections_in.txt: the recording interval is -1 s"});
+}
+
 TEST_F(CheckOutputs, NamesSnapshotsThatAreLate) {
   c.add_snapshots({0.5, 0.25});
   expect_warning("snapshot", {"snapshot 1 at 0.25 s", "late"});

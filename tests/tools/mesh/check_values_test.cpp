@@ -74,6 +74,12 @@ TEST_F(CheckValues, WarnsOfAnOutflowFromDryCells) {
   expect_warning("boundary value", {"discharge 0.1", "an inflow is negative"});
 }
 
+TEST_F(CheckValues, WarnsOfAnOutflowFromCellsOfWhichOneIsDry) {
+  c.initial = [](double, double y) { return support::InitialState{y > 2.0 ? 0.0 : 1.0}; };
+  c.west = "-3 0.1";
+  expect_warning("boundary value", {"discharge 0.1", "an inflow is negative"});
+}
+
 TEST_F(CheckValues, WarnsOfALevelBelowTheBed) {
   c.bed = [](double, double) { return 10.0; };
   c.initial = [](double, double) { return support::InitialState{11.0}; };
@@ -105,7 +111,7 @@ TEST_F(CheckValues, WarnsOfDepthsInPlaceOfLevels) {
 
 TEST_F(CheckValues, WarnsOfImplausibleFriction) {
   c.add_friction(c.per_cell("0.0001"));
-  expect_warning("friction", {"0.0001 in 24 cells", "0.005 to 0.5"});
+  expect_warning("friction", {"0.0001 in 24 cells", "0.005 to 1 s/m"});
   c.add_friction(c.per_cell("-0.03"));
   expect_warning("friction", {"-0.03"});
   c.add_friction(c.per_cell("30"));
@@ -127,6 +133,11 @@ TEST_F(CheckValues, WarnsOfNegativeRain) {
   check();
   ASSERT_EQ(texts("warnings", "rain").size(), 1U);
   EXPECT_TRUE(support::contains(texts("warnings", "rain")[0], "-1e-06 m/s"));
+}
+
+TEST_F(CheckValues, WarnsOfANegativeStepOfRain) {
+  c.add_rain("1\n1 1 -5\n0 1e-5\n", c.per_cell("1"));
+  expect_warning("rain", {"rain.txt, hyetogram 1 has a step of -5 s"});
 }
 
 TEST_F(CheckValues, WarnsOfRainWithoutOrder) {
@@ -183,9 +194,32 @@ TEST_F(CheckValues, WarnsOfInfiltrationInMillimetresPerHour) {
   expect_warning("infiltration", {"soil 1: Ks is 10 m/s"});
 }
 
+TEST_F(CheckValues, WarnsOfSoilsThatNoGroundHas) {
+  const auto expect = [this](const std::string& soil, const std::string& text) {
+    c.add_infiltration("1\n1 " + soil + "\n", c.per_cell("1"));
+    expect_warning("infiltration", {"soils.txt, soil 1: ", text});
+  };
+  expect("GreenAmpt 1e-6 0 0.2 0.4 1 0", "psi is 0 m");
+  expect("GreenAmpt 1e-6 -1e308 0.2 0.4 1 0", "psi is -1e+308 m");
+  expect("GreenAmpt 1e-6 0.1 0.2 0.4 0 0", "L is 0 m");
+  expect("GreenAmpt 1e-6 0.1 0.2 0.4 1 2", "kr is 2 1/s");
+  expect("Horton 1e-6 1e-5 1 0.5 0", "fc is 1e-05 m/s, f0 is 1e-06 m/s");
+  expect("Horton 1e-5 -1e-6 1 0.5 0", "fc is -1e-06 m/s");
+  expect("Horton 1e-5 1e-6 -1 0.5 0", "k is -1 1/m");
+  expect("Horton 1e-5 1e-6 1 0 0", "Fmax is 0 m");
+  expect("Horton 1e-5 1e-6 1 0.5 1.5", "kr is 1.5 1/s");
+  c.add_infiltration("1\n1 Horton 1e-5 1e-5 0 0.5 -1\n", c.per_cell("1"));
+  expect_clean();  // a rate below 0 means no recovery
+}
+
 TEST_F(CheckValues, WarnsOfImpossibleMoisture) {
   c.add_infiltration("1\n1 GreenAmpt 1e-6 0.1 20 40 1 0\n", c.per_cell("1"));
   expect_warning("infiltration", {"theta_i is 20, theta_s is 40"});
+}
+
+TEST_F(CheckValues, WarnsOfInfiltratedDepthsInMillimetres) {
+  c.add_initial_infiltration(c.per_cell("150"));
+  expect_warning("infiltration", {"infiltrated.txt", "150 m in 24 cells"});
 }
 
 TEST_F(CheckValues, WarnsOfNegativeInfiltratedDepth) {
@@ -234,6 +268,12 @@ TEST_F(CheckValues, WarnsOfSedimentsInOtherUnits) {
   use_sediments(0.1);
   parameter("sediments density") = 2650.0;
   expect_warning("sediments", {"2650", "kg/m3"});
+}
+
+TEST_F(CheckValues, WarnsOfSedimentsWithoutADryDepth) {
+  use_sediments(0.1);
+  c.data["model"]["zero depth value"] = 0;
+  expect_warning("zero depth", {"is 0 m, expected more than 0 with sediments"});
 }
 
 TEST_F(CheckValues, WarnsOfNegativeThickness) {

@@ -5,6 +5,7 @@
 #include <map>
 #include <tuple>
 
+#include "domain/plausibility.hpp"
 #include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
@@ -59,6 +60,12 @@ double extreme_value(const Boundary& boundary) {
   });
 }
 
+/// The largest discharge outwards that the run can meet, m2/s.
+double largest_outflow(const Boundary& boundary) {
+  if (!boundary.values) return boundary.first_value;
+  return *std::max_element(boundary.values->values.begin(), boundary.values->values.end());
+}
+
 std::string name_of(const Boundary& boundary) {
   const std::string what = boundary.series.empty() ? number(boundary.first_value) : boundary.series;
   return "the " + boundary.kind + " " + what + " (" + counted(boundary.edges, "edge") + ")";
@@ -90,10 +97,9 @@ void check_plausible(const DataFile& data, const Boundary& boundary, Findings& f
                            " m2/s, expected at most 100: was the whole discharge given? it is per "
                            "metre of boundary");
     }
-    if (value > 0.0 && !(boundary.deepest_water > data.zero_depth)) {
-      findings.warning("boundary value",
-                       name_of(boundary) + " takes water out of dry cells: an inflow is negative");
-    }
+    findings.add_remark("boundary value",
+                        plausibility::on_outflow(name_of(boundary), largest_outflow(boundary),
+                                                 boundary.shallowest_water, data.zero_depth));
   }
   if (boundary.is_level()) {
     if (value < boundary.lowest_bed) {
@@ -132,7 +138,7 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mes
     boundary.length += mesh.nodes[static_cast<std::size_t>(edge.node1)].horizontal_distance(
         mesh.nodes[static_cast<std::size_t>(edge.node2)]);
     boundary.lowest_bed = std::min(boundary.lowest_bed, cell.bed);
-    boundary.deepest_water = std::max(boundary.deepest_water, cell.depth);
+    boundary.shallowest_water = std::min(boundary.shallowest_water, cell.depth);
   }
 
   std::vector<Boundary> boundaries;

@@ -23,7 +23,7 @@ struct Boundary {
   double first_value = 0.0;                  ///< at the start: m2/s or m
   std::shared_ptr<const TimeSeries> values;  ///< null without a readable series
   double lowest_bed = 1e20;                  ///< of its cells, m
-  double deepest_water = 0.0;                ///< of its cells at the start, m
+  double shallowest_water = 1e20;            ///< of its cells at the start, m
 
   bool is_discharge() const;
   bool is_level() const;

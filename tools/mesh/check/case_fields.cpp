@@ -97,7 +97,7 @@ std::vector<Hyetogram> read_rain(const DataFile& data, int n_cells, Findings& fi
     hyetogram.id = file.take(0, [](TextScanner& text) { return text.read_integer("ID"); });
     const int intervals = file.take_or_give_up(
         0, [](TextScanner& text) { return text.read_count("number of intervals", 2); });
-    file.take(0, [](TextScanner& text) { return text.read_integer("step"); });
+    hyetogram.step = file.take(0, [](TextScanner& text) { return text.read_integer("step"); });
     for (int k = 0; k < intervals && file.is_open(); ++k) {
       hyetogram.times.push_back(file.number("start time of an interval"));
       hyetogram.intensities.push_back(file.number("intensity"));

@@ -21,6 +21,7 @@ struct CaseFields {
 
 struct Hyetogram {
   int id = 0;
+  int step = 0;                     ///< s
   std::vector<double> times;        ///< s
   std::vector<double> intensities;  ///< m/s
 };

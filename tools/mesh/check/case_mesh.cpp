@@ -49,6 +49,7 @@ int read_cell_size(TextScanner& text) {
 int read_cells(const std::string& name, int n_nodes, CaseMesh& mesh, Findings& findings) {
   CheckedFile file(name, path_of(section::mesh, utils::key::cells), findings);
   const int count = take_count(file, "number of records", 2);
+  if (count == 0) findings.error("no cells", name + ": the mesh has no cells");
   if (file.is_open()) mesh.first_node.reserve(static_cast<std::size_t>(count) + 1);
   for (int i = 0; i < count && file.is_open(); ++i) {
     file.begin_record("cell", i, count);

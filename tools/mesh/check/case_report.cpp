@@ -97,9 +97,9 @@ CaseReport check_case(const std::string& path, bool with_trial) {
     check_series_files(mesh, findings);
   }
   check_initial_state(fields, report.cells, findings);
-  check_friction(fields, findings);
+  check_friction(data, fields, findings);
   check_rain(data, rain, findings);
-  check_soils(fields, soils, findings);
+  check_soils(data, fields, soils, findings);
   check_sediments(data, fields, findings);
   check_results(data_file, findings);
   check_output_folder(data, findings);

@@ -21,6 +21,7 @@ CellValues values_of(const ComputationalCell& cell) {
   const bool is_wet = U.h > Constants::ZERO_DEPTH;
   return {.center = cell.center,
           .area = cell.area,
+          .accurate_area = cell.accurate_area(),
           .char_length = cell.char_length,
           .bed = cell.bed_level,
           .depth = U.h,

@@ -12,12 +12,13 @@ namespace tools::check {
 
 struct CellValues {
   MeshNode center;
-  double area;         ///< m2
-  double char_length;  ///< 2 area / perimeter, m
-  double bed;          ///< with its sediment, m
-  double depth;        ///< m; 0 where the initial conditions are at fault
-  double velocity;     ///< m/s, 0 in a dry cell
-  double step;         ///< stable time step before the Courant factor, s
+  double area;           ///< m2
+  double accurate_area;  ///< without what rounding takes from it, m2
+  double char_length;    ///< 2 area / perimeter, m
+  double bed;            ///< with its sediment, m
+  double depth;          ///< m; 0 where the initial conditions are at fault
+  double velocity;       ///< m/s, 0 in a dry cell
+  double step;           ///< stable time step before the Courant factor, s
   bool has_finite_geometry;
 };
 

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "domain/PointLocator.hpp"
+#include "domain/plausibility.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/known_keys.hpp"
@@ -69,6 +70,14 @@ std::string nearest_cell(const std::vector<CellValues>& cells, const Point& p) {
          " m away";
 }
 
+void check_interval(CheckedFile& file, const std::string& name, Findings& findings) {
+  const int before = file.refusals();
+  const double interval = file.number("recording interval");
+  if (file.refusals() != before || !file.is_open()) return;
+  findings.add_remark("recording interval",
+                      plausibility::on_interval(name + ": the recording interval", interval));
+}
+
 /// Reads a section; empty if one of its edges is refused.
 std::vector<int> read_section(CheckedFile& file, int edge_limit) {
   const int before = file.refusals();
@@ -104,7 +113,7 @@ void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<
       0, [](TextScanner& text) { return text.read_count("number of gauges", 3); });
   const std::string result = file.take(
       std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
-  file.number("recording interval");
+  check_interval(file, *data.gauges, findings);
   std::vector<Point> points;
   for (int i = 0; i < count && file.is_open(); ++i) {
     file.begin_record("gauge", i, count);
@@ -135,7 +144,7 @@ void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findin
   CheckedFile file(*data.discharges, path_of(section::output, key::discharges), findings);
   const int count = file.take_or_give_up(
       0, [](TextScanner& text) { return text.read_count("number of sections", 1); });
-  file.number("recording interval");
+  check_interval(file, *data.discharges, findings);
   const std::string result = file.take(
       std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
   for (int s = 0; s < count && file.is_open(); ++s) {

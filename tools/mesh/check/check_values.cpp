@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "domain/plausibility.hpp"
 #include "mesh/check/numbers.hpp"
-#include "support/counted.hpp"
 
 namespace tools::check {
 
@@ -11,26 +11,8 @@ namespace {
 
 constexpr double mm_per_h = 1e-3 / 3600.0;  // m/s
 
-/// Where a field leaves its plausible range: how often, and by how much.
-struct Outliers {
-  long count = 0;
-  std::size_t worst = 0;
-
-  template <class IsOutside>
-  Outliers(const std::vector<double>& values, IsOutside is_outside) {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      if (!is_outside(values[i])) continue;
-      if (count++ == 0 || values[i] > values[worst]) worst = i;
-    }
-  }
-  std::string place() const {
-    return counted(count, "cell") + ", such as cell " + std::to_string(worst);
-  }
-};
-
-std::string in_mm_per_h(double intensity) {
-  return number(intensity) + " m/s = " + number(intensity / mm_per_h) + " mm/h";
-}
+using plausibility::in_mm_per_h;
+using plausibility::Outliers;
 
 }  // namespace
 
@@ -68,15 +50,9 @@ void check_initial_state(const CaseFields& fields, const std::vector<CellValues>
   }
 }
 
-void check_friction(const CaseFields& fields, Findings& findings) {
-  constexpr double smoothest = 0.005, roughest = 0.5;  // s/m^(1/3)
-  const Outliers outside(fields.friction,
-                         [](double n) { return n != 0.0 && !(n >= smoothest && n <= roughest); });
-  if (outside.count == 0) return;
-  const double worst = fields.friction[outside.worst];
-  findings.warning("friction", "the Manning coefficient is " + number(worst) + " in " +
-                                   outside.place() + ", expected 0.005 to 0.5 s/m^(1/3), or 0" +
-                                   (worst > 5.0 ? ": is it Strickler's, the inverse?" : ""));
+void check_friction(const DataFile& data, const CaseFields& fields, Findings& findings) {
+  if (fields.friction.empty()) return;
+  findings.add_remark("friction", plausibility::on_friction(*data.friction, fields.friction));
 }
 
 void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findings& findings) {
@@ -85,19 +61,13 @@ void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findin
     const std::string name = *data.rainfall + ", hyetogram " + std::to_string(hyetogram.id);
     const auto& times = hyetogram.times;
     const auto& intensities = hyetogram.intensities;
-    if (times.empty()) {
-      findings.warning("rain", name + " has no intervals: it never rains");
-      continue;
-    }
+    findings.add_remarks("rain", plausibility::on_hyetogram(*data.rainfall, hyetogram.id,
+                                                            hyetogram.step, intensities));
+    if (times.empty()) continue;
     const double largest = *std::max_element(intensities.begin(), intensities.end());
-    const double smallest = *std::min_element(intensities.begin(), intensities.end());
     if (largest > heaviest) {
       findings.warning("rain", name + " reaches " + in_mm_per_h(largest) +
                                    ", expected at most 500 mm/h: m/s are expected");
-    }
-    if (smallest < 0.0) {
-      findings.warning(
-          "rain", name + " falls to " + number(smallest) + " m/s, expected no negative intensity");
     }
     if (!std::is_sorted(times.begin(), times.end())) {
       findings.warning("rain", name + " has start times that do not increase");
@@ -117,30 +87,22 @@ void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findin
   }
 }
 
-void check_soils(const CaseFields& fields, const std::vector<Soil>& soils, Findings& findings) {
-  constexpr double most_pervious = 0.01;  // m/s, that of gravel
+void check_soils(const DataFile& data, const CaseFields& fields, const std::vector<Soil>& soils,
+                 Findings& findings) {
   for (const Soil& soil : soils) {
-    const std::string name = "soil " + std::to_string(soil.id);
-    const double rate = soil.parameters[0];
-    if (!(rate >= 0.0 && rate <= most_pervious)) {
-      findings.warning("infiltration", name + ": " + (soil.type == "Horton" ? "f0" : "Ks") +
-                                           " is " + in_mm_per_h(rate) +
-                                           ", expected 0 to 0.01 m/s: m/s are expected");
-    }
-    if (soil.type == "GreenAmpt") {
-      const double theta_i = soil.parameters[2];
-      const double theta_s = soil.parameters[3];
-      if (!(theta_i >= 0.0 && theta_i <= theta_s && theta_s > 0.0 && theta_s <= 1.0)) {
-        findings.warning("infiltration", name + ": theta_i is " + number(theta_i) +
-                                             ", theta_s is " + number(theta_s) +
-                                             ", expected 0 <= theta_i <= theta_s <= 1");
-      }
-    }
+    const std::vector<double>& p = soil.parameters;
+    findings.add_remarks(
+        "infiltration",
+        soil.type == "GreenAmpt"
+            ? plausibility::on_soil(
+                  *data.infiltration, soil.id,
+                  plausibility::GreenAmptParameters{p[0], p[1], p[2], p[3], p[4], p[5]})
+            : plausibility::on_soil(*data.infiltration, soil.id,
+                                    plausibility::HortonParameters{p[0], p[1], p[2], p[3], p[4]}));
   }
-  const Outliers negative(fields.infiltrated, [](double f) { return f < 0.0; });
-  if (negative.count > 0) {
-    findings.warning("infiltration", "the initial infiltration is negative in " + negative.place());
-  }
+  if (fields.infiltrated.empty()) return;
+  findings.add_remarks("infiltration", plausibility::on_initial_infiltration(
+                                           *data.initial_infiltration, fields.infiltrated));
 }
 
 void check_sediments(const DataFile& data, const CaseFields& fields, Findings& findings) {

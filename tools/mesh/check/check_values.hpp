@@ -12,9 +12,10 @@ namespace tools::check {
 /// Depths, velocities and levels at the start.
 void check_initial_state(const CaseFields& fields, const std::vector<CellValues>& cells,
                          Findings& findings);
-void check_friction(const CaseFields& fields, Findings& findings);
+void check_friction(const DataFile& data, const CaseFields& fields, Findings& findings);
 void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findings& findings);
-void check_soils(const CaseFields& fields, const std::vector<Soil>& soils, Findings& findings);
+void check_soils(const DataFile& data, const CaseFields& fields, const std::vector<Soil>& soils,
+                 Findings& findings);
 /// Parameters of the sediments, by the rules of the simulator, and beyond.
 void check_sediments(const DataFile& data, const CaseFields& fields, Findings& findings);
 

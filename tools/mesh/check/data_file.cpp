@@ -3,6 +3,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "domain/plausibility.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/json_file.hpp"
@@ -218,30 +219,21 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
     findings.error("model", "\"model/name\" is \"" + *data.model + "\", expected \"" +
                                 hydrodynamic_model + "\" or \"" + sediment_model + "\"");
   }
-  if (data.t0 && data.tend && !data.has_steps()) {
-    findings.warning("run time", "the run ends (\"tend\" is " + number(*data.tend) +
-                                     " s) before it starts (\"t0\" is " + number(*data.t0) +
-                                     " s): it computes nothing");
+  if (data.t0 && data.tend) {
+    findings.add_remark("run time", plausibility::on_run_time(*data.t0, *data.tend));
   }
   if (data.has_sediments() && (data.infiltration || data.initial_infiltration)) {
     findings.warning("infiltration",
                      "the case has infiltration, but nothing infiltrates in the "
                      "model with sediments: it is left out of account");
   }
-  if (data.cfl && *data.cfl > 1.0) {
-    findings.warning("Courant number", "\"CFL\" is " + number(*data.cfl) +
-                                           ", expected at most 1: the scheme is not stable beyond");
-  }
-  constexpr double largest_film = 0.1;
-  if (data.zero_depth < 0.0 || data.zero_depth > largest_film) {
-    findings.warning("zero depth", "\"model/zero depth value\" is " + number(data.zero_depth) +
-                                       " m, expected a thin film, from 0 to 0.1 m");
-  }
-  if (data.dt_enveloppe && !(*data.dt_enveloppe > 0.0)) {
-    findings.warning("envelope", "\"output/time step enveloppe of results\" is " +
-                                     number(*data.dt_enveloppe) +
-                                     " s, expected a positive interval: the envelope is written at "
-                                     "every step");
+  if (data.cfl) findings.add_remark("Courant number", plausibility::on_courant_number(*data.cfl));
+  findings.add_remark("zero depth",
+                      plausibility::on_dry_depth(data.zero_depth, data.has_sediments()));
+  if (data.dt_enveloppe) {
+    findings.add_remark(
+        "envelope", plausibility::on_interval(quoted(path_of(section::output, key::dt_enveloppe)),
+                                              *data.dt_enveloppe));
   }
 }
 

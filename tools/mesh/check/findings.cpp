@@ -16,6 +16,14 @@ void Findings::warning(const std::string& kind, const std::string& text) {
   add(Severity::warning, kind, text);
 }
 
+void Findings::add_remark(const std::string& kind, const std::optional<std::string>& text) {
+  if (text) add(Severity::warning, kind, *text);
+}
+
+void Findings::add_remarks(const std::string& kind, const std::vector<std::string>& texts) {
+  for (const std::string& text : texts) add(Severity::warning, kind, text);
+}
+
 void Findings::add(Severity severity, const std::string& kind, const std::string& text) {
   auto found = std::find_if(kinds_.begin(), kinds_.end(), [&](const Kind& known) {
     return known.severity == severity && known.name == kind;

@@ -1,6 +1,7 @@
 // What a check of a case has found, so far.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,9 @@ class Findings {
  public:
   void error(const std::string& kind, const std::string& text);
   void warning(const std::string& kind, const std::string& text);
+  /// Warnings that another one has worded, if it has.
+  void add_remark(const std::string& kind, const std::optional<std::string>& text);
+  void add_remarks(const std::string& kind, const std::vector<std::string>& texts);
 
   /// Errors first, then warnings, each in the order of their kind's first finding.
   std::vector<Finding> in_order() const;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "mesh/check/numbers.hpp"
+#include "model/AreaLoss.hpp"
 #include "model/finite_geometry.hpp"
 
 namespace tools::check {
@@ -109,7 +110,11 @@ void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& 
 
 void check_quality(const MeshSummary& mesh, const std::vector<CellValues>& cells,
                    Findings& findings) {
-  if (cells.empty()) findings.warning("no cells", "the mesh has no cells");
+  AreaLoss loss;
+  for (const CellValues& cell : cells) {
+    loss.add({cell.center.x, cell.center.y}, cell.area, cell.accurate_area);
+  }
+  findings.add_remark("area", loss.remark());
   for (std::size_t i = 0; i < cells.size(); ++i) {
     if (cells[i].area > 0.0 || !cells[i].has_finite_geometry) continue;
     findings.warning("zero area", "cell " + std::to_string(i) + " at " +
