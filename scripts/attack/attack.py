@@ -21,7 +21,8 @@ import odd_files
 import streams
 from run import Bench, describe
 
-KINDS = [faults, kills, odd_files, limits, streams, names]
+KINDS = {"faults": faults, "kills": kills, "odd-files": odd_files, "limits": limits,
+         "streams": streams, "names": names}
 KEPT = 200  # folders of violations, at most
 MOST_LATE = 4  # runs of a kind
 
@@ -81,7 +82,8 @@ class Findings:
         self.causes[cause] = [attack.name, problem, describe(end), words, 1]
 
     def show(self):
-        columns = ("attacks", "silent", "warned", "error", "killed", "late", "skipped", "violations")
+        columns = ("attacks", "silent", "warned", "error", "killed", "late", "skipped",
+                   "violations")
         print(f"{'kind':<30}" + "".join(f"{name:>11}" for name in columns))
         for kind, row in sorted(self.rows.items()):
             print(f"{kind:<30}" + "".join(f"{row[name]:>11}" for name in columns))
@@ -102,9 +104,12 @@ def only_files(folder, names):
 
 
 def all_attacks(bench, options):
-    for kind in KINDS:
+    pattern = options.only or "*"
+    for name, kind in KINDS.items():
+        if not fnmatch.fnmatch(name, pattern.split("/")[0]):
+            continue
         for attack in kind.attacks(bench, options.thorough or options.only):
-            if not options.only or fnmatch.fnmatch(attack.name, options.only):
+            if fnmatch.fnmatch(attack.name, pattern):
                 yield attack
 
 

@@ -1,5 +1,5 @@
-"""The rule that every attack is held to: status 0 and no word on standard error means that every file
-is identical; and always: no death by signal, no hang, no result under its final name that is
+"""The rule that every attack is held to: status 0 and no word on standard error means that every
+file is identical; and always: no death by signal, no hang, no result under its final name that is
 incomplete, no input changed."""
 import json
 import math

@@ -15,9 +15,10 @@ def limit(kind, value):
     return lambda: resource.setrlimit(kind, (value, value))
 
 
-def starts(bench, case, in_child, user=None):
+def starts(bench, case, in_child):
     """Whether the program gets as far as main() under that limit."""
-    return bench.run(Attack("start", case, ("--version",), in_child=in_child, user=user)).status == 0
+    attack = Attack("start", case, ("--version",), in_child=in_child)
+    return bench.run(attack).status == 0
 
 
 def fewest(bench, case, kind, values):

@@ -8,8 +8,9 @@ from run import Attack
 FOLDERS = {
     "here": "", "dot": "./", "slashes": "out//", "no-slash": "out", "newline": "o\nut/",
     "quotes": "o'u\"t/", "dollar": "$(touch oops)/", "percent": "%s%n%d/", "blank": " o ut /",
-    "dash": "-f/", "stars": "*?[a]/", "utf-8": "øut/", "backslash": "o\\ut/", "long": "x" * 250 + "/",
-    "deep": "d/" * 100, "too-long": "x" * 300 + "/", "much-too-long": "x" * 5000 + "/",
+    "dash": "-f/", "stars": "*?[a]/", "utf-8": "øut/", "backslash": "o\\ut/",
+    "long": "x" * 250 + "/", "deep": "d/" * 100, "too-long": "x" * 300 + "/",
+    "much-too-long": "x" * 5000 + "/",
     "missing": "missing/", "input": "nodes.txt/", "nul": "o\0ut/", "root": "/proc/",
 }
 WORDS = {
@@ -20,7 +21,7 @@ WORDS = {
 }
 OF_NAMES = ("log.txt",)  # tells the names
 RESULTS = ("log.txt", "report.json", "gauges.txt", "sections.txt", "enveloppe.txt", "pic_0_50.txt")
-SPELLINGS = {"plain": "{}", "dot": "./{}", "round": "out/../{}", "absolute": "{folder}/{}"}
+SPELLINGS = {"plain": "{}", "dot": "./{}", "round": "out/../{}"}
 PLAIN_CASE = Case()
 UNDISTURBED = Attack("undisturbed", PLAIN_CASE, WITH_REPORT)
 
@@ -45,7 +46,8 @@ def of_folders():
         renamed = {f"out/{result}": os.path.normpath(name + result)
                    if "\0" not in name else result for result in in_out}
         yield Attack(f"names/folder/{word}", with_output_folder(name), PLAIN, renamed=renamed,
-                     prepare=make(name) if there else None, reference=Attack("undisturbed", PLAIN_CASE, PLAIN))
+                     prepare=make(name) if there else None,
+                     reference=Attack("undisturbed", PLAIN_CASE, PLAIN))
 
 
 def with_result_name(request, name):
@@ -88,8 +90,6 @@ def of_collisions():
                          (*PLAIN, "--report", f"{at_top}.part"))
     for name in PLAIN_CASE.inputs:
         for spelling, pattern in SPELLINGS.items():
-            if spelling == "absolute":
-                continue  # its folder is not known before the run
             yield must_speak(f"gauges-is-{name}-{spelling}",
                              with_result_name("gauges_in.txt", "../" + pattern.format(name)))
             yield must_speak(f"sections-is-{name}-{spelling}",

@@ -151,8 +151,8 @@ def of_results(case):
 
 
 def may_differ(word, name, result):
-    """Whoever makes a device, a link or a folder of a result's name looks at it himself. A file that
-    is written whole takes the place of one that cannot be written to."""
+    """Whoever makes a device, a link or a folder of a result's name looks at it himself. A file
+    that is written whole takes the place of one that cannot be written to."""
     if word != "unwritable":
         return name, result, f"{name}/kept.txt"
     return () if name in WHOLE_RESULTS else (name,)
