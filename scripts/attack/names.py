@@ -86,8 +86,8 @@ def of_collisions():
             yield must_speak(f"sections-is-{other}", with_result_name("sections_in.txt", at_top))
         if other != "report.json":
             yield must_speak(f"report-is-{other}", PLAIN_CASE, (*PLAIN, "--report", at_top))
-        yield must_speak(f"report-is-{other}.part", PLAIN_CASE,
-                         (*PLAIN, "--report", f"{at_top}.part"))
+    for other in ("out/enveloppe.txt.part", "out/pic_0_50.txt.part"):
+        yield must_speak(f"report-is-{other}", PLAIN_CASE, (*PLAIN, "--report", other))
     for name in PLAIN_CASE.inputs:
         for spelling, pattern in SPELLINGS.items():
             yield must_speak(f"gauges-is-{name}-{spelling}",
