@@ -5,6 +5,7 @@
 #include <sys/resource.h>
 
 #include <cstdlib>
+#include <set>
 #include <thread>
 #include <vector>
 
@@ -22,16 +23,20 @@ TEST(ThreadTeam, EveryShareRunsOncePerRound) {
   }
 }
 
-TEST(ThreadTeam, TheCallerDoesTheSharesOfThreadsThatDoNotGetACore) {
-  engine::ThreadTeam team(64);
-  int of_caller = 0;
-  const std::thread::id caller = std::this_thread::get_id();
-  for (int round = 0; round < 100; ++round) {
-    team.run([&](int) {
-      if (std::this_thread::get_id() == caller) ++of_caller;
-    });
+TEST(ThreadTeam, OthersDoTheSharesOfThreadsThatDoNotGetACore) {
+  constexpr std::size_t size = 64;
+  engine::ThreadTeam team(size);
+  std::vector<std::thread::id> threads(size);  // that ran each share of a round
+  const auto some_thread_ran_two = [&] {
+    return std::set<std::thread::id>(threads.begin(), threads.end()).size() < size;
+  };
+  int round = 0;
+  for (; round < 10000; ++round) {
+    team.run(
+        [&](int share) { threads[static_cast<std::size_t>(share)] = std::this_thread::get_id(); });
+    if (some_thread_ran_two()) break;
   }
-  EXPECT_GT(of_caller, 100);  // one in every round is its own
+  EXPECT_LT(round, 10000);
 }
 
 void expect_every_share_once(engine::ThreadTeam& team) {
