@@ -126,8 +126,6 @@ def of_inputs(case):
             yield Attack(f"odd-files/input-{word}/{name}", case, WITH_REPORT, user=user,
                          prepare=replaced(name, instead), in_child=bound_memory, must_speak=True)
         for word, content in (("pipe", text), ("empty-pipe", "")):
-            if name == "data.json" and content:
-                continue  # it is read more than once: the run waits for more in the pipe
             yield Attack(f"odd-files/input-{word}/{name}", case, WITH_REPORT,
                          prepare=replaced(name, pipe), during=feed(name, content),
                          must_speak=word == "empty-pipe")

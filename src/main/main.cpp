@@ -17,7 +17,6 @@
 #include "main/credits.hpp"
 #include "main/usage.hpp"
 #include "report/RunReport.hpp"
-#include "utils/DataFileReader.hpp"
 #include "utils/InputParser.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
@@ -120,7 +119,6 @@ int run(std::optional<Domain>& domain, Watchers watchers) {
     utils::fatal("Error. No data file is named, neither behind -f nor on standard input.\n");
   }
 
-  const utils::DataFileReader data_file(_dataFile);
   domain.emplace(_dataFile, watchers);
 
   const std::time_t start = std::time(nullptr);

@@ -1,3 +1,7 @@
+#include <sys/stat.h>
+
+#include <fstream>
+
 #include "cases/CaseTest.hpp"
 
 namespace {
@@ -48,6 +52,15 @@ TEST_F(CommandLine, SilencesTheEchoBeforeAndAfterTheDataFile) {
     EXPECT_EQ(result.out.find_first_not_of(" 0123456789.\r"), std::string::npos) << result.out;
     EXPECT_EQ(essence_of_log(folder.read("log.txt")), log);
   }
+}
+
+TEST_F(CommandLine, TakesADataFileThatCanBeReadOnlyOnce) {
+  c.write(folder);
+  const std::string pipe = folder.path() + "/pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  support::RunningProgram program(folder.path(), {"-f", "pipe"}, {.time_limit = 30.0});
+  std::ofstream(pipe) << folder.read("data.json");
+  expect_complete(program.wait());
 }
 
 TEST_F(CommandLine, IgnoresOtherTokens) {
