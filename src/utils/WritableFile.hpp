@@ -21,6 +21,8 @@ class WritableFile {
   /// Makes a file that was not there; what had its name is removed, and a link is not followed.
   int create_anew(const std::string& name);
   bool is_open() const { return descriptor_ >= 0; }
+  /// Of the open file, for libraries that write themselves.
+  int descriptor() const { return descriptor_; }
   /// Whether it lies on a disk, where a write never waits for a reader.
   bool is_regular() const;
   /// Writes the whole text, in one piece if the system takes it so.

@@ -1,9 +1,5 @@
 #include "support/PartialFile.hpp"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
 #include <locale>
 #include <system_error>
@@ -43,15 +39,6 @@ void refuse_input(const fs::path& name) {
               " would be replaced, but it is read: expected another name for the output.");
 }
 
-/// Creates the file, and never follows what stands there: who may write into the folder could have
-/// put a link to another file there.
-int create_anew(const fs::path& part) {
-  unlink(part.c_str());
-  const int file = open(part.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
-  if (file >= 0) return file;
-  throw Error("The file " + part.string() + " couldn't be created: " + std::strerror(errno) + ".");
-}
-
 [[noreturn]] void refuse_incomplete(const fs::path& name) {
   throw Error("The file " + name.string() + " couldn't be written completely (is the disk full?).");
 }
@@ -77,11 +64,14 @@ void prepare_place(const fs::path& name) {
 PartialFile::PartialFile(fs::path name) : name_(std::move(name)), part_(name_.string() + ".part") {
   prepare_place(name_);
   refuse_input(part_);
-  descriptor_ = create_anew(part_);
+  // Who may write into the folder could have put a link to another file there: it is not followed.
+  if (const int error = file_.create_anew(part_.string()); error != 0) {
+    throw Error("The file " + part_.string() + " couldn't be created: " + std::strerror(error) +
+                ".");
+  }
 }
 
 PartialFile::~PartialFile() {
-  if (descriptor_ >= 0) close(descriptor_);
   std::error_code ignored;
   fs::remove(part_, ignored);
 }
@@ -89,10 +79,12 @@ PartialFile::~PartialFile() {
 // Intended: not its name. Libraries take some names for more than a file (NetCDF those with "://"
 // or a backslash, GDAL those below "/vsimem" and its like), and this leads to the file that was
 // made.
-std::string PartialFile::part() const { return "/proc/self/fd/" + std::to_string(descriptor_); }
+std::string PartialFile::part() const {
+  return "/proc/self/fd/" + std::to_string(file_.descriptor());
+}
 
 void PartialFile::finish() {
-  if (descriptor_ >= 0 && close(std::exchange(descriptor_, -1)) != 0) refuse_incomplete(name_);
+  if (file_.close() != 0) refuse_incomplete(name_);
 }
 
 void PartialFile::commit() {

@@ -5,6 +5,8 @@
 #include <fstream>
 #include <string>
 
+#include "utils/WritableFile.hpp"
+
 namespace tools {
 
 /// Creates the folders above a file that is to be written. Refuses a name under which something
@@ -31,7 +33,7 @@ class PartialFile {
 
  private:
   std::filesystem::path name_, part_;
-  int descriptor_;
+  utils::WritableFile file_;
 };
 
 /// The same, as a stream of bytes.

@@ -1,15 +1,13 @@
 #include "support/Tool.hpp"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <exception>
 #include <iostream>
 #include <string>
 
+#include "utils/signals.hpp"
+#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
 
 namespace tools {
@@ -19,25 +17,15 @@ namespace {
 constexpr int status_error = 1;
 constexpr int status_wrong_usage = 2;
 
-/// Whoever starts the program may have closed some of them; a file that is written must not become
-/// one.
-void open_standard_streams() {
-  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (fcntl(stream, F_GETFD) >= 0) continue;
-    [[maybe_unused]] const int opened = open("/dev/null", O_RDWR);  // the first one that is free
-  }
-}
-
 }  // namespace
 
 Tool::Tool(const char* name, const char* summary, const char* examples)
     : app_(std::string("Examples:\n") + examples + "\n" + summary, name) {
   app_.set_version_flag("--version", std::string(name) + " " + QUILLMERE_VERSION);
   app_.require_subcommand(1);
+  utils::open_standard_streams();
+  utils::let_writes_fail();
   utils::throw_fatal_errors();
-  open_standard_streams();
-  // What cannot be written is an error with a message, not a silent end.
-  for (const int number : {SIGPIPE, SIGXFSZ}) std::signal(number, SIG_IGN);
 }
 
 int Tool::run(int argc, char** argv) {
