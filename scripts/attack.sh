@@ -24,7 +24,7 @@ if [ -z "$bin" ]; then
   scripts/install_dependencies.sh build tools
   cmake --preset release >/dev/null
   cmake --build --preset release --target quillmere >/dev/null
-  if cmake --build --preset release --target help | grep -q '^quillmere-mesh:'; then
+  if cmake --build --preset release --target help | grep '^quillmere-mesh:' >/dev/null; then
     cmake --build --preset release --target quillmere-mesh >/dev/null
   fi
   bin=build/release/bin

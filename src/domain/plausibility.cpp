@@ -10,8 +10,6 @@ namespace {
 
 using utils::number_text;
 
-constexpr double mm_per_h = 1e-3 / 3600.0;  // m/s
-
 std::string soil_name(const std::string& file, int id) {
   return file + ", soil " + std::to_string(id) + ": ";
 }
@@ -71,6 +69,13 @@ Remark on_dry_depth(double depth, bool has_sediments) {
            "is a good value";
   }
   return {};
+}
+
+Remark on_infiltration(bool is_given, bool has_sediments) {
+  if (!is_given || !has_sediments) return {};
+  return "the case has infiltration, but nothing infiltrates in the model with sediments: it is "
+         "left "
+         "out of account";
 }
 
 Remark on_interval(const std::string& interval, double seconds) {

@@ -32,12 +32,15 @@ struct Outliers {
   std::string place() const;
 };
 
+inline constexpr double mm_per_h = 1e-3 / 3600.0;  ///< m/s
+
 /// "2e-05 m/s = 72 mm/h".
 std::string in_mm_per_h(double intensity);
 
 Remark on_run_time(double t0, double tend);
 Remark on_courant_number(double courant);
 Remark on_dry_depth(double depth, bool has_sediments);
+Remark on_infiltration(bool is_given, bool has_sediments);
 /// `interval` names it, as in "\"output/time step enveloppe of results\"".
 Remark on_interval(const std::string& interval, double seconds);
 

@@ -43,6 +43,8 @@ void Domain::warn_of_implausible_input() const {
   warn_if(plausibility::on_run_time(Globals_Params::tStart, Globals_Params::tEnd));
   warn_if(plausibility::on_courant_number(cfl));
   warn_if(plausibility::on_dry_depth(Constants::ZERO_DEPTH, has_sediments()));
+  warn_if(
+      plausibility::on_infiltration(is_infiltration || is_initial_infiltration, has_sediments()));
   warn_if(plausibility::on_interval("\"output/time step enveloppe of results\"", dt_enveloppe));
   if (gauge) {
     warn_if(plausibility::on_interval(gauges_file + ": the recording interval", gauge->interval()));

@@ -53,11 +53,6 @@ std::unique_ptr<SourceTerm> read_horton(utils::TextScanner& file, const std::str
 void Domain::set_source_terms() {
   std::ostream& log = Globals::spyFile;
   log << "Setting source terms\n";
-  if (has_sediments() && (is_infiltration || is_initial_infiltration)) {
-    utils::warn(
-        "the case has infiltration, but nothing infiltrates in the model with sediments: it is "
-        "left out of account.");
-  }
   if (is_rainfall) {
     read_hyetograms(rainfall_file);
     log << "  Hyetograms set from: " << rainfall_file << '\n';

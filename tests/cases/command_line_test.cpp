@@ -74,7 +74,7 @@ TEST_F(CommandLine, WarnsOfTokensThatLookLikeOptions) {
       run_with({"-x", "-f", "data.json", "--report=r.json", "-NODISPLAY", "--no-picture"});
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err,
-            "Warning: \"-x\" is no option, and ignored; did you mean -f?\n"
+            "Warning: \"-x\" is no option, and ignored.\n"
             "Warning: \"--report=r.json\" is no option, and ignored; did you mean --report?\n"
             "Warning: \"-NODISPLAY\" is no option, and ignored; did you mean -nodisplay?\n"
             "Warning: \"--no-picture\" is no option, and ignored.\n");

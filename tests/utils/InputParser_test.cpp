@@ -71,11 +71,12 @@ TEST(InputParser, NamesTokensThatOnlyLookLikeOptions) {
     return parser_of(tokens).strange_options(known);
   };
   EXPECT_TRUE(strange({"-f", "--hepl", "word", "-", "--help", ""}).empty());
-  EXPECT_EQ(
-      strange({"--help", "--hepl", "--HELP=x", "---------"}),
-      (std::vector<std::string>{"\"--hepl\" is no option, and ignored; did you mean --help?",
-                                "\"--HELP=x\" is no option, and ignored; did you mean --help?",
-                                "\"---------\" is no option, and ignored."}));
+  EXPECT_EQ(strange({"--help", "--hepl", "--HELP=x", "---------", "-h", "-F"}),
+            (std::vector<std::string>{
+                "\"--hepl\" is no option, and ignored; did you mean --help?",
+                "\"--HELP=x\" is no option, and ignored; did you mean --help?",
+                "\"---------\" is no option, and ignored.", "\"-h\" is no option, and ignored.",
+                "\"-F\" is no option, and ignored; did you mean -f?"}));
 }
 
 }  // namespace

@@ -9,9 +9,8 @@ namespace tools::check {
 
 namespace {
 
-constexpr double mm_per_h = 1e-3 / 3600.0;  // m/s
-
 using plausibility::in_mm_per_h;
+using plausibility::mm_per_h;
 using plausibility::Outliers;
 
 }  // namespace

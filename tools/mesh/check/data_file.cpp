@@ -222,11 +222,9 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
   if (data.t0 && data.tend) {
     findings.add_remark("run time", plausibility::on_run_time(*data.t0, *data.tend));
   }
-  if (data.has_sediments() && (data.infiltration || data.initial_infiltration)) {
-    findings.warning("infiltration",
-                     "the case has infiltration, but nothing infiltrates in the "
-                     "model with sediments: it is left out of account");
-  }
+  findings.add_remark("infiltration",
+                      plausibility::on_infiltration(data.infiltration || data.initial_infiltration,
+                                                    data.has_sediments()));
   if (data.cfl) findings.add_remark("Courant number", plausibility::on_courant_number(*data.cfl));
   findings.add_remark("zero depth",
                       plausibility::on_dry_depth(data.zero_depth, data.has_sediments()));
