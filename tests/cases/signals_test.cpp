@@ -116,6 +116,9 @@ TEST_F(Signals, EndARunAtOnceTheSecondTime) {
 }
 
 TEST_F(Signals, EndASetUpAtOnce) {
+#ifdef __SANITIZE_THREAD__
+  GTEST_SKIP() << "this sanitizer holds a signal back as long as a file is being opened";
+#endif
   c.write(folder);
   std::filesystem::remove(folder.file("nodes.txt"));
   ASSERT_EQ(mkfifo(folder.file("nodes.txt").c_str(), 0600), 0);
