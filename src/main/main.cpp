@@ -9,6 +9,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "domain/Domain.hpp"
@@ -164,9 +165,10 @@ int main(int argc, char** argv) {
     parseInputs(parser);
     const bool has_report = parser.cmdOptionExists("--report");
     const std::string report_name = has_report ? name_of_report(parser) : "";
+    const std::string given_name = std::exchange(_dataFile, utils::readable_again(_dataFile));
     refuse_results_that_destroy(report_name);
     if (has_report) {
-      report.emplace(report_name, _dataFile);
+      report.emplace(report_name, given_name);
       report_early_end(*report);
     }
     std::optional<Progress> progress;

@@ -16,17 +16,6 @@ namespace {
 constexpr std::ptrdiff_t piece = 1 << 18;
 constexpr std::ptrdiff_t padding = 4;  // for looks at four characters at once
 
-/// A leading "+" is a sign to formatted extraction, but not to from_chars.
-std::string_view without_plus(std::string_view token) {
-  const bool signed_twice = token.size() > 1 && token[1] == '-';
-  return !token.empty() && token.front() == '+' && !signed_twice ? token.substr(1) : token;
-}
-
-/// Whether the token is a finite number; `value` receives it.
-bool parse_finite_number(std::string_view token, double& value) {
-  return parse_number(without_plus(token), value) && std::isfinite(value);
-}
-
 /// Printable start of a token, for a message.
 std::string quoted(std::string_view token) {
   constexpr std::size_t shown = 40;

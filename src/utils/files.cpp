@@ -1,11 +1,13 @@
 #include "utils/files.hpp"
 
-#include <algorithm>
+#include <stdio.h>
+#include <sys/stat.h>
+
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <mutex>
-#include <set>
 
 #include "globals/Globals.hpp"
 #include "utils/standard_streams.hpp"
@@ -15,8 +17,14 @@ namespace utils {
 
 namespace {
 std::mutex input_files_mutex;
-std::set<std::filesystem::path> input_files;  ///< absolute: the working directory may change
+std::map<std::string, std::filesystem::path> input_files;  ///< absolute names, by identity
 }  // namespace
+
+std::string identity_of_file(const std::string& name) {
+  struct stat status = {};
+  if (stat(name.c_str(), &status) != 0) return "";
+  return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+}
 
 std::ifstream open_input_file(const std::string& name) {
   std::ifstream file(name, std::ios::binary);
@@ -24,18 +32,34 @@ std::ifstream open_input_file(const std::string& name) {
   if (!file.is_open() || std::filesystem::is_directory(name, ignored)) {
     fatal("Fatal error. Impossible to open file " + name + ".\n");
   }
-  const std::lock_guard lock(input_files_mutex);
-  input_files.insert(std::filesystem::absolute(name, ignored));
+  note_input_file(name);
   return file;
 }
 
-bool is_input_file(const std::string& name) {
-  std::error_code ignored;
+void note_input_file(const std::string& name) {
+  const std::string identity = identity_of_file(name);
   const std::lock_guard lock(input_files_mutex);
-  return std::any_of(input_files.begin(), input_files.end(),
-                     [&](const std::filesystem::path& input) {
-                       return std::filesystem::equivalent(name, input, ignored);
-                     });
+  std::error_code ignored;
+  if (!identity.empty()) input_files[identity] = std::filesystem::absolute(name, ignored);
+}
+
+bool is_input_file(const std::string& name) {
+  const std::string identity = identity_of_file(name);
+  const std::lock_guard lock(input_files_mutex);
+  const auto input = input_files.find(identity);
+  // The identity of a file that is gone may have become that of a new one.
+  return input != input_files.end() && identity_of_file(input->second.string()) == identity;
+}
+
+std::string readable_again(const std::string& name) {
+  std::error_code ignored;
+  if (!std::filesystem::is_fifo(name, ignored)) return name;
+  std::FILE* const copy = std::tmpfile();
+  if (copy == nullptr) return name;
+  const std::string copy_name = "/dev/fd/" + std::to_string(fileno(copy));
+  std::ifstream pipe(name, std::ios::binary);
+  std::ofstream(copy_name, std::ios::binary) << pipe.rdbuf();
+  return copy_name;
 }
 
 std::string remove_extension(const std::string& name) { return name.substr(0, name.rfind('.')); }

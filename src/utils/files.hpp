@@ -9,8 +9,16 @@ namespace utils {
 /// Opens a file for reading; ends the run with a message if that is impossible.
 std::ifstream open_input_file(const std::string& name);
 
-/// Whether the name leads to a file that was opened for reading.
+/// Tells a file from all others, whatever name leads to it; empty if there is none.
+std::string identity_of_file(const std::string& name);
+/// Remembers a file that the program reads, by whatever means.
+void note_input_file(const std::string& name);
+/// Whether the name leads to a file that was opened for reading, or noted.
 bool is_input_file(const std::string& name);
+
+/// A name under which what a file holds can be read again and again: its own, or for a pipe that of
+/// a copy, which goes with the process.
+std::string readable_again(const std::string& name);
 
 /// The part of a name before its last "."; the whole name without one.
 std::string remove_extension(const std::string& name);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <locale>
 #include <sstream>
 
@@ -35,6 +36,15 @@ bool parse_number(std::string_view text, double& value) {
   std::istringstream stream{std::string(text)};
   stream.imbue(std::locale::classic());
   return static_cast<bool>(stream >> value);
+}
+
+std::string_view without_plus(std::string_view text) {
+  const bool signed_twice = text.size() > 1 && text[1] == '-';
+  return !text.empty() && text.front() == '+' && !signed_twice ? text.substr(1) : text;
+}
+
+bool parse_finite_number(std::string_view text, double& value) {
+  return parse_number(without_plus(text), value) && std::isfinite(value);
 }
 
 }  // namespace utils

@@ -17,4 +17,10 @@ std::string fixed_text(double value, int decimals);
 /// what is too small is 0. `value` receives it.
 bool parse_number(std::string_view text, double& value);
 
+/// The text without a leading "+", which is a sign to formatted extraction, but not to from_chars.
+std::string_view without_plus(std::string_view text);
+
+/// Whether the text is a finite number, as input files hold them; `value` receives it.
+bool parse_finite_number(std::string_view text, double& value);
+
 }  // namespace utils

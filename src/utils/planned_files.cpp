@@ -1,10 +1,7 @@
 #include "utils/planned_files.hpp"
 
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <exception>
 #include <filesystem>
 #include <fstream>
@@ -14,6 +11,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "utils/files.hpp"
 #include "utils/json_file.hpp"
 #include "utils/known_keys.hpp"
 #include "utils/number_text.hpp"
@@ -26,11 +24,17 @@ namespace {
 namespace fs = std::filesystem;
 using nlohmann::json;
 
-/// A file that can be read twice; a pipe cannot.
+/// A file that can be read twice, which a pipe cannot; behind its byte-order mark if it has one.
 std::ifstream open_regular_file(const std::string& name) {
   std::error_code ignored;
-  return fs::is_regular_file(name, ignored) ? std::ifstream(name, std::ios::binary)
-                                            : std::ifstream();
+  if (!fs::is_regular_file(name, ignored)) return {};
+  std::ifstream file(name, std::ios::binary);
+  std::array<char, 3> mark{};
+  file.read(mark.data(), mark.size());
+  if (std::string_view(mark.data(), mark.size()) == "\xEF\xBB\xBF") return file;
+  file.clear();
+  file.seekg(0);
+  return file;
 }
 
 /// The text under a path like "mesh/nodes"; empty if there is none.
@@ -64,17 +68,19 @@ std::vector<std::string> snapshot_names(const std::string& file, const std::stri
   std::set<std::string> names;
   std::string word;
   double count = 0.0, time = 0.0;
-  if (!(stream >> word) || !parse_number(word, count)) return {};
+  if (!(stream >> word) || !parse_finite_number(word, count)) return {};
   for (double i = 0.0; i < count && stream >> word; ++i) {
-    if (!parse_number(word, time) || !std::isfinite(time)) break;
+    if (!parse_finite_number(word, time)) break;
     names.insert(folder + snapshot_name(time));
   }
   return {names.begin(), names.end()};
 }
 
-/// The words of an edges file that are no numbers: the names of time series. A mesh has millions of
-/// edges, and a few such words.
-std::set<std::string> series_names(const std::string& edges_file) {
+/// The words of an edges file that are no numbers, and files in the folder: time series. A mesh has
+/// millions of edges and a few such words; a file with many that lead nowhere is at fault.
+std::set<std::string> series_names(const std::string& edges_file, const fs::path& folder) {
+  constexpr int most_that_lead_nowhere = 10;
+  int leading_nowhere = 0;
   static constexpr std::string_view of_numbers = "0123456789+-.eE \t\v\f\r";
   std::array<bool, 256> is_of_number{};
   for (const char c : of_numbers) is_of_number[static_cast<unsigned char>(c)] = true;
@@ -88,68 +94,99 @@ std::set<std::string> series_names(const std::string& edges_file) {
       const auto is_space = [](char c) { return c == ' ' || (c >= '\t' && c <= '\r'); };
       const auto begin = std::find_if(std::make_reverse_iterator(at), line.rend(), is_space).base();
       const auto end = std::find_if(at, line.end(), is_space);
-      names.emplace(begin, end);
+      const std::string name = (folder / std::string(begin, end)).string();
+      std::error_code ignored;
+      if (names.count(name) == 0 && !fs::exists(name, ignored)) {
+        if (++leading_nowhere > most_that_lead_nowhere) return names;
+      } else {
+        names.insert(name);
+      }
       at = std::find_if(end, line.end(), is_strange);
     }
   }
   return names;
 }
 
-/// What tells a file from another one; empty for what cannot be destroyed, like a device.
-std::string identity_of(const std::string& name) {
-  struct stat status {};
-  if (stat(name.c_str(), &status) == 0) {
-    if (!S_ISREG(status.st_mode)) return "";
-    return std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino);
+/// Tells a file from another one, whether it is there or not.
+class Identities {
+ public:
+  /// Empty for what cannot be destroyed, like a device.
+  std::string of(const std::string& name) {
+    std::error_code ignored;
+    const std::string identity = identity_of_file(name);
+    if (!identity.empty()) return fs::is_regular_file(name, ignored) ? identity : "";
+    if (fs::is_symlink(name, ignored)) return fs::weakly_canonical(name, ignored).string();
+    const fs::path path(name);
+    return (folder_of(path) / path.filename()).string();
   }
-  std::error_code ignored;
-  return fs::weakly_canonical(fs::absolute(name, ignored), ignored).string();
-}
+
+ private:
+  /// Thousands of snapshots lie in one folder: it is looked for once.
+  const fs::path& folder_of(const fs::path& path) {
+    const auto [known, is_new] = folders_.try_emplace(path.parent_path().string());
+    std::error_code ignored;
+    if (is_new) {
+      known->second = fs::weakly_canonical(fs::absolute(known->first + "/.", ignored), ignored);
+    }
+    return known->second;
+  }
+
+  std::map<std::string, fs::path> folders_;
+};
 
 }  // namespace
 
-PlannedFiles plan_files(const std::string& data_file, const std::string& report) {
+PlannedFiles plan_files(const std::string& data_file, const std::string& report,
+                        const std::string& folder) {
   const json document = document_of(data_file);
+  const auto named = [&](const std::string& path) {
+    const std::string name = text_at(document, path);
+    return name.empty() ? name : (fs::path(folder) / name).string();
+  };
   PlannedFiles files;
   files.inputs.push_back(data_file);
   for (const KnownKey& known : known_keys()) {
-    if (known.type == KeyType::file) files.inputs.push_back(text_at(document, known.path()));
+    if (known.type == KeyType::file) files.inputs.push_back(named(known.path()));
   }
   std::erase(files.inputs, "");
   const std::set<std::string> series =
-      series_names(text_at(document, path_of(section::mesh, key::edges)));
+      series_names(named(path_of(section::mesh, key::edges)), folder);
   files.inputs.insert(files.inputs.end(), series.begin(), series.end());
 
-  const auto output = [&](const char* name) {
-    return text_at(document, path_of(section::output, name));
+  const auto input = [&](const char* name) { return named(path_of(section::output, name)); };
+  const auto in_folder = [&](const std::string& name) {
+    return (fs::path(folder) / name).string();
   };
-  const std::string folder = output(key::folder);
-  files.results = {{"the log", "log.txt", false}, {"the envelope", folder + "enveloppe.txt", true}};
+  const std::string results = text_at(document, path_of(section::output, key::folder));
+  const std::string prefix = folder.empty() ? results : folder + "/" + results;
+  files.results = {{"the log", in_folder("log.txt"), false},
+                   {"the envelope", prefix + "enveloppe.txt", true}};
   if (!report.empty()) {
     files.results.push_back({"the report", report, true});
-    files.results.push_back({"the snapshot of a failure", folder + "failure.txt", true});
+    files.results.push_back({"the snapshot of a failure", prefix + "failure.txt", true});
   }
-  for (const std::string& name : snapshot_names(output(key::pictures), folder)) {
+  for (const std::string& name : snapshot_names(input(key::pictures), prefix)) {
     files.results.push_back({"the snapshot", name, true});
   }
-  if (const std::string name = word_of(output(key::gauges), 1); !name.empty()) {
-    files.results.push_back({"the gauges", folder + name, false});
+  if (const std::string name = word_of(input(key::gauges), 1); !name.empty()) {
+    files.results.push_back({"the gauges", prefix + name, false});
   }
-  if (const std::string name = word_of(output(key::discharges), 2); !name.empty()) {
-    files.results.push_back({"the sections", name, false});
+  if (const std::string name = word_of(input(key::discharges), 2); !name.empty()) {
+    files.results.push_back({"the sections", in_folder(name), false});
   }
   return files;
 }
 
 std::vector<std::string> conflicts_of(const PlannedFiles& files) {
+  Identities identities;
   std::map<std::string, std::string> inputs;
-  for (const std::string& name : files.inputs) inputs.emplace(identity_of(name), name);
+  for (const std::string& name : files.inputs) inputs.emplace(identities.of(name), name);
   inputs.erase("");
 
   std::vector<std::string> conflicts;
   std::map<std::string, std::string> results;  // by identity, what messages call them
   const auto add = [&](const std::string& called, const std::string& name) {
-    const std::string identity = identity_of(name);
+    const std::string identity = identities.of(name);
     if (identity.empty()) return;
     const auto input = inputs.find(identity);
     const auto [other, is_new] = results.emplace(identity, called);

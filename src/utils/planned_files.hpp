@@ -20,8 +20,10 @@ struct PlannedFiles {
 
 /// What the data file and the files that it names let foresee, nothing of it opened for writing.
 /// What cannot be read is left out: the run itself will say so. `report`: the name of the report,
-/// empty if there is none.
-PlannedFiles plan_files(const std::string& data_file, const std::string& report = "");
+/// empty if there is none; `folder`: that in which the run takes place, where it is not the working
+/// directory.
+PlannedFiles plan_files(const std::string& data_file, const std::string& report = "",
+                        const std::string& folder = "");
 
 /// What would be lost, a sentence for each result: two names lead to the same file.
 std::vector<std::string> conflicts_of(const PlannedFiles& files);

@@ -1,4 +1,8 @@
 // Results that would destroy an input or another result: nothing is written.
+#include <sys/stat.h>
+
+#include <fstream>
+
 #include "cases/CaseTest.hpp"
 
 namespace {
@@ -44,6 +48,33 @@ TEST_F(ResultNames, MayNotBeThoseOfInputs) {
   c.add_gauges({{0.6, 0.2}}, 0.5, "gauges_in.txt");
   expect_refusal(
       "The gauges (gauges_in.txt) would replace an input file of this run (gauges_in.txt)");
+}
+
+TEST_F(ResultNames, AreForeseenThoughTheDataFileCanBeReadOnlyOnce) {
+  c.add_sections({{0}}, 0.5, "nodes.txt");
+  c.write(folder);
+  const auto before = texts();
+  ASSERT_EQ(mkfifo(folder.file("pipe").c_str(), 0600), 0);
+  support::RunningProgram program(folder.path(), {"-f", "pipe"}, {.time_limit = 30.0});
+  std::ofstream(folder.file("pipe")) << folder.read("data.json");
+  const RunResult result = program.wait();
+  EXPECT_EQ(result.status, 255);
+  EXPECT_TRUE(support::contains(result.err, "would replace an input file of this run (nodes.txt)"))
+      << result.err;
+  EXPECT_EQ(texts(), before);
+}
+
+TEST_F(ResultNames, OfSnapshotsAreForeseenHoweverTheirTimesAreWritten) {
+  for (const std::string times : {"1\n+1.25\n",
+                                  "\xEF\xBB\xBF"
+                                  "1\n1.25\n"}) {
+    c.files["times.txt"] = times;
+    c.data["output"]["snapshots of flow"] = "times.txt";
+    c.add_gauges({{0.6, 0.2}}, 0.5, "pic_1_25.txt");
+    expect_refusal(
+        "The gauges (out/pic_1_25.txt) would replace another result of this run, the snapshot "
+        "(out/pic_1_25.txt)");
+  }
 }
 
 TEST_F(ResultNames, OfTheEnvelopeAndOfSnapshotsMayNotBeThoseOfInputs) {

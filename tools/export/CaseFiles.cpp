@@ -5,6 +5,8 @@
 
 #include "support/Error.hpp"
 #include "utils/DataFileReader.hpp"
+#include "utils/files.hpp"
+#include "utils/planned_files.hpp"
 
 namespace exports {
 
@@ -40,11 +42,19 @@ void read(CaseFiles& files, const utils::DataFileReader& data) {
   files.output_prefix = data.get_output_folder_path();
 }
 
+/// No export takes the place of a file of the case, whether it reads that file or not.
+void protect_case(const CaseFiles& files) {
+  const utils::PlannedFiles planned = utils::plan_files(files.data_file, "", files.folder);
+  for (const std::string& name : planned.inputs) utils::note_input_file(name);
+  for (const utils::PlannedResult& result : planned.results) utils::note_input_file(result.name);
+}
+
 }  // namespace
 
 CaseFiles::CaseFiles(const std::string& folder_or_data_file)
     : data_file(data_file_of(folder_or_data_file)) {
   folder = fs::path(data_file).parent_path().string();
+  protect_case(*this);
   try {
     read(*this, utils::DataFileReader(data_file));
   } catch (const tools::Error&) {

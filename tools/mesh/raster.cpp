@@ -10,6 +10,7 @@
 #include "mesh/Scanner.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/files.hpp"
 
 namespace mesh_import {
 
@@ -119,6 +120,7 @@ RasterData read_asc(const std::string& path) {
 }
 
 Raster::Raster(const std::string& path) : path_(path) {
+  utils::note_input_file(path);  // which the case must not replace
   const auto extension = lower_case(std::filesystem::path(path).extension().string());
   data_ = extension == ".asc" ? read_asc(path) : read_with_gdal(path);
   const auto& g = data_.geometry;

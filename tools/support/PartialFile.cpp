@@ -36,7 +36,8 @@ void refuse_input(const fs::path& name) {
   std::error_code ignored;
   if (!fs::exists(name, ignored) || !utils::is_input_file(name.string())) return;
   throw Error("The file " + name.string() +
-              " would be replaced, but it is read: expected another name for the output.");
+              " would be replaced, but it is read, or belongs to the case: expected another name "
+              "for the output.");
 }
 
 [[noreturn]] void refuse_incomplete(const fs::path& name) {

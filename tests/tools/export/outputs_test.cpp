@@ -85,7 +85,7 @@ TEST_F(Outputs, ALinkUnderTheTemporaryNameLeadsNowhere) {
 }
 
 TEST_F(Outputs, AFileOfTheCaseIsNotReplaced) {
-  for (const std::string name : {"data.json", "nodes.txt", "out/enveloppe.txt"}) {
+  for (const std::string name : {"data.json", "nodes.txt", "edges.txt", "out/enveloppe.txt"}) {
     const std::string before = folder.read(name);
     const support::RunResult result = run({"geotiff", ".", "--resolution", "1", "-o", name});
     EXPECT_EQ(result.status, 1);

@@ -416,6 +416,18 @@ TEST_F(Import, ReplacesRegularFilesOnly) {
   EXPECT_EQ(folder.read("case/data.json"), before);
 }
 
+TEST_F(Import, TakesThePlaceOfNoRasterThatItReads) {
+  const std::string raster =
+      "ncols 2\nnrows 2\nxllcorner -100\nyllcorner -100\ncellsize 200\n0.03 0.03\n0.03 0.03\n";
+  folder.write("case/friction.txt", raster);
+  const auto result = import({"m.msh", "case", "--friction", "case/friction.txt"});
+  if (contains(result.err, "built without GDAL")) GTEST_SKIP() << "only GDAL reads rasters of that name";
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(contains(result.err, "case/friction.txt would be replaced, but it is read"))
+      << result.err;
+  EXPECT_EQ(folder.read("case/friction.txt"), raster);
+}
+
 TEST_F(Import, WritesThroughNoLink) {
   folder.write("precious", "data");
   folder.write("case/readme", "");
