@@ -126,7 +126,8 @@ class Identities {
     const auto [known, is_new] = folders_.try_emplace(path.parent_path().string());
     std::error_code ignored;
     if (is_new) {
-      known->second = fs::weakly_canonical(fs::absolute(known->first + "/.", ignored), ignored);
+      known->second =
+          fs::weakly_canonical(fs::absolute(path.parent_path() / ".", ignored), ignored);
     }
     return known->second;
   }

@@ -64,6 +64,14 @@ TEST_F(ResultNames, AreForeseenThoughTheDataFileCanBeReadOnlyOnce) {
   EXPECT_EQ(texts(), before);
 }
 
+TEST_F(ResultNames, AreKnownByAnyWayToTheirFolder) {
+  for (const std::string name : {"../log.txt", "./../log.txt"}) {
+    c.add_gauges({{0.6, 0.2}}, 0.5, name);
+    expect_refusal("The gauges (out/" + name +
+                   ") would replace another result of this run, the log (log.txt)");
+  }
+}
+
 TEST_F(ResultNames, OfSnapshotsAreForeseenHoweverTheirTimesAreWritten) {
   for (const std::string times : {"1\n+1.25\n",
                                   "\xEF\xBB\xBF"
