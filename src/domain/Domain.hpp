@@ -9,6 +9,7 @@
 
 #include "domain/PointLocator.hpp"
 #include "domain/Progress.hpp"
+#include "model/AreaLoss.hpp"
 #include "model/PhysicalModel.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
@@ -69,7 +70,6 @@ class Domain {
   void warn_of_implausible_input() const;
   void warn_of_implausible_fields() const;
   void warn_of_outflows() const;
-  void warn_of_area_loss() const;
   bool has_sediments() const { return model_name == "Bramsett"; }
 
   // Time loop.
@@ -121,6 +121,7 @@ class Domain {
   bool is_initial_infiltration = false;
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
   std::vector<double> umax_buffer;                ///< copy of the largest depths, m
+  AreaLoss area_loss;                             ///< of the cells, as they are read
 
   std::string gauges_file, pictures_file, discharge_file;
   std::string rainfall_file, hyetocells_file;

@@ -6,6 +6,8 @@
 #include "domain/Domain.hpp"
 #include "domain/column_survey.hpp"
 #include "globals/Globals.hpp"
+#include "utils/cell_place.hpp"
+#include "utils/counted.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
@@ -20,14 +22,7 @@ struct WrittenColumn {
 };
 
 std::string named_place(const ComputationalCell& cell) {
-  constexpr int digits = 12;
-  return "cell " + std::to_string(cell.id) + " (counted from 0), centre (" +
-         utils::number_text(cell.center.x, digits) + ", " +
-         utils::number_text(cell.center.y, digits) + ") m";
-}
-
-std::string counted_cells(long count) {
-  return std::to_string(count) + (count == 1 ? " cell" : " cells");
+  return "cell " + utils::cell_place(cell.id, cell.center.x, cell.center.y);
 }
 
 std::string at_present() { return " at t = " + utils::number_text(Globals::t) + " s"; }
@@ -36,20 +31,20 @@ void warn_below_zero(const PhysicalModel& model, const WrittenColumn& column) {
   const ColumnSurvey& found = column.survey;
   if (found.below_zero == 0) return;
   const ComputationalCell& lowest = *model.cells[static_cast<std::size_t>(found.lowest_cell)];
-  utils::warn("the " + std::string(column.name) + " of " + counted_cells(found.below_zero) +
-              " is below zero" + at_present() + ": " + utils::number_text(found.deficit) +
-              " m3 are missing, while the other cells hold " + utils::number_text(found.held) +
-              " m3; it is " + utils::number_text(found.lowest) + " m in " + named_place(lowest) +
-              ".");
+  utils::warn("the " + std::string(column.name) + " of " +
+              utils::counted(found.below_zero, "cell") + " is below zero" + at_present() + ": " +
+              utils::number_text(found.deficit) + " m3 are missing, while the other cells hold " +
+              utils::number_text(found.held) + " m3; it is " + utils::number_text(found.lowest) +
+              " m in " + named_place(lowest) + ".");
 }
 
 void warn_not_finite(const PhysicalModel& model, const WrittenColumn& column) {
   const ColumnSurvey& found = column.survey;
   if (found.not_finite == 0) return;
   const ComputationalCell& first = *model.cells[static_cast<std::size_t>(found.not_finite_cell)];
-  utils::warn("the " + std::string(column.name) + " of " + counted_cells(found.not_finite) +
-              " is not a number" + at_present() + ", the first of them in " + named_place(first) +
-              ".");
+  utils::warn("the " + std::string(column.name) + " of " +
+              utils::counted(found.not_finite, "cell") + " is not a number" + at_present() +
+              ", the first of them in " + named_place(first) + ".");
 }
 
 }  // namespace

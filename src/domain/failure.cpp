@@ -1,7 +1,6 @@
 // What a run leaves when it collapses or loses a state: a short text on standard error, and where
 // there is a report its full description with a snapshot of that instant.
 #include <cmath>
-#include <iomanip>
 #include <iostream>
 #include <string>
 
@@ -9,6 +8,7 @@
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
+#include "utils/cell_place.hpp"
 #include "utils/files.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
@@ -20,9 +20,8 @@ bool is_finite(const HydraulicVariableSWE& U) { return std::isfinite(U.h + U.qx 
 void show(const ComputationalCell& cell) {
   const HydraulicVariableSWE& U = cell.UVal();
   const double velocity = U.h != 0.0 ? std::hypot(U.qx, U.qy) / U.h : 0.0;
-  std::cerr << (is_finite(U) ? "Limiting cell: " : "Cell whose state is not a number: ") << cell.id
-            << " (counted from 0), centre (" << std::setprecision(12) << cell.center.x << ", "
-            << cell.center.y << ") m" << std::setprecision(6) << ", depth " << U.h
+  std::cerr << (is_finite(U) ? "Limiting cell: " : "Cell whose state is not a number: ")
+            << utils::cell_place(cell.id, cell.center.x, cell.center.y) << ", depth " << U.h
             << " m, velocity " << velocity << " m/s, characteristic length " << cell.char_length
             << " m\n";
 }

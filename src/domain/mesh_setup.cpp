@@ -109,7 +109,9 @@ void Domain::read_cells(const std::string& name) {
       nodes.push_back(&model->mesh_nodes[static_cast<std::size_t>(node)]);
     }
     model->build_cell(i, nodes);
-    if (!has_finite_geometry(*model->cells.back())) reader.refuse_record(overflow_of(nodes));
+    const ComputationalCell& cell = *model->cells.back();
+    if (!has_finite_geometry(cell)) reader.refuse_record(overflow_of(nodes));
+    area_loss.add({cell.center.x, cell.center.y}, cell.area, cell.accurate_area());
   }
 }
 

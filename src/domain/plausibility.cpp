@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "utils/counted.hpp"
 #include "utils/number_text.hpp"
 
 namespace plausibility {
@@ -35,8 +36,7 @@ std::string sentence(const std::string& remark) {
 }
 
 std::string Outliers::place() const {
-  return std::to_string(count) + (count == 1 ? " cell" : " cells") + ", such as cell " +
-         std::to_string(worst);
+  return utils::counted(count, "cell") + ", such as cell " + std::to_string(worst);
 }
 
 std::string in_mm_per_h(double intensity) {
@@ -74,8 +74,7 @@ Remark on_dry_depth(double depth, bool has_sediments) {
 Remark on_infiltration(bool is_given, bool has_sediments) {
   if (!is_given || !has_sediments) return {};
   return "the case has infiltration, but nothing infiltrates in the model with sediments: it is "
-         "left "
-         "out of account";
+         "left out of account";
 }
 
 Remark on_interval(const std::string& interval, double seconds) {

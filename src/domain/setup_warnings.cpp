@@ -8,7 +8,7 @@
 #include "globals/Globals.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
-#include "model/AreaLoss.hpp"
+#include "utils/counted.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -55,7 +55,7 @@ void Domain::warn_of_implausible_input() const {
   }
   warn_of_implausible_fields();
   warn_of_outflows();
-  warn_of_area_loss();
+  warn_if(area_loss.remark());
 }
 
 void Domain::warn_of_implausible_fields() const {
@@ -83,15 +83,7 @@ void Domain::warn_of_outflows() const {
   }
   if (largest == nullptr) return;
   warn_if(plausibility::on_outflow(
-      "the imposed discharge of " + std::to_string(count) + (count == 1 ? " edge" : " edges") +
-          ", such as edge " + std::to_string(largest->tag) + " (counted from 0),",
+      "the imposed discharge of " + utils::counted(count, "edge") + ", such as edge " +
+          std::to_string(largest->tag) + " (counted from 0),",
       largest_outflow(*largest), largest->cell_left->U.h, Constants::ZERO_DEPTH));
-}
-
-void Domain::warn_of_area_loss() const {
-  AreaLoss loss;
-  for (const auto& cell : model->cells) {
-    loss.add({cell->center.x, cell->center.y}, cell->area, cell->accurate_area());
-  }
-  warn_if(loss.remark());
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "utils/cell_place.hpp"
 #include "utils/number_text.hpp"
 
 void AreaLoss::add(physics::PlanPoint center, double area, double accurate_area) {
@@ -18,15 +19,14 @@ void AreaLoss::add(physics::PlanPoint center, double area, double accurate_area)
 
 std::optional<std::string> AreaLoss::remark() const {
   if (losing_cells_ == 0) return {};
-  const auto place = [](double x) { return utils::number_text(x, 12); };
   const auto near = [](double x) {
     return utils::number_text(std::floor(x / 1000.0) * 1000.0, 15);
   };
   return std::to_string(losing_cells_) + " of " + std::to_string(cells_) +
          " cells lose more than 1e-06 of their area to rounding, as their coordinates are large "
          "beside them: the most, " +
-         utils::number_text(largest_, 2) + " of it, cell " + std::to_string(worst_cell_) +
-         " (counted from 0), centre (" + place(worst_center_.x) + ", " + place(worst_center_.y) +
-         ") m; an origin near the case helps: quillmere-mesh import --origin " +
+         utils::number_text(largest_, 2) + " of it, cell " +
+         utils::cell_place(worst_cell_, worst_center_.x, worst_center_.y) +
+         "; an origin near the case helps: quillmere-mesh import --origin " +
          near(worst_center_.x) + "," + near(worst_center_.y);
 }

@@ -9,7 +9,7 @@
 #include "mesh/numbers.hpp"
 #include "mesh/sections.hpp"
 #include "support/Error.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -52,7 +52,7 @@ void tell_section(const Section& section, const std::vector<Edge>& edges,
     n_downhill +=
         bed[static_cast<std::size_t>(edge.left)] > bed[static_cast<std::size_t>(edge.right)];
   }
-  out << "Section " << section.name << ": " << tools::counted(section.edges.size(), "edge") << ", "
+  out << "Section " << section.name << ": " << utils::counted(section.edges.size(), "edge") << ", "
       << shown(section.length) << " m, discharge positive towards ("
       << shown(std::round(section.nx * 1e3) / 1e3) << ", "
       << shown(std::round(section.ny * 1e3) / 1e3) << ")";
@@ -71,7 +71,7 @@ void import_edges(const ImportOptions& options, const std::vector<BoundaryReques
   const std::vector<bool> is_fixed = set_sections(options.sections, index, contents);
   const std::vector<double> bed = bed_of_cells(contents);
   const int n_turned = turn_edges_uphill(contents.edges, bed, is_fixed);
-  out << "Turned " << tools::counted(n_turned, "edge")
+  out << "Turned " << utils::counted(n_turned, "edge")
       << " to name the lower cell first, so that water at rest stays at rest.\n";
   for (const Section& section : contents.sections) {
     tell_section(section, contents.edges, bed, out);

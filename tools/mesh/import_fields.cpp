@@ -9,7 +9,7 @@
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -55,7 +55,7 @@ void set_water(const std::vector<std::string>& requests, Case& contents, std::os
       ++n_wet;
     }
   }
-  out << "Water stands in " << n_wet << " of " << tools::counted(contents.mesh.cells.size(), "cell")
+  out << "Water stands in " << n_wet << " of " << utils::counted(contents.mesh.cells.size(), "cell")
       << " at the start.\n";
 }
 

@@ -6,7 +6,7 @@
 #include "mesh/fields.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -18,13 +18,13 @@ Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
   const auto n_quads = static_cast<std::size_t>(std::count_if(
       mesh.cells.begin(), mesh.cells.end(), [](const Cell& cell) { return cell.is_quad(); }));
   out << "Read " << options.mesh << " (" << mesh.format
-      << "): " << tools::counted(mesh.nodes.size(), "node") << ", "
-      << tools::counted(mesh.cells.size() - n_quads, "triangle");
-  if (n_quads > 0) out << ", " << tools::counted(n_quads, "quadrilateral");
+      << "): " << utils::counted(mesh.nodes.size(), "node") << ", "
+      << utils::counted(mesh.cells.size() - n_quads, "triangle");
+  if (n_quads > 0) out << ", " << utils::counted(n_quads, "quadrilateral");
   out << ".\n";
   for (const auto& remark : mesh.remarks) out << remark << "\n";
   if (changes.n_split > 0) {
-    out << "Split " << tools::counted(changes.n_split, "quadrilateral")
+    out << "Split " << utils::counted(changes.n_split, "quadrilateral")
         << " into triangles, along the shorter diagonal (--keep-quads keeps them).\n";
   }
   if (n_quads > 0) {
@@ -32,13 +32,13 @@ Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
            "three edges of a cell.\n";
   }
   if (changes.n_repeated_cells > 0) {
-    out << "Joined " << tools::counted(changes.n_repeated_cells, "cell")
+    out << "Joined " << utils::counted(changes.n_repeated_cells, "cell")
         << " that the file repeats.\n";
   }
   if (changes.n_unused_nodes > 0) {
-    out << "Left out " << tools::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
+    out << "Left out " << utils::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
   }
-  out << "Turned " << tools::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
+  out << "Turned " << utils::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
   return mesh;
 }
 
@@ -46,7 +46,7 @@ void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   if (!options.terrain.empty()) {
     const int n_filled = set_elevations(mesh, Raster(options.terrain), options.fill);
     if (n_filled > 0) {
-      out << "No terrain under " << tools::counted(n_filled, "node") << ": filled with "
+      out << "No terrain under " << utils::counted(n_filled, "node") << ": filled with "
           << shown(*options.fill) << " m.\n";
     }
   }

@@ -10,7 +10,7 @@
 #include "mesh/numbers.hpp"
 #include "mesh/run_options.hpp"
 #include "support/Error.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -39,7 +39,7 @@ void set_snapshots(Case& contents, std::ostream& out) {
       throw tools::Error("--snapshots: found " + shown(contents.snapshots.back()) +
                          ", expected times before the run ends, at " + shown(contents.end) + " s.");
     }
-    out << tools::counted(contents.snapshots.size(), "snapshot")
+    out << utils::counted(contents.snapshots.size(), "snapshot")
         << " before it and the envelope every " << shown(contents.interval) << " s.\n";
     return;
   }

@@ -9,7 +9,7 @@
 #include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 #include "utils/stop.hpp"
 
 namespace tools::check {
@@ -68,7 +68,7 @@ double largest_outflow(const Boundary& boundary) {
 
 std::string name_of(const Boundary& boundary) {
   const std::string what = boundary.series.empty() ? number(boundary.first_value) : boundary.series;
-  return "the " + boundary.kind + " " + what + " (" + counted(boundary.edges, "edge") + ")";
+  return "the " + boundary.kind + " " + what + " (" + utils::counted(boundary.edges, "edge") + ")";
 }
 
 void check_coverage(const DataFile& data, const Boundary& boundary, Findings& findings) {

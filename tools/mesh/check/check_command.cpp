@@ -8,7 +8,7 @@
 #include "mesh/check/report_json.hpp"
 #include "mesh/check/report_text.hpp"
 #include "support/Error.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace tools::check {
 
@@ -29,7 +29,7 @@ void check(const Options& options) {
     write_check_text(std::cout, report);
   }
   const long errors = report.findings.count(Severity::error);
-  if (errors > 0) throw Error(options.path + ": " + counted(errors, "error"));
+  if (errors > 0) throw Error(options.path + ": " + utils::counted(errors, "error"));
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 #include "globals/edge_codes.hpp"
 #include "mesh/check/numbers.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace tools::check {
 
@@ -213,8 +213,8 @@ std::vector<long> check_regions(const CaseMesh& mesh, const std::vector<CellValu
     if (counts.size() == 1) continue;
     const MeshNode& center = cells[static_cast<std::size_t>(first_cell)].center;
     findings.warning("isolated region",
-                     "no water passes between " + counted(-negative_size, "cell") + " around " +
-                         cell_name(first_cell) + " at " + point(center.x, center.y) +
+                     "no water passes between " + utils::counted(-negative_size, "cell") +
+                         " around " + cell_name(first_cell) + " at " + point(center.x, center.y) +
                          " and the rest of the mesh");
   }
   check_unused_nodes(mesh, findings);

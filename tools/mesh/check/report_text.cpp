@@ -5,7 +5,7 @@
 
 #include "mesh/check/numbers.hpp"
 #include "mesh/check/text_table.hpp"
-#include "support/counted.hpp"
+#include "utils/counted.hpp"
 
 namespace tools::check {
 
@@ -17,7 +17,7 @@ void write_findings(std::ostream& out, const Findings& findings) {
   const long errors = findings.count(Severity::error);
   const long warnings = findings.count(Severity::warning);
   out << (errors > 0 ? "The simulator refuses this case: " : "The simulator accepts this case: ")
-      << counted(errors, "error") << ", " << counted(warnings, "warning") << ".\n";
+      << utils::counted(errors, "error") << ", " << utils::counted(warnings, "warning") << ".\n";
   for (const Finding& finding : findings.in_order()) {
     out << (finding.severity == Severity::error ? "Error: " : "Warning: ") << finding.text
         << (finding.text.back() == '?' ? "\n" : ".\n");
@@ -27,8 +27,8 @@ void write_findings(std::ostream& out, const Findings& findings) {
 void write_mesh(std::ostream& out, const CaseReport& report) {
   const MeshSummary& mesh = *report.mesh;
   out << "\nMesh\n"
-      << "  " << counted(mesh.nodes, "node") << ", " << counted(mesh.cells, "cell") << ", "
-      << counted(mesh.edges, "edge") << "\n"
+      << "  " << utils::counted(mesh.nodes, "node") << ", " << utils::counted(mesh.cells, "cell")
+      << ", " << utils::counted(mesh.edges, "edge") << "\n"
       << "  x " << range(mesh.x_min, mesh.x_max) << " m, y " << range(mesh.y_min, mesh.y_max)
       << " m, z " << range(mesh.z_min, mesh.z_max) << " m\n"
       << "  area " << number(mesh.area) << " m2\n";
@@ -40,8 +40,9 @@ void write_quality(std::ostream& out, const CaseReport& report) {
   out << "  smallest angle " << number(mesh.smallest_angle) << " degrees, in cell "
       << mesh.sharpest_cell << "\n";
   if (!report.regions.empty()) {
-    out << "  " << counted(static_cast<long>(report.regions.size()), "connected part") << "\n"
-        << "  " << counted(report.higher_cell_first, "interior edge")
+    out << "  " << utils::counted(static_cast<long>(report.regions.size()), "connected part")
+        << "\n"
+        << "  " << utils::counted(report.higher_cell_first, "interior edge")
         << " with the higher cell first (on a shore, water at rest needs the lower one there)\n";
   }
   out << "\nSmallest cells: they set the time step\n";
@@ -74,8 +75,8 @@ void write_boundaries(std::ostream& out, const std::vector<Boundary>& boundaries
 
 void write_water(std::ostream& out, const WaterSummary& water) {
   out << "\nWater at the start\n"
-      << "  volume " << number(water.volume) << " m3 in " << counted(water.wet_cells, "wet cell")
-      << ", area " << number(water.area) << " m2\n";
+      << "  volume " << number(water.volume) << " m3 in "
+      << utils::counted(water.wet_cells, "wet cell") << ", area " << number(water.area) << " m2\n";
   if (water.deepest_cell < 0) return;
   out << "  largest depth " << number(water.largest_depth) << " m, in cell " << water.deepest_cell
       << "\n";
@@ -95,10 +96,10 @@ void write_run(std::ostream& out, const CaseReport& report) {
   const double steps = trial.expected_steps(duration);
   out << "  memory " << rounded(trial.memory_bytes / bytes_per_mib) << " MiB\n"
       << "  wall time about " << rounded(trial.expected_seconds(duration)) << " s for about "
-      << counted(std::lround(steps), "step")
+      << utils::counted(std::lround(steps), "step")
       << (trial.is_complete ? "" : ", if it goes on as it began")
       << "\n  measured here and now, without outputs: set-up " << rounded(trial.setup_seconds)
-      << " s, then " << counted(trial.steps, "step") << " (" << rounded(trial.simulated)
+      << " s, then " << utils::counted(trial.steps, "step") << " (" << rounded(trial.simulated)
       << " s of the run), " << rounded(1e3 * trial.seconds_per_step()) << " ms each\n";
 }
 

@@ -4,11 +4,11 @@
 #include <concepts>
 #include <string>
 
-namespace tools {
+namespace utils {
 
 /// "1 edge", "3 edges".
 std::string counted(std::integral auto count, const std::string& noun) {
   return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
-}  // namespace tools
+}  // namespace utils
