@@ -191,9 +191,9 @@ void check_results(const std::string& data_file, Findings& findings) {
   for (const std::string& conflict : utils::conflicts_of(files)) {
     findings.error("results", conflict);
   }
-  std::set<std::string> known;
+  std::set<std::string> seen;  // kinds of results: all snapshots lie in one folder
   for (const utils::PlannedResult& result : files.results) {
-    if (!is_outside(result.name) || !known.insert(result.what).second) continue;
+    if (!seen.insert(result.what).second || !is_outside(result.name)) continue;
     findings.warning("results outside", result.what + " (" + result.name +
                                             ") will be written outside the folder of the case");
   }
