@@ -51,12 +51,16 @@ bool is_input_file(const std::string& name) {
   return input != input_files.end() && identity_of_file(input->second.string()) == identity;
 }
 
+std::string name_of_descriptor(int descriptor) {
+  return "/proc/self/fd/" + std::to_string(descriptor);
+}
+
 std::string readable_again(const std::string& name) {
   std::error_code ignored;
   if (!std::filesystem::is_fifo(name, ignored)) return name;
   std::FILE* const copy = std::tmpfile();
   if (copy == nullptr) return name;
-  const std::string copy_name = "/dev/fd/" + std::to_string(fileno(copy));
+  const std::string copy_name = name_of_descriptor(fileno(copy));
   std::ifstream pipe(name, std::ios::binary);
   std::ofstream(copy_name, std::ios::binary) << pipe.rdbuf();
   return copy_name;

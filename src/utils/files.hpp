@@ -16,6 +16,8 @@ void note_input_file(const std::string& name);
 /// Whether the name leads to a file that was opened for reading, or noted.
 bool is_input_file(const std::string& name);
 
+/// The name by which this process, and only it, knows an open file.
+std::string name_of_descriptor(int descriptor);
 /// A name under which what a file holds can be read again and again: its own, or for a pipe that of
 /// a copy, which goes with the process.
 std::string readable_again(const std::string& name);

@@ -12,7 +12,8 @@ namespace support {
 class TemporaryFolder {
  public:
   TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "quillmere_test_XXXXXX").string();
+    std::string name = (std::filesystem::temp_directory_path() / "quillmere_test_").string();
+    name.append(6, 'X');  // for mkdtemp to replace
     path_ = mkdtemp(name.data());
   }
   ~TemporaryFolder() {

@@ -33,8 +33,7 @@ std::string kind_of(fs::file_type type) {
 }
 
 void refuse_input(const fs::path& name) {
-  std::error_code ignored;
-  if (!fs::exists(name, ignored) || !utils::is_input_file(name.string())) return;
+  if (!utils::is_input_file(name.string())) return;
   throw Error("The file " + name.string() +
               " would be replaced, but it is read, or belongs to the case: expected another name "
               "for the output.");
@@ -80,9 +79,7 @@ PartialFile::~PartialFile() {
 // Intended: not its name. Libraries take some names for more than a file (NetCDF those with "://"
 // or a backslash, GDAL those below "/vsimem" and its like), and this leads to the file that was
 // made.
-std::string PartialFile::part() const {
-  return "/proc/self/fd/" + std::to_string(file_.descriptor());
-}
+std::string PartialFile::part() const { return utils::name_of_descriptor(file_.descriptor()); }
 
 void PartialFile::finish() {
   if (file_.close() != 0) refuse_incomplete(name_);

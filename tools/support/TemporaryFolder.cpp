@@ -39,7 +39,8 @@ void remove_folder(const std::filesystem::path& path) {
 
 TemporaryFolder::TemporaryFolder() {
   const std::string parent = std::filesystem::temp_directory_path().string();
-  std::string name = parent + "/quillmere-XXXXXX";
+  std::string name = parent + "/quillmere-";
+  name.append(6, 'X');  // for mkdtemp to replace
   if (mkdtemp(name.data()) == nullptr) {
     throw Error("no temporary folder can be created in " + parent + ".");
   }
