@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "case/AreaLoss.hpp"
+#include "case/Case.hpp"
+#include "case/EndAtFirstError.hpp"
 #include "domain/PointLocator.hpp"
 #include "domain/Progress.hpp"
-#include "model/AreaLoss.hpp"
 #include "model/PhysicalModel.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
@@ -57,9 +59,6 @@ class Domain {
   void create_model();
   void read_mesh();
   void allocate_snapshot();
-  void read_nodes(const std::string& name);
-  void read_cells(const std::string& name);
-  void read_edges(const std::string& name);
   void read_cell_fields();
   void report_and_check_sediments() const;
   void set_source_terms();
@@ -97,6 +96,8 @@ class Domain {
   std::string write_failure_snapshot();
 
   Watchers watchers_;
+  cases::EndAtFirstError diagnostics_;
+  cases::Case case_;
   std::string simulation_name;
   std::string nodes_file, cells_file, edges_file;
   std::string initial_conditions_file;

@@ -71,6 +71,7 @@ void Domain::take_values(const utils::DataFileReader& reader) {
   edges_file = reader.get_edges_file();
   model_name = reader.get_model_name();
   Constants::ZERO_DEPTH = reader.get_zero_depth_value();
+  case_.has_sediments = has_sediments();
   const auto scheme = flux_schemes.find(reader.get_flux_scheme_name());
   if (scheme != flux_schemes.end()) flux_scheme = scheme->second;
 

@@ -6,8 +6,9 @@
 GenericInterface::GenericInterface(ComputationalCell* left, ComputationalCell* right,
                                    const MeshNode& a, const MeshNode& b)
     : nodes{&a, &b}, cell_left(left), cell_right(right) {
-  length = a.horizontal_distance(b);
-  normal = MeshNode((b.y - a.y) / length, (a.x - b.x) / length, 0.0);
+  const physics::Edge edge = physics::edge_between({a.x, a.y}, {b.x, b.y});
+  length = edge.length;
+  normal = MeshNode(edge.nx, edge.ny, 0.0);
 }
 
 double GenericInterface::c(double h) { return physics::celerity(h, Constants::ZERO_DEPTH); }

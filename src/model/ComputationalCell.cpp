@@ -28,18 +28,16 @@ ComputationalCell::ComputationalCell(const std::vector<const MeshNode*>& vertice
       max_node_level(-1e20),
       min_node_level(1e20) {
   param.last_update_time = Globals_Params::tStart;
-  double sum = 0.0;
   for (const MeshNode* node : nodes) {
-    sum += node->z;
     if (node->z > max_node_level) max_node_level = node->z;
     if (node->z < min_node_level) min_node_level = node->z;
   }
-  bed_rock_level = sum / n_nodes;
-  bed_level = bed_rock_level;
   center = compute_center();
+  bed_rock_level = center.z;
+  bed_level = bed_rock_level;
   area = compute_area();
   perimeter = compute_perimeter();
-  char_length = 2.0 * area / perimeter;
+  char_length = physics::characteristic_length(area, perimeter);
 }
 
 ComputationalCell::ComputationalCell(int index, const std::vector<const MeshNode*>& vertices)
@@ -48,9 +46,12 @@ ComputationalCell::ComputationalCell(int index, const std::vector<const MeshNode
 }
 
 MeshNode ComputationalCell::compute_center() const {
-  MeshNode sum;
-  for (const MeshNode* node : nodes) sum += *node;
-  return sum / n_nodes;
+  const auto node_at = [this](int i) {
+    const MeshNode& node = *get_node(i);
+    return physics::SpacePoint{node.x, node.y, node.z};
+  };
+  const physics::SpacePoint mean = physics::cell_center(n_nodes, node_at);
+  return {mean.x, mean.y, mean.z};
 }
 
 double ComputationalCell::compute_area() const {
@@ -62,9 +63,7 @@ double ComputationalCell::accurate_area() const {
 }
 
 double ComputationalCell::compute_perimeter() const {
-  double sum = 0.0;
-  for (int i = 0; i < n_nodes; ++i) sum += get_node(i)->horizontal_distance(*next_node(i));
-  return sum;
+  return physics::cell_perimeter(n_nodes, plan_nodes_of(*this));
 }
 
 void ComputationalCell::add_interface(GenericInterface* interface) {

@@ -1,8 +1,9 @@
 // A vertex of the mesh, also used as a point or vector: x, y and elevation z, in m.
 #pragma once
 
-#include <cmath>
 #include <vector>
+
+#include "physics/cell_geometry.hpp"
 
 struct MeshNode {
   double x = 0.0;
@@ -29,7 +30,7 @@ struct MeshNode {
 
   /// Distance in plan, m.
   double horizontal_distance(const MeshNode& other) const {
-    return std::sqrt((x - other.x) * (x - other.x) + (y - other.y) * (y - other.y));
+    return physics::plan_distance({x, y}, {other.x, other.y});
   }
 };
 

@@ -1,4 +1,4 @@
-// Area of a cell in plan, from coordinates in m.
+// Geometry of a cell, from coordinates in m.
 #pragma once
 
 #include <cmath>
@@ -10,6 +10,39 @@ namespace physics {
 struct PlanPoint {
   double x, y;
 };
+
+struct SpacePoint {
+  double x, y, z;
+};
+
+/// Distance in plan, m.
+QM_HD inline double plan_distance(PlanPoint a, PlanPoint b) {
+  return std::sqrt((a.x - b.x) * (a.x - b.x) + (a.y - b.y) * (a.y - b.y));
+}
+
+/// Mean of the n vertices of a cell; not the centroid of its area.
+template <class NodeAt>
+QM_HD SpacePoint cell_center(int n, const NodeAt& node_at) {
+  SpacePoint sum{0.0, 0.0, 0.0};
+  for (int i = 0; i < n; ++i) {
+    const SpacePoint node = node_at(i);
+    sum = {sum.x + node.x, sum.y + node.y, sum.z + node.z};
+  }
+  return {sum.x / n, sum.y / n, sum.z / n};
+}
+
+/// Length of the sides of a cell in plan, m.
+template <class NodeAt>
+QM_HD double cell_perimeter(int n, const NodeAt& node_at) {
+  double sum = 0.0;
+  for (int i = 0; i < n; ++i) sum += plan_distance(node_at(i), node_at(i + 1 < n ? i + 1 : 0));
+  return sum;
+}
+
+/// Characteristic length of a cell, m.
+QM_HD inline double characteristic_length(double area, double perimeter) {
+  return 2.0 * area / perimeter;
+}
 
 /// Area (m2) of a triangle, whichever way its corners run.
 QM_HD inline double triangle_area(PlanPoint a, PlanPoint b, PlanPoint c) {

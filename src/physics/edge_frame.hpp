@@ -2,6 +2,7 @@
 // flux back to the slots of its cells.
 #pragma once
 
+#include "physics/cell_geometry.hpp"
 #include "physics/pointwise.hpp"
 
 namespace physics {
@@ -11,6 +12,12 @@ struct Edge {
   double nx, ny;
   double length;
 };
+
+/// The edge from node a to node b; its normal is that direction turned clockwise by a right angle.
+QM_HD inline Edge edge_between(PlanPoint a, PlanPoint b) {
+  const double length = plan_distance(a, b);
+  return {(b.y - a.y) / length, (a.x - b.x) / length, length};
+}
 
 /// What a flux reads of a cell: depth (m), unit discharges (m2/s), bed and free-surface level (m).
 struct CellWater {

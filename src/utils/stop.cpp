@@ -49,14 +49,15 @@ void fatal(const std::string& message, int status) { end_run(status, message); }
 
 void warn(const std::string& message) { std::cerr << "Warning: " + message + "\n"; }
 
-RepeatedWarning::RepeatedWarning(std::string kind) : kind_(std::move(kind)) {}
+RepeatedWarning::RepeatedWarning(std::string kind, Sink sink)
+    : kind_(std::move(kind)), sink_(std::move(sink)) {}
 
 RepeatedWarning::~RepeatedWarning() {
-  if (count_ > shown_warnings) warn(std::to_string(count_ - shown_warnings) + " more " + kind_);
+  if (count_ > shown_warnings) sink_(std::to_string(count_ - shown_warnings) + " more " + kind_);
 }
 
 void RepeatedWarning::add(const std::string& message) {
-  if (++count_ <= shown_warnings) warn(message);
+  if (++count_ <= shown_warnings) sink_(message);
 }
 
 }  // namespace utils

@@ -42,8 +42,10 @@ void warn(const std::string& message);
 /// are counted.
 class RepeatedWarning {
  public:
-  /// `kind` completes the closing line "Warning: N more " + kind.
-  explicit RepeatedWarning(std::string kind);
+  using Sink = std::function<void(const std::string& message)>;
+
+  /// `kind` completes the closing line "Warning: N more " + kind. The sink takes the lines.
+  explicit RepeatedWarning(std::string kind, Sink sink = warn);
   ~RepeatedWarning();
   RepeatedWarning(const RepeatedWarning&) = delete;
   RepeatedWarning& operator=(const RepeatedWarning&) = delete;
@@ -52,6 +54,7 @@ class RepeatedWarning {
 
  private:
   std::string kind_;
+  Sink sink_;
   int count_ = 0;
 };
 

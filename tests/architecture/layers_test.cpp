@@ -20,15 +20,18 @@ const fs::path source = fs::path(QUILLMERE_SOURCE_DIR) / "src";
 const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"physics", {}},
     {"kernels", {"physics"}},
-    {"engine", {"kernels", "physics"}},
     {"globals", {}},
     {"utils", {"globals"}},
-    {"model", {"physics", "interfaces", "sources", "globals", "utils", "engine"}},
-    {"interfaces", {"physics", "model", "globals", "utils"}},
-    {"sources", {"physics", "model", "globals", "utils"}},
-    {"output", {"model", "interfaces", "globals", "utils"}},
-    {"report", {"physics", "model", "interfaces", "sources", "globals", "utils"}},
-    {"domain", {"model", "interfaces", "sources", "output", "report", "globals", "utils"}},
+    {"case", {"physics", "globals", "utils"}},
+    {"engine", {"kernels", "physics", "case"}},
+    {"model", {"physics", "case", "interfaces", "sources", "globals", "utils", "engine"}},
+    {"interfaces", {"physics", "case", "model", "globals", "utils"}},
+    {"sources", {"physics", "case", "model", "globals", "utils"}},
+    {"fields", {"physics", "case", "engine", "model", "globals"}},
+    {"output", {"physics", "case", "fields", "model", "interfaces", "globals", "utils"}},
+    {"report", {"physics", "case", "fields", "model", "interfaces", "sources", "globals", "utils"}},
+    {"domain",
+     {"case", "fields", "model", "interfaces", "sources", "output", "report", "globals", "utils"}},
     {"main", {"domain", "report", "globals", "utils"}}};
 
 std::string without_comments(const std::string& text) {

@@ -1,7 +1,7 @@
 #include "mesh/import_origin.hpp"
 
+#include "case/AreaLoss.hpp"
 #include "mesh/numbers.hpp"
-#include "model/AreaLoss.hpp"
 #include "physics/cell_geometry.hpp"
 #include "utils/stop.hpp"
 

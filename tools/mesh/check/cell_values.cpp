@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "case/finite_geometry.hpp"
 #include "globals/Globals.hpp"
 #include "model/ComputationalCell.hpp"
-#include "model/finite_geometry.hpp"
 #include "physics/stable_step.hpp"
 
 namespace tools::check {
@@ -27,7 +27,10 @@ CellValues values_of(const ComputationalCell& cell) {
           .depth = U.h,
           .velocity = is_wet ? std::hypot(U.qx, U.qy) / U.h : 0.0,
           .step = cell.dtMin(),
-          .has_finite_geometry = has_finite_geometry(cell)};
+          .has_finite_geometry = cases::is_finite({{cell.center.x, cell.center.y, cell.center.z},
+                                                   cell.area,
+                                                   cell.perimeter,
+                                                   cell.max_node_level})};
 }
 
 }  // namespace

@@ -7,9 +7,9 @@
 #include <tuple>
 #include <utility>
 
+#include "case/AreaLoss.hpp"
+#include "case/finite_geometry.hpp"
 #include "mesh/check/numbers.hpp"
-#include "model/AreaLoss.hpp"
-#include "model/finite_geometry.hpp"
 
 namespace tools::check {
 
@@ -91,6 +91,16 @@ WaterSummary water_summary(const DataFile& data, const std::vector<CellValues>& 
   }
   return water;
 }
+
+namespace {
+
+std::string overflow_of(const std::vector<const MeshNode*>& nodes) {
+  std::vector<physics::SpacePoint> points;
+  for (const MeshNode* node : nodes) points.push_back({node->x, node->y, node->z});
+  return cases::overflow_of(points);
+}
+
+}  // namespace
 
 void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& cells,
                            Findings& findings) {

@@ -1,4 +1,4 @@
-#include "model/AreaLoss.hpp"
+#include "case/AreaLoss.hpp"
 
 #include <gtest/gtest.h>
 

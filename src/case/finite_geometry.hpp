@@ -4,11 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "model/ComputationalCell.hpp"
-#include "model/MeshNode.hpp"
+#include "case/Mesh.hpp"
+
+namespace cases {
 
 /// Whether the centre of a cell, its area and its perimeter are finite numbers.
-bool has_finite_geometry(const ComputationalCell& cell);
+bool is_finite(const CellGeometry& cell);
 
 /// What is wrong with the nodes of a cell or an edge whose geometry is not finite, for a message.
-std::string overflow_of(const std::vector<const MeshNode*>& nodes);
+std::string overflow_of(const std::vector<physics::SpacePoint>& nodes);
+
+}  // namespace cases

@@ -1,0 +1,75 @@
+// A case in plain arrays: all that a run is told about the flow, in the order of its files. Columns
+// that a case does not have are empty.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "case/Mesh.hpp"
+
+namespace cases {
+
+/// A boundary value sampled in time.
+struct Series {
+  std::string file;
+  std::vector<double> times;   ///< s, increasing
+  std::vector<double> values;  ///< m2/s or m
+};
+
+/// Rain on the cells that name it.
+struct Hyetogram {
+  int id;
+  int step;                         ///< length of a burst, s
+  std::vector<double> times;        ///< starts of its intervals, s
+  std::vector<double> intensities;  ///< m/s
+};
+
+/// Parameters of soils, in the order of their file.
+struct GreenAmptParameters {
+  double Ks, psi, theta_i, theta_s, L, kr;
+};
+struct HortonParameters {
+  double f0, fc, k, Fmax, kr;
+};
+struct Soil {
+  int id;
+  std::variant<GreenAmptParameters, HortonParameters> parameters;
+};
+
+/// Fields of the cells.
+struct CellFields {
+  std::vector<double> bed;            ///< level of the bed, m; empty: mean of the vertices
+  std::vector<double> sediment;       ///< thickness on the bed, m; empty: none
+  std::vector<double> manning;        ///< s/m^(1/3); empty: no friction
+  std::vector<double> level, qx, qy;  ///< initial free surface (m) and unit discharges (m2/s)
+  std::vector<int> rain;              ///< index into Case::rain, -1: none; empty: no rain
+  std::vector<int> soil;              ///< index into Case::soils, -1: none; empty: no soil
+  std::vector<double> infiltrated;    ///< at the start, m; empty: nothing
+};
+
+/// What the bed of the model with sediments is made of.
+struct SedimentParameters {
+  double d50 = 0.0;      ///< mean grain diameter, m
+  double density = 0.0;  ///< relative to water
+  double manning = 0.0;  ///< s/m^(1/3); reported, not used
+  double porosity = 0.0;
+};
+
+struct Case {
+  bool has_sediments = false;         ///< the model with an erodible bed
+  double t_start = 0.0, t_end = 0.0;  ///< s
+  double cfl = 0.0;                   ///< Courant number
+  double zero_depth = 0.0;            ///< water is strictly deeper, m
+  SedimentParameters sediment;
+  Mesh mesh;
+  CellFields fields;
+  std::vector<Series> series;
+  std::vector<Hyetogram> rain;
+  std::vector<Soil> soils;
+  bool has_infiltration = false;  ///< soils, or depths infiltrated before
+  double h0 = 0.0;                ///< largest initial depth, m
+  double char_length_min = 0.0;   ///< m
+};
+
+}  // namespace cases

@@ -1,0 +1,62 @@
+#include "case/EdgeWarnings.hpp"
+
+#include <string>
+#include <vector>
+
+namespace cases {
+
+namespace {
+
+std::string name_of(Number edge) { return "edge " + std::to_string(edge) + " (counted from 0)"; }
+
+}  // namespace
+
+EdgeWarnings::EdgeWarnings(const Mesh& mesh, Diagnostics& diagnostics)
+    : mesh_(mesh),
+      degenerate_("edges without length.", [&](const auto& text) { diagnostics.warn(text); }),
+      inward_("edges whose normal points into their left cell.",
+              [&](const auto& text) { diagnostics.warn(text); }),
+      two_sided_("edges with a boundary code and a right cell.",
+                 [&](const auto& text) { diagnostics.warn(text); }),
+      sink_([&](const auto& text) { diagnostics.warn(text); }) {}
+
+void EdgeWarnings::check(Number edge, const Boundary* boundary) {
+  const Number right = mesh_.right[at(edge)];
+  if (!(mesh_.edge_of(edge).length > 0.0)) {
+    degenerate_.add(name_of(edge) + " has no length: its flux is not a number.");
+  } else if (points_into_left_cell(edge)) {
+    inward_.add(name_of(edge) + " has a normal that points into its left cell " +
+                std::to_string(mesh_.left[at(edge)]) + "; list its two nodes the other way round.");
+  }
+  if (boundary != nullptr && right >= 0) {
+    two_sided_.add(name_of(edge) + " has the boundary code " + std::to_string(boundary->code) +
+                   " and also a right cell " + std::to_string(right) +
+                   ", which gets no flux through it.");
+  }
+}
+
+bool EdgeWarnings::points_into_left_cell(Number edge) const {
+  const physics::PlanPoint a = mesh_.plan_node(mesh_.node1[at(edge)]);
+  const physics::PlanPoint b = mesh_.plan_node(mesh_.node2[at(edge)]);
+  const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
+  const physics::SpacePoint center = mesh_.center_of(mesh_.left[at(edge)]);
+  const physics::Edge normal = mesh_.edge_of(edge);
+  return (middle.x - center.x) * normal.nx + (middle.y - center.y) * normal.ny < 0.0;
+}
+
+void EdgeWarnings::check_numbers_of_edges() {
+  constexpr int expected = 3;
+  std::vector<int> counts(at(mesh_.n_cells()), 0);
+  for (Number edge = 0; edge < mesh_.n_edges(); ++edge) {
+    ++counts[at(mesh_.left[at(edge)])];
+    if (mesh_.right[at(edge)] >= 0) ++counts[at(mesh_.right[at(edge)])];
+  }
+  utils::RepeatedWarning odd("cells with other than three edges.", sink_);
+  for (std::size_t cell = 0; cell < counts.size(); ++cell) {
+    if (counts[cell] == expected) continue;
+    odd.add("cell " + std::to_string(cell) + " (counted from 0) has " +
+            std::to_string(counts[cell]) + " edges; the scheme takes the first three of a cell.");
+  }
+}
+
+}  // namespace cases

@@ -1,0 +1,71 @@
+// The mesh of a case in plain arrays, as its three files hold it.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "physics/cell_geometry.hpp"
+#include "physics/edge_frame.hpp"
+
+namespace cases {
+
+/// Number of a node, cell or edge, counted from 0. Offsets and sums of them take 64 bits.
+using Number = std::int32_t;
+
+inline std::size_t at(Number i) { return static_cast<std::size_t>(i); }
+
+/// A boundary condition on an edge.
+struct Boundary {
+  Number edge;
+  int code;      ///< see boundary_kinds
+  double value;  ///< imposed unit discharge (m2/s, positive leaves) or level (m)
+  int series;    ///< number of the time series that imposes it; -1: none
+};
+
+/// Geometry of a cell.
+struct CellGeometry {
+  physics::SpacePoint center;  ///< mean of the vertices, m
+  double area, perimeter;      ///< m2, m
+  double highest_node;         ///< m
+
+  double char_length() const { return physics::characteristic_length(area, perimeter); }
+};
+
+struct Mesh {
+  std::vector<double> x, y, z;           ///< of the nodes, m
+  std::vector<Number> cell_nodes;        ///< those of the first cell, of the second, ...
+  std::vector<std::int64_t> first_node;  ///< of the cells in cell_nodes, and the end; empty where
+                                         ///< all cells are triangles
+  std::vector<Number> left, right;       ///< cells of the edges; right: -1 without one
+  std::vector<Number> node1, node2;      ///< of the edges; the normal is to the right of 1 to 2
+  std::vector<Boundary> boundaries;      ///< in the order of their edges; all others are interior
+
+  Number n_nodes() const { return static_cast<Number>(x.size()); }
+  Number n_cells() const {
+    const std::size_t count = first_node.empty() ? cell_nodes.size() / 3 : first_node.size() - 1;
+    return static_cast<Number>(count);
+  }
+  Number n_edges() const { return static_cast<Number>(left.size()); }
+
+  std::span<const Number> nodes_of(Number cell) const {
+    if (first_node.empty()) return {cell_nodes.data() + 3 * at(cell), 3};
+    const auto begin = static_cast<std::size_t>(first_node[at(cell)]);
+    return {cell_nodes.data() + begin, static_cast<std::size_t>(first_node[at(cell) + 1]) - begin};
+  }
+  physics::PlanPoint plan_node(Number node) const { return {x[at(node)], y[at(node)]}; }
+
+  void add_cell(std::span<const Number> nodes);
+  /// Mean of the vertices, m.
+  physics::SpacePoint center_of(Number cell) const;
+  CellGeometry geometry_of(Number cell) const;
+  /// Area from differences of coordinates, without what rounding takes from it, m2.
+  double accurate_area_of(Number cell) const;
+  physics::Edge edge_of(Number edge) const {
+    return physics::edge_between(plan_node(node1[at(edge)]), plan_node(node2[at(edge)]));
+  }
+  /// The boundary condition on an edge; null on an interior one.
+  const Boundary* boundary_on(Number edge) const;
+};
+
+}  // namespace cases

@@ -1,0 +1,69 @@
+// The flow of a run: its steps and its states, whatever computes them.
+#pragma once
+
+#include <span>
+
+#include "case/Mesh.hpp"
+#include "fields/Field.hpp"
+#include "physics/flow_extremes.hpp"
+
+namespace fields {
+
+/// Clock of a step: time and span of the run, and the step, s.
+struct StepTimes {
+  double t, t_start, t_end, dt;
+};
+
+/// What entered through a boundary edge in a step, m3/s of water and of bed.
+struct BoundaryInflow {
+  double water = 0.0, bed = 0.0;
+};
+
+/// What becomes of the water and the bed of a cell without showing in its state, summed since the
+/// steps are watched, m.
+struct UnseenDepth {
+  double recovered = 0.0;  ///< lost by the soil as it recovered
+  double lifted = 0.0;     ///< sediment that the limit at the bed rock created
+};
+
+/// What the steps run on: the name of the path, its threads, and its instruction set.
+struct ExecutionPath {
+  const char* name;
+  int threads;
+  const char* instruction_set;
+};
+
+/// What the states of all cells are like at one time.
+struct FlowSurvey {
+  long wet_cells = 0;
+  double largest_speed = 0.0;  ///< m/s
+  long not_finite = 0;         ///< cells whose depth or discharge is infinite or not a number
+  int a_cell_not_finite = -1;  ///< the one nearest to the middle of them
+};
+
+/// Cells and boundaries are named by their numbers in the case.
+class Flow {
+ public:
+  virtual ~Flow() = default;
+
+  /// Stable step of the present states before the Courant factor, s.
+  virtual double stable_step() = 0;
+  /// Advances all cells by a step; the stable step of the new states, s.
+  virtual double advance(const StepTimes& times) = 0;
+
+  /// The present values of a field: of all cells in their order, or of those given.
+  virtual void read(Field field, std::span<double> values) const = 0;
+  virtual void read(Field field, std::span<const cases::Number> cells,
+                    std::span<double> values) const = 0;
+  virtual FlowSurvey survey() const = 0;
+  virtual ExecutionPath execution_path() const = 0;
+
+  /// From now on every step takes notes for a report. To be called before the first step.
+  virtual void watch() = 0;
+  virtual const physics::StepNotes& notes() const = 0;
+  virtual UnseenDepth unseen_depth(cases::Number cell) const = 0;
+  /// By its number in the boundaries of the mesh.
+  virtual BoundaryInflow boundary_inflow(int boundary) const = 0;
+};
+
+}  // namespace fields
