@@ -56,6 +56,25 @@ struct SedimentParameters {
   double porosity = 0.0;
 };
 
+/// Points at which the flow is recorded.
+struct GaugeRequest {
+  std::string result;  ///< file, in the folder of the results
+  double interval;     ///< s
+  std::vector<physics::PlanPoint> points;
+};
+
+/// Lines of edges through which the discharge is recorded.
+struct SectionRequest {
+  std::string result;  ///< file, in the working directory
+  double interval;     ///< s
+  std::vector<std::vector<Number>> sections;
+};
+
+/// Times at which the whole flow is written, in the order of their file.
+struct SnapshotRequest {
+  std::vector<double> times;  ///< s
+};
+
 struct Case {
   bool has_sediments = false;         ///< the model with an erodible bed
   double t_start = 0.0, t_end = 0.0;  ///< s
