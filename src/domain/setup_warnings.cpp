@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "case/plausibility.hpp"
 #include "domain/Domain.hpp"
-#include "domain/plausibility.hpp"
 #include "globals/Globals.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"

@@ -1,8 +1,8 @@
 // Set-up of rain and infiltration.
 #include <iostream>
 
+#include "case/plausibility.hpp"
 #include "domain/Domain.hpp"
-#include "domain/plausibility.hpp"
 #include "globals/Globals.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
@@ -24,7 +24,7 @@ void add_all(utils::RepeatedWarning& warnings, const plausibility::Remarks& rema
 
 std::unique_ptr<SourceTerm> read_green_ampt(utils::TextScanner& file, const std::string& path,
                                             int id, utils::RepeatedWarning& warnings) {
-  plausibility::GreenAmptParameters soil{};
+  cases::GreenAmptParameters soil{};
   soil.Ks = file.read_number("hydraulic conductivity Ks");
   soil.psi = file.read_number("suction head psi");
   soil.theta_i = file.read_number("initial moisture content theta_i");
@@ -38,7 +38,7 @@ std::unique_ptr<SourceTerm> read_green_ampt(utils::TextScanner& file, const std:
 
 std::unique_ptr<SourceTerm> read_horton(utils::TextScanner& file, const std::string& path, int id,
                                         utils::RepeatedWarning& warnings) {
-  plausibility::HortonParameters soil{};
+  cases::HortonParameters soil{};
   soil.f0 = file.read_number("initial capacity f0");
   soil.fc = file.read_number("final capacity fc");
   soil.k = file.read_number("decay coefficient k");

@@ -5,7 +5,7 @@
 #include <map>
 #include <tuple>
 
-#include "domain/plausibility.hpp"
+#include "case/plausibility.hpp"
 #include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"

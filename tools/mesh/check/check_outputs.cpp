@@ -7,8 +7,8 @@
 #include <limits>
 #include <set>
 
+#include "case/plausibility.hpp"
 #include "domain/PointLocator.hpp"
-#include "domain/plausibility.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/known_keys.hpp"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "domain/plausibility.hpp"
+#include "case/plausibility.hpp"
 #include "mesh/check/numbers.hpp"
 
 namespace tools::check {
@@ -93,11 +93,10 @@ void check_soils(const DataFile& data, const CaseFields& fields, const std::vect
     findings.add_remarks(
         "infiltration",
         soil.type == "GreenAmpt"
-            ? plausibility::on_soil(
-                  *data.infiltration, soil.id,
-                  plausibility::GreenAmptParameters{p[0], p[1], p[2], p[3], p[4], p[5]})
+            ? plausibility::on_soil(*data.infiltration, soil.id,
+                                    cases::GreenAmptParameters{p[0], p[1], p[2], p[3], p[4], p[5]})
             : plausibility::on_soil(*data.infiltration, soil.id,
-                                    plausibility::HortonParameters{p[0], p[1], p[2], p[3], p[4]}));
+                                    cases::HortonParameters{p[0], p[1], p[2], p[3], p[4]}));
   }
   if (fields.infiltrated.empty()) return;
   findings.add_remarks("infiltration", plausibility::on_initial_infiltration(

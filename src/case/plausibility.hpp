@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "case/Case.hpp"
+
 namespace plausibility {
 
 using Remark = std::optional<std::string>;  ///< empty: nothing is wrong
@@ -51,16 +53,9 @@ Remark on_friction(const std::string& file, const std::vector<double>& coefficie
 Remarks on_hyetogram(const std::string& file, int id, int step,
                      const std::vector<double>& intensities);
 
-/// Parameters in the order of the soils file; units as there.
-struct GreenAmptParameters {
-  double Ks, psi, theta_i, theta_s, L, kr;
-};
-struct HortonParameters {
-  double f0, fc, k, Fmax, kr;
-};
 /// A soil of the soils file.
-Remarks on_soil(const std::string& file, int id, const GreenAmptParameters& soil);
-Remarks on_soil(const std::string& file, int id, const HortonParameters& soil);
+Remarks on_soil(const std::string& file, int id, const cases::GreenAmptParameters& soil);
+Remarks on_soil(const std::string& file, int id, const cases::HortonParameters& soil);
 /// The file of infiltrated depths at the start, m.
 Remarks on_initial_infiltration(const std::string& file, const std::vector<double>& depths);
 

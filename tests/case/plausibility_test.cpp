@@ -1,10 +1,8 @@
-#include "domain/plausibility.hpp"
+#include "case/plausibility.hpp"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-
-#include "domain/column_survey.hpp"
 
 namespace {
 
@@ -18,8 +16,8 @@ TEST(Plausibility, SaysNothingAboutWhatIsUsual) {
   EXPECT_FALSE(on_interval("it", 1e-9));
   EXPECT_FALSE(on_friction("f", {0.0, 0.005, 0.03, 1.0}));
   EXPECT_TRUE(on_hyetogram("f", 1, 0, {0.0, 1e-5}).empty());
-  EXPECT_TRUE(on_soil("f", 1, GreenAmptParameters{1e-6, 0.1, 0.2, 0.4, 1.0, 0.0}).empty());
-  EXPECT_TRUE(on_soil("f", 1, HortonParameters{1e-5, 1e-6, 1.0, 0.5, -1.0}).empty());
+  EXPECT_TRUE(on_soil("f", 1, cases::GreenAmptParameters{1e-6, 0.1, 0.2, 0.4, 1.0, 0.0}).empty());
+  EXPECT_TRUE(on_soil("f", 1, cases::HortonParameters{1e-5, 1e-6, 1.0, 0.5, -1.0}).empty());
   EXPECT_TRUE(on_initial_infiltration("f", {0.0, 1.0}).empty());
   EXPECT_FALSE(on_outflow("it", 0.1, 1.0, 0.001));
   EXPECT_FALSE(on_outflow("it", -0.1, 0.0, 0.001));
@@ -36,30 +34,6 @@ TEST(Plausibility, RemarksOnWhatIsNoNumber) {
 TEST(Plausibility, EndsAQuestionWithItsOwnMark) {
   EXPECT_EQ(sentence("it is wrong"), "it is wrong.");
   EXPECT_EQ(sentence("is it right?"), "is it right?");
-}
-
-TEST(ColumnSurvey, TakesRoundingForZero) {
-  ColumnSurvey survey;
-  survey.add(0, -1e-9, 1.0);
-  survey.add(1, 2.0, 0.5);
-  EXPECT_EQ(survey.below_zero, 0);
-  EXPECT_EQ(survey.held, 1.0);
-  survey.add(2, -1e-3, 2.0);
-  survey.add(3, -2e-3, 2.0);
-  EXPECT_EQ(survey.below_zero, 2);
-  EXPECT_DOUBLE_EQ(survey.deficit, 6e-3);
-  EXPECT_EQ(survey.lowest, -2e-3);
-  EXPECT_EQ(survey.lowest_cell, 3);
-}
-
-TEST(ColumnSurvey, CountsWhatIsNoNumberAndKeepsItOutOfTheSums) {
-  ColumnSurvey survey;
-  survey.add(4, std::nan(""), 1.0);
-  survey.add(5, -HUGE_VAL, 1.0);
-  EXPECT_EQ(survey.not_finite, 2);
-  EXPECT_EQ(survey.not_finite_cell, 4);
-  EXPECT_EQ(survey.below_zero, 0);
-  EXPECT_EQ(survey.deficit, 0.0);
 }
 
 }  // namespace

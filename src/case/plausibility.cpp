@@ -1,4 +1,4 @@
-#include "domain/plausibility.hpp"
+#include "case/plausibility.hpp"
 
 #include <algorithm>
 
@@ -117,7 +117,7 @@ Remarks on_hyetogram(const std::string& file, int id, int step,
   return remarks;
 }
 
-Remarks on_soil(const std::string& file, int id, const GreenAmptParameters& soil) {
+Remarks on_soil(const std::string& file, int id, const cases::GreenAmptParameters& soil) {
   const std::string name = soil_name(file, id);
   constexpr double largest_suction = 10.0;  // m
   Remarks remarks;
@@ -142,7 +142,7 @@ Remarks on_soil(const std::string& file, int id, const GreenAmptParameters& soil
   return remarks;
 }
 
-Remarks on_soil(const std::string& file, int id, const HortonParameters& soil) {
+Remarks on_soil(const std::string& file, int id, const cases::HortonParameters& soil) {
   const std::string name = soil_name(file, id);
   Remarks remarks;
   check_capacity(remarks, name + "f0", soil.f0);
