@@ -12,12 +12,11 @@
 #include "case/EndAtFirstError.hpp"
 #include "domain/PointLocator.hpp"
 #include "domain/Progress.hpp"
-#include "model/PhysicalModel.hpp"
+#include "model/build_objects.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
 #include "report/PhaseClock.hpp"
-#include "sources/RainTerm.hpp"
 
 class RunReport;
 namespace utils {
@@ -56,20 +55,19 @@ class Domain {
   // Set-up.
   void read_data_file(const std::string& dataFile);
   void take_values(const utils::DataFileReader& reader);
-  void create_model();
+  void report_model() const;
   void read_mesh();
-  void allocate_snapshot();
   void read_cell_fields();
   void report_and_check_sediments() const;
-  void set_source_terms();
-  void read_hyetograms(const std::string& path);
-  void read_infiltration(const std::string& path);
+  void read_source_terms();
+  void create_model();
+  void allocate_snapshot();
   void set_outputs();
   void set_other_parameters();
   void warn_of_implausible_input() const;
   void warn_of_implausible_fields() const;
   void warn_of_outflows() const;
-  bool has_sediments() const { return model_name == "Bramsett"; }
+  bool has_sediments() const { return case_.has_sediments; }
 
   // Time loop.
   void begin_watching();
@@ -104,7 +102,8 @@ class Domain {
   std::string friction_file;
   std::string fixed_bed_level_file, sediments_level_file;
   std::string model_name = "Undefined";
-  std::unique_ptr<PhysicalModel> model;
+  ModelObjects objects_;
+  PhysicalModel* model = nullptr;    ///< of objects_
   double dt_enveloppe = 0.0;         ///< s
   double next_enveloppe_time = 0.0;  ///< s
   double dt_threshold = 1e-08;       ///< smallest acceptable time step, s
@@ -130,6 +129,4 @@ class Domain {
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;
   std::unique_ptr<CMonitorSection> monitor_section;
-  std::vector<std::unique_ptr<RainTerm>> hyetograms;
-  std::vector<std::unique_ptr<SourceTerm>> infiltrations;
 };

@@ -2,7 +2,6 @@
 #include "case/read_mesh.hpp"
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
-#include "model/build_objects.hpp"
 #include "utils/files.hpp"
 
 void Domain::read_mesh() {
@@ -21,14 +20,4 @@ void Domain::read_mesh() {
   cases::read_edges(edges_file, flux_scheme, case_, diagnostics_);
   log << "   Number of interfaces created: " << case_.mesh.n_edges() << '\n';
   utils::print_delimitator(log);
-
-  build_mesh(*model, case_);
-  umax_buffer.assign(model->cells.size(), 0.0);
-  if (is_pictures) allocate_snapshot();
-}
-
-void Domain::allocate_snapshot() {
-  const bool has_infiltrated_depth = is_infiltration || is_initial_infiltration;
-  const std::size_t hydrodynamic_columns = has_infiltrated_depth ? 4 : 3;
-  model->cell_value_rows.allocate(model->cells.size(), has_sediments() ? 7 : hydrodynamic_columns);
 }

@@ -19,17 +19,17 @@ void refuse_or_warn(bool has_sediment, const std::string& message) {
   utils::warn(message);
 }
 
-void check_parameters(bool has_sediment) {
-  const double porosity = Globals_Sed::g_sedimentsPorosity;
+void check_parameters(const cases::SedimentParameters& sediment, bool has_sediment) {
+  const double porosity = sediment.porosity;
   if (!(porosity >= 0.0 && porosity < 1.0)) {
     utils::fatal("Error. " + value_of("sediments porosity", porosity) +
                  ", expected a number from 0 to less than 1.\n");
   }
-  if (!(Globals_Sed::g_d50 > 0.0)) {
-    refuse_or_warn(has_sediment, value_of("sediments mean grain diameter", Globals_Sed::g_d50) +
+  if (!(sediment.d50 > 0.0)) {
+    refuse_or_warn(has_sediment, value_of("sediments mean grain diameter", sediment.d50) +
                                      " m, expected a positive diameter.");
   }
-  const double density = Globals_Sed::g_sedimentsDensity;
+  const double density = sediment.density;
   if (!(density > 1.0)) {
     refuse_or_warn(has_sediment, value_of("sediments density", density) +
                                      ", expected more than 1: it is relative to water.");
@@ -43,19 +43,20 @@ void check_parameters(bool has_sediment) {
 }  // namespace
 
 void Domain::report_and_check_sediments() const {
+  const cases::SedimentParameters& sediment = case_.sediment;
   // Intended: the units after density and friction coefficient are those that readers of the log
   // expect.
   Globals::spyFile << "Sediment transport parameters: \n"
-                   << "  Sediments mean grain diameter: " << Globals_Sed::g_d50 << " m\t\n"
-                   << "  Sediments density: " << Globals_Sed::g_sedimentsDensity << " s\t\n"
-                   << "  Sediments friction coefficient: " << Globals_Sed::g_sedimentsManning
-                   << " s\t\n"
-                   << "  Sediments porosity: " << Globals_Sed::g_sedimentsPorosity << '\n';
+                   << "  Sediments mean grain diameter: " << sediment.d50 << " m\t\n"
+                   << "  Sediments density: " << sediment.density << " s\t\n"
+                   << "  Sediments friction coefficient: " << sediment.manning << " s\t\n"
+                   << "  Sediments porosity: " << sediment.porosity << '\n';
 
-  const bool has_sediment = std::any_of(model->cells.begin(), model->cells.end(),
-                                        [](const auto& cell) { return cell->U.hs > 0.0; });
-  check_parameters(has_sediment);
-  if (has_sediment && !is_friction) {
+  const std::vector<double>& thickness = case_.fields.sediment;
+  const bool has_sediment =
+      std::any_of(thickness.begin(), thickness.end(), [](double hs) { return hs > 0.0; });
+  check_parameters(sediment, has_sediment);
+  if (has_sediment && case_.fields.manning.empty()) {
     utils::warn("the bed is mobile, but there is no friction file: no transport can occur.");
   }
 }

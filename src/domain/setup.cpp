@@ -2,11 +2,11 @@
 #include <filesystem>
 #include <map>
 
+#include "case/initial_state.hpp"
+#include "case/read_fields.hpp"
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "globals/WriterHandoff.hpp"
-#include "model/SWE.hpp"
-#include "model/SWE_Exner.hpp"
 #include "report/RunReport.hpp"
 #include "utils/DataFileReader.hpp"
 #include "utils/files.hpp"
@@ -36,10 +36,11 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
       << "  Courant-Friedrichs-Lewy (CFL) number: " << cfl << "\n";
   utils::print_delimitator(log);
 
-  create_model();
+  report_model();
   read_mesh();
   read_cell_fields();
-  set_source_terms();
+  read_source_terms();
+  create_model();
   set_outputs();
   set_other_parameters();
   warn_of_implausible_input();
@@ -63,15 +64,15 @@ void Domain::read_data_file(const std::string& dataFile) {
 
 void Domain::take_values(const utils::DataFileReader& reader) {
   simulation_name = reader.get_simulation_name();
-  Globals_Params::tStart = reader.get_start_time();
-  Globals_Params::tEnd = reader.get_end_time();
-  cfl = reader.get_CFL();
+  case_.t_start = Globals_Params::tStart = reader.get_start_time();
+  case_.t_end = Globals_Params::tEnd = reader.get_end_time();
+  case_.cfl = cfl = reader.get_CFL();
   nodes_file = reader.get_nodes_file();
   cells_file = reader.get_cells_file();
   edges_file = reader.get_edges_file();
   model_name = reader.get_model_name();
-  Constants::ZERO_DEPTH = reader.get_zero_depth_value();
-  case_.has_sediments = has_sediments();
+  case_.has_sediments = reader.is_sediments();
+  case_.zero_depth = Constants::ZERO_DEPTH = reader.get_zero_depth_value();
   const auto scheme = flux_schemes.find(reader.get_flux_scheme_name());
   if (scheme != flux_schemes.end()) flux_scheme = scheme->second;
 
@@ -93,15 +94,17 @@ void Domain::take_values(const utils::DataFileReader& reader) {
   }
   is_initial_infiltration = reader.is_initial_infiltration();
   if (is_initial_infiltration) initial_infiltration_file = reader.get_initial_infiltration_file();
+  case_.has_infiltration = is_infiltration || is_initial_infiltration;
 
   if (reader.is_sediments()) {
     is_sediments_level = reader.is_imposed_sediments_level();
     if (is_sediments_level) sediments_level_file = reader.get_sediments_level_file();
     if (reader.is_sediments_parameters()) {
-      Globals_Sed::g_d50 = reader.get_sediments_mean_grain();
-      Globals_Sed::g_sedimentsDensity = reader.get_sediments_density();
-      Globals_Sed::g_sedimentsManning = reader.get_sediments_friction();
-      Globals_Sed::g_sedimentsPorosity = reader.get_sediments_porosity();
+      cases::SedimentParameters& sediment = case_.sediment;
+      sediment.d50 = Globals_Sed::g_d50 = reader.get_sediments_mean_grain();
+      sediment.density = Globals_Sed::g_sedimentsDensity = reader.get_sediments_density();
+      sediment.manning = Globals_Sed::g_sedimentsManning = reader.get_sediments_friction();
+      sediment.porosity = Globals_Sed::g_sedimentsPorosity = reader.get_sediments_porosity();
     }
   }
 
@@ -115,48 +118,60 @@ void Domain::take_values(const utils::DataFileReader& reader) {
   if (is_discharges) discharge_file = reader.get_discharge_file();
 }
 
-void Domain::create_model() {
+void Domain::report_model() const {
   std::ostream& log = Globals::spyFile;
   log << "Parameters of the computational method: \n";
-  if (model_name == "Quillmere") {
+  const bool is_hydrodynamic = model_name == "Quillmere";
+  if (is_hydrodynamic) {
     log << "  Shallow-water equations - hydrodynamic\n";
-    model = std::make_unique<SWE>();
   } else if (has_sediments()) {
     log << "  Shallow-water/Exner equations - with sediments\n";
-    model = std::make_unique<SWE_Exner>();
   } else {
     // Intended: the text announces a fall-back, but no model is built and the run ends.
     utils::write_and_display(log, "\n    Physical model code " + model_name +
                                       " does not exist!\n    Fall-back to SWE.\n");
   }
   utils::print_delimitator(log);
-  if (!model) utils::fatal("Physical model not recognized\n");
+  if (!is_hydrodynamic && !has_sediments()) utils::fatal("Physical model not recognized\n");
 }
 
 void Domain::read_cell_fields() {
   std::ostream& log = Globals::spyFile;
   log << "Setting bed level, friction, initial conditions and model parameters\n";
-  // The depth is counted from the bed, so bed and sediments come before the initial conditions.
+  const cases::Number n_cells = case_.mesh.n_cells();
   if (is_fixed_bed_level) {
     utils::TextScanner file(fixed_bed_level_file);
-    model->setFixedBedLevel(file);
+    cases::read_bed(file, n_cells, case_.fields);
     log << "  Fixed bed level (zbr) set from: " << fixed_bed_level_file << '\n';
   }
   if (has_sediments() && is_sediments_level) {
     utils::TextScanner file(sediments_level_file);
-    model->setSedimentsLevel(file);
+    cases::read_sediment(file, n_cells, case_.fields);
     log << "  Sediment level set from: " << sediments_level_file << '\n';
   }
   if (is_friction) {
     utils::TextScanner file(friction_file);
-    model->setFriction(file);
+    cases::read_manning(file, n_cells, case_.fields);
     log << "  Friction parameters set from: " << friction_file << '\n';
   }
   utils::TextScanner file(initial_conditions_file);
-  model->setHydrodynamicConditions(file);
+  cases::read_initial_state(file, n_cells, case_.fields);
   log << "  Hydrodynamic initial conditions read from: " << initial_conditions_file << '\n';
   if (has_sediments()) report_and_check_sediments();
   utils::print_delimitator(log);
+}
+
+void Domain::create_model() {
+  objects_ = build_objects(case_);
+  model = objects_.model.get();
+  umax_buffer.assign(cases::at(case_.mesh.n_cells()), 0.0);
+  if (is_pictures) allocate_snapshot();
+}
+
+void Domain::allocate_snapshot() {
+  const std::size_t hydrodynamic_columns = case_.has_infiltration ? 4 : 3;
+  model->cell_value_rows.allocate(cases::at(case_.mesh.n_cells()),
+                                  has_sediments() ? 7 : hydrodynamic_columns);
 }
 
 void Domain::set_outputs() {
@@ -201,11 +216,11 @@ void Domain::set_outputs() {
 void Domain::set_other_parameters() {
   std::ostream& log = Globals::spyFile;
   log << "Other parameters:\n";
-  model->findH0();
-  model->calculateCharLengthMin();
-  log << "  Largest initial water depth (h0): " << model->h0 << '\n'
-      << "  Minimal characteristic length in a cell (min dx): " << model->char_length_min << '\n'
-      << "  ZERO depth: " << Constants::ZERO_DEPTH << '\n';
+  case_.h0 = cases::largest_initial_depth(case_);
+  case_.char_length_min = cases::smallest_char_length(case_.mesh);
+  log << "  Largest initial water depth (h0): " << case_.h0 << '\n'
+      << "  Minimal characteristic length in a cell (min dx): " << case_.char_length_min << '\n'
+      << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
   model->compile();
 }

@@ -100,7 +100,7 @@ void Domain::fire_outputs() {
     if (section_due) model->publish(monitor_section->watched_cells());
   }
   if (gauge_due) gauge->WriteMeasure();
-  if (picture_due) picture->WriteMeasure(model.get());
+  if (picture_due) picture->WriteMeasure(model);
   if (section_due) monitor_section->WriteMeasure();
   if (enveloppe_due) write_enveloppe();
 }

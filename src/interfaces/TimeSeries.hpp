@@ -5,12 +5,17 @@
 #include <string>
 #include <vector>
 
+#include "case/Case.hpp"
+
 class TimeSeries {
  public:
   /// Reads the number of samples and the samples (time in s, value). At least two samples with
   /// strictly increasing times, or the run ends with a message.
   explicit TimeSeries(const std::string& file);
+  explicit TimeSeries(const cases::Series& series);
 
+  /// A series that has been read: from_file() answers it for its file as long as it lives.
+  static std::shared_ptr<const TimeSeries> share(const cases::Series& series);
   /// The series of a file; edges that name the same file share it.
   static std::shared_ptr<const TimeSeries> from_file(const std::string& file);
 

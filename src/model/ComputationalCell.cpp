@@ -7,6 +7,7 @@
 #include "interfaces/GenericInterface.hpp"
 #include "physics/cell_geometry.hpp"
 #include "physics/cell_update.hpp"
+#include "physics/initial_water.hpp"
 #include "physics/stable_step.hpp"
 #include "sources/SourceTerm.hpp"
 
@@ -89,12 +90,9 @@ void ComputationalCell::set_local_index_to_edges() {
 
 void ComputationalCell::set_hydrodynamic_values(double zs, double qx, double qy) {
   free_surface_level = zs;
-  const double h = std::max(zs - bed_level, 0.0);
-  if (h < Constants::ZERO_DEPTH) {
-    U.set_values(h, 0.0, 0.0);  // a film of water is kept, its discharges are not
-  } else {
-    U.set_values(h, qx, qy);
-  }
+  const physics::InitialWater water =
+      physics::initial_water(zs, bed_level, qx, qy, Constants::ZERO_DEPTH);
+  U.set_values(water.h, water.qx, water.qy);
 }
 
 void ComputationalCell::set_bed_rock_level(double z) {

@@ -22,13 +22,6 @@ void SWE_Exner::setSedimentsParam(utils::TextScanner& file) {
   Globals_Sed::g_sedimentsPorosity = file.read_number("porosity");
 }
 
-void SWE_Exner::setSedimentsLevel(utils::TextScanner& file) {
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    cells[static_cast<std::size_t>(k)]->set_hs(file.read_number("sediment thickness"));
-  }
-}
-
 void SWE_Exner::build_interface(int scheme, int edge, int left, int right, const MeshNode& node1,
                                 const MeshNode& node2, int bc, double value, const std::string&) {
   ComputationalCell* const L = cells[static_cast<std::size_t>(left)].get();

@@ -1,59 +1,77 @@
-// The per-cell files of a model: one record per cell, in the order of the cells file.
-#include <iostream>
-#include <map>
+#include "model/cell_fields.hpp"
 
-#include "model/PhysicalModel.hpp"
-#include "utils/stop.hpp"
+#include "case/read_fields.hpp"
+#include "model/SWE_Exner.hpp"
+
+void set_bed(PhysicalModel& model, const std::vector<double>& level) {
+  for (std::size_t i = 0; i < level.size(); ++i) model.cells[i]->set_bed_rock_level(level[i]);
+}
+
+void set_sediment(PhysicalModel& model, const std::vector<double>& thickness) {
+  for (std::size_t i = 0; i < thickness.size(); ++i) model.cells[i]->set_hs(thickness[i]);
+}
+
+void set_manning(PhysicalModel& model, const std::vector<double>& manning) {
+  for (std::size_t i = 0; i < manning.size(); ++i) {
+    model.cells[i]->set_friction(manning[i]);
+    model.cells[i]->add_source_term(&model.friction_terms.emplace_back(manning[i]));
+  }
+}
+
+void set_initial_state(PhysicalModel& model, const cases::CellFields& fields) {
+  for (std::size_t i = 0; i < fields.level.size(); ++i) {
+    model.cells[i]->set_hydrodynamic_values(fields.level[i], fields.qx[i], fields.qy[i]);
+  }
+}
+
+void attach_terms(PhysicalModel& model, const std::vector<int>& numbers,
+                  const std::vector<SourceTerm*>& terms) {
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    if (numbers[i] >= 0) model.cells[i]->add_source_term(terms[cases::at(numbers[i])]);
+  }
+}
+
+void set_infiltrated(PhysicalModel& model, const std::vector<double>& depth) {
+  for (std::size_t i = 0; i < depth.size(); ++i) {
+    model.cells[i]->param.infiltrated_depth = depth[i];
+  }
+}
+
+// The same from an open file, for a model built by hand.
 
 void PhysicalModel::setFixedBedLevel(utils::TextScanner& file) {
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    cells[static_cast<std::size_t>(k)]->set_bed_rock_level(file.read_number("bed level"));
-  }
+  cases::CellFields fields;
+  cases::read_bed(file, n_cells, fields);
+  set_bed(*this, fields.bed);
+}
+
+void SWE_Exner::setSedimentsLevel(utils::TextScanner& file) {
+  cases::CellFields fields;
+  cases::read_sediment(file, n_cells, fields);
+  set_sediment(*this, fields.sediment);
 }
 
 void PhysicalModel::setFriction(utils::TextScanner& file) {
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    const double n = file.read_number("Manning coefficient");
-    ComputationalCell& cell = *cells[static_cast<std::size_t>(k)];
-    cell.set_friction(n);
-    cell.add_source_term(&friction_terms.emplace_back(n));
-  }
+  cases::CellFields fields;
+  cases::read_manning(file, n_cells, fields);
+  set_manning(*this, fields.manning);
 }
 
 void PhysicalModel::setHydrodynamicConditions(utils::TextScanner& file) {
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    const double zs = file.read_number("free-surface level");
-    const double qx = file.read_number("unit discharge qx");
-    const double qy = file.read_number("unit discharge qy");
-    cells[static_cast<std::size_t>(k)]->set_hydrodynamic_values(zs, qx, qy);
-  }
+  cases::CellFields fields;
+  cases::read_initial_state(file, n_cells, fields);
+  set_initial_state(*this, fields);
 }
 
 void PhysicalModel::set_source_term_by_ID(utils::TextScanner& file,
                                           const std::vector<SourceTerm*>& terms) {
-  constexpr int no_term = -1;
-  std::map<int, SourceTerm*> by_id;
-  for (SourceTerm* term : terms) by_id[term->getID()] = term;  // of two alike, the later counts
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    const int id = file.read_integer("source term ID");
-    if (id == no_term) continue;
-    const auto found = by_id.find(id);
-    if (found == by_id.end()) {
-      std::cout << "Error: source term ID " << id << " not found" << std::endl;
-      utils::stop(1);
-    }
-    cells[static_cast<std::size_t>(k)]->add_source_term(found->second);
-  }
+  std::vector<int> ids;
+  for (const SourceTerm* term : terms) ids.push_back(term->getID());
+  attach_terms(*this, cases::read_terms(file, n_cells, ids, cases::end_at_unknown_term), terms);
 }
 
 void PhysicalModel::set_initial_infiltration(utils::TextScanner& file) {
-  for (int k = 0; k < n_cells; ++k) {
-    file.begin_record("cell", k, n_cells);
-    cells[static_cast<std::size_t>(k)]->param.infiltrated_depth =
-        file.read_number("infiltrated depth");
-  }
+  cases::CellFields fields;
+  cases::read_infiltrated(file, n_cells, fields);
+  set_infiltrated(*this, fields.infiltrated);
 }

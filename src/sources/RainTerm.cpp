@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "case/read_rain.hpp"
 #include "globals/Globals.hpp"
 
 RainTerm::RainTerm(int id, int count, int dts)
@@ -10,10 +11,7 @@ RainTerm::RainTerm(int id, int count, int dts)
       intensities(static_cast<std::size_t>(count)) {}
 
 void RainTerm::read_hyetogram(utils::TextScanner& file, int count) {
-  for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    times[i] = file.read_number("start time of an interval");
-    intensities[i] = file.read_number("intensity");
-  }
+  cases::read_intervals(file, count, times, intensities);
 }
 
 bool RainTerm::is_in_order() const { return std::is_sorted(times.begin(), times.end()); }

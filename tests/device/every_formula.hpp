@@ -21,6 +21,7 @@
 #include "physics/friction_manning.hpp"
 #include "physics/hll_water.hpp"
 #include "physics/infiltration.hpp"
+#include "physics/initial_water.hpp"
 #include "physics/pointwise.hpp"
 #include "physics/rain.hpp"
 #include "physics/section_discharge.hpp"
@@ -271,6 +272,16 @@ QM_HD inline void add_geometry(Results& results, Random& random) {
   add(results, physics::area_loss(area, accurate));
 }
 
+QM_HD inline void add_initial_water(Results& results, Random& random) {
+  const double level = uniform(random, -1.0, 2.0);
+  const double bed = level + uniform(random, -2.0 * zero_depth, zero_depth);
+  const physics::InitialWater water =
+      physics::initial_water(level, bed, uniform(random, -1.0, 1.0), 0.5, zero_depth);
+  add(results, water.h);
+  add(results, water.qx);
+  add(results, water.qy);
+}
+
 /// Every formula on the state of that number.
 QM_HD inline Results every_formula(std::uint64_t number) {
   Results results = {};
@@ -284,6 +295,7 @@ QM_HD inline Results every_formula(std::uint64_t number) {
   add_soils(results, random, water.h);
   add_update(results, random, water, bed);
   add_geometry(results, random);
+  add_initial_water(results, random);
   return results;
 }
 

@@ -56,6 +56,16 @@ TEST_F(TimeSeriesTest, EdgesThatNameTheSameFileShareIt) {
   EXPECT_EQ(TimeSeries::from_file(other)->values.front(), 5.0);
 }
 
+TEST_F(TimeSeriesTest, ASeriesThatHasBeenReadIsSharedWhileItLives) {
+  const std::string file = write("2 0 1 10 2");
+  auto series = TimeSeries::share({file, {0.0, 5.0}, {3.0, 4.0}});
+  EXPECT_EQ(series, TimeSeries::from_file(file));
+  EXPECT_EQ(series->times, (std::vector<double>{0.0, 5.0}));
+  EXPECT_EQ(series->values, (std::vector<double>{3.0, 4.0}));
+  series.reset();
+  EXPECT_EQ(TimeSeries::from_file(file)->values, (std::vector<double>{1.0, 2.0}));
+}
+
 TEST_F(TimeSeriesTest, ARelativeNameIsThatOfTheWorkingDirectory) {
   namespace fs = std::filesystem;
   const fs::path before = fs::current_path();
