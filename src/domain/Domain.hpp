@@ -46,8 +46,8 @@ class Domain {
   void Update(const std::function<bool()>& goes_on);
   /// Steps computed so far.
   long number_of_steps() const { return steps; }
-  /// The cell that contains a point of the plane; null if there is none.
-  ComputationalCell* CellWithPoint(double x, double y) const;
+  /// Number of the cell that contains a point of the plane; -1 if there is none.
+  cases::Number CellWithPoint(double x, double y) const;
   /// Body of the envelope writer.
   void Write_Umax();
 

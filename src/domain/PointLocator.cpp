@@ -6,16 +6,8 @@
 
 namespace {
 
-/// Whether the point p lies in the triangle (center, a, b). Strict comparisons: a triangle that
-/// runs counter-clockwise accepts its inside only, one that runs clockwise its sides too.
-bool triangle_contains(const MeshNode& center, const MeshNode& node_a, const MeshNode& node_b,
-                       double x, double y) {
-  const MeshNode c(center.x - x, center.y - y, 0.0);
-  const MeshNode a(node_a.x - x, node_a.y - y, 0.0);
-  const MeshNode b(node_b.x - x, node_b.y - y, 0.0);
-  const int count = (a.x * b.y > b.x * a.y) + (c.x * a.y > a.x * c.y) + (b.x * c.y > c.x * b.y);
-  return count == 0 || count == 3;
-}
+using cases::Number;
+using physics::PlanPoint;
 
 // How far beyond its nodes a triangle can accept a point. Three comparisons that hold make the
 // point lie within the rectangle of its nodes, in spite of rounding: differences and products are
@@ -32,13 +24,6 @@ constexpr double answered_distance = 10.0;
 constexpr std::size_t most_entries_per_cell = 16;
 
 }  // namespace
-
-bool cell_contains(const ComputationalCell& cell, double x, double y) {
-  for (int j = 0; j < cell.number_of_nodes(); ++j) {
-    if (triangle_contains(cell.center, *cell.get_node(j), *cell.next_node(j), x, y)) return true;
-  }
-  return false;
-}
 
 void PointLocator::Box::include(const Box& box) {
   x_min = std::min(x_min, box.x_min);
@@ -64,9 +49,25 @@ void PointLocator::Grid::for_each_bin(const Box& touched, Visit visit) const {
   }
 }
 
-PointLocator::Box PointLocator::box_of(const ComputationalCell& cell) {
-  Box box = {cell.center.x, cell.center.y, cell.center.x, cell.center.y};
-  for (const MeshNode* node : cell.nodes) box.include({node->x, node->y, node->x, node->y});
+PlanPoint PointLocator::center_of(Number cell) const {
+  const physics::SpacePoint center = mesh_.center_of(cell);
+  return {center.x, center.y};
+}
+
+bool PointLocator::contains(Number cell, PlanPoint point) const {
+  const std::span<const Number> nodes = mesh_.nodes_of(cell);
+  return physics::cell_contains(
+      static_cast<int>(nodes.size()), center_of(cell),
+      [&](int i) { return mesh_.plan_node(nodes[cases::at(i)]); }, point);
+}
+
+PointLocator::Box PointLocator::box_of(Number cell) const {
+  const PlanPoint center = center_of(cell);
+  Box box = {center.x, center.y, center.x, center.y};
+  for (const Number number : mesh_.nodes_of(cell)) {
+    const PlanPoint node = mesh_.plan_node(number);
+    box.include({node.x, node.y, node.x, node.y});
+  }
   return box;
 }
 
@@ -80,13 +81,13 @@ PointLocator::Grid PointLocator::grid_over(const Box& box, std::size_t bins) {
   return {box, static_cast<std::size_t>(nx), static_cast<std::size_t>(ny), nx / width, ny / height};
 }
 
-PointLocator::PointLocator(const Cells& cells) : cells_(cells) {
-  if (cells_.empty()) return;
-  Box mesh = box_of(*cells_.front());
-  for (const auto& cell : cells_) mesh.include(box_of(*cell));
-  const double diameter = std::hypot(mesh.x_max - mesh.x_min, mesh.y_max - mesh.y_min);
+PointLocator::PointLocator(const cases::Mesh& mesh) : mesh_(mesh) {
+  if (mesh_.n_cells() == 0) return;
+  Box all = box_of(0);
+  for (Number cell = 0; cell < mesh_.n_cells(); ++cell) all.include(box_of(cell));
+  const double diameter = std::hypot(all.x_max - all.x_min, all.y_max - all.y_min);
   const double margin = answered_distance * diameter;
-  answered_ = {mesh.x_min - margin, mesh.y_min - margin, mesh.x_max + margin, mesh.y_max + margin};
+  answered_ = {all.x_min - margin, all.y_min - margin, all.x_max + margin, all.y_max + margin};
 
   // A cross product of two vectors of at most this length is wrong by six roundings at most: of its
   // four differences and its two products.
@@ -95,18 +96,19 @@ PointLocator::PointLocator(const Cells& cells) : cells_(cells) {
   fill_bins();
 }
 
-bool PointLocator::is_reliable(const ComputationalCell& cell) const {
-  const MeshNode& c = cell.center;
-  for (int j = 0; j < cell.number_of_nodes(); ++j) {
-    const MeshNode& a = *cell.get_node(j);
-    const MeshNode& b = *cell.next_node(j);
+bool PointLocator::is_reliable(Number cell) const {
+  const PlanPoint c = center_of(cell);
+  const std::span<const Number> nodes = mesh_.nodes_of(cell);
+  for (std::size_t j = 0; j < nodes.size(); ++j) {
+    const PlanPoint a = mesh_.plan_node(nodes[j]);
+    const PlanPoint b = mesh_.plan_node(nodes[j + 1 < nodes.size() ? j + 1 : 0]);
     const double twice_area = (a.x - c.x) * (b.y - c.y) - (b.x - c.x) * (a.y - c.y);
     if (!(std::fabs(twice_area) > smallest_area_in_errors * rounding_)) return false;
   }
   return true;
 }
 
-PointLocator::Box PointLocator::reach_of(const ComputationalCell& cell) const {
+PointLocator::Box PointLocator::reach_of(Number cell) const {
   const Box box = box_of(cell);
   const double dx = reach * (box.x_max - box.x_min);
   const double dy = reach * (box.y_max - box.y_min);
@@ -114,16 +116,11 @@ PointLocator::Box PointLocator::reach_of(const ComputationalCell& cell) const {
 }
 
 void PointLocator::fill_bins() {
-  std::vector<int> placed;
-  for (int i = 0; i < static_cast<int>(cells_.size()); ++i) {
-    (is_reliable(*cells_[static_cast<std::size_t>(i)]) ? placed : always_).push_back(i);
-  }
+  std::vector<Number> placed;
+  for (Number i = 0; i < mesh_.n_cells(); ++i) (is_reliable(i) ? placed : always_).push_back(i);
   if (placed.empty()) return;
-  const auto reach_of_number = [&](int i) {
-    return reach_of(*cells_[static_cast<std::size_t>(i)]);
-  };
-  Box all = reach_of_number(placed.front());
-  for (const int i : placed) all.include(reach_of_number(i));
+  Box all = reach_of(placed.front());
+  for (const Number i : placed) all.include(reach_of(i));
 
   // A mesh whose cells overlap may touch very many bins: then larger ones must do.
   std::size_t entries = 0;
@@ -132,8 +129,8 @@ void PointLocator::fill_bins() {
     entries = 0;
     bin_begins_.assign(grid_.nx * grid_.ny + 1, 0);
     const std::size_t limit = most_entries_per_cell * placed.size();
-    for (const int i : placed) {
-      const Box touched = reach_of_number(i);
+    for (const Number i : placed) {
+      const Box touched = reach_of(i);
       entries += (grid_.column(touched.x_max) - grid_.column(touched.x_min) + 1) *
                  (grid_.row(touched.y_max) - grid_.row(touched.y_min) + 1);
       if (entries > limit) break;
@@ -146,30 +143,27 @@ void PointLocator::fill_bins() {
   }
   in_bins_.resize(entries);
   std::vector<std::size_t> next(bin_begins_.begin(), bin_begins_.end() - 1);
-  for (const int i : placed) {
-    grid_.for_each_bin(reach_of_number(i), [&](std::size_t bin) { in_bins_[next[bin]++] = i; });
+  for (const Number i : placed) {
+    grid_.for_each_bin(reach_of(i), [&](std::size_t bin) { in_bins_[next[bin]++] = i; });
   }
 }
 
-ComputationalCell* PointLocator::cell_at(double x, double y) const {
-  const auto contains = [&](int i) {
-    return cell_contains(*cells_[static_cast<std::size_t>(i)], x, y);
-  };
-  const int none = static_cast<int>(cells_.size());
-  int found = none;
+Number PointLocator::cell_at(double x, double y) const {
+  const Number none = mesh_.n_cells();
+  Number found = none;
   if (!answered_.contains(x, y)) {
-    for (found = 0; found < none && !contains(found); ++found) {
+    for (found = 0; found < none && !contains(found, {x, y}); ++found) {
     }
   } else {
     if (!in_bins_.empty() && grid_.box.contains(x, y)) {
       const std::size_t bin = grid_.row(y) * grid_.nx + grid_.column(x);
       for (std::size_t k = bin_begins_[bin]; k < bin_begins_[bin + 1] && found == none; ++k) {
-        if (contains(in_bins_[k])) found = in_bins_[k];
+        if (contains(in_bins_[k], {x, y})) found = in_bins_[k];
       }
     }
     for (std::size_t k = 0; k < always_.size() && always_[k] < found; ++k) {
-      if (contains(always_[k])) found = always_[k];
+      if (contains(always_[k], {x, y})) found = always_[k];
     }
   }
-  return found == none ? nullptr : cells_[static_cast<std::size_t>(found)].get();
+  return found == none ? -1 : found;
 }

@@ -1,25 +1,19 @@
 // Which cell contains a point, for many points: a grid of bins over the plane.
 #pragma once
 
-#include <memory>
 #include <vector>
 
-#include "model/ComputationalCell.hpp"
-
-/// Whether one of the triangles (centre, node, next node) of the cell contains the point, m.
-bool cell_contains(const ComputationalCell& cell, double x, double y);
+#include "case/Mesh.hpp"
 
 /// Gives the same answer as trying the cells one after the other, rounding included.
 class PointLocator {
  public:
-  using Cells = std::vector<std::unique_ptr<ComputationalCell>>;
-
-  /// The cells must neither move nor change while the locator is in use.
-  explicit PointLocator(const Cells& cells);
+  /// The mesh must stay as it is while the locator is in use.
+  explicit PointLocator(const cases::Mesh& mesh);
 
   /// The first cell, in their order, with a triangle (centre, node, next node) that contains the
-  /// point; null if there is none.
-  ComputationalCell* cell_at(double x, double y) const;
+  /// point; -1 if there is none.
+  cases::Number cell_at(double x, double y) const;
 
  private:
   /// A rectangle in the plane, m.
@@ -42,17 +36,19 @@ class PointLocator {
     void for_each_bin(const Box& touched, Visit visit) const;
   };
 
-  static Box box_of(const ComputationalCell& cell);
+  physics::PlanPoint center_of(cases::Number cell) const;
+  bool contains(cases::Number cell, physics::PlanPoint point) const;
+  Box box_of(cases::Number cell) const;
   static Grid grid_over(const Box& box, std::size_t bins);
-  bool is_reliable(const ComputationalCell& cell) const;
-  Box reach_of(const ComputationalCell& cell) const;
+  bool is_reliable(cases::Number cell) const;
+  Box reach_of(cases::Number cell) const;
   void fill_bins();
 
-  const Cells& cells_;
-  Box answered_{};           ///< points outside are tried with every cell
-  double rounding_ = 0.0;    ///< bound of the error of a cross product, m2
-  std::vector<int> always_;  ///< cells that no bin can hold, tried for every point
+  const cases::Mesh& mesh_;
+  Box answered_{};                     ///< points outside are tried with every cell
+  double rounding_ = 0.0;              ///< bound of the error of a cross product, m2
+  std::vector<cases::Number> always_;  ///< cells that no bin can hold, tried for every point
   Grid grid_{};
-  std::vector<int> in_bins_;             ///< cells of the first bin, of the second, ...
+  std::vector<cases::Number> in_bins_;   ///< cells of the first bin, of the second, ...
   std::vector<std::size_t> bin_begins_;  ///< where each bin begins in in_bins_, and the end
 };

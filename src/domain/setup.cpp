@@ -189,7 +189,11 @@ void Domain::set_outputs() {
   if (is_gauges) {
     log << "positions read in " << gauges_file << '\n';
     gauge = std::make_unique<Gauge>(
-        gauges_file, [this](double x, double y) { return CellWithPoint(x, y); },
+        gauges_file,
+        [this](double x, double y) -> const ComputationalCell* {
+          const cases::Number cell = CellWithPoint(x, y);
+          return cell < 0 ? nullptr : model->cells[cases::at(cell)].get();
+        },
         Globals_Params::tStart);
     locator.reset();
   } else {
@@ -225,7 +229,7 @@ void Domain::set_other_parameters() {
   model->compile();
 }
 
-ComputationalCell* Domain::CellWithPoint(double x, double y) const {
-  if (!locator) locator = std::make_unique<PointLocator>(model->cells);
+cases::Number Domain::CellWithPoint(double x, double y) const {
+  if (!locator) locator = std::make_unique<PointLocator>(case_.mesh);
   return locator->cell_at(x, y);
 }

@@ -80,6 +80,25 @@ QM_HD double cell_area_of_differences(int n, const NodeAt& node_at) {
   return cell_area(n, {sum.x / n, sum.y / n}, difference_at);
 }
 
+/// Whether a point lies in the triangle (c, a, b). Strict comparisons: a triangle that runs
+/// counter-clockwise accepts its inside only, one that runs clockwise its sides too.
+QM_HD inline bool triangle_contains(PlanPoint c, PlanPoint a, PlanPoint b, PlanPoint point) {
+  c = {c.x - point.x, c.y - point.y};
+  a = {a.x - point.x, a.y - point.y};
+  b = {b.x - point.x, b.y - point.y};
+  const int count = (a.x * b.y > b.x * a.y) + (c.x * a.y > a.x * c.y) + (b.x * c.y > c.x * b.y);
+  return count == 0 || count == 3;
+}
+
+/// Whether one of the triangles (centre, node, next node) of a cell contains a point.
+template <class NodeAt>
+QM_HD bool cell_contains(int n, PlanPoint center, const NodeAt& node_at, PlanPoint point) {
+  for (int i = 0; i < n; ++i) {
+    if (triangle_contains(center, node_at(i), node_at(i + 1 < n ? i + 1 : 0), point)) return true;
+  }
+  return false;
+}
+
 /// Share of its area that a cell loses (or gains) by rounding.
 QM_HD inline double area_loss(double area, double accurate_area) {
   return area == accurate_area ? 0.0 : std::fabs(area - accurate_area) / accurate_area;

@@ -7,19 +7,24 @@
 #include <limits>
 #include <random>
 
-#include "model/CellSWE.hpp"
-
 namespace {
 
+using cases::Number;
+using physics::PlanPoint;
+
 /// The rule itself: cells one after the other, three strict comparisons for every triangle.
-int first_cell_around(const PointLocator::Cells& cells, double x, double y) {
-  for (const auto& cell : cells) {
-    for (int j = 0; j < cell->number_of_nodes(); ++j) {
-      const double cx = cell->center.x - x, cy = cell->center.y - y;
-      const double ax = cell->get_node(j)->x - x, ay = cell->get_node(j)->y - y;
-      const double bx = cell->next_node(j)->x - x, by = cell->next_node(j)->y - y;
+Number first_cell_around(const cases::Mesh& mesh, double x, double y) {
+  for (Number cell = 0; cell < mesh.n_cells(); ++cell) {
+    const auto nodes = mesh.nodes_of(cell);
+    const physics::SpacePoint center = mesh.center_of(cell);
+    for (std::size_t j = 0; j < nodes.size(); ++j) {
+      const PlanPoint a = mesh.plan_node(nodes[j]);
+      const PlanPoint b = mesh.plan_node(nodes[(j + 1) % nodes.size()]);
+      const double cx = center.x - x, cy = center.y - y;
+      const double ax = a.x - x, ay = a.y - y;
+      const double bx = b.x - x, by = b.y - y;
       const int count = (ax * by > bx * ay) + (cx * ay > ax * cy) + (bx * cy > cx * by);
-      if (count == 0 || count == 3) return cell->id;
+      if (count == 0 || count == 3) return cell;
     }
   }
   return -1;
@@ -27,62 +32,67 @@ int first_cell_around(const PointLocator::Cells& cells, double x, double y) {
 
 class PointLocatorTest : public testing::Test {
  protected:
-  void reserve_nodes(std::size_t n) { nodes.reserve(n); }  // cells point to them
-  const MeshNode* add_node(double x, double y) { return &nodes.emplace_back(x, y, 0.0); }
-  void add_cell(const std::vector<const MeshNode*>& vertices) {
-    cells.push_back(std::make_unique<CellSWE>(static_cast<int>(cells.size()), vertices));
+  Number add_node(double x, double y) {
+    mesh.x.push_back(x);
+    mesh.y.push_back(y);
+    mesh.z.push_back(0.0);
+    return mesh.n_nodes() - 1;
   }
+  void add_cell(const std::vector<Number>& nodes) { mesh.add_cell(nodes); }
 
   /// Squares with moved corners, whole or cut into triangles, running either way.
   void add_sheet(int n, double x0, double y0, double size) {
     std::uniform_real_distribution<double> shift(-0.3, 0.3);
-    const std::size_t first = nodes.size();
-    reserve_nodes(first + static_cast<std::size_t>((n + 1) * (n + 1)));
+    const Number first = mesh.n_nodes();
+    std::vector<std::vector<Number>> cells;
     for (int j = 0; j <= n; ++j) {
       for (int i = 0; i <= n; ++i) {
         add_node(x0 + size * (i + shift(random)), y0 + size * (j + shift(random)));
       }
     }
-    const auto node = [&](int i, int j) {
-      return &nodes[first + static_cast<std::size_t>(j * (n + 1) + i)];
-    };
+    const auto node = [&](int i, int j) { return first + j * (n + 1) + i; };
     for (int j = 0; j < n; ++j) {
       for (int i = 0; i < n; ++i) {
-        const MeshNode *sw = node(i, j), *se = node(i + 1, j), *nw = node(i, j + 1),
-                       *ne = node(i + 1, j + 1);
+        const Number sw = node(i, j), se = node(i + 1, j), nw = node(i, j + 1),
+                     ne = node(i + 1, j + 1);
         if (random() % 3 == 0) {
-          add_cell(random() % 2 == 0 ? std::vector{sw, se, ne, nw} : std::vector{nw, ne, se, sw});
+          cells.push_back(random() % 2 == 0 ? std::vector{sw, se, ne, nw}
+                                            : std::vector{nw, ne, se, sw});
         } else {
-          add_cell(random() % 2 == 0 ? std::vector{sw, se, ne} : std::vector{ne, se, sw});
-          add_cell(random() % 2 == 0 ? std::vector{sw, ne, nw} : std::vector{nw, ne, sw});
+          cells.push_back(random() % 2 == 0 ? std::vector{sw, se, ne} : std::vector{ne, se, sw});
+          cells.push_back(random() % 2 == 0 ? std::vector{sw, ne, nw} : std::vector{nw, ne, sw});
         }
       }
     }
     std::shuffle(cells.begin(), cells.end(), random);
-    for (std::size_t i = 0; i < cells.size(); ++i) cells[i]->id = static_cast<int>(i);
+    for (const auto& cell : cells) add_cell(cell);
   }
 
   void expect_the_rule(double x, double y) {
-    const ComputationalCell* const cell = locator->cell_at(x, y);
-    const int expected = first_cell_around(cells, x, y);
-    ASSERT_EQ(cell == nullptr ? -1 : cell->id, expected) << x << ' ' << y;
+    const Number expected = first_cell_around(mesh, x, y);
+    ASSERT_EQ(locator->cell_at(x, y), expected) << x << ' ' << y;
     found += expected >= 0 ? 1 : 0;
   }
   /// Points at nodes, centres and on sides, each also a few units in the last place beside.
   void expect_the_rule_at_marks() {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    for (std::size_t k = 0; k < cells.size(); k += 1 + cells.size() / 200) {
-      const ComputationalCell& cell = *cells[k];
-      std::vector<MeshNode> marks = {cell.center};
-      for (int j = 0; j < cell.number_of_nodes(); ++j) {
-        const MeshNode &a = *cell.get_node(j), &b = *cell.next_node(j);
+    for (Number k = 0; k < mesh.n_cells(); k += 1 + mesh.n_cells() / 200) {
+      const PlanPoint center = {mesh.center_of(k).x, mesh.center_of(k).y};
+      const auto nodes = mesh.nodes_of(k);
+      const auto middle = [](PlanPoint a, PlanPoint b) {
+        return PlanPoint{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
+      };
+      std::vector<PlanPoint> marks = {center};
+      for (std::size_t j = 0; j < nodes.size(); ++j) {
+        const PlanPoint a = mesh.plan_node(nodes[j]);
+        const PlanPoint b = mesh.plan_node(nodes[(j + 1) % nodes.size()]);
         const double along = std::uniform_real_distribution<double>(-0.5, 1.5)(random);
         marks.push_back(a);
-        marks.push_back((a + b) / 2.0);
-        marks.push_back((a + cell.center) / 2.0);
-        marks.emplace_back(a.x + along * (b.x - a.x), a.y + along * (b.y - a.y), 0.0);
+        marks.push_back(middle(a, b));
+        marks.push_back(middle(a, center));
+        marks.push_back({a.x + along * (b.x - a.x), a.y + along * (b.y - a.y)});
       }
-      for (const MeshNode& mark : marks) {
+      for (const PlanPoint& mark : marks) {
         ASSERT_NO_FATAL_FAILURE(expect_the_rule(mark.x, mark.y));
         ASSERT_NO_FATAL_FAILURE(expect_the_rule(std::nextafter(mark.x, infinity), mark.y));
         ASSERT_NO_FATAL_FAILURE(expect_the_rule(mark.x, std::nextafter(mark.y, -infinity)));
@@ -97,11 +107,10 @@ class PointLocatorTest : public testing::Test {
       ASSERT_NO_FATAL_FAILURE(expect_the_rule(px, y + size * place(random)));
     }
   }
-  void build() { locator = std::make_unique<PointLocator>(cells); }
+  void build() { locator = std::make_unique<PointLocator>(mesh); }
 
   std::mt19937_64 random{3};
-  std::vector<MeshNode> nodes;
-  PointLocator::Cells cells;
+  cases::Mesh mesh;
   std::unique_ptr<PointLocator> locator;
   int found = 0;  ///< points in a cell
 };
@@ -111,8 +120,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleOnAMeshOfMixedCells) {
     double x, y, size;
   } places[] = {{0.0, 0.0, 1.0}, {-7.0, 512345.678, 0.1}, {5e5, 5.6e6, 25.0}, {1e9, -1e9, 1e-3}};
   for (const auto& place : places) {
-    cells.clear();
-    nodes.clear();
+    mesh = {};
     found = 0;
     add_sheet(20, place.x, place.y, place.size);
     build();
@@ -126,7 +134,6 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleOnAMeshOfMixedCells) {
 }
 
 TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsHaveNoArea) {
-  reserve_nodes(1000);
   for (int k = 0; k < 60; ++k) {
     const double x = static_cast<double>(random() % 9), y = static_cast<double>(random() % 9);
     const double dx = static_cast<double>(random() % 3), dy = static_cast<double>(random() % 3);
@@ -150,7 +157,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsHaveNoArea) {
     add_cell({add_node(x, y), add_node(x + 1.0, y), add_node(x, y + 1.0)});
   }
   for (const bool one_cell_only : {false, true}) {
-    if (one_cell_only) cells.resize(1);
+    if (one_cell_only) mesh.cell_nodes.resize(3);
     build();
     for (double x = -3.0; x <= 13.0; x += 0.25) {
       for (double y = -3.0; y <= 13.0; y += 0.25) {
@@ -163,7 +170,6 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsHaveNoArea) {
 }
 
 TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsOverlap) {
-  reserve_nodes(6000);
   std::uniform_real_distribution<double> place(0.0, 100.0);
   std::uniform_real_distribution<double> magnitude(-12.0, 2.0);
   for (int k = 0; k < 1500; ++k) {  // slivers and giants among small ones, running either way
@@ -171,7 +177,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsOverlap) {
     const auto corner = [&] {
       return add_node(x + size * (place(random) - 50.0), y + 0.01 * size * (place(random) - 50.0));
     };
-    const MeshNode *a = corner(), *b = corner(), *c = corner();
+    const Number a = corner(), b = corner(), c = corner();
     add_cell({a, b, c});
   }
   build();
@@ -182,12 +188,11 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsOverlap) {
 
 TEST_F(PointLocatorTest, FindsNoCellWhereThereIsNone) {
   build();
-  EXPECT_EQ(locator->cell_at(0.0, 0.0), nullptr);
-  reserve_nodes(3);
+  EXPECT_EQ(locator->cell_at(0.0, 0.0), -1);
   add_cell({add_node(0.0, 0.0), add_node(1.0, 0.0), add_node(0.0, 1.0)});
   build();
-  EXPECT_EQ(locator->cell_at(2.0, 0.5), nullptr);
-  EXPECT_EQ(locator->cell_at(0.2, 0.3), cells[0].get());
+  EXPECT_EQ(locator->cell_at(2.0, 0.5), -1);
+  EXPECT_EQ(locator->cell_at(0.2, 0.3), 0);
 }
 
 }  // namespace

@@ -29,10 +29,7 @@ class PointLocation : public testing::Test {
     domain_ = std::make_unique<Domain>("data.json");
   }
   /// Index of the cell that contains a point; -1 if there is none.
-  int cell_at(double x, double y) const {
-    const ComputationalCell* cell = domain_->CellWithPoint(x, y);
-    return cell == nullptr ? -1 : cell->id;
-  }
+  int cell_at(double x, double y) const { return domain_->CellWithPoint(x, y); }
   /// The cell of the mesh under a point off its lines, from the layout of the mesh.
   int expected_cell(double x, double y) const {
     const double u = (x - c.x0) / c.size;

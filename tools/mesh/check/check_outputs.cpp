@@ -8,9 +8,9 @@
 #include <set>
 
 #include "case/plausibility.hpp"
-#include "domain/PointLocator.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
+#include "physics/cell_geometry.hpp"
 #include "utils/known_keys.hpp"
 #include "utils/planned_files.hpp"
 
@@ -49,9 +49,18 @@ bool is_outside(const std::string& name) {
 std::vector<bool> points_in_cells(const CaseMesh& mesh, const std::vector<Point>& points) {
   std::vector<bool> found(points.size(), false);
   for (int c = 0; c < mesh.n_cells(); ++c) {
-    const ComputationalCell cell(c, mesh.corners(c));
+    const std::vector<const MeshNode*> corners = mesh.corners(c);
+    const int n = static_cast<int>(corners.size());
+    const auto node_at = [&](int i) {
+      const MeshNode& node = *corners[static_cast<std::size_t>(i)];
+      return physics::SpacePoint{node.x, node.y, node.z};
+    };
+    const auto plan_node_at = [&](int i) { return physics::PlanPoint{node_at(i).x, node_at(i).y}; };
+    const physics::SpacePoint center = physics::cell_center(n, node_at);
     for (std::size_t i = 0; i < points.size(); ++i) {
-      if (!found[i]) found[i] = cell_contains(cell, points[i].x, points[i].y);
+      if (found[i]) continue;
+      found[i] =
+          physics::cell_contains(n, {center.x, center.y}, plan_node_at, {points[i].x, points[i].y});
     }
   }
   return found;
