@@ -32,9 +32,8 @@ void write_snapshot(const std::vector<MeshNode>& centers, double time, const std
   utils::CellTable table(name, "x\ty\tzb\th\tqx\tqy\n");
   for (const MeshNode& c : centers) {
     const double h = std::max(0.0, 1.0 + 1.2 * std::sin(0.01 * c.x + time) * std::cos(0.02 * c.y));
-    table.begin_row(c.x) << c;
-    table.begin_values() << h << '\t' << h * std::sin(0.1 * c.y) << '\t' << h * std::cos(0.1 * c.x);
-    table.end_row();
+    const double values[] = {h, h * std::sin(0.1 * c.y), h * std::cos(0.1 * c.x)};
+    table.add_row(c.x, c.y, c.z, values);
   }
   table.commit();
 }

@@ -155,10 +155,9 @@ std::vector<State> states_of(int n_cells) {
 void write_table(const std::string& name, const std::vector<State>& states, bool is_snapshot) {
   utils::CellTable table(name, "");
   for (const State& s : states) {
-    table.begin_row(s.center.x) << s.center;
-    table.begin_values() << s.h;
-    if (is_snapshot) table.begin_values() << '\t' << s.qx << '\t' << s.qy;
-    table.end_row();
+    const double values[] = {s.h, s.qx, s.qy};
+    const std::size_t columns = is_snapshot ? 3 : 1;
+    table.add_row(s.center.x, s.center.y, s.center.z, {values, columns});
   }
   table.commit();
 }

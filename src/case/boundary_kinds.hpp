@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <string_view>
 
 #include "globals/edge_codes.hpp"
 
@@ -10,19 +11,20 @@ namespace cases {
 struct BoundaryKind {
   enum class Argument { none, value, series };
 
-  int code;          ///< in the edges file
-  const char* name;  ///< in the companion programs
+  int code;                   ///< in the edges file
+  const char* name;           ///< in the companion programs
+  std::string_view in_books;  ///< name in the books of a run; empty: nothing passes it
   Argument argument;
   bool with_sediments;  ///< whether the model with sediments has it
 };
 
 inline constexpr std::array<BoundaryKind, 6> boundary_kinds = {{
-    {edge_code::wall, "wall", BoundaryKind::Argument::none, true},
-    {edge_code::transmissive, "transmissive", BoundaryKind::Argument::none, true},
-    {edge_code::discharge, "discharge", BoundaryKind::Argument::value, true},
-    {edge_code::water_level, "level", BoundaryKind::Argument::value, true},
-    {edge_code::hydrograph, "hydrograph", BoundaryKind::Argument::series, false},
-    {edge_code::limnigraph, "limnigraph", BoundaryKind::Argument::series, false},
+    {edge_code::wall, "wall", "", BoundaryKind::Argument::none, true},
+    {edge_code::transmissive, "transmissive", "transmissive", BoundaryKind::Argument::none, true},
+    {edge_code::discharge, "discharge", "discharge", BoundaryKind::Argument::value, true},
+    {edge_code::water_level, "level", "water_level", BoundaryKind::Argument::value, true},
+    {edge_code::hydrograph, "hydrograph", "hydrograph", BoundaryKind::Argument::series, false},
+    {edge_code::limnigraph, "limnigraph", "limnigraph", BoundaryKind::Argument::series, false},
 }};
 
 /// The kind of a code; null if there is none.

@@ -12,18 +12,20 @@
 #include "case/EndAtFirstError.hpp"
 #include "domain/PointLocator.hpp"
 #include "domain/Progress.hpp"
+#include "fields/Flow.hpp"
 #include "model/build_objects.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
 #include "report/PhaseClock.hpp"
+#include "utils/WriterThread.hpp"
 
 class RunReport;
 namespace utils {
 class DataFileReader;
 }
 
-/// Who watches a run; null: nobody. A report looks at the model until it is written.
+/// Who watches a run; null: nobody. A report looks at the flow until it is written.
 struct Watchers {
   Progress* progress = nullptr;
   RunReport* report = nullptr;
@@ -33,7 +35,6 @@ class Domain {
  public:
   /// Builds the whole run from its data file. The watchers must outlive the run.
   explicit Domain(const std::string& dataFile, Watchers watchers = {});
-  /// Waits for the writers, which look at the cells.
   ~Domain();
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
@@ -49,7 +50,7 @@ class Domain {
   /// Number of the cell that contains a point of the plane; -1 if there is none.
   cases::Number CellWithPoint(double x, double y) const;
   /// Body of the envelope writer.
-  void Write_Umax();
+  bool Write_Umax();
 
  private:
   // Set-up.
@@ -61,7 +62,6 @@ class Domain {
   void report_and_check_sediments() const;
   void read_source_terms();
   void create_model();
-  void allocate_snapshot();
   void set_outputs();
   void set_other_parameters();
   void warn_of_implausible_input() const;
@@ -77,6 +77,9 @@ class Domain {
   void show_progress();
   void end_progress();
   void write_enveloppe();
+  void wait_for_writers();
+  /// Whether the run must end, which has been said.
+  bool has_lost_a_result() const;
   static void report_interruption();
   void stop_if_writer_failed();
   static void printTime(double t, int width, int precision);
@@ -89,7 +92,7 @@ class Domain {
   void warn_of_lost_states() const;
   void warn_of_lost_results() const;
   void report_lost_states();
-  void report_failure(const std::string& what, int cell);
+  void report_failure(const std::string& what, cases::Number cell);
   /// Answers the name of the snapshot; empty if it would replace an input file.
   std::string write_failure_snapshot();
 
@@ -103,10 +106,10 @@ class Domain {
   std::string fixed_bed_level_file, sediments_level_file;
   std::string model_name = "Undefined";
   ModelObjects objects_;
-  PhysicalModel* model = nullptr;    ///< of objects_
-  double dt_enveloppe = 0.0;         ///< s
-  double next_enveloppe_time = 0.0;  ///< s
-  double dt_threshold = 1e-08;       ///< smallest acceptable time step, s
+  std::unique_ptr<fields::Flow> flow;  ///< of objects_
+  double dt_enveloppe = 0.0;           ///< s
+  double next_enveloppe_time = 0.0;    ///< s
+  double dt_threshold = 1e-08;         ///< smallest acceptable time step, s
   double cfl = 0.0;
   long steps = 0;
   int flux_scheme = 0;
@@ -120,8 +123,10 @@ class Domain {
   bool is_infiltration = false;
   bool is_initial_infiltration = false;
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
-  std::vector<double> umax_buffer;                ///< copy of the largest depths, m
-  AreaLoss area_loss;                             ///< of the cells, as they are read
+  std::vector<double> umax_buffer;                ///< largest depths for the writer, m
+  utils::WriterThread envelope_writer;
+  bool has_lost_failure_snapshot = false;
+  AreaLoss area_loss;  ///< of the cells, as they are read
 
   std::string gauges_file, pictures_file, discharge_file;
   std::string rainfall_file, hyetocells_file;

@@ -63,7 +63,7 @@ bool Progress::is_due() {
   return asked_ >= next_;
 }
 
-void Progress::show(double t, double dt, const FlowSurvey& flow) {
+void Progress::show(double t, double dt, const fields::FlowSurvey& flow) {
   const double now = wall_clock_();
   recent_.push_back({now, t});
   while (recent_.size() > 2 && recent_[1].wall <= now - recent) recent_.pop_front();

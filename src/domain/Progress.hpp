@@ -6,7 +6,7 @@
 #include <functional>
 #include <ostream>
 
-#include "model/flow_survey.hpp"
+#include "fields/Flow.hpp"
 
 class Progress {
  public:
@@ -22,7 +22,7 @@ class Progress {
   /// look at the flow takes so long that this would slow the run down by more than about 1 %.
   bool is_due();
   /// Shows a line for the time t (s), the step dt and the flow.
-  void show(double t, double dt, const FlowSurvey& flow);
+  void show(double t, double dt, const fields::FlowSurvey& flow);
   /// Leaves the line, so that what follows begins a new one.
   void end();
 

@@ -1,7 +1,7 @@
 // The last look of a run, complete or not, at what it has written: depths below zero, and values
 // that are no numbers.
-#include <array>
 #include <string>
+#include <string_view>
 
 #include "domain/Domain.hpp"
 #include "domain/column_survey.hpp"
@@ -13,61 +13,60 @@
 
 namespace {
 
-/// A column of the results; a depth is never below zero.
-struct WrittenColumn {
-  const char* name;
-  bool is_depth;
-  double (*of_cell)(const ComputationalCell& cell);
-  ColumnSurvey survey = {};
-};
+using cases::at;
+using cases::Number;
+using fields::FieldInfo;
 
-std::string named_place(const ComputationalCell& cell) {
-  return "cell " + utils::cell_place(cell.id, cell.center.x, cell.center.y);
+std::string named_place(const cases::Mesh& mesh, Number cell) {
+  const physics::SpacePoint center = mesh.center_of(cell);
+  return "cell " + utils::cell_place(cell, center.x, center.y);
 }
 
 std::string at_present() { return " at t = " + utils::number_text(Globals::t) + " s"; }
 
-void warn_below_zero(const PhysicalModel& model, const WrittenColumn& column) {
-  const ColumnSurvey& found = column.survey;
+void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found) {
   if (found.below_zero == 0) return;
-  const ComputationalCell& lowest = *model.cells[static_cast<std::size_t>(found.lowest_cell)];
-  utils::warn("the " + std::string(column.name) + " of " +
+  utils::warn("the " + std::string(field.quantity) + " of " +
               utils::counted(found.below_zero, "cell") + " is below zero" + at_present() + ": " +
               utils::number_text(found.deficit) + " m3 are missing, while the other cells hold " +
               utils::number_text(found.held) + " m3; it is " + utils::number_text(found.lowest) +
-              " m in " + named_place(lowest) + ".");
+              " m in " + named_place(mesh, found.lowest_cell) + ".");
 }
 
-void warn_not_finite(const PhysicalModel& model, const WrittenColumn& column) {
-  const ColumnSurvey& found = column.survey;
+void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found) {
   if (found.not_finite == 0) return;
-  const ComputationalCell& first = *model.cells[static_cast<std::size_t>(found.not_finite_cell)];
-  utils::warn("the " + std::string(column.name) + " of " +
+  utils::warn("the " + std::string(field.quantity) + " of " +
               utils::counted(found.not_finite, "cell") + " is not a number" + at_present() +
-              ", the first of them in " + named_place(first) + ".");
+              ", the first of them in " + named_place(mesh, found.not_finite_cell) + ".");
+}
+
+/// Whether both are components of one vector.
+bool is_same_quantity(const FieldInfo& a, const FieldInfo& b) {
+  return std::string_view(a.quantity) == b.quantity;
 }
 
 }  // namespace
 
 void Domain::warn_of_lost_results() const {
   warn_of_lost_states();
-  using Cell = ComputationalCell;
-  std::array<WrittenColumn, 6> columns{
-      {{"depth", true, [](const Cell& cell) { return cell.U.h; }},
-       {"largest depth", true, [](const Cell& cell) { return cell.max_values.h; }},
-       {"infiltrated depth", true, [](const Cell& cell) { return cell.param.infiltrated_depth; }},
-       {"bed level", false, [](const Cell& cell) { return cell.bed_level; }},
-       {"sediment thickness", true, [](const Cell& cell) { return cell.U.hs; }},
-       {"sediment discharge", false, [](const Cell& cell) { return cell.U.qsx + cell.U.qsy; }}}};
-  model->publish();
-  for (const auto& cell : model->cells) {
-    for (WrittenColumn& column : columns) {
-      column.survey.add(cell->id, column.of_cell(*cell), cell->area);
-    }
+  const std::size_t n_cells = at(case_.mesh.n_cells());
+  std::vector<double> areas, values(n_cells), component(n_cells);
+  for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
+    areas.push_back(case_.mesh.geometry_of(cell).area);
   }
-  for (const WrittenColumn& column : columns) {
-    if (column.is_depth) warn_below_zero(*model, column);
-    // A depth that is no number has been told of as a state.
-    if (&column != &columns.front()) warn_not_finite(*model, column);
+  const auto& table = fields::field_table;
+  for (std::size_t k = 0; k < table.size(); ++k) {
+    flow->read(table[k].field, values);
+    for (; k + 1 < table.size() && is_same_quantity(table[k], table[k + 1]); ++k) {
+      flow->read(table[k + 1].field, component);
+      for (std::size_t i = 0; i < n_cells; ++i) values[i] += component[i];
+    }
+    ColumnSurvey survey;
+    for (std::size_t i = 0; i < n_cells; ++i) {
+      survey.add(static_cast<Number>(i), values[i], areas[i]);
+    }
+    if (table[k].is_depth) warn_below_zero(case_.mesh, table[k], survey);
+    // What belongs to a state that is no number has been told of.
+    if (!table[k].is_of_state) warn_not_finite(case_.mesh, table[k], survey);
   }
 }

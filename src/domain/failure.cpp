@@ -5,8 +5,9 @@
 #include <string>
 
 #include "domain/Domain.hpp"
+#include "domain/limiting_cell.hpp"
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
+#include "output/Snapshot.hpp"
 #include "report/RunReport.hpp"
 #include "utils/cell_place.hpp"
 #include "utils/files.hpp"
@@ -15,15 +16,14 @@
 
 namespace {
 
-bool is_finite(const HydraulicVariableSWE& U) { return std::isfinite(U.h + U.qx + U.qy); }
-
-void show(const ComputationalCell& cell) {
-  const HydraulicVariableSWE& U = cell.UVal();
-  const double velocity = U.h != 0.0 ? std::hypot(U.qx, U.qy) / U.h : 0.0;
-  std::cerr << (is_finite(U) ? "Limiting cell: " : "Cell whose state is not a number: ")
-            << utils::cell_place(cell.id, cell.center.x, cell.center.y) << ", depth " << U.h
-            << " m, velocity " << velocity << " m/s, characteristic length " << cell.char_length
-            << " m\n";
+void show(const cases::Mesh& mesh, cases::Number cell, const fields::CellState& state) {
+  const bool is_finite = std::isfinite(state.h + state.qx + state.qy);
+  const double velocity = state.h != 0.0 ? std::hypot(state.qx, state.qy) / state.h : 0.0;
+  const cases::CellGeometry geometry = mesh.geometry_of(cell);
+  std::cerr << (is_finite ? "Limiting cell: " : "Cell whose state is not a number: ")
+            << utils::cell_place(cell, geometry.center.x, geometry.center.y) << ", depth "
+            << state.h << " m, velocity " << velocity << " m/s, characteristic length "
+            << geometry.char_length() << " m\n";
 }
 
 }  // namespace
@@ -45,33 +45,30 @@ void Domain::stop_on_lost_clock() {
 }
 
 void Domain::stop_at_limiting_cell(const std::string& what) {
-  model->publish();
-  const ComputationalCell* const cell = model->limiting_cell();
-  if (cell != nullptr) {
-    show(*cell);
-    report_failure(what, cell->id);
+  const cases::Number cell = limiting_cell(*flow, case_);
+  if (cell >= 0) {
+    show(case_.mesh, cell, flow->state(cell));
+    report_failure(what, cell);
   }
   warn_of_lost_results();
   utils::stop(-1);
 }
 
 void Domain::warn_of_lost_states() const {
-  const FlowSurvey flow = survey_flow(*model);
-  if (flow.not_finite == 0) return;
-  utils::warn("the state of " + std::to_string(flow.not_finite) +
+  const fields::FlowSurvey survey = flow->survey();
+  if (survey.not_finite == 0) return;
+  utils::warn("the state of " + std::to_string(survey.not_finite) +
               " cells is not a number at t = " + utils::fixed_text(Globals::t, 6) + " s.");
-  const std::vector<int> lost = {flow.a_cell_not_finite};
-  model->publish(lost);
-  show(*model->cells[static_cast<std::size_t>(lost.front())]);
+  const cases::Number cell = survey.a_cell_not_finite;
+  show(case_.mesh, cell, flow->state(cell));
 }
 
 void Domain::report_lost_states() {
   if (!watchers_.report->has_just_lost_a_state()) return;
-  model->publish();
-  report_failure("a state is not a number", survey_flow(*model).a_cell_not_finite);
+  report_failure("a state is not a number", flow->survey().a_cell_not_finite);
 }
 
-void Domain::report_failure(const std::string& what, int cell) {
+void Domain::report_failure(const std::string& what, cases::Number cell) {
   if (watchers_.report == nullptr) return;
   const bool is_first = !watchers_.report->has_failure();
   watchers_.report->add_failure(what, cell, is_first ? write_failure_snapshot() : "");
@@ -80,9 +77,9 @@ void Domain::report_failure(const std::string& what, int cell) {
 std::string Domain::write_failure_snapshot() {
   const std::string name = Globals::g_outputPath + "failure.txt";
   if (utils::is_input_file(name)) return "";
-  Handoff::picture.join();  // a writer under way formats from the rows that are allocated anew
-  allocate_snapshot();
-  Handoff::picture.start([this, name] { model->printPicture(name); });
-  Handoff::picture.join();
+  wait_for_writers();  // what they say comes first
+  Snapshot snapshot(case_);
+  snapshot.gather(*flow);
+  if (!snapshot.write(name)) has_lost_failure_snapshot = true;
   return name;
 }

@@ -4,9 +4,10 @@
 
 #include "case/initial_state.hpp"
 #include "case/read_fields.hpp"
+#include "case/read_requests.hpp"
 #include "domain/Domain.hpp"
+#include "fields/make_flow.hpp"
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
 #include "utils/DataFileReader.hpp"
 #include "utils/files.hpp"
@@ -46,7 +47,7 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
   warn_of_implausible_input();
 }
 
-Domain::~Domain() { Handoff::join_all(); }
+Domain::~Domain() = default;
 
 void Domain::read_data_file(const std::string& dataFile) {
   const utils::DataFileReader reader(dataFile);
@@ -163,15 +164,7 @@ void Domain::read_cell_fields() {
 
 void Domain::create_model() {
   objects_ = build_objects(case_);
-  model = objects_.model.get();
   umax_buffer.assign(cases::at(case_.mesh.n_cells()), 0.0);
-  if (is_pictures) allocate_snapshot();
-}
-
-void Domain::allocate_snapshot() {
-  const std::size_t hydrodynamic_columns = case_.has_infiltration ? 4 : 3;
-  model->cell_value_rows.allocate(cases::at(case_.mesh.n_cells()),
-                                  has_sediments() ? 7 : hydrodynamic_columns);
 }
 
 void Domain::set_outputs() {
@@ -188,13 +181,10 @@ void Domain::set_outputs() {
   log << "  Gauges: ";
   if (is_gauges) {
     log << "positions read in " << gauges_file << '\n';
+    utils::TextScanner file(gauges_file);
     gauge = std::make_unique<Gauge>(
-        gauges_file,
-        [this](double x, double y) -> const ComputationalCell* {
-          const cases::Number cell = CellWithPoint(x, y);
-          return cell < 0 ? nullptr : model->cells[cases::at(cell)].get();
-        },
-        Globals_Params::tStart);
+        cases::read_gauges(file), Globals::g_outputPath,
+        [this](double x, double y) { return CellWithPoint(x, y); }, Globals_Params::tStart);
     locator.reset();
   } else {
     log << "No gauges\n";
@@ -202,15 +192,17 @@ void Domain::set_outputs() {
   log << "  Pictures of the hydraulic state: ";
   if (is_pictures) {
     log << "times read in " << pictures_file << '\n';
-    picture = std::make_unique<CPicture>(pictures_file);
+    utils::TextScanner file(pictures_file);
+    picture = std::make_unique<CPicture>(cases::read_snapshots(file), Globals::g_outputPath, case_);
   } else {
     log << "No pictures\n";
   }
   log << "  Section where to measure the discharge: ";
   if (is_discharges) {
     log << "sections read in " << discharge_file << '\n';
-    monitor_section = std::make_unique<CMonitorSection>(discharge_file, model->interfaces,
-                                                        Globals_Params::tStart);
+    utils::TextScanner file(discharge_file);
+    monitor_section = std::make_unique<CMonitorSection>(
+        cases::read_sections(file, case_.mesh.n_edges()), case_.mesh, Globals_Params::tStart);
   } else {
     log << "No section to monitor\n";
   }
@@ -226,7 +218,7 @@ void Domain::set_other_parameters() {
       << "  Minimal characteristic length in a cell (min dx): " << case_.char_length_min << '\n'
       << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
-  model->compile();
+  flow = fields::make_flow(*objects_.model);
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {

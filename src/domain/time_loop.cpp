@@ -5,7 +5,6 @@
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "report/RunReport.hpp"
 #include "utils/number_text.hpp"
 #include "utils/signals.hpp"
@@ -22,7 +21,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   printTime(Globals::t, 8, 3);
   int passes = 0;
 
-  Globals::dt = cfl * model->dtMin();
+  Globals::dt = cfl * flow->stable_step();
   utils::listen_for_interruption();
   begin_watching();
   while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
@@ -41,7 +40,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   }
   enter(Phase::outputs);
   end_progress();
-  Handoff::join_all();
+  wait_for_writers();
   if (gauge) gauge->close();
   if (monitor_section) monitor_section->close();
   stop_if_writer_failed();
@@ -53,7 +52,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
 void Domain::compute_step() {
   const double t = Globals::t, dt = Globals::dt;
-  Globals::dt = cfl * model->computeFlowStep();
+  Globals::dt = cfl * flow->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
   ++steps;
   // Intended: the clock advances by the new step, not by the one just applied, and no step is
   // shortened to meet an output time or the end.
@@ -65,7 +64,7 @@ void Domain::compute_step() {
 
 void Domain::begin_watching() {
   if (watchers_.report != nullptr) {
-    watchers_.report->begin(*model);
+    watchers_.report->begin(*flow, case_);
     report_lost_states();
   }
   if (watchers_.progress != nullptr) watchers_.progress->begin(Globals::t, Globals_Params::tEnd);
@@ -77,7 +76,7 @@ void Domain::enter(Phase phase) {
 
 void Domain::show_progress() {
   if (watchers_.progress == nullptr || !watchers_.progress->is_due()) return;
-  watchers_.progress->show(Globals::t, Globals::dt, survey_flow(*model));
+  watchers_.progress->show(Globals::t, Globals::dt, flow->survey());
 }
 
 void Domain::end_progress() {
@@ -92,17 +91,23 @@ void Domain::fire_outputs() {
   const bool section_due = is_discharges && monitor_section->CheckTime(Globals::t);
   const bool enveloppe_due = Globals::t > next_enveloppe_time;
 
-  // All states first: a writer that is started copies while the next one is being prepared.
-  if (picture_due || enveloppe_due) {
-    model->publish();
-  } else {
-    if (gauge_due) model->publish(gauge->watched_cells());
-    if (section_due) model->publish(monitor_section->watched_cells());
-  }
-  if (gauge_due) gauge->WriteMeasure();
-  if (picture_due) picture->WriteMeasure(model);
-  if (section_due) monitor_section->WriteMeasure();
+  if (gauge_due) gauge->WriteMeasure(*flow);
+  if (picture_due) picture->WriteMeasure(*flow);
+  if (section_due) monitor_section->WriteMeasure(*flow, Globals::t);
   if (enveloppe_due) write_enveloppe();
+}
+
+void Domain::wait_for_writers() {
+  if (gauge) gauge->wait();
+  if (picture) picture->wait();
+  if (monitor_section) monitor_section->wait();
+  envelope_writer.wait();
+}
+
+bool Domain::has_lost_a_result() const {
+  return has_lost_failure_snapshot || envelope_writer.has_failed() ||
+         (gauge && gauge->has_failed()) || (picture && picture->has_failed()) ||
+         (monitor_section && monitor_section->has_failed());
 }
 
 void Domain::report_interruption() {
@@ -112,7 +117,7 @@ void Domain::report_interruption() {
 }
 
 void Domain::stop_if_writer_failed() {
-  if (!Thread::has_failed) return;
+  if (!has_lost_a_result()) return;
   end_progress();
   warn_of_lost_results();
   utils::stop(-1);

@@ -11,36 +11,60 @@ enum class Field {
   depth,
   discharge_x,
   discharge_y,
+  largest_depth,
   infiltrated_depth,
   bed_level,
   sediment_thickness,
   bed_load_x,
-  bed_load_y,
-  largest_depth
+  bed_load_y
 };
+
+/// Which snapshots have a column of a field.
+enum class InSnapshots { never, always, with_infiltration, with_sediments };
 
 struct FieldInfo {
   Field field;
-  const char* name;    ///< for messages
-  const char* column;  ///< header in the snapshots; empty: not in them
+  const char* quantity;  ///< for messages; the components of a vector share it
+  const char* column;    ///< header in the snapshots; empty: not in them
+  InSnapshots presence;
   const char* unit;
-  bool is_depth;  ///< never below zero
+  bool is_depth;     ///< never below zero
+  bool is_of_state;  ///< a cell has lost its state where it is no number
 };
 
 inline constexpr std::array<FieldInfo, 9> field_table = {{
-    {Field::depth, "depth", "h", "m", true},
-    {Field::discharge_x, "unit discharge along x", "qx", "m2/s", false},
-    {Field::discharge_y, "unit discharge along y", "qy", "m2/s", false},
-    {Field::infiltrated_depth, "infiltrated depth", "f", "m", true},
-    {Field::bed_level, "bed level", "zb", "m", false},
-    {Field::sediment_thickness, "sediment thickness", "hs", "m", true},
-    {Field::bed_load_x, "sediment discharge along x", "qsx", "m2/s", false},
-    {Field::bed_load_y, "sediment discharge along y", "qsy", "m2/s", false},
-    {Field::largest_depth, "largest depth", "", "m", true},
+    {Field::depth, "depth", "h", InSnapshots::always, "m", true, true},
+    {Field::discharge_x, "unit discharge", "qx", InSnapshots::always, "m2/s", false, true},
+    {Field::discharge_y, "unit discharge", "qy", InSnapshots::always, "m2/s", false, true},
+    {Field::largest_depth, "largest depth", "", InSnapshots::never, "m", true, false},
+    {Field::infiltrated_depth, "infiltrated depth", "f", InSnapshots::with_infiltration, "m", true,
+     false},
+    {Field::bed_level, "bed level", "zb", InSnapshots::with_sediments, "m", false, false},
+    {Field::sediment_thickness, "sediment thickness", "hs", InSnapshots::with_sediments, "m", true,
+     false},
+    {Field::bed_load_x, "sediment discharge", "qsx", InSnapshots::with_sediments, "m2/s", false,
+     false},
+    {Field::bed_load_y, "sediment discharge", "qsy", InSnapshots::with_sediments, "m2/s", false,
+     false},
 }};
 
 constexpr const FieldInfo& info(Field field) {
   return field_table[static_cast<std::size_t>(field)];
+}
+
+/// Whether the snapshots of a run have a column of a field.
+constexpr bool is_in_snapshots(const FieldInfo& info, bool has_sediments, bool has_infiltration) {
+  switch (info.presence) {
+    case InSnapshots::never:
+      return false;
+    case InSnapshots::always:
+      return true;
+    case InSnapshots::with_infiltration:  // the model with sediments does not know it
+      return has_infiltration && !has_sediments;
+    case InSnapshots::with_sediments:
+      return has_sediments;
+  }
+  return false;
 }
 
 }  // namespace fields

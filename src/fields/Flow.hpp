@@ -14,6 +14,15 @@ struct StepTimes {
   double t, t_start, t_end, dt;
 };
 
+/// All that the next step makes of a cell.
+struct CellState {
+  double h = 0.0, qx = 0.0, qy = 0.0;     ///< m, m2/s
+  double hs = 0.0, qsx = 0.0, qsy = 0.0;  ///< sediment: m, m2/s
+  double dqs_dh = 0.0;       ///< derivative of the bed load with respect to the depth, m/s
+  double bed_level = 0.0;    ///< m
+  double water_level = 0.0;  ///< m
+};
+
 /// What entered through a boundary edge in a step, m3/s of water and of bed.
 struct BoundaryInflow {
   double water = 0.0, bed = 0.0;
@@ -55,6 +64,7 @@ class Flow {
   virtual void read(Field field, std::span<double> values) const = 0;
   virtual void read(Field field, std::span<const cases::Number> cells,
                     std::span<double> values) const = 0;
+  virtual CellState state(cases::Number cell) const = 0;
   virtual FlowSurvey survey() const = 0;
   virtual ExecutionPath execution_path() const = 0;
 

@@ -14,7 +14,6 @@
 
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "main/credits.hpp"
 #include "main/usage.hpp"
 #include "report/RunReport.hpp"
@@ -177,8 +176,7 @@ int main(int argc, char** argv) {
                                     .report = report ? &*report : nullptr});
     utils::flush_console();
     if (!report) return status;
-    report->write(status, "");
-    return Thread::has_failed ? -1 : status;
+    return report->write(status, "") ? status : -1;
   } catch (const std::length_error& error) {
     end_beyond_memory(error);
   } catch (const std::bad_alloc& error) {  // a size that no machine has; others never get here

@@ -9,26 +9,12 @@
 #include "interfaces/GenericInterface.hpp"
 #include "model/ComputationalCell.hpp"
 #include "model/MeshNode.hpp"
+#include "model/StepObserver.hpp"
 #include "sources/FrictionTerm.hpp"
 #include "sources/SourceTerm.hpp"
 #include "utils/TextScanner.hpp"
 
-class CompiledModel;
-class StepWatch;
-
-/// What enters through a boundary edge, m3/s of water and of bed.
-struct BoundaryInflow {
-  double water = 0.0, bed = 0.0;
-};
-
-/// What the steps run on: the name of the path, its threads, and its instruction set.
-struct ExecutionPath {
-  const char* name;
-  int threads;
-  const char* instruction_set;
-};
-
-/// Snapshot values, a row per cell; written by the snapshot writer alone.
+/// Snapshot values, a row per cell.
 struct CellValueRows {
   std::size_t width = 0;
   std::vector<double> values;
@@ -42,8 +28,8 @@ struct CellValueRows {
 
 class PhysicalModel {
  public:
-  PhysicalModel();
-  virtual ~PhysicalModel();
+  PhysicalModel() = default;
+  virtual ~PhysicalModel() = default;
   PhysicalModel(const PhysicalModel&) = delete;
   PhysicalModel& operator=(const PhysicalModel&) = delete;
 
@@ -67,7 +53,7 @@ class PhysicalModel {
   /// Finds h0, the largest depth.
   virtual void findH0();
   virtual void calculateCharLengthMin();
-  /// Body of the snapshot writer: copies, signals, and writes the table.
+  /// Writes the present states of the cells as a snapshot.
   virtual void printPicture(const std::string& name);
 
   void setFixedBedLevel(utils::TextScanner& file);
@@ -77,32 +63,8 @@ class PhysicalModel {
   void set_source_term_by_ID(utils::TextScanner& file, const std::vector<SourceTerm*>& terms);
   void set_initial_infiltration(utils::TextScanner& file);
 
-  /// Compiles the model, whose set-up must be complete, into tables if they know all it holds; from
-  /// then on steps run on them and the objects lag behind until they are published.
-  void compile();
-  void compile(int threads, int cells_per_patch = 0);
-  /// Brings the objects up to date with the tables: all cells, or those given. Waits for a writer
-  /// that is copying them.
-  void publish();
-  void publish(const std::vector<int>& cells);
-
-  /// From now on every step takes notes for a report. To be called before the first one, after
-  /// compile().
-  void watch_steps();
-  const StepWatch& step_watch() const { return *watch; }
-  /// The present state of a cell, published or not.
-  HydraulicVariableSWE state_of(int cell) const;
-  /// What entered through a boundary in the last step; `number` counts the boundaries in the order
-  /// of their edges.
-  BoundaryInflow boundary_inflow(const GenericInterface& boundary, int number) const;
-  ExecutionPath execution_path() const;
-
   void computeFluxes();
   void computeSourceTerms();
-
-  /// The cell that sets the step: one whose state is not finite, else the one with the smallest
-  /// step, or the smallest cell where dry cells set it; null without cells.
-  const ComputationalCell* limiting_cell() const;
 
   std::vector<std::unique_ptr<ComputationalCell>> cells;
   std::vector<MeshNode> mesh_nodes;  ///< cells and interfaces point into it
@@ -115,14 +77,11 @@ class PhysicalModel {
   CellValueRows cell_value_rows;
   bool has_infiltration = false;
   std::deque<FrictionTerm> friction_terms;  ///< cells point to them
-  std::unique_ptr<CompiledModel> engine;    ///< null: the objects run
-  std::unique_ptr<StepWatch> watch;         ///< null: no step takes notes
+  StepObserver* observer = nullptr;         ///< of every step; null: none
 
  protected:
   /// The schedule of a step, the same for every model.
   double advance_one_step();
-  /// Sources, balance and stable step on the objects.
-  double advance_objects();
   /// Attaches a new interface to its cells and gives it the index of its edge.
   void append_interface(std::unique_ptr<GenericInterface> interface, int edge, int left, int right);
   [[noreturn]] static void refuse_boundary_code(int code);

@@ -2,7 +2,6 @@
 
 #include <iostream>
 
-#include "globals/WriterHandoff.hpp"
 #include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
@@ -67,6 +66,9 @@ void SWE::computeFiniteVolumeBalance() {
 double SWE::computeFlowStep() { return advance_one_step(); }
 
 void SWE::printPicture(const std::string& name) {
+  cell_value_rows.allocate(cells.size(), has_infiltration ? 4 : 3);
+  utils::CellTable table(name,
+                         has_infiltration ? "x\ty\tzb\th\tqx\tqy\tf\n" : "x\ty\tzb\th\tqx\tqy\n");
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const HydraulicVariableSWE& U = cells[i]->UVal();
     double* const row = cell_value_rows.row(i);
@@ -74,20 +76,9 @@ void SWE::printPicture(const std::string& name) {
     row[1] = U.qx;
     row[2] = U.qy;
     if (has_infiltration) row[3] = cells[i]->param.infiltrated_depth;
-  }
-  Handoff::picture.release();
-
-  utils::CellTable table(name,
-                         has_infiltration ? "x\ty\tzb\th\tqx\tqy\tf\n" : "x\ty\tzb\th\tqx\tqy\n");
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    const MeshNode& center = cells[i]->center;
-    const double* const row = cell_value_rows.row(i);
     // Intended: zb is the z of the centre, the mean of the vertices, whatever a bed file says.
-    table.begin_row(center.x) << center;
-    utils::TextBuffer& values = table.begin_values();
-    values << row[0] << '\t' << row[1] << '\t' << row[2];
-    if (has_infiltration) values << '\t' << row[3];
-    table.end_row();
+    const MeshNode& center = cells[i]->center;
+    table.add_row(center.x, center.y, center.z, {row, cell_value_rows.width});
   }
   table.commit();
 }

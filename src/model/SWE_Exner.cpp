@@ -1,7 +1,6 @@
 #include "model/SWE_Exner.hpp"
 
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "globals/edge_codes.hpp"
 #include "interfaces/SedBCDischarge.hpp"
 #include "interfaces/SedBCTransmissive.hpp"
@@ -59,6 +58,9 @@ void SWE_Exner::computeFiniteVolumeBalance() {
 double SWE_Exner::computeFlowStep() { return advance_one_step(); }
 
 void SWE_Exner::printPicture(const std::string& name) {
+  cell_value_rows.allocate(cells.size(), 7);
+  utils::CellTable table(name, "x\ty\tzb\th\tqx\tqy\ths\tqsx\tqsy\n",
+                         utils::CellTable::Bed::first_value);
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const HydraulicVariableSWE& U = cells[i]->UVal();
     double* const row = cell_value_rows.row(i);
@@ -69,18 +71,8 @@ void SWE_Exner::printPicture(const std::string& name) {
     row[4] = U.hs;
     row[5] = U.qsx;
     row[6] = U.qsy;
-  }
-  Handoff::picture.release();
-
-  utils::CellTable table(name, "x\ty\tzb\th\tqx\tqy\ths\tqsx\tqsy\n");
-  for (std::size_t i = 0; i < cells.size(); ++i) {
     const MeshNode& center = cells[i]->center;
-    const double* const row = cell_value_rows.row(i);
-    table.begin_row(center.x) << center.x << '\t' << center.y << '\t';
-    utils::TextBuffer& values = table.begin_values();
-    values << row[0];
-    for (std::size_t k = 1; k < 7; ++k) values << '\t' << row[k];
-    table.end_row();
+    table.add_row(center.x, center.y, center.z, {row, cell_value_rows.width});
   }
   table.commit();
 }

@@ -286,7 +286,7 @@ std::unique_ptr<CompiledModel> CompiledModel::compile(PhysicalModel& model, int 
 }
 
 CompiledModel::CompiledModel(PhysicalModel& model, engine::ModelInput&& input, int threads)
-    : model_(model), engine_(std::move(input), threads) {
+    : engine_(std::move(input), threads) {
   int boundary = 0;
   for (const auto& interface : model.interfaces) {
     if (auto* hydrograph = exactly<HydroBCHydrograph>(interface.get())) {
@@ -298,7 +298,7 @@ CompiledModel::CompiledModel(PhysicalModel& model, engine::ModelInput&& input, i
   }
 }
 
-void CompiledModel::fluxes() {
+double CompiledModel::advance() {
   for (const auto& [boundary, hydrograph] : hydrographs_) {
     engine_.impose(boundary, hydrograph->discharge_now());
   }
@@ -306,34 +306,9 @@ void CompiledModel::fluxes() {
     engine_.impose(boundary, limnigraph->depth_now());
   }
   engine_.fluxes({Globals::t, Globals_Params::tStart, Globals_Params::tEnd, Globals::dt});
-}
-
-double CompiledModel::advance() {
   const double step = engine_.advance();
   if (const auto place = engine_.take_not_hyperbolic()) {
     warn_not_hyperbolic(engine_.cell_at(place->place), place->h, place->qx, place->qy);
   }
   return step;
-}
-
-void CompiledModel::publish() {
-  engine_.read_cells([this](int cell, const engine::CellOutput& state) { store(cell, state); });
-}
-
-void CompiledModel::publish(const std::vector<int>& cells) {
-  for (const int cell : cells) store(cell, engine_.cell(cell));
-}
-
-void CompiledModel::store(int cell, const engine::CellOutput& state) {
-  ComputationalCell& object = *model_.cells[static_cast<std::size_t>(cell)];
-  object.U.set_values(state.h, state.qx, state.qy);
-  object.free_surface_level = state.eta;
-  object.max_values.h = state.max_h;  // no output knows the fastest velocity: the tables keep none
-  if (engine_.has_soil()) object.param.infiltrated_depth = state.infiltrated;
-  if (!engine_.has_bed()) return;
-  object.bed_level = state.bed;
-  object.U.hs = state.hs;
-  object.U.qsx = state.qsx;
-  object.U.qsy = state.qsy;
-  object.dqs_dh = state.dqs_dh;
 }

@@ -10,8 +10,7 @@ class PhysicalModel;
 class HydroBCHydrograph;
 class HydroBCLimnigraph;
 
-/// A model compiled into tables. The objects keep what they are; their states are refreshed on
-/// demand by the publish functions.
+/// A model compiled into tables. The objects stay as they were.
 class CompiledModel {
  public:
   /// Compiles a model whose set-up is complete; null if it holds anything that the tables do not
@@ -21,17 +20,11 @@ class CompiledModel {
   static std::unique_ptr<CompiledModel> compile(PhysicalModel& model, int threads,
                                                 int cells_per_patch);
 
-  void fluxes();
-  /// Sources, balance and dry rules; the stable step of the new state, s.
+  /// Advances the tables by Globals::dt; the stable step of the new state, s.
   double advance();
 
-  /// Copies the states of the tables into the objects: of all cells, or of those given.
-  void publish();
-  void publish(const std::vector<int>& cells);
-
+  engine::Engine& tables() { return engine_; }
   const engine::Engine& tables() const { return engine_; }
-  /// See engine::Engine::watch.
-  void watch(const physics::StepNotes& before) { engine_.watch(before); }
 
  private:
   template <class Interface>
@@ -41,9 +34,7 @@ class CompiledModel {
   };
 
   CompiledModel(PhysicalModel& model, engine::ModelInput&& input, int threads);
-  void store(int cell, const engine::CellOutput& state);
 
-  PhysicalModel& model_;
   engine::Engine engine_;
   std::vector<SeriesBoundary<HydroBCHydrograph>> hydrographs_;
   std::vector<SeriesBoundary<HydroBCLimnigraph>> limnigraphs_;

@@ -1,50 +1,45 @@
 #include "output/CMonitorSection.hpp"
 
-#include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
-#include "utils/TextScanner.hpp"
+#include "physics/section_discharge.hpp"
 
-CMonitorSection::CMonitorSection(const std::string& path,
-                                 const std::vector<std::unique_ptr<GenericInterface>>& interfaces,
+CMonitorSection::CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh,
                                  double start_time)
-    : next_time_(start_time) {
-  utils::TextScanner file(path);
-  const int count = file.read_count("number of sections", 1);
-  interval_ = file.read_number("recording interval");
-  const std::string name = file.read_word("result file name");
-  sections_.resize(static_cast<std::size_t>(count));
-  discharges_.resize(sections_.size(), 0.0);
-  for (int s = 0; s < count; ++s) {
-    file.begin_record("section", s, count);
-    const int edges = file.read_count("number of edges", 1);
-    for (int i = 0; i < edges; ++i) {
-      const int edge = file.read_index("edge", static_cast<int>(interfaces.size()));
-      const GenericInterface* const interface = interfaces[static_cast<std::size_t>(edge)].get();
-      sections_[static_cast<std::size_t>(s)].push_back(interface);
-      watched_cells_.push_back(interface->cell_left->id);
+    : interval_(request.interval), next_time_(start_time) {
+  for (const std::vector<cases::Number>& section : request.sections) {
+    for (const cases::Number edge : section) {
+      edges_.push_back(mesh.edge_of(edge));
+      cells_.push_back(mesh.left[cases::at(edge)]);
     }
+    section_ends_.push_back(edges_.size());
   }
-  output_.open(name);
+  qx_.resize(edges_.size());
+  qy_.resize(edges_.size());
+  output_.open(request.result);
 }
 
-void CMonitorSection::WriteMeasure() {
+void CMonitorSection::WriteMeasure(const fields::Flow& flow, double t) {
   next_time_ += interval_;
-  Handoff::monitorSection.start([this] { WriteOutputThread(); });
+  writer_.wait();
+  // Intended: the time of the step, whereas gauges write the scheduled time.
+  time_ = t;
+  flow.read(fields::Field::discharge_x, cells_, qx_);
+  flow.read(fields::Field::discharge_y, cells_, qy_);
+  writer_.hand_over([this] { return WriteOutputThread(); });
 }
 
-void CMonitorSection::WriteOutputThread() {
-  // Intended: the time of the step, whereas gauges write the scheduled time.
-  const double time = Globals::t;
-  for (std::size_t s = 0; s < sections_.size(); ++s) {
-    double Q = 0.0;
-    for (const GenericInterface* edge : sections_[s]) Q = edge->add_discharge(Q);
-    discharges_[s] = Q;
-  }
-  Handoff::monitorSection.release();
-
+bool CMonitorSection::WriteOutputThread() {
   utils::TextBuffer line;
-  line << time << '\t';
-  for (const double Q : discharges_) line << Q << '\t';
+  line << time_ << '\t';
+  std::size_t i = 0;
+  for (const std::size_t end : section_ends_) {
+    double Q = 0.0;
+    for (; i < end; ++i) Q = physics::add_edge_discharge(Q, qx_[i], qy_[i], edges_[i]);
+    line << Q << '\t';
+  }
   line << '\n';
-  output_.write(line);
+  return output_.write(line);
+}
+
+void CMonitorSection::close() {
+  if (!output_.close()) writer_.note_failure();
 }

@@ -1,39 +1,42 @@
 // Time series of the discharge through lines of edges.
 #pragma once
 
-#include <memory>
-#include <string>
 #include <vector>
 
-#include "interfaces/GenericInterface.hpp"
+#include "case/Case.hpp"
+#include "fields/Flow.hpp"
 #include "utils/OutputFile.hpp"
+#include "utils/WriterThread.hpp"
 
 class CMonitorSection {
  public:
-  /// Reads the sections file: count, interval (s), result file name, then per section its number of
-  /// edges and their indices. The result file stands in the working directory.
-  CMonitorSection(const std::string& path,
-                  const std::vector<std::unique_ptr<GenericInterface>>& interfaces,
-                  double start_time);
+  /// Creates the result file.
+  CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh, double start_time);
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
-  /// Schedules the next recording and starts the writer.
-  void WriteMeasure();
+  /// Records the flow at time t (s): schedules the next recording and hands this one to the writer.
+  void WriteMeasure(const fields::Flow& flow, double t);
   /// Time between recordings, s.
   double interval() const { return interval_; }
-  /// Numbers of the cells that it looks at.
-  const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
-  void WriteOutputThread();
+  bool WriteOutputThread();
+  /// Waits until the last recording is written.
+  void wait() { writer_.wait(); }
   /// Closes the result file, after the last recording.
-  void close() { output_.close(); }
+  void close();
+  /// Whether the run must end, which has been said.
+  bool has_failed() const { return writer_.has_failed(); }
 
  private:
-  std::vector<std::vector<const GenericInterface*>> sections_;
-  double interval_ = 0.0;  ///< s
-  double next_time_;       ///< s
-  std::vector<int> watched_cells_;
+  double interval_;   ///< s
+  double next_time_;  ///< s
+  // Of the edges of the first section, of the second, ...
+  std::vector<std::size_t> section_ends_;  ///< where the edges of each section end
+  std::vector<physics::Edge> edges_;
+  std::vector<cases::Number> cells_;  ///< at their left
+  std::vector<double> qx_, qy_;       ///< in these cells, m2/s
+  double time_ = 0.0;                 ///< of the recording, s
   utils::LineFile output_;
-  std::vector<double> discharges_;  ///< m3/s
+  utils::WriterThread writer_;  ///< uses all that stands above
 };

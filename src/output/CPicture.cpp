@@ -2,9 +2,6 @@
 
 #include <set>
 
-#include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
-#include "utils/TextScanner.hpp"
 #include "utils/snapshot_name.hpp"
 #include "utils/stop.hpp"
 
@@ -13,10 +10,10 @@ namespace {
 /// Warnings about snapshots that will not be what their names say.
 class SnapshotWarnings {
  public:
-  /// The times up to that of the snapshot (counted from 0), and its file name.
-  void check(int snapshot, const std::vector<double>& times, const std::string& name) {
+  /// The snapshot (counted from 0), and its file name.
+  void check(std::size_t snapshot, const std::vector<double>& times, const std::string& name) {
     const std::string who = "snapshot " + std::to_string(snapshot) + " (counted from 0), " + name;
-    if (times.size() > 1 && times.back() < times[times.size() - 2]) {
+    if (snapshot > 0 && times[snapshot] < times[snapshot - 1]) {
       late_.add(who + ", has an earlier time than the one before it: it will show a later flow.");
     }
     if (!names_.insert(name).second) {
@@ -32,18 +29,18 @@ class SnapshotWarnings {
 
 }  // namespace
 
-CPicture::CPicture(const std::string& path) {
-  utils::TextScanner file(path);
-  const int count = file.read_count("number of snapshots", 1);
+CPicture::CPicture(const cases::SnapshotRequest& request, const std::string& prefix,
+                   const cases::Case& contents)
+    : times_(request.times), snapshot_(contents) {
   SnapshotWarnings warnings;
-  for (int i = 0; i < count; ++i) {
-    file.begin_record("snapshot", i, count);
-    times_.push_back(file.read_number("time"));
-    names_.push_back(Globals::g_outputPath + utils::snapshot_name(times_.back()));
+  for (std::size_t i = 0; i < times_.size(); ++i) {
+    names_.push_back(prefix + utils::snapshot_name(times_[i]));
     warnings.check(i, times_, names_.back());
   }
 }
 
-void CPicture::WriteMeasure(PhysicalModel* model) {
-  Handoff::picture.start([model, name = names_[next_++]] { model->printPicture(name); });
+void CPicture::WriteMeasure(const fields::Flow& flow) {
+  writer_.wait();
+  snapshot_.gather(flow);
+  writer_.hand_over([this, snapshot = next_++] { return snapshot_.write(names_[snapshot]); });
 }

@@ -4,22 +4,30 @@
 #include <string>
 #include <vector>
 
-#include "model/PhysicalModel.hpp"
+#include "output/Snapshot.hpp"
+#include "utils/WriterThread.hpp"
 
 class CPicture {
  public:
-  /// Reads the snapshot-times file: count, then the times (s), in increasing order.
-  explicit CPicture(const std::string& path);
+  /// The names of the files begin with the prefix. The mesh must outlive the snapshots.
+  CPicture(const cases::SnapshotRequest& request, const std::string& prefix,
+           const cases::Case& contents);
 
   /// Whether the next snapshot is due at time t, within a tolerance (s).
   bool CheckTime(double t, double tolerance) const {
     return next_ < times_.size() && t >= times_[next_] - tolerance;
   }
-  /// Starts the writer of the next snapshot.
-  void WriteMeasure(PhysicalModel* model);
+  /// Takes the present flow as the next snapshot and hands it to the writer.
+  void WriteMeasure(const fields::Flow& flow);
+  /// Waits until the last snapshot is written.
+  void wait() { writer_.wait(); }
+  /// Whether the run must end, which has been said.
+  bool has_failed() const { return writer_.has_failed(); }
 
  private:
   std::vector<std::string> names_;
   std::size_t next_ = 0;
   std::vector<double> times_;  ///< s
+  Snapshot snapshot_;
+  utils::WriterThread writer_;  ///< uses all that stands above
 };

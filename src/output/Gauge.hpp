@@ -5,36 +5,46 @@
 #include <string>
 #include <vector>
 
-#include "model/ComputationalCell.hpp"
-#include "utils/OutputFile.hpp"
+#include "case/Case.hpp"
+#include "fields/Flow.hpp"
+#include "output/COutput.hpp"
+#include "utils/WriterThread.hpp"
 
-/// Finds the cell that contains a point of the plane; null if there is none.
-using CellLocator = std::function<const ComputationalCell*(double x, double y)>;
+/// Finds the cell that contains a point of the plane; -1 if there is none.
+using CellLocator = std::function<cases::Number(double x, double y)>;
 
 class Gauge {
  public:
-  /// Reads the gauges file: count, result file name, interval (s), points x y z. Creates the result
-  /// file in the output folder and writes its header.
-  Gauge(const std::string& path, const CellLocator& cell_with_point, double start_time);
+  /// Creates the result file, whose name begins with the prefix, and writes its header.
+  Gauge(const cases::GaugeRequest& request, const std::string& prefix,
+        const CellLocator& cell_with_point, double start_time);
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
-  /// Schedules the next recording and starts the writer.
-  void WriteMeasure();
+  /// Records the present flow: schedules the next recording and hands this one to the writer.
+  void WriteMeasure(const fields::Flow& flow);
   /// Time between recordings, s.
   double interval() const { return interval_; }
-  /// Numbers of the cells that it records.
-  const std::vector<int>& watched_cells() const { return watched_cells_; }
   /// Body of the writer.
-  void WriteOutputThread();
+  bool WriteOutputThread();
+  /// Waits until the last recording is written.
+  void wait() { writer_.wait(); }
   /// Closes the result file, after the last recording.
-  void close() { output_.close(); }
+  void close();
+  /// Whether the run must end, which has been said.
+  bool has_failed() const { return writer_.has_failed(); }
 
  private:
-  double interval_ = 0.0;  ///< s
-  double next_time_;       ///< s
-  std::vector<const ComputationalCell*> cells_;
-  std::vector<int> watched_cells_;
+  bool write_header();
+  void gather(const fields::Flow& flow, fields::Field field, double GaugeState::*value);
+
+  double interval_;                   ///< s
+  double next_time_;                  ///< s
+  std::vector<cases::Number> cells_;  ///< of the points that lie in one
+  std::vector<std::size_t> points_;   ///< the points of these cells
+  std::vector<double> values_;        ///< of these cells
+  double time_ = 0.0;                 ///< of the recording, s
+  std::vector<GaugeState> states_;    ///< of all points
   utils::LineFile output_;
-  std::vector<HydraulicVariableSWE> buffer_;
+  utils::WriterThread writer_;  ///< uses all that stands above
 };

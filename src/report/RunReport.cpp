@@ -8,8 +8,6 @@
 #include <stdexcept>
 
 #include "globals/Globals.hpp"
-#include "model/SWE_Exner.hpp"
-#include "model/StepWatch.hpp"
 #include "report/cell_json.hpp"
 #include "report/failure_surroundings.hpp"
 #include "utils/OutputFile.hpp"
@@ -30,7 +28,7 @@ json boundaries_json(const PassedByKind& boundaries) {
   for (std::size_t k = 0; k < boundaries.size(); ++k) {
     const Passed& passed = boundaries[k];
     if (passed.edges == 0) continue;
-    result[open_kind_names[k]] = {
+    result[cases::boundary_kinds[k].in_books] = {
         {"edges", passed.edges}, {"in_m3", passed.in.value()}, {"out_m3", passed.out.value()}};
   }
   return result;
@@ -56,6 +54,19 @@ json sediment_json(const Books& books) {
           {"relative_error", books.relative_error()}};
 }
 
+/// That of the smallest characteristic length.
+cases::Number smallest_cell(const cases::Mesh& mesh) {
+  cases::Number smallest = -1;
+  double length = 0.0;
+  for (cases::Number cell = 0; cell < mesh.n_cells(); ++cell) {
+    const double of_cell = mesh.geometry_of(cell).char_length();
+    if (smallest >= 0 && !(of_cell < length)) continue;
+    smallest = cell;
+    length = of_cell;
+  }
+  return smallest;
+}
+
 }  // namespace
 
 RunReport::RunReport(std::string file, std::string data_file)
@@ -69,18 +80,16 @@ RunReport::RunReport(std::string file, std::string data_file)
   }
 }
 
-void RunReport::begin(PhysicalModel& model) {
+void RunReport::begin(fields::Flow& flow, const cases::Case& contents) {
   if (utils::is_input_file(file_)) {
     utils::fatal("Error. The report " + file_ + " would replace an input file of this run.\n");
   }
   enter(Phase::steps);
-  model_ = &model;
-  model.watch_steps();
-  ledger_ = std::make_unique<VolumeLedger>(model);
-  const auto smallest = std::min_element(
-      model.cells.begin(), model.cells.end(),
-      [](const auto& a, const auto& b) { return a->char_length < b->char_length; });
-  if (smallest != model.cells.end()) smallest_cell_ = (*smallest)->id;
+  flow_ = &flow;
+  case_ = &contents;
+  flow.watch();
+  ledger_ = std::make_unique<VolumeLedger>(flow, contents);
+  smallest_cell_ = smallest_cell(contents.mesh);
   note_state();
 }
 
@@ -92,9 +101,9 @@ void RunReport::add_step(double t, double dt) {
 
 /// The state that the clock stands at, and the step that it set.
 void RunReport::note_state() {
-  const physics::StepNotes& notes = model_->step_watch().notes();
+  const physics::StepNotes& notes = flow_->notes();
   StepRecord step = {Globals::t, Globals::dt, notes.limiting_cell, {}};
-  if (step.cell >= 0) step.state = model_->state_of(step.cell);
+  if (step.cell >= 0) step.state = flow_->state(step.cell);
   history_.add(step);
   note_peak(fastest_, notes.speed_squared);
   note_peak(most_rapid_, notes.speed_squared_per_depth);
@@ -106,52 +115,48 @@ void RunReport::note_state() {
 
 void RunReport::note_peak(Peak& peak, const physics::FlowRecord& record) const {
   if (record.value > peak.record.value) {
-    peak = {record, Globals::t, model_->state_of(record.cell)};
+    peak = {record, Globals::t, flow_->state(record.cell)};
   }
 }
 
-void RunReport::add_failure(const std::string& what, int cell, const std::string& snapshot) {
+void RunReport::add_failure(const std::string& what, cases::Number cell,
+                            const std::string& snapshot) {
   what_failed_ = what;
   if (has_failure()) return;
   failure_ = {{"what", what}, {"time_s", Globals::t}, {"steps_computed", steps_}};
-  if (cell >= 0) failure_.update(surroundings_of(*model_, cell));
+  if (cell >= 0) failure_.update(surroundings_of(*flow_, *case_, cell));
   failure_["snapshot"] = snapshot;
   failure_["last_steps"] = last_steps();
 }
 
-void RunReport::write(int status, const std::string& message) {
+bool RunReport::write(int status, const std::string& message) {
   enter(Phase::outputs);
-  if (utils::is_input_file(file_)) return;  // begin() says so, unless the run ended before
+  if (utils::is_input_file(file_)) return true;  // begin() says so, unless the run ended before
   json report = {{"data_file", data_file_},
                  {"outcome", outcome(status, message)},
                  {"time", simulated_time()},
                  {"wall_time", wall_times()}};
-  if (model_ != nullptr) add_what_the_model_tells(report);
+  if (flow_ != nullptr) add_what_the_flow_tells(report);
   if (!failure_.is_null()) report["failure"] = failure_;
   report["keys"] = keys();
   utils::WholeFile file(file_);
   utils::TextBuffer text;
   text << report.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
-  file.commit(text);
+  return file.commit(text);
 }
 
-void RunReport::add_what_the_model_tells(json& report) const {
-  model_->publish();
+void RunReport::add_what_the_flow_tells(json& report) const {
   report["execution"] = execution();
   report["steps"] = steps();
   report["water"] = water_json(ledger_->water());
-  if (dynamic_cast<const SWE_Exner*>(model_) != nullptr) {
-    report["sediment"] = sediment_json(ledger_->sediment());
-  }
+  if (case_->has_sediments) report["sediment"] = sediment_json(ledger_->sediment());
   report["velocity"] = velocity();
   report["not_a_number"] = not_a_number();
 }
 
 // --- Parts of the report -------------------------------------------------------------------------
 
-const ComputationalCell& RunReport::cell(int number) const {
-  return *model_->cells[static_cast<std::size_t>(number)];
-}
+json RunReport::place_of(cases::Number cell) const { return ::place_of(case_->mesh, cell); }
 
 json RunReport::step_json(const StepRecord& step) const {
   const bool by_wave = step.cell >= 0;
@@ -160,8 +165,8 @@ json RunReport::step_json(const StepRecord& step) const {
                  {"set_by", by_wave ? "wave" : "dry cells: the smallest cell counts"}};
   const int number = by_wave ? step.cell : smallest_cell_;
   if (number < 0) return result;
-  result.update(place_of(cell(number)));
-  result["length_m"] = cell(number).char_length;
+  result.update(place_of(number));
+  result["length_m"] = case_->mesh.geometry_of(number).char_length();
   if (!by_wave) return result;
   result["depth_m"] = step.state.h;
   result["velocity_m_per_s"] = speed_of(step.state);
@@ -171,7 +176,7 @@ json RunReport::step_json(const StepRecord& step) const {
 json RunReport::peak_json(const Peak& peak, const char* name, double value) const {
   if (peak.record.cell < 0) return json();
   json result = {{name, value}, {"time_s", peak.t}};
-  result.update(place_of(cell(peak.record.cell)));
+  result.update(place_of(peak.record.cell));
   result["depth_m"] = peak.state.h;
   return result;
 }
@@ -215,18 +220,18 @@ json RunReport::wall_times() const {
 }
 
 json RunReport::execution() const {
-  const ExecutionPath path = model_->execution_path();
+  const fields::ExecutionPath path = flow_->execution_path();
   return {{"path", path.name},
           {"threads", path.threads},
           {"instruction_set", path.instruction_set},
-          {"cells", model_->n_cells}};
+          {"cells", case_->mesh.n_cells()}};
 }
 
 json RunReport::steps() const {
   json often = json::array();
   for (const StepHistory::CellCount& count : history_.most_frequent()) {
     often.push_back({{"steps", count.steps}});
-    often.back().update(place_of(cell(count.cell)));
+    often.back().update(place_of(count.cell));
   }
   return {{"computed", steps_},
           {"set", history_.count()},
@@ -246,7 +251,7 @@ json RunReport::velocity() const {
 }
 
 json RunReport::not_a_number() const {
-  json result = {{"cells_at_end", model_->step_watch().notes().not_finite}};
+  json result = {{"cells_at_end", flow_->notes().not_finite}};
   if (lost_at_step_ < 0) return result;
   result["first_seen_at_s"] = lost_at_t_;
   result["first_seen_after_steps"] = lost_at_step_;

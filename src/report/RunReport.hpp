@@ -6,7 +6,8 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "model/PhysicalModel.hpp"
+#include "case/Case.hpp"
+#include "fields/Flow.hpp"
 #include "physics/flow_extremes.hpp"
 #include "report/PhaseClock.hpp"
 #include "report/StepHistory.hpp"
@@ -21,9 +22,9 @@ class RunReport {
   void take_keys(const utils::DataFileReader& reader) { key_uses_ = reader.key_uses(); }
   /// From now on the wall time counts for this phase.
   void enter(Phase phase) { clock_.enter(phase); }
-  /// The steps of the model begin, which must live until the report is written. The clock stands at
-  /// its start and the first step is set.
-  void begin(PhysicalModel& model);
+  /// The steps of the flow of a case begin, which must both live until the report is written. The
+  /// clock stands at its start and the first step is set.
+  void begin(fields::Flow& flow, const cases::Case& contents);
   /// A step of dt (s), which began at t (s), has been computed, and the clock moved.
   void add_step(double t, double dt);
   /// Whether a state was found not to be a number after the last step, for the first time.
@@ -31,9 +32,10 @@ class RunReport {
   bool has_failure() const { return !failure_.is_null(); }
   /// Describes a failure in a cell, in whose instant a snapshot was written. Only the first one of
   /// a run is described.
-  void add_failure(const std::string& what, int cell, const std::string& snapshot);
+  void add_failure(const std::string& what, cases::Number cell, const std::string& snapshot);
   /// Writes the file. `status` is the exit status, `message` what was said about an early end.
-  void write(int status, const std::string& message);
+  /// False if the file is not complete, which has been said.
+  bool write(int status, const std::string& message);
 
  private:
   using json = nlohmann::ordered_json;
@@ -42,12 +44,12 @@ class RunReport {
   struct Peak {
     physics::FlowRecord record;
     double t = 0.0;  ///< s
-    HydraulicVariableSWE state = {};
+    fields::CellState state = {};
   };
 
   void note_state();
   void note_peak(Peak& peak, const physics::FlowRecord& record) const;
-  const ComputationalCell& cell(int number) const;
+  json place_of(cases::Number cell) const;
   json step_json(const StepRecord& step) const;
   json peak_json(const Peak& peak, const char* name, double value) const;
   json last_steps() const;
@@ -59,16 +61,17 @@ class RunReport {
   json velocity() const;
   json not_a_number() const;
   json keys() const;
-  void add_what_the_model_tells(json& report) const;
+  void add_what_the_flow_tells(json& report) const;
 
   std::string file_;
   std::string data_file_;
   utils::KeyUses key_uses_;
   PhaseClock clock_;
 
-  PhysicalModel* model_ = nullptr;  ///< null before the steps
+  fields::Flow* flow_ = nullptr;  ///< null before the steps
+  const cases::Case* case_ = nullptr;
   std::unique_ptr<VolumeLedger> ledger_;
-  int smallest_cell_ = -1;  ///< of the mesh
+  cases::Number smallest_cell_ = -1;  ///< of the mesh
   StepHistory history_;
   long steps_ = 0;          ///< computed
   long lost_at_step_ = -1;  ///< after which a state was first found not to be a number

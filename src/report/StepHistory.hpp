@@ -5,13 +5,13 @@
 #include <unordered_map>
 #include <vector>
 
-#include "model/HydraulicVariableSWE.hpp"
+#include "fields/Flow.hpp"
 
 /// A step, and the state that set it.
 struct StepRecord {
-  double t = 0.0, dt = 0.0;         ///< of the clock, and the step from there on, s
-  int cell = -1;                    ///< whose wave set it; -1: dry cells did, or nothing
-  HydraulicVariableSWE state = {};  ///< of the cell
+  double t = 0.0, dt = 0.0;      ///< of the clock, and the step from there on, s
+  int cell = -1;                 ///< whose wave set it; -1: dry cells did, or nothing
+  fields::CellState state = {};  ///< of the cell
 };
 
 class StepHistory {

@@ -2,36 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <optional>
+#include <map>
 
-#include "globals/Globals.hpp"
-#include "interfaces/HydroBCDischarge.hpp"
-#include "interfaces/HydroBCHydrograph.hpp"
-#include "interfaces/HydroBCLimnigraph.hpp"
-#include "interfaces/HydroBCTransmissive.hpp"
-#include "interfaces/HydroBCWaterLevel.hpp"
-#include "model/PhysicalModel.hpp"
-#include "model/StepWatch.hpp"
-#include "sources/RainTerm.hpp"
-
-namespace {
-
-template <class Class>
-bool is_a(const GenericInterface& interface) {
-  return dynamic_cast<const Class*>(&interface) != nullptr;
-}
-
-/// None for a wall.
-std::optional<OpenKind> kind_of(const GenericInterface& interface) {
-  if (is_a<HydroBCTransmissive>(interface)) return OpenKind::transmissive;
-  if (is_a<HydroBCDischarge>(interface)) return OpenKind::discharge;
-  if (is_a<HydroBCWaterLevel>(interface)) return OpenKind::water_level;
-  if (is_a<HydroBCHydrograph>(interface)) return OpenKind::hydrograph;
-  if (is_a<HydroBCLimnigraph>(interface)) return OpenKind::limnigraph;
-  return std::nullopt;
-}
-
-}  // namespace
+using cases::at;
+using cases::Number;
 
 double Books::error() const {
   CompensatedSum sum;
@@ -57,67 +31,93 @@ double Books::relative_error() const {
   return turnover == 0.0 ? 0.0 : error() / turnover;
 }
 
-VolumeLedger::VolumeLedger(const PhysicalModel& model) : model_(model), initial_(stored()) {
+VolumeLedger::VolumeLedger(const fields::Flow& flow, const cases::Case& contents)
+    : flow_(flow), case_(contents), initial_(stored()) {
   find_boundaries();
   find_rain();
 }
 
-VolumeLedger::Stored VolumeLedger::stored() const {
-  CompensatedSum water, soil, sediment;
-  for (const auto& cell : model_.cells) {
-    water.add(cell->U.h * cell->area);
-    soil.add(cell->param.infiltrated_depth * cell->area);
-    sediment.add(cell->U.hs * cell->area);
+double VolumeLedger::volume_of(fields::Field field) const {
+  std::vector<double> depths(at(case_.mesh.n_cells()));
+  flow_.read(field, depths);
+  CompensatedSum sum;
+  for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
+    sum.add(depths[at(cell)] * case_.mesh.geometry_of(cell).area);
   }
-  return {water.value(), soil.value(), sediment.value()};
+  return sum.value();
+}
+
+double VolumeLedger::unseen_volume(double fields::UnseenDepth::*depth) const {
+  CompensatedSum sum;
+  for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
+    sum.add(flow_.unseen_depth(cell).*depth * case_.mesh.geometry_of(cell).area);
+  }
+  return sum.value();
+}
+
+VolumeLedger::Stored VolumeLedger::stored() const {
+  using fields::Field;
+  return {volume_of(Field::depth), volume_of(Field::infiltrated_depth),
+          volume_of(Field::sediment_thickness)};
 }
 
 void VolumeLedger::find_boundaries() {
-  constexpr std::size_t slots_that_count = 3;  // of a cell, see ComputationalCell::flux_balance
-  int number = 0;
-  for (const auto& interface : model_.interfaces) {
-    if (interface->cell_right != nullptr) continue;
-    const auto kind = kind_of(*interface);
-    if (kind) {
-      const auto k = static_cast<std::size_t>(*kind);
-      ++water_passed_[k].edges;
-      ++sediment_passed_[k].edges;
-      if (interface->local_index_left < slots_that_count) {
-        boundaries_.push_back({interface.get(), number, k});
-      }
+  constexpr int slots_that_count = 3;  // of a cell; the fluxes of its further edges have no effect
+  const cases::Mesh& mesh = case_.mesh;
+  std::vector<int> slots(at(mesh.n_cells()), 0);  // of the edges so far
+  auto boundary = mesh.boundaries.begin();
+  for (Number edge = 0; edge < mesh.n_edges() && boundary != mesh.boundaries.end(); ++edge) {
+    const Number left = mesh.left[at(edge)], right = mesh.right[at(edge)];
+    if (boundary->edge == edge) {
+      const bool counts = slots[at(left)] < slots_that_count;
+      add_boundary(static_cast<int>(boundary - mesh.boundaries.begin()), counts);
+      ++boundary;
     }
-    ++number;
+    ++slots[at(left)];
+    if (right >= 0) ++slots[at(right)];
   }
 }
 
+void VolumeLedger::add_boundary(int number, bool counts) {
+  const cases::BoundaryKind* const kind =
+      cases::boundary_kind(case_.mesh.boundaries[at(number)].code);
+  if (kind->in_books.empty()) return;
+  const auto k = static_cast<std::size_t>(kind - cases::boundary_kinds.data());
+  ++water_passed_[k].edges;
+  ++sediment_passed_[k].edges;
+  if (counts) boundaries_.push_back({number, k});
+}
+
 void VolumeLedger::find_rain() {
-  for (const auto& cell : model_.cells) {
-    for (const SourceTerm* source : cell->source_terms) {
-      const auto* rain = dynamic_cast<const RainTerm*>(source);
-      if (rain == nullptr) continue;
-      const auto known = std::find_if(
-          rained_.begin(), rained_.end(),
-          [&](const RainedCells& cells) { return cells.hyetogram.times == rain->times.data(); });
-      if (known != rained_.end()) {
-        known->area += cell->area;
-        continue;
-      }
-      const ParamCell& p = cell->param;
-      rained_.push_back(
-          {rain->hyetogram(), {p.last_update_time, p.hyetogram_index, p.rain_dt}, cell->area});
+  std::map<int, std::size_t> known;
+  for (std::size_t cell = 0; cell < case_.fields.rain.size(); ++cell) {
+    const int number = case_.fields.rain[cell];
+    if (number < 0) continue;
+    const double area = case_.mesh.geometry_of(static_cast<Number>(cell)).area;
+    const auto [entry, is_new] = known.try_emplace(number, rained_.size());
+    if (!is_new) {
+      rained_[entry->second].area += area;
+      continue;
     }
+    const cases::Hyetogram& rain = case_.rain[at(number)];
+    constexpr int not_located = -1;
+    constexpr double no_burst = 1e20;  // s
+    rained_.push_back({{rain.times.data(), rain.intensities.data(),
+                        static_cast<int>(rain.times.size()), static_cast<double>(rain.step)},
+                       {case_.t_start, not_located, no_burst},
+                       area});
   }
 }
 
 void VolumeLedger::add_step(double t, double dt) {
   for (const OpenBoundary& boundary : boundaries_) {
-    const BoundaryInflow inflow = model_.boundary_inflow(*boundary.interface, boundary.number);
+    const fields::BoundaryInflow inflow = flow_.boundary_inflow(boundary.number);
     water_passed_[boundary.kind].add(inflow.water * dt);
     sediment_passed_[boundary.kind].add(inflow.bed * dt);
   }
   for (RainedCells& cells : rained_) {
-    const physics::RainAddition rain = physics::rain_addition(
-        cells.hyetogram, cells.clock, t, Globals_Params::tStart, Globals_Params::tEnd);
+    const physics::RainAddition rain =
+        physics::rain_addition(cells.hyetogram, cells.clock, t, case_.t_start, case_.t_end);
     cells.clock = rain.clock;
     rain_.add(rain.depth * cells.area);
   }
@@ -125,25 +125,17 @@ void VolumeLedger::add_step(double t, double dt) {
 
 Books VolumeLedger::water() const {
   const Stored now = stored();
-  CompensatedSum recovered;
-  for (const auto& cell : model_.cells) {
-    recovered.add(model_.step_watch().unseen_depth(cell->id).recovered * cell->area);
-  }
   // No rule of the models sets a depth, so none creates water.
   return {.initial = initial_.water,
           .final = now.water,
           .boundaries = water_passed_,
           .rain = rain_.value(),
-          .infiltrated = now.soil - initial_.soil + recovered.value()};
+          .infiltrated = now.soil - initial_.soil + unseen_volume(&fields::UnseenDepth::recovered)};
 }
 
 Books VolumeLedger::sediment() const {
-  CompensatedSum lifted;
-  for (const auto& cell : model_.cells) {
-    lifted.add(model_.step_watch().unseen_depth(cell->id).lifted * cell->area);
-  }
   return {.initial = initial_.sediment,
-          .final = stored().sediment,
+          .final = volume_of(fields::Field::sediment_thickness),
           .boundaries = sediment_passed_,
-          .created = lifted.value()};
+          .created = unseen_volume(&fields::UnseenDepth::lifted)};
 }

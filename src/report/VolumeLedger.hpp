@@ -4,11 +4,11 @@
 #include <array>
 #include <vector>
 
+#include "case/Case.hpp"
+#include "case/boundary_kinds.hpp"
+#include "fields/Flow.hpp"
 #include "physics/rain.hpp"
 #include "report/CompensatedSum.hpp"
-
-class GenericInterface;
-class PhysicalModel;
 
 /// What the boundaries of a kind let pass, m3.
 struct Passed {
@@ -18,11 +18,8 @@ struct Passed {
   void add(double volume) { (volume < 0.0 ? out : in).add(std::fabs(volume)); }
 };
 
-/// The kinds of boundaries that anything can pass.
-enum class OpenKind { transmissive, discharge, water_level, hydrograph, limnigraph };
-inline constexpr std::array<const char*, 5> open_kind_names = {
-    "transmissive", "discharge", "water_level", "hydrograph", "limnigraph"};
-using PassedByKind = std::array<Passed, open_kind_names.size()>;
+/// In the order of cases::boundary_kinds.
+using PassedByKind = std::array<Passed, cases::boundary_kinds.size()>;
 
 /// The books of what is kept in one stock: the water above the ground, or the sediment with its
 /// pores.
@@ -41,14 +38,14 @@ struct Books {
 
 class VolumeLedger {
  public:
-  /// To be opened before the first step, while the objects are up to date. The model must watch
-  /// its steps.
-  explicit VolumeLedger(const PhysicalModel& model);
+  /// To be opened before the first step of a flow that is watched. Flow and case must outlive the
+  /// ledger.
+  VolumeLedger(const fields::Flow& flow, const cases::Case& contents);
 
   /// Books a step of dt (s) that began at time t (s), after it was computed.
   void add_step(double t, double dt);
 
-  /// The books up to now; the objects must be up to date.
+  /// The books up to now.
   Books water() const;
   Books sediment() const;
 
@@ -63,16 +60,20 @@ class VolumeLedger {
     double area;  ///< m2
   };
   struct OpenBoundary {
-    const GenericInterface* interface;
-    int number;  ///< among the boundaries of the model
-    std::size_t kind;
+    int number;        ///< among the boundaries of the mesh
+    std::size_t kind;  ///< in cases::boundary_kinds
   };
 
   Stored stored() const;
+  /// What all cells hold of a field, times their areas, m3.
+  double volume_of(fields::Field field) const;
+  double unseen_volume(double fields::UnseenDepth::*depth) const;
   void find_boundaries();
+  void add_boundary(int number, bool counts);
   void find_rain();
 
-  const PhysicalModel& model_;
+  const fields::Flow& flow_;
+  const cases::Case& case_;
   Stored initial_;
   std::vector<OpenBoundary> boundaries_;
   PassedByKind water_passed_, sediment_passed_;

@@ -2,10 +2,11 @@
 
 #include <cmath>
 
-nlohmann::ordered_json place_of(const ComputationalCell& cell) {
-  return {{"cell", cell.id}, {"centre_m", {cell.center.x, cell.center.y}}};
+nlohmann::ordered_json place_of(const cases::Mesh& mesh, cases::Number cell) {
+  const physics::SpacePoint center = mesh.center_of(cell);
+  return {{"cell", cell}, {"centre_m", {center.x, center.y}}};
 }
 
-double speed_of(const HydraulicVariableSWE& state) {
+double speed_of(const fields::CellState& state) {
   return state.h != 0.0 ? std::hypot(state.qx, state.qy) / state.h : 0.0;
 }

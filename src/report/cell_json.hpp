@@ -3,10 +3,11 @@
 
 #include <nlohmann/json.hpp>
 
-#include "model/ComputationalCell.hpp"
+#include "case/Mesh.hpp"
+#include "fields/Flow.hpp"
 
 /// Number and centre.
-nlohmann::ordered_json place_of(const ComputationalCell& cell);
+nlohmann::ordered_json place_of(const cases::Mesh& mesh, cases::Number cell);
 
 /// Speed of a state, m/s; 0 without water.
-double speed_of(const HydraulicVariableSWE& state);
+double speed_of(const fields::CellState& state);

@@ -4,9 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
-class PhysicalModel;
+#include "case/Case.hpp"
+#include "fields/Flow.hpp"
 
-/// "cells", the cell first, and "edges" of these cells. The fluxes are those of the present states:
-/// they are computed into the slots of the objects, which the next step overwrites. The objects
-/// must be up to date.
-nlohmann::ordered_json surroundings_of(PhysicalModel& model, int cell);
+/// "cells", the cell first, and "edges" of these cells. The fluxes are those of the present states.
+nlohmann::ordered_json surroundings_of(const fields::Flow& flow, const cases::Case& contents,
+                                       cases::Number cell);

@@ -1,6 +1,7 @@
-// A result table with a row per cell, which begins with the cell's centre.
+// A result table with a row per cell: its centre and the level of its bed, then values.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -12,19 +13,19 @@ namespace utils {
 /// its centre with three decimals; everything else has six significant digits.
 class CellTable {
  public:
-  CellTable(const std::string& name, std::string_view header);
+  /// Where the third column comes from.
+  enum class Bed { z_of_the_centre, first_value };
 
-  /// Starts a row; the coordinates of the centre go into the buffer returned.
-  TextBuffer& begin_row(double x);
-  /// Ends the centre; the values go into the buffer returned.
-  TextBuffer& begin_values();
-  void end_row();
-  /// Puts the complete file in its place.
-  void commit() { file_.commit(text_); }
+  CellTable(const std::string& name, std::string_view header, Bed bed = Bed::z_of_the_centre);
+
+  void add_row(double x, double y, double z, std::span<const double> values);
+  /// Puts the complete file in its place; see WholeFile.
+  bool commit() { return file_.commit(text_); }
 
  private:
   WholeFile file_;
   TextBuffer text_;
+  Bed bed_;
 };
 
 }  // namespace utils

@@ -9,7 +9,6 @@
 #include <set>
 #include <system_error>
 
-#include "globals/WriterHandoff.hpp"
 #include "utils/files.hpp"
 #include "utils/signals.hpp"
 #include "utils/stop.hpp"
@@ -33,16 +32,13 @@ void warn_once(const std::string& name, const std::string& trouble) {
 
 std::string reason_of(int error) { return std::generic_category().message(error); }
 
-/// Says what keeps a file from being what it should be, and lets the run end.
-void fail(const std::string& name, const std::string& trouble) {
+/// Says what keeps a file from being what it should be.
+void say_failure(const std::string& name, const std::string& trouble) {
   if (is_first_trouble(name)) std::cerr << "Error. The file " + name + " " + trouble + ".\n";
-  Thread::has_failed = true;
 }
 
 /// `error` is an error number.
-void fail_incomplete(const std::string& name, int error) {
-  fail(name, "couldn't be written completely: " + reason_of(error));
-}
+std::string incomplete(int error) { return "couldn't be written completely: " + reason_of(error); }
 
 bool is_out_of_space(int error) { return error == ENOSPC || error == EDQUOT; }
 
@@ -71,7 +67,7 @@ bool is_input_itself(const std::string& name) {
 
 WholeFile::WholeFile(std::string name) : name_(std::move(name)), place_(place_of(name_)) {
   if (is_input_file(place_) || is_input_itself(place_ + ".part")) {
-    fail(name_, "isn't written: it, or its name with .part, is an input file of this run");
+    fail("isn't written: it, or its name with .part, is an input file of this run");
     return;
   }
   create();
@@ -83,7 +79,7 @@ void WholeFile::create() {
     const int error = file_.create_anew(temporary_name_);
     if (is_out_of_space(error)) {
       // An earlier file stays: it is not emptied for one that cannot be written.
-      fail_incomplete(name_, error);
+      fail(incomplete(error));
       return;
     }
   }
@@ -105,13 +101,14 @@ void WholeFile::put(const TextBuffer& text) {
   if (file_.is_open() && error_ == 0) error_ = file_.write(text.text());
 }
 
-void WholeFile::commit(const TextBuffer& rest) {
-  if (!file_.is_open()) return;
+bool WholeFile::commit(const TextBuffer& rest) {
+  if (!file_.is_open()) return !has_failed_;
   put(rest);
   const int error_of_close = file_.close();
   if (error_ == 0) error_ = error_of_close;
-  if (error_ != 0) fail_incomplete(name_, error_);
+  if (error_ != 0) fail(incomplete(error_));
   if (!temporary_name_.empty()) put_in_place();
+  return !has_failed_;
 }
 
 void WholeFile::put_in_place() {
@@ -119,9 +116,13 @@ void WholeFile::put_in_place() {
     std::remove(temporary_name_.c_str());
   } else if (std::rename(temporary_name_.c_str(), place_.c_str()) != 0) {
     const std::string reason = reason_of(errno);
-    fail(name_,
-         "couldn't be put in its place: " + reason + "; it is complete as " + temporary_name_);
+    fail("couldn't be put in its place: " + reason + "; it is complete as " + temporary_name_);
   }
+}
+
+void WholeFile::fail(const std::string& trouble) {
+  say_failure(name_, trouble);
+  has_failed_ = true;
 }
 
 void LineFile::open(const std::string& name) {
@@ -134,8 +135,8 @@ void LineFile::open(const std::string& name) {
   if (!is_created_) warn_once(name_, "couldn't be created.");
 }
 
-void LineFile::write(const TextBuffer& line) {
-  if (!file_.is_open()) return;
+bool LineFile::write(const TextBuffer& line) {
+  if (!file_.is_open()) return true;
   int error = 0;
   {
     // A pipe may never be emptied: the end of the run does not wait for it.
@@ -146,15 +147,17 @@ void LineFile::write(const TextBuffer& line) {
   }
   if (error == 0) {
     size_ += line.text().size();
-    return;
+    return true;
   }
-  fail_incomplete(name_, error);
+  say_failure(name_, incomplete(error));
   file_.close();
+  return false;
 }
 
-void LineFile::close() {
+bool LineFile::close() {
   const int error = file_.close();
-  if (error != 0) fail_incomplete(name_, error);
+  if (error != 0) say_failure(name_, incomplete(error));
+  return error == 0;
 }
 
 }  // namespace utils

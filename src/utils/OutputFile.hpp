@@ -20,15 +20,18 @@ class WholeFile {
 
   /// Writes the buffer out and empties it once it has grown large; to be called after every row.
   void drain(TextBuffer& buffer);
-  /// Writes the rest and puts the file in its place; an earlier file stays if that fails.
-  void commit(const TextBuffer& rest);
+  /// Writes the rest and puts the file in its place; an earlier file stays if that fails. False if
+  /// the run must end, which has been said.
+  bool commit(const TextBuffer& rest);
 
  private:
   void create();
   void put(const TextBuffer& text);
   void put_in_place();
+  void fail(const std::string& trouble);
 
   std::string name_;
+  bool has_failed_ = false;
   std::string place_;           ///< the name, or that of the file that a link of the name leads to
   std::string temporary_name_;  ///< empty for a file that is written directly
   WritableFile file_;
@@ -47,10 +50,11 @@ class LineFile {
   void open(const std::string& name);
   /// Whether the file could be created.
   bool is_open() const { return is_created_; }
-  /// Appends a text that ends in a line end; without an open file it is lost.
-  void write(const TextBuffer& line);
-  /// No line comes any more.
-  void close();
+  /// Appends a text that ends in a line end; without an open file it is lost. False if the run must
+  /// end, which has been said.
+  bool write(const TextBuffer& line);
+  /// No line comes any more. False as above.
+  bool close();
 
  private:
   std::string name_;

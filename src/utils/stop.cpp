@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
+#include "utils/WriterThread.hpp"
 #include "utils/standard_streams.hpp"
 
 namespace utils {
@@ -27,7 +27,7 @@ void set_stop_handler(StopHandler handler) { stop_handler = std::move(handler); 
 void close_run(const std::string& message) {
   std::cerr << message;
   flush_console();
-  Handoff::join_all();
+  wait_for_writers();
   if (Globals::spyFile.is_open()) Globals::spyFile.close();
 }
 

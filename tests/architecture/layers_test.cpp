@@ -27,11 +27,10 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"model", {"physics", "case", "interfaces", "sources", "globals", "utils", "engine"}},
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},
-    {"fields", {"physics", "case", "engine", "model", "globals"}},
-    {"output", {"physics", "case", "fields", "model", "interfaces", "globals", "utils"}},
-    {"report", {"physics", "case", "fields", "model", "interfaces", "sources", "globals", "utils"}},
-    {"domain",
-     {"case", "fields", "model", "interfaces", "sources", "output", "report", "globals", "utils"}},
+    {"fields", {"physics", "case", "engine", "model", "globals", "utils"}},
+    {"output", {"physics", "case", "fields", "globals", "utils"}},
+    {"report", {"physics", "case", "fields", "model", "globals", "utils"}},
+    {"domain", {"physics", "case", "fields", "model", "output", "report", "globals", "utils"}},
     {"main", {"domain", "report", "globals", "utils"}}};
 
 std::string without_comments(const std::string& text) {

@@ -14,8 +14,8 @@ class ProgressLines : public testing::Test {
     progress.begin(100.0, 200.0);
     return progress;
   }
-  static FlowSurvey flow() {
-    FlowSurvey flow;
+  static fields::FlowSurvey flow() {
+    fields::FlowSurvey flow;
     flow.wet_cells = 1234;
     flow.largest_speed = 2.5;
     return flow;

@@ -10,7 +10,6 @@
 
 #include "domain/Domain.hpp"
 #include "fuzz/fuzzing.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "support/Case.hpp"
 
 namespace {
@@ -47,7 +46,6 @@ class FuzzedCase {
   }
   void run_with(const std::string& text) {
     folder_.write(fuzzed_file, text);
-    Thread::has_failed = false;
     try {
       Domain domain("data.json");
       domain.Update();

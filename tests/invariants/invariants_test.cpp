@@ -6,9 +6,12 @@
 #include <cstring>
 #include <numbers>
 
+#include "fields/ObjectsFlow.hpp"
+#include "fields/make_flow.hpp"
 #include "support/PlanMesh.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
+#include "support/flow.hpp"
 
 namespace {
 
@@ -31,10 +34,11 @@ support::Plan random_plan(const support::Weather& weather, unsigned seed) {
 std::unique_ptr<SWE> after_steps(const support::Plan& plan, int threads, int count = steps) {
   const support::RunGlobals globals(zero_depth);
   auto model = support::build(plan);
-  if (threads > 0) model->compile(threads);
-  EXPECT_EQ(model->engine != nullptr, threads > 0);
-  support::advance(*model, count, courant);
-  model->publish();
+  std::unique_ptr<fields::Flow> flow = std::make_unique<fields::ObjectsFlow>(*model);
+  if (threads > 0) flow = fields::make_flow(*model, threads);
+  EXPECT_STREQ(flow->execution_path().name, threads > 0 ? "tables" : "objects");
+  support::advance(*flow, count, courant);
+  support::store(*flow, *model);
   return model;
 }
 

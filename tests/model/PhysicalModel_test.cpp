@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/unit_wave.hpp"
@@ -81,26 +79,6 @@ TEST_F(PhysicalModelTest, ADomainThatStartedAtTheThresholdStartedDry) {
   EXPECT_EQ(model->h0, 0.01);
   EXPECT_DOUBLE_EQ(model->dtMin(), length / 10.0);
 }
-
-TEST_F(PhysicalModelTest, TheLimitingCellIsTheOneWithTheSmallestStep) {
-  set_depths(k, 4.0 * k, 9.0 * k, k);
-  EXPECT_EQ(model->limiting_cell(), model->cells[2].get());
-}
-
-TEST_F(PhysicalModelTest, TheLimitingCellIsOneThatIsNotFiniteFirstOfAll) {
-  set_depths(k, 4.0 * k, 9.0 * k, k);
-  model->cells[3]->U.qx = std::numeric_limits<double>::infinity();
-  EXPECT_EQ(model->limiting_cell(), model->cells[3].get());
-  model->cells[1]->U.h = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(model->limiting_cell(), model->cells[1].get());
-}
-
-TEST_F(PhysicalModelTest, TheLimitingCellOfADryDomainIsTheSmallest) {
-  model->cells[1]->char_length = 0.125;
-  EXPECT_EQ(model->limiting_cell(), model->cells[1].get());
-}
-
-TEST(EmptyModel, HasNoLimitingCell) { EXPECT_EQ(SWE().limiting_cell(), nullptr); }
 
 TEST(EmptyModel, OfTheBaseClassAdvancesNothingAndSaysSo) {
   PhysicalModel base;

@@ -4,7 +4,6 @@
 
 #include <cmath>
 
-#include "globals/WriterHandoff.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
 #include "interfaces/HydroBCLimnigraph.hpp"
@@ -134,47 +133,55 @@ class Witness : public SourceTerm {
                            ParamCell&) override {
     slot = std::abs(cell_.fluxes[0].qx) + std::abs(cell_.fluxes[0].qy);
     depth = state.h;
-    writer = Thread::state_gauge;
     source.h += 1.0;
   }
   double slot = 0.0;
   double depth = 0.0;
-  int writer = 0;
 
  private:
   const ComputationalCell& cell_;
 };
 
-TEST_F(SWETest, AStepTakesFluxesThenWriterCopiesThenSourcesThenTheBalance) {
+TEST_F(SWETest, AStepTakesFluxesThenSourcesThenTheBalance) {
   const auto square = support::build_rectangle({1, 1, 1.0, 1.0});
   support::fill(*square, [](double, double) { return 2.0; });
   Globals::dt = 1e-3;
   ComputationalCell& first = *square->cells[0];
   Witness witness(first);
   first.add_source_term(&witness);
-  Thread::state_gauge = Thread::started;
   square->computeFlowStep();
-  EXPECT_GT(witness.slot, 0.0);                   // slots filled before
-  EXPECT_EQ(witness.depth, 2.0);                  // state of the start of the step
-  EXPECT_EQ(witness.writer, Thread::copy_taken);  // writers released before
-  EXPECT_EQ(first.U.h, 3.0);                      // source applied after
-  Thread::state_gauge = Thread::never_started;
+  EXPECT_GT(witness.slot, 0.0);   // slots filled before
+  EXPECT_EQ(witness.depth, 2.0);  // state of the start of the step
+  EXPECT_EQ(first.U.h, 3.0);      // source applied after
 }
 
-TEST_F(SWETest, AStepWaitsForEveryKindOfWriterThatHasStarted) {
-  const auto states = {&Thread::state_gauge, &Thread::state_picture, &Thread::state_monitorSection,
-                       &Thread::state_Umax};
-  for (auto* state : states) *state = Thread::started;
-  model.computeFlowStep();
-  for (auto* state : states) {
-    EXPECT_EQ(*state, Thread::copy_taken);
-    *state = Thread::finished;
-  }
-  model.computeFlowStep();
-  for (auto* state : states) {
-    EXPECT_EQ(*state, Thread::finished);
-    *state = Thread::never_started;
-  }
+TEST_F(SWETest, AnObserverSeesTheSlotsBeforeTheSourcesAndTheSourcesBeforeTheBalance) {
+  struct Observer : StepObserver {
+    explicit Observer(const ComputationalCell& watched) : cell(watched) {}
+    void sources_come_next() override {
+      slot = std::abs(cell.fluxes[0].qx) + std::abs(cell.fluxes[0].qy);
+      source_before = cell.S.h;
+    }
+    void balance_comes_next() override {
+      source_after = cell.S.h;
+      depth = cell.U.h;
+    }
+    const ComputationalCell& cell;
+    double slot = 0.0, source_before = -1.0, source_after = -1.0, depth = 0.0;
+  };
+  const auto square = support::build_rectangle({1, 1, 1.0, 1.0});
+  support::fill(*square, [](double, double) { return 2.0; });
+  Globals::dt = 1e-3;
+  ComputationalCell& first = *square->cells[0];
+  Witness witness(first);
+  first.add_source_term(&witness);
+  Observer observer(first);
+  square->observer = &observer;
+  square->computeFlowStep();
+  EXPECT_GT(observer.slot, 0.0);
+  EXPECT_EQ(observer.source_before, 0.0);
+  EXPECT_EQ(observer.source_after, 1.0);
+  EXPECT_EQ(observer.depth, 2.0);
 }
 
 TEST_F(SWETest, AStepReturnsTheStableStepOfTheNewState) {

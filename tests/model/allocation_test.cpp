@@ -6,13 +6,14 @@
 #include <cstdlib>
 #include <new>
 
-#include "model/engine_bridge.hpp"
+#include "fields/make_flow.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
 #include "sources/RainTerm.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/flow.hpp"
 
 namespace {
 
@@ -130,14 +131,13 @@ TEST_F(AllocationTest, AStepOnTheTablesAllocatesNothing) {
                                  folder.write("q.txt", "3 0 -0.1 1 -0.3 1e6 -0.2")};
   const auto model = build(hydrograph, {edge_code::water_level, 1.4}, {edge_code::wall},
                            {edge_code::transmissive});
-  model->compile(3);
-  ASSERT_NE(model->engine, nullptr);
-  Globals::dt = 0.01;
-  for (int i = 0; i < 5; ++i) model->computeFlowStep();
+  const auto flow = fields::make_flow(*model, 3);
+  ASSERT_STREQ(flow->execution_path().name, "tables");
+  for (int i = 0; i < 5; ++i) flow->advance(support::step_times(0.01));
   const long before = allocations;
   for (int i = 0; i < 50; ++i) {
-    Globals::t += Globals::dt;
-    model->computeFlowStep();
+    Globals::t += 0.01;
+    flow->advance(support::step_times(0.01));
   }
   EXPECT_EQ(allocations - before, 0);
 }

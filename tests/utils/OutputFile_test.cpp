@@ -12,7 +12,6 @@
 #include <system_error>
 #include <utility>
 
-#include "globals/WriterHandoff.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "utils/files.hpp"
 
@@ -34,12 +33,10 @@ class FullDisk : public testing::Test {
     std::filesystem::create_symlink("/dev/full", name);
     CaptureStderr();
   }
-  ~FullDisk() override { Thread::has_failed = false; }
   void expect_error() {
     EXPECT_EQ(
         GetCapturedStderr(),
         "Error. The file " + name + " couldn't be written completely: No space left on device.\n");
-    EXPECT_TRUE(Thread::has_failed);
   }
 
   support::TemporaryFolder folder;
@@ -48,7 +45,7 @@ class FullDisk : public testing::Test {
 
 TEST(WholeFile, HoldsWhatWasCommitted) {
   const support::TemporaryFolder folder;
-  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("all of it\n"));
+  EXPECT_TRUE(utils::WholeFile(folder.file("out.txt")).commit(buffer_of("all of it\n")));
   EXPECT_EQ(folder.read("out.txt"), "all of it\n");
   EXPECT_FALSE(folder.has("out.txt.part"));
 }
@@ -164,14 +161,12 @@ class InputOfTheRun : public testing::Test {
     std::filesystem::create_symlink("input.txt", folder.file("link.txt"));
     CaptureStderr();
   }
-  ~InputOfTheRun() override { Thread::has_failed = false; }
   void expect_refusal(const std::string& result, const std::string& input) {
     utils::open_input_file(folder.file(input));
     const std::string before = folder.read(input);
     const std::string name = folder.file(result);
-    utils::WholeFile(name).commit(buffer_of("new\n"));
+    EXPECT_FALSE(utils::WholeFile(name).commit(buffer_of("new\n")));
     EXPECT_EQ(folder.read(input), before);
-    EXPECT_TRUE(Thread::has_failed);
     EXPECT_EQ(GetCapturedStderr(), "Error. The file " + name +
                                        " isn't written: it, or its name with .part, is an input "
                                        "file of this run.\n");
@@ -191,14 +186,12 @@ TEST(WholeFile, FailsWhenItCannotBePutInItsPlaceAndKeepsTheCompleteFile) {
   utils::WholeFile file(name);
   folder.write("out.txt/inside", "");  // a folder takes the place meanwhile
   CaptureStderr();
-  file.commit(buffer_of("complete\n"));
+  EXPECT_FALSE(file.commit(buffer_of("complete\n")));
   EXPECT_EQ(GetCapturedStderr(), "Error. The file " + name +
                                      " couldn't be put in its place: Is a directory; it is "
                                      "complete as " +
                                      name + ".part.\n");
-  EXPECT_TRUE(Thread::has_failed);
   EXPECT_EQ(folder.read("out.txt.part"), "complete\n");
-  Thread::has_failed = false;
 }
 
 TEST(WholeFile, WarnsOncePerNameWhenItCannotBeCreated) {
@@ -216,7 +209,7 @@ TEST(WholeFile, WarnsOncePerNameWhenItCannotBeCreated) {
 }
 
 TEST_F(FullDisk, EndsTheRunForAWholeFile) {
-  utils::WholeFile(name).commit(buffer_of("lost\n"));
+  EXPECT_FALSE(utils::WholeFile(name).commit(buffer_of("lost\n")));
   expect_error();
 }
 
@@ -224,7 +217,7 @@ TEST_F(FullDisk, IsNoticedWhenALargeBufferIsDrained) {
   utils::WholeFile file(name);
   utils::TextBuffer buffer = buffer_of(std::string(3 << 20, 'x'));
   file.drain(buffer);
-  file.commit(buffer);
+  EXPECT_FALSE(file.commit(buffer));
   expect_error();
 }
 
@@ -232,7 +225,7 @@ TEST(WholeFile, WarnsWhenAFolderStandsInItsPlace) {
   const support::TemporaryFolder folder;
   folder.write("out.txt/inside", "");
   CaptureStderr();
-  utils::WholeFile(folder.file("out.txt")).commit(buffer_of("lost\n"));
+  EXPECT_TRUE(utils::WholeFile(folder.file("out.txt")).commit(buffer_of("lost\n")));
   EXPECT_EQ(GetCapturedStderr(), "Warning: The file " + folder.file("out.txt") +
                                      " couldn't be created: its results are lost.\n");
 }
@@ -244,10 +237,11 @@ TEST(LineFile, GrowsLineByLineAndEachLineIsOnTheDiskAtOnce) {
   file.open(folder.file("out.txt"));
   EXPECT_TRUE(file.is_open());
   EXPECT_EQ(folder.read("out.txt"), "");
-  file.write(buffer_of("one\n"));
+  EXPECT_TRUE(file.write(buffer_of("one\n")));
   EXPECT_EQ(folder.read("out.txt"), "one\n");
-  file.write(buffer_of("two\n"));
+  EXPECT_TRUE(file.write(buffer_of("two\n")));
   EXPECT_EQ(folder.read("out.txt"), "one\ntwo\n");
+  EXPECT_TRUE(file.close());
 }
 
 TEST(LineFile, WarnsAndLosesItsLinesWhenItCannotBeCreated) {
@@ -256,8 +250,8 @@ TEST(LineFile, WarnsAndLosesItsLinesWhenItCannotBeCreated) {
   CaptureStderr();
   utils::LineFile file;
   file.open(name);
-  file.write(buffer_of("one\n"));
-  file.write(buffer_of("two\n"));
+  EXPECT_TRUE(file.write(buffer_of("one\n")));  // lost, but not the run
+  EXPECT_TRUE(file.write(buffer_of("two\n")));
   EXPECT_FALSE(file.is_open());
   EXPECT_EQ(GetCapturedStderr(), "Warning: The file " + name + " couldn't be created.\n");
 }
@@ -265,7 +259,7 @@ TEST(LineFile, WarnsAndLosesItsLinesWhenItCannotBeCreated) {
 TEST_F(FullDisk, EndsTheRunForALineFileAndIsSaidOnce) {
   utils::LineFile file;
   file.open(name);
-  file.write(buffer_of("one\n"));
+  EXPECT_FALSE(file.write(buffer_of("one\n")));
   file.write(buffer_of("two\n"));
   EXPECT_TRUE(file.is_open());
   expect_error();
@@ -288,11 +282,9 @@ TEST(LineFile, FailsWhenItsLastLinesAreLostAsItIsClosed) {
   file.write(buffer_of("one\n"));
   CaptureStderr();
   lose(name);
-  file.close();
+  EXPECT_FALSE(file.close());
   EXPECT_EQ(GetCapturedStderr(),
             "Error. The file " + name + " couldn't be written completely: Bad file descriptor.\n");
-  EXPECT_TRUE(Thread::has_failed);
-  Thread::has_failed = false;
 }
 
 TEST(WholeFile, FailsAndKeepsAnEarlierFileWhenItCannotBeClosed) {
@@ -302,13 +294,11 @@ TEST(WholeFile, FailsAndKeepsAnEarlierFileWhenItCannotBeClosed) {
   utils::WholeFile file(name);
   CaptureStderr();
   lose(name + ".part");
-  file.commit(buffer_of(""));
+  EXPECT_FALSE(file.commit(buffer_of("")));
   EXPECT_EQ(GetCapturedStderr(),
             "Error. The file " + name + " couldn't be written completely: Bad file descriptor.\n");
-  EXPECT_TRUE(Thread::has_failed);
   EXPECT_EQ(folder.read("out.txt"), "earlier\n");
   EXPECT_FALSE(folder.has("out.txt.part"));
-  Thread::has_failed = false;
 }
 
 /// Runs the statement in a process whose files may not grow beyond a size.

@@ -8,10 +8,10 @@
 #include <thread>
 
 #include "globals/Globals.hpp"
-#include "globals/WriterHandoff.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/text.hpp"
 #include "utils/OutputFile.hpp"
+#include "utils/WriterThread.hpp"
 
 namespace {
 
@@ -76,15 +76,15 @@ TEST(StopDeathTest, StopClosesTheLogWithAllItsLines) {
   EXPECT_EQ(folder.read("log.txt"), "last words\n");
 }
 
-TEST(StopDeathTest, StopLetsAWriterWithItsCopyFinishItsFile) {
+TEST(StopDeathTest, StopLetsAWriterFinishItsFile) {
   const support::TemporaryFolder folder;
   const auto run = [&] {
-    Handoff::picture.start([&] {
-      Handoff::picture.release();
+    utils::WriterThread writer;
+    writer.hand_over([&] {
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
       utils::TextBuffer text;
       text << "complete\n";
-      utils::WholeFile(folder.file("picture.txt")).commit(text);
+      return utils::WholeFile(folder.file("picture.txt")).commit(text);
     });
     utils::stop(-1);
   };

@@ -1,10 +1,10 @@
-#include "model/StepWatch.hpp"
+#include "fields/StepWatch.hpp"
 
 #include "globals/Globals.hpp"
-#include "model/PhysicalModel.hpp"
-#include "model/engine_bridge.hpp"
 #include "physics/cell_update_exner.hpp"
 #include "physics/stable_step.hpp"
+
+namespace fields {
 
 namespace {
 
@@ -20,20 +20,9 @@ void note(physics::FlowRecord& record, double value, int cell) {
 
 }  // namespace
 
-StepWatch::StepWatch(PhysicalModel& model) : model_(model) {
-  note_objects(model.dtMin());
-  if (model.engine) {
-    model.engine->watch(notes_);
-  } else {
-    unseen_.resize(model.cells.size());
-    infiltrated_before_.resize(model.cells.size());
-  }
-}
-
-UnseenDepth StepWatch::unseen_depth(int cell) const {
-  if (!model_.engine) return unseen_[static_cast<std::size_t>(cell)];
-  const engine::UnseenDepths depths = model_.engine->tables().unseen_depths(cell);
-  return {depths.recovered, depths.lifted};
+StepWatch::StepWatch(PhysicalModel& model)
+    : model_(model), infiltrated_before_(model.cells.size()), unseen_(model.cells.size()) {
+  note_states(model.dtMin());
 }
 
 void StepWatch::sources_come_next() {
@@ -52,15 +41,7 @@ void StepWatch::balance_comes_next() {
   }
 }
 
-void StepWatch::step_is_done(double stable_step) {
-  if (model_.engine) {
-    notes_ = model_.engine->tables().notes();
-  } else {
-    note_objects(stable_step);
-  }
-}
-
-void StepWatch::note_objects(double stable_step) {
+void StepWatch::note_states(double stable_step) {
   physics::FlowExtremes all;
   for (const auto& cell : model_.cells) {
     const physics::FlowExtremes of_cell = extremes_of(*cell);
@@ -86,3 +67,5 @@ int StepWatch::limiting_cell(double smallest) const {
   };
   return physics::limiting_cell(smallest, dry_step, notes_.limiting_cell, sets_step, first);
 }
+
+}  // namespace fields

@@ -1,9 +1,10 @@
-#include "model/flow_survey.hpp"
+#include "fields/flow_survey.hpp"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
+#include "fields/ObjectsFlow.hpp"
 #include "support/PlanMesh.hpp"
 
 namespace {
@@ -23,20 +24,22 @@ std::unique_ptr<SWE> three_cells() {
 
 TEST(FlowSurvey, NamesTheLostCellInTheMiddle) {
   const auto model = three_cells();
-  EXPECT_EQ(survey_flow(*model).a_cell_not_finite, -1);
+  const fields::ObjectsFlow flow(*model);
+  EXPECT_EQ(flow.survey().a_cell_not_finite, -1);
   for (const auto& cell : model->cells) cell->U.h = nan;
-  EXPECT_EQ(survey_flow(*model).not_finite, 3);
-  EXPECT_EQ(survey_flow(*model).a_cell_not_finite, 1);
+  EXPECT_EQ(flow.survey().not_finite, 3);
+  EXPECT_EQ(flow.survey().a_cell_not_finite, 1);
 }
 
 TEST(FlowSurvey, NamesALostCellWhereTheCoordinatesHaveNoMiddle) {
   const auto model = three_cells();
+  const fields::ObjectsFlow flow(*model);
   for (std::size_t i : {std::size_t{1}, std::size_t{2}}) {
     model->cells[i]->center = MeshNode(1e308, 1e308, 0.0);
     model->cells[i]->U.h = nan;
   }
-  EXPECT_EQ(survey_flow(*model).not_finite, 2);
-  EXPECT_EQ(survey_flow(*model).a_cell_not_finite, 1);
+  EXPECT_EQ(flow.survey().not_finite, 2);
+  EXPECT_EQ(flow.survey().a_cell_not_finite, 1);
 }
 
 }  // namespace

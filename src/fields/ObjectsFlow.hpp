@@ -1,0 +1,45 @@
+// The flow where the objects of a model run.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "fields/Flow.hpp"
+#include "fields/StepWatch.hpp"
+#include "model/PhysicalModel.hpp"
+
+namespace fields {
+
+class ObjectsFlow : public Flow {
+ public:
+  /// The set-up of the model must be complete; it must outlive the flow.
+  explicit ObjectsFlow(PhysicalModel& model) : model_(model) {}
+  ~ObjectsFlow() override { model_.observer = nullptr; }
+
+  double stable_step() override { return model_.dtMin(); }
+  /// Sets the clock that the objects read.
+  double advance(const StepTimes& times) override;
+
+  void read(Field field, std::span<double> values) const override;
+  void read(Field field, std::span<const cases::Number> cells,
+            std::span<double> values) const override;
+  CellState state(cases::Number cell) const override;
+  FlowSurvey survey() const override;
+  ExecutionPath execution_path() const override { return {"objects", 1, "that of the build"}; }
+
+  void watch() override;
+  const physics::StepNotes& notes() const override { return watch_->notes(); }
+  UnseenDepth unseen_depth(cases::Number cell) const override { return watch_->unseen_depth(cell); }
+  BoundaryInflow boundary_inflow(int boundary) const override;
+
+ private:
+  const ComputationalCell& cell(cases::Number number) const {
+    return *model_.cells[cases::at(number)];
+  }
+
+  PhysicalModel& model_;
+  std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
+  std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched
+};
+
+}  // namespace fields

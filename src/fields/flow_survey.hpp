@@ -1,0 +1,65 @@
+// One look at the whole flow: how much of it is wet, where it is fastest, and whether every state
+// is a number.
+#pragma once
+
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "fields/Flow.hpp"
+#include "physics/flow_extremes.hpp"
+
+namespace fields {
+
+struct SurveyedState {
+  double h, qx, qy;
+  physics::DepthTerms terms;
+
+  bool is_finite() const { return physics::is_finite_state(h, qx, qy); }
+};
+
+/// Looks at the states 0 to count - 1, in any order; which cell is lost is left open.
+template <class StateAt>
+FlowSurvey survey_states(int count, double zero_depth, const StateAt& state_at) {
+  FlowSurvey result;
+  physics::FlowExtremes all;
+  for (int i = 0; i < count; ++i) {
+    const SurveyedState state = state_at(i);
+    result.wet_cells += state.is_finite() && physics::is_wet(state.h, zero_depth) ? 1 : 0;
+    all =
+        physics::united(all, physics::extremes_of_state(state.h, state.qx, state.qy, state.terms));
+  }
+  result.largest_speed = std::sqrt(all.speed_squared);
+  result.not_finite = all.not_finite;
+  return result;
+}
+
+/// What is not a number spreads from cell to cell: the middle is where it began, more or less.
+template <class StateOf, class CenterOf>
+cases::Number lost_cell_in_the_middle(cases::Number n_cells, const StateOf& state_of,
+                                      const CenterOf& center_of) {
+  std::vector<cases::Number> cells;
+  double x = 0.0, y = 0.0;
+  for (cases::Number cell = 0; cell < n_cells; ++cell) {
+    if (state_of(cell).is_finite()) continue;
+    cells.push_back(cell);
+    const physics::PlanPoint center = center_of(cell);
+    x += center.x;
+    y += center.y;
+  }
+  const auto count = static_cast<double>(cells.size());
+  // The first one, where the coordinates are too large for a middle.
+  cases::Number nearest = cells.empty() ? -1 : cells.front();
+  double least = std::numeric_limits<double>::infinity();
+  for (const cases::Number cell : cells) {
+    const physics::PlanPoint center = center_of(cell);
+    const double distance = std::hypot(center.x - x / count, center.y - y / count);
+    if (distance < least) {
+      least = distance;
+      nearest = cell;
+    }
+  }
+  return nearest;
+}
+
+}  // namespace fields
