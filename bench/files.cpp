@@ -16,6 +16,7 @@
 
 #include "channel_case.hpp"
 #include "domain/Domain.hpp"
+#include "model/MeshNode.hpp"
 #include "utils/CellTable.hpp"
 #include "utils/MeshReader.hpp"
 

@@ -87,8 +87,6 @@ struct Case {
   std::vector<Hyetogram> rain;
   std::vector<Soil> soils;
   bool has_infiltration = false;  ///< soils, or depths infiltrated before
-  double h0 = 0.0;                ///< largest initial depth, m
-  double char_length_min = 0.0;   ///< m
 };
 
 }  // namespace cases

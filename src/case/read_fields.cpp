@@ -1,14 +1,11 @@
 #include "case/read_fields.hpp"
 
-#include <iostream>
-
 #include "utils/stop.hpp"
 
 namespace cases {
 
 void end_at_unknown_term(Number, int id) {
-  std::cout << "Error: source term ID " << id << " not found" << std::endl;
-  utils::stop(1);
+  utils::fatal("", 1, "Error: source term ID " + std::to_string(id) + " not found\n");
 }
 
 }  // namespace cases

@@ -1,7 +1,6 @@
 #include "case/read_mesh.hpp"
 
 #include <cmath>
-#include <iostream>
 #include <map>
 
 #include "case/EdgeWarnings.hpp"
@@ -27,9 +26,9 @@ std::string overflow_of_nodes(const Mesh& mesh, std::span<const Number> nodes) {
 void require_known(int code, int edge, bool has_sediments) {
   if (code == edge_code::scheme_lhllc) return;
   if (code == edge_code::scheme_roe && !has_sediments) {
-    std::cout << "should be Roe scheme" << std::endl;
     utils::fatal("Error. The flux scheme \"Roe\" (code 2, edge " + std::to_string(edge) +
-                 ") is not available; use \"LHLLC\".\n");
+                     ") is not available; use \"LHLLC\".\n",
+                 -1, "should be Roe scheme\n");
   }
   const BoundaryKind* const kind = boundary_kind(code);
   if (kind != nullptr && (kind->with_sediments || !has_sediments)) return;

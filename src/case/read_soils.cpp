@@ -1,7 +1,5 @@
 #include "case/read_soils.hpp"
 
-#include <iostream>
-
 #include "case/plausibility.hpp"
 #include "utils/TextScanner.hpp"
 #include "utils/stop.hpp"
@@ -11,8 +9,7 @@ namespace cases {
 namespace {
 
 [[noreturn]] void end_at_unknown_type(const std::string& type) {
-  std::cout << "Infiltration type not recognized. Type: " << type << std::endl;
-  utils::stop(-1);
+  utils::fatal("", -1, "Infiltration type not recognized. Type: " + type + "\n");
 }
 
 plausibility::Remarks remarks_on(const std::string& name, const Soil& soil) {

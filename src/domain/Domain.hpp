@@ -13,7 +13,6 @@
 #include "domain/PointLocator.hpp"
 #include "domain/Progress.hpp"
 #include "fields/Flow.hpp"
-#include "model/build_objects.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
@@ -61,7 +60,6 @@ class Domain {
   void read_cell_fields();
   void report_and_check_sediments() const;
   void read_source_terms();
-  void create_model();
   void set_outputs();
   void set_other_parameters();
   void warn_of_implausible_input() const;
@@ -105,8 +103,7 @@ class Domain {
   std::string friction_file;
   std::string fixed_bed_level_file, sediments_level_file;
   std::string model_name = "Undefined";
-  ModelObjects objects_;
-  std::unique_ptr<fields::Flow> flow;  ///< of objects_
+  std::unique_ptr<fields::Flow> flow;  ///< of case_
   double dt_enveloppe = 0.0;           ///< s
   double next_enveloppe_time = 0.0;    ///< s
   double dt_threshold = 1e-08;         ///< smallest acceptable time step, s

@@ -25,7 +25,7 @@ cases::Number limiting_cell(const fields::Flow& flow, const cases::Case& content
   }
   // Dry cells bound the step by the smallest cell of the mesh.
   const double dry_step =
-      physics::stable_step_dry(contents.char_length_min, contents.h0, contents.zero_depth);
+      physics::stable_step_dry(smallest_length, flow.scales().h0, contents.zero_depth);
   const bool dry_cells_limit = has_dry_cell && dry_step < step;
   return slowest < 0 || dry_cells_limit ? smallest : slowest;
 }

@@ -10,6 +10,7 @@
 #include "globals/Globals.hpp"
 #include "report/RunReport.hpp"
 #include "utils/DataFileReader.hpp"
+#include "utils/TextScanner.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
 #include "utils/stop.hpp"
@@ -41,7 +42,6 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
   read_mesh();
   read_cell_fields();
   read_source_terms();
-  create_model();
   set_outputs();
   set_other_parameters();
   warn_of_implausible_input();
@@ -162,11 +162,6 @@ void Domain::read_cell_fields() {
   utils::print_delimitator(log);
 }
 
-void Domain::create_model() {
-  objects_ = build_objects(case_);
-  umax_buffer.assign(cases::at(case_.mesh.n_cells()), 0.0);
-}
-
 void Domain::set_outputs() {
   std::ostream& log = Globals::spyFile;
   const std::filesystem::path folder = std::filesystem::path(Globals::g_outputPath).parent_path();
@@ -212,13 +207,13 @@ void Domain::set_outputs() {
 void Domain::set_other_parameters() {
   std::ostream& log = Globals::spyFile;
   log << "Other parameters:\n";
-  case_.h0 = cases::largest_initial_depth(case_);
-  case_.char_length_min = cases::smallest_char_length(case_.mesh);
-  log << "  Largest initial water depth (h0): " << case_.h0 << '\n'
-      << "  Minimal characteristic length in a cell (min dx): " << case_.char_length_min << '\n'
+  flow = fields::make_flow(case_, diagnostics_, fields::path_of_environment());
+  const fields::FlowScales scales = flow->scales();
+  log << "  Largest initial water depth (h0): " << scales.h0 << '\n'
+      << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'
       << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
-  flow = fields::make_flow(*objects_.model);
+  umax_buffer.resize(cases::at(case_.mesh.n_cells()));
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {

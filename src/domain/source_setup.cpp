@@ -4,6 +4,7 @@
 #include "case/read_soils.hpp"
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
+#include "utils/TextScanner.hpp"
 #include "utils/files.hpp"
 
 void Domain::read_source_terms() {

@@ -32,7 +32,7 @@ bool has_rain(const Tables& tables, const Range& cells) {
 
 /// Whether a cell across a cut edge of a patch is wet.
 bool touches_water(const Tables& tables, const Patch& patch) {
-  const EdgeTable& cut = tables.patches.cut_edges;
+  const EdgeTable<int>& cut = tables.patches.cut_edges;
   const int edges = tables.cut_edges();
   const auto begin = tables.patches.outer_slots.begin();
   return std::any_of(begin + patch.outer_slots.begin, begin + patch.outer_slots.end, [&](int slot) {

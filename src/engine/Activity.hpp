@@ -21,6 +21,8 @@ class Activity {
   const std::vector<int>& with_fluxes() const { return with_fluxes_; }
   bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
 
+  /// The states have changed otherwise than by a step.
+  void wake_all() { can_change_.assign(can_change_.size(), 1); }
   /// After its step: whether a patch may change in the next one without inflow.
   void set_can_change(int patch, bool can_change) { can_change_[at(patch)] = can_change; }
 

@@ -1,31 +1,57 @@
-// What time brings to a step: rain, and what the step means to every soil.
+// What time brings to a step: boundary values that follow series, rain, and what the step means to
+// every soil.
 #pragma once
 
-#include <cstddef>
 #include <vector>
 
-#include "engine/ModelInput.hpp"
+#include "case/Case.hpp"
+#include "engine/State.hpp"
+#include "engine/Tables.hpp"
+#include "engine/step_values.hpp"
+#include "physics/rain.hpp"
+#include "physics/time_series.hpp"
 
 namespace engine {
 
-/// Clock of a step: time and span of the run, and the step (s).
-struct StepTimes {
-  double t, t_start, t_end, dt;
-};
-
 class Forcing {
  public:
-  Forcing(std::vector<RainInput>&& rain, std::size_t soils);
+  /// Points into the case, which must outlive it.
+  Forcing(const cases::Case& contents, const Tables& tables);
 
-  void begin_step(const StepTimes& times, const std::vector<Soil>& soils);
+  /// Sets what series impose on boundaries, and finds what follows.
+  void begin_step(const StepTimes& times, Tables& tables);
   bool it_rains() const { return it_rains_; }
   /// Depths of the step by number of hyetogram, m; null: it does not rain.
   const double* rain_depths() const { return it_rains_ ? rain_depths_.data() : nullptr; }
   /// By number of soil.
   const std::vector<physics::SoilStep>& soil_steps() const { return soil_steps_; }
 
+  /// Writes into a state what the steps to come depend on, or puts that of a state in force.
+  void save(State& state) const;
+  void load(const State& state);
+
  private:
-  std::vector<RainInput> rain_;
+  /// A series of discharges (a hydrograph) or of levels (a limnigraph), and its interval in force.
+  struct Series {
+    physics::SampledSeries samples;
+    bool is_level;
+    int interval = 0;
+    double value = 0.0;  ///< of the step, m2/s or m
+  };
+  struct SeriesBoundary {
+    int boundary;  ///< place in Tables::boundaries
+    std::size_t series;
+  };
+
+  void add_series(const Tables& tables);
+  void set_series(double t, Tables& tables);
+  void set_rain(const StepTimes& times);
+
+  const cases::Case& case_;
+  std::vector<Series> series_;
+  std::vector<SeriesBoundary> series_boundaries_;
+  std::vector<physics::Hyetogram> rain_;
+  std::vector<physics::RainClock> rain_clocks_;  ///< the cells of a hyetogram rain alike
   Column rain_depths_;
   bool it_rains_ = false;
   std::vector<physics::SoilStep> soil_steps_;

@@ -6,163 +6,133 @@
 #include <stdexcept>
 #include <string>
 
-#include "engine/numbering.hpp"
+#include "engine/sorted_edges.hpp"
 
 namespace engine {
 
 namespace {
 
+using cases::Number;
 using kernels::Local;
-
-enum class Place : std::uint64_t { within, cut, boundary };
 
 /// Builds the parts of Patches one after the other.
 class Builder {
  public:
-  Builder(const EdgeTable& edges, int cells, int cells_per_patch)
-      : edges_(edges), cells_per_patch_(cells_per_patch), slot_of_(2 * edges.left.size(), 0) {
-    const int count = (cells + cells_per_patch - 1) / cells_per_patch;
-    result_.patches.resize(at(count));
-    for (int p = 0; p < count; ++p) {
-      result_.patches[at(p)].cells = {p * cells_per_patch,
-                                      std::min(cells, (p + 1) * cells_per_patch)};
-    }
-  }
+  Builder(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
+          ThreadTeam& team)
+      : mesh_(mesh),
+        place_(place),
+        cells_per_patch_(cells_per_patch),
+        team_(team),
+        slot_of_(2 * static_cast<std::size_t>(mesh.n_edges())) {}
 
-  Patches build(const AlignedVector<int> (&slots)[3]) {
-    order_edges();
-    place_edges_within();
-    place_cut_edges();
+  Patches build() {
+    cut_cells();
+    const SortedEdges edges = sort_edges(mesh_, place_, cells_per_patch_, team_);
+    place_edges_within(edges.within);
+    place_cut_edges(edges.cut);
+    place_boundaries(edges.boundaries);
     place_outer_slots();
-    place_slots(slots);
+    place_slots();
     return std::move(result_);
   }
 
  private:
-  Patch& patch_of(int cell) { return result_.patches[at(cell / cells_per_patch_)]; }
-
-  Place place_of(int edge) const {
-    const int left = edges_.left[at(edge)], right = edges_.right[at(edge)];
-    if (right < 0) return Place::boundary;
-    return left / cells_per_patch_ == right / cells_per_patch_ ? Place::within : Place::cut;
+  int count() const { return static_cast<int>(result_.patches.size()); }
+  int place_of(Number cell) const { return place_[at(cell)]; }
+  int patch_of(Number cell) const { return place_of(cell) / cells_per_patch_; }
+  int left_place(Number edge) const { return place_of(mesh_.left[at(edge)]); }
+  int right_place(Number edge) const { return place_of(mesh_.right[at(edge)]); }
+  int& slot_of(Number edge, int side) {
+    return slot_of_[2 * static_cast<std::size_t>(edge) + static_cast<std::size_t>(side)];
   }
 
-  /// Edges within patches, cut edges, boundaries; each along the lower of their cells.
-  void order_edges() {
-    std::vector<std::uint64_t> keys;
-    keys.reserve(edges_.left.size());
-    for (std::size_t e = 0; e < edges_.left.size(); ++e) {
-      const int left = edges_.left[e];
-      const int right = edges_.right[e] < 0 ? left : edges_.right[e];
-      const auto place = static_cast<std::uint64_t>(place_of(static_cast<int>(e)));
-      keys.push_back(place << 62 | static_cast<std::uint64_t>(std::min(left, right)) << 31 |
-                     static_cast<std::uint64_t>(std::max(left, right)));
+  void cut_cells() {
+    const int cells = mesh_.n_cells();
+    for (int begin = 0; begin < cells; begin += cells_per_patch_) {
+      result_.patches.emplace_back().cells = {begin, std::min(cells, begin + cells_per_patch_)};
     }
-    order_ = order_by_key(keys);
-    first_cut_ = count_before(keys, Place::cut);
-    first_boundary_ = count_before(keys, Place::boundary);
-    result_.cut_edge_number.assign(order_.begin() + first_cut_, order_.begin() + first_boundary_);
-    result_.boundary_number.assign(order_.begin() + first_boundary_, order_.end());
-  }
-
-  static int count_before(const std::vector<std::uint64_t>& keys, Place place) {
-    return static_cast<int>(std::count_if(keys.begin(), keys.end(), [&](std::uint64_t key) {
-      return key >> 62 < static_cast<std::uint64_t>(place);
-    }));
-  }
-
-  int lower_cell(int k) const {
-    const std::size_t e = at(order_[at(k)]);
-    return edges_.right[e] < 0 ? edges_.left[e] : std::min(edges_.left[e], edges_.right[e]);
-  }
-
-  /// The run of ordered edges from k on whose lower cell lies in a patch.
-  int end_of_run(int k, int end, const Patch& patch) const {
-    while (k < end && lower_cell(k) < patch.cells.end) ++k;
-    return k;
   }
 
   /// Every patch starts at a multiple of 8, so that vector loads are aligned.
-  void place_edges_within() {
-    PatchEdges& within = result_.edges;
-    int k = 0;
-    for (Patch& patch : result_.patches) {
-      const int end = end_of_run(k, first_cut_, patch);
-      const int begin = static_cast<int>(within.nx.size());
-      patch.edges = {begin, begin + end - k};
-      for (; k < end; ++k) {
-        const int e = order_[at(k)];
-        const int left = edges_.left[at(e)], right = edges_.right[at(e)];
-        const int slot = static_cast<int>(within.nx.size()) - begin;
-        within.left.push_back(static_cast<Local>(left - patch.cells.begin));
-        within.right.push_back(static_cast<Local>(right - patch.cells.begin));
-        within.nx.push_back(edges_.nx[at(e)]);
-        within.ny.push_back(edges_.ny[at(e)]);
-        within.length.push_back(edges_.length[at(e)]);
-        result_.edge_number.push_back(e);
-        slot_of_[at(2 * e)] = slot;
-        slot_of_[at(2 * e + 1)] = patch.right_slots() + slot;
-      }
-      const std::size_t padded = at(begin + patch.right_slots());
-      within.left.resize(padded);
-      within.right.resize(padded);
-      result_.edge_number.resize(padded, -1);
-      for (Column* column : {&within.nx, &within.ny, &within.length}) column->resize(padded);
+  void place_edges_within(const EdgesOfPatches& within) {
+    int begin = 0;
+    for (int p = 0; p < count(); ++p) {
+      Patch& patch = result_.patches[at(p)];
+      patch.edges = {begin, begin + within.of(p).size()};
+      begin += patch.right_slots();
+    }
+    result_.edges.resize(at(begin));
+    result_.edge_number.resize(at(begin));
+    team_.run([&](int member) {
+      const Range share = share_of(member, team_.size(), result_.patches.size());
+      for (int p = share.begin; p < share.end; ++p) place_edges_of(p, within);
+    });
+  }
+
+  void place_edges_of(int p, const EdgesOfPatches& within) {
+    const Patch& patch = result_.patches[at(p)];
+    const int first = within.of(p).begin;
+    for (int k = 0; k < patch.right_slots(); ++k) {
+      const std::size_t i = at(patch.edges.begin + k);
+      result_.edge_number[i] = -1;
+      result_.edges.set(i, 0, 0, {0.0, 0.0, 0.0});
+      if (k >= patch.edges.size()) continue;
+      const Number edge = within.edges[at(first + k)];
+      result_.edge_number[i] = edge;
+      result_.edges.set(i, static_cast<Local>(left_place(edge) - patch.cells.begin),
+                        static_cast<Local>(right_place(edge) - patch.cells.begin),
+                        mesh_.edge_of(edge));
+      slot_of(edge, 0) = k;
+      slot_of(edge, 1) = patch.right_slots() + k;
     }
   }
 
-  void place_cut_edges() {
-    EdgeTable& cut = result_.cut_edges;
-    int k = first_cut_;
-    for (Patch& patch : result_.patches) {
-      const int end = end_of_run(k, first_boundary_, patch);
-      patch.cut_edges = {k - first_cut_, end - first_cut_};
-      for (; k < end; ++k) {
-        const std::size_t e = at(order_[at(k)]);
-        cut.left.push_back(edges_.left[e]);
-        cut.right.push_back(edges_.right[e]);
-        cut.nx.push_back(edges_.nx[e]);
-        cut.ny.push_back(edges_.ny[e]);
-        cut.length.push_back(edges_.length[e]);
-      }
+  void place_cut_edges(const EdgesOfPatches& cut) {
+    for (int p = 0; p < count(); ++p) result_.patches[at(p)].cut_edges = cut.of(p);
+    result_.cut_edge_number = cut.edges;
+    result_.cut_edges.resize(cut.edges.size());
+    for (std::size_t i = 0; i < cut.edges.size(); ++i) {
+      const Number edge = cut.edges[i];
+      result_.cut_edges.set(i, left_place(edge), right_place(edge), mesh_.edge_of(edge));
     }
-    const int boundaries = static_cast<int>(order_.size());
-    for (Patch& patch : result_.patches) {
-      const int end = end_of_run(k, boundaries, patch);
-      patch.boundaries = {k - first_boundary_, end - first_boundary_};
-      k = end;
-    }
+  }
+
+  void place_boundaries(const EdgesOfPatches& boundaries) {
+    for (int p = 0; p < count(); ++p) result_.patches[at(p)].boundaries = boundaries.of(p);
+    result_.boundary_edge = boundaries.edges;
   }
 
   /// Lists what every patch takes from cut edges and boundaries, and its neighbours.
   void place_outer_slots() {
     struct Taken {
-      int outer_slot, edge_side, neighbour;
+      int outer_slot;
+      Number edge;
+      int side, neighbour;
     };
     std::vector<std::vector<Taken>> taken(result_.patches.size());
-    const auto patch = [&](int cell) { return cell / cells_per_patch_; };
-    const int cut_edges = first_boundary_ - first_cut_;
+    const int cut_edges = static_cast<int>(result_.cut_edge_number.size());
     for (int c = 0; c < cut_edges; ++c) {
-      const int e = order_[at(first_cut_ + c)];
-      const int left = patch(edges_.left[at(e)]), right = patch(edges_.right[at(e)]);
-      taken[at(left)].push_back({c, 2 * e, right});
-      taken[at(right)].push_back({cut_edges + c, 2 * e + 1, left});
+      const Number edge = result_.cut_edge_number[at(c)];
+      const int left = patch_of(mesh_.left[at(edge)]), right = patch_of(mesh_.right[at(edge)]);
+      taken[at(left)].push_back({c, edge, 0, right});
+      taken[at(right)].push_back({cut_edges + c, edge, 1, left});
     }
-    for (int b = 0; b < static_cast<int>(result_.boundary_number.size()); ++b) {
-      const int e = result_.boundary_number[at(b)];
-      const int left = patch(edges_.left[at(e)]);
-      taken[at(left)].push_back({2 * cut_edges + b, 2 * e, left});
+    for (int b = 0; b < static_cast<int>(result_.boundary_edge.size()); ++b) {
+      const Number edge = result_.boundary_edge[at(b)];
+      const int left = patch_of(mesh_.left[at(edge)]);
+      taken[at(left)].push_back({2 * cut_edges + b, edge, 0, left});
     }
-    for (std::size_t p = 0; p < taken.size(); ++p) {
-      Patch& of = result_.patches[p];
+    for (int p = 0; p < count(); ++p) {
+      Patch& of = result_.patches[at(p)];
       of.outer_slots.begin = static_cast<int>(result_.outer_slots.size());
       of.neighbours.begin = static_cast<int>(result_.neighbours.size());
       std::vector<int> neighbours;
       int slot = of.outer_slots_begin();
-      for (const Taken& t : taken[p]) {
+      for (const Taken& t : taken[at(p)]) {
         result_.outer_slots.push_back(t.outer_slot);
-        slot_of_[at(t.edge_side)] = slot++;
-        if (t.neighbour != static_cast<int>(p)) neighbours.push_back(t.neighbour);
+        slot_of(t.edge, t.side) = slot++;
+        if (t.neighbour != p) neighbours.push_back(t.neighbour);
       }
       std::sort(neighbours.begin(), neighbours.end());
       neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
@@ -172,24 +142,48 @@ class Builder {
     }
   }
 
-  void place_slots(const AlignedVector<int> (&slots)[3]) {
-    for (std::size_t k = 0; k < 3; ++k) {
-      AlignedVector<Local>& placed = result_.slots[k];
-      placed.reserve(slots[k].size());
-      for (std::size_t i = 0; i < slots[k].size(); ++i) {
-        const int slot = slots[k][i];
-        placed.push_back(static_cast<Local>(
-            slot >= 0 ? slot_of_[at(slot)] : patch_of(static_cast<int>(i)).empty_slot()));
-      }
+  /// The scheme takes the first three edges of a cell, in the order of the mesh.
+  void place_slots() {
+    for (AlignedVector<Local>& slots : result_.slots) slots.resize(place_.size());
+    std::vector<std::uint8_t> taken(place_.size());
+    team_.run([&](int member) {
+      const Range patches = share_of(member, team_.size(), result_.patches.size());
+      if (patches.size() > 0) place_slots_of(patches, taken);
+    });
+  }
+
+  void place_slots_of(const Range& patches, std::vector<std::uint8_t>& taken) {
+    const Range cells = {result_.patches[at(patches.begin)].cells.begin,
+                         result_.patches[at(patches.end - 1)].cells.end};
+    for (int i = cells.begin; i < cells.end; ++i) {
+      const int empty = result_.patches[at(i / cells_per_patch_)].empty_slot();
+      for (AlignedVector<Local>& slots : result_.slots) slots[at(i)] = static_cast<Local>(empty);
+      taken[at(i)] = 0;
+    }
+    const auto take = [&](int i, int slot) {
+      if (i < cells.begin || i >= cells.end || taken[at(i)] == 3) return;
+      const std::size_t k = taken[at(i)]++;
+      if (slot >= 0) result_.slots[k][at(i)] = static_cast<Local>(slot);
+    };
+    auto boundary = mesh_.boundaries.begin();
+    for (Number edge = 0; edge < mesh_.n_edges(); ++edge) {
+      const Number right = mesh_.right[at(edge)];
+      const bool is_boundary = boundary != mesh_.boundaries.end() && boundary->edge == edge;
+      if (is_boundary) ++boundary;
+      if (is_boundary && right == mesh_.left[at(edge)]) take(left_place(edge), -1);
+      take(left_place(edge), slot_of(edge, 0));
+      if (right < 0 || (is_boundary && right == mesh_.left[at(edge)])) continue;
+      // A boundary condition on an edge with a right cell leaves that cell's slot empty.
+      take(right_place(edge), is_boundary ? -1 : slot_of(edge, 1));
     }
   }
 
-  const EdgeTable& edges_;
+  const cases::Mesh& mesh_;
+  const std::vector<int>& place_;
   int cells_per_patch_;
+  ThreadTeam& team_;
   Patches result_;
-  std::vector<int> order_;
   std::vector<int> slot_of_;  ///< in the scratch of the patch, by 2 edge + side
-  int first_cut_ = 0, first_boundary_ = 0;
 };
 
 bool slots_fit(const Patches& patches) {
@@ -200,13 +194,12 @@ bool slots_fit(const Patches& patches) {
 
 }  // namespace
 
-Patches make_patches(const EdgeTable& edges, const AlignedVector<int> (&slots)[3],
-                     int cells_per_patch) {
-  const int cells = static_cast<int>(slots[0].size());
-  Patches patches = Builder(edges, cells, cells_per_patch).build(slots);
+Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
+                     ThreadTeam& team) {
+  Patches patches = Builder(mesh, place, cells_per_patch, team).build();
   if (slots_fit(patches)) return patches;
   // Cells of very many sides: smaller patches until their slots can be numbered.
-  if (cells_per_patch > 64) return make_patches(edges, slots, cells_per_patch / 128 * 64);
+  if (cells_per_patch > 64) return make_patches(mesh, place, cells_per_patch / 128 * 64, team);
   throw std::length_error("Error. The edges of " + std::to_string(cells_per_patch) +
                           " cells are more than the tables can number.");
 }

@@ -4,24 +4,15 @@
 
 #include <vector>
 
-#include "engine/ModelInput.hpp"
+#include "case/Mesh.hpp"
+#include "engine/Range.hpp"
+#include "engine/ThreadTeam.hpp"
+#include "engine/aligned_vector.hpp"
 #include "kernels/columns.hpp"
 
 namespace engine {
 
-struct Range {
-  int begin = 0, end = 0;
-  int size() const { return end - begin; }
-};
-
-/// Share of a list that a member of a team of threads takes.
-inline Range share_of(int member, int members, std::size_t count) {
-  const auto cut = [&](int m) {
-    return static_cast<int>(count * static_cast<std::size_t>(m) /
-                            static_cast<std::size_t>(members));
-  };
-  return {cut(member), cut(member + 1)};
-}
+using Column = AlignedVector<double>;
 
 struct Patch {
   Range cells;
@@ -38,10 +29,28 @@ struct Patch {
   int empty_slot() const { return outer_slots_begin() + outer_slots.size(); }
 };
 
-/// Edges between cells of one patch; the numbers of the cells count from the first of the patch.
-struct PatchEdges {
-  AlignedVector<kernels::Local> left, right;
+/// Edges with a cell on either side.
+template <class Index>
+struct EdgeTable {
+  AlignedVector<Index> left, right;
   Column nx, ny, length;
+
+  void resize(std::size_t count) {
+    left.resize(count);
+    right.resize(count);
+    for (Column* column : {&nx, &ny, &length}) column->resize(count);
+  }
+  void set(std::size_t i, Index left_cell, Index right_cell, const physics::Edge& edge) {
+    left[i] = left_cell;
+    right[i] = right_cell;
+    nx[i] = edge.nx;
+    ny[i] = edge.ny;
+    length[i] = edge.length;
+  }
+  kernels::EdgeColumns<Index> columns() const {
+    return {left.data(), right.data(), nx.data(), ny.data(), length.data()};
+  }
+  std::size_t bytes() const { return bytes_of(left, right, nx, ny, length); }
 };
 
 struct Patches {
@@ -50,17 +59,18 @@ struct Patches {
   /// Where the slots that a patch takes from outside stand among those of the cut edges and
   /// boundaries: left sides of the cut edges, their right sides, boundaries.
   std::vector<int> outer_slots;
-  PatchEdges edges;
-  EdgeTable cut_edges;
-  std::vector<int> edge_number, cut_edge_number;  ///< of the edges in the input
-  std::vector<int> boundary_number;               ///< of the boundaries
-  AlignedVector<kernels::Local> slots[3];         ///< of the cells, in the scratch of their patch
+  EdgeTable<kernels::Local> edges;  ///< within patches; the cells count from the first of the patch
+  EdgeTable<int> cut_edges;         ///< the cells are places in the tables
+  /// Numbers of these edges in the mesh; -1: none, behind the last edge of a patch.
+  std::vector<cases::Number> edge_number, cut_edge_number;
+  std::vector<cases::Number> boundary_edge;  ///< numbers of the edges with a boundary condition
+  AlignedVector<kernels::Local> slots[3];    ///< of the cells, in the scratch of their patch
 };
 
-/// Cuts the cells, whose order is final, into patches of a number of cells, which is a multiple of
-/// 64. `edges` and `slots` name cells in that order, and edges in theirs. Throws std::length_error
-/// where a few cells have more edges than Local can number.
-Patches make_patches(const EdgeTable& edges, const AlignedVector<int> (&slots)[3],
-                     int cells_per_patch);
+/// Cuts the cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
+/// where their edges cannot be numbered. `place` is where each cell of the mesh stands. Throws
+/// std::length_error where a few cells have more edges than kernels::Local can number.
+Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
+                     ThreadTeam& team);
 
 }  // namespace engine

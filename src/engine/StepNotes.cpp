@@ -7,13 +7,53 @@
 
 namespace engine {
 
-StepNotes::StepNotes(const Tables& tables, const physics::StepNotes& before)
+namespace {
+
+physics::FlowExtremes extremes_at(const Tables& tables, std::size_t place) {
+  const CellTable& c = tables.cells;
+  return physics::extremes_of_state(c.h[place], c.qx[place], c.qy[place],
+                                    physics::depth_terms(c.h[place], tables.zero_depth));
+}
+
+/// Whether the wave of a cell sets a stable step (s).
+bool sets_step(const Tables& tables, std::size_t place, double step) {
+  const CellTable& c = tables.cells;
+  return physics::is_wet(c.h[place], tables.zero_depth) &&
+         c.char_length[place] /
+                 physics::wave_speed(physics::depth_terms(c.h[place], tables.zero_depth),
+                                     c.qx[place], c.qy[place]) ==
+             step;
+}
+
+void note(physics::FlowRecord& record, double value, int cell) {
+  if (value > record.value) record = {value, cell};
+}
+
+}  // namespace
+
+StepNotes::StepNotes(const Tables& tables, double stable_step)
     : extremes(tables.patches.patches.size()),
       smallest_steps(extremes.size(), physics::unbounded_step),
-      notes_(before),
-      cell_at_place_(inverse(tables.cell_number)) {
+      cell_at_place_(inverse(tables.place)) {
   if (tables.has_bed) lifted.assign(tables.cells.h.size(), 0.0);
   if (!tables.soils.empty()) recovered.assign(tables.cells.h.size(), 0.0);
+  note_present(tables, stable_step);
+}
+
+void StepNotes::note_present(const Tables& tables, double stable_step) {
+  int first_to_set_step = -1;
+  for (int cell = 0; cell < static_cast<int>(tables.place.size()); ++cell) {
+    const std::size_t place = at(tables.place[at(cell)]);
+    const physics::FlowExtremes of_cell = extremes_at(tables, place);
+    note(notes_.speed_squared, of_cell.speed_squared, cell);
+    note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
+    notes_.not_finite += of_cell.not_finite;
+    if (first_to_set_step < 0 && sets_step(tables, place, stable_step)) first_to_set_step = cell;
+  }
+  constexpr int none_before = -1;
+  notes_.limiting_cell = physics::limiting_cell(
+      stable_step, tables.dry_step, none_before, [](int) { return false; },
+      [&] { return first_to_set_step; });
 }
 
 UnseenDepths StepNotes::unseen_depths(int place) const {
@@ -33,20 +73,14 @@ void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches,
 
 int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patches,
                              double smallest) const {
-  const auto sets_step = [&](std::size_t place) {
-    return physics::is_wet(tables.cells.h[place], tables.zero_depth) &&
-           tables.cells.char_length[place] /
-                   physics::wave_speed({tables.reciprocal[place], tables.celerity[place]},
-                                       tables.cells.qx[place], tables.cells.qy[place]) ==
-               smallest;
-  };
+  const auto sets_it = [&](std::size_t place) { return sets_step(tables, place, smallest); };
   return physics::limiting_cell(
       smallest, tables.dry_step, notes_.limiting_cell,
-      [&](int cell) { return sets_step(at(tables.cell_number[at(cell)])); },
+      [&](int cell) { return sets_it(at(tables.place[at(cell)])); },
       [&] {
         return first_cell(
             tables, patches, [&](int patch) { return smallest_steps[at(patch)] == smallest; },
-            sets_step);
+            sets_it);
       });
 }
 
@@ -57,10 +91,7 @@ void StepNotes::note_record(const Tables& tables, const std::vector<int>& patche
   for (const int p : patches) largest = std::max(largest, extremes[at(p)].*value);
   if (!(largest > record.value)) return;
   const auto has_it = [&](std::size_t place) {
-    const physics::FlowExtremes of_cell = physics::extremes_of_state(
-        tables.cells.h[place], tables.cells.qx[place], tables.cells.qy[place],
-        {tables.reciprocal[place], tables.celerity[place]});
-    return of_cell.*value == largest;
+    return extremes_at(tables, place).*value == largest;
   };
   record = {largest,
             first_cell(

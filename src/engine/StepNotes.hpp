@@ -17,8 +17,8 @@ struct UnseenDepths {
 
 class StepNotes {
  public:
-  /// `before` are the notes of the present states.
-  StepNotes(const Tables& tables, const physics::StepNotes& before);
+  /// Begins with the present states, whose stable step it is told (s).
+  StepNotes(const Tables& tables, double stable_step);
 
   // What a backend writes while it computes a patch.
   std::vector<physics::FlowExtremes> extremes;  ///< per patch
@@ -32,6 +32,7 @@ class StepNotes {
   UnseenDepths unseen_depths(int place) const;
 
  private:
+  void note_present(const Tables& tables, double stable_step);
   int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest) const;
   void note_record(const Tables& tables, const std::vector<int>& patches,
                    physics::FlowRecord& record, double physics::FlowExtremes::*value) const;

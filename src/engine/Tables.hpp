@@ -1,14 +1,36 @@
-// The tables of a model: columns in an order of their own, cut into patches.
+// The tables of a case: columns in an order of their own, cut into patches.
 #pragma once
 
 #include <cstddef>
 #include <vector>
 
-#include "engine/ModelInput.hpp"
+#include "case/Case.hpp"
 #include "engine/Patches.hpp"
 #include "kernels/boundary.hpp"
+#include "physics/infiltration.hpp"
 
 namespace engine {
+
+/// The columns of the cells. Those that a run does not need are empty.
+struct CellTable {
+  Column h, qx, qy;             ///< state: m, m2/s
+  Column eta;                   ///< free-surface level before the first step, m; then empty
+  Column max_h;                 ///< largest depth so far, m
+  Column bed;                   ///< level of the bed under the water, m
+  Column max_node;              ///< highest vertex, m
+  Column reciprocal_area;       ///< 1/m2
+  Column char_length;           ///< m
+  Column manning;               ///< s/m^(1/3)
+  Column infiltrated;           ///< m
+  Column hs, qsx, qsy, dqs_dh;  ///< sediment: m, m2/s, m/s
+  Column rock;                  ///< level of the bed under the sediment, m
+
+  /// Level of the bed under the sediment of a cell, by its place, m.
+  double rock_of(int place) const { return rock.empty() ? bed[at(place)] : rock[at(place)]; }
+
+  AlignedVector<int> rain;  ///< number of the cell's hyetogram, from 1; 0: none
+  AlignedVector<int> soil;  ///< number of the cell's soil, from 0; -1: none
+};
 
 /// Flux slots; `bed` is empty without sediments.
 struct Slots {
@@ -18,41 +40,48 @@ struct Slots {
   kernels::SlotColumns columns();
 };
 
+struct Soil {
+  bool is_green_ampt;
+  physics::GreenAmptSoil green_ampt;
+  physics::HortonSoil horton;
+};
+
 struct Tables {
   bool has_bed = false;          ///< the model with sediments
   double zero_depth = 0.0;       ///< m
   double dry_step = 0.0;         ///< what a dry cell contributes to the stable step, s
+  double h0 = 0.0;               ///< largest initial depth, m
   double char_length_min = 0.0;  ///< m
   double porosity = 0.0;         ///< of the bed
   physics::Grains grains{};      ///< of the bed
 
   CellTable cells;
-  Column reciprocal_area;        ///< 1/m2
-  Column reciprocal, celerity;   ///< terms of the depth: 1/m, m/s
-  Column shortest;               ///< of every run of cells_of_shortest cells, m
-  std::vector<int> cell_number;  ///< place of a cell of the model in the tables
+  Column shortest;         ///< characteristic length of every run of cells_of_shortest cells, m
+  std::vector<int> place;  ///< of the cells of the case in the tables
   Patches patches;
-  std::vector<kernels::BoundaryEdge> boundaries;
-  std::vector<int> boundary_number;  ///< place of a boundary of the input
+  std::vector<kernels::BoundaryEdge> boundaries;  ///< in the order of Patches::boundary_edge
+  std::vector<int> boundary_place;                ///< of the boundaries of the case among them
   /// What passes the edges around patches: left sides of the cut edges, their right sides,
   /// boundaries.
   Slots outer;
   std::vector<Soil> soils;
   std::vector<std::vector<int>> soils_of_patch;  ///< empty without soils
 
+  int cells_per_patch() const { return patches.patches.front().cells.size(); }
   int cut_edges() const { return static_cast<int>(patches.cut_edges.left.size()); }
   int first_boundary_slot() const { return 2 * cut_edges(); }
   kernels::CellColumns columns();
-  kernels::EdgeColumns<kernels::Local> patch_edges() const;
-  kernels::EdgeColumns<int> cut_edge_columns() const;
+  /// Lays the sediment of the cells on their rock.
+  void set_bed_from_sediment();
   /// From now on the free surface is bed and depth.
   void drop_given_surface() { cells.eta = {}; }
   /// Memory, bytes.
   std::size_t bytes() const;
 };
 
-/// Takes the columns of a model over and puts them in the order of the tables, in patches that suit
-/// a number of threads. Throws std::length_error as make_patches does.
-Tables make_tables(ModelInput&& input, int threads);
+/// The tables of a case at its start, in patches of a number of cells (0: what suits mesh and
+/// threads). Every thread touches first what it works on later. Throws std::length_error as
+/// make_patches does.
+Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch = 0);
 
 }  // namespace engine

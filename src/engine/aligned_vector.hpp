@@ -1,8 +1,10 @@
-// Columns that start at a cache line, so that vector loads do not straddle two.
+// Columns that start at a cache line, so that vector loads do not straddle two, and whose new
+// values are not set, so that the thread that works on them is the first to touch their memory.
 #pragma once
 
 #include <cstddef>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace engine {
@@ -15,6 +17,20 @@ struct CacheLineAllocator {
   CacheLineAllocator() = default;
   template <class Other>
   CacheLineAllocator(const CacheLineAllocator<Other>&) {}  // NOLINT: allocators convert
+
+  template <class Other>
+  struct rebind {
+    using other = CacheLineAllocator<Other>;
+  };
+  /// resize(n) leaves new numbers as they are; resize(n, value) sets them.
+  template <class Other>
+  void construct(Other* value) {
+    ::new (static_cast<void*>(value)) Other;
+  }
+  template <class Other, class... Arguments>
+  void construct(Other* value, Arguments&&... arguments) {
+    ::new (static_cast<void*>(value)) Other(std::forward<Arguments>(arguments)...);
+  }
 
   Value* allocate(std::size_t count) {
     return static_cast<Value*>(::operator new(count * sizeof(Value), alignment));

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/Range.hpp"
+
 namespace engine {
 
 namespace {
@@ -36,6 +38,32 @@ double extent(Points first, Points last, const double* coordinate) {
   return coordinate[*most] - coordinate[*least];
 }
 
+/// A point and its place on the curve; equal places keep the order of the points.
+struct Placed {
+  std::uint64_t distance;
+  int point;
+  friend bool operator<(const Placed& a, const Placed& b) {
+    return a.distance != b.distance ? a.distance < b.distance : a.point < b.point;
+  }
+};
+
+/// Every thread sorts its share; then neighbours are merged.
+void sort(std::vector<Placed>& points, ThreadTeam& team) {
+  const auto begin_of = [&](int member) {
+    return points.begin() + share_of(member, team.size(), points.size()).begin;
+  };
+  const auto end_of = [&](int member) {
+    return member < team.size() ? begin_of(member) : points.end();
+  };
+  team.run([&](int member) { std::sort(begin_of(member), end_of(member + 1)); });
+  for (int merged = 1; merged < team.size(); merged *= 2) {
+    for (int member = 0; member + merged < team.size(); member += 2 * merged) {
+      std::inplace_merge(begin_of(member), begin_of(member + merged),
+                         end_of(std::min(member + 2 * merged, team.size())));
+    }
+  }
+}
+
 }  // namespace
 
 std::vector<int> inverse(const std::vector<int>& order) {
@@ -46,43 +74,47 @@ std::vector<int> inverse(const std::vector<int>& order) {
   return number;
 }
 
-std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys) {
-  std::vector<std::pair<std::uint64_t, int>> pairs;
-  pairs.reserve(keys.size());
-  for (const std::uint64_t key : keys) pairs.emplace_back(key, static_cast<int>(pairs.size()));
-  std::sort(pairs.begin(), pairs.end());
+std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
+                                           const std::vector<double>& y, ThreadTeam& team) {
+  if (x.empty()) return {};
+  const auto [west, east] = std::minmax_element(x.begin(), x.end());
+  const auto [south, north] = std::minmax_element(y.begin(), y.end());
+  const double x_min = *west, y_min = *south;
+  const double extent = std::max(*east - x_min, *north - y_min);
+  const double scale = extent > 0.0 ? (side - 1) / extent : 0.0;
+
+  std::vector<Placed> points(x.size());
+  team.run([&](int member) {
+    const Range share = share_of(member, team.size(), x.size());
+    for (int k = share.begin; k < share.end; ++k) {
+      const auto i = static_cast<std::size_t>(k);
+      points[i] = {hilbert_distance(static_cast<std::uint32_t>((x[i] - x_min) * scale),
+                                    static_cast<std::uint32_t>((y[i] - y_min) * scale)),
+                   k};
+    }
+  });
+  sort(points, team);
   std::vector<int> order;
-  order.reserve(keys.size());
-  for (const auto& [key, index] : pairs) order.push_back(index);
+  order.reserve(points.size());
+  for (const Placed& placed : points) order.push_back(placed.point);
   return order;
 }
 
-std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
-                                           const std::vector<double>& y) {
-  if (x.empty()) return {};
-  const auto [x_min, x_max] = std::minmax_element(x.begin(), x.end());
-  const auto [y_min, y_max] = std::minmax_element(y.begin(), y.end());
-  const double extent = std::max(*x_max - *x_min, *y_max - *y_min);
-  const double scale = extent > 0.0 ? (side - 1) / extent : 0.0;
-
-  std::vector<std::uint64_t> place(x.size());
-  for (std::size_t i = 0; i < x.size(); ++i) {
-    place[i] = hilbert_distance(static_cast<std::uint32_t>((x[i] - *x_min) * scale),
-                                static_cast<std::uint32_t>((y[i] - *y_min) * scale));
-  }
-  return order_by_key(place);
-}
-
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
-                                     int run) {
-  std::vector<int> order = order_along_hilbert_curve(x, y);
-  for (Points first = order.begin(); first != order.end();) {
-    const Points last = first + std::min<std::ptrdiff_t>(run, order.end() - first);
-    const bool is_wide = extent(first, last, x.data()) > extent(first, last, y.data());
-    const double* const longer = is_wide ? x.data() : y.data();
-    std::stable_sort(first, last, [&](int i, int j) { return longer[i] < longer[j]; });
-    first = last;
-  }
+                                     int run, ThreadTeam& team) {
+  std::vector<int> order = order_along_hilbert_curve(x, y, team);
+  const std::size_t runs =
+      (order.size() + static_cast<std::size_t>(run) - 1) / static_cast<std::size_t>(run);
+  team.run([&](int member) {
+    const Range share = share_of(member, team.size(), runs);
+    for (int r = share.begin; r < share.end; ++r) {
+      const Points first = order.begin() + std::ptrdiff_t{r} * run;
+      const Points last = first + std::min<std::ptrdiff_t>(run, order.end() - first);
+      const bool is_wide = extent(first, last, x.data()) > extent(first, last, y.data());
+      const double* const longer = is_wide ? x.data() : y.data();
+      std::stable_sort(first, last, [&](int i, int j) { return longer[i] < longer[j]; });
+    }
+  });
   return order;
 }
 

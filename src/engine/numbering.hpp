@@ -4,24 +4,22 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/ThreadTeam.hpp"
+
 namespace engine {
 
 /// Permutation of the points (x[i], y[i]) along a Hilbert curve over their extent: entry k is the
 /// point that comes k-th. Source: Hilbert (1891), Math. Ann. 38.
 std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
-                                           const std::vector<double>& y);
+                                           const std::vector<double>& y, ThreadTeam& team);
 
 /// The same points in runs of a length along that curve, each run swept from one end of its longer
 /// extent to the other. Sides of the edges of a run then come from two windows that move through
 /// memory together, which the processor fetches ahead; along the curve alone they jump.
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
-                                     int run);
+                                     int run, ThreadTeam& team);
 
 /// Where each entry of a permutation has gone.
 std::vector<int> inverse(const std::vector<int>& order);
-
-/// Permutation that sorts keys: entry k is the index of the k-th smallest; equal keys keep their
-/// order.
-std::vector<int> order_by_key(const std::vector<std::uint64_t>& keys);
 
 }  // namespace engine

@@ -4,15 +4,14 @@
 #include <span>
 
 #include "case/Mesh.hpp"
+#include "engine/step_values.hpp"
 #include "fields/Field.hpp"
 #include "physics/flow_extremes.hpp"
 
 namespace fields {
 
-/// Clock of a step: time and span of the run, and the step, s.
-struct StepTimes {
-  double t, t_start, t_end, dt;
-};
+using engine::BoundaryInflow;
+using engine::StepTimes;
 
 /// All that the next step makes of a cell.
 struct CellState {
@@ -21,11 +20,6 @@ struct CellState {
   double dqs_dh = 0.0;       ///< derivative of the bed load with respect to the depth, m/s
   double bed_level = 0.0;    ///< m
   double water_level = 0.0;  ///< m
-};
-
-/// What entered through a boundary edge in a step, m3/s of water and of bed.
-struct BoundaryInflow {
-  double water = 0.0, bed = 0.0;
 };
 
 /// What becomes of the water and the bed of a cell without showing in its state, summed since the
@@ -42,6 +36,12 @@ struct ExecutionPath {
   const char* instruction_set;
 };
 
+/// What the rule of the time step takes for cells without water.
+struct FlowScales {
+  double h0;               ///< largest depth at the start, m
+  double char_length_min;  ///< smallest characteristic length of a cell, m
+};
+
 /// What the states of all cells are like at one time.
 struct FlowSurvey {
   long wet_cells = 0;
@@ -55,6 +55,7 @@ class Flow {
  public:
   virtual ~Flow() = default;
 
+  virtual FlowScales scales() const = 0;
   /// Stable step of the present states before the Courant factor, s.
   virtual double stable_step() = 0;
   /// Advances all cells by a step; the stable step of the new states, s.

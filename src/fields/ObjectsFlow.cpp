@@ -33,7 +33,21 @@ double value_of(const ComputationalCell& cell, Field field) {
   return 0.0;
 }
 
+ModelObjects objects_of(const cases::Case& contents) {
+  Globals::t = Globals_Params::tStart = contents.t_start;
+  Globals_Params::tEnd = contents.t_end;
+  Constants::ZERO_DEPTH = contents.zero_depth;
+  Globals_Sed::g_d50 = contents.sediment.d50;
+  Globals_Sed::g_sedimentsDensity = contents.sediment.density;
+  Globals_Sed::g_sedimentsManning = contents.sediment.manning;
+  Globals_Sed::g_sedimentsPorosity = contents.sediment.porosity;
+  return build_objects(contents);
+}
+
 }  // namespace
+
+ObjectsFlow::ObjectsFlow(const cases::Case& contents)
+    : objects_(objects_of(contents)), model_(*objects_.model) {}
 
 double ObjectsFlow::advance(const StepTimes& times) {
   Globals::t = times.t;

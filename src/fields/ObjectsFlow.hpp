@@ -7,15 +7,21 @@
 #include "fields/Flow.hpp"
 #include "fields/StepWatch.hpp"
 #include "model/PhysicalModel.hpp"
+#include "model/build_objects.hpp"
 
 namespace fields {
 
 class ObjectsFlow : public Flow {
  public:
+  /// Builds the objects of a case, and sets the globals that they read.
+  explicit ObjectsFlow(const cases::Case& contents);
   /// The set-up of the model must be complete; it must outlive the flow.
   explicit ObjectsFlow(PhysicalModel& model) : model_(model) {}
   ~ObjectsFlow() override { model_.observer = nullptr; }
 
+  const PhysicalModel& model() const { return model_; }
+
+  FlowScales scales() const override { return {model_.h0, model_.char_length_min}; }
   double stable_step() override { return model_.dtMin(); }
   /// Sets the clock that the objects read.
   double advance(const StepTimes& times) override;
@@ -37,6 +43,7 @@ class ObjectsFlow : public Flow {
     return *model_.cells[cases::at(number)];
   }
 
+  ModelObjects objects_;  ///< empty where the model is somebody else's
   PhysicalModel& model_;
   std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
   std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched

@@ -10,10 +10,7 @@ HydroBCHydrograph::HydroBCHydrograph(ComputationalCell* cell, const MeshNode& a,
 int HydroBCHydrograph::GetCurrent() {
   // Intended: at a sample time the interval that starts there (a limnigraph stays in the one that
   // ends there).
-  while (current_index < series->last_interval() &&
-         Globals::t >= series->interval_end(current_index)) {
-    ++current_index;
-  }
+  current_index = physics::interval_that_starts(series->samples(), current_index, Globals::t);
   return current_index;
 }
 

@@ -12,10 +12,7 @@ HydroBCLimnigraph::HydroBCLimnigraph(ComputationalCell* cell, const MeshNode& a,
 int HydroBCLimnigraph::GetCurrent() {
   // Intended: at a sample time the interval that ends there (a hydrograph is already in the one
   // that starts there).
-  while (current_index < series->last_interval() &&
-         Globals::t > series->interval_end(current_index)) {
-    ++current_index;
-  }
+  current_index = physics::interval_that_ends(series->samples(), current_index, Globals::t);
   return current_index;
 }
 

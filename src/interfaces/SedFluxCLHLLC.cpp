@@ -1,23 +1,16 @@
 #include "interfaces/SedFluxCLHLLC.hpp"
 
 #include <atomic>
-#include <cmath>
-#include <string>
 
 #include "globals/Globals.hpp"
 #include "interfaces/cell_sediment.hpp"
-#include "utils/number_text.hpp"
+#include "utils/not_hyperbolic.hpp"
 #include "utils/stop.hpp"
 
 void warn_not_hyperbolic(int cell, double h, double qx, double qy) {
   static std::atomic<bool> has_warned = false;
   if (has_warned.exchange(true)) return;
-  utils::warn(
-      "in cell " + std::to_string(cell) +
-      " (counted from 0) at t = " + utils::number_text(Globals::t) + " s, with depth " +
-      utils::number_text(h) + " m and velocity " + utils::number_text(std::hypot(qx, qy) / h) +
-      " m/s, the bed wave is outside the range in which the coupled system of water and "
-      "bed is hyperbolic; the bed is left out of the wave speeds there. This is said once.");
+  utils::warn(utils::not_hyperbolic(cell, Globals::t, h, qx, qy));
 }
 
 namespace {

@@ -5,7 +5,6 @@
 #include <system_error>
 
 #include "case/read_series.hpp"
-#include "physics/time_series.hpp"
 
 namespace {
 
@@ -40,7 +39,5 @@ std::shared_ptr<const TimeSeries> TimeSeries::from_file(const std::string& file)
 }
 
 double TimeSeries::value_at(double t, int i) const {
-  if (t >= times.back()) return values.back();
-  const auto k = static_cast<std::size_t>(i);
-  return physics::interpolate_linear(t, times[k], times[k + 1], values[k], values[k + 1]);
+  return physics::value_of_series(samples(), i, t);
 }

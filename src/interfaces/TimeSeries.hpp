@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "physics/time_series.hpp"
 
 class TimeSeries {
  public:
@@ -19,11 +20,13 @@ class TimeSeries {
   /// The series of a file; edges that name the same file share it.
   static std::shared_ptr<const TimeSeries> from_file(const std::string& file);
 
-  /// The last interval of the series.
-  int last_interval() const { return static_cast<int>(times.size()) - 2; }
-  double interval_end(int i) const { return times[static_cast<std::size_t>(i) + 1]; }
   /// Value at time t, interpolated on interval i; the last value past the last sample.
   double value_at(double t, int i) const;
+
+  /// The series as the formulas take it; it points into this one.
+  physics::SampledSeries samples() const {
+    return {times.data(), values.data(), static_cast<int>(times.size())};
+  }
 
   std::vector<double> times;  ///< s
   std::vector<double> values;

@@ -53,8 +53,9 @@ QM_HD inline double bed_flux_of_kind(const BoundaryEdge& boundary, const CellCol
 QM_HD inline void flux_of_boundary(const CellColumns& cells, const BoundaryEdge& boundary,
                                    const StepValues& step, const SlotColumns& slots, int k) {
   const physics::EdgeSide side =
-      cells.eta != nullptr ? side_of<true>(cells, boundary.cell, boundary.edge, step.zero_depth)
-                           : side_of<false>(cells, boundary.cell, boundary.edge, step.zero_depth);
+      cells.eta != nullptr
+          ? side_of<Given<true, false>>(cells, boundary.cell, boundary.edge, step.zero_depth)
+          : side_of<Given<false, false>>(cells, boundary.cell, boundary.edge, step.zero_depth);
   const physics::BoundaryFlux flux = flux_of_kind(boundary, side, step.zero_depth);
   fill_slot(slots, k, physics::boundary_slot(boundary.edge, flux));
   if (slots.bed == nullptr) return;

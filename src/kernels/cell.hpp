@@ -40,6 +40,13 @@ QM_HD inline physics::MomentumSource friction_of(const CellColumns& cells, int i
   return {wet ? source.qx : 0.0, wet ? source.qy : 0.0};
 }
 
+/// Stores the terms of the depth of a cell.
+QM_HD inline void store_terms(const CellColumns& cells, int i, double zero_depth) {
+  const physics::DepthTerms depth = physics::depth_terms(cells.h[i], zero_depth);
+  cells.reciprocal[i] = depth.reciprocal;
+  cells.celerity[i] = depth.celerity;
+}
+
 /// Stores the new depth and discharges of a cell, and what follows from them.
 QM_HD inline CellAfter store_water(const CellColumns& cells, int i, double h, double qx, double qy,
                                    double zero_depth) {
@@ -48,8 +55,6 @@ QM_HD inline CellAfter store_water(const CellColumns& cells, int i, double h, do
   cells.h[i] = h;
   cells.qx[i] = qx;
   cells.qy[i] = qy;
-  cells.reciprocal[i] = depth.reciprocal;
-  cells.celerity[i] = depth.celerity;
   const bool wet = physics::is_wet(h, zero_depth);
   const bool dry = h <= zero_depth;
   return {physics::larger(max_h, h), wet ? physics::wave_speed(depth, qx, qy) : 0.0, h > max_h, dry,
@@ -109,9 +114,10 @@ QM_HD inline CellAfter advance_water_and_bed(const CellColumns& cells, int i, co
                              .source_qy = source.qy},
                             step.zero_depth);
   const CellAfter told = store_water(cells, i, after.h, after.qx, after.qy, step.zero_depth);
-  const physics::BedLoad load = physics::bed_load_of_cell(
-      {after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy}, cells.reciprocal[i],
-      friction ? cells.manning[i] : 0.0, step.grains, step.zero_depth);
+  const physics::BedLoad load =
+      physics::bed_load_of_cell({after.h, after.qx, after.qy, after.hs, after.qsx, after.qsy},
+                                physics::depth_terms(after.h, step.zero_depth).reciprocal,
+                                friction ? cells.manning[i] : 0.0, step.grains, step.zero_depth);
   cells.hs[i] = after.hs;
   cells.bed[i] = cells.rock[i] + after.hs;
   cells.qsx[i] = load.qsx;

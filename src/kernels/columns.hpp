@@ -14,8 +14,9 @@ using Local = std::uint16_t;
 
 /// Cells, in the engine's own order. Columns that a run does not need are null.
 struct CellColumns {
-  double *h, *qx, *qy;              ///< state: m, m2/s
-  double *reciprocal, *celerity;    ///< terms of the depth: 1/m, m/s
+  double *h, *qx, *qy;  ///< state: m, m2/s
+  /// Terms of the depth at the start of a step, 1/m and m/s: of the patch that is being computed.
+  double *reciprocal, *celerity;
   double* bed;                      ///< level of the bed under the water, m
   const double* eta;                ///< free-surface level before the first step, m; else null
   double* max_h;                    ///< largest depth so far, m

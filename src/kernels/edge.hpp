@@ -8,16 +8,28 @@
 
 namespace kernels {
 
-/// A cell in the frame of an edge. After a step the free surface is bed and depth; before the first
-/// one it is as the run gives it.
-template <bool eta_given>
+/// What an edge finds in the columns, and what it has to compute: the free surface is bed and depth
+/// after a step, and as the run gives it before the first one; the terms of the depth are there for
+/// the cells of a patch while it is computed.
+template <bool eta_given_, bool terms_given_>
+struct Given {
+  static constexpr bool eta = eta_given_, terms = terms_given_;
+};
+
+/// A cell in the frame of an edge.
+template <class given>
 QM_HD inline physics::EdgeSide side_of(const CellColumns& cells, int i, const physics::Edge& edge,
                                        double zero_depth) {
   const double h = cells.h[i];
   const double bed = cells.bed[i];
-  return physics::to_edge_frame(
-      {h, cells.qx[i], cells.qy[i], bed, eta_given ? cells.eta[i] : bed + h},
-      {cells.reciprocal[i], cells.celerity[i]}, edge, zero_depth);
+  const physics::CellWater water = {h, cells.qx[i], cells.qy[i], bed,
+                                    given::eta ? cells.eta[i] : bed + h};
+  if constexpr (given::terms) {
+    return physics::to_edge_frame(water, {cells.reciprocal[i], cells.celerity[i]}, edge,
+                                  zero_depth);
+  } else {
+    return physics::to_edge_frame(water, edge, zero_depth);
+  }
 }
 
 QM_HD inline physics::CellSediment sediment_of(const CellColumns& cells, int i) {
@@ -31,13 +43,13 @@ QM_HD inline void fill_slot(const SlotColumns& slots, int k, const physics::Wate
 }
 
 /// Water between the cells l and r, into slot k of both sides.
-template <bool eta_given>
+template <class given>
 QM_HD inline void flux_of_water(const CellColumns& cells, int l, int r, const physics::Edge& edge,
                                 const StepValues& step, const SlotColumns& left,
                                 const SlotColumns& right, int k) {
   const physics::SlotPair slots =
-      physics::flux_lhllc(side_of<eta_given>(cells, l, edge, step.zero_depth),
-                          side_of<eta_given>(cells, r, edge, step.zero_depth), edge);
+      physics::flux_lhllc(side_of<given>(cells, l, edge, step.zero_depth),
+                          side_of<given>(cells, r, edge, step.zero_depth), edge);
   fill_slot(left, k, slots.left);
   fill_slot(right, k, slots.right);
 }
@@ -49,15 +61,15 @@ struct Radicands {
 };
 
 /// Water and bed between the cells l and r, into slot k of both sides.
-template <bool eta_given>
+template <class given>
 QM_HD inline Radicands flux_of_water_and_bed(const CellColumns& cells, int l, int r,
                                              const physics::Edge& edge, const StepValues& step,
                                              const SlotColumns& left, const SlotColumns& right,
                                              int k) {
-  const physics::CoupledSlotPair slots = physics::flux_clhllc(
-      side_of<eta_given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
-      side_of<eta_given>(cells, r, edge, step.zero_depth), sediment_of(cells, r), edge,
-      step.porosity, step.zero_depth);
+  const physics::CoupledSlotPair slots =
+      physics::flux_clhllc(side_of<given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
+                           side_of<given>(cells, r, edge, step.zero_depth), sediment_of(cells, r),
+                           edge, step.porosity, step.zero_depth);
   fill_slot(left, k, slots.left.water);
   fill_slot(right, k, slots.right.water);
   left.bed[k] = slots.left.hs;
@@ -68,7 +80,7 @@ QM_HD inline Radicands flux_of_water_and_bed(const CellColumns& cells, int l, in
 /// Whether the coupled system of water and bed is hyperbolic in a cell, seen from an edge.
 QM_HD inline bool is_hyperbolic(const CellColumns& cells, int i, const physics::Edge& edge,
                                 const StepValues& step) {
-  const physics::EdgeSide side = side_of<false>(cells, i, edge, step.zero_depth);
+  const physics::EdgeSide side = side_of<Given<false, false>>(cells, i, edge, step.zero_depth);
   const physics::CoupledSpeeds speeds =
       physics::coupled_speeds(side, cells.dqs_dh[i], step.porosity, step.zero_depth);
   return !(speeds.radicand < 0.0);

@@ -18,6 +18,7 @@
 #include "main/usage.hpp"
 #include "report/RunReport.hpp"
 #include "utils/InputParser.hpp"
+#include "utils/WriterThread.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
 #include "utils/planned_files.hpp"
@@ -63,14 +64,15 @@ void refuse_results_that_destroy(const std::string& report) {
   utils::fatal("Error. " + sentence + ".\n");
 }
 
-/// From now on an early end of the run is reported too.
-void report_early_end(RunReport& report) {
-  utils::set_stop_handler([&report](int status, const std::string& message) {
-    utils::set_stop_handler(utils::end_process);
-    utils::close_run(message);
-    report.write(status, message);
-    std::exit(status);
-  });
+/// Ends a run early: says why, lets the writers finish their files, closes the log, and writes the
+/// report if there is one (null: none). Answers the exit status.
+int end_early(const std::string& message, int status, RunReport* report) {
+  std::cerr << message;
+  utils::flush_console();
+  utils::wait_for_writers();
+  if (Globals::spyFile.is_open()) Globals::spyFile.close();
+  if (report != nullptr) report->write(status, message);
+  return status;
 }
 
 void print_banner() {
@@ -139,9 +141,9 @@ int status_of_words() {
   return std::cout.good() ? 0 : -1;
 }
 
-[[noreturn]] void end_beyond_memory(const std::exception& error) {
-  utils::fatal("Error. The run needs more memory than there can be (" + std::string(error.what()) +
-               ").\n");
+std::string beyond_memory(const std::exception& error) {
+  return "Error. The run needs more memory than there can be (" + std::string(error.what()) +
+         ").\n";
 }
 
 }  // namespace
@@ -150,6 +152,9 @@ int main(int argc, char** argv) {
   secure_process();
   std::optional<RunReport> report;  // outlives the errors that it tells of, as does the run
   std::optional<Domain> domain;
+  const auto end_early = [&](const std::string& message, int status) {
+    return ::end_early(message, status, report ? &*report : nullptr);
+  };
   try {
     const utils::InputParser parser(argc, argv);
     if (parser.cmdOptionExists("--help")) {
@@ -166,10 +171,7 @@ int main(int argc, char** argv) {
     const std::string report_name = has_report ? name_of_report(parser) : "";
     const std::string given_name = std::exchange(_dataFile, utils::readable_again(_dataFile));
     refuse_results_that_destroy(report_name);
-    if (has_report) {
-      report.emplace(report_name, given_name);
-      report_early_end(*report);
-    }
+    if (has_report) report.emplace(report_name, given_name);
     std::optional<Progress> progress;
     if (parser.cmdOptionExists("--progress")) progress.emplace(Progress::on_standard_error());
     const int status = run(domain, {.progress = progress ? &*progress : nullptr,
@@ -177,11 +179,14 @@ int main(int argc, char** argv) {
     utils::flush_console();
     if (!report) return status;
     return report->write(status, "") ? status : -1;
+  } catch (const utils::FatalError& error) {
+    std::cout << error.output() << std::flush;
+    return end_early(error.text(), error.status());
   } catch (const std::length_error& error) {
-    end_beyond_memory(error);
+    return end_early(beyond_memory(error), -1);
   } catch (const std::bad_alloc& error) {  // a size that no machine has; others never get here
-    end_beyond_memory(error);
+    return end_early(beyond_memory(error), -1);
   } catch (const std::exception& error) {
-    utils::fatal(error.what() + std::string("\n"));
+    return end_early(error.what() + std::string("\n"), -1);
   }
 }

@@ -1,7 +1,5 @@
 #include "model/SWE.hpp"
 
-#include <iostream>
-
 #include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
@@ -50,9 +48,9 @@ void SWE::build_interface(int scheme, int edge, int left, int right, const MeshN
       built = std::make_unique<HydroFluxLHLLC>(L, R, node1, node2);
       break;
     case edge_code::scheme_roe:
-      std::cout << "should be Roe scheme" << std::endl;
       utils::fatal("Error. The flux scheme \"Roe\" (code 2, edge " + std::to_string(edge) +
-                   ") is not available; use \"LHLLC\".\n");
+                       ") is not available; use \"LHLLC\".\n",
+                   -1, "should be Roe scheme\n");
     default:
       refuse_boundary_code(code);
   }

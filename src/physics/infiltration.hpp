@@ -22,6 +22,14 @@ struct GreenAmptSoil {
   double kr;      // recovery rate, 1/s; none when not positive
 };
 
+/// A soil of saturated conductivity Ks (m/s), suction head psi (m), initial and saturated moisture
+/// content, depth of the layer L (m) and recovery rate kr (1/s).
+QM_HD inline GreenAmptSoil green_ampt_soil(double Ks, double psi, double theta_i, double theta_s,
+                                           double L, double kr) {
+  // Intended: the room in the layer is divided by the saturated content.
+  return {Ks, psi, theta_s - theta_i, L * (theta_s - theta_i) / theta_s, kr};
+}
+
 struct HortonSoil {
   double f0;    // initial capacity, m/s
   double fc;    // final capacity, m/s

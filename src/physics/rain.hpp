@@ -21,6 +21,9 @@ struct RainClock {
   double rain_dt;
 };
 
+/// The clock of a run that starts at t_start (s).
+QM_HD inline RainClock clock_before_rain(double t_start) { return {t_start, -1, 1e20}; }
+
 /// Depth (m) to add now, and the clock after it.
 struct RainAddition {
   double depth;

@@ -4,13 +4,7 @@
 
 GreenAmptTerm::GreenAmptTerm(int id, double Ks, double psi, double theta_i, double theta_s,
                              double L, double kr)
-    : SourceTerm(id),
-      soil_{.Ks = Ks,
-            .psi = psi,
-            .dtheta = theta_s - theta_i,
-            // Intended: the room in the layer is divided by the saturated content.
-            .Fmax = L * (theta_s - theta_i) / theta_s,
-            .kr = kr} {}
+    : SourceTerm(id), soil_(physics::green_ampt_soil(Ks, psi, theta_i, theta_s, L, kr)) {}
 
 double GreenAmptTerm::newton_raphson(double time_span) const {
   return physics::green_ampt_ponded(soil_, time_span);

@@ -7,33 +7,28 @@
 
 namespace utils {
 
-/// Ends the run after an error that has been told. Must be called on the main thread.
-[[noreturn]] void stop(int status);
-
-/// Ends the run after an error that the message tells, with its own line end.
-[[noreturn]] void fatal(const std::string& message, int status = -1);
-
-/// What stop() and fatal() do, with the message of fatal() or an empty one: at first end_process().
-/// A handler does not return; a program that goes on after a run that ended early throws.
-using StopHandler = std::function<void(int status, const std::string& message)>;
-void set_stop_handler(StopHandler handler);
-
-/// Writes the message to standard error, lets the writers finish their files, closes the log and
-/// flushes the console.
-void close_run(const std::string& message);
-/// The same, and ends the process with the status.
-[[noreturn]] void end_process(int status, const std::string& message);
-
-/// What fatal() throws in a program that goes on after errors.
+/// Ends a run early: what is said on standard error and, for a few errors, on standard output, with
+/// line ends (empty: nothing more), and the exit status.
 class FatalError : public std::runtime_error {
  public:
-  using std::runtime_error::runtime_error;
+  /// what() is the text, or else the output, without its line end.
+  explicit FatalError(const std::string& text, int status = -1, const std::string& output = "");
+
+  const std::string& text() const { return text_; }
+  const std::string& output() const { return output_; }
+  int status() const { return status_; }
+
+ private:
+  std::string text_, output_;
+  int status_;
 };
 
-/// From now on fatal() throws a FatalError with its message, less the line end, and neither writes
-/// nor ends anything: for programs that collect errors, or that say them with a beginning of their
-/// own.
-void throw_fatal_errors();
+/// Throws a FatalError after an error that has been told.
+[[noreturn]] void stop(int status);
+
+/// Throws a FatalError that the message tells, with its own line end.
+[[noreturn]] void fatal(const std::string& message, int status = -1,
+                        const std::string& output = "");
 
 /// Writes "Warning: ", the message and a line end to standard error. Any thread may call it.
 void warn(const std::string& message);

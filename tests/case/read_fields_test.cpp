@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "support/TemporaryFolder.hpp"
-#include "support/death.hpp"
+#include "support/fatal.hpp"
 #include "utils/TextScanner.hpp"
 
 namespace {
@@ -47,10 +47,10 @@ TEST_F(ReadFieldsTest, WhatFollowsTheLastCellIsIgnored) {
 
 TEST_F(ReadFieldsTest, AMalformedValueEndsTheRunWithItsPlace) {
   auto manning = file("0.03\nrough");
-  EXPECT_EXIT(cases::read_manning(manning, 2, fields), testing::ExitedWithCode(255),
-              testing::Eq("Error in file " + folder.file("field.txt") +
-                          ", line 2, cell 1 (of 0 to 1), Manning coefficient: found \"rough\", "
-                          "expected a finite number.\n"));
+  EXPECT_FATAL(cases::read_manning(manning, 2, fields), 255,
+               testing::Eq("Error in file " + folder.file("field.txt") +
+                           ", line 2, cell 1 (of 0 to 1), Manning coefficient: found \"rough\", "
+                           "expected a finite number.\n"));
 }
 
 TEST_F(ReadFieldsTest, TermsOfCellsAreNumbersOfTheTermsThatBearTheirIds) {
@@ -74,12 +74,8 @@ TEST_F(ReadFieldsTest, UnknownIdsAreToldWithTheirCellsAndCountAsNone) {
 }
 
 TEST_F(ReadFieldsTest, ARunEndsAtAnUnknownIdWithStatusOne) {
-  EXPECT_EXIT(
-      {
-        support::match_standard_output();
-        cases::end_at_unknown_term(3, 4);
-      },
-      testing::ExitedWithCode(1), testing::Eq("Error: source term ID 4 not found\n"));
+  EXPECT_FATAL_OUTPUT(cases::end_at_unknown_term(3, 4), 1,
+                      testing::Eq("Error: source term ID 4 not found\n"));
 }
 
 }  // namespace

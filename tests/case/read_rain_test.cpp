@@ -4,6 +4,7 @@
 
 #include "case/CollectedMessages.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -40,10 +41,11 @@ TEST_F(ReadRainTest, WarnsOfIntervalsOutOfOrderAndOfWhatHardlyIsMeant) {
 }
 
 TEST_F(ReadRainTest, AMalformedIntensityEndsTheRunWithItsPlace) {
-  EXPECT_EXIT(read("2\n7 0 60\n8 1 60\n0 wet"), testing::ExitedWithCode(255),
-              testing::Eq("Error in file " + folder.file("rain.txt") +
-                          ", line 4, hyetogram 1 (of 0 to 1), intensity: found \"wet\", expected a "
-                          "finite number.\n"));
+  EXPECT_FATAL(
+      read("2\n7 0 60\n8 1 60\n0 wet"), 255,
+      testing::Eq("Error in file " + folder.file("rain.txt") +
+                  ", line 4, hyetogram 1 (of 0 to 1), intensity: found \"wet\", expected a "
+                  "finite number.\n"));
 }
 
 }  // namespace

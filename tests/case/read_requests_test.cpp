@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/TemporaryFolder.hpp"
-#include "support/death.hpp"
+#include "support/fatal.hpp"
 #include "utils/TextScanner.hpp"
 
 namespace {
@@ -34,9 +34,10 @@ TEST_F(ReadRequestsTest, GaugesAreAResultAnIntervalAndPoints) {
 
 TEST_F(ReadRequestsTest, AGaugeWithoutHeightEndsTheRun) {
   auto text = file("2 out.txt 0.5\n1 2 3\n-4 5.25");
-  EXPECT_EXIT(cases::read_gauges(text), testing::ExitedWithCode(255),
-              testing::Eq(error_at("3, gauge 1 (of 0 to 1), z: found the end of the file, expected "
-                                   "a finite number.")));
+  EXPECT_FATAL(
+      cases::read_gauges(text), 255,
+      testing::Eq(error_at("3, gauge 1 (of 0 to 1), z: found the end of the file, expected "
+                           "a finite number.")));
 }
 
 TEST_F(ReadRequestsTest, SectionsAreAnIntervalAResultAndListsOfEdges) {
@@ -49,9 +50,9 @@ TEST_F(ReadRequestsTest, SectionsAreAnIntervalAResultAndListsOfEdges) {
 
 TEST_F(ReadRequestsTest, ASectionOverAnEdgeThatDoesNotExistEndsTheRun) {
   auto text = file("1 60 q.txt\n2 7 5");
-  EXPECT_EXIT(cases::read_sections(text, 7), testing::ExitedWithCode(255),
-              testing::Eq(error_at(
-                  "2, section 0 (of 0 to 0), edge: found \"7\", expected an index from 0 to 6.")));
+  EXPECT_FATAL(cases::read_sections(text, 7), 255,
+               testing::Eq(error_at(
+                   "2, section 0 (of 0 to 0), edge: found \"7\", expected an index from 0 to 6.")));
 }
 
 TEST_F(ReadRequestsTest, SnapshotsKeepTheOrderOfTheirTimes) {
@@ -61,9 +62,9 @@ TEST_F(ReadRequestsTest, SnapshotsKeepTheOrderOfTheirTimes) {
 
 TEST_F(ReadRequestsTest, MoreSnapshotsThanTheFileHoldsEndTheRun) {
   auto text = file("4 0 20");
-  EXPECT_EXIT(cases::read_snapshots(text), testing::ExitedWithCode(255),
-              testing::Eq(error_at("1, header, number of snapshots: found \"4\", expected a count "
-                                   "from 0 to 2, the most that the rest of the file can hold.")));
+  EXPECT_FATAL(cases::read_snapshots(text), 255,
+               testing::Eq(error_at("1, header, number of snapshots: found \"4\", expected a count "
+                                    "from 0 to 2, the most that the rest of the file can hold.")));
 }
 
 }  // namespace

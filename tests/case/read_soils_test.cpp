@@ -4,7 +4,7 @@
 
 #include "case/CollectedMessages.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/death.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -48,13 +48,8 @@ TEST_F(ReadSoilsTest, WarnsOfWhatHardlyIsMeant) {
 }
 
 TEST_F(ReadSoilsTest, AModelThatThereIsNotEndsTheRun) {
-  EXPECT_EXIT(
-      {
-        support::match_standard_output();
-        read("1\n3 horton 2e-5 1e-6 4 0.5 0");
-      },
-      testing::ExitedWithCode(255),
-      testing::Eq("Infiltration type not recognized. Type: horton\n"));
+  EXPECT_FATAL_OUTPUT(read("1\n3 horton 2e-5 1e-6 4 0.5 0"), 255,
+                      testing::Eq("Infiltration type not recognized. Type: horton\n"));
 }
 
 }  // namespace

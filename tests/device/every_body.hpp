@@ -123,10 +123,12 @@ QM_HD inline Results every_body(std::uint64_t number) {
                                     porosity, {0.001, 2.65}, before.rain_depths};
 
   TwoCells c = before;
-  kernels::flux_of_water<true>(columns_of(c, true), 0, 1, edge, step, slots_of(c, 0),
-                               slots_of(c, 1), 0);
+  for (int i = 0; i < 2; ++i) kernels::store_terms(columns_of(c, true), i, zero_depth);
+  add(results, c.reciprocal[0] + c.celerity[1]);
+  kernels::flux_of_water<kernels::Given<true, true>>(columns_of(c, true), 0, 1, edge, step,
+                                                     slots_of(c, 0), slots_of(c, 1), 0);
   add_slots(results, c);
-  const kernels::Radicands radicands = kernels::flux_of_water_and_bed<false>(
+  const kernels::Radicands radicands = kernels::flux_of_water_and_bed<kernels::Given<false, false>>(
       columns_of(c, false), 0, 1, edge, step, slots_of(c, 0), slots_of(c, 1), 0);
   add_slots(results, c);
   add(results, radicands.left);

@@ -56,7 +56,7 @@ TEST_F(LimitingCell, IsTheSmallestWhereDryCellsSetTheStep) {
   set_depths(9.0 * k, k, 0.0, k);
   cases::Case contents = support::case_of(*model);
   EXPECT_EQ(limiting_cell(fields::ObjectsFlow(*model), contents), 0);
-  contents.h0 = 100.0 * k;  // deeper than anything now
+  model->h0 = 100.0 * k;  // deeper than anything now
   contents.mesh.x[1] = 1.5;
   EXPECT_EQ(limiting_cell(fields::ObjectsFlow(*model), contents), 2);
 }

@@ -50,7 +50,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   try {
     ask_for_everything(utils::DataFileReader(path));
   } catch (const std::exception&) {
-  } catch (const fuzzing::Stopped&) {
+  } catch (const utils::FatalError&) {
   }
   return 0;
 }

@@ -5,6 +5,7 @@
 #include "support/EdgePatch.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "support/unit_wave.hpp"
 
 namespace {
@@ -111,9 +112,8 @@ TEST_F(HydroBCHydrographTest, EdgesThatNameTheSameFileShareTheSeriesAndNotThePla
 
 TEST_F(HydroBCHydrographTest, AMissingFileEndsTheRun) {
   const std::string file = folder.file("absent.txt");
-  EXPECT_EXIT(HydroBCHydrograph(&patch.left(), patch.a(), patch.b(), file),
-              testing::ExitedWithCode(255),
-              testing::Eq("Fatal error. Impossible to open file " + file + ".\n"));
+  EXPECT_FATAL(HydroBCHydrograph(&patch.left(), patch.a(), patch.b(), file), 255,
+               testing::Eq("Fatal error. Impossible to open file " + file + ".\n"));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -19,9 +20,9 @@ TEST_F(TimeSeriesTest, ReadsTheNumberOfSamplesAndTheSamples) {
   const TimeSeries series(write("3\n0 1.5\n10\t-2e1\n\n 30 +0.25 "));
   EXPECT_EQ(series.times, (std::vector<double>{0.0, 10.0, 30.0}));
   EXPECT_EQ(series.values, (std::vector<double>{1.5, -20.0, 0.25}));
-  EXPECT_EQ(series.last_interval(), 1);
-  EXPECT_EQ(series.interval_end(0), 10.0);
-  EXPECT_EQ(series.interval_end(1), 30.0);
+  EXPECT_EQ(series.samples().count, 3);
+  EXPECT_EQ(series.samples().times[1], 10.0);
+  EXPECT_EQ(series.samples().times[2], 30.0);
 }
 
 TEST_F(TimeSeriesTest, IgnoresWhatFollowsTheLastSample) {
@@ -92,7 +93,7 @@ TEST_F(TimeSeriesTest, AFileThatNoEdgeHoldsAnyMoreIsReadAgain) {
 
 /// The run ends with status 255 and exactly this message.
 void expect_refusal(const std::string& file, const std::string& message) {
-  EXPECT_EXIT(TimeSeries series(file), testing::ExitedWithCode(255), testing::Eq(message));
+  EXPECT_FATAL(TimeSeries series(file), 255, testing::Eq(message));
 }
 
 TEST_F(TimeSeriesTest, FewerThanTwoSamplesEndTheRun) {

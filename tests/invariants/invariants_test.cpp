@@ -7,10 +7,10 @@
 #include <numbers>
 
 #include "fields/ObjectsFlow.hpp"
-#include "fields/make_flow.hpp"
 #include "support/PlanMesh.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
+#include "support/TablesOfModel.hpp"
 #include "support/flow.hpp"
 
 namespace {
@@ -34,11 +34,14 @@ support::Plan random_plan(const support::Weather& weather, unsigned seed) {
 std::unique_ptr<SWE> after_steps(const support::Plan& plan, int threads, int count = steps) {
   const support::RunGlobals globals(zero_depth);
   auto model = support::build(plan);
-  std::unique_ptr<fields::Flow> flow = std::make_unique<fields::ObjectsFlow>(*model);
-  if (threads > 0) flow = fields::make_flow(*model, threads);
-  EXPECT_STREQ(flow->execution_path().name, threads > 0 ? "tables" : "objects");
-  support::advance(*flow, count, courant);
-  support::store(*flow, *model);
+  if (threads == 0) {
+    fields::ObjectsFlow flow(*model);
+    support::advance(flow, count, courant);
+  } else {
+    support::TablesOfModel tables(*model, threads);
+    support::advance(tables.flow, count, courant);
+    support::store(tables.flow, *model);
+  }
   return model;
 }
 

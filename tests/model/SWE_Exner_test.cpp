@@ -10,6 +10,7 @@
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -59,8 +60,8 @@ TEST_F(ExnerModel, ADischargeBoundaryFeedsNoSediment) {
 
 TEST_F(ExnerModelDeathTest, TimeSeriesAndTheReservedSchemeAreNotDefined) {
   for (const int code : {-33, -44, 2, 0, 7}) {
-    EXPECT_EXIT(square({code, 0.0, "nowhere.txt"}), testing::ExitedWithCode(255),
-                "^Boundary condition of type " + std::to_string(code) + " not defined!\n$");
+    EXPECT_FATAL(square({code, 0.0, "nowhere.txt"}), 255,
+                 "^Boundary condition of type " + std::to_string(code) + " not defined!\n$");
   }
 }
 

@@ -15,7 +15,7 @@
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/death.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -104,25 +104,19 @@ TEST_F(SWETest, TheCodesOfTimeSeriesReadTheFileOfTheEdge) {
 }
 
 TEST_F(SWETest, AnUnknownBoundaryCodeEndsTheRun) {
-  EXPECT_EXIT(boundary<HydroBCWall>(7), testing::ExitedWithCode(255),
-              testing::Eq("Boundary condition of type 7 not defined!\n"));
+  EXPECT_FATAL(boundary<HydroBCWall>(7), 255,
+               testing::Eq("Boundary condition of type 7 not defined!\n"));
 }
 
 TEST_F(SWETest, AnUnrecognisedSchemeEndsTheRunAtTheFirstInteriorEdge) {
-  EXPECT_EXIT(interior(0), testing::ExitedWithCode(255),
-              testing::Eq("Boundary condition of type 0 not defined!\n"));
+  EXPECT_FATAL(interior(0), 255, testing::Eq("Boundary condition of type 0 not defined!\n"));
 }
 
 TEST_F(SWETest, TheRoeSchemeAnnouncesItselfAndEndsTheRun) {
-  EXPECT_EXIT(interior(roe), testing::ExitedWithCode(255),
-              testing::Eq("Error. The flux scheme \"Roe\" (code 2, edge 0) is not available; use "
-                          "\"LHLLC\".\n"));
-  EXPECT_EXIT(
-      {
-        support::match_standard_output();
-        interior(roe);
-      },
-      testing::ExitedWithCode(255), testing::Eq("should be Roe scheme\n"));
+  EXPECT_FATAL(interior(roe), 255,
+               testing::Eq("Error. The flux scheme \"Roe\" (code 2, edge 0) is not available; use "
+                           "\"LHLLC\".\n"));
+  EXPECT_FATAL_OUTPUT(interior(roe), 255, testing::Eq("should be Roe scheme\n"));
 }
 
 /// Notes what it finds when it is asked for a source.

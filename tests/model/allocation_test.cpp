@@ -6,12 +6,12 @@
 #include <cstdlib>
 #include <new>
 
-#include "fields/make_flow.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"
 #include "sources/RainTerm.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
+#include "support/TablesOfModel.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/flow.hpp"
 
@@ -131,8 +131,8 @@ TEST_F(AllocationTest, AStepOnTheTablesAllocatesNothing) {
                                  folder.write("q.txt", "3 0 -0.1 1 -0.3 1e6 -0.2")};
   const auto model = build(hydrograph, {edge_code::water_level, 1.4}, {edge_code::wall},
                            {edge_code::transmissive});
-  const auto flow = fields::make_flow(*model, 3);
-  ASSERT_STREQ(flow->execution_path().name, "tables");
+  support::TablesOfModel tables(*model, 3);
+  fields::Flow* const flow = &tables.flow;
   for (int i = 0; i < 5; ++i) flow->advance(support::step_times(0.01));
   const long before = allocations;
   for (int i = 0; i < 50; ++i) {

@@ -5,7 +5,7 @@
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/death.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -118,20 +118,15 @@ TEST_F(CellFieldsTest, OfTwoTermsWithOneIdTheLaterCounts) {
 TEST_F(CellFieldsTest, AnUnknownIdEndsTheRunWithStatusOne) {
   auto ids = file("3 4");
   const auto attach = [&] { model->set_source_term_by_ID(ids, {&drizzle, &storm}); };
-  EXPECT_EXIT(
-      {
-        support::match_standard_output();
-        attach();
-      },
-      testing::ExitedWithCode(1), testing::Eq("Error: source term ID 4 not found\n"));
+  EXPECT_FATAL_OUTPUT(attach(), 1, testing::Eq("Error: source term ID 4 not found\n"));
 }
 
 TEST_F(CellFieldsTest, AShortFileEndsTheRunWithTheCellAndTheField) {
   auto initial = file("12 1.5 -2.5\n8 3\n");
-  EXPECT_EXIT(model->setHydrodynamicConditions(initial), testing::ExitedWithCode(255),
-              testing::Eq("Error in file " + folder.file("field.txt") +
-                          ", line 3, cell 1 (of 0 to 1), unit discharge qy: found the end of the "
-                          "file, expected a finite number.\n"));
+  EXPECT_FATAL(model->setHydrodynamicConditions(initial), 255,
+               testing::Eq("Error in file " + folder.file("field.txt") +
+                           ", line 3, cell 1 (of 0 to 1), unit discharge qy: found the end of the "
+                           "file, expected a finite number.\n"));
 }
 
 }  // namespace

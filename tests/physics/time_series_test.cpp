@@ -18,3 +18,29 @@ TEST(InterpolateLinear, ExtendsTheChordBeforeTheInterval) {
 }
 
 }  // namespace
+
+namespace {
+
+constexpr double times[] = {0.0, 10.0, 30.0}, values[] = {1.0, 2.0, 6.0};
+constexpr physics::SampledSeries series = {times, values, 3};
+
+}  // namespace
+
+TEST(SampledSeries, AnIntervalStartsOrEndsAtASample) {
+  EXPECT_EQ(physics::interval_that_starts(series, 0, 9.9), 0);
+  EXPECT_EQ(physics::interval_that_starts(series, 0, 10.0), 1);
+  EXPECT_EQ(physics::interval_that_ends(series, 0, 10.0), 0);
+  EXPECT_EQ(physics::interval_that_ends(series, 0, 10.1), 1);
+}
+
+TEST(SampledSeries, TheLastIntervalGoesOnForEver) {
+  EXPECT_EQ(physics::interval_that_starts(series, 0, 99.0), 1);
+  EXPECT_EQ(physics::interval_that_ends(series, 1, 99.0), 1);
+}
+
+TEST(SampledSeries, IsInterpolatedAndKeepsItsLastValue) {
+  EXPECT_EQ(physics::value_of_series(series, 1, 20.0), 4.0);
+  EXPECT_EQ(physics::value_of_series(series, 0, -10.0), 0.0);
+  EXPECT_EQ(physics::value_of_series(series, 1, 30.0), 6.0);
+  EXPECT_EQ(physics::value_of_series(series, 0, 1e9), 6.0);
+}

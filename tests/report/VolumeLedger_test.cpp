@@ -8,7 +8,6 @@
 #include <limits>
 
 #include "fields/ObjectsFlow.hpp"
-#include "fields/make_flow.hpp"
 #include "globals/edge_codes.hpp"
 #include "model/SWE_Exner.hpp"
 #include "sources/GreenAmptTerm.hpp"
@@ -17,8 +16,8 @@
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/SedimentParameters.hpp"
+#include "support/TablesOfModel.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/case_of.hpp"
 #include "support/flow.hpp"
 
 namespace {
@@ -54,12 +53,11 @@ class Ledger : public testing::TestWithParam<bool> {
 
   Ledgers run(
       PhysicalModel& model, int steps, const std::function<void()>& before_step = [] {}) {
-    std::unique_ptr<fields::Flow> flow = std::make_unique<fields::ObjectsFlow>(model);
-    if (GetParam()) flow = fields::make_flow(model, 2, 64);
-    EXPECT_STREQ(flow->execution_path().name, GetParam() ? "tables" : "objects");
+    support::TablesOfModel tables(model, 2, 64);
+    fields::ObjectsFlow objects(model);
+    fields::Flow* const flow = GetParam() ? static_cast<fields::Flow*>(&tables.flow) : &objects;
     flow->watch();
-    const cases::Case contents = support::case_of(model);
-    VolumeLedger ledger(*flow, contents);
+    VolumeLedger ledger(*flow, tables.contents);
     double next = 0.4 * flow->stable_step();
     span = 0.0;
     for (int i = 0; i < steps; ++i) {

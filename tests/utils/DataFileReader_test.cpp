@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "utils/known_keys.hpp"
 
 namespace {
@@ -280,8 +281,8 @@ TEST(DataFileReader, ConstructionThrowsForMalformedText) {
 }
 
 TEST(DataFileReaderDeathTest, EndsTheRunWithoutAFile) {
-  EXPECT_EXIT(Reader("missing.json"), testing::ExitedWithCode(255),
-              "^Fatal error. Impossible to open file missing\\.json\\.\n$");
+  EXPECT_FATAL(Reader("missing.json"), 255,
+               "^Fatal error. Impossible to open file missing\\.json\\.\n$");
 }
 
 TEST(DataFileReaderException, SaysTheMessageDirectlyFollowedByTheKey) {

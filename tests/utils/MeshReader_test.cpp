@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -127,67 +128,67 @@ TEST_F(MeshReader, ThrowsAfterTheLastCellAndEdge) {
 }
 
 TEST_F(MeshReaderDeathTest, EndsTheRunWithoutAFile) {
-  EXPECT_EXIT(utils::MeshReader("missing.txt", "node", 3), ExitedWithCode(255),
-              "^Fatal error. Impossible to open file missing\\.txt\\.\n$");
+  EXPECT_FATAL(utils::MeshReader("missing.txt", "node", 3), 255,
+               "^Fatal error. Impossible to open file missing\\.txt\\.\n$");
 }
 
 TEST_F(MeshReaderDeathTest, RefusesACellOfFewerThanThreeNodes) {
-  EXPECT_EXIT(
-      cells("1\n2 0 1 2 0\n").read_next_cell(3), ExitedWithCode(255),
+  EXPECT_FATAL(
+      cells("1\n2 0 1 2 0\n").read_next_cell(3), 255,
       error("2, cell 0 \\(of 0 to 0\\), number of nodes: found \"2\", expected at least 3"));
 }
 
 TEST_F(MeshReaderDeathTest, RefusesACellWithoutNodesInEveryPlace) {
   const std::string refusal = "number of nodes: found \"0\", expected at least 3";
-  EXPECT_EXIT(cells("2 0 0 0 0 0 0 0 0 0").read_next_cell(3), ExitedWithCode(255),
-              error("1, cell 0 .*" + refusal));
+  EXPECT_FATAL(cells("2 0 0 0 0 0 0 0 0 0").read_next_cell(3), 255,
+               error("1, cell 0 .*" + refusal));
   utils::MeshReader reader = cells("2\n3 0 1 2\n0 0 0 0\n");
   reader.read_next_cell(3);
-  EXPECT_EXIT(reader.read_next_cell(3), ExitedWithCode(255), error("3, cell 1 .*" + refusal));
+  EXPECT_FATAL(reader.read_next_cell(3), 255, error("3, cell 1 .*" + refusal));
 }
 
 TEST_F(MeshReaderDeathTest, NamesTheRecordThatIsRefused) {
   utils::MeshReader reader = cells("2\n3 0 1 2\n3 0 1 2\n");
   reader.read_next_cell(3);
-  EXPECT_EXIT(reader.refuse_record("found this, expected that"), ExitedWithCode(255),
-              error("2, cell 0 \\(of 0 to 1\\): found this, expected that\\.\n$"));
+  EXPECT_FATAL(reader.refuse_record("found this, expected that"), 255,
+               error("2, cell 0 \\(of 0 to 1\\): found this, expected that\\.\n$"));
 }
 
 TEST_F(MeshReaderDeathTest, RefusesACellOfMoreNodesThanTheFileHolds) {
-  EXPECT_EXIT(cells("1\n2000000000 0 1 2\n").read_next_cell(3), ExitedWithCode(255),
-              error("2, cell 0 .*number of nodes: found \"2000000000\", expected a count"));
+  EXPECT_FATAL(cells("1\n2000000000 0 1 2\n").read_next_cell(3), 255,
+               error("2, cell 0 .*number of nodes: found \"2000000000\", expected a count"));
 }
 
 TEST_F(MeshReaderDeathTest, RefusesNodesAndCellsThatDoNotExist) {
-  EXPECT_EXIT(cells("1\n3 0 1 3\n").read_next_cell(3), ExitedWithCode(255),
-              error("2, cell 0 .*node: found \"3\", expected an index from 0 to 2"));
-  EXPECT_EXIT(edges("1\n5 -1 0 1 -5\n").read_next_edge(3, 5), ExitedWithCode(255),
-              error("2, edge 0 .*left cell: found \"5\", expected an index from 0 to 4"));
-  EXPECT_EXIT(edges("1\n-1 0 0 1 -5\n").read_next_edge(3, 5), ExitedWithCode(255),
-              error("2, edge 0 .*left cell: found \"-1\", expected an index from 0 to 4"));
-  EXPECT_EXIT(
-      edges("1\n0 5 0 1 -1\n").read_next_edge(3, 5), ExitedWithCode(255),
+  EXPECT_FATAL(cells("1\n3 0 1 3\n").read_next_cell(3), 255,
+               error("2, cell 0 .*node: found \"3\", expected an index from 0 to 2"));
+  EXPECT_FATAL(edges("1\n5 -1 0 1 -5\n").read_next_edge(3, 5), 255,
+               error("2, edge 0 .*left cell: found \"5\", expected an index from 0 to 4"));
+  EXPECT_FATAL(edges("1\n-1 0 0 1 -5\n").read_next_edge(3, 5), 255,
+               error("2, edge 0 .*left cell: found \"-1\", expected an index from 0 to 4"));
+  EXPECT_FATAL(
+      edges("1\n0 5 0 1 -1\n").read_next_edge(3, 5), 255,
       error("2, edge 0 .*right cell: found \"5\", expected an index from 0 to 4, or -1 on"));
-  EXPECT_EXIT(edges("1\n0 1 3 1 -1\n").read_next_edge(3, 5), ExitedWithCode(255),
-              error("2, edge 0 .*node 1: found \"3\", expected an index from 0 to 2"));
-  EXPECT_EXIT(edges("1\n0 1 0 -2 -1\n").read_next_edge(3, 5), ExitedWithCode(255),
-              error("2, edge 0 .*node 2: found \"-2\", expected an index from 0 to 2"));
+  EXPECT_FATAL(edges("1\n0 1 3 1 -1\n").read_next_edge(3, 5), 255,
+               error("2, edge 0 .*node 1: found \"3\", expected an index from 0 to 2"));
+  EXPECT_FATAL(edges("1\n0 1 0 -2 -1\n").read_next_edge(3, 5), 255,
+               error("2, edge 0 .*node 2: found \"-2\", expected an index from 0 to 2"));
 }
 
 TEST_F(MeshReaderDeathTest, RefusesAnInteriorEdgeWithoutTwoCells) {
-  EXPECT_EXIT(edges("1\n0 -1 0 1 -1\n").read_next_edge(3, 2), ExitedWithCode(255),
-              error("2, edge 0 .*boundary code: found \"-1\", expected a boundary condition"));
-  EXPECT_EXIT(edges("1\n1 1 0 1 -1\n").read_next_edge(3, 2), ExitedWithCode(255),
-              error("2, edge 0 .*boundary code: found \"-1\", expected two different cells"));
+  EXPECT_FATAL(edges("1\n0 -1 0 1 -1\n").read_next_edge(3, 2), 255,
+               error("2, edge 0 .*boundary code: found \"-1\", expected a boundary condition"));
+  EXPECT_FATAL(edges("1\n1 1 0 1 -1\n").read_next_edge(3, 2), 255,
+               error("2, edge 0 .*boundary code: found \"-1\", expected two different cells"));
 }
 
 TEST_F(MeshReaderDeathTest, RefusesAnEdgeWithoutItsValueOrFile) {
-  EXPECT_EXIT(edges("1\n0 -1 0 1 -3\n").read_next_edge(3, 1), ExitedWithCode(255),
-              "edge 0 .*imposed value: found the end of the file, expected a finite number");
-  EXPECT_EXIT(edges("1\n0 -1 0 1 -4 high\n").read_next_edge(3, 1), ExitedWithCode(255),
-              "edge 0 .*imposed value: found \"high\", expected a finite number");
-  EXPECT_EXIT(edges("1\n0 -1 0 1 -33\n").read_next_edge(3, 1), ExitedWithCode(255),
-              "edge 0 .*time-series file: found the end of the file, expected a word");
+  EXPECT_FATAL(edges("1\n0 -1 0 1 -3\n").read_next_edge(3, 1), 255,
+               "edge 0 .*imposed value: found the end of the file, expected a finite number");
+  EXPECT_FATAL(edges("1\n0 -1 0 1 -4 high\n").read_next_edge(3, 1), 255,
+               "edge 0 .*imposed value: found \"high\", expected a finite number");
+  EXPECT_FATAL(edges("1\n0 -1 0 1 -33\n").read_next_edge(3, 1), 255,
+               "edge 0 .*time-series file: found the end of the file, expected a word");
 }
 
 }  // namespace

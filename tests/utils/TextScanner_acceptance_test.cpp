@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "utils/TextScanner.hpp"
 #include "utils/scan.hpp"
 
@@ -158,8 +159,8 @@ TEST(TextScannerDeathTest, RefusesWhatIsNoFiniteNumber) {
     double value = 0.0;
     ASSERT_FALSE(extract_finite(token, value)) << token;
     const std::string path = folder.write("numbers.txt", token);
-    EXPECT_EXIT(
-        read_number_from(path), ExitedWithCode(255),
+    EXPECT_FATAL(
+        read_number_from(path), 255,
         "numbers\\.txt, line 1, header, value: found \".*\", expected a finite number\\.\n$")
         << token;
   }
@@ -173,12 +174,12 @@ TEST(TextScannerDeathTest, RefusesWhateverShortTokenFormattedExtractionRefuses) 
     const std::string path = folder.write("numbers.txt", tokens[i]);
     double value = 0.0;
     if (!extract_finite(tokens[i], value)) {
-      EXPECT_EXIT(read_number_from(path), ExitedWithCode(255), "a finite number") << tokens[i];
+      EXPECT_FATAL(read_number_from(path), 255, "a finite number") << tokens[i];
       ++refused;
     }
     int integer = 0;
     if (!extract(tokens[i], integer)) {
-      EXPECT_EXIT(read_integer_from(path), ExitedWithCode(255), "an integer") << tokens[i];
+      EXPECT_FATAL(read_integer_from(path), 255, "an integer") << tokens[i];
       ++refused;
     }
   }
@@ -193,8 +194,8 @@ TEST(TextScannerDeathTest, RefusesWhatIsNoInteger) {
     int value = 0;
     ASSERT_FALSE(extract(token, value)) << token;
     const std::string path = folder.write("integers.txt", token);
-    EXPECT_EXIT(read_integer_from(path), ExitedWithCode(255),
-                "integers\\.txt, line 1, header, value: found \".*\", expected an integer\\.\n$")
+    EXPECT_FATAL(read_integer_from(path), 255,
+                 "integers\\.txt, line 1, header, value: found \".*\", expected an integer\\.\n$")
         << token;
   }
 }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "utils/scan.hpp"
 
 namespace {
@@ -118,10 +119,10 @@ TEST(TextScannerDeathTest, NamesTheLineOfALargeFile) {
     utils::TextScanner scanner(path);
     for (int i = 0; i <= count; ++i) scanner.read_integer("value");
   };
-  EXPECT_EXIT(read(folder.write("word.txt", text + "\nword\n")), ExitedWithCode(255),
-              "word\\.txt, line 400002, header, value: found \"word\", expected an integer");
-  EXPECT_EXIT(read(folder.write("short.txt", text)), ExitedWithCode(255),
-              "short\\.txt, line 400001, header, value: found the end of the file");
+  EXPECT_FATAL(read(folder.write("word.txt", text + "\nword\n")), 255,
+               "word\\.txt, line 400002, header, value: found \"word\", expected an integer");
+  EXPECT_FATAL(read(folder.write("short.txt", text)), 255,
+               "short\\.txt, line 400001, header, value: found the end of the file");
 }
 
 TEST(TextScannerDeathTest, NamesFileLineRecordAndField) {
@@ -135,9 +136,9 @@ TEST(TextScannerDeathTest, NamesFileLineRecordAndField) {
       scanner.read_number("level");
     }
   };
-  EXPECT_EXIT(read(), ExitedWithCode(255),
-              "^Error in file .*depths\\.txt, line 4, cell 2 \\(of 0 to 3\\), depth: found "
-              "\"five\", expected a finite number\\.\n$");
+  EXPECT_FATAL(read(), 255,
+               "^Error in file .*depths\\.txt, line 4, cell 2 \\(of 0 to 3\\), depth: found "
+               "\"five\", expected a finite number\\.\n$");
 }
 
 TEST(TextScannerDeathTest, NamesTheEndOfTheFileWhenATokenIsMissing) {
@@ -150,27 +151,27 @@ TEST(TextScannerDeathTest, NamesTheEndOfTheFileWhenATokenIsMissing) {
     scanner.read_integer("second");
     method(scanner);
   };
-  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_number("third"); }), ExitedWithCode(255),
-              "cell 7 \\(of 0 to 8\\), third: found the end of the file, expected a finite number");
-  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_integer("third"); }), ExitedWithCode(255),
-              "third: found the end of the file, expected an integer");
-  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_word("third"); }), ExitedWithCode(255),
-              "third: found the end of the file, expected a word");
-  EXPECT_EXIT(read([](utils::TextScanner& s) { s.read_index("third", 5); }), ExitedWithCode(255),
-              "third: found the end of the file, expected an integer");
+  EXPECT_FATAL(
+      read([](utils::TextScanner& s) { s.read_number("third"); }), 255,
+      "cell 7 \\(of 0 to 8\\), third: found the end of the file, expected a finite number");
+  EXPECT_FATAL(read([](utils::TextScanner& s) { s.read_integer("third"); }), 255,
+               "third: found the end of the file, expected an integer");
+  EXPECT_FATAL(read([](utils::TextScanner& s) { s.read_word("third"); }), 255,
+               "third: found the end of the file, expected a word");
+  EXPECT_FATAL(read([](utils::TextScanner& s) { s.read_index("third", 5); }), 255,
+               "third: found the end of the file, expected an integer");
 }
 
 TEST(TextScannerDeathTest, RefusesAnEmptyFile) {
   const support::TemporaryFolder folder;
-  EXPECT_EXIT(read_integer_from(folder.write("empty.txt", "")), ExitedWithCode(255),
-              "empty\\.txt, line 1, header, value: found the end of the file");
+  EXPECT_FATAL(read_integer_from(folder.write("empty.txt", "")), 255,
+               "empty\\.txt, line 1, header, value: found the end of the file");
 }
 
 TEST(TextScannerDeathTest, ShowsOnlyThePrintableStartOfALongToken) {
   const support::TemporaryFolder folder;
   const std::string path = folder.write("long.txt", "a\x01" + std::string(1000, 'b'));
-  EXPECT_EXIT(read_number_from(path), ExitedWithCode(255),
-              "found \"a\\?b{38}\\.\\.\\.\", expected");
+  EXPECT_FATAL(read_number_from(path), 255, "found \"a\\?b{38}\\.\\.\\.\", expected");
 }
 
 TEST(TextScanner, AcceptsEveryIndexBelowTheLimit) {
@@ -184,12 +185,12 @@ TEST(TextScannerDeathTest, RefusesAnIndexOutsideItsRange) {
   const support::TemporaryFolder folder;
   for (const std::string token : {"3", "-1", "2147483647", "-2147483648"}) {
     const std::string path = folder.write("indices.txt", token);
-    EXPECT_EXIT(utils::TextScanner(path).read_index("cell", 3), ExitedWithCode(255),
-                "cell: found \"" + token + "\", expected an index from 0 to 2\\.\n$");
+    EXPECT_FATAL(utils::TextScanner(path).read_index("cell", 3), 255,
+                 "cell: found \"" + token + "\", expected an index from 0 to 2\\.\n$");
   }
   const std::string path = folder.write("indices.txt", "0");
-  EXPECT_EXIT(utils::TextScanner(path).read_index("cell", 0), ExitedWithCode(255),
-              "found \"0\", expected no index: there is nothing to point to");
+  EXPECT_FATAL(utils::TextScanner(path).read_index("cell", 0), 255,
+               "found \"0\", expected no index: there is nothing to point to");
 }
 
 TEST(TextScanner, AcceptsTheLargestCountThatTheFileCanHold) {
@@ -206,8 +207,8 @@ TEST(TextScannerDeathTest, RefusesACountThatIsNegativeOrThatTheFileCannotHold) {
   const support::TemporaryFolder folder;
   for (const std::string token : {"3", "-1", "2000000000", "2147483647", "-2147483648"}) {
     const std::string path = folder.write("counts.txt", token + " 1 2 3 4");
-    EXPECT_EXIT(utils::TextScanner(path).read_count("records", 2), ExitedWithCode(255),
-                "records: found \"" + token + "\", expected a count from 0 to 2, ");
+    EXPECT_FATAL(utils::TextScanner(path).read_count("records", 2), 255,
+                 "records: found \"" + token + "\", expected a count from 0 to 2, ");
   }
 }
 

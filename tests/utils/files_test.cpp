@@ -8,6 +8,7 @@
 
 #include "globals/Globals.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "utils/Reader.hpp"
 
 namespace {
@@ -94,19 +95,18 @@ TEST(Files, OpenInputFileAnswersTheOpenStream) {
 }
 
 TEST(FilesDeathTest, OpenInputFileEndsTheRunWithoutAFile) {
-  EXPECT_EXIT(utils::open_input_file("no/such.txt"), ExitedWithCode(255),
-              "^Fatal error. Impossible to open file no/such\\.txt\\.\n$");
+  EXPECT_FATAL(utils::open_input_file("no/such.txt"), 255,
+               "^Fatal error. Impossible to open file no/such\\.txt\\.\n$");
 }
 
 TEST(FilesDeathTest, OpenInputFileEndsTheRunForAnEmptyName) {
-  EXPECT_EXIT(utils::open_input_file(""), ExitedWithCode(255),
-              "^Fatal error. Impossible to open file \\.\n$");
+  EXPECT_FATAL(utils::open_input_file(""), 255, "^Fatal error. Impossible to open file \\.\n$");
 }
 
 TEST(FilesDeathTest, OpenInputFileEndsTheRunForAFolder) {
   const support::TemporaryFolder folder;
-  EXPECT_EXIT(utils::open_input_file(folder.path()), ExitedWithCode(255),
-              "^Fatal error. Impossible to open file .*quillmere_test_.*\\.\n$");
+  EXPECT_FATAL(utils::open_input_file(folder.path()), 255,
+               "^Fatal error. Impossible to open file .*quillmere_test_.*\\.\n$");
 }
 
 TEST(Reader, OpensTheFileAndKeepsItsName) {
@@ -129,8 +129,8 @@ TEST(Reader, ClosesOnceAndAcceptsASecondClose) {
 }
 
 TEST(ReaderDeathTest, EndsTheRunWithoutAFile) {
-  EXPECT_EXIT(OpenReader("missing.txt"), ExitedWithCode(255),
-              "^Fatal error. Impossible to open file missing\\.txt\\.\n$");
+  EXPECT_FATAL(OpenReader("missing.txt"), 255,
+               "^Fatal error. Impossible to open file missing\\.txt\\.\n$");
 }
 
 TEST(WriteAndDisplay, WritesToLogAndConsoleAndAddsNoLineEnd) {

@@ -2,105 +2,43 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <iostream>
 #include <string>
-#include <thread>
 
-#include "globals/Globals.hpp"
-#include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 #include "support/text.hpp"
-#include "utils/OutputFile.hpp"
-#include "utils/WriterThread.hpp"
 
 namespace {
 
-using testing::ExitedWithCode;
 using testing::internal::CaptureStderr;
 using testing::internal::CaptureStdout;
 using testing::internal::GetCapturedStderr;
 using testing::internal::GetCapturedStdout;
 
-TEST(StopDeathTest, FatalWritesTheMessageAndEndsWithTheStatus) {
-  EXPECT_EXIT(utils::fatal("What went wrong.\n"), ExitedWithCode(255), "^What went wrong\\.\n$");
-  EXPECT_EXIT(utils::fatal("Unknown ID.\n", 1), ExitedWithCode(1), "^Unknown ID\\.\n$");
+TEST(Fatal, ThrowsItsMessageAndTheStatus) {
+  EXPECT_FATAL(utils::fatal("What went wrong.\n"), 255, testing::Eq("What went wrong.\n"));
+  EXPECT_FATAL(utils::fatal("Unknown ID.\n", 1), 1, testing::Eq("Unknown ID.\n"));
 }
 
-TEST(StopDeathTest, StopIsSilent) {
-  EXPECT_EXIT(utils::stop(0), ExitedWithCode(0), "^$");
-  EXPECT_EXIT(utils::stop(-1), ExitedWithCode(255), "^$");
+TEST(Fatal, MayTellTheErrorOnStandardOutput) {
+  EXPECT_FATAL(utils::fatal("", 1, "Unknown ID.\n"), 1, testing::Eq(""));
+  EXPECT_FATAL_OUTPUT(utils::fatal("", 1, "Unknown ID.\n"), 1, testing::Eq("Unknown ID.\n"));
 }
 
-TEST(StopDeathTest, EveryEarlyEndGoesToTheHandlerAlone) {
-  const auto run = [] {
-    utils::set_stop_handler([](int status, const std::string& message) {
-      throw std::to_string(status) + " " + message;
-    });
-    std::string told;
-    const auto note = [&told](const std::string& text) { told += text; };
-    try {
-      utils::fatal("Unknown ID.\n", 1);
-    } catch (const std::string& text) {
-      note(text);
-    }
-    try {
-      utils::stop(3);
-    } catch (const std::string& text) {
-      note(text);
-    }
-    std::exit(told == "1 Unknown ID.\n3 " ? 40 : 41);
-  };
-  EXPECT_EXIT(run(), ExitedWithCode(40), "^$");
+TEST(Fatal, IsSilent) {
+  CaptureStdout();
+  CaptureStderr();
+  EXPECT_THROW(utils::fatal("What went wrong.\n", 1, "words\n"), utils::FatalError);
+  EXPECT_EQ(GetCapturedStderr() + GetCapturedStdout(), "");
 }
 
-TEST(StopDeathTest, FatalErrorsAreThrownOnRequest) {
-  const auto run = [] {
-    utils::throw_fatal_errors();
-    try {
-      utils::fatal("Unknown ID.\n", 1);
-    } catch (const utils::FatalError& error) {
-      if (error.what() == std::string("Unknown ID.")) utils::stop(42);
-    }
-  };
-  EXPECT_EXIT(run(), ExitedWithCode(42), "^$");
+TEST(Stop, ThrowsTheStatusAlone) {
+  EXPECT_FATAL(utils::stop(0), 0, testing::Eq(""));
+  EXPECT_FATAL(utils::stop(-1), 255, testing::Eq(""));
 }
 
-TEST(StopDeathTest, StopClosesTheLogWithAllItsLines) {
-  const support::TemporaryFolder folder;
-  const auto run = [&] {
-    Globals::spyFile.open(folder.file("log.txt"));
-    Globals::spyFile << "last words\n";
-    utils::stop(-1);
-  };
-  EXPECT_EXIT(run(), ExitedWithCode(255), "");
-  EXPECT_EQ(folder.read("log.txt"), "last words\n");
-}
-
-TEST(StopDeathTest, StopLetsAWriterFinishItsFile) {
-  const support::TemporaryFolder folder;
-  const auto run = [&] {
-    utils::WriterThread writer;
-    writer.hand_over([&] {
-      std::this_thread::sleep_for(std::chrono::milliseconds(50));
-      utils::TextBuffer text;
-      text << "complete\n";
-      return utils::WholeFile(folder.file("picture.txt")).commit(text);
-    });
-    utils::stop(-1);
-  };
-  EXPECT_EXIT(run(), ExitedWithCode(255), "");
-  EXPECT_EQ(folder.read("picture.txt"), "complete\n");
-}
-
-TEST(StopDeathTest, StopFlushesTheConsole) {
-  const support::TemporaryFolder folder;
-  const auto run = [&] {
-    if (std::freopen(folder.file("console.txt").c_str(), "w", stdout) == nullptr) std::abort();
-    std::cout << "12.500";
-    utils::stop(-1);
-  };
-  EXPECT_EXIT(run(), ExitedWithCode(255), "");
-  EXPECT_EQ(folder.read("console.txt"), "12.500");
+TEST(FatalErrorText, IsWhatWithoutItsLineEnd) {
+  EXPECT_STREQ(utils::FatalError("Unknown ID.\n").what(), "Unknown ID.");
+  EXPECT_STREQ(utils::FatalError("", 1, "Unknown ID.\n").what(), "Unknown ID.");
 }
 
 TEST(Warn, WritesOneMarkedLineToStandardErrorOnly) {

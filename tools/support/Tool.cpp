@@ -8,7 +8,6 @@
 
 #include "utils/signals.hpp"
 #include "utils/standard_streams.hpp"
-#include "utils/stop.hpp"
 
 namespace tools {
 
@@ -25,7 +24,6 @@ Tool::Tool(const char* name, const char* summary, const char* examples)
   app_.require_subcommand(1);
   utils::open_standard_streams();
   utils::let_writes_fail();
-  utils::throw_fatal_errors();
 }
 
 int Tool::run(int argc, char** argv) {

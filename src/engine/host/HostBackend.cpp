@@ -33,6 +33,8 @@ HostBackend::HostBackend(Tables& tables, ThreadTeam& team)
   }
   for (Scratch& scratch : scratch_) {
     scratch.slots.assign(slots, tables.has_bed);
+    scratch.reciprocal.assign(cells, 0.0);
+    scratch.celerity.assign(cells, 0.0);
     if (tables.soils.empty()) continue;
     scratch.demand.assign(cells, 0.0);
     scratch.infiltrated_before.assign(cells, 0.0);
@@ -61,7 +63,7 @@ void HostBackend::outer_fluxes(int first_patch, int last_patch, const kernels::S
   const Range cut = {first.cut_edges.begin, last.cut_edges.end};
   const EdgeRange range = {cut.begin, cut.end, 0, slots.from(cut.begin),
                            slots.from(tables_.cut_edges() + cut.begin)};
-  const kernels::EdgeColumns<int> edges = tables_.cut_edge_columns();
+  const kernels::EdgeColumns<int> edges = tables_.patches.cut_edges.columns();
   if (!model_.fluxes(cells, edges, range, step)) {
     find_not_hyperbolic(edges, range, tables_.patches.cut_edge_number, step, scratch);
   }
@@ -90,7 +92,8 @@ double HostBackend::advance(const std::vector<int>& patches, const kernels::Step
 
 void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   const Patch& patch = tables_.patches.patches[at(number)];
-  fluxes_within(patch, step.values, scratch);
+  const kernels::CellColumns cells = columns_with_terms(patch, step.values, scratch);
+  fluxes_within(patch, cells, step.values, scratch);
   take_outer_slots(patch, scratch);
 
   const bool has_soil =
@@ -110,19 +113,29 @@ void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) 
   const double so_far = scratch.smallest_step;
   // Who takes notes wants to see a step that is just as small as the smallest so far.
   const double below = step.notes != nullptr ? std::nextafter(so_far, HUGE_VAL) : so_far;
-  const Advance after = model_.advance(tables_.columns(), range, step.values, below);
+  const Advance after = model_.advance(cells, range, step.values, below);
   scratch.smallest_step = physics::smaller(so_far, after.stable_step);
   if (step.notes != nullptr) step.notes->smallest_steps[at(number)] = after.stable_step;
   step.activity.set_can_change(number, !after.all_rest);
 }
 
-void HostBackend::fluxes_within(const Patch& patch, const kernels::StepValues& step,
-                                Scratch& scratch) {
+kernels::CellColumns HostBackend::columns_with_terms(const Patch& patch,
+                                                     const kernels::StepValues& step,
+                                                     Scratch& scratch) {
+  kernels::CellColumns cells = tables_.columns();
+  cells.reciprocal = scratch.reciprocal.data() - patch.cells.begin;
+  cells.celerity = scratch.celerity.data() - patch.cells.begin;
+  loops_.terms(cells, patch.cells.begin, patch.cells.end, step.zero_depth);
+  return cells;
+}
+
+void HostBackend::fluxes_within(const Patch& patch, const kernels::CellColumns& cells,
+                                const kernels::StepValues& step, Scratch& scratch) {
   const kernels::SlotColumns slots = scratch.slots.columns();
-  const kernels::EdgeColumns<kernels::Local> edges = tables_.patch_edges();
+  const kernels::EdgeColumns<kernels::Local> edges = tables_.patches.edges.columns();
   const EdgeRange range = {patch.edges.begin, patch.edges.end, patch.cells.begin, slots,
                            slots.from(patch.right_slots())};
-  if (!model_.patch_fluxes(tables_.columns(), edges, range, step)) {
+  if (!model_.patch_fluxes(cells, edges, range, step)) {
     find_not_hyperbolic(edges, range, tables_.patches.edge_number, step, scratch);
   }
 }

@@ -25,8 +25,9 @@ class HostBackend : public Backend {
   /// What a thread needs for one patch at a time.
   struct Scratch {
     Slots slots;
-    Column demand;              ///< of the soils, m
-    Column infiltrated_before;  ///< of a patch that is watched, before its soil recovers, m
+    Column reciprocal, celerity;  ///< terms of the depth of its cells, 1/m and m/s
+    Column demand;                ///< of the soils, m
+    Column infiltrated_before;    ///< of a patch that is watched, before its soil recovers, m
     double smallest_step = 0.0;
     std::optional<NotHyperbolic> not_hyperbolic;
   };
@@ -41,7 +42,11 @@ class HostBackend : public Backend {
   void outer_fluxes(int first_patch, int last_patch, const kernels::StepValues& step,
                     Scratch& scratch);
   void advance_patch(int patch, const Step& step, Scratch& scratch);
-  void fluxes_within(const Patch& patch, const kernels::StepValues& step, Scratch& scratch);
+  void fluxes_within(const Patch& patch, const kernels::CellColumns& cells,
+                     const kernels::StepValues& step, Scratch& scratch);
+  /// The columns, with the terms of the depth of a patch.
+  kernels::CellColumns columns_with_terms(const Patch& patch, const kernels::StepValues& step,
+                                          Scratch& scratch);
   void take_outer_slots(const Patch& patch, Scratch& scratch) const;
   void set_demand(int patch, const Step& step, Scratch& scratch);
   void note_bare_rock(const Patch& patch, const Step& step, Scratch& scratch);

@@ -45,6 +45,13 @@ struct AdvanceWaterAndBed {
   }
 };
 
+/// The terms of the depth of the cells [begin, end), before their step.
+[[gnu::flatten]] void store_terms(const CellColumns& given, int begin, int end, double zero_depth) {
+  const CellColumns cells = given;  // a copy, which the loop cannot change
+#pragma omp simd
+  for (int i = begin; i < end; ++i) kernels::store_terms(cells, i, zero_depth);
+}
+
 template <class Model>
 [[gnu::flatten]] void advance_block(CellColumns cells, CellRange range, StepValues step, int first,
                                     int count, CellBlock& block) {
@@ -97,14 +104,15 @@ double smallest_step(double smallest, const CellColumns& cells, const double* sh
 }
 
 /// Extremes of the states of the cells [begin, end).
-[[gnu::flatten]] physics::FlowExtremes extremes_of(const CellColumns& given, int begin, int end) {
+[[gnu::flatten]] physics::FlowExtremes extremes_of(const CellColumns& given, double zero_depth,
+                                                   int begin, int end) {
   const CellColumns cells = given;  // a copy, which the loop cannot change
   double fastest = 0.0, most_rapid = 0.0;
   int not_finite = 0;
 #pragma omp simd reduction(max : fastest, most_rapid) reduction(+ : not_finite)
   for (int i = begin; i < end; ++i) {
     const physics::FlowExtremes of_cell = physics::extremes_of_state(
-        cells.h[i], cells.qx[i], cells.qy[i], {cells.reciprocal[i], cells.celerity[i]});
+        cells.h[i], cells.qx[i], cells.qy[i], physics::depth_terms(cells.h[i], zero_depth));
     fastest = physics::larger(fastest, of_cell.speed_squared);
     most_rapid = physics::larger(most_rapid, of_cell.speed_squared_per_depth);
     not_finite += of_cell.not_finite;
@@ -123,7 +131,8 @@ Advance advance_cells(const CellColumns& cells, const CellRange& range, const St
     advance_block<Model>(cells, range, step, first, count, block);
     if (block.deeper_cells > 0) store_largest_depths(cells, block, first, count);
     if (range.extremes != nullptr) {
-      *range.extremes = physics::united(*range.extremes, extremes_of(cells, first, first + count));
+      *range.extremes = physics::united(*range.extremes,
+                                        extremes_of(cells, step.zero_depth, first, first + count));
     }
     const double* const shortest = range.shortest + (first - range.begin) / cells_of_shortest;
     smallest = smallest_step(smallest, cells, shortest, block.wave_speeds, first, count);

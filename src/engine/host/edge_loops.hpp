@@ -1,6 +1,8 @@
 // The loops over edges: fluxes into the slots of both sides, block by block.
 #pragma once
 
+#include <type_traits>
+
 #include "engine/host/loops.hpp"
 #include "kernels/edge.hpp"
 
@@ -30,7 +32,7 @@ void stage(EdgeBlock& block, const EdgeColumns<Index>& edges, int first_cell, in
 }
 
 /// Fluxes of the edges [first, first + count), whose cells are staged, into the slots from 0 on.
-template <bool eta_given>
+template <class given>
 struct FluxesOfWater {
   template <class Index>
   [[gnu::flatten]] static double block(CellColumns cells, EdgeColumns<Index> edges,
@@ -40,15 +42,15 @@ struct FluxesOfWater {
     for (int k = 0; k < count; ++k) {
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-      kernels::flux_of_water<eta_given>(cells, block.left[k], block.right[k], edge, step, left,
-                                        right, k);
+      kernels::flux_of_water<given>(cells, block.left[k], block.right[k], edge, step, left, right,
+                                    k);
     }
     return 0.0;
   }
 };
 
 /// The same with the bed; returns the least radicand of the bed wave, 0 where none is negative.
-template <bool eta_given>
+template <class given>
 struct FluxesOfWaterAndBed {
   template <class Index>
   [[gnu::flatten]] static double block(CellColumns cells, EdgeColumns<Index> edges,
@@ -59,7 +61,7 @@ struct FluxesOfWaterAndBed {
     for (int k = 0; k < count; ++k) {
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
-      const kernels::Radicands radicands = kernels::flux_of_water_and_bed<eta_given>(
+      const kernels::Radicands radicands = kernels::flux_of_water_and_bed<given>(
           cells, block.left[k], block.right[k], edge, step, left, right, k);
       // One after the other: GCC 12 does not vectorise a minimum of a minimum.
       least_radicand = physics::smaller(least_radicand, radicands.left);
@@ -85,11 +87,15 @@ bool fluxes_by_blocks(const CellColumns& cells, const EdgeColumns<Index>& edges,
   return least_radicand == 0.0;
 }
 
-template <template <bool> class Fluxes, class Index>
+/// Within a patch, whose cells are numbered by Local, the terms of the depth are there.
+template <template <class> class Fluxes, class Index>
 bool fluxes(const CellColumns& cells, const EdgeColumns<Index>& edges, const EdgeRange& range,
             const StepValues& step) {
-  return cells.eta != nullptr ? fluxes_by_blocks<Fluxes<true>>(cells, edges, range, step)
-                              : fluxes_by_blocks<Fluxes<false>>(cells, edges, range, step);
+  constexpr bool in_patch = std::is_same_v<Index, kernels::Local>;
+  using kernels::Given;
+  return cells.eta != nullptr
+             ? fluxes_by_blocks<Fluxes<Given<true, in_patch>>>(cells, edges, range, step)
+             : fluxes_by_blocks<Fluxes<Given<false, in_patch>>>(cells, edges, range, step);
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ using kernels::Local;
 extern const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME);
 const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME) = {
     .instruction_set = QUILLMERE_NAME_TEXT(QUILLMERE_ISA_NAME),
+    .terms = store_terms,
     .green_ampt = demand<physics::GreenAmptSoil>,
     .horton = demand<physics::HortonSoil>,
     .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},

@@ -53,6 +53,8 @@ struct ModelLoops {
 
 struct Loops {
   const char* instruction_set;
+  /// Terms of the depth of a range of cells: begin, end, dry depth (m).
+  void (*terms)(const kernels::CellColumns&, int begin, int end, double zero_depth);
   /// Demand of one soil, and the infiltrated depth after its recovery, where the cells have it.
   void (*green_ampt)(const kernels::CellColumns&, const SoilRange&, const physics::GreenAmptSoil&,
                      const physics::SoilStep&);

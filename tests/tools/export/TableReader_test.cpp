@@ -18,7 +18,6 @@ using exports::TableReader;
 
 class Table : public testing::Test {
  protected:
-  Table() { utils::throw_fatal_errors(); }
   /// What the reader says of a table of two columns; empty if it accepts it.
   std::string error_of(const std::string& text,
                        TableReader::Missing missing = TableReader::Missing::refused) {

@@ -46,9 +46,7 @@ std::shared_ptr<const TimeSeries> read_series(const std::string& file, Findings&
 }
 
 double value_at_start(const TimeSeries& series, double t0) {
-  int interval = 0;
-  while (interval < series.last_interval() && t0 >= series.interval_end(interval)) ++interval;
-  return series.value_at(t0, interval);
+  return series.value_at(t0, physics::interval_that_starts(series.samples(), 0, t0));
 }
 
 /// The highest level, or the discharge of largest size, that the run can meet.

@@ -56,7 +56,6 @@ CaseReport read_case(const std::string& path) {
   CaseReport report;
   report.path = path;
   const std::string data_file = enter_case(path);
-  utils::throw_fatal_errors();
   report.data = read_data_file(data_file, report.findings);
   const CaseMesh mesh = read_mesh(report.data, report.findings);
   const int n_cells = mesh.has_cells ? mesh.n_cells() : -1;
@@ -79,7 +78,6 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   report.path = path;
   const std::string data_file = enter_case(path);
   if (with_trial) report.trial = trial_run(data_file);
-  utils::throw_fatal_errors();
 
   Findings& findings = report.findings;
   report.data = read_data_file(data_file, findings);

@@ -11,7 +11,7 @@
 namespace tools::check {
 
 /// Turns what the simulator's reader refuses into findings, and goes on behind it: for ten refusals
-/// or until the file ends. Needs utils::throw_fatal_errors().
+/// or until the file ends.
 class CheckedFile {
  public:
   /// `key` is the place in the data file that names the file.

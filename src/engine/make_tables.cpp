@@ -1,0 +1,224 @@
+// Builds the tables of a case.
+#include <algorithm>
+
+#include "case/boundary_kinds.hpp"
+#include "case/initial_state.hpp"
+#include "engine/Tables.hpp"
+#include "engine/numbering.hpp"
+#include "engine/runs.hpp"
+#include "physics/stable_step.hpp"
+
+namespace engine {
+
+namespace {
+
+using cases::Number;
+
+/// Calls body(begin, end) for shares of a number of entries, on all threads.
+template <class Body>
+void for_shares(ThreadTeam& team, std::size_t count, const Body& body) {
+  team.run([&](int member) {
+    const Range share = share_of(member, team.size(), count);
+    body(share.begin, share.end);
+  });
+}
+
+/// Patches whose edges, states and slots stay in a core's second cache, and as many for every
+/// thread; a multiple of a cache line of doubles, so that no two threads write to one.
+int cells_per_patch_for(int cells, int threads) {
+  constexpr int grain = cells_of_shortest;
+  const int wanted = std::clamp(cells / 128, 1024, 4096);
+  const int rounds = std::max(1, (cells + wanted * threads / 2) / (wanted * threads));
+  const int patches = rounds * threads;
+  return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
+}
+
+/// The cells of the case in the order of the tables.
+std::vector<int> order_of_cells(const cases::Mesh& mesh, int cells_per_patch, ThreadTeam& team) {
+  std::vector<double> x(at(mesh.n_cells())), y(x.size());
+  for_shares(team, x.size(), [&](int begin, int end) {
+    for (Number cell = begin; cell < end; ++cell) {
+      const physics::SpacePoint center = mesh.center_of(cell);
+      x[at(cell)] = center.x;
+      y[at(cell)] = center.y;
+    }
+  });
+  return order_by_swept_runs(x, y, cells_per_patch, team);
+}
+
+/// Fills the columns of the cells of a case, share by share.
+class CellColumnsOfCase {
+ public:
+  CellColumnsOfCase(const cases::Case& contents, const std::vector<int>& order, Tables& tables)
+      : case_(contents), order_(order), tables_(tables) {
+    CellTable& c = tables.cells;
+    size({&c.h, &c.qx, &c.qy, &c.eta, &c.max_h, &c.bed, &c.reciprocal_area, &c.char_length});
+    if (!case_.fields.manning.empty()) size({&c.manning});
+    if (!tables.soils.empty()) size({&c.infiltrated});
+    if (!case_.fields.rain.empty()) c.rain.resize(order.size());
+    if (!case_.fields.soil.empty()) c.soil.resize(order.size());
+    if (tables.has_bed) {
+      size({&c.hs, &c.qsx, &c.qsy, &c.dqs_dh, &c.rock});
+    } else {
+      size({&c.max_node});
+    }
+    tables.shortest.resize((order.size() + cells_of_shortest - 1) / cells_of_shortest);
+  }
+
+  /// The shares begin at multiples of cells_of_shortest.
+  void fill(int begin, int end) {
+    for (int i = begin; i < end; ++i) fill_cell(i);
+    const Column& length = tables_.cells.char_length;
+    for (int i = begin; i < end; ++i) {
+      double& shortest = tables_.shortest[at(i / cells_of_shortest)];
+      if (i % cells_of_shortest == 0) shortest = physics::unbounded_step;
+      shortest = physics::smaller(shortest, length[at(i)]);
+    }
+  }
+
+ private:
+  void size(std::initializer_list<Column*> columns) const {
+    for (Column* column : columns) column->resize(order_.size());
+  }
+
+  void fill_cell(int i) {
+    const std::size_t k = at(i);
+    const Number cell = order_[k];
+    CellTable& c = tables_.cells;
+    const cases::CellGeometry geometry = case_.mesh.geometry_of(cell);
+    const physics::InitialWater water = cases::initial_water_of(case_, cell);
+    c.h[k] = water.h;
+    c.qx[k] = water.qx;
+    c.qy[k] = water.qy;
+    c.eta[k] = case_.fields.level[at(cell)];
+    c.max_h[k] = 0.0;
+    c.bed[k] = cases::bed_level_of(case_, cell);
+    c.reciprocal_area[k] = 1.0 / geometry.area;
+    c.char_length[k] = geometry.char_length();
+    const cases::CellFields& fields = case_.fields;
+    if (!c.manning.empty()) c.manning[k] = fields.manning[at(cell)];
+    if (!c.infiltrated.empty()) {
+      c.infiltrated[k] = fields.infiltrated.empty() ? 0.0 : fields.infiltrated[at(cell)];
+    }
+    if (!c.rain.empty()) c.rain[k] = fields.rain[at(cell)] + 1;
+    if (!c.soil.empty()) c.soil[k] = fields.soil[at(cell)];
+    if (!tables_.has_bed) {
+      c.max_node[k] = geometry.highest_node;
+      return;
+    }
+    c.hs[k] = fields.sediment.empty() ? 0.0 : fields.sediment[at(cell)];
+    c.rock[k] = cases::bed_rock_of(case_, cell);
+    c.qsx[k] = c.qsy[k] = c.dqs_dh[k] = 0.0;
+  }
+
+  const cases::Case& case_;
+  const std::vector<int>& order_;
+  Tables& tables_;
+};
+
+kernels::BoundaryKind kind_of(int code) {
+  switch (code) {
+    case edge_code::transmissive:
+      return kernels::BoundaryKind::transmissive;
+    case edge_code::discharge:
+    case edge_code::hydrograph:
+      return kernels::BoundaryKind::discharge;
+    case edge_code::water_level:
+    case edge_code::limnigraph:
+      return kernels::BoundaryKind::water_level;
+    default:
+      return kernels::BoundaryKind::wall;
+  }
+}
+
+/// What a boundary imposes from the start: unit discharge (m2/s) or depth (m). What a series
+/// imposes is set at every step.
+double imposed_by(const cases::Boundary& boundary, const CellTable& cells, int place) {
+  if (boundary.code == edge_code::discharge) return boundary.value;
+  // Intended: the depth over the rock; that of a limnigraph is over the bed with its sediments.
+  return boundary.code == edge_code::water_level ? boundary.value - cells.rock_of(place) : 0.0;
+}
+
+void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
+  constexpr double no_sediment_fed = 0.0;
+  tables.boundary_place.resize(mesh.boundaries.size());
+  for (const Number edge : tables.patches.boundary_edge) {
+    const cases::Boundary& boundary = *mesh.boundary_on(edge);
+    const auto number = static_cast<std::size_t>(&boundary - mesh.boundaries.data());
+    const int place = tables.place[at(mesh.left[at(edge)])];
+    tables.boundary_place[number] = static_cast<int>(tables.boundaries.size());
+    tables.boundaries.push_back({kind_of(boundary.code), place, mesh.edge_of(edge),
+                                 imposed_by(boundary, tables.cells, place), no_sediment_fed});
+  }
+}
+
+/// Sets the largest depth and the smallest length, and what follows for dry cells.
+void set_scales(Tables& tables) {
+  tables.h0 = 0.0;
+  for (const double h : tables.cells.h) tables.h0 = physics::larger(tables.h0, h);
+  tables.char_length_min = physics::unbounded_step;
+  for (const double length : tables.shortest) {
+    tables.char_length_min = physics::smaller(tables.char_length_min, length);
+  }
+  tables.dry_step = physics::stable_step_dry(tables.char_length_min, tables.h0, tables.zero_depth);
+}
+
+std::vector<Soil> soils_of(const cases::Case& contents) {
+  std::vector<Soil> soils;
+  for (const cases::Soil& soil : contents.soils) {
+    if (const auto* p = std::get_if<cases::GreenAmptParameters>(&soil.parameters)) {
+      soils.push_back(
+          {true, physics::green_ampt_soil(p->Ks, p->psi, p->theta_i, p->theta_s, p->L, p->kr), {}});
+    } else {
+      const auto& h = std::get<cases::HortonParameters>(soil.parameters);
+      soils.push_back({false, {}, {h.f0, h.fc, h.k, h.Fmax, h.kr}});
+    }
+  }
+  return soils;
+}
+
+void list_soils(Tables& tables) {
+  if (tables.cells.soil.empty()) return;
+  tables.soils_of_patch.resize(tables.patches.patches.size());
+  for (std::size_t p = 0; p < tables.soils_of_patch.size(); ++p) {
+    const Range cells = tables.patches.patches[p].cells;
+    std::vector<int>& soils = tables.soils_of_patch[p];
+    for (int i = cells.begin; i < cells.end; ++i) {
+      const int soil = tables.cells.soil[at(i)];
+      const bool is_new = std::find(soils.begin(), soils.end(), soil) == soils.end();
+      if (soil >= 0 && is_new) soils.push_back(soil);
+    }
+  }
+}
+
+}  // namespace
+
+Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch) {
+  Tables tables;
+  const cases::Mesh& mesh = contents.mesh;
+  tables.has_bed = contents.has_sediments;
+  tables.zero_depth = contents.zero_depth;
+  tables.porosity = contents.sediment.porosity;
+  tables.grains = {contents.sediment.d50, contents.sediment.density};
+  // Soils that no cell names change nothing.
+  if (!contents.fields.soil.empty()) tables.soils = soils_of(contents);
+  if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(mesh.n_cells(), team.size());
+
+  const std::vector<int> order = order_of_cells(mesh, cells_per_patch, team);
+  tables.place = inverse(order);
+  tables.patches = make_patches(mesh, tables.place, cells_per_patch, team);
+  CellColumnsOfCase columns(contents, order, tables);
+  const int patch = tables.cells_per_patch();
+  for_shares(team, tables.patches.patches.size(), [&](int begin, int end) {
+    columns.fill(begin * patch, std::min(mesh.n_cells(), end * patch));
+  });
+  set_scales(tables);
+  // Only fluxes over a mobile bed tell of edges by their numbers.
+  if (!tables.has_bed) tables.patches.edge_number = tables.patches.cut_edge_number = {};
+  place_boundaries(tables, mesh);
+  list_soils(tables);
+  tables.outer.assign(at(tables.first_boundary_slot()) + tables.boundaries.size(), tables.has_bed);
+  return tables;
+}
+
+}  // namespace engine

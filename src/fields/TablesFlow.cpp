@@ -1,0 +1,121 @@
+#include "fields/TablesFlow.hpp"
+
+#include <algorithm>
+
+#include "fields/flow_survey.hpp"
+#include "utils/not_hyperbolic.hpp"
+
+namespace fields {
+
+TablesFlow::TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
+                       int cells_per_patch)
+    : case_(contents), diagnostics_(diagnostics), engine_(contents, threads, cells_per_patch) {}
+
+double TablesFlow::advance(const StepTimes& times) {
+  const double step = engine_.advance(times);
+  if (const auto found = engine_.take_not_hyperbolic()) {
+    diagnostics_.warn(utils::not_hyperbolic(found->place, times.t, found->h, found->qx, found->qy));
+  }
+  return step;
+}
+
+const engine::Column* TablesFlow::column_of(Field field) const {
+  const engine::CellTable& cells = engine_.tables().cells;
+  const auto if_kept = [](const engine::Column& column) {
+    return column.empty() ? nullptr : &column;
+  };
+  switch (field) {
+    case Field::depth:
+      return &cells.h;
+    case Field::discharge_x:
+      return &cells.qx;
+    case Field::discharge_y:
+      return &cells.qy;
+    case Field::infiltrated_depth:
+      return if_kept(cells.infiltrated);
+    case Field::bed_level:
+      return &cells.bed;
+    case Field::sediment_thickness:
+      return if_kept(cells.hs);
+    case Field::bed_load_x:
+      return if_kept(cells.qsx);
+    case Field::bed_load_y:
+      return if_kept(cells.qsy);
+    case Field::largest_depth:
+      return &cells.max_h;
+  }
+  return nullptr;
+}
+
+void TablesFlow::read(Field field, std::span<double> values) const {
+  if (const engine::Column* const column = column_of(field)) {
+    engine_.read(*column, values);
+  } else if (field == Field::infiltrated_depth && !case_.fields.infiltrated.empty()) {
+    std::copy(case_.fields.infiltrated.begin(), case_.fields.infiltrated.end(), values.begin());
+  } else {
+    std::fill(values.begin(), values.end(), 0.0);
+  }
+}
+
+void TablesFlow::read(Field field, std::span<const cases::Number> cells,
+                      std::span<double> values) const {
+  if (const engine::Column* const column = column_of(field)) {
+    engine_.read(*column, cells, values);
+    return;
+  }
+  const bool has_soaked = field == Field::infiltrated_depth && !case_.fields.infiltrated.empty();
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    values[i] = has_soaked ? case_.fields.infiltrated[cases::at(cells[i])] : 0.0;
+  }
+}
+
+CellState TablesFlow::state(cases::Number cell) const {
+  const engine::CellTable& c = engine_.tables().cells;
+  const auto k = static_cast<std::size_t>(engine_.tables().place[cases::at(cell)]);
+  const auto value = [&](const engine::Column& column) { return column.empty() ? 0.0 : column[k]; };
+  return {.h = c.h[k],
+          .qx = c.qx[k],
+          .qy = c.qy[k],
+          .hs = value(c.hs),
+          .qsx = value(c.qsx),
+          .qsy = value(c.qsy),
+          .dqs_dh = value(c.dqs_dh),
+          .bed_level = c.bed[k],
+          .water_level = c.eta.empty() ? c.bed[k] + c.h[k] : c.eta[k]};
+}
+
+FlowSurvey TablesFlow::survey() const {
+  const engine::Tables& tables = engine_.tables();
+  const auto state_at = [&](int place) {
+    const auto k = static_cast<std::size_t>(place);
+    const double h = tables.cells.h[k];
+    return SurveyedState{h, tables.cells.qx[k], tables.cells.qy[k],
+                         physics::depth_terms(h, tables.zero_depth)};
+  };
+  const cases::Number n_cells = case_.mesh.n_cells();
+  FlowSurvey result = survey_states(n_cells, tables.zero_depth, state_at);
+  if (result.not_finite > 0) {
+    result.a_cell_not_finite = lost_cell_in_the_middle(
+        n_cells, [&](cases::Number cell) { return state_at(tables.place[cases::at(cell)]); },
+        [&](cases::Number cell) {
+          const physics::SpacePoint center = case_.mesh.center_of(cell);
+          return physics::PlanPoint{center.x, center.y};
+        });
+  }
+  return result;
+}
+
+ExecutionPath TablesFlow::execution_path() const {
+  return {"tables", engine_.threads(), engine_.instruction_set()};
+}
+
+UnseenDepth TablesFlow::unseen_depth(cases::Number cell) const {
+  const engine::UnseenDepths depths = engine_.unseen_depths(cell);
+  return {depths.recovered, depths.lifted};
+}
+
+BoundaryInflow TablesFlow::boundary_inflow(int boundary) const {
+  return engine_.boundary_inflow(boundary);
+}
+
+}  // namespace fields

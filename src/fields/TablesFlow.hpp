@@ -1,0 +1,46 @@
+// The flow of a case on the tables of the engine.
+#pragma once
+
+#include "case/Case.hpp"
+#include "case/Diagnostics.hpp"
+#include "engine/Engine.hpp"
+#include "fields/Flow.hpp"
+
+namespace fields {
+
+class TablesFlow : public Flow {
+ public:
+  /// The case must outlive the flow. Throws std::length_error where the tables have no room for it.
+  TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
+             int cells_per_patch = 0);
+
+  FlowScales scales() const override {
+    return {engine_.tables().h0, engine_.tables().char_length_min};
+  }
+  double stable_step() override { return engine_.stable_step(); }
+  double advance(const StepTimes& times) override;
+
+  void read(Field field, std::span<double> values) const override;
+  void read(Field field, std::span<const cases::Number> cells,
+            std::span<double> values) const override;
+  CellState state(cases::Number cell) const override;
+  FlowSurvey survey() const override;
+  ExecutionPath execution_path() const override;
+
+  void watch() override { engine_.watch(); }
+  const physics::StepNotes& notes() const override { return engine_.notes(); }
+  UnseenDepth unseen_depth(cases::Number cell) const override;
+  BoundaryInflow boundary_inflow(int boundary) const override;
+
+  engine::Engine& engine() { return engine_; }
+
+ private:
+  /// The column that holds a field; null: all cells have what the case says, or 0.
+  const engine::Column* column_of(Field field) const;
+
+  const cases::Case& case_;
+  cases::Diagnostics& diagnostics_;
+  mutable engine::Engine engine_;  ///< its threads read columns too
+};
+
+}  // namespace fields
