@@ -2,7 +2,6 @@
 #pragma once
 
 #include <array>
-#include <string_view>
 
 #include "globals/edge_codes.hpp"
 
@@ -11,20 +10,20 @@ namespace cases {
 struct BoundaryKind {
   enum class Argument { none, value, series };
 
-  int code;                   ///< in the edges file
-  const char* name;           ///< in the companion programs
-  std::string_view in_books;  ///< name in the books of a run; empty: nothing passes it
+  int code;          ///< in the edges file
+  const char* name;  ///< in the companion programs
   Argument argument;
   bool with_sediments;  ///< whether the model with sediments has it
+  const char* books;    ///< its entry in the books of a report; empty if nothing passes
 };
 
 inline constexpr std::array<BoundaryKind, 6> boundary_kinds = {{
-    {edge_code::wall, "wall", "", BoundaryKind::Argument::none, true},
-    {edge_code::transmissive, "transmissive", "transmissive", BoundaryKind::Argument::none, true},
-    {edge_code::discharge, "discharge", "discharge", BoundaryKind::Argument::value, true},
-    {edge_code::water_level, "level", "water_level", BoundaryKind::Argument::value, true},
-    {edge_code::hydrograph, "hydrograph", "hydrograph", BoundaryKind::Argument::series, false},
-    {edge_code::limnigraph, "limnigraph", "limnigraph", BoundaryKind::Argument::series, false},
+    {edge_code::wall, "wall", BoundaryKind::Argument::none, true, ""},
+    {edge_code::transmissive, "transmissive", BoundaryKind::Argument::none, true, "transmissive"},
+    {edge_code::discharge, "discharge", BoundaryKind::Argument::value, true, "discharge"},
+    {edge_code::water_level, "level", BoundaryKind::Argument::value, true, "water_level"},
+    {edge_code::hydrograph, "hydrograph", BoundaryKind::Argument::series, false, "hydrograph"},
+    {edge_code::limnigraph, "limnigraph", BoundaryKind::Argument::series, false, "limnigraph"},
 }};
 
 /// The kind of a code; null if there is none.

@@ -34,7 +34,6 @@ class Domain {
  public:
   /// Builds the whole run from its data file. The watchers must outlive the run.
   explicit Domain(const std::string& dataFile, Watchers watchers = {});
-  ~Domain();
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
 
@@ -103,10 +102,10 @@ class Domain {
   std::string friction_file;
   std::string fixed_bed_level_file, sediments_level_file;
   std::string model_name = "Undefined";
-  std::unique_ptr<fields::Flow> flow;  ///< of case_
-  double dt_enveloppe = 0.0;           ///< s
-  double next_enveloppe_time = 0.0;    ///< s
-  double dt_threshold = 1e-08;         ///< smallest acceptable time step, s
+  std::unique_ptr<fields::Flow> flow_;  ///< of case_
+  double dt_enveloppe = 0.0;            ///< s
+  double next_enveloppe_time = 0.0;     ///< s
+  double dt_threshold = 1e-08;          ///< smallest acceptable time step, s
   double cfl = 0.0;
   long steps = 0;
   int flux_scheme = 0;
@@ -121,8 +120,9 @@ class Domain {
   bool is_initial_infiltration = false;
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
   std::vector<double> umax_buffer;                ///< largest depths for the writer, m
-  utils::WriterThread envelope_writer;
-  bool has_lost_failure_snapshot = false;
+  std::string envelope_file_;
+  utils::WriterThread envelope_writer_;
+  bool has_lost_failure_snapshot_ = false;
   AreaLoss area_loss;  ///< of the cells, as they are read
 
   std::string gauges_file, pictures_file, discharge_file;

@@ -56,9 +56,9 @@ void Domain::warn_of_lost_results() const {
   }
   const auto& table = fields::field_table;
   for (std::size_t k = 0; k < table.size(); ++k) {
-    flow->read(table[k].field, values);
+    flow_->read(table[k].field, values);
     for (; k + 1 < table.size() && is_same_quantity(table[k], table[k + 1]); ++k) {
-      flow->read(table[k + 1].field, component);
+      flow_->read(table[k + 1].field, component);
       for (std::size_t i = 0; i < n_cells; ++i) values[i] += component[i];
     }
     ColumnSurvey survey;

@@ -45,9 +45,9 @@ void Domain::stop_on_lost_clock() {
 }
 
 void Domain::stop_at_limiting_cell(const std::string& what) {
-  const cases::Number cell = limiting_cell(*flow, case_);
+  const cases::Number cell = limiting_cell(*flow_, case_);
   if (cell >= 0) {
-    show(case_.mesh, cell, flow->state(cell));
+    show(case_.mesh, cell, flow_->state(cell));
     report_failure(what, cell);
   }
   warn_of_lost_results();
@@ -55,17 +55,17 @@ void Domain::stop_at_limiting_cell(const std::string& what) {
 }
 
 void Domain::warn_of_lost_states() const {
-  const fields::FlowSurvey survey = flow->survey();
+  const fields::FlowSurvey survey = flow_->survey();
   if (survey.not_finite == 0) return;
   utils::warn("the state of " + std::to_string(survey.not_finite) +
               " cells is not a number at t = " + utils::fixed_text(Globals::t, 6) + " s.");
   const cases::Number cell = survey.a_cell_not_finite;
-  show(case_.mesh, cell, flow->state(cell));
+  show(case_.mesh, cell, flow_->state(cell));
 }
 
 void Domain::report_lost_states() {
   if (!watchers_.report->has_just_lost_a_state()) return;
-  report_failure("a state is not a number", flow->survey().a_cell_not_finite);
+  report_failure("a state is not a number", flow_->survey().a_cell_not_finite);
 }
 
 void Domain::report_failure(const std::string& what, cases::Number cell) {
@@ -79,7 +79,7 @@ std::string Domain::write_failure_snapshot() {
   if (utils::is_input_file(name)) return "";
   wait_for_writers();  // what they say comes first
   Snapshot snapshot(case_);
-  snapshot.gather(*flow);
-  if (!snapshot.write(name)) has_lost_failure_snapshot = true;
+  snapshot.gather(*flow_);
+  if (!snapshot.write(name)) has_lost_failure_snapshot_ = true;
   return name;
 }

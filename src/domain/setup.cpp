@@ -47,8 +47,6 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
   warn_of_implausible_input();
 }
 
-Domain::~Domain() = default;
-
 void Domain::read_data_file(const std::string& dataFile) {
   const utils::DataFileReader reader(dataFile);
   const auto report_keys = [&] {
@@ -172,6 +170,7 @@ void Domain::set_outputs() {
 
   log << "Output parameters:\n";
   next_enveloppe_time = Globals_Params::tStart;
+  envelope_file_ = Globals::g_outputPath + "enveloppe.txt";
   log << "  Maximum values will be recorded every: " << dt_enveloppe << " s\n";
   log << "  Gauges: ";
   if (is_gauges) {
@@ -207,13 +206,12 @@ void Domain::set_outputs() {
 void Domain::set_other_parameters() {
   std::ostream& log = Globals::spyFile;
   log << "Other parameters:\n";
-  flow = fields::make_flow(case_, diagnostics_, fields::path_of_environment());
-  const fields::FlowScales scales = flow->scales();
+  flow_ = fields::make_flow(case_, diagnostics_, fields::path_of_environment());
+  const fields::FlowScales scales = flow_->scales();
   log << "  Largest initial water depth (h0): " << scales.h0 << '\n'
       << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'
       << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
-  umax_buffer.resize(cases::at(case_.mesh.n_cells()));
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {

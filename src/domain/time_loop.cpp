@@ -21,7 +21,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   printTime(Globals::t, 8, 3);
   int passes = 0;
 
-  Globals::dt = cfl * flow->stable_step();
+  Globals::dt = cfl * flow_->stable_step();
   utils::listen_for_interruption();
   begin_watching();
   while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
@@ -52,7 +52,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
 void Domain::compute_step() {
   const double t = Globals::t, dt = Globals::dt;
-  Globals::dt = cfl * flow->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
+  Globals::dt = cfl * flow_->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
   ++steps;
   // Intended: the clock advances by the new step, not by the one just applied, and no step is
   // shortened to meet an output time or the end.
@@ -64,7 +64,7 @@ void Domain::compute_step() {
 
 void Domain::begin_watching() {
   if (watchers_.report != nullptr) {
-    watchers_.report->begin(*flow, case_);
+    watchers_.report->begin(*flow_, case_);
     report_lost_states();
   }
   if (watchers_.progress != nullptr) watchers_.progress->begin(Globals::t, Globals_Params::tEnd);
@@ -76,7 +76,7 @@ void Domain::enter(Phase phase) {
 
 void Domain::show_progress() {
   if (watchers_.progress == nullptr || !watchers_.progress->is_due()) return;
-  watchers_.progress->show(Globals::t, Globals::dt, flow->survey());
+  watchers_.progress->show(Globals::t, Globals::dt, flow_->survey());
 }
 
 void Domain::end_progress() {
@@ -91,9 +91,9 @@ void Domain::fire_outputs() {
   const bool section_due = is_discharges && monitor_section->CheckTime(Globals::t);
   const bool enveloppe_due = Globals::t > next_enveloppe_time;
 
-  if (gauge_due) gauge->WriteMeasure(*flow);
-  if (picture_due) picture->WriteMeasure(*flow);
-  if (section_due) monitor_section->WriteMeasure(*flow, Globals::t);
+  if (gauge_due) gauge->WriteMeasure(*flow_);
+  if (picture_due) picture->WriteMeasure(*flow_);
+  if (section_due) monitor_section->WriteMeasure(*flow_, Globals::t);
   if (enveloppe_due) write_enveloppe();
 }
 
@@ -101,11 +101,11 @@ void Domain::wait_for_writers() {
   if (gauge) gauge->wait();
   if (picture) picture->wait();
   if (monitor_section) monitor_section->wait();
-  envelope_writer.wait();
+  envelope_writer_.wait();
 }
 
 bool Domain::has_lost_a_result() const {
-  return has_lost_failure_snapshot || envelope_writer.has_failed() ||
+  return has_lost_failure_snapshot_ || envelope_writer_.has_failed() ||
          (gauge && gauge->has_failed()) || (picture && picture->has_failed()) ||
          (monitor_section && monitor_section->has_failed());
 }

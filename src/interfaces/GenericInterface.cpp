@@ -1,7 +1,6 @@
 #include "interfaces/GenericInterface.hpp"
 
 #include "globals/Globals.hpp"
-#include "physics/section_discharge.hpp"
 
 GenericInterface::GenericInterface(ComputationalCell* left, ComputationalCell* right,
                                    const MeshNode& a, const MeshNode& b)
@@ -31,11 +30,6 @@ bool GenericInterface::With(const MeshNode* node_a, const MeshNode* node_b) cons
     if (node == node_a || node == node_b) ++matches;
   }
   return matches >= 2;
-}
-
-double GenericInterface::add_discharge(double Q) const {
-  const HydraulicVariableSWE& U = cell_left->UVal();
-  return physics::add_edge_discharge(Q, U.qx, U.qy, edge());
 }
 
 physics::EdgeSide GenericInterface::left_side() const {

@@ -34,9 +34,6 @@ class GenericInterface {
   /// Whether both nodes of the edge are among the two given; identity counts, not coordinates.
   bool With(const MeshNode* node_a, const MeshNode* node_b) const;
 
-  /// Adds the edge's discharge along its normal (m3/s), from the state of its left cell, to Q.
-  double add_discharge(double Q) const;
-
   /// Normal and length as the formulas take them.
   physics::Edge edge() const { return {normal.x, normal.y, length}; }
 

@@ -28,7 +28,7 @@ json boundaries_json(const PassedByKind& boundaries) {
   for (std::size_t k = 0; k < boundaries.size(); ++k) {
     const Passed& passed = boundaries[k];
     if (passed.edges == 0) continue;
-    result[cases::boundary_kinds[k].in_books] = {
+    result[cases::boundary_kinds[k].books] = {
         {"edges", passed.edges}, {"in_m3", passed.in.value()}, {"out_m3", passed.out.value()}};
   }
   return result;

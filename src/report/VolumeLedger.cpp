@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <string_view>
 
 using cases::at;
 using cases::Number;
@@ -81,7 +82,7 @@ void VolumeLedger::find_boundaries() {
 void VolumeLedger::add_boundary(int number, bool counts) {
   const cases::BoundaryKind* const kind =
       cases::boundary_kind(case_.mesh.boundaries[at(number)].code);
-  if (kind->in_books.empty()) return;
+  if (std::string_view(kind->books).empty()) return;
   const auto k = static_cast<std::size_t>(kind - cases::boundary_kinds.data());
   ++water_passed_[k].edges;
   ++sediment_passed_[k].edges;

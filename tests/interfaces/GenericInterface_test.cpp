@@ -113,12 +113,4 @@ TEST(GenericInterface, ANodeAtTheSamePlaceIsAnotherNode) {
   EXPECT_FALSE(interface.With(&patch.a(), &twin));
 }
 
-TEST(GenericInterface, ItsDischargeIsThatOfItsLeftCell) {
-  EdgePatch patch({0.0, 0.0, 0.0}, {3.0, 4.0, 0.0});  // normal (0.8, -0.6)
-  GenericInterface interface = interface_of(patch);
-  support::set_water(patch.left(), 0.0, 1.0, 10.0, 5.0);
-  support::set_water(patch.right(), 0.0, 1.0, 99.0, 99.0);
-  EXPECT_DOUBLE_EQ(interface.add_discharge(2.0), 2.0 + 5.0 * 5.0);
-}
-
 }  // namespace
