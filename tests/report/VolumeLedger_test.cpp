@@ -143,6 +143,27 @@ TEST_P(Ledger, BooksWhatAnImposedDischargeTakesOut) {
   EXPECT_LT(std::abs(books.relative_error()), 1e-14);
 }
 
+TEST_P(Ledger, BooksNothingForTheFourthEdgeOfACellWhichHasNoEffect) {
+  SWE model;
+  model.mesh_nodes = {{0.0, 0.0, 0.0}, {2.0, 0.0, 0.0}, {2.0, 2.0, 0.0}, {0.0, 2.0, 0.0}};
+  const auto node = [&](int i) -> const MeshNode& {
+    return model.mesh_nodes[static_cast<std::size_t>(i % 4)];
+  };
+  model.build_cell(0, {&node(0), &node(1), &node(2), &node(3)});
+  model.n_cells = 1;
+  for (int edge = 0; edge < 4; ++edge) {
+    model.build_interface(edge_code::scheme_lhllc, edge, 0, -1, node(edge), node(edge + 1),
+                          edge_code::discharge, -0.1, "");
+  }
+  model.cells.front()->sort_interfaces_by_tag();
+  model.cells.front()->set_local_index_to_edges();
+  support::fill(model, [](double, double) { return 1.0; });
+  const Books books = run(model, 20).water;
+  EXPECT_EQ(passed(books, edge_code::discharge).edges, 4);
+  EXPECT_NEAR(passed(books, edge_code::discharge).in.value(), 3 * 0.1 * 2.0 * span, 1e-12);
+  EXPECT_LT(std::abs(books.relative_error()), 1e-14);
+}
+
 TEST_P(Ledger, BooksAHydrographAsItChanges) {
   const support::TemporaryFolder folder;
   // 0.4 - 0.2 t along the normal: the flow leaves until 2 s and enters from then on.
