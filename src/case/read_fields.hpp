@@ -17,7 +17,7 @@ struct NamedColumn {
 template <class Source, class... Columns>
 void read_columns(Source& file, Number n_cells, const Columns&... columns) {
   (columns.values.resize(at(n_cells)), ...);
-  for (Number cell = 0; cell < n_cells; ++cell) {
+  for (Number cell = 0; cell < n_cells && file.goes_on(); ++cell) {
     file.begin_record("cell", cell, n_cells);
     ((columns.values[at(cell)] = file.read_number(columns.field)), ...);
   }
@@ -60,7 +60,7 @@ std::vector<int> read_terms(Source& file, Number n_cells, const std::vector<int>
   std::map<int, int> numbers;
   for (std::size_t i = 0; i < ids.size(); ++i) numbers[ids[i]] = static_cast<int>(i);
   std::vector<int> terms(at(n_cells), none);
-  for (Number cell = 0; cell < n_cells; ++cell) {
+  for (Number cell = 0; cell < n_cells && file.goes_on(); ++cell) {
     file.begin_record("cell", cell, n_cells);
     const int id = file.read_integer("source term ID");
     if (id == none) continue;

@@ -1,13 +1,13 @@
 #include "case/read_mesh.hpp"
 
 #include <cmath>
-#include <map>
 
 #include "case/EdgeWarnings.hpp"
-#include "case/boundary_kinds.hpp"
+#include "case/SeriesFiles.hpp"
 #include "case/finite_geometry.hpp"
+#include "case/mesh_records.hpp"
 #include "case/read_series.hpp"
-#include "utils/MeshReader.hpp"
+#include "utils/TextScanner.hpp"
 #include "utils/stop.hpp"
 
 namespace cases {
@@ -35,84 +35,68 @@ void require_known(int code, int edge, bool has_sediments) {
   utils::fatal("Boundary condition of type " + std::to_string(code) + " not defined!\n");
 }
 
-/// The series of the edges read so far, each file once.
-class SeriesFiles {
+/// What a run does with its edges as it reads them.
+class EdgeReader {
  public:
-  explicit SeriesFiles(std::vector<Series>& series) : series_(series) {}
+  EdgeReader(utils::TextScanner& file, int scheme, Case& contents, Diagnostics& diagnostics)
+      : file_(file),
+        scheme_(scheme),
+        contents_(contents),
+        series_(contents.series),
+        warnings_(contents.mesh, diagnostics) {}
 
-  int number_of(const std::string& file) {
-    if (file.empty()) return -1;
-    const auto [known, is_new] = numbers_.try_emplace(file, static_cast<int>(series_.size()));
-    if (is_new) series_.push_back(read_series(file));
-    return known->second;
+  void read() {
+    Mesh& mesh = contents_.mesh;
+    const auto accept = [](int) {};  // at first: the whole record must be well
+    read_edge_records(file_, mesh.n_nodes(), mesh.n_cells(), mesh, accept,
+                      [this](const EdgeRecord& edge) { take(edge); });
+    warnings_.check_numbers_of_edges();
   }
 
  private:
-  std::vector<Series>& series_;
-  std::map<std::string, int> numbers_;
-};
-
-void reserve_edges(Mesh& mesh, int count) {
-  for (auto* column : {&mesh.left, &mesh.right, &mesh.node1, &mesh.node2}) {
-    column->reserve(at(count));
+  void take(const EdgeRecord& edge) {
+    Mesh& mesh = contents_.mesh;
+    const Number number = mesh.n_edges();
+    require_known(edge.code == edge_code::interior ? scheme_ : edge.code, number,
+                  contents_.has_sediments);
+    add_edge(mesh, edge, series_.number_of(edge.file, read_series));
+    if (!std::isfinite(mesh.edge_of(number).length)) {
+      const Number nodes[] = {edge.node1, edge.node2};
+      file_.refuse_record(overflow_of_nodes(mesh, nodes));
+    }
+    const bool is_boundary = !edge_code::is_between_cells(edge.code);
+    warnings_.check(number, is_boundary ? &mesh.boundaries.back() : nullptr);
   }
-}
+
+  utils::TextScanner& file_;
+  int scheme_;
+  Case& contents_;
+  SeriesFiles series_;
+  EdgeWarnings warnings_;
+};
 
 }  // namespace
 
 void read_nodes(const std::string& name, Mesh& mesh) {
-  utils::MeshReader reader(name, "node", 3);
-  const int count = reader.get_number_of_elements();
-  for (auto* column : {&mesh.x, &mesh.y, &mesh.z}) column->reserve(at(count));
-  for (int i = 0; i < count; ++i) {
-    const std::vector<double>& node = reader.read_next_node(3);
-    mesh.x.push_back(node[0]);
-    mesh.y.push_back(node[1]);
-    mesh.z.push_back(node[2]);
-  }
+  utils::TextScanner file(name);
+  read_node_records(file, mesh);
 }
 
 void read_cells(const std::string& name, Mesh& mesh, AreaLoss& area_loss) {
-  utils::MeshReader reader(name, "cell", 2);
-  const int count = reader.get_number_of_elements();
-  if (count == 0) {
-    utils::fatal("Error in file " + name +
-                 ", header, number of records: found 0, expected 1 or more: a mesh has cells.\n");
-  }
-  mesh.cell_nodes.reserve(3 * at(count));
-  for (int i = 0; i < count; ++i) {
-    const std::vector<int>& nodes = reader.read_next_cell(mesh.n_nodes());
-    mesh.add_cell(nodes);
+  utils::TextScanner file(name);
+  const Number count = read_cell_records(file, mesh.n_nodes(), mesh, [&](Number i) {
     const CellGeometry cell = mesh.geometry_of(i);
-    if (!is_finite(cell)) reader.refuse_record(overflow_of_nodes(mesh, nodes));
+    if (!is_finite(cell)) file.refuse_record(overflow_of_nodes(mesh, mesh.nodes_of(i)));
     area_loss.add({cell.center.x, cell.center.y}, cell.area, mesh.accurate_area_of(i));
-  }
+  });
+  if (count > 0) return;
+  utils::fatal("Error in file " + name +
+               ", header, number of records: found 0, expected 1 or more: a mesh has cells.\n");
 }
 
 void read_edges(const std::string& name, int scheme, Case& contents, Diagnostics& diagnostics) {
-  Mesh& mesh = contents.mesh;
-  utils::MeshReader reader(name, "edge", 5);
-  const int count = reader.get_number_of_elements();
-  reserve_edges(mesh, count);
-  SeriesFiles series(contents.series);
-  EdgeWarnings warnings(mesh, diagnostics);
-  for (int i = 0; i < count; ++i) {
-    const auto& [left, right, node1, node2, code, value, file] =
-        reader.read_next_edge(mesh.n_nodes(), mesh.n_cells());
-    require_known(code == edge_code::interior ? scheme : code, i, contents.has_sediments);
-    mesh.left.push_back(left);
-    mesh.right.push_back(right < 0 ? -1 : right);
-    mesh.node1.push_back(node1);
-    mesh.node2.push_back(node2);
-    const bool is_boundary = !edge_code::is_between_cells(code);
-    if (is_boundary) mesh.boundaries.push_back({i, code, value, series.number_of(file)});
-    if (!std::isfinite(mesh.edge_of(i).length)) {
-      const Number nodes[] = {node1, node2};
-      reader.refuse_record(overflow_of_nodes(mesh, nodes));
-    }
-    warnings.check(i, is_boundary ? &mesh.boundaries.back() : nullptr);
-  }
-  warnings.check_numbers_of_edges();
+  utils::TextScanner file(name);
+  EdgeReader(file, scheme, contents, diagnostics).read();
 }
 
 }  // namespace cases

@@ -14,7 +14,7 @@ void read_intervals(Source& file, int count, std::vector<double>& times,
                     std::vector<double>& intensities) {
   times.resize(at(count));
   intensities.resize(at(count));
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     times[at(i)] = file.read_number("start time of an interval");
     intensities[at(i)] = file.read_number("intensity");
   }
@@ -25,7 +25,7 @@ template <class Source, class LookAt>
 std::vector<Hyetogram> read_hyetograms(Source& file, LookAt look_at) {
   const int count = file.read_count("number of hyetograms", 3);
   std::vector<Hyetogram> rain;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("hyetogram", i, count);
     Hyetogram& hyetogram = rain.emplace_back();
     hyetogram.id = file.read_integer("ID");

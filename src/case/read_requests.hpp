@@ -12,7 +12,7 @@ GaugeRequest read_gauges(Source& file) {
   GaugeRequest gauges{file.read_word("result file name"), 0.0, {}};
   gauges.interval = file.read_number("recording interval");
   gauges.points.reserve(at(count));
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("gauge", i, count);
     const double x = file.read_number("x");
     const double y = file.read_number("y");
@@ -28,7 +28,7 @@ SectionRequest read_sections(Source& file, Number n_edges) {
   SectionRequest request{"", file.read_number("recording interval"), {}};
   request.result = file.read_word("result file name");
   request.sections.resize(at(count));
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("section", i, count);
     std::vector<Number>& section = request.sections[at(i)];
     section.resize(at(file.read_count("number of edges", 1)));
@@ -42,7 +42,7 @@ SnapshotRequest read_snapshots(Source& file) {
   const int count = file.read_count("number of snapshots", 1);
   SnapshotRequest request;
   request.times.reserve(at(count));
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("snapshot", i, count);
     request.times.push_back(file.read_number("time"));
   }

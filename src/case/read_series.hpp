@@ -15,7 +15,7 @@ void read_samples(Source& file, Series& series) {
   if (count < 2) file.refuse("number of samples", "at least 2");
   series.times.reserve(at(count));
   series.values.reserve(at(count));
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("sample", i, count);
     const double time = file.read_number("time");
     if (i > 0 && !(time > series.times.back())) {

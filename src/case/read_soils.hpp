@@ -38,7 +38,7 @@ template <class Source, class LookAt, class OnUnknown>
 std::vector<Soil> read_soil_classes(Source& file, LookAt look_at, OnUnknown on_unknown) {
   const int count = file.read_count("number of soil classes", 2);
   std::vector<Soil> soils;
-  for (int i = 0; i < count; ++i) {
+  for (int i = 0; i < count && file.goes_on(); ++i) {
     file.begin_record("soil class", i, count);
     Soil& soil = soils.emplace_back();
     soil.id = file.read_integer("ID");

@@ -212,6 +212,7 @@ void Domain::set_other_parameters() {
       << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'
       << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
+  umax_buffer.resize(cases::at(case_.mesh.n_cells()));
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {

@@ -58,6 +58,14 @@ class TextScanner : public Reader {
     }
   }
 
+  // A source that goes on behind what it refuses answers these otherwise.
+  /// Whether there is more to read.
+  static constexpr bool goes_on() { return true; }
+  /// Whether nothing of the present record has been refused.
+  static constexpr bool record_is_well() { return true; }
+  /// Without the value read last nothing that follows can be understood.
+  static constexpr void require_last() {}
+
   /// Ends the run: the value read last is not what is expected.
   [[noreturn]] void refuse(const char* field, const std::string& expected);
   /// Ends the run: the values of the record read last do not go together.
