@@ -9,8 +9,9 @@ namespace cases {
 
 namespace {
 
-double size_of(const physics::SpacePoint& node) {
-  return std::max({std::fabs(node.x), std::fabs(node.y), std::fabs(node.z)});
+double size_of(const Mesh& mesh, Number node) {
+  return std::max(
+      {std::fabs(mesh.x[at(node)]), std::fabs(mesh.y[at(node)]), std::fabs(mesh.z[at(node)])});
 }
 
 }  // namespace
@@ -21,12 +22,14 @@ bool is_finite(const CellGeometry& cell) {
          std::isfinite(cell.area) && std::isfinite(cell.perimeter);
 }
 
-std::string overflow_of(const std::vector<physics::SpacePoint>& nodes) {
-  const physics::SpacePoint& farthest =
-      *std::max_element(nodes.begin(), nodes.end(),
-                        [](const auto& a, const auto& b) { return size_of(a) < size_of(b); });
+std::string overflow_of(const Mesh& mesh, std::span<const Number> nodes) {
+  const std::size_t farthest =
+      at(*std::max_element(nodes.begin(), nodes.end(), [&](Number a, Number b) {
+        return size_of(mesh, a) < size_of(mesh, b);
+      }));
   utils::TextBuffer text;
-  text << "found a node at (" << farthest.x << ", " << farthest.y << ", " << farthest.z
+  text << "found a node at (" << mesh.x[farthest] << ", " << mesh.y[farthest] << ", "
+       << mesh.z[farthest]
        << "), expected coordinates in metres whose sums and products are finite numbers";
   return std::string(text.text());
 }

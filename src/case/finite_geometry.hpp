@@ -1,8 +1,8 @@
 // Coordinates so large that their sums and products overflow: nothing can be computed with them.
 #pragma once
 
+#include <span>
 #include <string>
-#include <vector>
 
 #include "case/Mesh.hpp"
 
@@ -12,6 +12,6 @@ namespace cases {
 bool is_finite(const CellGeometry& cell);
 
 /// What is wrong with the nodes of a cell or an edge whose geometry is not finite, for a message.
-std::string overflow_of(const std::vector<physics::SpacePoint>& nodes);
+std::string overflow_of(const Mesh& mesh, std::span<const Number> nodes);
 
 }  // namespace cases

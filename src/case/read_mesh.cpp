@@ -14,14 +14,6 @@ namespace cases {
 
 namespace {
 
-std::string overflow_of_nodes(const Mesh& mesh, std::span<const Number> nodes) {
-  std::vector<physics::SpacePoint> points;
-  for (const Number node : nodes) {
-    points.push_back({mesh.x[at(node)], mesh.y[at(node)], mesh.z[at(node)]});
-  }
-  return overflow_of(points);
-}
-
 /// Ends the run unless the model has what a code asks for.
 void require_known(int code, int edge, bool has_sediments) {
   if (code == edge_code::scheme_lhllc) return;
@@ -62,7 +54,7 @@ class EdgeReader {
     add_edge(mesh, edge, series_.number_of(edge.file, read_series));
     if (!std::isfinite(mesh.edge_of(number).length)) {
       const Number nodes[] = {edge.node1, edge.node2};
-      file_.refuse_record(overflow_of_nodes(mesh, nodes));
+      file_.refuse_record(overflow_of(mesh, nodes));
     }
     const bool is_boundary = !edge_code::is_between_cells(edge.code);
     warnings_.check(number, is_boundary ? &mesh.boundaries.back() : nullptr);
@@ -86,7 +78,7 @@ void read_cells(const std::string& name, Mesh& mesh, AreaLoss& area_loss) {
   utils::TextScanner file(name);
   const Number count = read_cell_records(file, mesh.n_nodes(), mesh, [&](Number i) {
     const CellGeometry cell = mesh.geometry_of(i);
-    if (!is_finite(cell)) file.refuse_record(overflow_of_nodes(mesh, mesh.nodes_of(i)));
+    if (!is_finite(cell)) file.refuse_record(overflow_of(mesh, mesh.nodes_of(i)));
     area_loss.add({cell.center.x, cell.center.y}, cell.area, mesh.accurate_area_of(i));
   });
   if (count > 0) return;

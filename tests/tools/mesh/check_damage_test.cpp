@@ -62,4 +62,33 @@ TEST_F(CheckDamage, EndsWithAVerdictWhichIsThatOfTheSimulator) {
   EXPECT_GT(refused, 6);
 }
 
+TEST_F(CheckDamage, SaysOfAMalformedFileWhatTheSimulatorSays) {
+  c = support::full_case(2, 2);
+  c.set_times(1.0, 1.0);
+  c.write(folder);
+  const std::string beginning = "Error in file ";
+  int malformed = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    if (!entry.is_regular_file() || entry.path().extension() != ".txt") continue;
+    const std::string name = entry.path().filename();
+    const std::string text = folder.read(name);
+    const std::string cut = text.substr(0, text.find_last_of(" \n", 4 * text.size() / 5));
+    for (const std::string& damage : {cut, cut + " x" + text.substr(cut.size())}) {
+      folder.write(name, damage);
+      const std::vector<std::string> lines = support::lines(support::run_case(folder).err);
+      const auto error = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+        return support::starts_with(line, beginning);
+      });
+      ASSERT_NE(error, lines.end()) << name << ":\n" << damage;
+      const std::string said =
+          error->substr(beginning.size(), error->rfind('.') - beginning.size());
+      const json found = json::parse(mesh_tool({"check", ".", "--json", "--quick"}).out);
+      EXPECT_TRUE(support::contains(found["errors"].at(0)["text"], said)) << found["errors"];
+      ++malformed;
+    }
+    folder.write(name, text);
+  }
+  EXPECT_EQ(malformed, 32);
+}
+
 }  // namespace

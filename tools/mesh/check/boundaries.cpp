@@ -123,18 +123,17 @@ bool Boundary::is_level() const {
   return code == edge_code::water_level || code == edge_code::limnigraph;
 }
 
-std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mesh,
+std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& contents,
                                        const std::vector<CellValues>& cells, Findings& findings) {
   using Key = std::tuple<int, int, double>;
   std::map<Key, Boundary, std::greater<>> table;  // open ends, then walls, then series
-  for (const CaseEdge& edge : mesh.edges) {
-    if (edge_code::is_between_cells(edge.code)) continue;
-    Boundary& boundary = table[{edge.code, edge.series, edge.value}];
-    const CellValues& cell = cells[static_cast<std::size_t>(edge.left)];
-    boundary.code = edge.code;
+  const cases::Mesh& mesh = contents.mesh;
+  for (const cases::Boundary& imposed : mesh.boundaries) {
+    Boundary& boundary = table[{imposed.code, imposed.series, imposed.value}];
+    const CellValues& cell = cells[cases::at(mesh.left[cases::at(imposed.edge)])];
+    boundary.code = imposed.code;
     ++boundary.edges;
-    boundary.length += mesh.nodes[static_cast<std::size_t>(edge.node1)].horizontal_distance(
-        mesh.nodes[static_cast<std::size_t>(edge.node2)]);
+    boundary.length += mesh.edge_of(imposed.edge).length;
     boundary.lowest_bed = std::min(boundary.lowest_bed, cell.bed);
     boundary.shallowest_water = std::min(boundary.shallowest_water, cell.depth);
   }
@@ -144,7 +143,7 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mes
     boundary.kind = kind_of(boundary.code);
     const int series = std::get<1>(key);
     if (series >= 0) {
-      boundary.series = mesh.series_files[static_cast<std::size_t>(series)];
+      boundary.series = contents.series[cases::at(series)].file;
       boundary.values = read_series(boundary.series, findings);
       boundary.has_value = boundary.values && data.t0;
       if (boundary.has_value) {
@@ -161,8 +160,8 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mes
   return boundaries;
 }
 
-void check_series_files(const CaseMesh& mesh, Findings& findings) {
-  for (const std::string& file : mesh.series_files) read_series(file, findings);
+void check_series_files(const cases::Case& contents, Findings& findings) {
+  for (const cases::Series& series : contents.series) read_series(series.file, findings);
 }
 
 }  // namespace tools::check

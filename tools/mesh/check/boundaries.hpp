@@ -5,9 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "case/Case.hpp"
 #include "interfaces/TimeSeries.hpp"
-#include "mesh/check/case_mesh.hpp"
 #include "mesh/check/cell_values.hpp"
+#include "mesh/check/data_file.hpp"
 #include "mesh/check/findings.hpp"
 
 namespace tools::check {
@@ -33,10 +34,10 @@ struct Boundary {
 
 /// The table of boundaries, and reports of series that can't be read or do not cover the run, and
 /// of implausible values. The mesh must be whole.
-std::vector<Boundary> check_boundaries(const DataFile& data, const CaseMesh& mesh,
+std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& contents,
                                        const std::vector<CellValues>& cells, Findings& findings);
 
 /// Reads every series that the edges name, for a mesh that is not whole.
-void check_series_files(const CaseMesh& mesh, Findings& findings);
+void check_series_files(const cases::Case& contents, Findings& findings);
 
 }  // namespace tools::check

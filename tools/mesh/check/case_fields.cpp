@@ -1,10 +1,13 @@
 #include "mesh/check/case_fields.hpp"
 
+#include <initializer_list>
 #include <optional>
 #include <set>
 
+#include "case/read_fields.hpp"
+#include "case/read_rain.hpp"
+#include "case/read_soils.hpp"
 #include "mesh/check/checked_file.hpp"
-#include "mesh/check/numbers.hpp"
 #include "utils/known_keys.hpp"
 
 namespace tools::check {
@@ -13,141 +16,111 @@ namespace {
 
 namespace key = utils::key;
 namespace section = utils::section;
+using cases::CellFields;
+using cases::Number;
 using utils::path_of;
-using utils::TextScanner;
-using Column = std::vector<double>;
 
-struct NamedColumn {
-  const char* field;
-  Column* values;
-};
-
-/// Reads the columns of a per-cell file; all of them stay empty if a value is refused.
-void read_columns(const std::optional<std::string>& name, const std::string& key, int n_cells,
-                  const std::vector<NamedColumn>& columns, Findings& findings) {
-  if (!name) return;
-  CheckedFile file(*name, key, findings);
-  for (int k = 0; k < n_cells && file.is_open(); ++k) {
-    file.begin_record("cell", k, n_cells);
-    for (const NamedColumn& column : columns) column.values->push_back(file.number(column.field));
-  }
-  if (file.is_well()) return;
-  for (const NamedColumn& column : columns) column.values->clear();
+/// For files with a record per cell.
+Number cells_to_read(const CheckedCase& checked) {
+  return checked.has_cells ? checked.contents.mesh.n_cells() : 0;
 }
 
-/// Checks that every ID of a per-cell file is -1 or one of those given.
-void check_ids(const std::string& name, const std::string& key, int n_cells,
-               const std::set<int>& ids, const std::string& what, Findings& findings) {
-  constexpr int none = -1;
+/// Reads the terms of the cells, whose IDs must be -1 or one of those given.
+std::vector<int> read_terms(const std::string& name, const std::string& key, Number n_cells,
+                            const std::vector<int>& ids, const std::string& what,
+                            Findings& findings) {
   CheckedFile file(name, key, findings);
-  std::set<int> used;
-  for (int k = 0; k < n_cells && file.is_open(); ++k) {
-    file.begin_record("cell", k, n_cells);
-    const int id =
-        file.take(none, [](TextScanner& text) { return text.read_integer("source term ID"); });
-    if (id == none) continue;
-    used.insert(id);
-    if (ids.count(id) == 0) {
-      findings.error("source term ID", name + ", cell " + std::to_string(k) + ": found " + what +
-                                           " " + std::to_string(id) +
-                                           ", expected one that the case defines, or -1");
-    }
+  const auto on_unknown = [&](Number cell, int id) {
+    findings.error("source term ID", name + ", cell " + std::to_string(cell) + ": found " + what +
+                                         " " + std::to_string(id) +
+                                         ", expected one that the case defines, or -1");
+  };
+  const std::vector<int> terms = cases::read_terms(file, n_cells, ids, on_unknown);
+  if (!file.is_well() || n_cells == 0) return {};
+  std::set<int> unused(ids.begin(), ids.end());
+  for (const int term : terms) {
+    if (term >= 0) unused.erase(ids[cases::at(term)]);
   }
-  for (const int id : ids) {
-    if (file.is_well() && n_cells >= 0 && used.count(id) == 0) {
-      findings.warning("unused " + what,
-                       what + " " + std::to_string(id) + " is in no cell of " + name);
-    }
+  for (const int id : unused) {
+    findings.warning("unused " + what,
+                     what + " " + std::to_string(id) + " is in no cell of " + name);
   }
+  return terms;
 }
 
-std::size_t number_of_parameters(const std::string& type) { return type == "GreenAmpt" ? 6 : 5; }
+/// Warns of terms that bear the ID of an earlier one.
+class RepeatedIds {
+ public:
+  /// `term` names one of them: "rain.txt: hyetogram".
+  RepeatedIds(std::string term, Findings& findings) : term_(std::move(term)), findings_(findings) {}
+
+  void look_at(int id) {
+    if (seen_.insert(id).second) return;
+    findings_.warning("repeated ID",
+                      term_ + " " + std::to_string(id) + " is defined twice; the later one counts");
+  }
+
+ private:
+  std::string term_;
+  Findings& findings_;
+  std::set<int> seen_;
+};
 
 }  // namespace
 
-CaseFields read_fields(const DataFile& data, int n_cells, Findings& findings) {
-  CaseFields fields;
-  read_columns(data.fixed_bed_level, path_of(section::conditions, key::fixed_bed_level), n_cells,
-               {{"bed level", &fields.bed_rock}}, findings);
-  read_columns(data.sediments_level, path_of(section::conditions, key::sediments_level), n_cells,
-               {{"sediment thickness", &fields.sediment}}, findings);
-  read_columns(data.friction, path_of(section::conditions, key::friction), n_cells,
-               {{"Manning coefficient", &fields.friction}}, findings);
-  read_columns(data.initial_conditions, path_of(section::conditions, key::initial_conditions),
-               n_cells,
-               {{"free-surface level", &fields.level},
-                {"unit discharge qx", &fields.qx},
-                {"unit discharge qy", &fields.qy}},
-               findings);
-  read_columns(data.initial_infiltration, path_of(section::sources, key::initial_infiltration),
-               n_cells, {{"infiltrated depth", &fields.infiltrated}}, findings);
-  return fields;
+void read_fields(const DataFile& data, CheckedCase& checked, Findings& findings) {
+  CellFields& fields = checked.contents.fields;
+  const auto read = [&](const std::optional<std::string>& name, const std::string& key,
+                        std::initializer_list<std::vector<double>*> columns, auto read_columns) {
+    if (!name) return;
+    CheckedFile file(*name, key, findings);
+    read_columns(file, cells_to_read(checked), fields);
+    if (file.is_well()) return;
+    for (std::vector<double>* column : columns) column->clear();
+  };
+  using File = CheckedFile;
+  read(data.fixed_bed_level, path_of(section::conditions, key::fixed_bed_level), {&fields.bed},
+       cases::read_bed<File>);
+  read(data.sediments_level, path_of(section::conditions, key::sediments_level), {&fields.sediment},
+       cases::read_sediment<File>);
+  read(data.friction, path_of(section::conditions, key::friction), {&fields.manning},
+       cases::read_manning<File>);
+  read(data.initial_conditions, path_of(section::conditions, key::initial_conditions),
+       {&fields.level, &fields.qx, &fields.qy}, cases::read_initial_state<File>);
+  read(data.initial_infiltration, path_of(section::sources, key::initial_infiltration),
+       {&fields.infiltrated}, cases::read_infiltrated<File>);
 }
 
-std::vector<Hyetogram> read_rain(const DataFile& data, int n_cells, Findings& findings) {
-  std::vector<Hyetogram> rain;
-  if (!data.rainfall) return rain;
+void read_rain(const DataFile& data, CheckedCase& checked, Findings& findings) {
+  if (!data.rainfall) return;
+  cases::Case& contents = checked.contents;
   CheckedFile file(*data.rainfall, path_of(section::sources, key::rainfall), findings);
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of hyetograms", 3); });
-  std::set<int> ids;
-  for (int i = 0; i < count && file.is_open(); ++i) {
-    file.begin_record("hyetogram", i, count);
-    Hyetogram hyetogram;
-    hyetogram.id = file.take(0, [](TextScanner& text) { return text.read_integer("ID"); });
-    const int intervals = file.take_or_give_up(
-        0, [](TextScanner& text) { return text.read_count("number of intervals", 2); });
-    hyetogram.step = file.take(0, [](TextScanner& text) { return text.read_integer("step"); });
-    for (int k = 0; k < intervals && file.is_open(); ++k) {
-      hyetogram.times.push_back(file.number("start time of an interval"));
-      hyetogram.intensities.push_back(file.number("intensity"));
-    }
-    if (!ids.insert(hyetogram.id).second) {
-      findings.warning("repeated ID", *data.rainfall + ": hyetogram " +
-                                          std::to_string(hyetogram.id) +
-                                          " is defined twice; the later one counts");
-    }
-    rain.push_back(hyetogram);
-  }
-  if (!file.is_well()) rain.clear();
-  if (data.hyetocells) {
-    check_ids(*data.hyetocells, path_of(section::sources, key::hyetocells),
-              file.is_well() ? n_cells : -1, ids, "hyetogram", findings);
-  }
-  return rain;
+  RepeatedIds repeated(*data.rainfall + ": hyetogram", findings);
+  contents.rain =
+      cases::read_hyetograms(file, [&](const cases::Hyetogram& h) { repeated.look_at(h.id); });
+  if (!file.is_well()) contents.rain.clear();
+  if (!data.hyetocells) return;
+  contents.fields.rain = read_terms(*data.hyetocells, path_of(section::sources, key::hyetocells),
+                                    file.is_well() ? cells_to_read(checked) : 0,
+                                    cases::ids_of(contents.rain), "hyetogram", findings);
 }
 
-std::vector<Soil> read_soils(const DataFile& data, int n_cells, Findings& findings) {
-  std::vector<Soil> soils;
-  if (!data.infiltration) return soils;
+void read_soils(const DataFile& data, CheckedCase& checked, Findings& findings) {
+  if (!data.infiltration) return;
+  cases::Case& contents = checked.contents;
   CheckedFile file(*data.infiltration, path_of(section::sources, key::infiltration), findings);
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of soil classes", 2); });
-  std::set<int> ids;
-  for (int i = 0; i < count && file.is_open(); ++i) {
-    file.begin_record("soil class", i, count);
-    Soil soil;
-    soil.id = file.take(0, [](TextScanner& text) { return text.read_integer("ID"); });
-    soil.type = file.take_or_give_up(std::string(), [](TextScanner& text) {
-      const std::string type = text.read_word("type");
-      if (type != "GreenAmpt" && type != "Horton") text.refuse("type", "GreenAmpt or Horton");
-      return type;
-    });
-    for (std::size_t k = 0; k < number_of_parameters(soil.type); ++k) {
-      soil.parameters.push_back(file.number("parameter"));
-    }
-    if (!ids.insert(soil.id).second) {
-      findings.warning("repeated ID", *data.infiltration + ": soil " + std::to_string(soil.id) +
-                                          " is defined twice; the later one counts");
-    }
-    soils.push_back(soil);
-  }
-  if (!file.is_well()) soils.clear();
-  if (data.infiltracells) {
-    check_ids(*data.infiltracells, path_of(section::sources, key::infiltracells),
-              file.is_well() ? n_cells : -1, ids, "soil", findings);
-  }
-  return soils;
+  RepeatedIds repeated(*data.infiltration + ": soil", findings);
+  contents.soils = cases::read_soil_classes(
+      file, [&](const cases::Soil& soil) { repeated.look_at(soil.id); },
+      [&](const std::string&) {
+        file.refuse("type", "GreenAmpt or Horton");
+        file.give_up();
+      });
+  if (!file.is_well()) contents.soils.clear();
+  if (!data.infiltracells) return;
+  contents.fields.soil = read_terms(
+      *data.infiltracells, path_of(section::sources, key::infiltracells),
+      file.is_well() ? cells_to_read(checked) : 0, cases::ids_of(contents.soils), "soil", findings);
 }
 
 }  // namespace tools::check

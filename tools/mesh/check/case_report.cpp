@@ -15,7 +15,7 @@ namespace tools::check {
 
 namespace {
 
-void check_first_step(CaseReport& report, const CaseFields& fields) {
+void check_first_step(CaseReport& report, const cases::CellFields& fields) {
   constexpr double smallest_step = 1e-8;  // s; the simulator stops at it
   report.first_step = first_time_step(report.data, fields, report.cells);
   if (!report.first_step || !report.data.has_steps()) return;
@@ -26,20 +26,29 @@ void check_first_step(CaseReport& report, const CaseFields& fields) {
   }
 }
 
-void check_mesh(CaseReport& report, const CaseMesh& mesh, const CaseFields& fields) {
+void check_mesh(CaseReport& report, const CheckedCase& checked) {
   Findings& findings = report.findings;
-  report.cells = cell_values(report.data, mesh, fields);
+  const cases::Mesh& mesh = checked.contents.mesh;
+  const cases::CellFields& fields = checked.contents.fields;
+  report.cells = cell_values(checked.contents);
   report.mesh = mesh_summary(mesh, report.cells);
-  check_finite_geometry(mesh, report.cells, findings);
-  if (mesh.has_edges) {
+  check_finite_geometry(checked, report.cells, findings);
+  if (checked.has_edges) {
     check_orientation(mesh, report.cells, findings);
     check_sides(mesh, findings);
     report.regions = check_regions(mesh, report.cells, findings);
-    report.higher_cell_first = check_shores(report.data, mesh, report.cells, findings);
+    report.higher_cell_first = check_shores(mesh, report.cells, report.data.zero_depth, findings);
   }
   check_quality(*report.mesh, report.cells, findings);
   if (!fields.level.empty()) report.water = water_summary(report.data, report.cells);
   check_first_step(report, fields);
+}
+
+CheckedCase parameters_of(const DataFile& data) {
+  CheckedCase checked;
+  checked.contents.has_sediments = data.has_sediments();
+  checked.contents.zero_depth = data.zero_depth;
+  return checked;
 }
 
 }  // namespace
@@ -57,9 +66,9 @@ CaseReport read_case(const std::string& path) {
   report.path = path;
   const std::string data_file = enter_case(path);
   report.data = read_data_file(data_file, report.findings);
-  const CaseMesh mesh = read_mesh(report.data, report.findings);
-  const int n_cells = mesh.has_cells ? mesh.n_cells() : -1;
-  const CaseFields fields = read_fields(report.data, n_cells, report.findings);
+  CheckedCase checked = parameters_of(report.data);
+  read_mesh(report.data, checked, report.findings);
+  read_fields(report.data, checked, report.findings);
   if (report.findings.has_errors()) {
     std::string text = "the case can't be read";
     for (const Finding& finding : report.findings.in_order()) {
@@ -67,8 +76,8 @@ CaseReport read_case(const std::string& path) {
     }
     throw Error(text);
   }
-  report.cells = cell_values(report.data, mesh, fields);
-  report.mesh = mesh_summary(mesh, report.cells);
+  report.cells = cell_values(checked.contents);
+  report.mesh = mesh_summary(checked.contents.mesh, report.cells);
   report.water = water_summary(report.data, report.cells);
   return report;
 }
@@ -82,27 +91,29 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   Findings& findings = report.findings;
   report.data = read_data_file(data_file, findings);
   const DataFile& data = report.data;
-  const CaseMesh mesh = read_mesh(data, findings);
-  const int n_cells = mesh.has_cells ? mesh.n_cells() : -1;
-  const CaseFields fields = read_fields(data, n_cells, findings);
-  const std::vector<Hyetogram> rain = read_rain(data, n_cells, findings);
-  const std::vector<Soil> soils = read_soils(data, n_cells, findings);
+  CheckedCase checked = parameters_of(data);
+  read_mesh(data, checked, findings);
+  read_fields(data, checked, findings);
+  read_rain(data, checked, findings);
+  read_soils(data, checked, findings);
 
-  if (mesh.has_geometry()) check_mesh(report, mesh, fields);
-  if (mesh.is_whole()) {
-    report.boundaries = check_boundaries(data, mesh, report.cells, findings);
+  const cases::Case& contents = checked.contents;
+  const cases::CellFields& fields = contents.fields;
+  if (checked.has_geometry()) check_mesh(report, checked);
+  if (checked.is_whole()) {
+    report.boundaries = check_boundaries(data, contents, report.cells, findings);
   } else {
-    check_series_files(mesh, findings);
+    check_series_files(contents, findings);
   }
   check_initial_state(fields, report.cells, findings);
   check_friction(data, fields, findings);
-  check_rain(data, rain, findings);
-  check_soils(data, fields, soils, findings);
+  check_rain(data, contents.rain, findings);
+  check_soils(data, fields, contents.soils, findings);
   check_sediments(data, fields, findings);
   check_results(data_file, findings);
   check_output_folder(data, findings);
-  check_gauges(data, mesh, report.cells, findings);
-  check_sections(data, mesh, findings);
+  check_gauges(data, checked, report.cells, findings);
+  check_sections(data, checked, findings);
   check_snapshots(data, findings);
 
   if (report.trial && !report.trial->refusal.empty() && !findings.has_errors()) {

@@ -4,55 +4,43 @@
 #include <cmath>
 
 #include "case/finite_geometry.hpp"
-#include "globals/Globals.hpp"
-#include "model/ComputationalCell.hpp"
+#include "case/initial_state.hpp"
 #include "physics/stable_step.hpp"
 
 namespace tools::check {
 
 namespace {
 
-double value_or(const std::vector<double>& field, std::size_t cell, double otherwise) {
-  return field.empty() ? otherwise : field[cell];
-}
-
-CellValues values_of(const ComputationalCell& cell) {
-  const HydraulicVariableSWE& U = cell.UVal();
-  const bool is_wet = U.h > Constants::ZERO_DEPTH;
-  return {.center = cell.center,
-          .area = cell.area,
-          .accurate_area = cell.accurate_area(),
-          .char_length = cell.char_length,
-          .bed = cell.bed_level,
-          .depth = U.h,
-          .velocity = is_wet ? std::hypot(U.qx, U.qy) / U.h : 0.0,
-          .step = cell.dtMin(),
-          .has_finite_geometry = cases::is_finite({{cell.center.x, cell.center.y, cell.center.z},
-                                                   cell.area,
-                                                   cell.perimeter,
-                                                   cell.max_node_level})};
+CellValues values_of(const cases::Case& contents, cases::Number cell) {
+  const cases::CellGeometry geometry = contents.mesh.geometry_of(cell);
+  const double zero_depth = contents.zero_depth;
+  physics::InitialWater water{0.0, 0.0, 0.0};
+  if (!contents.fields.level.empty()) water = cases::initial_water_of(contents, cell);
+  const bool is_wet = water.h > zero_depth;
+  return {
+      .center = geometry.center,
+      .area = geometry.area,
+      .accurate_area = contents.mesh.accurate_area_of(cell),
+      .char_length = geometry.char_length(),
+      .bed = cases::bed_level_of(contents, cell),
+      .depth = water.h,
+      .velocity = is_wet ? std::hypot(water.qx, water.qy) / water.h : 0.0,
+      .step = physics::stable_step(water.h, water.qx, water.qy, geometry.char_length(), zero_depth),
+      .has_finite_geometry = cases::is_finite(geometry)};
 }
 
 }  // namespace
 
-std::vector<CellValues> cell_values(const DataFile& data, const CaseMesh& mesh,
-                                    const CaseFields& fields) {
-  Constants::ZERO_DEPTH = data.zero_depth;
+std::vector<CellValues> cell_values(const cases::Case& contents) {
   std::vector<CellValues> values;
-  values.reserve(static_cast<std::size_t>(mesh.n_cells()));
-  for (int i = 0; i < mesh.n_cells(); ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    ComputationalCell cell(i, mesh.corners(i));
-    if (!fields.bed_rock.empty()) cell.set_bed_rock_level(fields.bed_rock[k]);
-    cell.set_hs(value_or(fields.sediment, k, 0.0));
-    cell.set_hydrodynamic_values(value_or(fields.level, k, cell.bed_level),
-                                 value_or(fields.qx, k, 0.0), value_or(fields.qy, k, 0.0));
-    values.push_back(values_of(cell));
+  values.reserve(cases::at(contents.mesh.n_cells()));
+  for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+    values.push_back(values_of(contents, cell));
   }
   return values;
 }
 
-std::optional<double> first_time_step(const DataFile& data, const CaseFields& fields,
+std::optional<double> first_time_step(const DataFile& data, const cases::CellFields& fields,
                                       const std::vector<CellValues>& cells) {
   if (!data.cfl || (fields.level.empty() && !cells.empty())) return {};
   double h0 = 0.0;

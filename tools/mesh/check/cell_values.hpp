@@ -4,14 +4,13 @@
 #include <optional>
 #include <vector>
 
-#include "mesh/check/case_fields.hpp"
-#include "mesh/check/case_mesh.hpp"
-#include "model/MeshNode.hpp"
+#include "case/Case.hpp"
+#include "mesh/check/data_file.hpp"
 
 namespace tools::check {
 
 struct CellValues {
-  MeshNode center;
+  physics::SpacePoint center;
   double area;           ///< m2
   double accurate_area;  ///< without what rounding takes from it, m2
   double char_length;    ///< 2 area / perimeter, m
@@ -23,11 +22,10 @@ struct CellValues {
 };
 
 /// One entry per cell; the mesh must have its geometry.
-std::vector<CellValues> cell_values(const DataFile& data, const CaseMesh& mesh,
-                                    const CaseFields& fields);
+std::vector<CellValues> cell_values(const cases::Case& contents);
 
 /// First time step of the run (s); empty without a Courant number or initial conditions.
-std::optional<double> first_time_step(const DataFile& data, const CaseFields& fields,
+std::optional<double> first_time_step(const DataFile& data, const cases::CellFields& fields,
                                       const std::vector<CellValues>& cells);
 
 }  // namespace tools::check

@@ -2,12 +2,14 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
 #include <set>
 
 #include "case/plausibility.hpp"
+#include "case/read_requests.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "physics/cell_geometry.hpp"
@@ -22,11 +24,6 @@ namespace fs = std::filesystem;
 namespace key = utils::key;
 namespace section = utils::section;
 using utils::path_of;
-using utils::TextScanner;
-
-struct Point {
-  double x, y;
-};
 
 /// Whether a file can be created, or overwritten.
 bool can_be_written(const std::string& name) {
@@ -46,27 +43,23 @@ bool is_outside(const std::string& name) {
 }
 
 /// Whether each point lies in a cell.
-std::vector<bool> points_in_cells(const CaseMesh& mesh, const std::vector<Point>& points) {
+std::vector<bool> points_in_cells(const cases::Mesh& mesh,
+                                  const std::vector<physics::PlanPoint>& points) {
   std::vector<bool> found(points.size(), false);
-  for (int c = 0; c < mesh.n_cells(); ++c) {
-    const std::vector<const MeshNode*> corners = mesh.corners(c);
-    const int n = static_cast<int>(corners.size());
-    const auto node_at = [&](int i) {
-      const MeshNode& node = *corners[static_cast<std::size_t>(i)];
-      return physics::SpacePoint{node.x, node.y, node.z};
-    };
-    const auto plan_node_at = [&](int i) { return physics::PlanPoint{node_at(i).x, node_at(i).y}; };
-    const physics::SpacePoint center = physics::cell_center(n, node_at);
+  for (cases::Number c = 0; c < mesh.n_cells(); ++c) {
+    const std::span<const cases::Number> nodes = mesh.nodes_of(c);
+    const auto node_at = [&](int i) { return mesh.plan_node(nodes[cases::at(i)]); };
+    const int n = static_cast<int>(nodes.size());
+    const physics::SpacePoint center = mesh.center_of(c);
     for (std::size_t i = 0; i < points.size(); ++i) {
       if (found[i]) continue;
-      found[i] =
-          physics::cell_contains(n, {center.x, center.y}, plan_node_at, {points[i].x, points[i].y});
+      found[i] = physics::cell_contains(n, {center.x, center.y}, node_at, points[i]);
     }
   }
   return found;
 }
 
-std::string nearest_cell(const std::vector<CellValues>& cells, const Point& p) {
+std::string nearest_cell(const std::vector<CellValues>& cells, const physics::PlanPoint& p) {
   double nearest = std::numeric_limits<double>::infinity();
   std::size_t found = 0;
   for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -79,107 +72,80 @@ std::string nearest_cell(const std::vector<CellValues>& cells, const Point& p) {
          " m away";
 }
 
-void check_interval(CheckedFile& file, const std::string& name, Findings& findings) {
-  const int before = file.refusals();
-  const double interval = file.number("recording interval");
-  if (file.refusals() != before || !file.is_open()) return;
+/// An interval that is refused is NaN.
+void check_interval(const std::string& name, double interval, Findings& findings) {
+  if (std::isnan(interval)) return;
   findings.add_remark("recording interval",
                       plausibility::on_interval(name + ": the recording interval", interval));
 }
 
-/// Reads a section; empty if one of its edges is refused.
-std::vector<int> read_section(CheckedFile& file, int edge_limit) {
-  const int before = file.refusals();
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of edges", 1); });
-  std::vector<int> edges;
-  for (int i = 0; i < count && file.is_open(); ++i) {
-    edges.push_back(
-        file.take(0, [&](TextScanner& text) { return text.read_index("edge", edge_limit); }));
-  }
-  if (file.refusals() != before) edges.clear();
-  return edges;
-}
-
 /// Whether the normals of a section's edges, of which neighbours share a node, lie on one side: on
 /// the way along the section all edges are walked in the same direction.
-bool is_consistent(const CaseMesh& mesh, const std::vector<int>& section) {
+bool is_consistent(const cases::Mesh& mesh, const std::vector<cases::Number>& section) {
   for (std::size_t i = 1; i < section.size(); ++i) {
-    const CaseEdge& a = mesh.edges[static_cast<std::size_t>(section[i - 1])];
-    const CaseEdge& b = mesh.edges[static_cast<std::size_t>(section[i])];
-    if (a.node1 == b.node1 || a.node2 == b.node2) return false;
+    const std::size_t a = cases::at(section[i - 1]), b = cases::at(section[i]);
+    if (mesh.node1[a] == mesh.node1[b] || mesh.node2[a] == mesh.node2[b]) return false;
   }
   return true;
 }
 
+/// Whether all edges of a section were read.
+bool is_complete(const std::vector<cases::Number>& section) {
+  return std::find(section.begin(), section.end(), -1) == section.end();
+}
+
 }  // namespace
 
-void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
-                  Findings& findings) {
+void check_gauges(const DataFile& data, const CheckedCase& checked,
+                  const std::vector<CellValues>& cells, Findings& findings) {
   if (!data.gauges) return;
   CheckedFile file(*data.gauges, path_of(section::output, key::gauges), findings);
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of gauges", 3); });
-  const std::string result = file.take(
-      std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
-  check_interval(file, *data.gauges, findings);
-  std::vector<Point> points;
-  for (int i = 0; i < count && file.is_open(); ++i) {
-    file.begin_record("gauge", i, count);
-    const double x = file.number("x");
-    const double y = file.number("y");
-    file.number("z");
-    points.push_back({x, y});
-  }
+  const cases::GaugeRequest gauges = cases::read_gauges(file);
+  check_interval(*data.gauges, gauges.interval, findings);
   if (!file.is_well()) return;
-  if (data.folder && data.has_steps() && !can_be_written(*data.folder + result)) {
-    findings.error("output", "the gauges' result file " + *data.folder + result +
+  if (data.folder && data.has_steps() && !can_be_written(*data.folder + gauges.result)) {
+    findings.error("output", "the gauges' result file " + *data.folder + gauges.result +
                                  " can't be created: the run stops at its first step");
   }
   if (cells.empty()) return;
-  const std::vector<bool> found = points_in_cells(mesh, points);
-  for (std::size_t i = 0; i < points.size(); ++i) {
+  const std::vector<bool> found = points_in_cells(checked.contents.mesh, gauges.points);
+  for (std::size_t i = 0; i < found.size(); ++i) {
     if (found[i]) continue;
+    const physics::PlanPoint& p = gauges.points[i];
     findings.warning("gauge in no cell",
-                     "gauge " + std::to_string(i) + " at " + point(points[i].x, points[i].y) +
+                     "gauge " + std::to_string(i) + " at " + point(p.x, p.y) +
                          " lies in no cell, or on an edge, and records nothing; " +
-                         nearest_cell(cells, points[i]));
+                         nearest_cell(cells, p));
   }
 }
 
-void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings) {
+void check_sections(const DataFile& data, const CheckedCase& checked, Findings& findings) {
   if (!data.discharges) return;
-  const int limit = mesh.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
+  const cases::Mesh& mesh = checked.contents.mesh;
+  const int limit = checked.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
   CheckedFile file(*data.discharges, path_of(section::output, key::discharges), findings);
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of sections", 1); });
-  check_interval(file, *data.discharges, findings);
-  const std::string result = file.take(
-      std::string(), [](TextScanner& text) { return text.read_word("result file name"); });
-  for (int s = 0; s < count && file.is_open(); ++s) {
-    file.begin_record("section", s, count);
-    const std::vector<int> section = read_section(file, limit);
-    if (mesh.has_edges && !is_consistent(mesh, section)) {
-      findings.warning("section", "section " + std::to_string(s) +
-                                      " has neighbouring edges whose normals lie on different "
-                                      "sides: their discharges cancel");
-    }
+  const cases::SectionRequest request = cases::read_sections(file, limit);
+  check_interval(*data.discharges, request.interval, findings);
+  for (std::size_t s = 0; s < request.sections.size() && checked.has_edges; ++s) {
+    const std::vector<cases::Number>& section = request.sections[s];
+    if (!is_complete(section) || is_consistent(mesh, section)) continue;
+    findings.warning("section", "section " + std::to_string(s) +
+                                    " has neighbouring edges whose normals lie on different "
+                                    "sides: their discharges cancel");
   }
-  if (file.is_well() && !can_be_written(result)) {
-    findings.warning("output", "the sections' result file " + result + " can't be created");
+  if (file.is_well() && !can_be_written(request.result)) {
+    findings.warning("output", "the sections' result file " + request.result + " can't be created");
   }
 }
 
 void check_snapshots(const DataFile& data, Findings& findings) {
   if (!data.pictures) return;
   CheckedFile file(*data.pictures, path_of(section::output, key::pictures), findings);
-  const int count = file.take_or_give_up(
-      0, [](TextScanner& text) { return text.read_count("number of snapshots", 1); });
+  const std::vector<double> times = cases::read_snapshots(file).times;
+  if (!data.has_steps()) return;
   double before = -std::numeric_limits<double>::infinity();
-  for (int i = 0; i < count && file.is_open(); ++i) {
-    file.begin_record("snapshot", i, count);
-    const double time = file.number("time");
-    if (!file.is_well() || !data.has_steps()) continue;
+  for (std::size_t i = 0; i < times.size() && !std::isnan(times[i]); ++i) {
+    const double time = times[i];
     const std::string name = "snapshot " + std::to_string(i) + " at " + number(time) + " s ";
     if (!(time > before)) {
       findings.warning("snapshot", name + "does not come after the one before: it is late");

@@ -4,17 +4,18 @@
 #include <string>
 #include <vector>
 
-#include "mesh/check/case_mesh.hpp"
 #include "mesh/check/cell_values.hpp"
+#include "mesh/check/checked_case.hpp"
+#include "mesh/check/data_file.hpp"
 #include "mesh/check/findings.hpp"
 
 namespace tools::check {
 
 /// Reads the gauges file and reports gauges in no cell. Without geometry, pass no cells.
-void check_gauges(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
-                  Findings& findings);
+void check_gauges(const DataFile& data, const CheckedCase& checked,
+                  const std::vector<CellValues>& cells, Findings& findings);
 /// Reads the sections file; reports edges that do not exist, and normals on both sides.
-void check_sections(const DataFile& data, const CaseMesh& mesh, Findings& findings);
+void check_sections(const DataFile& data, const CheckedCase& checked, Findings& findings);
 /// Reads the snapshots file; reports times that the run does not reach.
 void check_snapshots(const DataFile& data, Findings& findings);
 /// Reports results that would destroy an input or each other, and those outside the folder of the

@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <numeric>
 
-#include "globals/edge_codes.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/counted.hpp"
 
 namespace tools::check {
 
 namespace {
+
+using cases::at;
 
 std::string edge_name(int edge) { return "edge " + std::to_string(edge); }
 std::string cell_name(int cell) { return "cell " + std::to_string(cell); }
@@ -36,25 +37,26 @@ struct Side {
   }
 };
 
-std::vector<Side> sides_of_cells(const CaseMesh& mesh) {
+std::vector<Side> sides_of_cells(const cases::Mesh& mesh) {
   std::vector<Side> sides;
   sides.reserve(mesh.cell_nodes.size());
   for (int c = 0; c < mesh.n_cells(); ++c) {
-    for (int i = 0; i < mesh.n_nodes_of(c); ++i) {
-      sides.emplace_back(mesh.node_of(c, i), mesh.node_of(c, i + 1), c, -1);
+    const std::span<const cases::Number> nodes = mesh.nodes_of(c);
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+      sides.emplace_back(nodes[i], nodes[(i + 1) % nodes.size()], c, -1);
     }
   }
   std::sort(sides.begin(), sides.end());
   return sides;
 }
 
-std::vector<Side> sides_of_edges(const CaseMesh& mesh) {
+std::vector<Side> sides_of_edges(const cases::Mesh& mesh) {
   std::vector<Side> sides;
-  sides.reserve(2 * mesh.edges.size());
+  sides.reserve(2 * mesh.left.size());
   for (int e = 0; e < mesh.n_edges(); ++e) {
-    const CaseEdge& edge = mesh.edges[static_cast<std::size_t>(e)];
-    sides.emplace_back(edge.node1, edge.node2, edge.left, e);
-    if (edge.right >= 0) sides.emplace_back(edge.node1, edge.node2, edge.right, e);
+    const std::size_t k = at(e);
+    sides.emplace_back(mesh.node1[k], mesh.node2[k], mesh.left[k], e);
+    if (mesh.right[k] >= 0) sides.emplace_back(mesh.node1[k], mesh.node2[k], mesh.right[k], e);
   }
   std::sort(sides.begin(), sides.end());
   return sides;
@@ -109,9 +111,9 @@ class Regions {
   std::vector<int> parent_;
 };
 
-void check_unused_nodes(const CaseMesh& mesh, Findings& findings) {
-  std::vector<bool> is_used(mesh.nodes.size(), false);
-  for (const int node : mesh.cell_nodes) is_used[static_cast<std::size_t>(node)] = true;
+void check_unused_nodes(const cases::Mesh& mesh, Findings& findings) {
+  std::vector<bool> is_used(at(mesh.n_nodes()), false);
+  for (const int node : mesh.cell_nodes) is_used[at(node)] = true;
   for (std::size_t i = 0; i < is_used.size(); ++i) {
     if (!is_used[i])
       findings.warning("unused node", "node " + std::to_string(i) + " is in no cell");
@@ -120,7 +122,7 @@ void check_unused_nodes(const CaseMesh& mesh, Findings& findings) {
 
 }  // namespace
 
-void check_sides(const CaseMesh& mesh, Findings& findings) {
+void check_sides(const cases::Mesh& mesh, Findings& findings) {
   const std::vector<Side> of_cells = sides_of_cells(mesh);
   const std::vector<Side> of_edges = sides_of_edges(mesh);
   auto edge = of_edges.begin();
@@ -141,63 +143,64 @@ void check_sides(const CaseMesh& mesh, Findings& findings) {
   check_overlaps(of_cells, findings);
 
   for (int c = 0; c < mesh.n_cells(); ++c) {
-    if (mesh.n_nodes_of(c) == 3) continue;
-    findings.warning("no triangle", cell_name(c) + " has " + std::to_string(mesh.n_nodes_of(c)) +
+    const std::size_t size = mesh.nodes_of(c).size();
+    if (size == 3) continue;
+    findings.warning("no triangle", cell_name(c) + " has " + std::to_string(size) +
                                         " sides: only its first three edges count");
   }
 }
 
-void check_orientation(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+void check_orientation(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
                        Findings& findings) {
   for (int e = 0; e < mesh.n_edges(); ++e) {
-    const CaseEdge& edge = mesh.edges[static_cast<std::size_t>(e)];
-    const MeshNode& a = mesh.nodes[static_cast<std::size_t>(edge.node1)];
-    const MeshNode& b = mesh.nodes[static_cast<std::size_t>(edge.node2)];
-    const MeshNode middle = (a + b) / 2.0;
-    const MeshNode& center = cells[static_cast<std::size_t>(edge.left)].center;
+    const int left = mesh.left[at(e)], right = mesh.right[at(e)];
+    const physics::PlanPoint a = mesh.plan_node(mesh.node1[at(e)]);
+    const physics::PlanPoint b = mesh.plan_node(mesh.node2[at(e)]);
+    const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
+    const physics::SpacePoint& center = cells[at(left)].center;
     const double outwards =
         (middle.x - center.x) * (b.y - a.y) - (middle.y - center.y) * (b.x - a.x);
-    if (!(a.horizontal_distance(b) > 0.0)) {
+    if (!(physics::plan_distance(a, b) > 0.0)) {
       findings.warning("edge without length", edge_name(e) + " has no length, at " +
                                                   point(a.x, a.y) + ": its flux is not a number");
     } else if (outwards < 0.0) {
       findings.warning("edge orientation",
                        edge_name(e) + " has a normal that points into its left cell " +
-                           std::to_string(edge.left) + "; list its two nodes the other way round");
+                           std::to_string(left) + "; list its two nodes the other way round");
     }
-    if (!edge_code::is_between_cells(edge.code) && edge.right >= 0) {
+    const cases::Boundary* const boundary = mesh.boundary_on(e);
+    if (boundary != nullptr && right >= 0) {
       findings.warning("two-sided boundary",
-                       edge_name(e) + " has the boundary code " + std::to_string(edge.code) +
-                           " and also a right cell " + std::to_string(edge.right) +
+                       edge_name(e) + " has the boundary code " + std::to_string(boundary->code) +
+                           " and also a right cell " + std::to_string(right) +
                            ", which gets no flux through it; -1 lets water pass");
     }
   }
 }
 
-long check_shores(const DataFile& data, const CaseMesh& mesh, const std::vector<CellValues>& cells,
+long check_shores(const cases::Mesh& mesh, const std::vector<CellValues>& cells, double zero_depth,
                   Findings& findings) {
   long higher_first = 0;
   for (int e = 0; e < mesh.n_edges(); ++e) {
-    const CaseEdge& edge = mesh.edges[static_cast<std::size_t>(e)];
-    if (!edge_code::is_between_cells(edge.code)) continue;
-    const CellValues& left = cells[static_cast<std::size_t>(edge.left)];
-    const CellValues& right = cells[static_cast<std::size_t>(edge.right)];
+    if (mesh.boundary_on(e) != nullptr) continue;
+    const CellValues& left = cells[at(mesh.left[at(e)])];
+    const CellValues& right = cells[at(mesh.right[at(e)])];
     if (!(left.bed > right.bed)) continue;
     ++higher_first;
-    if (left.depth > data.zero_depth || !(right.depth > data.zero_depth)) continue;
+    if (left.depth > zero_depth || !(right.depth > zero_depth)) continue;
     findings.warning("shore orientation",
-                     edge_name(e) + " names the dry " + cell_name(edge.left) +
-                         " first, beside water in the lower " + cell_name(edge.right) +
+                     edge_name(e) + " names the dry " + cell_name(mesh.left[at(e)]) +
+                         " first, beside water in the lower " + cell_name(mesh.right[at(e)]) +
                          ": water at rest there will move; exchange its cells and its nodes");
   }
   return higher_first;
 }
 
-std::vector<long> check_regions(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+std::vector<long> check_regions(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
                                 Findings& findings) {
   Regions regions(mesh.n_cells());
-  for (const CaseEdge& edge : mesh.edges) {
-    if (edge_code::is_between_cells(edge.code)) regions.join(edge.left, edge.right);
+  for (int e = 0; e < mesh.n_edges(); ++e) {
+    if (mesh.boundary_on(e) == nullptr) regions.join(mesh.left[at(e)], mesh.right[at(e)]);
   }
   std::vector<std::pair<long, int>> sizes(static_cast<std::size_t>(mesh.n_cells()));
   for (int c = 0; c < mesh.n_cells(); ++c) {
@@ -211,7 +214,7 @@ std::vector<long> check_regions(const CaseMesh& mesh, const std::vector<CellValu
     if (negative_size == 0) break;
     counts.push_back(-negative_size);
     if (counts.size() == 1) continue;
-    const MeshNode& center = cells[static_cast<std::size_t>(first_cell)].center;
+    const physics::SpacePoint& center = cells[at(first_cell)].center;
     findings.warning("isolated region",
                      "no water passes between " + utils::counted(-negative_size, "cell") +
                          " around " + cell_name(first_cell) + " at " + point(center.x, center.y) +

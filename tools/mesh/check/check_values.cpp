@@ -15,7 +15,7 @@ using plausibility::Outliers;
 
 }  // namespace
 
-void check_initial_state(const CaseFields& fields, const std::vector<CellValues>& cells,
+void check_initial_state(const cases::CellFields& fields, const std::vector<CellValues>& cells,
                          Findings& findings) {
   if (fields.level.empty() || cells.empty()) return;
   std::vector<double> depths, velocities;
@@ -49,14 +49,15 @@ void check_initial_state(const CaseFields& fields, const std::vector<CellValues>
   }
 }
 
-void check_friction(const DataFile& data, const CaseFields& fields, Findings& findings) {
-  if (fields.friction.empty()) return;
-  findings.add_remark("friction", plausibility::on_friction(*data.friction, fields.friction));
+void check_friction(const DataFile& data, const cases::CellFields& fields, Findings& findings) {
+  if (fields.manning.empty()) return;
+  findings.add_remark("friction", plausibility::on_friction(*data.friction, fields.manning));
 }
 
-void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findings& findings) {
+void check_rain(const DataFile& data, const std::vector<cases::Hyetogram>& rain,
+                Findings& findings) {
   constexpr double heaviest = 500.0 * mm_per_h;
-  for (const Hyetogram& hyetogram : rain) {
+  for (const cases::Hyetogram& hyetogram : rain) {
     const std::string name = *data.rainfall + ", hyetogram " + std::to_string(hyetogram.id);
     const auto& times = hyetogram.times;
     const auto& intensities = hyetogram.intensities;
@@ -86,24 +87,20 @@ void check_rain(const DataFile& data, const std::vector<Hyetogram>& rain, Findin
   }
 }
 
-void check_soils(const DataFile& data, const CaseFields& fields, const std::vector<Soil>& soils,
-                 Findings& findings) {
-  for (const Soil& soil : soils) {
-    const std::vector<double>& p = soil.parameters;
-    findings.add_remarks(
-        "infiltration",
-        soil.type == "GreenAmpt"
-            ? plausibility::on_soil(*data.infiltration, soil.id,
-                                    cases::GreenAmptParameters{p[0], p[1], p[2], p[3], p[4], p[5]})
-            : plausibility::on_soil(*data.infiltration, soil.id,
-                                    cases::HortonParameters{p[0], p[1], p[2], p[3], p[4]}));
+void check_soils(const DataFile& data, const cases::CellFields& fields,
+                 const std::vector<cases::Soil>& soils, Findings& findings) {
+  for (const cases::Soil& soil : soils) {
+    const auto remarks_on = [&](const auto& parameters) {
+      return plausibility::on_soil(*data.infiltration, soil.id, parameters);
+    };
+    findings.add_remarks("infiltration", std::visit(remarks_on, soil.parameters));
   }
   if (fields.infiltrated.empty()) return;
   findings.add_remarks("infiltration", plausibility::on_initial_infiltration(
                                            *data.initial_infiltration, fields.infiltrated));
 }
 
-void check_sediments(const DataFile& data, const CaseFields& fields, Findings& findings) {
+void check_sediments(const DataFile& data, const cases::CellFields& fields, Findings& findings) {
   if (!data.has_sediments()) return;
   const bool has_sediment = std::any_of(fields.sediment.begin(), fields.sediment.end(),
                                         [](double hs) { return hs > 0.0; });

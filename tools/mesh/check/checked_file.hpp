@@ -6,56 +6,48 @@
 
 #include "mesh/check/findings.hpp"
 #include "utils/TextScanner.hpp"
-#include "utils/stop.hpp"
 
 namespace tools::check {
 
-/// Turns what the simulator's reader refuses into findings, and goes on behind it: for ten refusals
-/// or until the file ends.
+/// Gives the readers of a case the values of a file, as utils::TextScanner gives them to a run;
+/// what that refuses becomes a finding, and reading goes on behind it: for ten refusals or until
+/// the file ends.
 class CheckedFile {
  public:
   /// `key` is the place in the data file that names the file.
   CheckedFile(const std::string& name, const std::string& key, Findings& findings);
 
-  /// Whether there is more to read.
-  bool is_open() const { return scanner_.has_value(); }
   /// Whether nothing has been refused.
   bool is_well() const { return refusals_ == 0; }
-  int refusals() const { return refusals_; }
+  /// Reads nothing more.
+  void give_up() { scanner_.reset(); }
 
-  /// The value that `read` takes from the scanner; `otherwise` if it is refused.
-  template <class T, class Read>
-  T take(T otherwise, Read read) {
-    if (!scanner_) return otherwise;
-    try {
-      return read(*scanner_);
-    } catch (const utils::FatalError& error) {
-      refused(error.what());
-      return otherwise;
-    }
-  }
-  /// A value without which the rest of the file can't be understood.
-  template <class T, class Read>
-  T take_or_give_up(T otherwise, Read read) {
-    const int before = refusals_;
-    const T value = take(otherwise, read);
-    if (refusals_ != before) scanner_.reset();
-    return value;
-  }
-  void begin_record(const char* kind, int index, int total) {
-    if (scanner_) scanner_->begin_record(kind, index, total);
-  }
-  double number(const char* field) {
-    return take(0.0, [&](utils::TextScanner& file) { return file.read_number(field); });
-  }
+  // What readers of a case ask. A number that is refused is NaN, an integer -1, a word empty, a
+  // count 0; without its counts a file can't be understood.
+  void begin_record(const char* kind, int index, int total);
+  double read_number(const char* field);
+  int read_integer(const char* field);
+  int read_index(const char* field, int limit);
+  std::string read_word(const char* field);
+  int read_count(const char* field, std::size_t tokens_per_record);
+  void require_count(int value, const char* field, std::size_t tokens_per_record);
+  bool goes_on() const { return scanner_.has_value(); }
+  bool record_is_well() const { return refusals_ == refusals_before_record_; }
+  void require_last();
+  /// A value is refused once.
+  void refuse(const char* field, const std::string& expected);
 
  private:
-  void refused(std::string message);
+  template <class T, class Read>
+  T take(T otherwise, Read read);
+  void refused(const std::string& message);
 
   Findings& findings_;
   std::optional<utils::TextScanner> scanner_;
   std::string name_;
   int refusals_ = 0;
+  int refusals_before_record_ = 0;
+  bool last_is_well_ = true;
 };
 
 /// The simulator's message as a finding's text: without its opening and its line end.

@@ -16,14 +16,14 @@ namespace tools::check {
 namespace {
 
 /// Smallest angle between neighbouring sides of a cell, degrees.
-double smallest_angle_of(const CaseMesh& mesh, int cell) {
+double smallest_angle_of(const cases::Mesh& mesh, int cell) {
   double smallest = 180.0;
-  const int size = mesh.n_nodes_of(cell);
-  const auto corners = mesh.corners(cell);
-  for (int i = 0; i < size; ++i) {
-    const MeshNode& here = *corners[static_cast<std::size_t>(i)];
-    const MeshNode& next = *corners[static_cast<std::size_t>((i + 1) % size)];
-    const MeshNode& before = *corners[static_cast<std::size_t>((i + size - 1) % size)];
+  const std::span<const cases::Number> nodes = mesh.nodes_of(cell);
+  const std::size_t size = nodes.size();
+  for (std::size_t i = 0; i < size; ++i) {
+    const physics::PlanPoint here = mesh.plan_node(nodes[i]);
+    const physics::PlanPoint next = mesh.plan_node(nodes[(i + 1) % size]);
+    const physics::PlanPoint before = mesh.plan_node(nodes[(i + size - 1) % size]);
     const double ax = next.x - here.x, ay = next.y - here.y;
     const double bx = before.x - here.x, by = before.y - here.y;
     const double angle = std::atan2(std::fabs(ax * by - ay * bx), ax * bx + ay * by);
@@ -48,21 +48,19 @@ std::vector<int> smallest_cells_of(const std::vector<CellValues>& cells) {
 
 }  // namespace
 
-MeshSummary mesh_summary(const CaseMesh& mesh, const std::vector<CellValues>& cells) {
+MeshSummary mesh_summary(const cases::Mesh& mesh, const std::vector<CellValues>& cells) {
   MeshSummary summary;
   summary.nodes = mesh.n_nodes();
   summary.cells = mesh.n_cells();
   summary.edges = mesh.n_edges();
-  if (!mesh.nodes.empty()) {
-    const auto range = [&](double MeshNode::*coordinate) {
-      const auto [low, high] = std::minmax_element(
-          mesh.nodes.begin(), mesh.nodes.end(),
-          [&](const MeshNode& a, const MeshNode& b) { return a.*coordinate < b.*coordinate; });
-      return std::pair((*low).*coordinate, (*high).*coordinate);
+  if (mesh.n_nodes() > 0) {
+    const auto range = [](const std::vector<double>& coordinate) {
+      const auto [low, high] = std::minmax_element(coordinate.begin(), coordinate.end());
+      return std::pair(*low, *high);
     };
-    std::tie(summary.x_min, summary.x_max) = range(&MeshNode::x);
-    std::tie(summary.y_min, summary.y_max) = range(&MeshNode::y);
-    std::tie(summary.z_min, summary.z_max) = range(&MeshNode::z);
+    std::tie(summary.x_min, summary.x_max) = range(mesh.x);
+    std::tie(summary.y_min, summary.y_max) = range(mesh.y);
+    std::tie(summary.z_min, summary.z_max) = range(mesh.z);
   }
   for (int c = 0; c < mesh.n_cells(); ++c) {
     summary.area += cells[static_cast<std::size_t>(c)].area;
@@ -92,29 +90,20 @@ WaterSummary water_summary(const DataFile& data, const std::vector<CellValues>& 
   return water;
 }
 
-namespace {
-
-std::string overflow_of(const std::vector<const MeshNode*>& nodes) {
-  std::vector<physics::SpacePoint> points;
-  for (const MeshNode* node : nodes) points.push_back({node->x, node->y, node->z});
-  return cases::overflow_of(points);
-}
-
-}  // namespace
-
-void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+void check_finite_geometry(const CheckedCase& checked, const std::vector<CellValues>& cells,
                            Findings& findings) {
+  const cases::Mesh& mesh = checked.contents.mesh;
   for (int c = 0; c < mesh.n_cells(); ++c) {
     if (cells[static_cast<std::size_t>(c)].has_finite_geometry) continue;
-    findings.error("lost cell", "cell " + std::to_string(c) + ": " + overflow_of(mesh.corners(c)));
+    findings.error("lost cell",
+                   "cell " + std::to_string(c) + ": " + cases::overflow_of(mesh, mesh.nodes_of(c)));
   }
-  if (!mesh.has_edges) return;
+  if (!checked.has_edges) return;
   for (int e = 0; e < mesh.n_edges(); ++e) {
-    const CaseEdge& edge = mesh.edges[static_cast<std::size_t>(e)];
-    const MeshNode& a = mesh.nodes[static_cast<std::size_t>(edge.node1)];
-    const MeshNode& b = mesh.nodes[static_cast<std::size_t>(edge.node2)];
-    if (std::isfinite(a.horizontal_distance(b))) continue;
-    findings.error("lost edge", "edge " + std::to_string(e) + ": " + overflow_of({&a, &b}));
+    if (std::isfinite(mesh.edge_of(e).length)) continue;
+    const cases::Number nodes[] = {mesh.node1[cases::at(e)], mesh.node2[cases::at(e)]};
+    findings.error("lost edge",
+                   "edge " + std::to_string(e) + ": " + cases::overflow_of(mesh, nodes));
   }
 }
 
@@ -133,7 +122,7 @@ void check_quality(const MeshSummary& mesh, const std::vector<CellValues>& cells
   }
   constexpr double sharp = 5.0;  // degrees
   if (mesh.sharpest_cell >= 0 && mesh.smallest_angle < sharp) {
-    const MeshNode& center = cells[static_cast<std::size_t>(mesh.sharpest_cell)].center;
+    const physics::SpacePoint& center = cells[cases::at(mesh.sharpest_cell)].center;
     findings.warning("sharp angle", "cell " + std::to_string(mesh.sharpest_cell) + " at " +
                                         point(center.x, center.y) + " has an angle of " +
                                         number(mesh.smallest_angle) +

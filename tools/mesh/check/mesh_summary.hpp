@@ -3,8 +3,8 @@
 
 #include <vector>
 
-#include "mesh/check/case_mesh.hpp"
 #include "mesh/check/cell_values.hpp"
+#include "mesh/check/checked_case.hpp"
 #include "mesh/check/findings.hpp"
 
 namespace tools::check {
@@ -27,11 +27,11 @@ struct WaterSummary {
 };
 
 /// The mesh must have its geometry.
-MeshSummary mesh_summary(const CaseMesh& mesh, const std::vector<CellValues>& cells);
+MeshSummary mesh_summary(const cases::Mesh& mesh, const std::vector<CellValues>& cells);
 WaterSummary water_summary(const DataFile& data, const std::vector<CellValues>& cells);
 
 /// Reports cells and edges whose coordinates overflow.
-void check_finite_geometry(const CaseMesh& mesh, const std::vector<CellValues>& cells,
+void check_finite_geometry(const CheckedCase& checked, const std::vector<CellValues>& cells,
                            Findings& findings);
 /// Reports cells without an area and very sharp angles.
 void check_quality(const MeshSummary& mesh, const std::vector<CellValues>& cells,
