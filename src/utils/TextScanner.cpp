@@ -120,6 +120,7 @@ std::string TextScanner::place() {
   stream_.clear();
   stream_.seekg(0);
   for (std::ptrdiff_t i = 0; i < dropped_; ++i) line += stream_.get() == '\n';
+  stream_.seekg(dropped_ + (end_ - text_.data()));  // whoever catches the refusal may read on
   std::string text = "Error in file " + name_ + ", line " + std::to_string(line) + ", ";
   if (record_kind_ == nullptr) return text + "header";
   text += record_kind_ + (" " + std::to_string(record_index_));

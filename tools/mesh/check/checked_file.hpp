@@ -1,53 +1,37 @@
-// A text file of a case, read past its errors.
+// A text file of a case, whose errors become findings.
 #pragma once
 
-#include <optional>
 #include <string>
 
+#include "case/CollectingSource.hpp"
 #include "mesh/check/findings.hpp"
-#include "utils/TextScanner.hpp"
 
 namespace tools::check {
 
-/// Gives the readers of a case the values of a file, as utils::TextScanner gives them to a run;
-/// what that refuses becomes a finding, and reading goes on behind it: for ten refusals or until
-/// the file ends.
-class CheckedFile {
+/// Tells findings what is wrong in a file.
+class FileFindings : public cases::Diagnostics {
  public:
   /// `key` is the place in the data file that names the file.
-  CheckedFile(const std::string& name, const std::string& key, Findings& findings);
+  FileFindings(std::string name, std::string key, Findings& findings)
+      : name_(std::move(name)), key_(std::move(key)), findings_(findings) {}
 
-  /// Whether nothing has been refused.
-  bool is_well() const { return refusals_ == 0; }
-  /// Reads nothing more.
-  void give_up() { scanner_.reset(); }
+  void error(const std::string& message) override;
+  void warn(const std::string& message) override { findings_.warning("file", message); }
 
-  // What readers of a case ask. A number that is refused is NaN, an integer -1, a word empty, a
-  // count 0; without its counts a file can't be understood.
-  void begin_record(const char* kind, int index, int total);
-  double read_number(const char* field);
-  int read_integer(const char* field);
-  int read_index(const char* field, int limit);
-  std::string read_word(const char* field);
-  int read_count(const char* field, std::size_t tokens_per_record);
-  void require_count(int value, const char* field, std::size_t tokens_per_record);
-  bool goes_on() const { return scanner_.has_value(); }
-  bool record_is_well() const { return refusals_ == refusals_before_record_; }
-  void require_last();
-  /// A value is refused once.
-  void refuse(const char* field, const std::string& expected);
+ protected:
+  bool is_open_ = false;
 
  private:
-  template <class T, class Read>
-  T take(T otherwise, Read read);
-  void refused(const std::string& message);
-
+  std::string name_, key_;
   Findings& findings_;
-  std::optional<utils::TextScanner> scanner_;
-  std::string name_;
-  int refusals_ = 0;
-  int refusals_before_record_ = 0;
-  bool last_is_well_ = true;
+};
+
+class CheckedFile : private FileFindings, public cases::CollectingSource {
+ public:
+  CheckedFile(const std::string& name, const std::string& key, Findings& findings)
+      : FileFindings(name, key, findings), CollectingSource(name, *this) {
+    is_open_ = true;
+  }
 };
 
 /// The simulator's message as a finding's text: without its opening and its line end.
