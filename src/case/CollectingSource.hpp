@@ -11,7 +11,7 @@ namespace cases {
 
 /// Gives the readers of a case the values of a file, as utils::TextScanner gives them to a run;
 /// what that refuses is told, and reading goes on behind it: for ten refusals or until the file
-/// ends. Needs utils::throw_fatal_errors().
+/// ends.
 class CollectingSource {
  public:
   /// A file that can't be opened is told and has nothing to read.

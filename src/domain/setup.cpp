@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <map>
 
+#include "case/DataFileReader.hpp"
 #include "case/initial_state.hpp"
 #include "case/read_fields.hpp"
 #include "case/read_requests.hpp"
@@ -9,7 +10,6 @@
 #include "fields/make_flow.hpp"
 #include "globals/Globals.hpp"
 #include "report/RunReport.hpp"
-#include "utils/DataFileReader.hpp"
 #include "utils/TextScanner.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"

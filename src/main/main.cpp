@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "case/planned_files.hpp"
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "main/credits.hpp"
@@ -21,7 +22,6 @@
 #include "utils/WriterThread.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
-#include "utils/planned_files.hpp"
 #include "utils/signals.hpp"
 #include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
@@ -57,7 +57,7 @@ std::string name_of_report(const utils::InputParser& parser) {
 /// Ends the run, before it opens any result, if one would destroy an input or another result.
 void refuse_results_that_destroy(const std::string& report) {
   const std::vector<std::string> conflicts =
-      utils::conflicts_of(utils::plan_files(_dataFile, report));
+      cases::conflicts_of(cases::plan_files(_dataFile, report));
   if (conflicts.empty()) return;
   std::string sentence = conflicts.front();
   sentence.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence.front())));

@@ -7,12 +7,12 @@
 #include <string>
 
 #include "case/Case.hpp"
+#include "case/DataFileReader.hpp"
 #include "fields/Flow.hpp"
 #include "physics/flow_extremes.hpp"
 #include "report/PhaseClock.hpp"
 #include "report/StepHistory.hpp"
 #include "report/VolumeLedger.hpp"
-#include "utils/DataFileReader.hpp"
 
 class RunReport {
  public:

@@ -31,7 +31,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"output", {"physics", "case", "fields", "globals", "utils"}},
     {"report", {"physics", "case", "fields", "model", "globals", "utils"}},
     {"domain", {"physics", "case", "fields", "model", "output", "report", "globals", "utils"}},
-    {"main", {"domain", "report", "globals", "utils"}}};
+    {"main", {"case", "domain", "report", "globals", "utils"}}};
 
 std::string without_comments(const std::string& text) {
   return std::regex_replace(text, std::regex("//[^\n]*"), "");

@@ -7,8 +7,8 @@
 #include <map>
 #include <set>
 
+#include "case/DataFileReader.hpp"
 #include "cases/CaseTest.hpp"
-#include "utils/DataFileReader.hpp"
 
 namespace {
 

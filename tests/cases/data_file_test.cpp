@@ -1,7 +1,7 @@
 #include <exception>
 
+#include "case/DataFileReader.hpp"
 #include "cases/CaseTest.hpp"
-#include "utils/DataFileReader.hpp"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <exception>
 #include <string>
 
+#include "case/DataFileReader.hpp"
 #include "fuzz/fuzzing.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "utils/DataFileReader.hpp"
 
 namespace {
 

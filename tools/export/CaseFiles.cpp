@@ -3,10 +3,10 @@
 #include <exception>
 #include <filesystem>
 
+#include "case/DataFileReader.hpp"
+#include "case/planned_files.hpp"
 #include "support/Error.hpp"
-#include "utils/DataFileReader.hpp"
 #include "utils/files.hpp"
-#include "utils/planned_files.hpp"
 
 namespace exports {
 
@@ -44,9 +44,9 @@ void read(CaseFiles& files, const utils::DataFileReader& data) {
 
 /// No export takes the place of a file of the case, whether it reads that file or not.
 void protect_case(const CaseFiles& files) {
-  const utils::PlannedFiles planned = utils::plan_files(files.data_file, "", files.folder);
+  const cases::PlannedFiles planned = cases::plan_files(files.data_file, "", files.folder);
   for (const std::string& name : planned.inputs) utils::note_input_file(name);
-  for (const utils::PlannedResult& result : planned.results) utils::note_input_file(result.name);
+  for (const cases::PlannedResult& result : planned.results) utils::note_input_file(result.name);
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #include "mesh/case_writer.hpp"
 
+#include <array>
 #include <filesystem>
 #include <list>
 #include <nlohmann/json.hpp>
 
+#include "case/keys.hpp"
 #include "globals/edge_codes.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
@@ -14,6 +16,7 @@ namespace mesh_import {
 namespace {
 
 namespace fs = std::filesystem;
+using cases::key;
 
 constexpr char data_name[] = "data.json";
 constexpr char nodes_name[] = "nodes.txt";
@@ -136,43 +139,70 @@ std::string text_of_sections(const std::vector<Section>& sections, double interv
   return text;
 }
 
-std::string data_file(const Case& contents) {
-  using nlohmann::ordered_json;
-  ordered_json conditions{{"initial conditions", initial_name}};
-  if (!contents.bed.empty()) conditions["fixed bed level"] = bed_name;
-  if (!contents.friction.empty()) conditions["friction"] = friction_name;
-  if (!contents.sediment.empty()) conditions["initial sediments level"] = sediment_name;
-  ordered_json sources = ordered_json::object();
+/// The data file, key by key in the order in which they shall stand there.
+class DataFile {
+ public:
+  template <class T>
+  void set(const cases::Key& key, const T& value) {
+    document_[Json::json_pointer("/" + std::string(key.path))] = value;
+  }
+  void set_empty(const cases::Key& section) { set(section, Json::object()); }
+  std::string text() const { return document_.dump(2) + "\n"; }
+
+ private:
+  using Json = nlohmann::ordered_json;
+  Json document_;
+};
+
+void set_model(const Case& contents, DataFile& data) {
+  const bool has_sediments = !contents.sediment.empty();
+  data.set(key("model/name"), has_sediments ? cases::sediment_model : cases::water_model);
+  data.set(key("model/flux scheme"), cases::flux_scheme);
+  if (contents.zero_depth) data.set(key("model/zero depth value"), *contents.zero_depth);
+  data.set(key("model/conditions/initial conditions"), initial_name);
+  if (!contents.bed.empty()) data.set(key("model/conditions/fixed bed level"), bed_name);
+  if (!contents.friction.empty()) data.set(key("model/conditions/friction"), friction_name);
+  if (!has_sediments) return;
+  data.set(key("model/conditions/initial sediments level"), sediment_name);
+  const SedimentParameters& sediments = contents.sediments;
+  data.set(key("model/parameters/sediments mean grain diameter"), sediments.grain_diameter);
+  data.set(key("model/parameters/sediments density"), sediments.density);
+  data.set(key("model/parameters/sediments friction coefficient"), contents.friction.front());
+  data.set(key("model/parameters/sediments porosity"), sediments.porosity);
+}
+
+void set_sources(const Case& contents, DataFile& data) {
+  data.set_empty(key("model/sources"));
   if (!contents.rain.empty()) {
-    sources["rainfall"] = rain_name;
-    sources["hyetocells"] = hyetocells_name;
+    data.set(key("model/sources/rainfall"), rain_name);
+    data.set(key("model/sources/hyetocells"), hyetocells_name);
   }
   if (!contents.soil.empty()) {
-    sources["infiltration"] = soils_name;
-    sources["infiltracells"] = soilcells_name;
+    data.set(key("model/sources/infiltration"), soils_name);
+    data.set(key("model/sources/infiltracells"), soilcells_name);
   }
-  ordered_json model{{"name", contents.sediment.empty() ? "Quillmere" : "Bramsett"},
-                     {"flux scheme", "LHLLC"}};
-  if (contents.zero_depth) model["zero depth value"] = *contents.zero_depth;
-  model["conditions"] = conditions;
-  if (!contents.sediment.empty()) {
-    model["parameters"] = {{"sediments mean grain diameter", contents.sediments.grain_diameter},
-                           {"sediments density", contents.sediments.density},
-                           {"sediments friction coefficient", contents.friction.front()},
-                           {"sediments porosity", contents.sediments.porosity}};
+}
+
+std::string data_file(const Case& contents) {
+  DataFile data;
+  data.set(key("name"), contents.name);
+  data.set(key("t0"), 0.0);
+  data.set(key("tend"), contents.end);
+  data.set(key("CFL"), contents.courant);
+  data.set(key("mesh/nodes"), nodes_name);
+  data.set(key("mesh/cells"), cells_name);
+  data.set(key("mesh/edges"), edges_name);
+  if (contents.origin) {
+    data.set(key("mesh/origin"), std::array{contents.origin->x, contents.origin->y});
   }
-  model["sources"] = sources;
-  ordered_json output{{"folder", "out/"},
-                      {"time step enveloppe of results", contents.interval},
-                      {"snapshots of flow", snapshots_name},
-                      {"gauges", gauges_name}};
-  if (!contents.sections.empty()) output["discharges"] = sections_name;
-  ordered_json mesh{{"nodes", nodes_name}, {"cells", cells_name}, {"edges", edges_name}};
-  if (contents.origin) mesh["origin"] = {contents.origin->x, contents.origin->y};
-  const ordered_json data{{"name", contents.name},   {"t0", 0.0},    {"tend", contents.end},
-                          {"CFL", contents.courant}, {"mesh", mesh}, {"model", model},
-                          {"output", output}};
-  return data.dump(2) + "\n";
+  set_model(contents, data);
+  set_sources(contents, data);
+  data.set(key("output/folder"), "out/");
+  data.set(key("output/time step enveloppe of results"), contents.interval);
+  data.set(key("output/snapshots of flow"), snapshots_name);
+  data.set(key("output/gauges"), gauges_name);
+  if (!contents.sections.empty()) data.set(key("output/discharges"), sections_name);
+  return data.text();
 }
 
 /// Files take their places together when all of them are complete, in the order in which they were

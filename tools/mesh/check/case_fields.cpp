@@ -4,21 +4,19 @@
 #include <optional>
 #include <set>
 
+#include "case/keys.hpp"
 #include "case/read_fields.hpp"
 #include "case/read_rain.hpp"
 #include "case/read_soils.hpp"
 #include "mesh/check/checked_file.hpp"
-#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
-namespace key = utils::key;
-namespace section = utils::section;
 using cases::CellFields;
+using cases::key;
 using cases::Number;
-using utils::path_of;
 
 /// For files with a record per cell.
 Number cells_to_read(const CheckedCase& checked) {
@@ -79,28 +77,28 @@ void read_fields(const DataFile& data, CheckedCase& checked, Findings& findings)
     for (std::vector<double>* column : columns) column->clear();
   };
   using File = CheckedFile;
-  read(data.fixed_bed_level, path_of(section::conditions, key::fixed_bed_level), {&fields.bed},
+  read(data.fixed_bed_level, key("model/conditions/fixed bed level").path, {&fields.bed},
        cases::read_bed<File>);
-  read(data.sediments_level, path_of(section::conditions, key::sediments_level), {&fields.sediment},
-       cases::read_sediment<File>);
-  read(data.friction, path_of(section::conditions, key::friction), {&fields.manning},
+  read(data.sediments_level, key("model/conditions/initial sediments level").path,
+       {&fields.sediment}, cases::read_sediment<File>);
+  read(data.friction, key("model/conditions/friction").path, {&fields.manning},
        cases::read_manning<File>);
-  read(data.initial_conditions, path_of(section::conditions, key::initial_conditions),
+  read(data.initial_conditions, key("model/conditions/initial conditions").path,
        {&fields.level, &fields.qx, &fields.qy}, cases::read_initial_state<File>);
-  read(data.initial_infiltration, path_of(section::sources, key::initial_infiltration),
+  read(data.initial_infiltration, key("model/sources/initial infiltration").path,
        {&fields.infiltrated}, cases::read_infiltrated<File>);
 }
 
 void read_rain(const DataFile& data, CheckedCase& checked, Findings& findings) {
   if (!data.rainfall) return;
   cases::Case& contents = checked.contents;
-  CheckedFile file(*data.rainfall, path_of(section::sources, key::rainfall), findings);
+  CheckedFile file(*data.rainfall, key("model/sources/rainfall").path, findings);
   RepeatedIds repeated(*data.rainfall + ": hyetogram", findings);
   contents.rain =
       cases::read_hyetograms(file, [&](const cases::Hyetogram& h) { repeated.look_at(h.id); });
   if (!file.is_well()) contents.rain.clear();
   if (!data.hyetocells) return;
-  contents.fields.rain = read_terms(*data.hyetocells, path_of(section::sources, key::hyetocells),
+  contents.fields.rain = read_terms(*data.hyetocells, key("model/sources/hyetocells").path,
                                     file.is_well() ? cells_to_read(checked) : 0,
                                     cases::ids_of(contents.rain), "hyetogram", findings);
 }
@@ -108,7 +106,7 @@ void read_rain(const DataFile& data, CheckedCase& checked, Findings& findings) {
 void read_soils(const DataFile& data, CheckedCase& checked, Findings& findings) {
   if (!data.infiltration) return;
   cases::Case& contents = checked.contents;
-  CheckedFile file(*data.infiltration, path_of(section::sources, key::infiltration), findings);
+  CheckedFile file(*data.infiltration, key("model/sources/infiltration").path, findings);
   RepeatedIds repeated(*data.infiltration + ": soil", findings);
   contents.soils = cases::read_soil_classes(
       file, [&](const cases::Soil& soil) { repeated.look_at(soil.id); },
@@ -118,9 +116,9 @@ void read_soils(const DataFile& data, CheckedCase& checked, Findings& findings) 
       });
   if (!file.is_well()) contents.soils.clear();
   if (!data.infiltracells) return;
-  contents.fields.soil = read_terms(
-      *data.infiltracells, path_of(section::sources, key::infiltracells),
-      file.is_well() ? cells_to_read(checked) : 0, cases::ids_of(contents.soils), "soil", findings);
+  contents.fields.soil = read_terms(*data.infiltracells, key("model/sources/infiltracells").path,
+                                    file.is_well() ? cells_to_read(checked) : 0,
+                                    cases::ids_of(contents.soils), "soil", findings);
 }
 
 }  // namespace tools::check

@@ -3,17 +3,16 @@
 #include <limits>
 
 #include "case/SeriesFiles.hpp"
+#include "case/keys.hpp"
 #include "case/mesh_records.hpp"
 #include "mesh/check/checked_file.hpp"
-#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
-namespace section = utils::section;
+using cases::key;
 using cases::Number;
-using utils::path_of;
 
 /// The number of records of a file, which is 0 if it was refused: then any index may be right.
 Number limit_of(const CheckedFile& file, Number count) {
@@ -22,7 +21,7 @@ Number limit_of(const CheckedFile& file, Number count) {
 
 /// Answers the number of nodes, as far as it is known.
 Number read_nodes(const std::string& name, CheckedCase& checked, Findings& findings) {
-  CheckedFile file(name, path_of(section::mesh, utils::key::nodes), findings);
+  CheckedFile file(name, key("mesh/nodes").path, findings);
   const Number count = cases::read_node_records(file, checked.contents.mesh);
   checked.has_nodes = file.is_well();
   return limit_of(file, count);
@@ -31,7 +30,7 @@ Number read_nodes(const std::string& name, CheckedCase& checked, Findings& findi
 /// Answers the number of cells, as far as it is known.
 Number read_cells(const std::string& name, Number n_nodes, CheckedCase& checked,
                   Findings& findings) {
-  CheckedFile file(name, path_of(section::mesh, utils::key::cells), findings);
+  CheckedFile file(name, key("mesh/cells").path, findings);
   const auto look_at = [](Number) {};
   const Number count = cases::read_cell_records(file, n_nodes, checked.contents.mesh, look_at);
   checked.has_cells = file.is_well();
@@ -47,7 +46,7 @@ class EdgesReader {
       : data_(data),
         checked_(checked),
         findings_(findings),
-        file_(*data.edges, path_of(section::mesh, utils::key::edges), findings) {}
+        file_(*data.edges, key("mesh/edges").path, findings) {}
 
   void read(Number n_nodes, Number n_cells) {
     cases::Case& contents = checked_.contents;

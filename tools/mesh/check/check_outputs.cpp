@@ -8,22 +8,21 @@
 #include <limits>
 #include <set>
 
+#include "case/keys.hpp"
+#include "case/planned_files.hpp"
 #include "case/plausibility.hpp"
 #include "case/read_requests.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "physics/cell_geometry.hpp"
-#include "utils/known_keys.hpp"
 #include "utils/planned_files.hpp"
 
 namespace tools::check {
 
 namespace {
 
+using cases::key;
 namespace fs = std::filesystem;
-namespace key = utils::key;
-namespace section = utils::section;
-using utils::path_of;
 
 /// Whether a file can be created, or overwritten.
 bool can_be_written(const std::string& name) {
@@ -99,7 +98,7 @@ bool is_complete(const std::vector<cases::Number>& section) {
 void check_gauges(const DataFile& data, const CheckedCase& checked,
                   const std::vector<CellValues>& cells, Findings& findings) {
   if (!data.gauges) return;
-  CheckedFile file(*data.gauges, path_of(section::output, key::gauges), findings);
+  CheckedFile file(*data.gauges, key("output/gauges").path, findings);
   const cases::GaugeRequest gauges = cases::read_gauges(file);
   check_interval(*data.gauges, gauges.interval, findings);
   if (!file.is_well()) return;
@@ -123,7 +122,7 @@ void check_sections(const DataFile& data, const CheckedCase& checked, Findings& 
   if (!data.discharges) return;
   const cases::Mesh& mesh = checked.contents.mesh;
   const int limit = checked.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
-  CheckedFile file(*data.discharges, path_of(section::output, key::discharges), findings);
+  CheckedFile file(*data.discharges, key("output/discharges").path, findings);
   const cases::SectionRequest request = cases::read_sections(file, limit);
   check_interval(*data.discharges, request.interval, findings);
   for (std::size_t s = 0; s < request.sections.size() && checked.has_edges; ++s) {
@@ -140,7 +139,7 @@ void check_sections(const DataFile& data, const CheckedCase& checked, Findings& 
 
 void check_snapshots(const DataFile& data, Findings& findings) {
   if (!data.pictures) return;
-  CheckedFile file(*data.pictures, path_of(section::output, key::pictures), findings);
+  CheckedFile file(*data.pictures, key("output/snapshots of flow").path, findings);
   const std::vector<double> times = cases::read_snapshots(file).times;
   if (!data.has_steps()) return;
   double before = -std::numeric_limits<double>::infinity();
@@ -162,12 +161,12 @@ void check_snapshots(const DataFile& data, Findings& findings) {
 }
 
 void check_results(const std::string& data_file, Findings& findings) {
-  const utils::PlannedFiles files = utils::plan_files(data_file);
-  for (const std::string& conflict : utils::conflicts_of(files)) {
+  const cases::PlannedFiles files = cases::plan_files(data_file);
+  for (const std::string& conflict : cases::conflicts_of(files)) {
     findings.error("results", conflict);
   }
   std::set<std::string> seen;  // kinds of results: all snapshots lie in one folder
-  for (const utils::PlannedResult& result : files.results) {
+  for (const cases::PlannedResult& result : files.results) {
     if (!seen.insert(result.what).second || !is_outside(result.name)) continue;
     findings.warning("results outside", result.what + " (" + result.name +
                                             ") will be written outside the folder of the case");

@@ -3,49 +3,39 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "case/keys.hpp"
+#include "case/nearest_key.hpp"
 #include "case/plausibility.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/json_file.hpp"
-#include "utils/known_keys.hpp"
 
 namespace tools::check {
 
 namespace {
 
-namespace key = utils::key;
-namespace section = utils::section;
-using utils::KeyType;
-using utils::known_keys;
-using utils::KnownKey;
-using utils::path_of;
-using Use = KnownKey::Use;
+using cases::Key;
+using cases::key;
+using cases::KeyKind;
+using cases::path_of;
+using cases::sediment_model;
+using cases::water_model;
+using Use = Key::Use;
 
-constexpr char hydrodynamic_model[] = "Quillmere";
-constexpr char sediment_model[] = "Bramsett";
-
-/// The value under a path like "model/conditions"; null if there is none.
-const nlohmann::json* value_at(const nlohmann::json& document, const std::string& path) {
-  const nlohmann::json* value = &document;
-  std::size_t begin = 0;
-  while (begin < path.size()) {
-    const std::size_t end = std::min(path.find('/', begin), path.size());
-    const std::string name = path.substr(begin, end - begin);
-    if (!value->is_object() || !value->contains(name)) return nullptr;
-    value = &value->at(name);
-    begin = end + 1;
-  }
-  return value;
+/// The value under a path like "model/conditions", "" for the document; null if there is none.
+const nlohmann::json* value_at(const nlohmann::json& document, std::string_view path) {
+  const nlohmann::json::json_pointer place((path.empty() ? "" : "/") + std::string(path));
+  return document.contains(place) ? &document.at(place) : nullptr;
 }
 
 std::string quoted(const std::string& text) { return "\"" + text + "\""; }
 
 /// Completes a message about a key nobody knows; empty if none resembles it.
 std::string suggestion_for(const std::string& section, const std::string& name) {
-  const KnownKey* const nearest = utils::nearest_key(section, name);
+  const Key* const nearest = cases::nearest_key(section, name);
   if (nearest == nullptr) return "";
-  return "did you mean " + quoted(nearest->section == section ? nearest->name : nearest->path()) +
-         "?";
+  const bool is_here = nearest->section() == section;
+  return "did you mean " + quoted(is_here ? std::string(nearest->name()) : nearest->path) + "?";
 }
 
 /// Compares a document with the table of known keys.
@@ -53,103 +43,99 @@ class KeyCheck {
  public:
   KeyCheck(const nlohmann::json& document, Findings& findings)
       : document_(document), findings_(findings) {
-    const nlohmann::json* const name = value_at(document, path_of(section::model, key::model_name));
+    const nlohmann::json* const name = value_at(document, key("model/name").path);
     has_sediments_ = name != nullptr && *name == sediment_model;
   }
 
   void check_all() {
-    for (const KnownKey& known : known_keys()) check(known);
+    for (const Key& known : cases::keys) check(known);
     if (document_.is_object()) find_unknown(document_, "");
   }
 
   /// The value of a key that the run asks for, if it has the right type.
   template <class T>
-  std::optional<T> value(const std::string& section, const std::string& name) const {
-    for (const KnownKey& known : known_keys()) {
-      if (known.section != section || known.name != name) continue;
-      const nlohmann::json* const found = value_at(document_, known.path());
-      if (found == nullptr || !is_used(known) || !has_type(*found, known.type)) return {};
-      return found->get<T>();
-    }
-    return {};
+  std::optional<T> value(const Key& known) const {
+    const nlohmann::json* const found = value_at(document_, known.path);
+    if (found == nullptr || !is_used(known) || !has_type(*found, known.kind)) return {};
+    return found->get<T>();
   }
 
  private:
-  static bool has_type(const nlohmann::json& value, KeyType type) {
-    switch (type) {
-      case KeyType::text:
-      case KeyType::file:
+  static bool has_type(const nlohmann::json& value, KeyKind kind) {
+    switch (kind) {
+      case KeyKind::text:
+      case KeyKind::file:
         return value.is_string();
-      case KeyType::number:
+      case KeyKind::number:
         return value.is_number();
-      case KeyType::point:
+      case KeyKind::point:
         return value.is_array() && value.size() == 2 && value[0].is_number() &&
                value[1].is_number();
-      case KeyType::section:
+      case KeyKind::section:
         return value.is_object();
     }
     return false;
   }
-  static std::string name_of(KeyType type) {
-    switch (type) {
-      case KeyType::text:
-      case KeyType::file:
+  static std::string name_of(KeyKind kind) {
+    switch (kind) {
+      case KeyKind::text:
+      case KeyKind::file:
         return "text in quotes";
-      case KeyType::number:
+      case KeyKind::number:
         return "a number";
-      case KeyType::point:
+      case KeyKind::point:
         return "two numbers in brackets";
-      case KeyType::section:
+      case KeyKind::section:
         return "an object in braces";
     }
     return "";
   }
 
   /// Whether the run looks at a key that stands there.
-  bool is_used(const KnownKey& known) const {
+  bool is_used(const Key& known) const {
     if (known.use == Use::sediments) return has_sediments_;
     if (known.use != Use::with_other) return true;
-    return value_at(document_, known.section + "/" + known.other) != nullptr;
+    return value_at(document_, known.other) != nullptr;
   }
-  bool is_needed(const KnownKey& known) const {
-    return known.use != Use::optional && is_used(known);
-  }
+  bool is_needed(const Key& known) const { return known.use != Use::optional && is_used(known); }
 
-  void check(const KnownKey& known) {
-    const nlohmann::json* const value = value_at(document_, known.path());
+  void check(const Key& known) {
+    const nlohmann::json* const value = value_at(document_, known.path);
     if (value == nullptr) {
       // What a missing section would hold is not listed.
-      const bool can_stand = value_at(document_, known.section) != nullptr;
+      const bool can_stand = value_at(document_, known.section()) != nullptr;
       if (is_needed(known) && can_stand) {
-        findings_.error("missing key", quoted(known.path()) + " is missing from the data file" +
-                                           reason_for(known));
+        findings_.error("missing key",
+                        quoted(known.path) + " is missing from the data file" + reason_for(known));
       }
       return;
     }
     if (!is_used(known)) {
-      findings_.warning("unused key",
-                        quoted(known.path()) + " is not used" + reason_against(known));
+      findings_.warning("unused key", quoted(known.path) + " is not used" + reason_against(known));
       return;
     }
-    if (has_type(*value, known.type)) return;
-    const std::string text = quoted(known.path()) + ": found " + shortened(value->dump()) +
-                             ", expected " + name_of(known.type);
+    if (has_type(*value, known.kind)) return;
+    const std::string text = quoted(known.path) + ": found " + shortened(value->dump()) +
+                             ", expected " + name_of(known.kind);
     // To the simulator a section that is no object is an empty one, and no run asks for a point.
-    if (known.type == KeyType::section || known.type == KeyType::point) {
+    if (known.kind == KeyKind::section || known.kind == KeyKind::point) {
       findings_.warning("wrong type", text);
     } else {
       findings_.error("wrong type", text);
     }
   }
 
-  static std::string reason_for(const KnownKey& known) {
+  static std::string name_of_other(const Key& known) {
+    return std::string(cases::last_name_of(known.other));
+  }
+  static std::string reason_for(const Key& known) {
     if (known.use == Use::sediments)
       return std::string("; the model ") + sediment_model + " needs it";
-    if (known.use == Use::with_other) return "; " + quoted(known.other) + " needs it";
+    if (known.use == Use::with_other) return "; " + quoted(name_of_other(known)) + " needs it";
     return "";
   }
-  static std::string reason_against(const KnownKey& known) {
-    if (known.use == Use::with_other) return " without " + quoted(known.other);
+  static std::string reason_against(const Key& known) {
+    if (known.use == Use::with_other) return " without " + quoted(name_of_other(known));
     return std::string(" by any model but ") + sediment_model;
   }
   static std::string shortened(const std::string& text) {
@@ -159,16 +145,14 @@ class KeyCheck {
 
   void find_unknown(const nlohmann::json& object, const std::string& section) {
     for (const auto& [name, value] : object.items()) {
-      const KnownKey* found = nullptr;
-      for (const KnownKey& known : known_keys()) {
-        if (known.section == section && known.name == name) found = &known;
-      }
       const std::string path = path_of(section, name);
+      const Key* const found = cases::find_key(section, name);
       if (found == nullptr) {
         const std::string suggestion = suggestion_for(section, name);
         findings_.warning("unknown key", quoted(path) + " is unknown, and ignored" +
                                              (suggestion.empty() ? "" : "; " + suggestion));
-      } else if (found->type == KeyType::section && value.is_object() && name != key::extensions) {
+      } else if (found->kind == KeyKind::section && value.is_object() &&
+                 found != &key("extensions")) {
         find_unknown(value, path);
       }
     }
@@ -180,44 +164,42 @@ class KeyCheck {
 };
 
 DataFile values_of(const KeyCheck& keys) {
-  constexpr double default_zero_depth = 0.0001;
-
   DataFile data;
-  data.name = keys.value<std::string>("", key::simulation_name);
-  data.t0 = keys.value<double>("", key::start_time);
-  data.tend = keys.value<double>("", key::end_time);
-  data.cfl = keys.value<double>("", key::cfl);
-  data.nodes = keys.value<std::string>(section::mesh, key::nodes);
-  data.cells = keys.value<std::string>(section::mesh, key::cells);
-  data.edges = keys.value<std::string>(section::mesh, key::edges);
-  data.model = keys.value<std::string>(section::model, key::model_name);
-  data.flux_scheme = keys.value<std::string>(section::model, key::flux_scheme);
-  data.zero_depth =
-      keys.value<double>(section::model, key::zero_depth).value_or(default_zero_depth);
-  data.initial_conditions = keys.value<std::string>(section::conditions, key::initial_conditions);
-  data.fixed_bed_level = keys.value<std::string>(section::conditions, key::fixed_bed_level);
-  data.friction = keys.value<std::string>(section::conditions, key::friction);
-  data.sediments_level = keys.value<std::string>(section::conditions, key::sediments_level);
-  data.mean_grain = keys.value<double>(section::parameters, key::mean_grain);
-  data.density = keys.value<double>(section::parameters, key::density);
-  data.porosity = keys.value<double>(section::parameters, key::porosity);
-  data.rainfall = keys.value<std::string>(section::sources, key::rainfall);
-  data.hyetocells = keys.value<std::string>(section::sources, key::hyetocells);
-  data.infiltration = keys.value<std::string>(section::sources, key::infiltration);
-  data.infiltracells = keys.value<std::string>(section::sources, key::infiltracells);
-  data.initial_infiltration = keys.value<std::string>(section::sources, key::initial_infiltration);
-  data.folder = keys.value<std::string>(section::output, key::folder);
-  data.dt_enveloppe = keys.value<double>(section::output, key::dt_enveloppe);
-  data.pictures = keys.value<std::string>(section::output, key::pictures);
-  data.gauges = keys.value<std::string>(section::output, key::gauges);
-  data.discharges = keys.value<std::string>(section::output, key::discharges);
+  data.name = keys.value<std::string>(key("name"));
+  data.t0 = keys.value<double>(key("t0"));
+  data.tend = keys.value<double>(key("tend"));
+  data.cfl = keys.value<double>(key("CFL"));
+  data.nodes = keys.value<std::string>(key("mesh/nodes"));
+  data.cells = keys.value<std::string>(key("mesh/cells"));
+  data.edges = keys.value<std::string>(key("mesh/edges"));
+  data.model = keys.value<std::string>(key("model/name"));
+  data.flux_scheme = keys.value<std::string>(key("model/flux scheme"));
+  data.zero_depth = keys.value<double>(key("model/zero depth value"))
+                        .value_or(cases::default_number(key("model/zero depth value")));
+  data.initial_conditions = keys.value<std::string>(key("model/conditions/initial conditions"));
+  data.fixed_bed_level = keys.value<std::string>(key("model/conditions/fixed bed level"));
+  data.friction = keys.value<std::string>(key("model/conditions/friction"));
+  data.sediments_level = keys.value<std::string>(key("model/conditions/initial sediments level"));
+  data.mean_grain = keys.value<double>(key("model/parameters/sediments mean grain diameter"));
+  data.density = keys.value<double>(key("model/parameters/sediments density"));
+  data.porosity = keys.value<double>(key("model/parameters/sediments porosity"));
+  data.rainfall = keys.value<std::string>(key("model/sources/rainfall"));
+  data.hyetocells = keys.value<std::string>(key("model/sources/hyetocells"));
+  data.infiltration = keys.value<std::string>(key("model/sources/infiltration"));
+  data.infiltracells = keys.value<std::string>(key("model/sources/infiltracells"));
+  data.initial_infiltration = keys.value<std::string>(key("model/sources/initial infiltration"));
+  data.folder = keys.value<std::string>(key("output/folder"));
+  data.dt_enveloppe = keys.value<double>(key("output/time step enveloppe of results"));
+  data.pictures = keys.value<std::string>(key("output/snapshots of flow"));
+  data.gauges = keys.value<std::string>(key("output/gauges"));
+  data.discharges = keys.value<std::string>(key("output/discharges"));
   return data;
 }
 
 void check_run_parameters(const DataFile& data, Findings& findings) {
-  if (data.model && *data.model != hydrodynamic_model && !data.has_sediments()) {
-    findings.error("model", "\"model/name\" is \"" + *data.model + "\", expected \"" +
-                                hydrodynamic_model + "\" or \"" + sediment_model + "\"");
+  if (data.model && *data.model != water_model && !data.has_sediments()) {
+    findings.error("model", "\"model/name\" is \"" + *data.model + "\", expected \"" + water_model +
+                                "\" or \"" + sediment_model + "\"");
   }
   if (data.t0 && data.tend) {
     findings.add_remark("run time", plausibility::on_run_time(*data.t0, *data.tend));
@@ -229,9 +211,9 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
   findings.add_remark("zero depth",
                       plausibility::on_dry_depth(data.zero_depth, data.has_sediments()));
   if (data.dt_enveloppe) {
-    findings.add_remark(
-        "envelope", plausibility::on_interval(quoted(path_of(section::output, key::dt_enveloppe)),
-                                              *data.dt_enveloppe));
+    findings.add_remark("envelope", plausibility::on_interval(
+                                        quoted(key("output/time step enveloppe of results").path),
+                                        *data.dt_enveloppe));
   }
 }
 

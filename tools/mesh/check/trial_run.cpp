@@ -11,12 +11,12 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "case/keys.hpp"
 #include "domain/Domain.hpp"
 #include "globals/Globals.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/child_process.hpp"
-#include "utils/data_file_keys.hpp"
 #include "utils/json_file.hpp"
 
 namespace tools::check {
@@ -36,10 +36,14 @@ struct Measurement {
   bool is_complete;
 };
 
+nlohmann::json::json_pointer place_of(const cases::Key& key) {
+  return nlohmann::json::json_pointer("/" + std::string(key.path));
+}
+
 /// The data file of the trial: outputs go nowhere but to the temporary folder. What has the wrong
 /// type stays, for the simulator to refuse.
 std::optional<nlohmann::json> trial_data(const std::string& data_file, const std::string& folder) {
-  namespace key = utils::key;
+  using cases::key;
   std::ifstream stream(data_file, std::ios::binary);
   nlohmann::json data;
   try {
@@ -48,13 +52,15 @@ std::optional<nlohmann::json> trial_data(const std::string& data_file, const std
     return {};  // the check of the data file says why
   }
   if (!data.is_object()) return {};
-  if (!data.contains(key::output) || !data[key::output].is_object()) return data;
-  nlohmann::json& output = data[key::output];
-  if (output.contains(key::folder) && output[key::folder].is_string()) {
-    output[key::folder] = folder + "/";
-  }
-  for (const char* const name : {key::pictures, key::gauges, key::discharges}) {
-    if (output.contains(name) && output[name].is_string()) output.erase(name);
+  const auto is_text = [&](const nlohmann::json::json_pointer& place) {
+    return data.contains(place) && data[place].is_string();
+  };
+  const auto folder_place = place_of(key("output/folder"));
+  if (is_text(folder_place)) data[folder_place] = folder + "/";
+  for (const cases::Key& request :
+       {key("output/snapshots of flow"), key("output/gauges"), key("output/discharges")}) {
+    const auto place = place_of(request);
+    if (is_text(place)) data[place.parent_pointer()].erase(place.back());
   }
   return data;
 }

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-namespace utils {
+namespace cases {
 
 struct PlannedResult {
   std::string what;  ///< for messages: "the envelope"
@@ -28,4 +28,4 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report 
 /// What would be lost, a sentence for each result: two names lead to the same file.
 std::vector<std::string> conflicts_of(const PlannedFiles& files);
 
-}  // namespace utils
+}  // namespace cases

@@ -1,4 +1,4 @@
-#include "utils/planned_files.hpp"
+#include "case/planned_files.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,13 +11,13 @@
 #include <string_view>
 #include <system_error>
 
+#include "case/keys.hpp"
 #include "utils/files.hpp"
 #include "utils/json_file.hpp"
-#include "utils/known_keys.hpp"
 #include "utils/number_text.hpp"
 #include "utils/snapshot_name.hpp"
 
-namespace utils {
+namespace cases {
 
 namespace {
 
@@ -37,9 +37,9 @@ std::ifstream open_regular_file(const std::string& name) {
   return file;
 }
 
-/// The text under a path like "mesh/nodes"; empty if there is none.
-std::string text_at(const json& document, const std::string& path) {
-  const json::json_pointer pointer("/" + path);
+/// The text under a key; empty if there is none.
+std::string text_at(const json& document, const Key& key) {
+  const json::json_pointer pointer("/" + std::string(key.path));
   if (!document.contains(pointer) || !document.at(pointer).is_string()) return "";
   return document.at(pointer).get<std::string>();
 }
@@ -47,7 +47,7 @@ std::string text_at(const json& document, const std::string& path) {
 json document_of(const std::string& data_file) {
   std::ifstream stream = open_regular_file(data_file);
   try {
-    return parse_json(stream, data_file);
+    return utils::parse_json(stream, data_file);
   } catch (const std::exception&) {
     return {};
   }
@@ -68,10 +68,10 @@ std::vector<std::string> snapshot_names(const std::string& file, const std::stri
   std::set<std::string> names;
   std::string word;
   double count = 0.0, time = 0.0;
-  if (!(stream >> word) || !parse_finite_number(word, count)) return {};
+  if (!(stream >> word) || !utils::parse_finite_number(word, count)) return {};
   for (double i = 0.0; i < count && stream >> word; ++i) {
-    if (!parse_finite_number(word, time)) break;
-    names.insert(folder + snapshot_name(time));
+    if (!utils::parse_finite_number(word, time)) break;
+    names.insert(folder + utils::snapshot_name(time));
   }
   return {names.begin(), names.end()};
 }
@@ -113,7 +113,7 @@ class Identities {
   /// Empty for what cannot be destroyed, like a device.
   std::string of(const std::string& name) {
     std::error_code ignored;
-    const std::string identity = identity_of_file(name);
+    const std::string identity = utils::identity_of_file(name);
     if (!identity.empty()) return fs::is_regular_file(name, ignored) ? identity : "";
     if (fs::is_symlink(name, ignored)) return fs::weakly_canonical(name, ignored).string();
     const fs::path path(name);
@@ -140,25 +140,23 @@ class Identities {
 PlannedFiles plan_files(const std::string& data_file, const std::string& report,
                         const std::string& folder) {
   const json document = document_of(data_file);
-  const auto named = [&](const std::string& path) {
-    const std::string name = text_at(document, path);
+  const auto named = [&](const Key& key) {
+    const std::string name = text_at(document, key);
     return name.empty() ? name : (fs::path(folder) / name).string();
   };
   PlannedFiles files;
   files.inputs.push_back(data_file);
-  for (const KnownKey& known : known_keys()) {
-    if (known.type == KeyType::file) files.inputs.push_back(named(known.path()));
+  for (const Key& key : keys) {
+    if (key.kind == KeyKind::file) files.inputs.push_back(named(key));
   }
   std::erase(files.inputs, "");
-  const std::set<std::string> series =
-      series_names(named(path_of(section::mesh, key::edges)), folder);
+  const std::set<std::string> series = series_names(named(key("mesh/edges")), folder);
   files.inputs.insert(files.inputs.end(), series.begin(), series.end());
 
-  const auto input = [&](const char* name) { return named(path_of(section::output, name)); };
   const auto in_folder = [&](const std::string& name) {
     return (fs::path(folder) / name).string();
   };
-  const std::string results = text_at(document, path_of(section::output, key::folder));
+  const std::string results = text_at(document, key("output/folder"));
   const std::string prefix = folder.empty() ? results : folder + "/" + results;
   files.results = {{"the log", in_folder("log.txt"), false},
                    {"the envelope", prefix + "enveloppe.txt", true}};
@@ -166,13 +164,13 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report,
     files.results.push_back({"the report", report, true});
     files.results.push_back({"the snapshot of a failure", prefix + "failure.txt", true});
   }
-  for (const std::string& name : snapshot_names(input(key::pictures), prefix)) {
+  for (const std::string& name : snapshot_names(named(key("output/snapshots of flow")), prefix)) {
     files.results.push_back({"the snapshot", name, true});
   }
-  if (const std::string name = word_of(input(key::gauges), 1); !name.empty()) {
+  if (const std::string name = word_of(named(key("output/gauges")), 1); !name.empty()) {
     files.results.push_back({"the gauges", prefix + name, false});
   }
-  if (const std::string name = word_of(input(key::discharges), 2); !name.empty()) {
+  if (const std::string name = word_of(named(key("output/discharges")), 2); !name.empty()) {
     files.results.push_back({"the sections", in_folder(name), false});
   }
   return files;
@@ -207,4 +205,4 @@ std::vector<std::string> conflicts_of(const PlannedFiles& files) {
   return conflicts;
 }
 
-}  // namespace utils
+}  // namespace cases

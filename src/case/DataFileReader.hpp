@@ -7,8 +7,10 @@
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "case/keys.hpp"
 #include "utils/Reader.hpp"
 
 namespace utils {
@@ -104,22 +106,22 @@ class DataFileReader : public Reader {
  private:
   using json = nlohmann::json;
 
-  /// True if `object` holds `key` with a value of type T; throws otherwise.
+  /// True if `object` holds `name` with a value of type T; throws otherwise.
   template <class T>
-  bool validateKey(const json& object, const std::string& key) const;
-  /// The enclosing object under a key, which must exist.
-  const json& enclosing(const json& object, const std::string& key) const;
-  const json& conditions() const;
-  const json& sources() const;
-  const json& parameters() const;
+  bool validateKey(const json& object, const std::string& name) const;
+  /// What stands at a path, all parts of which must exist.
+  const json& section_at(std::string_view path) const;
+  /// Whether a key stands in its section, which must exist.
+  bool has(const cases::Key& key) const;
   template <class T>
-  T leaf(const json& object, const std::string& key) const;
+  T value_of(const cases::Key& key) const;
+  /// A number of the model with sediments.
+  double parameter(const cases::Key& key) const;
 
   void add_uses_of(const json& object, const std::string& section, KeyUses& uses) const;
 
   json document_;
   mutable std::set<const json*> read_;  ///< values that were asked for
-  const std::string sediment_model_ = "Bramsett";
 };
 
 }  // namespace utils
