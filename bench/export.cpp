@@ -17,10 +17,10 @@
 #include <string>
 #include <vector>
 
+#include "case/MeshReader.hpp"
 #include "channel_case.hpp"
 #include "model/MeshNode.hpp"
 #include "utils/CellTable.hpp"
-#include "utils/MeshReader.hpp"
 #include "utils/snapshot_name.hpp"
 
 namespace {

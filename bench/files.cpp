@@ -14,11 +14,11 @@
 #include <random>
 #include <string>
 
+#include "case/MeshReader.hpp"
 #include "channel_case.hpp"
 #include "domain/Domain.hpp"
 #include "model/MeshNode.hpp"
 #include "utils/CellTable.hpp"
-#include "utils/MeshReader.hpp"
 
 namespace {
 

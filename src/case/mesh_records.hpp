@@ -70,10 +70,8 @@ void read_edge(Source& file, Number n_nodes, Number n_cells, EdgeRecord& edge,
   if (file.record_is_well()) check_code(edge.code);
   const BoundaryKind* const kind = boundary_kind(edge.code);
   if (kind == nullptr) return;
-  if (kind->argument == BoundaryKind::Argument::series)
-    edge.file = file.read_word("time-series file");
-  if (kind->argument == BoundaryKind::Argument::value)
-    edge.value = file.read_number("imposed value");
+  if (kind->has_series()) edge.file = file.read_word("time-series file");
+  if (kind->has_value()) edge.value = file.read_number("imposed value");
 }
 
 /// Adds the nodes of a file. Answers how many it announces.

@@ -4,6 +4,7 @@
 
 #include "case/EdgeWarnings.hpp"
 #include "case/SeriesFiles.hpp"
+#include "case/boundary_kinds.hpp"
 #include "case/finite_geometry.hpp"
 #include "case/mesh_records.hpp"
 #include "case/read_series.hpp"
@@ -22,8 +23,7 @@ void require_known(int code, int edge, bool has_sediments) {
                      ") is not available; use \"LHLLC\".\n",
                  -1, "should be Roe scheme\n");
   }
-  const BoundaryKind* const kind = boundary_kind(code);
-  if (kind != nullptr && (kind->with_sediments || !has_sediments)) return;
+  if (boundary_kind(code, has_sediments) != nullptr) return;
   utils::fatal("Boundary condition of type " + std::to_string(code) + " not defined!\n");
 }
 

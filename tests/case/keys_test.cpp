@@ -2,15 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <fstream>
-#include <regex>
 #include <set>
-#include <sstream>
 #include <string>
-#include <vector>
 
 #include "case/nearest_key.hpp"
+#include "support/manual_table.hpp"
 
 namespace {
 
@@ -18,29 +14,6 @@ using cases::Key;
 using cases::KeyKind;
 using cases::keys;
 using Use = Key::Use;
-
-std::string manual() {
-  std::ifstream file(std::string(QUILLMERE_SOURCE_DIR) + "/docs/manual.md");
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
-
-/// The rows of the table below a header, without what makes links and code of a text.
-std::vector<std::string> rows_below(const std::string& header) {
-  std::istringstream lines(manual());
-  std::string line;
-  while (std::getline(lines, line) && line != header) {
-  }
-  std::getline(lines, line);  // the rule below the header
-  std::vector<std::string> rows;
-  while (std::getline(lines, line) && line.starts_with("|")) {
-    line = std::regex_replace(line, std::regex(R"(\[([^\]]+)\]\([^)]*\))"), "$1");
-    line = std::regex_replace(line, std::regex("`"), "");
-    rows.push_back(std::regex_replace(line, std::regex("\u00b2"), "2"));
-  }
-  return rows;
-}
 
 std::string name_of(KeyKind kind) {
   switch (kind) {
@@ -70,13 +43,6 @@ std::string default_in_manual(const Key& key) {
       return key.other;
   }
   return "";
-}
-
-/// A row of a table, whose empty fields are one space.
-std::string row(const std::vector<std::string>& fields) {
-  std::string text = "|";
-  for (const std::string& field : fields) text += field.empty() ? " |" : " " + field + " |";
-  return text;
 }
 
 TEST(Keys, StandOnceInTheSectionBeforeThem) {
@@ -120,11 +86,12 @@ TEST(Keys, TheNearestOfTwoAlikeIsThatOfTheSameSection) {
 }
 
 TEST(Keys, AreListedInTheManualAsInTheTable) {
-  const std::vector<std::string> rows = rows_below("| key | kind | default | unit | meaning |");
+  const auto rows = support::manual_rows("| key | kind | default | unit | meaning |");
   ASSERT_EQ(rows.size(), keys.size());
   for (std::size_t i = 0; i < keys.size(); ++i) {
-    EXPECT_EQ(rows[i], row({keys[i].path, name_of(keys[i].kind), default_in_manual(keys[i]),
-                            keys[i].unit, keys[i].meaning}));
+    EXPECT_EQ(rows[i],
+              support::table_row({keys[i].path, name_of(keys[i].kind), default_in_manual(keys[i]),
+                                  keys[i].unit, keys[i].meaning}));
   }
 }
 

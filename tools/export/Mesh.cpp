@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "case/MeshReader.hpp"
 #include "support/Error.hpp"
-#include "utils/MeshReader.hpp"
 
 namespace exports {
 

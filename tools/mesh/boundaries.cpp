@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <set>
 
-#include "globals/edge_codes.hpp"
 #include "mesh/Scanner.hpp"
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
@@ -17,24 +16,7 @@ namespace mesh_import {
 
 namespace {
 
-enum class Argument { none, value, file };
-
-struct Kind {
-  const char* name;
-  int code;
-  Argument argument;
-};
-
-constexpr Kind kinds[] = {
-    {"wall", edge_code::wall, Argument::none},
-    {"transmissive", edge_code::transmissive, Argument::none},
-    {"discharge", edge_code::discharge, Argument::value},
-    {"level", edge_code::water_level, Argument::value},
-    {"hydrograph", edge_code::hydrograph, Argument::file},
-    {"limnigraph", edge_code::limnigraph, Argument::file},
-};
-
-bool has_series(int code) { return code == edge_code::hydrograph || code == edge_code::limnigraph; }
+using Argument = cases::BoundaryKind::Argument;
 
 /// Checks a series file and keeps its text, its first value and its last time.
 void read_series(Boundary& boundary, const std::string& path) {
@@ -75,14 +57,13 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
   std::vector<Boundary> list(mesh.line_names.size() + 1);  // the last one has no name
   for (std::size_t i = 0; i < list.size(); ++i) {
     if (i < mesh.line_names.size()) list[i].name = mesh.line_names[i];
-    list[i].code = edge_code::wall;
   }
   std::set<std::string> file_names;
   for (const auto& request : requests) {
     const auto line = std::find(mesh.line_names.begin(), mesh.line_names.end(), request.name) -
                       mesh.line_names.begin();
     if (line == static_cast<std::ptrdiff_t>(mesh.line_names.size())) {
-      throw tools::Error("--boundary " + request.name + "=" + request.kind +
+      throw tools::Error("--boundary " + request.name + "=" + request.kind->name +
                          ": the mesh has no line \"" + request.name +
                          "\"; it has: " + list_of_names(mesh.line_names) + ".");
     }
@@ -92,9 +73,8 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
     }
     boundary.is_given = true;
     boundary.kind = request.kind;
-    boundary.code = request.code;
     boundary.value = request.value;
-    if (has_series(request.code)) {
+    if (request.kind->has_series()) {
       read_series(boundary, request.file);
       boundary.series_name = series_name(request.name, file_names);
     }
@@ -112,23 +92,41 @@ std::string right_aligned(const std::string& text, std::size_t width) {
 
 /// The first value, with its unit and what it means.
 std::string first_value(const Boundary& boundary) {
-  switch (boundary.code) {
-    case edge_code::discharge:
-    case edge_code::hydrograph: {
-      const double total = std::abs(boundary.value * boundary.length);
-      const char* way = boundary.value < 0.0 ? "in" : "out";
-      const std::string text = shown(boundary.value) + " m2/s";
-      return boundary.value == 0.0 ? text : text + " (" + shown(total) + " m3/s " + way + ")";
-    }
-    case edge_code::water_level:
-    case edge_code::limnigraph:
-      return shown(boundary.value) + " m";
-    default:
-      return "-";
+  if (boundary.kind->imposes_level()) return shown(boundary.value) + " m";
+  if (!boundary.kind->imposes_discharge()) return "-";
+  const std::string text = shown(boundary.value) + " m2/s";
+  if (boundary.value == 0.0) return text;
+  const double total = std::abs(boundary.value * boundary.length);
+  return text + " (" + shown(total) + " m3/s " + (boundary.value < 0.0 ? "in" : "out") + ")";
+}
+
+/// How the command line writes a kind, as in "level:V".
+std::string form_of(const cases::BoundaryKind& kind) {
+  const std::string name = kind.name;
+  switch (kind.argument) {
+    case Argument::none:
+      return name;
+    case Argument::value:
+      return name + ":V";
+    case Argument::series:
+      return name + ":FILE";
   }
+  return name;
 }
 
 }  // namespace
+
+std::string forms_of_boundaries(bool with_sediments) {
+  std::vector<std::string> forms;
+  for (const cases::BoundaryKind& kind : cases::boundary_kinds) {
+    if (kind.with_sediments || !with_sediments) forms.push_back(form_of(kind));
+  }
+  std::string list = forms.front();
+  for (std::size_t i = 1; i < forms.size(); ++i) {
+    list += (i + 1 < forms.size() ? ", " : " or ") + forms[i];
+  }
+  return list;
+}
 
 BoundaryRequest parse_boundary(const std::string& text) {
   const auto refuse = [&text](const std::string& expected) {
@@ -141,26 +139,21 @@ BoundaryRequest parse_boundary(const std::string& text) {
   BoundaryRequest request;
   request.name = text.substr(0, equals);
   const std::size_t colon = text.find(':', equals);
-  request.kind = text.substr(equals + 1, colon == std::string::npos ? colon : colon - equals - 1);
+  const std::string kind =
+      text.substr(equals + 1, colon == std::string::npos ? colon : colon - equals - 1);
   const std::string argument = colon == std::string::npos ? "" : text.substr(colon + 1);
-  const auto kind = std::find_if(std::begin(kinds), std::end(kinds),
-                                 [&](const Kind& k) { return request.kind == k.name; });
-  if (kind == std::end(kinds)) {
-    refuse(
-        "a kind among wall, transmissive, discharge:V, level:V, hydrograph:FILE and "
-        "limnigraph:FILE");
-  }
-  request.code = kind->code;
-  switch (kind->argument) {
+  request.kind = cases::boundary_kind(kind);
+  if (request.kind == nullptr) refuse("one of the kinds " + forms_of_boundaries());
+  switch (request.kind->argument) {
     case Argument::none:
-      if (colon != std::string::npos) refuse("nothing after \"" + request.kind + "\"");
+      if (colon != std::string::npos) refuse("nothing after \"" + kind + "\"");
       break;
     case Argument::value:
-      if (!parse_number(argument)) refuse("a number after \"" + request.kind + ":\"");
+      if (!parse_number(argument)) refuse("a number after \"" + kind + ":\"");
       request.value = *parse_number(argument);
       break;
-    case Argument::file:
-      if (argument.empty()) refuse("a file after \"" + request.kind + ":\"");
+    case Argument::series:
+      if (argument.empty()) refuse("a file after \"" + kind + ":\"");
       request.file = argument;
       break;
   }
@@ -203,7 +196,7 @@ Boundaries assign_boundaries(const Mesh& mesh, const std::vector<Edge>& edges,
   }
   for (const Boundary& given : boundaries.list) {
     if (given.is_given && given.n_edges == 0) {
-      throw tools::Error("--boundary " + given.name + "=" + given.kind + ": the line \"" +
+      throw tools::Error("--boundary " + given.name + "=" + given.kind->name + ": the line \"" +
                          given.name +
                          "\" has no edge on the boundary of the mesh; expected one that has "
                          "cells on one side only (--section takes inner lines).");
@@ -229,7 +222,7 @@ std::string boundary_table(const Boundaries& boundaries) {
     const bool is_named = !boundary.name.empty();
     table +=
         row(is_named ? boundary.name : "(no name)",
-            boundary.kind + (is_named && !boundary.is_given ? " (not given)" : ""),
+            boundary.kind->name + std::string(is_named && !boundary.is_given ? " (not given)" : ""),
             std::to_string(boundary.n_edges), shown(boundary.length) + " m", first_value(boundary));
   }
   return table;

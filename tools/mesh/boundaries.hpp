@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "case/boundary_kinds.hpp"
 #include "mesh/edges.hpp"
 #include "mesh/mesh.hpp"
 
@@ -13,11 +14,13 @@ namespace mesh_import {
 /// A boundary condition as the command line gives it: NAME=KIND or NAME=KIND:ARGUMENT.
 struct BoundaryRequest {
   std::string name;
-  std::string kind;    // "wall", "discharge", ...
-  int code = 0;        // of the edges file
+  const cases::BoundaryKind* kind = nullptr;
   double value = 0.0;  // of a discharge (m2/s) or a level (m)
-  std::string file;    // of a hydrograph or a limnigraph, to be copied into the case
+  std::string file;    // of its series, to be copied into the case
 };
+
+/// The kinds of a model as the command line writes them, as in "wall or level:V".
+std::string forms_of_boundaries(bool with_sediments = false);
 
 /// Reads one; throws CLI::ValidationError (wrong usage).
 BoundaryRequest parse_boundary(const std::string& text);
@@ -25,8 +28,7 @@ BoundaryRequest parse_boundary(const std::string& text);
 struct Boundary {
   std::string name;  // of the line; empty for edges without a name
   bool is_given = false;
-  std::string kind = "wall";
-  int code = 0;
+  const cases::BoundaryKind* kind = cases::boundary_kind("wall");
   double value = 0.0;       // m2/s or m; the first one of a series
   std::string series;       // text of the series file
   std::string series_name;  // its name in the case

@@ -66,7 +66,7 @@ std::string argument_of(const Boundary& boundary) {
   std::string text;
   if (!boundary.series_name.empty()) {
     text = " " + boundary.series_name;
-  } else if (boundary.code == edge_code::discharge || boundary.code == edge_code::water_level) {
+  } else if (boundary.kind->has_value()) {
     text = " ";
     append_number(text, boundary.value);
   }
@@ -83,7 +83,7 @@ std::string text_of_edges(const std::vector<Edge>& edges, const Boundaries& boun
     }
     if (edge.is_boundary()) {
       const auto& boundary = boundaries.list[static_cast<std::size_t>(boundaries.of_edge[i])];
-      append_integer(text, boundary.code);
+      append_integer(text, boundary.kind->code);
       text += argument_of(boundary);
     } else {
       append_integer(text, edge_code::interior);

@@ -18,10 +18,10 @@ namespace {
 void check_sediment_boundaries(const Case& contents) {
   if (contents.sediment.empty()) return;
   for (const Boundary& boundary : contents.boundaries.list) {
-    if (boundary.series_name.empty()) continue;
-    throw tools::Error("--boundary " + boundary.name + "=" + boundary.kind +
-                       ": a case with --sediment takes no series; expected wall, transmissive, "
-                       "discharge:V or level:V.");
+    if (boundary.kind->with_sediments) continue;
+    throw tools::Error("--boundary " + boundary.name + "=" + boundary.kind->name +
+                       ": the model with sediments has no such boundary; expected " +
+                       forms_of_boundaries(true) + ".");
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "mesh/boundaries.hpp"
+
 namespace mesh_import {
 
 namespace {
@@ -14,7 +16,7 @@ namespace {
 
 void add_import_options(CLI::App& command, ImportOptions& options) {
   const auto repeated = [&command](const char* name, std::vector<std::string>& values,
-                                   const char* form, const char* meaning) {
+                                   const char* form, const std::string& meaning) {
     command.add_option(name, values, meaning)
         ->type_name(form)
         ->type_size(1)
@@ -34,9 +36,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
   command.add_option("--fill", options.fill, "Elevation of nodes where the terrain has no data")
       ->type_name("VALUE");
   repeated("--boundary", options.boundaries, "NAME=KIND",
-           "Condition on a named line: hydrograph:FILE, discharge:V, level:V, limnigraph:FILE, "
-           "transmissive, wall; discharges in m2/s, an inflow is negative. Lines not given are "
-           "walls");
+           "Condition on a named line: " + forms_of_boundaries() +
+               "; discharges in m2/s, an inflow is negative. Lines not given are walls");
   repeated("--section", options.sections, "NAME[=reversed]",
            "Record the discharge through a named inner line");
   repeated("--gauge", options.gauges, "X,Y",

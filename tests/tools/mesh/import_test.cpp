@@ -368,9 +368,17 @@ TEST_F(Import, ListsTheNamesItKnows) {
                        "the line \"gate\" has no edge on the boundary of the mesh"));
 }
 
+TEST_F(Import, NamesTheBoundariesOfTheModelWithSediments) {
+  folder.write("flood.txt", "2\n0 -1\n9 -1\n");
+  EXPECT_EQ(import_badly(1, {"--sediment", "1", "--grain-diameter", "0.002", "--friction", "0.03",
+                             "--boundary", "west=hydrograph:flood.txt"}),
+            "quillmere-mesh: --boundary west=hydrograph: the model with sediments has no such "
+            "boundary; expected transmissive, discharge:V, level:V or wall.\n");
+}
+
 TEST_F(Import, EndsWithStatus2ForWrongUsage) {
   EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west=dam"}),
-                       "found \"west=dam\", expected a kind among wall, transmissive"));
+                       "found \"west=dam\", expected one of the kinds transmissive, discharge:V"));
   EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west=level:high"}),
                        "expected a number after \"level:\""));
   EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west"}), "expected NAME=KIND"));

@@ -16,25 +16,6 @@ namespace tools::check {
 
 namespace {
 
-std::string kind_of(int code) {
-  switch (code) {
-    case edge_code::transmissive:
-      return "transmissive";
-    case edge_code::discharge:
-      return "discharge";
-    case edge_code::water_level:
-      return "level";
-    case edge_code::wall:
-      return "wall";
-    case edge_code::hydrograph:
-      return "hydrograph";
-    case edge_code::limnigraph:
-      return "limnigraph";
-    default:
-      return std::to_string(code);
-  }
-}
-
 /// The series of a file; null, and a finding, if it can't be read.
 std::shared_ptr<const TimeSeries> read_series(const std::string& file, Findings& findings) {
   try {
@@ -54,7 +35,7 @@ double extreme_value(const Boundary& boundary) {
   if (!boundary.values) return boundary.first_value;
   const auto& values = boundary.values->values;
   return *std::max_element(values.begin(), values.end(), [&](double a, double b) {
-    return boundary.is_level() ? a < b : std::fabs(a) < std::fabs(b);
+    return boundary.kind->imposes_level() ? a < b : std::fabs(a) < std::fabs(b);
   });
 }
 
@@ -66,7 +47,8 @@ double largest_outflow(const Boundary& boundary) {
 
 std::string name_of(const Boundary& boundary) {
   const std::string what = boundary.series.empty() ? number(boundary.first_value) : boundary.series;
-  return "the " + boundary.kind + " " + what + " (" + utils::counted(boundary.edges, "edge") + ")";
+  return std::string("the ") + boundary.kind->name + " " + what + " (" +
+         utils::counted(boundary.edges, "edge") + ")";
 }
 
 void check_coverage(const DataFile& data, const Boundary& boundary, Findings& findings) {
@@ -88,7 +70,7 @@ void check_plausible(const DataFile& data, const Boundary& boundary, Findings& f
   constexpr double largest_unit_discharge = 100.0;  // m2/s
   constexpr double largest_depth = 100.0;           // m
   const double value = extreme_value(boundary);
-  if (boundary.is_discharge()) {
+  if (boundary.kind->imposes_discharge()) {
     if (std::fabs(value) > largest_unit_discharge) {
       findings.warning("boundary value",
                        name_of(boundary) + " reaches " + number(value) +
@@ -99,7 +81,7 @@ void check_plausible(const DataFile& data, const Boundary& boundary, Findings& f
                         plausibility::on_outflow(name_of(boundary), largest_outflow(boundary),
                                                  boundary.shallowest_water, data.zero_depth));
   }
-  if (boundary.is_level()) {
+  if (boundary.kind->imposes_level()) {
     if (value < boundary.lowest_bed) {
       findings.warning("boundary value",
                        name_of(boundary) + " stays below the bed of its cells (" +
@@ -115,14 +97,6 @@ void check_plausible(const DataFile& data, const Boundary& boundary, Findings& f
 
 }  // namespace
 
-bool Boundary::is_discharge() const {
-  return code == edge_code::discharge || code == edge_code::hydrograph;
-}
-
-bool Boundary::is_level() const {
-  return code == edge_code::water_level || code == edge_code::limnigraph;
-}
-
 std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& contents,
                                        const std::vector<CellValues>& cells, Findings& findings) {
   using Key = std::tuple<int, int, double>;
@@ -131,7 +105,7 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& 
   for (const cases::Boundary& imposed : mesh.boundaries) {
     Boundary& boundary = table[{imposed.code, imposed.series, imposed.value}];
     const CellValues& cell = cells[cases::at(mesh.left[cases::at(imposed.edge)])];
-    boundary.code = imposed.code;
+    boundary.kind = cases::boundary_kind(imposed.code);
     ++boundary.edges;
     boundary.length += mesh.edge_of(imposed.edge).length;
     boundary.lowest_bed = std::min(boundary.lowest_bed, cell.bed);
@@ -140,7 +114,6 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& 
 
   std::vector<Boundary> boundaries;
   for (auto& [key, boundary] : table) {
-    boundary.kind = kind_of(boundary.code);
     const int series = std::get<1>(key);
     if (series >= 0) {
       boundary.series = contents.series[cases::at(series)].file;
@@ -150,7 +123,7 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& 
         boundary.first_value = value_at_start(*boundary.values, *data.t0);
         check_coverage(data, boundary, findings);
       }
-    } else if (boundary.is_discharge() || boundary.is_level()) {
+    } else if (boundary.kind->has_value()) {
       boundary.has_value = true;
       boundary.first_value = std::get<2>(key);
     }

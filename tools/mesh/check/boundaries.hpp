@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/boundary_kinds.hpp"
 #include "interfaces/TimeSeries.hpp"
 #include "mesh/check/cell_values.hpp"
 #include "mesh/check/data_file.hpp"
@@ -15,8 +16,7 @@ namespace tools::check {
 
 /// All edges of one code with one imposed value or series.
 struct Boundary {
-  int code = 0;
-  std::string kind;    ///< "wall", "hydrograph", ...
+  const cases::BoundaryKind* kind = nullptr;
   std::string series;  ///< file of its series; empty without one
   long edges = 0;
   double length = 0.0;  ///< m
@@ -26,8 +26,6 @@ struct Boundary {
   double lowest_bed = 1e20;                  ///< of its cells, m
   double shallowest_water = 1e20;            ///< of its cells at the start, m
 
-  bool is_discharge() const;
-  bool is_level() const;
   /// What passes at the start (m3/s, positive outwards), for a discharge.
   double discharge() const { return first_value * length; }
 };

@@ -52,13 +52,13 @@ json quality_json(const CaseReport& report) {
 json boundaries_json(const std::vector<Boundary>& boundaries) {
   json list = json::array();
   for (const Boundary& boundary : boundaries) {
-    json entry = {{"kind", boundary.kind},
-                  {"code", boundary.code},
+    json entry = {{"kind", boundary.kind->name},
+                  {"code", boundary.kind->code},
                   {"edges", boundary.edges},
                   {"length", boundary.length},
                   {"series", boundary.series.empty() ? json() : json(boundary.series)},
                   {"first value", boundary.has_value ? json(boundary.first_value) : json()}};
-    const bool has_discharge = boundary.has_value && boundary.is_discharge();
+    const bool has_discharge = boundary.has_value && boundary.kind->imposes_discharge();
     entry["discharge"] = has_discharge ? json(boundary.discharge()) : json();
     list.push_back(entry);
   }

@@ -63,12 +63,13 @@ void write_boundaries(std::ostream& out, const std::vector<Boundary>& boundaries
   std::vector<std::vector<std::string>> rows = {
       {"kind", "series", "edges", "length [m]", "first value", "discharge [m3/s]"}};
   for (const Boundary& boundary : boundaries) {
-    const std::string unit = boundary.is_level() ? " m" : " m2/s";
-    rows.push_back(
-        {boundary.kind, boundary.series.empty() ? "-" : boundary.series,
-         std::to_string(boundary.edges), number(boundary.length),
-         boundary.has_value ? number(boundary.first_value) + unit : "-",
-         boundary.has_value && boundary.is_discharge() ? number(boundary.discharge()) : "-"});
+    const std::string unit = boundary.kind->imposes_level() ? " m" : " m2/s";
+    rows.push_back({boundary.kind->name, boundary.series.empty() ? "-" : boundary.series,
+                    std::to_string(boundary.edges), number(boundary.length),
+                    boundary.has_value ? number(boundary.first_value) + unit : "-",
+                    boundary.has_value && boundary.kind->imposes_discharge()
+                        ? number(boundary.discharge())
+                        : "-"});
   }
   write_table(out, rows);
 }

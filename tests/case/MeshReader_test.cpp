@@ -1,4 +1,4 @@
-#include "utils/MeshReader.hpp"
+#include "case/MeshReader.hpp"
 
 #include <gtest/gtest.h>
 

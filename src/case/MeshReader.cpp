@@ -1,17 +1,8 @@
-#include "utils/MeshReader.hpp"
+#include "case/MeshReader.hpp"
 
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 
 namespace utils {
-
-namespace {
-
-bool has_series_file(int code) {
-  return code == edge_code::hydrograph || code == edge_code::limnigraph;
-}
-bool has_value(int code) { return code == edge_code::discharge || code == edge_code::water_level; }
-
-}  // namespace
 
 OutOfBoundsMeshReaderException::OutOfBoundsMeshReaderException(int number_of_elements)
     : message_(
@@ -75,12 +66,13 @@ const EdgeRecord& MeshReader::read_next_edge(int n_nodes, int n_cells) {
   if (edge_code::is_between_cells(code) && right == left) {
     scanner_.refuse("boundary code", "two different cells on the sides of an interior edge");
   }
-  if (has_series_file(code)) {
+  const cases::BoundaryKind* const kind = cases::boundary_kind(code);
+  if (kind != nullptr && kind->has_series()) {
     file = scanner_.read_word("time-series file");
   } else {
     file.clear();
   }
-  value = has_value(code) ? scanner_.read_number("imposed value") : 0.0;
+  value = kind != nullptr && kind->has_value() ? scanner_.read_number("imposed value") : 0.0;
   return edge_;
 }
 
