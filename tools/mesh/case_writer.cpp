@@ -33,7 +33,6 @@ constexpr char soilcells_name[] = "soilcells.txt";
 constexpr char snapshots_name[] = "snapshots.txt";
 constexpr char gauges_name[] = "gauges.txt";
 constexpr char sections_name[] = "sections.txt";
-constexpr double recordings_per_interval = 10.0;  // of gauges and sections
 
 std::string text_of_nodes(const Mesh& mesh) {
   std::string text = std::to_string(mesh.nodes.size()) + "\n";
@@ -198,7 +197,7 @@ std::string data_file(const Case& contents) {
   set_model(contents, data);
   set_sources(contents, data);
   data.set(key("output/folder"), "out/");
-  data.set(key("output/time step enveloppe of results"), contents.interval);
+  data.set(key("output/time step enveloppe of results"), contents.envelope_interval);
   data.set(key("output/snapshots of flow"), snapshots_name);
   data.set(key("output/gauges"), gauges_name);
   if (!contents.sections.empty()) data.set(key("output/discharges"), sections_name);
@@ -255,10 +254,9 @@ void write_case(const Case& contents, const std::string& path) {
   }
   folder.write(snapshots_name,
                std::to_string(contents.snapshots.size()) + "\n" + column(contents.snapshots));
-  const double recording = contents.interval / recordings_per_interval;
-  folder.write(gauges_name, text_of_gauges(contents.gauges, recording));
+  folder.write(gauges_name, text_of_gauges(contents.gauges, contents.recording_interval));
   if (!contents.sections.empty()) {
-    folder.write(sections_name, text_of_sections(contents.sections, recording));
+    folder.write(sections_name, text_of_sections(contents.sections, contents.recording_interval));
   }
   folder.write(data_name, data_file(contents));
   // From here on until all is in its place, there is no case that could run.

@@ -24,7 +24,8 @@ struct Case {
   std::string name;
   double end = 0.0;  // s
   double courant = 0.0;
-  double interval = 0.0;             // between envelopes, s
+  double envelope_interval = 0.0;    // s
+  double recording_interval = 0.0;   // of gauges and sections, s
   std::vector<double> snapshots;     // s
   std::optional<double> zero_depth;  // m
   std::optional<Node> origin;        // what is taken from all coordinates

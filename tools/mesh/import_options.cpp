@@ -70,8 +70,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("SECONDS");
   command
       .add_option("--interval", options.interval,
-                  "Between snapshots and envelopes, s; otherwise a tenth of the run. Gauges and "
-                  "sections are recorded ten times as often")
+                  "Between snapshots, s; otherwise a tenth of the run. Envelopes come about as "
+                  "often, gauges and sections ten times, the last ones just before the end")
       ->type_name("SECONDS");
   command.add_option("--snapshots", options.snapshots, "Times of the snapshots instead, s")
       ->type_name("T1,T2,...");

@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "case/recorded_end.hpp"
 #include "mesh/import_fields.hpp"
 #include "mesh/numbers.hpp"
 #include "mesh/run_options.hpp"
@@ -27,32 +28,52 @@ void set_times(const ImportOptions& options, Case& contents, std::ostream& out) 
     out << "The shortest series ends at " << shown(end)
         << " s, before the run does; its last value holds.\n";
   }
-  constexpr double intervals = 10.0;
-  contents.interval = options.interval.value_or(contents.end / intervals);
 }
 
 /// Before the end: no step reaches the end itself.
-void set_snapshots(Case& contents, std::ostream& out) {
-  out << "The run ends at " << shown(contents.end) << " s, with ";
-  if (!contents.snapshots.empty()) {
-    if (!(contents.snapshots.back() < contents.end)) {
-      throw tools::Error("--snapshots: found " + shown(contents.snapshots.back()) +
-                         ", expected times before the run ends, at " + shown(contents.end) + " s.");
-    }
-    out << utils::counted(contents.snapshots.size(), "snapshot")
-        << " before it and the envelope every " << shown(contents.interval) << " s.\n";
-    return;
-  }
+void check_snapshots(const Case& contents) {
+  if (contents.snapshots.empty() || contents.snapshots.back() < contents.end) return;
+  throw tools::Error("--snapshots: found " + shown(contents.snapshots.back()) +
+                     ", expected times before the run ends, at " + shown(contents.end) + " s.");
+}
+
+/// Every interval, and once more shortly before the end.
+std::vector<double> snapshots_every(double interval, const Case& contents) {
   constexpr double most_snapshots = 1e6;
-  if (contents.end / contents.interval > most_snapshots) {
+  if (contents.end / interval > most_snapshots) {
     throw tools::Error("--interval: more than a million snapshots until " + shown(contents.end) +
                        " s; expected a longer one.");
   }
+  std::vector<double> times;
   for (double time = 0.0; time < contents.end * (1.0 - 1e-9);) {
-    contents.snapshots.push_back(time);
-    time = static_cast<double>(contents.snapshots.size()) * contents.interval;
+    times.push_back(time);
+    time = static_cast<double>(times.size()) * interval;
   }
-  out << "snapshots before it every " << shown(contents.interval) << " s.\n";
+  constexpr double apart = 0.01;  // s, as the names of snapshots are
+  const double last = cases::interval_up_to_the_end({0.0, contents.end}, contents.end);
+  if (last >= times.back() + apart) times.push_back(last);
+  return times;
+}
+
+/// When the outputs are written. Snapshots have round times; envelopes, gauges and sections, of
+/// which only the interval can be chosen, come a little more often instead, so that the last one
+/// comes shortly before the end.
+void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out) {
+  constexpr double usual_intervals = 10.0, recordings_per_interval = 10.0;
+  const double interval = options.interval.value_or(contents.end / usual_intervals);
+  contents.envelope_interval = cases::interval_up_to_the_end({0.0, contents.end}, interval);
+  contents.recording_interval =
+      cases::interval_up_to_the_end({0.0, contents.end}, interval / recordings_per_interval);
+  out << "The run ends at " << shown(contents.end) << " s, with ";
+  if (contents.snapshots.empty()) {
+    contents.snapshots = snapshots_every(interval, contents);
+    out << "snapshots every " << shown(interval) << " s and at " << shown(contents.snapshots.back())
+        << " s,";
+  } else {
+    check_snapshots(contents);
+    out << utils::counted(contents.snapshots.size(), "snapshot") << " before it";
+  }
+  out << " and the envelope every " << shown(contents.envelope_interval) << " s.\n";
 }
 
 /// Where the options say, or else in the lowest cell.
@@ -82,7 +103,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
   contents.courant = options.courant;
   contents.zero_depth = options.zero_depth;
   set_times(options, contents, out);
-  set_snapshots(contents, out);
+  set_outputs(options, contents, out);
   place_gauges(contents, out);
 }
 

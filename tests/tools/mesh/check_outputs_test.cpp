@@ -7,18 +7,18 @@ namespace {
 class CheckOutputs : public CheckTest {};
 
 TEST_F(CheckOutputs, NamesTheGaugeInNoCellAndTheNearestOne) {
-  c.add_gauges({{1.6, 1.3}, {4.5, 1.4}}, 0.5);
+  c.add_gauges({{1.6, 1.3}, {4.5, 1.4}}, 0.01);
   expect_warning("gauge in no cell",
                  {"gauge 1 at (4.5, 1.4) lies in no cell", "nearest, cell 14, is 0.8"});
 }
 
 TEST_F(CheckOutputs, NamesTheGaugeOnAnEdge) {
-  c.add_gauges({{1.5, 1.5}}, 0.5);
+  c.add_gauges({{1.5, 1.5}}, 0.01);
   expect_warning("gauge in no cell", {"gauge 0 at (1.5, 1.5)", "on an edge"});
 }
 
 TEST_F(CheckOutputs, RefusesAGaugeResultThatCannotBeCreated) {
-  c.add_gauges({{1.6, 1.3}}, 0.5, "nowhere/gauges.txt");
+  c.add_gauges({{1.6, 1.3}}, 0.01, "nowhere/gauges.txt");
   expect_error("output", {"out/nowhere/gauges.txt can't be created"});
   c.set_times(1.0, 1.0);  // a run without a step writes none
   check();
@@ -26,19 +26,19 @@ TEST_F(CheckOutputs, RefusesAGaugeResultThatCannotBeCreated) {
 }
 
 TEST_F(CheckOutputs, RefusesMalformedGauges) {
-  c.add_gauges({{1.6, 1.3}}, 0.5);
+  c.add_gauges({{1.6, 1.3}}, 0.01);
   c.files["gauges_in.txt"] = "1 gauges.txt 0.5\n1.6 here 0\n";
   expect_error("malformed value", {"gauges_in.txt, line 2, gauge 0", "y: found \"here\""});
 }
 
 TEST_F(CheckOutputs, RefusesASectionOfUnknownEdges) {
-  c.add_sections({{43}}, 0.5);
+  c.add_sections({{43}}, 0.01);
   expect_error("malformed value", {"sections_in.txt", "section 0", "found \"43\""});
 }
 
 TEST_F(CheckOutputs, NamesTheSectionWhoseNormalsDiffer) {
   std::vector<int> section = c.edges_across(2);
-  c.add_sections({section}, 0.5);
+  c.add_sections({section}, 0.01);
   expect_clean();
   // The edge in the middle turned round, with its cells.
   const std::string record =
@@ -51,16 +51,44 @@ TEST_F(CheckOutputs, NamesTheSectionWhoseNormalsDiffer) {
 }
 
 TEST_F(CheckOutputs, WarnsOfASectionResultThatCannotBeCreated) {
-  c.add_sections({{0}}, 0.5, "nowhere/sections.txt");
+  c.add_sections({{0}}, 0.01, "nowhere/sections.txt");
   expect_warning("output", {"nowhere/sections.txt can't be created"});
 }
 
 TEST_F(CheckOutputs, WarnsOfRecordingsWithoutAnInterval) {
   c.add_gauges({{0.6, 0.2}}, 0.0);
   expect_warning("recording interval", {"gauges_in.txt: the recording interval is 0 s"});
-  c = support::Case();
+  c = recorded_case();
   c.add_sections({{0}}, -1.0);
   expect_warning("recording interval", {"sections_in.txt: the recording interval is -1 s"});
+}
+
+TEST_F(CheckOutputs, NamesIntervalsThatLeaveTheEndUnrecorded) {
+  c.data["output"]["time step enveloppe of results"] = 0.3;
+  expect_warning("end not recorded", {"\"output/time step enveloppe of results\" is 0.3 s",
+                                      "after 0.9 s, in the last 0.1 s of the run"});
+  c = recorded_case();
+  c.add_gauges({{1.6, 1.3}}, 0.5);
+  expect_warning("end not recorded", {"gauges_in.txt: the recording interval is 0.5 s",
+                                      "after 0.5 s, in the last 0.5 s of the run"});
+  c = recorded_case();
+  c.add_sections({{0}}, 0.4);
+  expect_warning("end not recorded", {"sections_in.txt: the recording interval is 0.4 s",
+                                      "after 0.8 s, in the last 0.2 s of the run"});
+  c.set_times(1.0, 1.0);  // nothing is recorded at all
+  check();
+  EXPECT_TRUE(texts("warnings", "end not recorded").empty());
+}
+
+TEST_F(CheckOutputs, SuggestsAnIntervalThatRecordsTheEnd) {
+  c.data["output"]["time step enveloppe of results"] = 0.25;
+  check();
+  const std::vector<std::string> found = texts("warnings", "end not recorded");
+  ASSERT_EQ(found.size(), 1U);
+  const std::size_t at = found[0].find("; with ");
+  ASSERT_NE(at, std::string::npos) << found[0];
+  c.data["output"]["time step enveloppe of results"] = std::stod(found[0].substr(at + 7));
+  expect_clean();
 }
 
 TEST_F(CheckOutputs, NamesSnapshotsThatAreLate) {
@@ -107,8 +135,8 @@ TEST_F(CheckOutputs, RefusesResultsThatWouldDestroyAnInput) {
 }
 
 TEST_F(CheckOutputs, RefusesResultsThatWouldDestroyEachOther) {
-  c.add_gauges({{1.6, 1.3}}, 0.5, "same.txt");
-  c.add_sections({{0}}, 0.5, "out/same.txt");
+  c.add_gauges({{1.6, 1.3}}, 0.01, "same.txt");
+  c.add_sections({{0}}, 0.01, "out/same.txt");
   expect_error("results", {"the sections (out/same.txt)", "the gauges (out/same.txt)"});
 }
 
@@ -119,9 +147,9 @@ TEST_F(CheckOutputs, NamesResultsOutsideTheFolderOfTheCase) {
   c.data["output"]["folder"] = "out/";
   const std::string beside =
       "out/../../" + std::filesystem::path(elsewhere.path()).filename().string() + "/sections.txt";
-  c.add_sections({{0}}, 0.5, beside);
+  c.add_sections({{0}}, 0.01, beside);
   expect_warning("results outside", {"the sections (" + beside + ")"});
-  c.add_sections({{0}}, 0.5, folder.file("sections.txt"));
+  c.add_sections({{0}}, 0.01, folder.file("sections.txt"));
   expect_clean();
 }
 

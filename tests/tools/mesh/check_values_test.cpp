@@ -163,7 +163,7 @@ TEST_F(CheckValues, WarnsOfRainThatDoesNotCoverTheRun) {
 TEST_F(CheckValues, RefusesIdsThatTheCaseDoesNotDefine) {
   c.add_rain("1\n1 1 1\n0 1e-5\n", "2\n" + c.per_cell("1"));
   expect_error("source term ID", {"hyetocells.txt, cell 0: found hyetogram 2"});
-  c = support::Case();
+  c = recorded_case();
   c.add_infiltration("1\n1 Horton 1e-5 1e-6 1 0.5 0\n", "1\n-2\n" + c.per_cell("1"));
   expect_error("source term ID", {"infiltracells.txt, cell 1: found soil -2"});
 }
@@ -176,7 +176,7 @@ TEST_F(CheckValues, NamesIdsThatNoCellHas) {
 TEST_F(CheckValues, NamesIdsThatAreDefinedTwice) {
   c.add_rain("2\n1 1 1\n0 1e-5\n1 1 1\n0 2e-5\n", c.per_cell("1"));
   expect_warning("repeated ID", {"rain.txt: hyetogram 1"});
-  c = support::Case();
+  c = recorded_case();
   c.add_infiltration("2\n1 Horton 1e-5 1e-6 1 0.5 0\n1 Horton 1e-5 1e-6 1 0.5 0\n",
                      c.per_cell("1"));
   expect_warning("repeated ID", {"soils.txt: soil 1"});

@@ -253,7 +253,7 @@ TEST_F(Import, CountsSedimentsAsBedWhereItNamesTheLowerCellFirst) {
 
 TEST_F(Import, PlacesGauges) {
   import_well({"--gauge", "0.25,0.4", "--gauge", "3.5,2.2", "--level", "1.5", "--end", "2"});
-  EXPECT_EQ(folder.read("case/gauges.txt"), "2 gauges.txt 0.02\n0.25 0.4 0\n3.5 2.2 0\n");
+  EXPECT_EQ(folder.read("case/gauges.txt"), "2 gauges.txt 0.0199\n0.25 0.4 0\n3.5 2.2 0\n");
   run_case();
   // The sample's bed; the simulator records the cells that hold the points.
   const auto z = [](double x, double y) { return 0.1 * x + 0.02 * y * y; };
@@ -285,15 +285,40 @@ TEST_F(Import, TakesSnapshotsWhenItIsTold) {
   EXPECT_TRUE(contains(import_well({"--snapshots", "0,0.25,1.5", "--level", "1.5", "--end", "2",
                                     "--interval", "0.5", "--section", "gate"}),
                        "The run ends at 2 s, with 3 snapshots before it and the envelope every "
-                       "0.5 s.\n"));
+                       "0.4975 s.\n"));
   EXPECT_EQ(folder.read("case/snapshots.txt"), "3\n0\n0.25\n1.5\n");
-  EXPECT_EQ(data()["output"]["time step enveloppe of results"], 0.5);
-  EXPECT_EQ(lines("sections.txt").at(0), "1 0.05 out/sections.txt");
+  EXPECT_EQ(data()["output"]["time step enveloppe of results"], 0.4975);
+  EXPECT_EQ(lines("sections.txt").at(0), "1 0.04975 out/sections.txt");
   run_case();
   for (const char* name : {"pic_0_00", "pic_0_25", "pic_1_50"}) {
     EXPECT_TRUE(folder.has(std::string("case/out/") + name + ".txt"));
   }
   EXPECT_FALSE(folder.has("case/out/pic_0_50.txt"));
+}
+
+TEST_F(Import, LosesNothingAtTheEndOfTheRun) {
+  EXPECT_TRUE(contains(import_well({"--level", "1.5", "--end", "20", "--section", "gate"}),
+                       "The run ends at 20 s, with snapshots every 2 s and at 19.9 s, and "
+                       "the envelope every 1.99 s.\n"));
+  EXPECT_EQ(folder.read("case/snapshots.txt"), "11\n0\n2\n4\n6\n8\n10\n12\n14\n16\n18\n19.9\n");
+  EXPECT_EQ(data()["output"]["time step enveloppe of results"], 1.99);
+  EXPECT_EQ(lines("gauges.txt").at(0), "1 gauges.txt 0.199");
+  EXPECT_EQ(lines("sections.txt").at(0), "1 0.199 out/sections.txt");
+  run_case();
+  EXPECT_TRUE(folder.has("case/out/pic_19_90.txt"));
+  EXPECT_GE(column("out/gauges.txt", 0, 1).back(), 19.9);
+  EXPECT_GE(column("out/sections.txt", 0, 0).back(), 19.9);
+}
+
+TEST_F(Import, WritesTheLastEnvelopeJustBeforeTheEnd) {
+  folder.write("rain.txt", "1\n1 1 1\n0 0.001\n");
+  import_well({"--level", "1.5", "--rain", "1", "--hyetograms", "rain.txt", "--end", "20"});
+  run_case();
+  // Rain fills a closed basin: the depths of the last snapshot are the largest yet.
+  double largest = 0.0, last = 0.0;
+  for (const double depth : column("out/enveloppe.txt", 3, 0)) largest += depth;
+  for (const double depth : column("out/pic_19_90.txt", 3, 1)) last += depth;
+  EXPECT_GE(largest, last * (1.0 - 1e-5));
 }
 
 TEST_F(Import, RefusesASnapshotThatIsNeverTaken) {
@@ -429,7 +454,8 @@ TEST_F(Import, TakesThePlaceOfNoRasterThatItReads) {
       "ncols 2\nnrows 2\nxllcorner -100\nyllcorner -100\ncellsize 200\n0.03 0.03\n0.03 0.03\n";
   folder.write("case/friction.txt", raster);
   const auto result = import({"m.msh", "case", "--friction", "case/friction.txt"});
-  if (contains(result.err, "built without GDAL")) GTEST_SKIP() << "only GDAL reads rasters of that name";
+  if (contains(result.err, "built without GDAL"))
+    GTEST_SKIP() << "only GDAL reads rasters of that name";
   EXPECT_EQ(result.status, 1);
   EXPECT_TRUE(contains(result.err, "case/friction.txt would be replaced, but it is read"))
       << result.err;

@@ -112,8 +112,9 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   check_sediments(data, fields, findings);
   check_results(data_file, findings);
   check_output_folder(data, findings);
-  check_gauges(data, checked, report.cells, findings);
-  check_sections(data, checked, findings);
+  check_envelope(data, report.first_step, findings);
+  check_gauges(data, checked, report.cells, report.first_step, findings);
+  check_sections(data, checked, report.first_step, findings);
   check_snapshots(data, findings);
 
   if (report.trial && !report.trial->refusal.empty() && !findings.has_errors()) {

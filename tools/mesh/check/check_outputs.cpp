@@ -12,10 +12,10 @@
 #include "case/planned_files.hpp"
 #include "case/plausibility.hpp"
 #include "case/read_requests.hpp"
+#include "case/recorded_end.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "physics/cell_geometry.hpp"
-#include "utils/planned_files.hpp"
 
 namespace tools::check {
 
@@ -71,11 +71,22 @@ std::string nearest_cell(const std::vector<CellValues>& cells, const physics::Pl
          " m away";
 }
 
+/// A step is about as long as the first one, which is known where mesh and fields are.
+void check_recorded_end(const std::string& interval, double seconds, const DataFile& data,
+                        const std::optional<double>& first_step, Findings& findings) {
+  if (!data.has_steps()) return;
+  findings.add_remark(
+      "end not recorded",
+      cases::on_recorded_end(interval, seconds, {*data.t0, *data.tend, first_step.value_or(0.0)}));
+}
+
 /// An interval that is refused is NaN.
-void check_interval(const std::string& name, double interval, Findings& findings) {
+void check_interval(const std::string& name, double interval, const DataFile& data,
+                    const std::optional<double>& first_step, Findings& findings) {
   if (std::isnan(interval)) return;
-  findings.add_remark("recording interval",
-                      plausibility::on_interval(name + ": the recording interval", interval));
+  const std::string what = name + ": the recording interval";
+  findings.add_remark("recording interval", plausibility::on_interval(what, interval));
+  check_recorded_end(what, interval, data, first_step, findings);
 }
 
 /// Whether the normals of a section's edges, of which neighbours share a node, lie on one side: on
@@ -95,12 +106,20 @@ bool is_complete(const std::vector<cases::Number>& section) {
 
 }  // namespace
 
+void check_envelope(const DataFile& data, const std::optional<double>& first_step,
+                    Findings& findings) {
+  if (!data.dt_enveloppe) return;
+  check_recorded_end('"' + std::string(key("output/time step enveloppe of results").path) + '"',
+                     *data.dt_enveloppe, data, first_step, findings);
+}
+
 void check_gauges(const DataFile& data, const CheckedCase& checked,
-                  const std::vector<CellValues>& cells, Findings& findings) {
+                  const std::vector<CellValues>& cells, const std::optional<double>& first_step,
+                  Findings& findings) {
   if (!data.gauges) return;
   CheckedFile file(*data.gauges, key("output/gauges").path, findings);
   const cases::GaugeRequest gauges = cases::read_gauges(file);
-  check_interval(*data.gauges, gauges.interval, findings);
+  check_interval(*data.gauges, gauges.interval, data, first_step, findings);
   if (!file.is_well()) return;
   if (data.folder && data.has_steps() && !can_be_written(*data.folder + gauges.result)) {
     findings.error("output", "the gauges' result file " + *data.folder + gauges.result +
@@ -118,13 +137,14 @@ void check_gauges(const DataFile& data, const CheckedCase& checked,
   }
 }
 
-void check_sections(const DataFile& data, const CheckedCase& checked, Findings& findings) {
+void check_sections(const DataFile& data, const CheckedCase& checked,
+                    const std::optional<double>& first_step, Findings& findings) {
   if (!data.discharges) return;
   const cases::Mesh& mesh = checked.contents.mesh;
   const int limit = checked.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
   CheckedFile file(*data.discharges, key("output/discharges").path, findings);
   const cases::SectionRequest request = cases::read_sections(file, limit);
-  check_interval(*data.discharges, request.interval, findings);
+  check_interval(*data.discharges, request.interval, data, first_step, findings);
   for (std::size_t s = 0; s < request.sections.size() && checked.has_edges; ++s) {
     const std::vector<cases::Number>& section = request.sections[s];
     if (!is_complete(section) || is_consistent(mesh, section)) continue;

@@ -1,6 +1,7 @@
 // Whether the outputs of a case can be recorded.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,11 +12,18 @@
 
 namespace tools::check {
 
+// Intervals that leave the end of the run unrecorded are reported, too; `first_step` is the first
+// time step (s), where it is known.
+
+void check_envelope(const DataFile& data, const std::optional<double>& first_step,
+                    Findings& findings);
 /// Reads the gauges file and reports gauges in no cell. Without geometry, pass no cells.
 void check_gauges(const DataFile& data, const CheckedCase& checked,
-                  const std::vector<CellValues>& cells, Findings& findings);
+                  const std::vector<CellValues>& cells, const std::optional<double>& first_step,
+                  Findings& findings);
 /// Reads the sections file; reports edges that do not exist, and normals on both sides.
-void check_sections(const DataFile& data, const CheckedCase& checked, Findings& findings);
+void check_sections(const DataFile& data, const CheckedCase& checked,
+                    const std::optional<double>& first_step, Findings& findings);
 /// Reads the snapshots file; reports times that the run does not reach.
 void check_snapshots(const DataFile& data, Findings& findings);
 /// Reports results that would destroy an input or each other, and those outside the folder of the
