@@ -76,8 +76,9 @@ std::vector<std::string> snapshot_names(const std::string& file, const std::stri
   return {names.begin(), names.end()};
 }
 
-/// The words of an edges file that are no numbers, and files in the folder: time series. A mesh has
-/// millions of edges and a few such words; a file with many that lead nowhere is at fault.
+/// The time series that an edges file names: its words that are no numbers and that lead to a file.
+/// A mesh has millions of edges and a few such words; a file with many words that lead to no file
+/// is no edges file, and is not read to its end.
 std::set<std::string> series_names(const std::string& edges_file, const fs::path& folder) {
   constexpr int most_that_lead_nowhere = 10;
   int leading_nowhere = 0;
@@ -107,7 +108,7 @@ std::set<std::string> series_names(const std::string& edges_file, const fs::path
   return names;
 }
 
-/// Tells a file from another one, whether it is there or not.
+/// Names every file in one way, whether it exists or not, so that two names of one file are seen.
 class Identities {
  public:
   /// Empty for what cannot be destroyed, like a device.

@@ -18,10 +18,10 @@ struct PlannedFiles {
   std::vector<PlannedResult> results;
 };
 
-/// What the data file and the files that it names let foresee, nothing of it opened for writing.
-/// What cannot be read is left out: the run itself will say so. `report`: the name of the report,
-/// empty if there is none; `folder`: that in which the run takes place, where it is not the working
-/// directory.
+/// The files that a run of this data file will read and write, as far as the data file and the
+/// files that it names tell; none is opened for writing. What cannot be read is left out: the run
+/// itself will say so. `report`: the name of the report, empty if there is none; `folder`: that in
+/// which the run takes place, where it is not the working directory.
 PlannedFiles plan_files(const std::string& data_file, const std::string& report = "",
                         const std::string& folder = "");
 

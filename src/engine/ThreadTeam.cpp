@@ -39,7 +39,7 @@ ThreadTeam::ThreadTeam(int size) : size_(size), begun_in_(static_cast<std::size_
       threads_.emplace_back([this, member] { serve(member); });
     }
   } catch (const std::system_error&) {
-    // Those that wait already look at the size only in a round.
+    // Safe although some threads are waiting already: they read the size only once a round begins.
     size_ = 1 + static_cast<int>(threads_.size());
   }
 }

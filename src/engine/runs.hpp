@@ -1,10 +1,11 @@
-// Runs of cells that tables and loops know. Without the standard library: loops are built once per
-// instruction set.
+// Lengths that tables and loops agree on. Nothing of the standard library here: loops are built
+// once per instruction set, and its inline functions may not be.
 #pragma once
 
 namespace engine {
 
-/// Length of the runs of cells of which the shortest characteristic length is kept.
+/// Number of consecutive cells that share one entry in the column of shortest characteristic
+/// lengths.
 inline constexpr int cells_of_shortest = 64;
 
 }  // namespace engine

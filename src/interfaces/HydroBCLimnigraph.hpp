@@ -1,4 +1,4 @@
-// Free-surface level imposed by a time series.
+// Water level imposed by a time series.
 #pragma once
 
 #include <memory>
@@ -10,7 +10,7 @@
 
 class HydroBCLimnigraph : public GenericInterface {
  public:
-  /// `file`: samples of the free-surface level (m).
+  /// `file`: samples of the water level (m).
   HydroBCLimnigraph(ComputationalCell* cell, const MeshNode& a, const MeshNode& b,
                     const std::string& file);
 

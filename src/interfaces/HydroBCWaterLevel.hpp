@@ -1,4 +1,4 @@
-// Imposed free-surface level.
+// Imposed water level.
 #pragma once
 
 #include "interfaces/GenericInterface.hpp"

@@ -1,4 +1,4 @@
-// Imposed free-surface level of the model with sediments.
+// Imposed water level of the model with sediments.
 #pragma once
 
 #include "interfaces/HydroBCWaterLevel.hpp"

@@ -16,8 +16,9 @@ QM_HD inline physics::Infiltration infiltration(const physics::HortonSoil& soil,
   return physics::infiltration_horton(soil, step, h, F, 0.0);
 }
 
-/// The demand (m) of cell i: that of a soil, by its number, whose recovery it then stores; in a
-/// cell that has another soil the one so far.
+/// The depth (m) that the soil of cell i asks for. The loop is called once per soil: a cell that
+/// has the soil `number` gets its demand, and its infiltrated depth after recovery is stored; a
+/// cell of another soil keeps the demand so far.
 template <class Soil>
 QM_HD inline double demand_of_soil(const CellColumns& cells, int i, int number, const Soil& soil,
                                    const physics::SoilStep& step, double so_far) {

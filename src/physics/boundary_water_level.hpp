@@ -1,4 +1,4 @@
-// Imposed free-surface level: the depth is imposed, the normal velocity follows from the outgoing
+// Imposed water level: the depth is imposed, the normal velocity follows from the outgoing
 // Riemann invariant un + 2c, whatever the flow regime.
 #pragma once
 

@@ -19,7 +19,7 @@ QM_HD inline Edge edge_between(PlanPoint a, PlanPoint b) {
   return {(b.y - a.y) / length, (a.x - b.x) / length, length};
 }
 
-/// What a flux reads of a cell: depth (m), unit discharges (m2/s), bed and free-surface level (m).
+/// What a flux reads of a cell: depth (m), unit discharges (m2/s), bed and water level (m).
 struct CellWater {
   double h, qx, qy;
   double zb, eta;

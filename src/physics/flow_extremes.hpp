@@ -5,7 +5,7 @@
 
 namespace physics {
 
-/// Of a set of states; those that are not finite are only counted.
+/// The extremes of a set of states; states that are not finite are only counted.
 struct FlowExtremes {
   double speed_squared = 0.0;            ///< largest, m2/s2
   double speed_squared_per_depth = 0.0;  ///< largest, m/s2: the order of Froude numbers

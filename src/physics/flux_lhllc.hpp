@@ -11,7 +11,7 @@ struct SlotPair {
   WaterSlot left, right;
 };
 
-/// Bounds of the water waves; a dry side stands in with speed 0, it is not skipped.
+/// Bounds of the water waves; a dry side is not left out, it counts with speed 0.
 QM_HD inline WaveBounds water_wave_bounds(const EdgeSide& L, const EdgeSide& R) {
   return {smaller(smaller(L.un - L.c, R.un - R.c), 0.0),
           larger(larger(L.un + L.c, R.un + R.c), 0.0)};

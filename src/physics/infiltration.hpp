@@ -61,7 +61,7 @@ QM_HD inline double recovery_share(double kr, double dt) {
   return kr > 0.0 ? 1.0 - exponential(-kr * dt) : 0.0;
 }
 
-/// What a step of dt (s) means to every cell of a soil alike.
+/// The factors of a step of dt (s) that are the same for every cell of a soil.
 struct SoilStep {
   double dt;
   double recovery;  // recovery_share

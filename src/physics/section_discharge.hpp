@@ -1,4 +1,4 @@
-// Discharge through the edges of a monitored section.
+// Discharge through the edges of a section.
 #pragma once
 
 #include "physics/edge_frame.hpp"

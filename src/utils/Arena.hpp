@@ -21,7 +21,7 @@ class Arena {
     ++objects_;
     return place;
   }
-  /// One object is no more.
+  /// To be called when an object has been destroyed.
   void release() {
     if (--objects_ > 0) return;
     blocks_.clear();

@@ -11,7 +11,7 @@ namespace {
 /// Empty if the word resembles none.
 std::string nearest_option(const std::string& word, const std::vector<CmdOption>& known) {
   std::string nearest;
-  // Of a word of two characters only the letter counts, large or small.
+  // Of a word of two characters only the letter counts, capital or small.
   std::size_t smallest = std::min(least_strange_distance(word), word.size() - 1);
   for (const CmdOption& option : known) {
     const std::size_t distance = edit_distance(word, option.name);

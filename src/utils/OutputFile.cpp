@@ -17,8 +17,8 @@ namespace utils {
 
 namespace {
 
-/// Whether this is the first trouble with the file: the envelope alone may be written thousands of
-/// times.
+/// Whether this is the first trouble with the file: the envelope may be written thousands of times,
+/// and only the first failure is told.
 bool is_first_trouble(const std::string& name) {
   static std::mutex mutex;
   static std::set<std::string> known;
@@ -32,7 +32,7 @@ void warn_once(const std::string& name, const std::string& trouble) {
 
 std::string reason_of(int error) { return std::generic_category().message(error); }
 
-/// Says what keeps a file from being what it should be.
+/// Says why a file is not complete, or not in its place.
 void say_failure(const std::string& name, const std::string& trouble) {
   if (is_first_trouble(name)) std::cerr << "Error. The file " + name + " " + trouble + ".\n";
 }

@@ -10,8 +10,8 @@
 
 namespace utils {
 
-/// Levenshtein's distance: the least number of characters to insert, delete or replace, whether
-/// they are large or small.
+/// Levenshtein's distance: the least number of characters to insert, delete or replace; capital and
+/// small letters are the same.
 inline std::size_t edit_distance(std::string_view a, std::string_view b) {
   const auto is_same = [](char x, char y) {
     return std::tolower(static_cast<unsigned char>(x)) ==
@@ -31,7 +31,7 @@ inline std::size_t edit_distance(std::string_view a, std::string_view b) {
   return row[b.size()];
 }
 
-/// The least distance at which a word does not resemble this one any more.
+/// The least distance at which another word is no misspelling of this one any more.
 inline std::size_t least_strange_distance(std::string_view word) {
   return std::max<std::size_t>(2, word.size() / 3) + 1;
 }

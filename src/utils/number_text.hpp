@@ -13,8 +13,8 @@ std::string number_text(double value, int digits = 6);
 /// A number with all its decimals, as in "12.50".
 std::string fixed_text(double value, int decimals);
 
-/// Whether the text is a number: not too large, but perhaps infinite or "nan" by its own words;
-/// what is too small is 0. `value` receives it.
+/// Whether the text is a number, "inf" and "nan" included; `value` receives it. A number that is
+/// too large for a double is none, one that is too small is 0.
 bool parse_number(std::string_view text, double& value);
 
 /// The text without a leading "+", which is a sign to formatted extraction, but not to from_chars.

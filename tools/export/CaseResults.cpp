@@ -53,7 +53,7 @@ CaseResults::CaseResults(const std::string& folder_or_data_file)
     if (time <= before) schedule.refuse("time", "a time after the one before");
     before = time;
     const std::string name = files.result(utils::snapshot_name(time));
-    // Of two times that name the same file, it shows the later.
+    // Where two times have the same file name, the file holds the later one.
     if (!snapshots.empty() && snapshots.back().name == name) snapshots.pop_back();
     if (std::filesystem::is_regular_file(name)) {
       snapshots.push_back({time, name});

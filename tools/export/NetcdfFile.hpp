@@ -22,7 +22,8 @@ class NetcdfFile {
     const int format = is_compressed ? NC_NETCDF4 | NC_CLASSIC_MODEL : NC_64BIT_OFFSET;
     check(nc_create(part.c_str(), NC_CLOBBER | format, &id_));
     is_open_ = true;
-    check(nc_set_fill(id_, NC_NOFILL, nullptr));  // every value is written, none needs a first one
+    // Every value is written, so that no fill values are needed.
+    check(nc_set_fill(id_, NC_NOFILL, nullptr));
   }
   ~NetcdfFile() {
     if (is_open_) nc_abort(id_);
@@ -48,7 +49,7 @@ class NetcdfFile {
         dimensions.size() == 2 ? std::vector<std::size_t>{1, n_cells} : std::vector{n_cells};
     check(nc_def_var_chunking(id_, variable, NC_CHUNKED, chunk.data()));
     check(nc_def_var_deflate(id_, variable, 1, 1, 1));
-    // A chunk is written once and whole: nothing is to be kept of it.
+    // A chunk is written once and whole, so that no cache of chunks is needed.
     check(nc_set_var_chunk_cache(id_, variable, 0, 0, 0.0f));
   }
   void add_text(int variable, const char* name, const std::string& text) {

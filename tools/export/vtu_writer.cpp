@@ -149,8 +149,8 @@ void write_snapshot(const fs::path& name, const CaseResults& results, const Snap
   file.write();
 }
 
-void write_maxima(const fs::path& name, const CaseResults& results,
-                  const std::vector<float>& max_depth, bool has_relief) {
+void write_envelope(const fs::path& name, const CaseResults& results,
+                    const std::vector<float>& max_depth, bool has_relief) {
   VtuFile file(name, results.mesh.n_nodes(), results.mesh.n_cells());
   add_mesh(file, results, has_relief);
   file.begin("CellData");
@@ -206,7 +206,7 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
     write_collection(collection, data_sets);
   }
   if (const auto max_depth = results.max_depth()) {
-    write_maxima(beside("_maxima"), results, *max_depth, options.has_relief);
+    write_envelope(beside("_envelope"), results, *max_depth, options.has_relief);
   }
 }
 

@@ -90,7 +90,7 @@ std::string right_aligned(const std::string& text, std::size_t width) {
   return std::string(width > text.size() ? width - text.size() : 0, ' ') + text;
 }
 
-/// The first value, with its unit and what it means.
+/// The first value, with its unit; for a discharge also how much flows in or out.
 std::string first_value(const Boundary& boundary) {
   if (boundary.kind->imposes_level()) return shown(boundary.value) + " m";
   if (!boundary.kind->imposes_discharge()) return "-";

@@ -70,7 +70,7 @@ std::vector<std::optional<double>> values_of_cells(const Mesh& mesh, const std::
                         [](const Request& request) { return request.surface < 0; });
   std::vector<std::optional<double>> values(mesh.cells.size());
   for (const Request& request : parsed) {
-    std::vector<bool> is_meant;  // by zone
+    std::vector<bool> is_meant;  // whether the request holds for a zone
     for (const auto& zone : mesh.zones) {
       is_meant.push_back(request.surface < 0 ||
                          std::binary_search(zone.begin(), zone.end(), request.surface));

@@ -54,7 +54,7 @@ std::string describe(const std::exception_ptr& thrown) {
 std::string run_gmsh(const std::string& geo, const std::string& msh) {
   std::string thrown;
   try {
-    constexpr bool reads_settings = false;  // which are programs of Gmsh's language too
+    constexpr bool reads_settings = false;  // a settings file is a program in Gmsh's language, too
     gmsh::initialize(0, nullptr, reads_settings);
     gmsh::option::setNumber("General.Terminal", 0);
     gmsh::logger::start();

@@ -11,8 +11,8 @@
 namespace mesh_import {
 
 /// Makes the edges of `contents.mesh`, which has its fields already, and gives those on the
-/// boundary their conditions. Edges of a section cross it all in its direction, the other ones name
-/// the lower cell first. Throws tools::Error.
+/// boundary their conditions. The normals of the edges of a section point in its direction; all
+/// other edges name the lower cell first. Throws tools::Error.
 void import_edges(const ImportOptions& options, const std::vector<BoundaryRequest>& requests,
                   Case& contents, std::ostream& out);
 

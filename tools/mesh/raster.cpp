@@ -154,7 +154,7 @@ std::optional<double> Raster::interpolate_at(Point point) const {
   const double s = u - column, t = v - row;
   double sum = 0.0, weight = 0.0;
   const auto add = [&](int c, int r, double w) {
-    if (w == 0.0) return;  // the pixel may not even exist
+    if (w == 0.0) return;  // such a pixel may lie beyond the border
     const double pixel = value(c, r);
     if (std::isnan(pixel)) return;
     sum += w * pixel;

@@ -22,10 +22,11 @@ void remove_folder(const std::filesystem::path& path) {
 /// The process that outlives this one: it waits for a word that it isn't needed, or until nobody
 /// holds the other end of the pipe any more, neither the program nor a child.
 [[noreturn]] void keep_watch(const std::filesystem::path& path, int pipe_end) {
-  setsid();  // what ends all processes of a terminal or of a service leaves it time for its work
+  setsid();  // a signal to all processes of a terminal or of a service does not reach it
   for (const int number : {SIGINT, SIGTERM, SIGHUP}) std::signal(number, SIG_IGN);
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-    if (stream != pipe_end) close(stream);  // else who reads them waits for this process too
+    // Programs that read them would wait for this process too.
+    if (stream != pipe_end) close(stream);
   }
   char word;
   ssize_t n_read;

@@ -25,7 +25,7 @@ class TemporaryFolder {
  private:
   std::filesystem::path path_;
   pid_t keeper_ = -1;
-  int lifeline_ = -1;  ///< a pipe to the keeper, which children have too
+  int lifeline_ = -1;  ///< a pipe to the process that keeps watch; children inherit it
 };
 
 }  // namespace tools

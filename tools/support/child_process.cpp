@@ -14,7 +14,7 @@
 namespace tools {
 
 pid_t fork_child(const std::string& purpose) {
-  std::cout << std::flush;  // else the child may write it once more
+  std::cout << std::flush;  // or else the child may write the same text once more
   const pid_t parent = getpid();
   const pid_t child = fork();
   if (child < 0) {

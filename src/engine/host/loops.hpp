@@ -11,7 +11,7 @@ namespace engine {
 /// A range of edges, and the slots that they fill: edge e the slots e - begin of both sides.
 struct EdgeRange {
   int begin, end;
-  int first_cell;  ///< what cell 0 of the edges is among all cells
+  int first_cell;  ///< number, among all cells, of the cell that the edges call 0
   kernels::SlotColumns left, right;
 };
 
@@ -32,8 +32,8 @@ struct SoilRange {
   double* demand;  ///< of the cells of the range, m
 };
 
-/// The smallest stable step so far (s), and whether none of the cells that it was asked of can
-/// change in a step without inflow.
+/// What a loop over cells found: the smallest stable step so far (s), and whether none of its cells
+/// can change in a step without inflow.
 struct Advance {
   double stable_step;
   bool all_rest;

@@ -198,7 +198,7 @@ TEST_F(Netcdf, EveryResultLiesOnTheFacesAndHidesWithAFillValue) {
     EXPECT_EQ(attributes["_FillValue"], "nan") << variable;
     EXPECT_TRUE(attributes.contains("units")) << variable;
   }
-  EXPECT_EQ(results, 9);  // depth, level, two of velocity, two of discharge, infiltration, maxima
+  EXPECT_EQ(results, 9);  // depth, level, two of velocity, two of discharge, infiltration, envelope
 }
 
 TEST_F(Netcdf, TheReferenceSystemHangsOnTheCoordinatesOfTheNodes) {

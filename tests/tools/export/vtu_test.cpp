@@ -15,7 +15,7 @@ TEST_F(Vtu, EverySnapshotIsThereToItsSixDigits) {
     EXPECT_EQ(read_values({"vtu", file, "unit_discharge", "1"}), column(snapshots[t], 5, true));
     EXPECT_EQ(read_values({"vtu", file, "infiltrated_depth"}), column(snapshots[t], 6, true));
   }
-  EXPECT_EQ(read_values({"vtu", "export/results_maxima.vtu", "max_depth"}),
+  EXPECT_EQ(read_values({"vtu", "export/results_envelope.vtu", "max_depth"}),
             column("out/enveloppe.txt", 3, false));
 }
 

@@ -108,9 +108,9 @@ bool is_complete(const std::vector<cases::Number>& section) {
 
 void check_envelope(const DataFile& data, const std::optional<double>& first_step,
                     Findings& findings) {
-  if (!data.dt_enveloppe) return;
+  if (!data.envelope_interval) return;
   check_recorded_end('"' + std::string(key("output/time step enveloppe of results").path) + '"',
-                     *data.dt_enveloppe, data, first_step, findings);
+                     *data.envelope_interval, data, first_step, findings);
 }
 
 void check_gauges(const DataFile& data, const CheckedCase& checked,
@@ -139,12 +139,12 @@ void check_gauges(const DataFile& data, const CheckedCase& checked,
 
 void check_sections(const DataFile& data, const CheckedCase& checked,
                     const std::optional<double>& first_step, Findings& findings) {
-  if (!data.discharges) return;
+  if (!data.sections) return;
   const cases::Mesh& mesh = checked.contents.mesh;
   const int limit = checked.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
-  CheckedFile file(*data.discharges, key("output/discharges").path, findings);
+  CheckedFile file(*data.sections, key("output/discharges").path, findings);
   const cases::SectionRequest request = cases::read_sections(file, limit);
-  check_interval(*data.discharges, request.interval, data, first_step, findings);
+  check_interval(*data.sections, request.interval, data, first_step, findings);
   for (std::size_t s = 0; s < request.sections.size() && checked.has_edges; ++s) {
     const std::vector<cases::Number>& section = request.sections[s];
     if (!is_complete(section) || is_consistent(mesh, section)) continue;
@@ -158,8 +158,8 @@ void check_sections(const DataFile& data, const CheckedCase& checked,
 }
 
 void check_snapshots(const DataFile& data, Findings& findings) {
-  if (!data.pictures) return;
-  CheckedFile file(*data.pictures, key("output/snapshots of flow").path, findings);
+  if (!data.snapshots) return;
+  CheckedFile file(*data.snapshots, key("output/snapshots of flow").path, findings);
   const std::vector<double> times = cases::read_snapshots(file).times;
   if (!data.has_steps()) return;
   double before = -std::numeric_limits<double>::infinity();

@@ -102,7 +102,7 @@ class KeyCheck {
   void check(const Key& known) {
     const nlohmann::json* const value = value_at(document_, known.path);
     if (value == nullptr) {
-      // What a missing section would hold is not listed.
+      // Where a whole section is missing, its keys are not listed one by one.
       const bool can_stand = value_at(document_, known.section()) != nullptr;
       if (is_needed(known) && can_stand) {
         findings_.error("missing key",
@@ -189,10 +189,10 @@ DataFile values_of(const KeyCheck& keys) {
   data.infiltracells = keys.value<std::string>(key("model/sources/infiltracells"));
   data.initial_infiltration = keys.value<std::string>(key("model/sources/initial infiltration"));
   data.folder = keys.value<std::string>(key("output/folder"));
-  data.dt_enveloppe = keys.value<double>(key("output/time step enveloppe of results"));
-  data.pictures = keys.value<std::string>(key("output/snapshots of flow"));
+  data.envelope_interval = keys.value<double>(key("output/time step enveloppe of results"));
+  data.snapshots = keys.value<std::string>(key("output/snapshots of flow"));
   data.gauges = keys.value<std::string>(key("output/gauges"));
-  data.discharges = keys.value<std::string>(key("output/discharges"));
+  data.sections = keys.value<std::string>(key("output/discharges"));
   return data;
 }
 
@@ -210,10 +210,10 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
   if (data.cfl) findings.add_remark("Courant number", plausibility::on_courant_number(*data.cfl));
   findings.add_remark("zero depth",
                       plausibility::on_dry_depth(data.zero_depth, data.has_sediments()));
-  if (data.dt_enveloppe) {
+  if (data.envelope_interval) {
     findings.add_remark("envelope", plausibility::on_interval(
                                         quoted(key("output/time step enveloppe of results").path),
-                                        *data.dt_enveloppe));
+                                        *data.envelope_interval));
   }
 }
 

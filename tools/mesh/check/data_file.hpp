@@ -24,8 +24,8 @@ struct DataFile {
   std::optional<std::string> infiltration, infiltracells, initial_infiltration;
 
   std::optional<std::string> folder;
-  std::optional<double> dt_enveloppe;  ///< s
-  std::optional<std::string> pictures, gauges, discharges;
+  std::optional<double> envelope_interval;  ///< s
+  std::optional<std::string> snapshots, gauges, sections;
 
   bool has_sediments() const;
   /// Whether the run advances at all.

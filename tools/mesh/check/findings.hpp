@@ -21,7 +21,7 @@ class Findings {
  public:
   void error(const std::string& kind, const std::string& text);
   void warning(const std::string& kind, const std::string& text);
-  /// Warnings that another one has worded, if it has.
+  /// Warnings in the words of a rule of the simulator, if the rule remarks on anything.
   void add_remark(const std::string& kind, const std::optional<std::string>& text);
   void add_remarks(const std::string& kind, const std::vector<std::string>& texts);
 
