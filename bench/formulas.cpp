@@ -202,13 +202,11 @@ void add_loops() {
   add_loop("loop/exponential/library", loop_of([](double x) { return std::exp(x); }));
   add_loop("loop/logarithm/library", loop_of([](double x) { return std::log(x); }));
   add_loop("loop/power_2_3/library", loop_of([](double x) { return std::pow(x, 2.0 / 3.0); }));
-  add_loop("loop/power_4_3/library", loop_of([](double x) { return std::pow(x, 4.0 / 3.0); }));
   for (const formula_loops::Loops& loops : formula_loops::of_this_machine()) {
     const std::string set = loops.instruction_set;
     add_loop("loop/exponential/" + set, loops.exponential);
     add_loop("loop/logarithm/" + set, loops.natural_logarithm);
     add_loop("loop/power_2_3/" + set, loops.power_2_3);
-    add_loop("loop/power_4_3/" + set, loops.power_4_3);
     add_benchmark("loop/green_ampt/" + set, [loops](benchmark::State& state) {
       run_soil(state, loops.green_ampt, {3e-6, 0.11, 0.25, 1.0, 1e-6});
     });

@@ -85,10 +85,8 @@ QM_HD inline double times_cube_root(double p, double dp, const CubeRoot& root,
 }
 
 // Powers of a number that is not negative; the exponents are the doubles nearest to the fractions.
-// Within one unit in the last place of the true power wherever the comment of the power says it
-// holds; 0 where x is 0.
 
-/// x^(2/3); holds up to 1e308.
+/// x^(2/3) within one unit in the last place, up to 1e308; 0 where x is 0.
 QM_HD inline double power_2_3(double x) {
   // Where the rounding error of a small cube could underflow, the root is taken of 2^162 x.
   const bool tiny = x < 0x1p-900;
@@ -96,10 +94,6 @@ QM_HD inline double power_2_3(double x) {
   root.ln -= tiny ? 162.0 * 0.6931471805599453 : 0.0;
   const double value = times_cube_root(root.c, root.dc, root, -3.7025504190379976e-17);
   return tiny ? value * 0x1p-108 : value;
-}
-/// x^(4/3); holds from 1e-215 to 1e230.
-QM_HD inline double power_4_3(double x) {
-  return times_cube_root(x, 0.0, cube_root(x), -7.405100838075995e-17);
 }
 /// x^(-4/3) from x and its rounded reciprocal; within one and two thirds units in the last place
 /// from e^-20 to e^20.
@@ -111,20 +105,6 @@ QM_HD inline double power_minus_4_3(double x, double reciprocal) {
   const double lack = lack_of_reciprocal_root(x, y) + (lack_of_reciprocal + lack_of_exponent);
   return fused(rough, lack, rough);
 }
-/// x^(7/3); holds from 1e-120 to 1e130.
-QM_HD inline double power_7_3(double x) {
-  const double x2 = x * x;
-  return times_cube_root(x2, fused(x, x, -x2), cube_root(x), 1.4810201676151990e-16);
-}
-/// x^(10/3); holds from 1e-90 to 1e90.
-QM_HD inline double power_10_3(double x) {
-  const double x2 = x * x;
-  const double x3 = x2 * x;
-  const double dx3 = fused(x2, x, -x3) + fused(x, x, -x2) * x;
-  return times_cube_root(x3, dx3, cube_root(x), 1.4810201676151990e-16);
-}
-/// x^1.5 within two units in the last place, or rounded to 0 or infinity; holds for every x.
-QM_HD inline double power_3_2(double x) { return x * std::sqrt(x); }
 
 // Exponential and logarithm reduce their argument by a multiple of ln 2, which two doubles hold
 // (the first with trailing zeros, so that its multiples are exact), and sum a Taylor series.

@@ -104,10 +104,7 @@ QM_HD inline void add_arithmetic(Results& results, Random& random) {
   add(results, physics::natural_logarithm(x));
   add(results, physics::natural_logarithm(uniform(random, -0.1, 2.0)));
   add(results, physics::power_2_3(x));
-  add(results, physics::power_4_3(x));
-  add(results, physics::power_7_3(x));
-  add(results, physics::power_10_3(x));
-  add(results, physics::power_3_2(x));
+  add(results, physics::power_minus_4_3(x, 1.0 / x));
 }
 
 QM_HD inline void add_fluxes(Results& results, Random& random, const physics::CellWater& left,

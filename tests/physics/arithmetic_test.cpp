@@ -88,45 +88,14 @@ TEST(Arithmetic, ThePower2_3IsExactToARoundingAndFarOutToTwoThirdsOfAUnit) {
   EXPECT_LT(ulps(physics::power_2_3(1e308), exact(1e308)), 0.66);
 }
 
-TEST(Arithmetic, ThePower4_3IsExactToARoundingAndFarOutToThreeQuartersOfAUnit) {
-  const auto exact = exact_power(4.0 / 3.0);
-  EXPECT_LT(worst_over_logarithms(physics::power_4_3, exact, usual, many), 0.56);
-  const Interval valid = {std::log(1e-215), std::log(1e230)};
-  EXPECT_LT(worst_over_logarithms(physics::power_4_3, exact, valid, many / 10), 0.75);
-}
-
 TEST(Arithmetic, TheReciprocalPower4_3IsWithinOneAndTwoThirdsUnits) {
   const auto power = [](double x) { return physics::power_minus_4_3(x, 1.0 / x); };
   EXPECT_LT(worst_over_logarithms(power, exact_power(-4.0 / 3.0), usual, many), 1.62);
 }
 
-TEST(Arithmetic, ThePower7_3IsExactToARoundingAndFarOutToThreeQuartersOfAUnit) {
-  const auto exact = exact_power(7.0 / 3.0);
-  EXPECT_LT(worst_over_logarithms(physics::power_7_3, exact, usual, many), 0.58);
-  const Interval valid = {std::log(1e-120), std::log(1e130)};
-  EXPECT_LT(worst_over_logarithms(physics::power_7_3, exact, valid, many / 10), 0.77);
-}
-
-TEST(Arithmetic, ThePower10_3IsExactToARoundingAndFarOutToThreeQuartersOfAUnit) {
-  const auto exact = exact_power(10.0 / 3.0);
-  EXPECT_LT(worst_over_logarithms(physics::power_10_3, exact, usual, many), 0.58);
-  const Interval valid = {std::log(1e-90), std::log(1e90)};
-  EXPECT_LT(worst_over_logarithms(physics::power_10_3, exact, valid, many / 10), 0.72);
-}
-
-TEST(Arithmetic, ThePower3_2IsWithinOneAndAThirdUnits) {
-  const auto exact = exact_power(1.5);
-  EXPECT_LT(worst_over_logarithms(physics::power_3_2, exact, usual, many), 1.32);
-  EXPECT_LT(worst_over_logarithms(physics::power_3_2, exact, {-744.0, 709.7}, many / 10), 1.32);
-}
-
 TEST(Arithmetic, PowersOfNothingAndOfOneAreThemselves) {
   for (const double x : {0.0, 1.0}) {
     EXPECT_EQ(physics::power_2_3(x), x);
-    EXPECT_EQ(physics::power_4_3(x), x);
-    EXPECT_EQ(physics::power_7_3(x), x);
-    EXPECT_EQ(physics::power_10_3(x), x);
-    EXPECT_EQ(physics::power_3_2(x), x);
   }
 }
 

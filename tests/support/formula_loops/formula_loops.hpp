@@ -19,7 +19,7 @@ using SoilLoop = void (*)(const Soil& soil, const physics::SoilStep& step, const
 struct Loops {
   const char* instruction_set;
   Loop exponential, natural_logarithm;
-  Loop power_2_3, power_4_3, power_7_3, power_10_3, power_3_2;
+  Loop power_2_3;
   SoilLoop<physics::GreenAmptSoil> green_ampt;
   SoilLoop<physics::HortonSoil> horton;
 };

@@ -24,22 +24,6 @@ void power_2_3(const double* x, double* y, std::size_t n) {
   apply([](double v) { return physics::power_2_3(v); }, x, y, n);
 }
 
-void power_4_3(const double* x, double* y, std::size_t n) {
-  apply([](double v) { return physics::power_4_3(v); }, x, y, n);
-}
-
-void power_7_3(const double* x, double* y, std::size_t n) {
-  apply([](double v) { return physics::power_7_3(v); }, x, y, n);
-}
-
-void power_10_3(const double* x, double* y, std::size_t n) {
-  apply([](double v) { return physics::power_10_3(v); }, x, y, n);
-}
-
-void power_3_2(const double* x, double* y, std::size_t n) {
-  apply([](double v) { return physics::power_3_2(v); }, x, y, n);
-}
-
 template <class Soil, class Formula>
 inline void apply_soil(Formula formula, const Soil soil, const physics::SoilStep step,
                        const double* __restrict h, double* __restrict F, double* __restrict D,
@@ -74,10 +58,6 @@ Loops QUILLMERE_ISA_NAME() {
           .exponential = exponential,
           .natural_logarithm = natural_logarithm,
           .power_2_3 = power_2_3,
-          .power_4_3 = power_4_3,
-          .power_7_3 = power_7_3,
-          .power_10_3 = power_10_3,
-          .power_3_2 = power_3_2,
           .green_ampt = green_ampt,
           .horton = horton};
 }
