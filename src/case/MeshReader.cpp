@@ -1,6 +1,6 @@
 #include "case/MeshReader.hpp"
 
-#include "case/boundary_kinds.hpp"
+#include "case/mesh_records.hpp"
 
 namespace utils {
 
@@ -25,54 +25,23 @@ void MeshReader::begin_next_record() {
 }
 
 const std::vector<double>& MeshReader::read_next_node(int n) {
-  static const char* const fields[] = {"x", "y", "z"};
   begin_next_record();
-  node_values_.clear();
-  for (int i = 0; i < n; ++i) {
-    node_values_.push_back(scanner_.read_number(i < 3 ? fields[i] : "further coordinate"));
-  }
+  node_values_.resize(static_cast<std::size_t>(n));
+  cases::read_node(scanner_, node_values_);
   return node_values_;
 }
 
 const std::vector<int>& MeshReader::read_next_cell(int n_nodes) {
   begin_next_record();
-  const int k = scanner_.read_integer("number of nodes");
-  if (k < 3 || k != static_cast<int>(cell_nodes_.size())) resize_cell(k);
-  for (int& node : cell_nodes_) node = scanner_.read_index("node", n_nodes);
+  cases::read_cell(scanner_, n_nodes, cell_nodes_);
   return cell_nodes_;
-}
-
-void MeshReader::resize_cell(int number_of_nodes) {
-  scanner_.require_count(number_of_nodes, "number of nodes", 1);
-  if (number_of_nodes < 3) scanner_.refuse("number of nodes", "at least 3");
-  cell_nodes_.resize(static_cast<std::size_t>(number_of_nodes));
 }
 
 const EdgeRecord& MeshReader::read_next_edge(int n_nodes, int n_cells) {
   begin_next_record();
-  auto& [left, right, node1, node2, code, value, file] = edge_;
-  left = scanner_.read_index("left cell", n_cells);
-  right = scanner_.read_integer("right cell");
-  if (right >= n_cells) {
-    scanner_.refuse("right cell",
-                    "an index from 0 to " + std::to_string(n_cells - 1) + ", or -1 on a boundary");
-  }
-  node1 = scanner_.read_index("node 1", n_nodes);
-  node2 = scanner_.read_index("node 2", n_nodes);
-  code = scanner_.read_integer("boundary code");
-  if (edge_code::is_between_cells(code) && right < 0) {
-    scanner_.refuse("boundary code", "a boundary condition, since the edge has no right cell");
-  }
-  if (edge_code::is_between_cells(code) && right == left) {
-    scanner_.refuse("boundary code", "two different cells on the sides of an interior edge");
-  }
-  const cases::BoundaryKind* const kind = cases::boundary_kind(code);
-  if (kind != nullptr && kind->has_series()) {
-    file = scanner_.read_word("time-series file");
-  } else {
-    file.clear();
-  }
-  value = kind != nullptr && kind->has_value() ? scanner_.read_number("imposed value") : 0.0;
+  cases::EdgeRecord edge;
+  cases::read_edge(scanner_, n_nodes, n_cells, edge, [](int) {});
+  edge_ = {edge.left, edge.right, edge.node1, edge.node2, edge.code, edge.value, edge.file};
   return edge_;
 }
 

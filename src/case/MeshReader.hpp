@@ -45,7 +45,6 @@ class MeshReader {
 
  private:
   void begin_next_record();
-  void resize_cell(int number_of_nodes);
 
   TextScanner scanner_;
   const char* kind_;
