@@ -19,22 +19,4 @@ physics::InitialWater initial_water_of(const Case& contents, Number cell) {
                                 fields.qx[at(cell)], fields.qy[at(cell)], contents.zero_depth);
 }
 
-double largest_initial_depth(const Case& contents) {
-  double largest = 0.0;
-  for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
-    const double h = initial_water_of(contents, cell).h;
-    if (h > largest) largest = h;
-  }
-  return largest;
-}
-
-double smallest_char_length(const Mesh& mesh) {
-  double smallest = 1e20;
-  for (Number cell = 0; cell < mesh.n_cells(); ++cell) {
-    const double length = mesh.geometry_of(cell).char_length();
-    if (length < smallest) smallest = length;
-  }
-  return smallest;
-}
-
 }  // namespace cases

@@ -12,9 +12,4 @@ double bed_rock_of(const Case& contents, Number cell);
 double bed_level_of(const Case& contents, Number cell);
 physics::InitialWater initial_water_of(const Case& contents, Number cell);
 
-/// The largest initial depth of all cells, m; 0 without any.
-double largest_initial_depth(const Case& contents);
-/// The smallest characteristic length of all cells, m; 1e20 without any.
-double smallest_char_length(const Mesh& mesh);
-
 }  // namespace cases

@@ -46,17 +46,4 @@ TEST_F(InitialStateTest, TheDepthIsCountedFromTheBedWithItsSediment) {
   EXPECT_EQ(cases::initial_water_of(contents, 1).h, 0.0);
 }
 
-TEST_F(InitialStateTest, FindsTheLargestDepth) {
-  EXPECT_EQ(cases::largest_initial_depth(contents), 1.0);
-  contents.fields.bed = {3.5, 0.5};
-  EXPECT_EQ(cases::largest_initial_depth(contents), 3.0);
-  contents.fields.level = {-1.0, -1.0};
-  EXPECT_EQ(cases::largest_initial_depth(contents), 0.0);
-}
-
-TEST_F(InitialStateTest, FindsTheSmallestCell) {
-  EXPECT_DOUBLE_EQ(cases::smallest_char_length(contents.mesh), 1.0);
-  EXPECT_EQ(cases::smallest_char_length(cases::Mesh()), 1e20);
-}
-
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 
 #include "case/initial_state.hpp"
@@ -81,8 +82,9 @@ TEST_F(BuildObjectsTest, TheyStartInTheInitialStateOfTheCase) {
 
 TEST_F(BuildObjectsTest, TheRuleOfTheStepIsThatOfTheCase) {
   const ModelObjects objects = build_objects(contents);
-  EXPECT_EQ(objects.model->h0, cases::largest_initial_depth(contents));
-  EXPECT_EQ(objects.model->char_length_min, cases::smallest_char_length(contents.mesh));
+  const double lengths[] = {contents.mesh.geometry_of(0).char_length(),
+                            contents.mesh.geometry_of(1).char_length()};
+  EXPECT_EQ(objects.model->char_length_min, std::min(lengths[0], lengths[1]));
   EXPECT_EQ(objects.model->h0, 1.5);
 }
 
