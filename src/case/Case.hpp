@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "case/Mesh.hpp"
+#include "physics/rain.hpp"
 
 namespace cases {
 
@@ -23,6 +24,12 @@ struct Hyetogram {
   int step;                         ///< length of a burst, s
   std::vector<double> times;        ///< starts of its intervals, s
   std::vector<double> intensities;  ///< m/s
+
+  /// As the formulas take it; it points into this one.
+  physics::Hyetogram intervals() const {
+    return {times.data(), intensities.data(), static_cast<int>(times.size()),
+            static_cast<double>(step)};
+  }
 };
 
 /// Parameters of soils, in the order of their file.

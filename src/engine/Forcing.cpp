@@ -11,8 +11,7 @@ Forcing::Forcing(const cases::Case& contents, const Tables& tables)
     : case_(contents), soil_steps_(tables.soils.size()) {
   add_series(tables);
   for (const cases::Hyetogram& rain : contents.rain) {
-    rain_.push_back({rain.times.data(), rain.intensities.data(),
-                     static_cast<int>(rain.times.size()), static_cast<double>(rain.step)});
+    rain_.push_back(rain.intervals());
     rain_clocks_.push_back(physics::clock_before_rain(contents.t_start));
   }
   rain_depths_.assign(rain_.size() + 1, 0.0);

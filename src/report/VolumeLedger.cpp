@@ -100,13 +100,8 @@ void VolumeLedger::find_rain() {
       rained_[entry->second].area += area;
       continue;
     }
-    const cases::Hyetogram& rain = case_.rain[at(number)];
-    constexpr int not_located = -1;
-    constexpr double no_burst = 1e20;  // s
-    rained_.push_back({{rain.times.data(), rain.intensities.data(),
-                        static_cast<int>(rain.times.size()), static_cast<double>(rain.step)},
-                       {case_.t_start, not_located, no_burst},
-                       area});
+    rained_.push_back(
+        {case_.rain[at(number)].intervals(), physics::clock_before_rain(case_.t_start), area});
   }
 }
 
