@@ -106,7 +106,6 @@ class Domain {
   double dt_enveloppe = 0.0;            ///< s
   double next_enveloppe_time = 0.0;     ///< s
   double dt_threshold = 1e-08;          ///< smallest acceptable time step, s
-  double cfl = 0.0;
   long steps = 0;
   int flux_scheme = 0;
   bool is_pictures = false;

@@ -51,6 +51,7 @@ void Domain::warn_of_lost_results() const {
   warn_of_lost_states();
   const std::size_t n_cells = at(case_.mesh.n_cells());
   std::vector<double> areas, values(n_cells), component(n_cells);
+  areas.reserve(n_cells);
   for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
     areas.push_back(case_.mesh.geometry_of(cell).area);
   }

@@ -35,7 +35,7 @@ Domain::Domain(const std::string& dataFile, Watchers watchers) : watchers_(watch
   log << "Generic parameters of the run: \n"
       << "  Start time: " << Globals_Params::tStart << " s\t\n"
       << "  End time: " << Globals_Params::tEnd << " s\t\n"
-      << "  Courant-Friedrichs-Lewy (CFL) number: " << cfl << "\n";
+      << "  Courant-Friedrichs-Lewy (CFL) number: " << case_.cfl << "\n";
   utils::print_delimitator(log);
 
   report_model();
@@ -65,7 +65,7 @@ void Domain::take_values(const utils::DataFileReader& reader) {
   simulation_name = reader.get_simulation_name();
   case_.t_start = Globals_Params::tStart = reader.get_start_time();
   case_.t_end = Globals_Params::tEnd = reader.get_end_time();
-  case_.cfl = cfl = reader.get_CFL();
+  case_.cfl = reader.get_CFL();
   nodes_file = reader.get_nodes_file();
   cells_file = reader.get_cells_file();
   edges_file = reader.get_edges_file();

@@ -21,7 +21,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   printTime(Globals::t, 8, 3);
   int passes = 0;
 
-  Globals::dt = cfl * flow_->stable_step();
+  Globals::dt = case_.cfl * flow_->stable_step();
   utils::listen_for_interruption();
   begin_watching();
   while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
@@ -52,7 +52,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
 void Domain::compute_step() {
   const double t = Globals::t, dt = Globals::dt;
-  Globals::dt = cfl * flow_->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
+  Globals::dt = case_.cfl * flow_->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
   ++steps;
   // Intended: the clock advances by the new step, not by the one just applied, and no step is
   // shortened to meet an output time or the end.
