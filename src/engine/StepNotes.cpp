@@ -25,10 +25,6 @@ bool sets_step(const Tables& tables, std::size_t place, double step) {
              step;
 }
 
-void note(physics::FlowRecord& record, double value, int cell) {
-  if (value > record.value) record = {value, cell};
-}
-
 }  // namespace
 
 StepNotes::StepNotes(const Tables& tables, double stable_step)
@@ -45,8 +41,8 @@ void StepNotes::note_present(const Tables& tables, double stable_step) {
   for (int cell = 0; cell < static_cast<int>(tables.place.size()); ++cell) {
     const std::size_t place = at(tables.place[at(cell)]);
     const physics::FlowExtremes of_cell = extremes_at(tables, place);
-    note(notes_.speed_squared, of_cell.speed_squared, cell);
-    note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
+    physics::note(notes_.speed_squared, of_cell.speed_squared, cell);
+    physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
     notes_.not_finite += of_cell.not_finite;
     if (first_to_set_step < 0 && sets_step(tables, place, stable_step)) first_to_set_step = cell;
   }

@@ -14,10 +14,6 @@ physics::FlowExtremes extremes_of(const ComputationalCell& cell) {
                                     physics::depth_terms(U.h, Constants::ZERO_DEPTH));
 }
 
-void note(physics::FlowRecord& record, double value, int cell) {
-  if (value > record.value) record = {value, cell};
-}
-
 }  // namespace
 
 StepWatch::StepWatch(PhysicalModel& model)
@@ -45,8 +41,8 @@ void StepWatch::note_states(double stable_step) {
   physics::FlowExtremes all;
   for (const auto& cell : model_.cells) {
     const physics::FlowExtremes of_cell = extremes_of(*cell);
-    note(notes_.speed_squared, of_cell.speed_squared, cell->id);
-    note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell->id);
+    physics::note(notes_.speed_squared, of_cell.speed_squared, cell->id);
+    physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell->id);
     all = physics::united(all, of_cell);
   }
   notes_.not_finite = all.not_finite;

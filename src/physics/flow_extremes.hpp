@@ -45,6 +45,11 @@ struct FlowRecord {
   int cell = -1;  ///< -1: no value above 0 yet
 };
 
+/// Notes the value of a cell where it is larger; cells come in their order.
+QM_HD inline void note(FlowRecord& record, double value, int cell) {
+  if (value > record.value) record = {value, cell};
+}
+
 /// What a step tells of the flow.
 struct StepNotes {
   /// The cell whose wave set the stable step; -1 where dry cells did, or nothing. Of several cells
