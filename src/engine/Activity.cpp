@@ -30,15 +30,15 @@ bool has_rain(const Tables& tables, const Range& cells) {
                                       [](int hyetogram) { return hyetogram > 0; });
 }
 
-/// Whether a cell across a cut edge of a patch is wet.
-bool touches_water(const Tables& tables, const Patch& patch) {
+/// Whether a cell across a cut edge of a patch is wet; of those from a place on.
+bool touches_water(const Tables& tables, const Patch& patch, int first_place) {
   const EdgeTable<int>& cut = tables.patches.cut_edges;
   const int edges = tables.cut_edges();
   const auto begin = tables.patches.outer_slots.begin();
   return std::any_of(begin + patch.outer_slots.begin, begin + patch.outer_slots.end, [&](int slot) {
     if (slot >= 2 * edges) return false;  // a boundary
     const int cell = slot < edges ? cut.right[at(slot)] : cut.left[at(slot - edges)];
-    return physics::is_wet(tables.cells.h[at(cell)], tables.zero_depth);
+    return cell >= first_place && physics::is_wet(tables.cells.h[at(cell)], tables.zero_depth);
   });
 }
 
@@ -53,7 +53,7 @@ Activity::Activity(const Tables& tables) {
     always_active_.push_back(has_inflow(tables, patch) || has_recovering_soil(tables, p));
     has_rain_.push_back(has_rain(tables, patch.cells));
   }
-  active_.reserve(count);
+  for (std::vector<int>* list : {&active_, &border_, &interior_}) list->reserve(count);
   with_fluxes_.reserve(count);
 }
 
@@ -64,17 +64,26 @@ void Activity::find(const Tables& tables, bool it_rains) {
   }
   active_.clear();
   for (std::size_t p = 0; p < patches.size(); ++p) {
-    if (marks_[p] != 0 || (touches_mark(tables, patches[p]) && touches_water(tables, patches[p]))) {
-      active_.push_back(static_cast<int>(p));
-    }
+    if (marks_[p] != 0 || takes_inflow(tables, patches[p])) active_.push_back(static_cast<int>(p));
   }
-  for (const int p : active_) marks_[at(p)] = 1;
+  border_.clear();
+  interior_.clear();
+  for (const int p : active_) {
+    marks_[at(p)] = 1;
+    (patches[at(p)].is_border ? border_ : interior_).push_back(p);
+  }
   with_fluxes_.clear();
   for (std::size_t p = 0; p < patches.size(); ++p) {
     if (marks_[p] != 0 || touches_mark(tables, patches[p])) {
       with_fluxes_.push_back(static_cast<int>(p));
     }
   }
+}
+
+bool Activity::takes_inflow(const Tables& tables, const Patch& patch) const {
+  // Which patches of other ranks take part is not known here: any water at their border counts.
+  if (patch.is_border && touches_water(tables, patch, tables.owned)) return true;
+  return touches_mark(tables, patch) && touches_water(tables, patch, 0);
 }
 
 bool Activity::touches_mark(const Tables& tables, const Patch& patch) const {

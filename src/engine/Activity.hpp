@@ -17,6 +17,9 @@ class Activity {
   void find(const Tables& tables, bool it_rains);
   /// Patches that the step computes, in ascending order.
   const std::vector<int>& patches() const { return active_; }
+  /// Those of them with cells that are ghosts of others, and the rest.
+  const std::vector<int>& border_patches() const { return border_; }
+  const std::vector<int>& interior_patches() const { return interior_; }
   /// Patches whose outer fluxes the step computes: those around every patch that takes part.
   const std::vector<int>& with_fluxes() const { return with_fluxes_; }
   bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
@@ -27,13 +30,14 @@ class Activity {
   void set_can_change(int patch, bool can_change) { can_change_[at(patch)] = can_change; }
 
  private:
+  bool takes_inflow(const Tables& tables, const Patch& patch) const;
   bool touches_mark(const Tables& tables, const Patch& patch) const;
 
   std::vector<char> can_change_;     ///< per patch, by the state of its own cells
   std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
   std::vector<char> has_rain_;
   std::vector<char> marks_;
-  std::vector<int> active_, with_fluxes_;
+  std::vector<int> active_, border_, interior_, with_fluxes_;
 };
 
 }  // namespace engine

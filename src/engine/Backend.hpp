@@ -29,9 +29,10 @@ class Backend {
   virtual double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                          const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                          StepNotes* notes) = 0;
-  /// Where this step was not hyperbolic, on the first such edge of the model. From the first time
-  /// on it looks no further.
-  virtual std::optional<NotHyperbolic> take_not_hyperbolic() = 0;
+  /// Where this step was not hyperbolic, on the first such edge of the model.
+  virtual std::optional<NotHyperbolic> not_hyperbolic() const = 0;
+  /// From now on no step looks for that.
+  virtual void ignore_not_hyperbolic() = 0;
 
   virtual int threads() const = 0;
   virtual const char* instruction_set() const = 0;

@@ -1,6 +1,7 @@
 #include "engine/Engine.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "engine/host/HostBackend.hpp"
 #include "physics/stable_step.hpp"
@@ -8,8 +9,13 @@
 namespace engine {
 
 Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch)
-    : team_(threads),
-      tables_(make_tables(contents, team_, cells_per_patch)),
+    : Engine(contents, {}, alone_, threads, cells_per_patch) {}
+
+Engine::Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
+               int cells_per_patch)
+    : exchange_(exchange),
+      team_(threads),
+      tables_(make_tables(contents, std::move(subset), team_, cells_per_patch)),
       forcing_(contents, tables_),
       activity_(tables_),
       backend_(std::make_unique<HostBackend>(tables_, team_)) {
@@ -19,34 +25,68 @@ Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch)
   step_.grains = tables_.grains;
 }
 
-double Engine::stable_step() const {
+double Engine::stable_step() {
   const CellTable& c = tables_.cells;
   double smallest = physics::unbounded_step;
-  for (std::size_t i = 0; i < c.h.size(); ++i) {
+  for (std::size_t i = 0; i < at(tables_.owned); ++i) {
     const bool is_dry = c.h[i] <= tables_.zero_depth;
     const double step = is_dry ? tables_.dry_step
                                : physics::stable_step(c.h[i], c.qx[i], c.qy[i], c.char_length[i],
                                                       tables_.zero_depth);
     smallest = physics::smaller(smallest, step);
   }
-  return physics::stable_step_domain(smallest, tables_.char_length_min);
+  exchange_.start_minimum({.step = smallest});
+  return physics::stable_step_domain(exchange_.finish_minimum().step, tables_.char_length_min);
 }
 
-double Engine::advance(const StepTimes& times) {
+double Engine::advance(const StepTimes& times, const Wishes& own) {
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
   activity_.find(tables_, forcing_.it_rains());
   backend_->outer_fluxes(activity_.with_fluxes(), step_);
 
-  const std::vector<int>& patches = activity_.patches();
-  double smallest =
-      backend_->advance(patches, step_, forcing_.soil_steps(), activity_, notes_.get());
+  // What others wait for comes first; it is on its way while the rest is computed.
+  const double of_border = advance_patches(activity_.border_patches());
+  exchange_.start_halo(tables_);
+  const double of_interior = advance_patches(activity_.interior_patches());
+  start_minimum(physics::smaller(of_border, of_interior), own);
+  finish_halo();
   tables_.drop_given_surface();
-  const bool skipped_dry_cells = patches.size() < tables_.patches.patches.size();
+  agreed_ = exchange_.finish_minimum();
+
+  find_not_hyperbolic();
+  if (notes_) notes_->sum_up(tables_, activity_.patches(), agreed_.step);
+  return physics::stable_step_domain(agreed_.step, tables_.char_length_min);
+}
+
+double Engine::advance_patches(const std::vector<int>& patches) {
+  return backend_->advance(patches, step_, forcing_.soil_steps(), activity_, notes_.get());
+}
+
+void Engine::start_minimum(double smallest, const Wishes& own) {
+  const bool skipped_dry_cells = activity_.patches().size() < tables_.patches.patches.size();
   if (skipped_dry_cells) smallest = physics::smaller(smallest, tables_.dry_step);
-  if (notes_) notes_->sum_up(tables_, patches, smallest);
-  return physics::stable_step_domain(smallest, tables_.char_length_min);
+  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.checkpoint ? -1.0 : 0.0,
+                           found ? static_cast<double>(found->edge) : HUGE_VAL});
+}
+
+void Engine::finish_halo() {
+  exchange_.finish_halo(tables_);
+  tables_.set_bed_from_sediment(tables_.ghosts());
+}
+
+void Engine::find_not_hyperbolic() {
+  not_hyperbolic_.reset();
+  if (agreed_.not_hyperbolic == HUGE_VAL) return;
+  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  backend_->ignore_not_hyperbolic();
+  // An edge between two ranks is found on both.
+  if (!found || found->edge != agreed_.not_hyperbolic || !tables_.is_owned(found->place)) return;
+  not_hyperbolic_ = found;
+  const auto cell = std::find(tables_.place.begin(), tables_.place.end(), found->place);
+  not_hyperbolic_->place = static_cast<int>(cell - tables_.place.begin());
 }
 
 namespace {
@@ -72,7 +112,8 @@ void for_each_column(State& state, Tables& tables, const Visit& visit) {
 State Engine::state() {
   State state;
   for_each_column(state, tables_, [&](std::vector<double>& values, const Column& column) {
-    values.resize(column.size());
+    if (column.empty()) return;
+    values.resize(at(tables_.owned));
     read(column, values);
   });
   forcing_.save(state);
@@ -81,12 +122,14 @@ State Engine::state() {
 
 void Engine::set_state(const State& state) {
   for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
-    column.resize(values.size());
-    for (std::size_t cell = 0; cell < values.size(); ++cell) {
-      column[at(tables_.place[cell])] = values[cell];
+    column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
+    for (int k = 0; k < static_cast<int>(values.size()); ++k) {
+      column[at(tables_.place[at(tables_.owned_cell(k))])] = values[at(k)];
     }
   });
-  tables_.set_bed_from_sediment();
+  exchange_.start_halo(tables_);
+  finish_halo();
+  tables_.set_bed_from_sediment({0, tables_.owned});
   forcing_.load(state);
   activity_.wake_all();
 }
@@ -94,8 +137,8 @@ void Engine::set_state(const State& state) {
 void Engine::read(const Column& column, std::span<double> values) {
   team_.run([&](int member) {
     const Range share = share_of(member, team_.size(), values.size());
-    for (int cell = share.begin; cell < share.end; ++cell) {
-      values[at(cell)] = column[at(tables_.place[at(cell)])];
+    for (int k = share.begin; k < share.end; ++k) {
+      values[at(k)] = column[at(tables_.place[at(tables_.owned_cell(k))])];
     }
   });
 }
@@ -109,6 +152,7 @@ void Engine::read(const Column& column, std::span<const cases::Number> cells,
 
 BoundaryInflow Engine::boundary_inflow(int boundary) const {
   const int number = tables_.boundary_place[at(boundary)];
+  if (number < 0) return {};
   // A patch that took no part in the step took nothing in; its slots are older.
   if (!activity_.takes_part(tables_.boundaries[at(number)].cell / tables_.cells_per_patch())) {
     return {};
@@ -121,14 +165,6 @@ void Engine::watch() { notes_ = std::make_unique<StepNotes>(tables_, stable_step
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {
   return notes_->unseen_depths(tables_.place[at(cell)]);
-}
-
-std::optional<NotHyperbolic> Engine::take_not_hyperbolic() {
-  std::optional<NotHyperbolic> found = backend_->take_not_hyperbolic();
-  if (!found) return {};
-  const auto cell = std::find(tables_.place.begin(), tables_.place.end(), found->place);
-  found->place = static_cast<int>(cell - tables_.place.begin());
-  return found;
 }
 
 }  // namespace engine

@@ -1,4 +1,5 @@
-// The flow of a case on flat tables: the schedule of a step over them, and their states.
+// The flow of a case, or of a part of it, on flat tables: the schedule of a step over them, and
+// their states.
 #pragma once
 
 #include <cstddef>
@@ -7,41 +8,56 @@
 #include <span>
 
 #include "engine/Backend.hpp"
+#include "engine/Exchange.hpp"
 #include "engine/State.hpp"
 #include "engine/ThreadTeam.hpp"
 
 namespace engine {
 
-/// Cells and boundaries are named by their numbers in the case.
+/// What a rank asks of all of them, to be done after a step.
+struct Wishes {
+  bool stop = false, checkpoint = false;
+};
+
+/// Cells and boundaries are named by their numbers in the case. An engine of a subset computes its
+/// owned cells, and is one of several ranks that step together: construction aside, what is marked
+/// "together" is to be called on all of them.
 class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
   /// least 1. Throws std::length_error as make_tables does.
   Engine(const cases::Case& contents, int threads, int cells_per_patch = 0);
+  /// The same for a subset of its cells, with an exchange that must outlive the engine.
+  Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
+         int cells_per_patch = 0);
 
-  /// Stable step of the present states before the Courant factor, s.
-  double stable_step() const;
-  /// Advances all cells by a step; the stable step of the new states, s.
-  double advance(const StepTimes& times);
+  /// Together: stable step of the present states of all ranks before the Courant factor, s.
+  double stable_step();
+  /// Together: advances all cells by a step; the stable step of the new states, s.
+  double advance(const StepTimes& times, const Wishes& own = {});
+  /// What any rank wished in the last step.
+  Wishes wishes() const { return {agreed_.stop < 0.0, agreed_.checkpoint < 0.0}; }
 
+  /// That of the owned cells, in the order of their numbers.
   State state();
-  /// Puts a state of the same case in force.
+  /// Together: puts such a state of the same case and subset in force.
   void set_state(const State& state);
 
-  /// The values of a column of the tables: of all cells, on all threads at once, or of those given.
+  /// The values of a column of the tables: of all owned cells in the order of their numbers, on all
+  /// threads at once, or of those given.
   void read(const Column& column, std::span<double> values);
   void read(const Column& column, std::span<const cases::Number> cells,
             std::span<double> values) const;
-  /// What passed a boundary in the last step.
+  /// What passed a boundary in the last step; nothing where it is not that of an owned cell.
   BoundaryInflow boundary_inflow(int boundary) const;
 
-  /// From now on every step takes notes.
+  /// Together: from now on every step takes notes, of the owned cells.
   void watch();
   const physics::StepNotes& notes() const { return notes_->of_last_step(); }
   UnseenDepths unseen_depths(cases::Number cell) const;
-  /// Where the last step was not hyperbolic, on the first such edge; only the first time. `place`
-  /// is then the number of the cell in the case.
-  std::optional<NotHyperbolic> take_not_hyperbolic();
+  /// Where the last step was not hyperbolic, on the first such edge; only the first time, and on
+  /// the rank that owns the cell. `place` is then the number of the cell in the case.
+  const std::optional<NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
 
   const Tables& tables() const { return tables_; }
   int threads() const { return backend_->threads(); }
@@ -50,6 +66,13 @@ class Engine {
   int active_patches() const { return static_cast<int>(activity_.patches().size()); }
 
  private:
+  double advance_patches(const std::vector<int>& patches);
+  void start_minimum(double smallest_step, const Wishes& own);
+  void finish_halo();
+  void find_not_hyperbolic();
+
+  Alone alone_;
+  Exchange& exchange_;
   ThreadTeam team_;
   Tables tables_;
   Forcing forcing_;
@@ -57,6 +80,8 @@ class Engine {
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<StepNotes> notes_;  ///< null: nobody asks for notes
   kernels::StepValues step_{};
+  StepMinimum agreed_;                           ///< in the last step
+  std::optional<NotHyperbolic> not_hyperbolic_;  ///< see there
 };
 
 }  // namespace engine

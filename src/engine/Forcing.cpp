@@ -21,7 +21,7 @@ void Forcing::add_series(const Tables& tables) {
   std::map<std::pair<int, bool>, std::size_t> known;
   for (std::size_t b = 0; b < case_.mesh.boundaries.size(); ++b) {
     const cases::Boundary& boundary = case_.mesh.boundaries[b];
-    if (boundary.series < 0) continue;
+    if (boundary.series < 0 || tables.boundary_place[b] < 0) continue;
     const bool is_level = boundary.code == edge_code::limnigraph;
     const auto [entry, is_new] = known.try_emplace({boundary.series, is_level}, series_.size());
     if (is_new) {

@@ -18,17 +18,18 @@ using kernels::Local;
 /// Builds the parts of Patches one after the other.
 class Builder {
  public:
-  Builder(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
+  Builder(const cases::Mesh& mesh, const std::vector<int>& place, int owned, int cells_per_patch,
           ThreadTeam& team)
       : mesh_(mesh),
         place_(place),
+        owned_(owned),
         cells_per_patch_(cells_per_patch),
         team_(team),
         slot_of_(2 * static_cast<std::size_t>(mesh.n_edges())) {}
 
   Patches build() {
     cut_cells();
-    const SortedEdges edges = sort_edges(mesh_, place_, cells_per_patch_, team_);
+    const SortedEdges edges = sort_edges(mesh_, place_, owned_, cells_per_patch_, team_);
     place_edges_within(edges.within);
     place_cut_edges(edges.cut);
     place_boundaries(edges.boundaries);
@@ -40,7 +41,10 @@ class Builder {
  private:
   int count() const { return static_cast<int>(result_.patches.size()); }
   int place_of(Number cell) const { return place_[at(cell)]; }
-  int patch_of(Number cell) const { return place_of(cell) / cells_per_patch_; }
+  /// -1: a ghost.
+  int patch_of(Number cell) const {
+    return place_of(cell) < owned_ ? place_of(cell) / cells_per_patch_ : -1;
+  }
   int left_place(Number edge) const { return place_of(mesh_.left[at(edge)]); }
   int right_place(Number edge) const { return place_of(mesh_.right[at(edge)]); }
   int& slot_of(Number edge, int side) {
@@ -48,9 +52,8 @@ class Builder {
   }
 
   void cut_cells() {
-    const int cells = mesh_.n_cells();
-    for (int begin = 0; begin < cells; begin += cells_per_patch_) {
-      result_.patches.emplace_back().cells = {begin, std::min(cells, begin + cells_per_patch_)};
+    for (int begin = 0; begin < owned_; begin += cells_per_patch_) {
+      result_.patches.emplace_back().cells = {begin, std::min(owned_, begin + cells_per_patch_)};
     }
   }
 
@@ -103,7 +106,7 @@ class Builder {
     result_.boundary_edge = boundaries.edges;
   }
 
-  /// Lists what every patch takes from cut edges and boundaries, and its neighbours.
+  /// Lists what every patch takes from cut edges and boundaries, and the patches beside it.
   void place_outer_slots() {
     struct Taken {
       int outer_slot;
@@ -115,8 +118,8 @@ class Builder {
     for (int c = 0; c < cut_edges; ++c) {
       const Number edge = result_.cut_edge_number[at(c)];
       const int left = patch_of(mesh_.left[at(edge)]), right = patch_of(mesh_.right[at(edge)]);
-      taken[at(left)].push_back({c, edge, 0, right});
-      taken[at(right)].push_back({cut_edges + c, edge, 1, left});
+      if (left >= 0) taken[at(left)].push_back({c, edge, 0, right});
+      if (right >= 0) taken[at(right)].push_back({cut_edges + c, edge, 1, left});
     }
     for (int b = 0; b < static_cast<int>(result_.boundary_edge.size()); ++b) {
       const Number edge = result_.boundary_edge[at(b)];
@@ -132,7 +135,7 @@ class Builder {
       for (const Taken& t : taken[at(p)]) {
         result_.outer_slots.push_back(t.outer_slot);
         slot_of(t.edge, t.side) = slot++;
-        if (t.neighbour != p) neighbours.push_back(t.neighbour);
+        if (t.neighbour >= 0 && t.neighbour != p) neighbours.push_back(t.neighbour);
       }
       std::sort(neighbours.begin(), neighbours.end());
       neighbours.erase(std::unique(neighbours.begin(), neighbours.end()), neighbours.end());
@@ -144,8 +147,8 @@ class Builder {
 
   /// The scheme takes the first three edges of a cell, in the order of the mesh.
   void place_slots() {
-    for (AlignedVector<Local>& slots : result_.slots) slots.resize(place_.size());
-    std::vector<std::uint8_t> taken(place_.size());
+    for (AlignedVector<Local>& slots : result_.slots) slots.resize(at(owned_));
+    std::vector<std::uint8_t> taken(at(owned_));
     team_.run([&](int member) {
       const Range patches = share_of(member, team_.size(), result_.patches.size());
       if (patches.size() > 0) place_slots_of(patches, taken);
@@ -180,7 +183,7 @@ class Builder {
 
   const cases::Mesh& mesh_;
   const std::vector<int>& place_;
-  int cells_per_patch_;
+  int owned_, cells_per_patch_;
   ThreadTeam& team_;
   Patches result_;
   std::vector<int> slot_of_;  ///< in the scratch of the patch, by 2 edge + side
@@ -194,12 +197,14 @@ bool slots_fit(const Patches& patches) {
 
 }  // namespace
 
-Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
-                     ThreadTeam& team) {
-  Patches patches = Builder(mesh, place, cells_per_patch, team).build();
+Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
+                     int cells_per_patch, ThreadTeam& team) {
+  Patches patches = Builder(mesh, place, owned, cells_per_patch, team).build();
   if (slots_fit(patches)) return patches;
   // Cells of very many sides: smaller patches until their slots can be numbered.
-  if (cells_per_patch > 64) return make_patches(mesh, place, cells_per_patch / 128 * 64, team);
+  if (cells_per_patch > 64) {
+    return make_patches(mesh, place, owned, cells_per_patch / 128 * 64, team);
+  }
   throw std::length_error("Error. The edges of " + std::to_string(cells_per_patch) +
                           " cells are more than the tables can number.");
 }

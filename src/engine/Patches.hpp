@@ -17,10 +17,11 @@ using Column = AlignedVector<double>;
 struct Patch {
   Range cells;
   Range edges;      ///< within the patch
-  Range cut_edges;  ///< to patches that come later
+  Range cut_edges;  ///< to patches that come later, and to ghosts
   Range boundaries;
-  Range outer_slots;  ///< entries of Patches::outer_slots
-  Range neighbours;   ///< entries of Patches::neighbours
+  Range outer_slots;       ///< entries of Patches::outer_slots
+  Range neighbours;        ///< entries of Patches::neighbours
+  bool is_border = false;  ///< has cells that are ghosts of others
 
   /// Slots in the scratch of the patch: left sides of its edges, their right sides, the outer ones,
   /// and one that never carries anything.
@@ -67,10 +68,11 @@ struct Patches {
   AlignedVector<kernels::Local> slots[3];    ///< of the cells, in the scratch of their patch
 };
 
-/// Cuts the cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
-/// where their edges cannot be numbered. `place` is where each cell of the mesh stands. Throws
-/// std::length_error where a few cells have more edges than kernels::Local can number.
-Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
-                     ThreadTeam& team);
+/// Cuts cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
+/// where their edges cannot be numbered. `place` is where each cell of the mesh stands: below
+/// `owned` those that the patches hold, then their ghosts; -1: elsewhere. Throws std::length_error
+/// where a few cells have more edges than kernels::Local can number.
+Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
+                     int cells_per_patch, ThreadTeam& team);
 
 }  // namespace engine

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "engine/numbering.hpp"
 #include "physics/stable_step.hpp"
 
 namespace engine {
@@ -25,12 +24,22 @@ bool sets_step(const Tables& tables, std::size_t place, double step) {
              step;
 }
 
+/// Numbers in the case of the cells of the tables, by their places.
+std::vector<int> numbers_at_places(const Tables& tables) {
+  std::vector<int> numbers(at(tables.owned));
+  for (int k = 0; k < tables.owned; ++k) {
+    const int cell = tables.owned_cell(k);
+    numbers[at(tables.place[at(cell)])] = cell;
+  }
+  return numbers;
+}
+
 }  // namespace
 
 StepNotes::StepNotes(const Tables& tables, double stable_step)
     : extremes(tables.patches.patches.size()),
       smallest_steps(extremes.size(), physics::unbounded_step),
-      cell_at_place_(inverse(tables.place)) {
+      cell_at_place_(numbers_at_places(tables)) {
   if (tables.has_bed) lifted.assign(tables.cells.h.size(), 0.0);
   if (!tables.soils.empty()) recovered.assign(tables.cells.h.size(), 0.0);
   note_present(tables, stable_step);
@@ -38,7 +47,8 @@ StepNotes::StepNotes(const Tables& tables, double stable_step)
 
 void StepNotes::note_present(const Tables& tables, double stable_step) {
   int first_to_set_step = -1;
-  for (int cell = 0; cell < static_cast<int>(tables.place.size()); ++cell) {
+  for (int k = 0; k < tables.owned; ++k) {
+    const int cell = tables.owned_cell(k);
     const std::size_t place = at(tables.place[at(cell)]);
     const physics::FlowExtremes of_cell = extremes_at(tables, place);
     physics::note(notes_.speed_squared, of_cell.speed_squared, cell);

@@ -45,8 +45,11 @@ kernels::CellColumns Tables::columns() {
           .slots = {patches.slots[0].data(), patches.slots[1].data(), patches.slots[2].data()}};
 }
 
-void Tables::set_bed_from_sediment() {
-  for (std::size_t i = 0; i < cells.hs.size(); ++i) cells.bed[i] = cells.rock[i] + cells.hs[i];
+void Tables::set_bed_from_sediment(const Range& places) {
+  if (!has_bed) return;
+  for (std::size_t i = at(places.begin); i < at(places.end); ++i) {
+    cells.bed[i] = cells.rock[i] + cells.hs[i];
+  }
 }
 
 std::size_t Tables::bytes() const {
@@ -55,7 +58,7 @@ std::size_t Tables::bytes() const {
   return bytes_of(c.h, c.qx, c.qy, c.eta, c.max_h, c.bed, c.max_node, c.reciprocal_area,
                   c.char_length, c.manning, c.infiltrated, c.hs, c.qsx, c.qsy, c.dqs_dh, c.rock,
                   c.rain, c.soil) +
-         bytes_of(shortest, place, boundaries, boundary_place) + p.edges.bytes() +
+         bytes_of(shortest, place, owned_cells, boundaries, boundary_place) + p.edges.bytes() +
          p.cut_edges.bytes() +
          bytes_of(p.edge_number, p.cut_edge_number, p.boundary_edge, p.slots[0], p.slots[1],
                   p.slots[2], p.patches, p.neighbours, p.outer_slots) +

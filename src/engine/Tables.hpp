@@ -1,4 +1,4 @@
-// The tables of a case: columns in an order of their own, cut into patches.
+// The tables of a case, or of a part of it: columns in an order of their own, cut into patches.
 #pragma once
 
 #include <cstddef>
@@ -6,12 +6,14 @@
 
 #include "case/Case.hpp"
 #include "engine/Patches.hpp"
+#include "engine/Subset.hpp"
 #include "kernels/boundary.hpp"
 #include "physics/infiltration.hpp"
 
 namespace engine {
 
-/// The columns of the cells. Those that a run does not need are empty.
+/// The columns of the cells; those that are computed, then their ghosts. Those that a run does not
+/// need are empty.
 struct CellTable {
   Column h, qx, qy;             ///< state: m, m2/s
   Column eta;                   ///< free-surface level before the first step, m; then empty
@@ -57,10 +59,13 @@ struct Tables {
 
   CellTable cells;
   Column shortest;         ///< characteristic length of every run of cells_of_shortest cells, m
-  std::vector<int> place;  ///< of the cells of the case in the tables
+  std::vector<int> place;  ///< of the cells of the case in the tables; -1: not here
+  int owned = 0;           ///< places below are computed; those from there on are ghosts
+  /// Numbers of the owned cells in the case, ascending; empty: all of them.
+  std::vector<cases::Number> owned_cells;
   Patches patches;
   std::vector<kernels::BoundaryEdge> boundaries;  ///< in the order of Patches::boundary_edge
-  std::vector<int> boundary_place;                ///< of the boundaries of the case among them
+  std::vector<int> boundary_place;  ///< of the boundaries of the case among them; -1: not here
   /// What passes the edges around patches: left sides of the cut edges, their right sides,
   /// boundaries.
   Slots outer;
@@ -70,18 +75,23 @@ struct Tables {
   int cells_per_patch() const { return patches.patches.front().cells.size(); }
   int cut_edges() const { return static_cast<int>(patches.cut_edges.left.size()); }
   int first_boundary_slot() const { return 2 * cut_edges(); }
+  bool is_owned(int place_of_cell) const { return place_of_cell >= 0 && place_of_cell < owned; }
+  /// Number in the case of the owned cell that comes k-th among them.
+  cases::Number owned_cell(int k) const { return owned_cells.empty() ? k : owned_cells[at(k)]; }
+  Range ghosts() const { return {owned, static_cast<int>(cells.h.size())}; }
   kernels::CellColumns columns();
-  /// Lays the sediment of the cells on their rock.
-  void set_bed_from_sediment();
+  /// Lays the sediment of cells on their rock.
+  void set_bed_from_sediment(const Range& places);
   /// From now on the free surface is bed and depth.
   void drop_given_surface() { cells.eta = {}; }
   /// Memory, bytes.
   std::size_t bytes() const;
 };
 
-/// The tables of a case at its start, in patches of a number of cells (0: what suits mesh and
-/// threads). Every thread touches first what it works on later. Throws std::length_error as
-/// make_patches does.
-Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch = 0);
+/// The tables of some cells of a case at its start, in patches of a number of cells (0: what suits
+/// mesh and threads). Every thread touches first what it works on later. Throws std::length_error
+/// as make_patches does.
+Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
+                   int cells_per_patch = 0);
 
 }  // namespace engine

@@ -1,9 +1,11 @@
 // Builds the tables of a case.
 #include <algorithm>
+#include <utility>
 
 #include "case/boundary_kinds.hpp"
 #include "case/initial_state.hpp"
 #include "engine/Tables.hpp"
+#include "engine/centers.hpp"
 #include "engine/numbering.hpp"
 #include "engine/runs.hpp"
 #include "physics/stable_step.hpp"
@@ -13,15 +15,6 @@ namespace engine {
 namespace {
 
 using cases::Number;
-
-/// Calls body(begin, end) for shares of a number of entries, on all threads.
-template <class Body>
-void for_shares(ThreadTeam& team, std::size_t count, const Body& body) {
-  team.run([&](int member) {
-    const Range share = share_of(member, team.size(), count);
-    body(share.begin, share.end);
-  });
-}
 
 /// Patches whose edges, states and slots stay in a core's second cache, and as many for every
 /// thread; a multiple of a cache line of doubles, so that no two threads write to one.
@@ -33,17 +26,15 @@ int cells_per_patch_for(int cells, int threads) {
   return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
 }
 
-/// The cells of the case in the order of the tables.
-std::vector<int> order_of_cells(const cases::Mesh& mesh, int cells_per_patch, ThreadTeam& team) {
-  std::vector<double> x(at(mesh.n_cells())), y(x.size());
-  for_shares(team, x.size(), [&](int begin, int end) {
-    for (Number cell = begin; cell < end; ++cell) {
-      const physics::SpacePoint center = mesh.center_of(cell);
-      x[at(cell)] = center.x;
-      y[at(cell)] = center.y;
-    }
-  });
-  return order_by_swept_runs(x, y, cells_per_patch, team);
+/// The cells of the tables in their order, the ghosts behind the others.
+std::vector<int> order_of_cells(const cases::Mesh& mesh, const Subset& subset, int cells_per_patch,
+                                ThreadTeam& team) {
+  const CentersOfCells centers = centers_of(mesh, subset.owned, team);
+  std::vector<int> order = order_by_swept_runs(centers.x, centers.y, cells_per_patch, team);
+  if (subset.is_whole()) return order;
+  for (int& cell : order) cell = subset.owned[at(cell)];
+  order.insert(order.end(), subset.ghosts.begin(), subset.ghosts.end());
+  return order;
 }
 
 /// Fills the columns of the cells of a case, share by share.
@@ -62,10 +53,10 @@ class CellColumnsOfCase {
     } else {
       size({&c.max_node});
     }
-    tables.shortest.resize((order.size() + cells_of_shortest - 1) / cells_of_shortest);
+    tables.shortest.resize(at((tables.owned + cells_of_shortest - 1) / cells_of_shortest));
   }
 
-  /// The shares begin at multiples of cells_of_shortest.
+  /// Cells that are computed; the shares begin at multiples of cells_of_shortest.
   void fill(int begin, int end) {
     for (int i = begin; i < end; ++i) fill_cell(i);
     const Column& length = tables_.cells.char_length;
@@ -74,6 +65,9 @@ class CellColumnsOfCase {
       if (i % cells_of_shortest == 0) shortest = physics::unbounded_step;
       shortest = physics::smaller(shortest, length[at(i)]);
     }
+  }
+  void fill_ghosts() {
+    for (std::size_t i = at(tables_.owned); i < order_.size(); ++i) fill_cell(static_cast<int>(i));
   }
 
  private:
@@ -141,7 +135,7 @@ double imposed_by(const cases::Boundary& boundary, const CellTable& cells, int p
 
 void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
   constexpr double no_sediment_fed = 0.0;
-  tables.boundary_place.resize(mesh.boundaries.size());
+  tables.boundary_place.assign(mesh.boundaries.size(), -1);
   for (const Number edge : tables.patches.boundary_edge) {
     const cases::Boundary& boundary = *mesh.boundary_on(edge);
     const auto number = static_cast<std::size_t>(&boundary - mesh.boundaries.data());
@@ -152,13 +146,20 @@ void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
   }
 }
 
-/// Sets the largest depth and the smallest length, and what follows for dry cells.
-void set_scales(Tables& tables) {
+/// Sets the largest depth and the smallest length of all cells of the case, and what follows for
+/// dry ones.
+void set_scales(const cases::Case& contents, Tables& tables) {
   tables.h0 = 0.0;
   for (const double h : tables.cells.h) tables.h0 = physics::larger(tables.h0, h);
   tables.char_length_min = physics::unbounded_step;
   for (const double length : tables.shortest) {
     tables.char_length_min = physics::smaller(tables.char_length_min, length);
+  }
+  for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+    if (tables.is_owned(tables.place[at(cell)])) continue;
+    tables.h0 = physics::larger(tables.h0, cases::initial_water_of(contents, cell).h);
+    tables.char_length_min =
+        physics::smaller(tables.char_length_min, contents.mesh.geometry_of(cell).char_length());
   }
   tables.dry_step = physics::stable_step_dry(tables.char_length_min, tables.h0, tables.zero_depth);
 }
@@ -177,6 +178,12 @@ std::vector<Soil> soils_of(const cases::Case& contents) {
   return soils;
 }
 
+void mark_border(Tables& tables, const std::vector<Number>& border) {
+  for (const Number cell : border) {
+    tables.patches.patches[at(tables.place[at(cell)] / tables.cells_per_patch())].is_border = true;
+  }
+}
+
 void list_soils(Tables& tables) {
   if (tables.cells.soil.empty()) return;
   tables.soils_of_patch.resize(tables.patches.patches.size());
@@ -193,7 +200,8 @@ void list_soils(Tables& tables) {
 
 }  // namespace
 
-Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch) {
+Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
+                   int cells_per_patch) {
   Tables tables;
   const cases::Mesh& mesh = contents.mesh;
   tables.has_bed = contents.has_sediments;
@@ -202,20 +210,25 @@ Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_
   tables.grains = {contents.sediment.d50, contents.sediment.density};
   // Soils that no cell names change nothing.
   if (!contents.fields.soil.empty()) tables.soils = soils_of(contents);
-  if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(mesh.n_cells(), team.size());
+  tables.owned = subset.is_whole() ? mesh.n_cells() : static_cast<int>(subset.owned.size());
+  if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(tables.owned, team.size());
 
-  const std::vector<int> order = order_of_cells(mesh, cells_per_patch, team);
-  tables.place = inverse(order);
-  tables.patches = make_patches(mesh, tables.place, cells_per_patch, team);
+  const std::vector<int> order = order_of_cells(mesh, subset, cells_per_patch, team);
+  tables.place = places_of(order, at(mesh.n_cells()));
+  tables.patches = make_patches(mesh, tables.place, tables.owned, cells_per_patch, team);
   CellColumnsOfCase columns(contents, order, tables);
   const int patch = tables.cells_per_patch();
-  for_shares(team, tables.patches.patches.size(), [&](int begin, int end) {
-    columns.fill(begin * patch, std::min(mesh.n_cells(), end * patch));
+  team.run([&](int member) {
+    const Range patches = share_of(member, team.size(), tables.patches.patches.size());
+    columns.fill(patches.begin * patch, std::min(tables.owned, patches.end * patch));
   });
-  set_scales(tables);
+  columns.fill_ghosts();
+  set_scales(contents, tables);
   // Only fluxes over a mobile bed tell of edges by their numbers.
   if (!tables.has_bed) tables.patches.edge_number = tables.patches.cut_edge_number = {};
   place_boundaries(tables, mesh);
+  mark_border(tables, subset.border);
+  tables.owned_cells = std::move(subset.owned);
   list_soils(tables);
   tables.outer.assign(at(tables.first_boundary_slot()) + tables.boundaries.size(), tables.has_bed);
   return tables;

@@ -1,6 +1,7 @@
 #include "engine/numbering.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "engine/Range.hpp"
@@ -66,12 +67,12 @@ void sort(std::vector<Placed>& points, ThreadTeam& team) {
 
 }  // namespace
 
-std::vector<int> inverse(const std::vector<int>& order) {
-  std::vector<int> number(order.size());
+std::vector<int> places_of(const std::vector<int>& order, std::size_t count) {
+  std::vector<int> places(count, -1);
   for (std::size_t k = 0; k < order.size(); ++k) {
-    number[static_cast<std::size_t>(order[k])] = static_cast<int>(k);
+    places[static_cast<std::size_t>(order[k])] = static_cast<int>(k);
   }
-  return number;
+  return places;
 }
 
 std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,

@@ -1,7 +1,7 @@
 // An order of cells in which neighbours in the plane are neighbours in memory.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <vector>
 
 #include "engine/ThreadTeam.hpp"
@@ -19,7 +19,7 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
                                      int run, ThreadTeam& team);
 
-/// Where each entry of a permutation has gone.
-std::vector<int> inverse(const std::vector<int>& order);
+/// Where each of the numbers below a count stands in an order of some of them; -1: it does not.
+std::vector<int> places_of(const std::vector<int>& order, std::size_t count);
 
 }  // namespace engine

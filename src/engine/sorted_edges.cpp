@@ -15,12 +15,13 @@ enum Kind { within, cut, on_boundary };
 
 class Sorter {
  public:
-  Sorter(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
+  Sorter(const cases::Mesh& mesh, const std::vector<int>& place, int owned, int cells_per_patch,
          ThreadTeam& team)
       : mesh_(mesh),
         place_(place),
+        owned_(owned),
         cells_per_patch_(cells_per_patch),
-        patches_((mesh.n_cells() + cells_per_patch - 1) / cells_per_patch),
+        patches_((owned + cells_per_patch - 1) / cells_per_patch),
         team_(team) {}
 
   SortedEdges sort() {
@@ -31,6 +32,8 @@ class Sorter {
   }
 
  private:
+  bool is_owned(int place) const { return place >= 0 && place < owned_; }
+
   /// Places of the cells of an edge, the lower one first; twice the left one on a boundary.
   std::pair<int, int> cells_of(Number edge, bool is_boundary) const {
     const int left = place_[at(mesh_.left[at(edge)])];
@@ -38,7 +41,7 @@ class Sorter {
     return std::minmax(left, right);
   }
 
-  /// Calls visit(kind, patch, edge) for every edge in the order of the mesh.
+  /// Calls visit(kind, patch, edge) for every edge of an owned cell in the order of the mesh.
   template <class Visit>
   void for_each_edge(const Visit& visit) const {
     auto boundary = mesh_.boundaries.begin();
@@ -46,8 +49,9 @@ class Sorter {
       const bool is_boundary = boundary != mesh_.boundaries.end() && boundary->edge == edge;
       if (is_boundary) ++boundary;
       const auto [lower, higher] = cells_of(edge, is_boundary);
+      if (!is_owned(lower) && !is_owned(higher)) continue;
       const int patch = lower / cells_per_patch_;
-      const bool is_within = patch == higher / cells_per_patch_;
+      const bool is_within = is_owned(higher) && patch == higher / cells_per_patch_;
       visit(is_boundary ? on_boundary : is_within ? within : cut, patch, edge);
     }
   }
@@ -93,16 +97,16 @@ class Sorter {
 
   const cases::Mesh& mesh_;
   const std::vector<int>& place_;
-  int cells_per_patch_, patches_;
+  int owned_, cells_per_patch_, patches_;
   ThreadTeam& team_;
   std::array<EdgesOfPatches, 3> lists_;
 };
 
 }  // namespace
 
-SortedEdges sort_edges(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
-                       ThreadTeam& team) {
-  return Sorter(mesh, place, cells_per_patch, team).sort();
+SortedEdges sort_edges(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
+                       int cells_per_patch, ThreadTeam& team) {
+  return Sorter(mesh, place, owned, cells_per_patch, team).sort();
 }
 
 }  // namespace engine

@@ -20,12 +20,13 @@ struct EdgesOfPatches {
 
 struct SortedEdges {
   EdgesOfPatches within;      ///< a patch
-  EdgesOfPatches cut;         ///< between a patch and a later one
+  EdgesOfPatches cut;         ///< between a patch and a later one, or a ghost
   EdgesOfPatches boundaries;  ///< edges with a boundary condition
 };
 
-/// The edges of every patch come along the lower of their cells, then along the higher one.
-SortedEdges sort_edges(const cases::Mesh& mesh, const std::vector<int>& place, int cells_per_patch,
-                       ThreadTeam& team);
+/// The edges of the cells whose places are below `owned`; boundaries of their left cells. The edges
+/// of every patch come along the lower of their cells, then along the higher one.
+SortedEdges sort_edges(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
+                       int cells_per_patch, ThreadTeam& team);
 
 }  // namespace engine

@@ -13,7 +13,7 @@ TablesFlow::TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnost
 
 double TablesFlow::advance(const StepTimes& times) {
   const double step = engine_.advance(times);
-  if (const auto found = engine_.take_not_hyperbolic()) {
+  if (const auto& found = engine_.not_hyperbolic()) {
     diagnostics_.warn(utils::not_hyperbolic(found->place, times.t, found->h, found->qx, found->qy));
   }
   return step;

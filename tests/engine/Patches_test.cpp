@@ -5,42 +5,10 @@
 #include <set>
 #include <stdexcept>
 
-#include "globals/edge_codes.hpp"
 #include "support/polygon_mesh.hpp"
+#include "support/strip_mesh.hpp"
 
 namespace {
-
-/// A strip of n squares of 1 m from west to east, each with four edges: walls in the south and
-/// north, then the one to the west; the last edge closes the east.
-cases::Mesh strip(int n) {
-  cases::Mesh mesh;
-  for (int i = 0; i <= n; ++i) {
-    for (const double y : {0.0, 1.0}) {
-      mesh.x.push_back(i);
-      mesh.y.push_back(y);
-      mesh.z.push_back(0.0);
-    }
-  }
-  const auto add_edge = [&](int left, int right, int node1, int node2) {
-    if (right < 0) mesh.boundaries.push_back({mesh.n_edges(), edge_code::wall, 0.0, -1});
-    mesh.left.push_back(left);
-    mesh.right.push_back(right);
-    mesh.node1.push_back(node1);
-    mesh.node2.push_back(node2);
-  };
-  for (int i = 0; i < n; ++i) {
-    mesh.add_cell(std::array{2 * i, 2 * i + 2, 2 * i + 3, 2 * i + 1});
-    add_edge(i, -1, 2 * i, 2 * i + 2);
-    add_edge(i, -1, 2 * i + 3, 2 * i + 1);
-    if (i == 0) {
-      add_edge(0, -1, 1, 0);
-    } else {
-      add_edge(i - 1, i, 2 * i, 2 * i + 1);
-    }
-  }
-  add_edge(n - 1, -1, 2 * n, 2 * n + 1);
-  return mesh;
-}
 
 std::vector<int> identity(int n) {
   std::vector<int> place(static_cast<std::size_t>(n));
@@ -56,8 +24,8 @@ class PatchesTest : public testing::Test {
 }  // namespace
 
 TEST_F(PatchesTest, HoldEveryEdgeOnce) {
-  const cases::Mesh mesh = strip(200);
-  const engine::Patches patches = engine::make_patches(mesh, identity(200), 64, team);
+  const cases::Mesh mesh = support::strip_mesh(200);
+  const engine::Patches patches = engine::make_patches(mesh, identity(200), 200, 64, team);
   ASSERT_EQ(patches.patches.size(), 4U);
   EXPECT_EQ(patches.patches.back().cells.size(), 8);
   std::set<cases::Number> edges;
@@ -77,7 +45,8 @@ TEST_F(PatchesTest, HoldEveryEdgeOnce) {
 }
 
 TEST_F(PatchesTest, NameTheNeighboursAcrossCutEdges) {
-  const engine::Patches patches = engine::make_patches(strip(200), identity(200), 64, team);
+  const engine::Patches patches =
+      engine::make_patches(support::strip_mesh(200), identity(200), 200, 64, team);
   const engine::Range of_second = patches.patches[1].neighbours;
   EXPECT_EQ(std::vector<int>(patches.neighbours.begin() + of_second.begin,
                              patches.neighbours.begin() + of_second.end),
@@ -85,8 +54,8 @@ TEST_F(PatchesTest, NameTheNeighboursAcrossCutEdges) {
 }
 
 TEST_F(PatchesTest, TakeTheFirstThreeEdgesOfACell) {
-  const cases::Mesh mesh = strip(64);
-  const engine::Patches patches = engine::make_patches(mesh, identity(64), 64, team);
+  const cases::Mesh mesh = support::strip_mesh(64);
+  const engine::Patches patches = engine::make_patches(mesh, identity(64), 64, 64, team);
   const engine::Patch& patch = patches.patches.front();
   // Cell 5: its walls, then the edge to the west, whose right side it is; not the one to the east.
   const int south = patches.slots[0][5], north = patches.slots[1][5], west = patches.slots[2][5];
@@ -99,11 +68,11 @@ TEST_F(PatchesTest, TakeTheFirstThreeEdgesOfACell) {
 }
 
 TEST_F(PatchesTest, AreTheSameOnAnyNumberOfThreads) {
-  const cases::Mesh mesh = strip(500);
-  const engine::Patches expected = engine::make_patches(mesh, identity(500), 64, team);
+  const cases::Mesh mesh = support::strip_mesh(500);
+  const engine::Patches expected = engine::make_patches(mesh, identity(500), 500, 64, team);
   for (const int threads : {1, 3, 7}) {
     engine::ThreadTeam other(threads);
-    const engine::Patches patches = engine::make_patches(mesh, identity(500), 64, other);
+    const engine::Patches patches = engine::make_patches(mesh, identity(500), 500, 64, other);
     EXPECT_EQ(patches.edge_number, expected.edge_number);
     EXPECT_EQ(patches.outer_slots, expected.outer_slots);
     for (int k = 0; k < 3; ++k) EXPECT_EQ(patches.slots[k], expected.slots[k]);
@@ -111,22 +80,22 @@ TEST_F(PatchesTest, AreTheSameOnAnyNumberOfThreads) {
 }
 
 TEST_F(PatchesTest, ABoundaryLeavesTheSlotOfARightCellEmpty) {
-  cases::Mesh mesh = strip(2);
+  cases::Mesh mesh = support::strip_mesh(2);
   const cases::Number between = 5;  // the edge between the two cells
   ASSERT_EQ(mesh.right[between], 1);
   mesh.boundaries.insert(mesh.boundaries.end() - 1, {between, edge_code::wall, 0.0, -1});
   std::sort(mesh.boundaries.begin(), mesh.boundaries.end(),
             [](const auto& a, const auto& b) { return a.edge < b.edge; });
-  const engine::Patches patches = engine::make_patches(mesh, identity(2), 64, team);
+  const engine::Patches patches = engine::make_patches(mesh, identity(2), 2, 64, team);
   const int empty = patches.patches.front().empty_slot();
   EXPECT_EQ(patches.slots[2][1], empty);
   EXPECT_NE(patches.slots[2][0], empty);
 }
 
 TEST_F(PatchesTest, AnEdgeWithOneCellOnBothSidesFillsTheSecondOfItsSlots) {
-  cases::Mesh mesh = strip(1);
+  cases::Mesh mesh = support::strip_mesh(1);
   mesh.right[0] = 0;  // a wall, with its own cell at the right
-  const engine::Patches patches = engine::make_patches(mesh, identity(1), 64, team);
+  const engine::Patches patches = engine::make_patches(mesh, identity(1), 1, 64, team);
   const int empty = patches.patches.front().empty_slot();
   EXPECT_EQ(patches.slots[0][0], empty);
   EXPECT_NE(patches.slots[1][0], empty);
@@ -134,7 +103,7 @@ TEST_F(PatchesTest, AnEdgeWithOneCellOnBothSidesFillsTheSecondOfItsSlots) {
 }
 
 TEST_F(PatchesTest, OfCellsWithVeryManySidesAreRefused) {
-  EXPECT_NO_THROW(engine::make_patches(support::polygon_mesh(65000), {0}, 64, team));
-  EXPECT_THROW(engine::make_patches(support::polygon_mesh(66000), {0}, 64, team),
+  EXPECT_NO_THROW(engine::make_patches(support::polygon_mesh(65000), {0}, 1, 64, team));
+  EXPECT_THROW(engine::make_patches(support::polygon_mesh(66000), {0}, 1, 64, team),
                std::length_error);
 }

@@ -76,6 +76,7 @@ void HostBackend::outer_fluxes(int first_patch, int last_patch, const kernels::S
 double HostBackend::advance(const std::vector<int>& patches, const kernels::StepValues& values,
                             const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                             StepNotes* notes) {
+  if (patches.empty()) return physics::unbounded_step;  // no thread need wake up for nothing
   const Step step = {values, soil_steps, activity, notes};
   team_.run([&](int member) {
     Scratch& scratch = scratch_[at(member)];
@@ -204,14 +205,13 @@ void HostBackend::find_not_hyperbolic(const kernels::EdgeColumns<Index>& edges,
   }
 }
 
-std::optional<NotHyperbolic> HostBackend::take_not_hyperbolic() {
+std::optional<NotHyperbolic> HostBackend::not_hyperbolic() const {
   std::optional<NotHyperbolic> first;
   for (const Scratch& scratch : scratch_) {
     if (scratch.not_hyperbolic && (!first || scratch.not_hyperbolic->edge < first->edge)) {
       first = scratch.not_hyperbolic;
     }
   }
-  if (first) watches_hyperbolicity_ = false;
   return first;
 }
 

@@ -16,7 +16,8 @@ class HostBackend : public Backend {
   double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                  const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                  StepNotes* notes) override;
-  std::optional<NotHyperbolic> take_not_hyperbolic() override;
+  std::optional<NotHyperbolic> not_hyperbolic() const override;
+  void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
 
   int threads() const override { return team_.size(); }
   const char* instruction_set() const override { return loops_.instruction_set; }

@@ -1,0 +1,62 @@
+// What a step asks of the other ranks that compute parts of the same case.
+#pragma once
+
+#include <cmath>
+
+#include "engine/Tables.hpp"
+#include "physics/stable_step.hpp"
+
+namespace engine {
+
+/// What all ranks agree on in a step: the smallest of each value.
+struct StepMinimum {
+  double step = physics::unbounded_step;  ///< stable step before the Courant factor, s
+  double stop = 0.0;                      ///< below 0: a rank asks to end the run
+  double checkpoint = 0.0;                ///< below 0: a rank asks to save the state
+  /// Number of the first edge on which the coupled system of water and bed is not hyperbolic.
+  double not_hyperbolic = HUGE_VAL;
+};
+
+inline StepMinimum smallest_of(const StepMinimum& a, const StepMinimum& b) {
+  return {physics::smaller(a.step, b.step), physics::smaller(a.stop, b.stop),
+          physics::smaller(a.checkpoint, b.checkpoint),
+          physics::smaller(a.not_hyperbolic, b.not_hyperbolic)};
+}
+
+/// Every rank calls the same functions in the same order, each start before its finish.
+class Exchange {
+ public:
+  virtual ~Exchange() = default;
+
+  /// Takes the columns of the halo of the cells that are ghosts of others; these may change again
+  /// on return.
+  virtual void start_halo(Tables& tables) = 0;
+  /// Fills those of the ghosts.
+  virtual void finish_halo(Tables& tables) = 0;
+  virtual void start_minimum(const StepMinimum& own) = 0;
+  virtual StepMinimum finish_minimum() = 0;
+};
+
+/// One rank has the whole case.
+class Alone final : public Exchange {
+ public:
+  void start_halo(Tables&) override {}
+  void finish_halo(Tables&) override {}
+  void start_minimum(const StepMinimum& own) override { own_ = own; }
+  StepMinimum finish_minimum() override { return own_; }
+
+ private:
+  StepMinimum own_;
+};
+
+/// Calls visit(column) for what changes of a cell and its neighbours read. The free surface is
+/// among it as long as it is given; the bed follows from its sediment.
+template <class Visit>
+void for_each_halo_column(CellTable& cells, const Visit& visit) {
+  for (Column* column : {&cells.h, &cells.qx, &cells.qy, &cells.eta, &cells.hs, &cells.qsx,
+                         &cells.qsy, &cells.dqs_dh}) {
+    if (!column->empty()) visit(*column);
+  }
+}
+
+}  // namespace engine

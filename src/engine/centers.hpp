@@ -1,0 +1,19 @@
+// Where cells stand in the plan, for orders along a curve.
+#pragma once
+
+#include <vector>
+
+#include "case/Mesh.hpp"
+#include "engine/ThreadTeam.hpp"
+
+namespace engine {
+
+struct CentersOfCells {
+  std::vector<double> x, y;  ///< m
+};
+
+/// Of these cells; of all where none are given.
+CentersOfCells centers_of(const cases::Mesh& mesh, const std::vector<cases::Number>& cells,
+                          ThreadTeam& team);
+
+}  // namespace engine
