@@ -1,0 +1,81 @@
+// Ranks that are threads of one process: for tests of what ranks do.
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "engine/Exchange.hpp"
+#include "ranks/halos.hpp"
+
+namespace ranks {
+
+/// Room for one message from one rank to another.
+class Mailbox {
+ public:
+  /// Calls write(values) on the empty message, as soon as the last one has been taken.
+  template <class Write>
+  void post(const Write& write) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return !is_full_; });
+    values_.clear();
+    write(values_);
+    is_full_ = true;
+    changed_.notify_all();
+  }
+  /// Calls read(values) on the message, as soon as there is one.
+  template <class Read>
+  void take(const Read& read) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return is_full_; });
+    read(values_);
+    is_full_ = false;
+    changed_.notify_all();
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  bool is_full_ = false;
+  std::vector<double> values_;
+};
+
+/// The minimum of what a number of ranks tell, round by round.
+class SharedMinimum {
+ public:
+  explicit SharedMinimum(int ranks) : ranks_(ranks) {}
+
+  /// To be called by every rank before any waits for the round.
+  void tell(const engine::StepMinimum& own);
+  /// What came of the round with this number, from 0 on; every rank waits for every round.
+  engine::StepMinimum wait(long round);
+
+ private:
+  const int ranks_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  long rounds_ = 0;  ///< that are complete
+  int told_ = 0;     ///< in the present round
+  engine::StepMinimum present_, last_;
+};
+
+/// One exchange for each of the ranks, which may then run in threads of their own.
+class InProcess {
+ public:
+  /// The subsets must hold every cell of the case once.
+  explicit InProcess(const std::vector<engine::Subset>& subsets);
+  ~InProcess();
+
+  engine::Exchange& exchange(int rank);
+
+ private:
+  class Rank;
+
+  SharedMinimum minimum_;
+  std::deque<Mailbox> mailboxes_;
+  std::vector<std::unique_ptr<Rank>> ranks_;
+};
+
+}  // namespace ranks
