@@ -51,7 +51,8 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
   exchange_.start_halo(tables_);
   const double of_interior = advance_patches(activity_.interior_patches());
   start_minimum(physics::smaller(of_border, of_interior), own);
-  finish_halo();
+  exchange_.finish_halo(tables_);
+  tables_.set_bed_from_sediment(tables_.ghosts());
   tables_.drop_given_surface();
   agreed_ = exchange_.finish_minimum();
 
@@ -70,11 +71,6 @@ void Engine::start_minimum(double smallest, const Wishes& own) {
   const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
   exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.checkpoint ? -1.0 : 0.0,
                            found ? static_cast<double>(found->edge) : HUGE_VAL});
-}
-
-void Engine::finish_halo() {
-  exchange_.finish_halo(tables_);
-  tables_.set_bed_from_sediment(tables_.ghosts());
 }
 
 void Engine::find_not_hyperbolic() {
@@ -128,8 +124,8 @@ void Engine::set_state(const State& state) {
     }
   });
   exchange_.start_halo(tables_);
-  finish_halo();
-  tables_.set_bed_from_sediment({0, tables_.owned});
+  exchange_.finish_halo(tables_);
+  tables_.set_bed_from_sediment({0, tables_.ghosts().end});
   forcing_.load(state);
   activity_.wake_all();
 }

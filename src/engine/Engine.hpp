@@ -20,8 +20,8 @@ struct Wishes {
 };
 
 /// Cells and boundaries are named by their numbers in the case. An engine of a subset computes its
-/// owned cells, and is one of several ranks that step together: construction aside, what is marked
-/// "together" is to be called on all of them.
+/// owned cells and is one of several ranks: what is marked "together" is to be called on all of
+/// them, in the same order.
 class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
@@ -68,7 +68,6 @@ class Engine {
  private:
   double advance_patches(const std::vector<int>& patches);
   void start_minimum(double smallest_step, const Wishes& own);
-  void finish_halo();
   void find_not_hyperbolic();
 
   Alone alone_;

@@ -1,0 +1,221 @@
+// A case of everything, its course on one engine, and ranks that compute parts of it side by side.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <random>
+#include <thread>
+
+#include "engine/Engine.hpp"
+#include "ranks/InProcess.hpp"
+#include "ranks/cut_along_curve.hpp"
+#include "support/RectangleMesh.hpp"
+#include "support/RunGlobals.hpp"
+#include "support/TemporaryFolder.hpp"
+#include "support/case_of.hpp"
+
+namespace test_ranks {
+
+using cases::Number;
+using engine::at;
+
+inline constexpr double t_end = 5.0;  // s
+inline constexpr double courant = 0.4;
+
+struct Options {
+  bool sediments = false, friction = true, rain = true, soils = true;
+  bool mostly_dry = false;
+};
+
+/// States before every step and after the last one, the steps, and what passed the boundaries.
+struct Course {
+  std::vector<engine::State> states;
+  std::vector<double> times, steps;
+  std::vector<std::vector<engine::BoundaryInflow>> inflows;
+
+  int count() const { return static_cast<int>(inflows.size()); }
+};
+
+class RanksInProcess : public testing::Test {
+ protected:
+  /// Wet and dry cells over a rough bed, with many kinds of boundaries.
+  cases::Case basin(const Options& options) {
+    std::mt19937 generator(3);
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
+    const support::RunGlobals globals(1e-3, 1.0, t_end);
+    support::Rectangle rectangle{26, 14, 13.0, 7.0};
+    rectangle.west = {edge_code::hydrograph, 0.0, folder_.write("q.txt", "3 0 -0.2 1 -0.9 4 0.1")};
+    rectangle.east = {edge_code::limnigraph, 0.0, folder_.write("l.txt", "3 0 0.9 1 1.2 4 0.7")};
+    rectangle.south = {edge_code::wall};
+    rectangle.north = {edge_code::water_level, 0.8};
+    if (options.mostly_dry) rectangle.east = rectangle.north = {edge_code::transmissive};
+    cases::Case contents = support::case_of(*support::build_rectangle<SWE>(
+        rectangle, [&](double, double) { return 0.6 * unit(generator); }));
+    contents.has_sediments = options.sediments;
+    contents.sediment = {0.8e-3, 2.65, 0.02, 0.42};
+    contents.fields = {};
+    for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+      const bool is_west = contents.mesh.center_of(cell).x < 1.0;
+      const bool is_wet = options.mostly_dry ? is_west : unit(generator) > 0.3;
+      add_state(contents.fields, options, is_wet ? 0.4 + 0.8 * unit(generator) : -1.0, generator);
+      if (options.rain) contents.fields.rain.push_back(cell % 3 == 0 ? 1 : 0);
+      if (options.soils) contents.fields.soil.push_back(cell % 4 - 2 < 0 ? -1 : cell % 4 - 2);
+    }
+    contents.rain = {{1, 2, {0.0, 0.7, 1.9}, {2e-3, 0.0, 5e-3}}, {2, 1, {0.0, 1.1}, {1e-5, 3e-4}}};
+    contents.soils = {{1, cases::GreenAmptParameters{3e-5, 0.11, 0.2, 0.45, 0.02, 1e-3}},
+                      {2, cases::HortonParameters{1e-4, 1e-5, 20.0, 0.01, 0.0}}};
+    return contents;
+  }
+
+  static void add_state(cases::CellFields& fields, const Options& options, double level,
+                        std::mt19937& generator) {
+    std::uniform_real_distribution<double> unit(0.0, 1.0);
+    fields.level.push_back(level);
+    fields.qx.push_back(unit(generator) - 0.5);
+    fields.qy.push_back(unit(generator) - 0.5);
+    if (options.friction) fields.manning.push_back(0.02 + 0.01 * unit(generator));
+    if (options.sediments) fields.sediment.push_back(unit(generator) > 0.2 ? 0.1 : 0.0);
+    if (options.soils) fields.infiltrated.push_back(0.002 * unit(generator));
+  }
+
+  static Course run_alone(const cases::Case& contents, int steps) {
+    Course course;
+    engine::Engine engine(contents, 2, 64);
+    double t = 0.0, next = courant * engine.stable_step();
+    for (int step = 0; step <= steps; ++step) {
+      course.states.push_back(engine.state());
+      course.times.push_back(t);
+      course.steps.push_back(next);
+      if (step == steps) break;
+      next = courant * engine.advance({t, 0.0, t_end, next});
+      t += next;
+      std::vector<engine::BoundaryInflow>& inflows = course.inflows.emplace_back();
+      for (std::size_t b = 0; b < contents.mesh.boundaries.size(); ++b) {
+        inflows.push_back(engine.boundary_inflow(static_cast<int>(b)));
+      }
+    }
+    return course;
+  }
+
+  static std::vector<engine::Subset> subsets_of(const cases::Mesh& mesh,
+                                                std::vector<std::vector<Number>> cells,
+                                                int rings = 1) {
+    std::vector<engine::Subset> subsets;
+    for (std::vector<Number>& of_rank : cells) {
+      subsets.push_back(engine::subset_of(mesh, std::move(of_rank), rings));
+    }
+    return subsets;
+  }
+
+  /// Calls body(rank, engine) for every subset, each in a thread of its own.
+  template <class Body>
+  static void run_side_by_side(const cases::Case& contents,
+                               const std::vector<engine::Subset>& subsets, int threads,
+                               int cells_per_patch, const Body& body) {
+    ranks::InProcess group(subsets);
+    std::vector<std::thread> members;
+    for (int rank = 0; rank < static_cast<int>(subsets.size()); ++rank) {
+      members.emplace_back([&, rank] {
+        engine::Engine engine(contents, subsets[at(rank)], group.exchange(rank), threads,
+                              cells_per_patch);
+        body(rank, engine);
+      });
+    }
+    for (std::thread& member : members) member.join();
+  }
+
+  static std::vector<double> entries_of(const std::vector<double>& column,
+                                        const std::vector<Number>& cells) {
+    std::vector<double> entries;
+    if (column.empty()) return entries;
+    for (const Number cell : cells) entries.push_back(column[at(cell)]);
+    return entries;
+  }
+
+  static engine::State part_of(const engine::State& s, const std::vector<Number>& cells) {
+    const auto part = [&](const std::vector<double>& column) { return entries_of(column, cells); };
+    return {.h = part(s.h),
+            .qx = part(s.qx),
+            .qy = part(s.qy),
+            .eta = part(s.eta),
+            .max_h = part(s.max_h),
+            .infiltrated = part(s.infiltrated),
+            .hs = part(s.hs),
+            .qsx = part(s.qsx),
+            .qsy = part(s.qsy),
+            .dqs_dh = part(s.dqs_dh),
+            .rain_clocks = s.rain_clocks};
+  }
+
+  static bool have_same_bits(const std::vector<double>& a, const std::vector<double>& b) {
+    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
+  }
+
+  static bool have_same_bits(const engine::State& a, const engine::State& b) {
+    return have_same_bits(a.h, b.h) && have_same_bits(a.qx, b.qx) && have_same_bits(a.qy, b.qy) &&
+           have_same_bits(a.eta, b.eta) && have_same_bits(a.max_h, b.max_h) &&
+           have_same_bits(a.infiltrated, b.infiltrated) && have_same_bits(a.hs, b.hs) &&
+           have_same_bits(a.qsx, b.qsx) && have_same_bits(a.qsy, b.qsy) &&
+           have_same_bits(a.dqs_dh, b.dqs_dh);
+  }
+
+  /// Goes on from the first step of a run, and compares what it finds after each.
+  static void expect_same_steps(const cases::Case& contents, const Course& expected,
+                                const engine::Subset& subset, engine::Engine& engine, int first) {
+    EXPECT_EQ(courant * engine.stable_step(), expected.steps[at(first)]);
+    for (int step = first; step < expected.count(); ++step) {
+      EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states[at(step)], subset.owned)))
+          << "before step " << step;
+      const double next =
+          engine.advance({expected.times[at(step)], 0.0, t_end, expected.steps[at(step)]});
+      EXPECT_EQ(courant * next, expected.steps[at(step) + 1]) << "step " << step;
+      expect_same_inflows(contents, expected.inflows[at(step)], engine);
+    }
+    EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states.back(), subset.owned)));
+  }
+
+  static void expect_same_inflows(const cases::Case& contents,
+                                  const std::vector<engine::BoundaryInflow>& expected,
+                                  const engine::Engine& engine) {
+    for (std::size_t b = 0; b < expected.size(); ++b) {
+      const Number cell = contents.mesh.left[at(contents.mesh.boundaries[b].edge)];
+      const bool is_here = engine.tables().is_owned(engine.tables().place[at(cell)]);
+      const engine::BoundaryInflow inflow = engine.boundary_inflow(static_cast<int>(b));
+      EXPECT_EQ(inflow.water, is_here ? expected[b].water : 0.0) << b;
+      EXPECT_EQ(inflow.bed, is_here ? expected[b].bed : 0.0) << b;
+    }
+  }
+
+  /// Patches that all steps of all ranks computed, and how many there were.
+  struct Work {
+    int computed = 0, patches = 0;
+  };
+  static Work expect_same(const cases::Case& contents, const Course& expected,
+                          const std::vector<engine::Subset>& subsets, int threads = 1,
+                          int cells_per_patch = 64) {
+    std::atomic<int> computed = 0, patches = 0;
+    run_side_by_side(contents, subsets, threads, cells_per_patch,
+                     [&](int rank, engine::Engine& engine) {
+                       expect_same_steps(contents, expected, subsets[at(rank)], engine, 0);
+                       computed += engine.active_patches();
+                       patches += static_cast<int>(engine.tables().patches.patches.size());
+                     });
+    return {computed, patches};
+  }
+
+  static void expect_same_on_any_number(const cases::Case& contents, int steps) {
+    const Course expected = run_alone(contents, steps);
+    EXPECT_FALSE(have_same_bits(expected.states.front(), expected.states.back()));
+    for (const int count : {1, 2, 3, 5}) {
+      const auto cells = ranks::cut_along_curve(contents.mesh, count);
+      ASSERT_EQ(cells.size(), at(count));
+      expect_same(contents, expected, subsets_of(contents.mesh, cells));
+    }
+  }
+
+  support::TemporaryFolder folder_;
+};
+
+}  // namespace test_ranks

@@ -1,0 +1,87 @@
+// Ranks that compute parts of a case give the bits of one engine, after every step.
+#include <gtest/gtest.h>
+
+#include "ranks/RanksInProcess.hpp"
+
+using namespace test_ranks;
+
+TEST_F(RanksInProcess, GiveTheSameBitsForWater) {
+  expect_same_on_any_number(basin({.friction = false, .rain = false, .soils = false}), 100);
+  expect_same_on_any_number(basin({.rain = false, .soils = false}), 60);
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWithRainAndSoils) {
+  expect_same_on_any_number(basin({.soils = false}), 60);
+  expect_same_on_any_number(basin({}), 100);
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWithSediments) {
+  expect_same_on_any_number(basin({.sediments = true}), 100);
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWhereMostOfTheMeshIsDry) {
+  for (const bool sediments : {false, true}) {
+    expect_same_on_any_number(basin({.sediments = sediments, .mostly_dry = true}), 100);
+    expect_same_on_any_number(
+        basin({.sediments = sediments, .rain = false, .soils = false, .mostly_dry = true}), 100);
+  }
+}
+
+TEST_F(RanksInProcess, SkipDryPatches) {
+  const cases::Case contents = basin({.rain = false, .soils = false, .mostly_dry = true});
+  const Course expected = run_alone(contents, 20);
+  const Work work = expect_same(
+      contents, expected, subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3)));
+  EXPECT_GT(work.computed, 0);
+  EXPECT_LT(work.computed, work.patches * 3 / 4);
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWithPatchesOfAnySizeOnAnyNumberOfThreads) {
+  for (const bool sediments : {false, true}) {
+    const cases::Case contents = basin({.sediments = sediments});
+    const Course expected = run_alone(contents, 30);
+    const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 2));
+    for (const int cells_per_patch : {0, 64, 128}) {
+      for (const int threads : {1, 2, 3}) {
+        expect_same(contents, expected, subsets, threads, cells_per_patch);
+      }
+    }
+  }
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWhereverTheirCellsAre) {
+  for (const bool sediments : {false, true}) {
+    const cases::Case contents = basin({.sediments = sediments});
+    const Course expected = run_alone(contents, 30);
+    std::mt19937 generator(1);
+    // Two ranks of many cells here and there, and one of few.
+    std::discrete_distribution<std::size_t> owner({10.0, 10.0, 1.0});
+    std::vector<std::vector<Number>> cells(3);
+    for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+      cells[owner(generator)].push_back(cell);
+    }
+    expect_same(contents, expected, subsets_of(contents.mesh, cells));
+  }
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsWithTwoRingsOfGhosts) {
+  const cases::Case contents = basin({});
+  const auto cells = ranks::cut_along_curve(contents.mesh, 3);
+  expect_same(contents, run_alone(contents, 30), subsets_of(contents.mesh, cells, 2));
+}
+
+TEST_F(RanksInProcess, GoOnFromAnyState) {
+  for (const bool sediments : {false, true}) {
+    const cases::Case contents = basin({.sediments = sediments});
+    const Course expected = run_alone(contents, 40);
+    const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3));
+    for (const int first : {0, 25}) {
+      run_side_by_side(contents, subsets, 1, 64, [&](int rank, engine::Engine& engine) {
+        const engine::Subset& subset = subsets[at(rank)];
+        engine.advance({0.0, 0.0, t_end, 1e-4});  // to another state than that of the start
+        engine.set_state(part_of(expected.states[at(first)], subset.owned));
+        expect_same_steps(contents, expected, subset, engine, first);
+      });
+    }
+  }
+}
