@@ -157,7 +157,7 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
   return {tables_.outer.mass[slot], tables_.has_bed ? tables_.outer.bed[slot] : 0.0};
 }
 
-void Engine::watch() { notes_ = std::make_unique<StepNotes>(tables_, stable_step()); }
+void Engine::watch() { notes_ = std::make_unique<StepNotes>(tables_, stable_step(), exchange_); }
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {
   return notes_->unseen_depths(tables_.place[at(cell)]);

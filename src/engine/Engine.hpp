@@ -51,7 +51,7 @@ class Engine {
   /// What passed a boundary in the last step; nothing where it is not that of an owned cell.
   BoundaryInflow boundary_inflow(int boundary) const;
 
-  /// Together: from now on every step takes notes, of the owned cells.
+  /// Together: from now on every step takes notes, which are those of all ranks.
   void watch();
   const physics::StepNotes& notes() const { return notes_->of_last_step(); }
   UnseenDepths unseen_depths(cases::Number cell) const;

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "engine/Tables.hpp"
+#include "physics/flow_extremes.hpp"
 #include "physics/stable_step.hpp"
 
 namespace engine {
@@ -23,6 +24,23 @@ inline StepMinimum smallest_of(const StepMinimum& a, const StepMinimum& b) {
           physics::smaller(a.not_hyperbolic, b.not_hyperbolic)};
 }
 
+/// Notes of two sets of cells as those of one. Of cells that set the step alike it is the one that
+/// did before that counts, or else the one with the lowest number.
+inline physics::StepNotes united(const physics::StepNotes& a, const physics::StepNotes& b,
+                                 int limited_before) {
+  const auto lower = [](int i, int j) { return i < 0 || (j >= 0 && j < i) ? j : i; };
+  const auto record = [&](const physics::FlowRecord& x, const physics::FlowRecord& y) {
+    if (x.value == y.value) return physics::FlowRecord{x.value, lower(x.cell, y.cell)};
+    return x.value > y.value ? x : y;
+  };
+  const bool is_as_before = a.limiting_cell == limited_before || b.limiting_cell == limited_before;
+  return {limited_before >= 0 && is_as_before ? limited_before
+                                              : lower(a.limiting_cell, b.limiting_cell),
+          record(a.speed_squared, b.speed_squared),
+          record(a.speed_squared_per_depth, b.speed_squared_per_depth),
+          a.not_finite + b.not_finite};
+}
+
 /// Every rank calls the same functions in the same order, each start before its finish.
 class Exchange {
  public:
@@ -35,6 +53,9 @@ class Exchange {
   virtual void finish_halo(Tables& tables) = 0;
   virtual void start_minimum(const StepMinimum& own) = 0;
   virtual StepMinimum finish_minimum() = 0;
+
+  /// The notes of all ranks, see united.
+  virtual physics::StepNotes unite(const physics::StepNotes& own, int limited_before) = 0;
 };
 
 /// One rank has the whole case.
@@ -44,6 +65,7 @@ class Alone final : public Exchange {
   void finish_halo(Tables&) override {}
   void start_minimum(const StepMinimum& own) override { own_ = own; }
   StepMinimum finish_minimum() override { return own_; }
+  physics::StepNotes unite(const physics::StepNotes& own, int) override { return own; }
 
  private:
   StepMinimum own_;

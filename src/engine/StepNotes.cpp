@@ -36,9 +36,10 @@ std::vector<int> numbers_at_places(const Tables& tables) {
 
 }  // namespace
 
-StepNotes::StepNotes(const Tables& tables, double stable_step)
+StepNotes::StepNotes(const Tables& tables, double stable_step, Exchange& exchange)
     : extremes(tables.patches.patches.size()),
       smallest_steps(extremes.size(), physics::unbounded_step),
+      exchange_(exchange),
       cell_at_place_(numbers_at_places(tables)) {
   if (tables.has_bed) lifted.assign(tables.cells.h.size(), 0.0);
   if (!tables.soils.empty()) recovered.assign(tables.cells.h.size(), 0.0);
@@ -60,6 +61,7 @@ void StepNotes::note_present(const Tables& tables, double stable_step) {
   notes_.limiting_cell = physics::limiting_cell(
       stable_step, tables.dry_step, none_before, [](int) { return false; },
       [&] { return first_to_set_step; });
+  notes_ = exchange_.unite(notes_, none_before);
 }
 
 UnseenDepths StepNotes::unseen_depths(int place) const {
@@ -69,12 +71,14 @@ UnseenDepths StepNotes::unseen_depths(int place) const {
 
 void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches,
                        double smallest_step) {
+  const int limited_before = notes_.limiting_cell;
   notes_.limiting_cell = limiting_cell(tables, patches, smallest_step);
   note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared);
   note_record(tables, patches, notes_.speed_squared_per_depth,
               &physics::FlowExtremes::speed_squared_per_depth);
   notes_.not_finite = 0;
   for (const physics::FlowExtremes& patch : extremes) notes_.not_finite += patch.not_finite;
+  notes_ = exchange_.unite(notes_, limited_before);
 }
 
 int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patches,
@@ -82,7 +86,10 @@ int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patch
   const auto sets_it = [&](std::size_t place) { return sets_step(tables, place, smallest); };
   return physics::limiting_cell(
       smallest, tables.dry_step, notes_.limiting_cell,
-      [&](int cell) { return sets_it(at(tables.place[at(cell)])); },
+      [&](int cell) {
+        const int place = tables.place[at(cell)];
+        return tables.is_owned(place) && sets_it(at(place));
+      },
       [&] {
         return first_cell(
             tables, patches, [&](int patch) { return smallest_steps[at(patch)] == smallest; },

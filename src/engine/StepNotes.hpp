@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "engine/Tables.hpp"
+#include "engine/Exchange.hpp"
 #include "physics/flow_extremes.hpp"
 
 namespace engine {
@@ -17,8 +17,9 @@ struct UnseenDepths {
 
 class StepNotes {
  public:
-  /// Begins with the present states, whose stable step it is told (s).
-  StepNotes(const Tables& tables, double stable_step);
+  /// Begins with the present states, whose stable step it is told (s). Here and later the notes are
+  /// those of all ranks.
+  StepNotes(const Tables& tables, double stable_step, Exchange& exchange);
 
   // What a backend writes while it computes a patch.
   std::vector<physics::FlowExtremes> extremes;  ///< per patch
@@ -43,6 +44,7 @@ class StepNotes {
                  const IsMeant& is_meant) const;
 
   physics::StepNotes notes_;
+  Exchange& exchange_;
   std::vector<int> cell_at_place_;
 };
 

@@ -8,22 +8,6 @@ namespace ranks {
 using cases::Number;
 using engine::at;
 
-void SharedMinimum::tell(const engine::StepMinimum& own) {
-  const std::lock_guard lock(mutex_);
-  present_ = engine::smallest_of(present_, own);
-  if (++told_ < ranks_) return;
-  last_ = std::exchange(present_, {});
-  told_ = 0;
-  ++rounds_;
-  changed_.notify_all();
-}
-
-engine::StepMinimum SharedMinimum::wait(long round) {
-  std::unique_lock lock(mutex_);
-  changed_.wait(lock, [&] { return rounds_ > round; });
-  return last_;  // nobody ends the next round before all have seen this one
-}
-
 /// The exchange of one rank.
 class InProcess::Rank : public engine::Exchange {
  public:
@@ -32,8 +16,8 @@ class InProcess::Rank : public engine::Exchange {
     Mailbox *to, *from;
   };
 
-  Rank(SharedMinimum& minimum, std::vector<Neighbour> neighbours)
-      : minimum_(minimum), neighbours_(std::move(neighbours)) {}
+  Rank(Reductions& reductions, std::vector<Neighbour> neighbours)
+      : reductions_(reductions), neighbours_(std::move(neighbours)) {}
 
   void start_halo(engine::Tables& tables) override {
     for (const Neighbour& neighbour : neighbours_) {
@@ -60,17 +44,26 @@ class InProcess::Rank : public engine::Exchange {
     }
   }
 
-  void start_minimum(const engine::StepMinimum& own) override { minimum_.tell(own); }
-  engine::StepMinimum finish_minimum() override { return minimum_.wait(round_++); }
+  void start_minimum(const engine::StepMinimum& own) override {
+    reductions_.minimum.tell(own, engine::smallest_of);
+  }
+  engine::StepMinimum finish_minimum() override { return reductions_.minimum.wait(minima_++); }
+
+  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
+    reductions_.notes.tell(
+        own, [&](const auto& a, const auto& b) { return engine::united(a, b, limited_before); });
+    return reductions_.notes.wait(notes_++);
+  }
 
  private:
-  SharedMinimum& minimum_;
+  Reductions& reductions_;
   std::vector<Neighbour> neighbours_;
-  long round_ = 0;
+  long minima_ = 0, notes_ = 0;  ///< rounds that this rank has seen
 };
 
 InProcess::InProcess(const std::vector<engine::Subset>& subsets)
-    : minimum_(static_cast<int>(subsets.size())) {
+    : reductions_{Reduction<engine::StepMinimum>(static_cast<int>(subsets.size())),
+                  Reduction<physics::StepNotes>(static_cast<int>(subsets.size()))} {
   std::map<std::pair<int, int>, Mailbox*> from_to;
   const auto mailbox = [&](int from, int to) {
     Mailbox*& box = from_to[{from, to}];
@@ -84,7 +77,7 @@ InProcess::InProcess(const std::vector<engine::Subset>& subsets)
       const int other = halo.neighbour;
       neighbours.push_back({std::move(halo), mailbox(rank, other), mailbox(other, rank)});
     }
-    ranks_.push_back(std::make_unique<Rank>(minimum_, std::move(neighbours)));
+    ranks_.push_back(std::make_unique<Rank>(reductions_, std::move(neighbours)));
     ++rank;
   }
 }

@@ -42,15 +42,29 @@ class Mailbox {
   std::vector<double> values_;
 };
 
-/// The minimum of what a number of ranks tell, round by round.
-class SharedMinimum {
+/// What a number of ranks tell, made one, round by round.
+template <class Value>
+class Reduction {
  public:
-  explicit SharedMinimum(int ranks) : ranks_(ranks) {}
+  explicit Reduction(int ranks) : ranks_(ranks) {}
 
-  /// To be called by every rank before any waits for the round.
-  void tell(const engine::StepMinimum& own);
+  /// To be called by every rank; unite(a, b) knows no order.
+  template <class Unite>
+  void tell(const Value& own, const Unite& unite) {
+    const std::lock_guard lock(mutex_);
+    present_ = told_ == 0 ? own : unite(present_, own);
+    if (++told_ < ranks_) return;
+    last_ = present_;
+    told_ = 0;
+    ++rounds_;
+    changed_.notify_all();
+  }
   /// What came of the round with this number, from 0 on; every rank waits for every round.
-  engine::StepMinimum wait(long round);
+  Value wait(long round) {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [&] { return rounds_ > round; });
+    return last_;  // nobody ends the next round before all have seen this one
+  }
 
  private:
   const int ranks_;
@@ -58,7 +72,7 @@ class SharedMinimum {
   std::condition_variable changed_;
   long rounds_ = 0;  ///< that are complete
   int told_ = 0;     ///< in the present round
-  engine::StepMinimum present_, last_;
+  Value present_{}, last_{};
 };
 
 /// One exchange for each of the ranks, which may then run in threads of their own.
@@ -73,7 +87,12 @@ class InProcess {
  private:
   class Rank;
 
-  SharedMinimum minimum_;
+  struct Reductions {
+    Reduction<engine::StepMinimum> minimum;
+    Reduction<physics::StepNotes> notes;
+  };
+
+  Reductions reductions_;
   std::deque<Mailbox> mailboxes_;
   std::vector<std::unique_ptr<Rank>> ranks_;
 };

@@ -188,7 +188,7 @@ class RanksInProcess : public testing::Test {
     }
   }
 
-  /// Patches that all steps of all ranks computed, and how many there were.
+  /// Patches that the last step computed on all ranks, and how many there are.
   struct Work {
     int computed = 0, patches = 0;
   };

@@ -85,3 +85,23 @@ TEST_F(RanksInProcess, GoOnFromAnyState) {
     }
   }
 }
+
+TEST_F(RanksInProcess, TakeTheFreeSurfaceThatAStateGives) {
+  const cases::Case contents = basin({});
+  engine::Engine alone(contents, 1, 64);
+  engine::State given = alone.state();
+  for (std::size_t cell = 0; cell < given.eta.size(); ++cell) {
+    given.eta[cell] += 1e-3 * static_cast<double>(cell % 7);
+  }
+  alone.set_state(given);
+  alone.advance({0.0, 0.0, t_end, 1e-3});
+  const engine::State expected = alone.state();
+
+  const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3));
+  run_side_by_side(contents, subsets, 1, 64, [&](int rank, engine::Engine& engine) {
+    const std::vector<Number>& owned = subsets[at(rank)].owned;
+    engine.set_state(part_of(given, owned));
+    engine.advance({0.0, 0.0, t_end, 1e-3});
+    EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected, owned))) << rank;
+  });
+}
