@@ -73,3 +73,7 @@ TEST_F(Numbering, IsTheSameOnAnyNumberOfThreads) {
     EXPECT_EQ(engine::order_by_swept_runs(x, y, 64, other), expected) << threads;
   }
 }
+
+TEST(PlacesOf, TellWhereNumbersStandInAnOrderAndWhichDoNot) {
+  EXPECT_EQ(engine::places_of({3, 0}, 4), (std::vector<int>{1, -1, -1, 0}));
+}
