@@ -12,6 +12,7 @@
 #include <iomanip>
 #include <iostream>
 #include <random>
+#include <sstream>
 #include <string>
 
 #include "case/MeshReader.hpp"
@@ -194,8 +195,9 @@ void compare_writing(int n_cells) {
 
 void time_point_location(const Channel& channel) {
   constexpr int points = 10000;
-  std::cout.setstate(std::ios::failbit);
-  const Domain domain("data.json");
+  std::ostringstream log, out;
+  utils::Console console(out);
+  const Domain domain("data.json", {log, console});
   std::mt19937 random(2);
   std::uniform_real_distribution<double> x(0.0, channel.nx), y(0.0, channel.ny);
   int found = 0;

@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <map>
 #include <optional>
@@ -17,6 +18,7 @@
 
 #include "channel_case.hpp"
 #include "domain/Domain.hpp"
+#include "main/environment.hpp"
 #include "report/RunReport.hpp"
 
 namespace {
@@ -70,15 +72,20 @@ int main(int argc, char** argv) {
   const auto start = Clock::now();
   std::optional<RunReport> report;
   if (argc > 4 && argv[4] == std::string("report")) report.emplace("report.json", "data.json");
-  Domain domain("data.json", {.report = report ? &*report : nullptr});
+  std::ofstream log("log.txt");
+  utils::Console console(std::cout);
+  Domain domain("data.json", {.log = log,
+                              .console = console,
+                              .flow = flow_request_of_environment(),
+                              .report = report ? &*report : nullptr});
   const double setup = seconds_since(start);
   const auto start_loop = Clock::now();
-  domain.Update();
+  domain.Update([] { return true; });
   const double loop = seconds_since(start_loop);
 
-  const double cell_steps =
-      static_cast<double>(channel.cells()) * static_cast<double>(domain.number_of_steps());
-  std::printf("%12d %8ld %12.3f %18.1f %18.0f\n", channel.cells(), domain.number_of_steps(), setup,
+  const long steps = domain.clock().steps;
+  const double cell_steps = static_cast<double>(channel.cells()) * static_cast<double>(steps);
+  std::printf("%12d %8ld %12.3f %18.1f %18.0f\n", channel.cells(), steps, setup,
               1e9 * loop / cell_steps, peak_memory_bytes() / channel.cells());
   if (report) report->write(0, "");
   std::filesystem::current_path("/");

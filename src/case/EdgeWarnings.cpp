@@ -24,7 +24,7 @@ void EdgeWarnings::check(Number edge, const Boundary* boundary) {
   const Number right = mesh_.right[at(edge)];
   if (!(mesh_.edge_of(edge).length > 0.0)) {
     degenerate_.add(name_of(edge) + " has no length: its flux is not a number.");
-  } else if (points_into_left_cell(edge)) {
+  } else if (mesh_.points_into_left_cell(edge)) {
     inward_.add(name_of(edge) + " has a normal that points into its left cell " +
                 std::to_string(mesh_.left[at(edge)]) + "; list its two nodes the other way round.");
   }
@@ -33,15 +33,6 @@ void EdgeWarnings::check(Number edge, const Boundary* boundary) {
                    " and also a right cell " + std::to_string(right) +
                    ", which gets no flux through it.");
   }
-}
-
-bool EdgeWarnings::points_into_left_cell(Number edge) const {
-  const physics::PlanPoint a = mesh_.plan_node(mesh_.node1[at(edge)]);
-  const physics::PlanPoint b = mesh_.plan_node(mesh_.node2[at(edge)]);
-  const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
-  const physics::SpacePoint center = mesh_.center_of(mesh_.left[at(edge)]);
-  const physics::Edge normal = mesh_.edge_of(edge);
-  return (middle.x - center.x) * normal.nx + (middle.y - center.y) * normal.ny < 0.0;
 }
 
 void EdgeWarnings::check_numbers_of_edges() {

@@ -18,8 +18,6 @@ class EdgeWarnings {
   void check_numbers_of_edges();
 
  private:
-  bool points_into_left_cell(Number edge) const;
-
   const Mesh& mesh_;
   utils::RepeatedWarning degenerate_, inward_, two_sided_;
   utils::RepeatedWarning::Sink sink_;

@@ -38,6 +38,15 @@ double Mesh::accurate_area_of(Number cell) const {
                                            [&](int i) { return plan_node(nodes[at(i)]); });
 }
 
+bool Mesh::points_into_left_cell(Number edge) const {
+  const physics::PlanPoint a = plan_node(node1[at(edge)]);
+  const physics::PlanPoint b = plan_node(node2[at(edge)]);
+  const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
+  const physics::SpacePoint center = center_of(left[at(edge)]);
+  const physics::Edge normal = edge_of(edge);
+  return (middle.x - center.x) * normal.nx + (middle.y - center.y) * normal.ny < 0.0;
+}
+
 const Boundary* Mesh::boundary_on(Number edge) const {
   const auto found =
       std::lower_bound(boundaries.begin(), boundaries.end(), edge,

@@ -64,6 +64,8 @@ struct Mesh {
   physics::Edge edge_of(Number edge) const {
     return physics::edge_between(plan_node(node1[at(edge)]), plan_node(node2[at(edge)]));
   }
+  /// Whether the normal of an edge points the wrong way.
+  bool points_into_left_cell(Number edge) const;
   /// The boundary condition on an edge; null on an interior one.
   const Boundary* boundary_on(Number edge) const;
 };

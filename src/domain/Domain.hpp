@@ -1,5 +1,4 @@
-// The one object of a run: set-up, time loop, point location, envelope, and the wiring of sources
-// and outputs.
+// The one object of a run: set-up, time loop, point location, envelope, and the wiring of outputs.
 #pragma once
 
 #include <functional>
@@ -7,12 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "case/AreaLoss.hpp"
-#include "case/Case.hpp"
 #include "case/EndAtFirstError.hpp"
-#include "domain/PointLocator.hpp"
+#include "case/PointLocator.hpp"
+#include "case/read_case.hpp"
 #include "domain/Progress.hpp"
+#include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
+#include "fields/make_flow.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
@@ -20,31 +20,32 @@
 #include "utils/WriterThread.hpp"
 
 class RunReport;
-namespace utils {
-class DataFileReader;
-}
 
-/// Who watches a run; null: nobody. A report looks at the flow until it is written.
-struct Watchers {
+/// What a run is given besides its data file. All that is referred to must outlive it.
+struct RunSettings {
+  std::ostream& log;
+  utils::Console& console;
+  fields::FlowRequest flow = {};
+  // Who watches the run; null: nobody. A report looks at the flow until it is written.
   Progress* progress = nullptr;
   RunReport* report = nullptr;
 };
 
 class Domain {
  public:
-  /// Builds the whole run from its data file. The watchers must outlive the run.
-  explicit Domain(const std::string& dataFile, Watchers watchers = {});
+  /// Builds the whole run from its data file.
+  Domain(const std::string& data_file, const RunSettings& settings);
   Domain(const Domain&) = delete;
   Domain& operator=(const Domain&) = delete;
 
-  /// Advances the run from its start to its end, or until a signal interrupts it.
-  void Update();
-  /// Whether the simulated time has reached the end of the run.
-  static bool is_complete();
-  /// The same, until `goes_on`, asked before every step, says no.
+  /// Advances the run from its start to its end, or until `goes_on`, asked before every step, says
+  /// no.
   void Update(const std::function<bool()>& goes_on);
-  /// Steps computed so far.
-  long number_of_steps() const { return steps; }
+  /// Whether the simulated time has reached the end of the run.
+  bool is_complete() const { return clock_.t >= case_.t_end; }
+  const fields::Clock& clock() const { return clock_; }
+  /// Simulated so far, s.
+  double simulated() const { return clock_.t - case_.t_start; }
   /// Number of the cell that contains a point of the plane; -1 if there is none.
   cases::Number CellWithPoint(double x, double y) const;
   /// Body of the envelope writer.
@@ -52,19 +53,13 @@ class Domain {
 
  private:
   // Set-up.
-  void read_data_file(const std::string& dataFile);
-  void take_values(const utils::DataFileReader& reader);
-  void report_model() const;
-  void read_mesh();
-  void read_cell_fields();
-  void report_and_check_sediments() const;
-  void read_source_terms();
+  cases::ReadCase read_case(const std::string& data_file);
   void set_outputs();
+  void set_gauges();
+  void set_pictures();
+  void set_sections();
   void set_other_parameters();
-  void warn_of_implausible_input() const;
-  void warn_of_implausible_fields() const;
-  void warn_of_outflows() const;
-  bool has_sediments() const { return case_.has_sediments; }
+  void warn_of_implausible_input();
 
   // Time loop.
   void begin_watching();
@@ -77,10 +72,10 @@ class Domain {
   void wait_for_writers();
   /// Whether the run must end, which has been said.
   bool has_lost_a_result() const;
-  static void report_interruption();
+  void report_interruption() const;
   void stop_if_writer_failed();
-  static void printTime(double t, int width, int precision);
-  static void eraseTime();
+  void printTime(double t, int width, int precision);
+  void eraseTime();
 
   // Failures.
   void stop_on_collapsed_step();
@@ -93,40 +88,20 @@ class Domain {
   /// Answers the name of the snapshot; empty if it would replace an input file.
   std::string write_failure_snapshot();
 
-  Watchers watchers_;
+  RunSettings settings_;
   cases::EndAtFirstError diagnostics_;
-  cases::Case case_;
-  std::string simulation_name;
-  std::string nodes_file, cells_file, edges_file;
-  std::string initial_conditions_file;
-  std::string friction_file;
-  std::string fixed_bed_level_file, sediments_level_file;
-  std::string model_name = "Undefined";
-  std::unique_ptr<fields::Flow> flow_;  ///< of case_
-  double dt_enveloppe = 0.0;            ///< s
-  double next_enveloppe_time = 0.0;     ///< s
-  double dt_threshold = 1e-08;          ///< smallest acceptable time step, s
-  long steps = 0;
-  int flux_scheme = 0;
-  bool is_pictures = false;
-  bool is_gauges = false;
-  bool is_discharges = false;
-  bool is_fixed_bed_level = false;
-  bool is_sediments_level = false;
-  bool is_friction = false;
-  bool is_rainfall = false;
-  bool is_infiltration = false;
-  bool is_initial_infiltration = false;
+  const cases::ReadCase read_;
+  const cases::Case& case_ = read_.contents;
+  const cases::DataFile& data_ = read_.data;
+  fields::Clock clock_;
+  std::unique_ptr<fields::Flow> flow_;            ///< of case_
+  double next_enveloppe_time = 0.0;               ///< s
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
   std::vector<double> umax_buffer;                ///< largest depths for the writer, m
   std::string envelope_file_;
   utils::WriterThread envelope_writer_;
   bool has_lost_failure_snapshot_ = false;
-  AreaLoss area_loss;  ///< of the cells, as they are read
 
-  std::string gauges_file, pictures_file, discharge_file;
-  std::string rainfall_file, hyetocells_file;
-  std::string infiltration_file, infiltracells_file, initial_infiltration_file;
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;
   std::unique_ptr<CMonitorSection> monitor_section;

@@ -5,7 +5,6 @@
 
 #include "domain/Domain.hpp"
 #include "domain/column_survey.hpp"
-#include "globals/Globals.hpp"
 #include "utils/cell_place.hpp"
 #include "utils/counted.hpp"
 #include "utils/number_text.hpp"
@@ -22,21 +21,23 @@ std::string named_place(const cases::Mesh& mesh, Number cell) {
   return "cell " + utils::cell_place(cell, center.x, center.y);
 }
 
-std::string at_present() { return " at t = " + utils::number_text(Globals::t) + " s"; }
+std::string at_time(double t) { return " at t = " + utils::number_text(t) + " s"; }
 
-void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found) {
+void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
+                     double t) {
   if (found.below_zero == 0) return;
   utils::warn("the " + std::string(field.quantity) + " of " +
-              utils::counted(found.below_zero, "cell") + " is below zero" + at_present() + ": " +
+              utils::counted(found.below_zero, "cell") + " is below zero" + at_time(t) + ": " +
               utils::number_text(found.deficit) + " m3 are missing, while the other cells hold " +
               utils::number_text(found.held) + " m3; it is " + utils::number_text(found.lowest) +
               " m in " + named_place(mesh, found.lowest_cell) + ".");
 }
 
-void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found) {
+void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
+                     double t) {
   if (found.not_finite == 0) return;
   utils::warn("the " + std::string(field.quantity) + " of " +
-              utils::counted(found.not_finite, "cell") + " is not a number" + at_present() +
+              utils::counted(found.not_finite, "cell") + " is not a number" + at_time(t) +
               ", the first of them in " + named_place(mesh, found.not_finite_cell) + ".");
 }
 
@@ -66,8 +67,8 @@ void Domain::warn_of_lost_results() const {
     for (std::size_t i = 0; i < n_cells; ++i) {
       survey.add(static_cast<Number>(i), values[i], areas[i]);
     }
-    if (table[k].is_depth) warn_below_zero(case_.mesh, table[k], survey);
+    if (table[k].is_depth) warn_below_zero(case_.mesh, table[k], survey, clock_.t);
     // What belongs to a state that is no number has been told of.
-    if (!table[k].is_of_state) warn_not_finite(case_.mesh, table[k], survey);
+    if (!table[k].is_of_state) warn_not_finite(case_.mesh, table[k], survey, clock_.t);
   }
 }

@@ -3,7 +3,7 @@
 #include "utils/CellTable.hpp"
 
 void Domain::write_enveloppe() {
-  next_enveloppe_time += dt_enveloppe;
+  next_enveloppe_time += data_.dt_enveloppe;
   envelope_writer_.wait();
   flow_->read(fields::Field::largest_depth, umax_buffer);
   envelope_writer_.hand_over([this] { return Write_Umax(); });

@@ -6,7 +6,6 @@
 
 #include "domain/Domain.hpp"
 #include "domain/limiting_cell.hpp"
-#include "globals/Globals.hpp"
 #include "output/Snapshot.hpp"
 #include "report/RunReport.hpp"
 #include "utils/cell_place.hpp"
@@ -29,17 +28,16 @@ void show(const cases::Mesh& mesh, cases::Number cell, const fields::CellState& 
 }  // namespace
 
 void Domain::stop_on_collapsed_step() {
-  const bool clock_stands_still = Globals::t + Globals::dt == Globals::t;
-  if (!(Globals::dt <= dt_threshold || clock_stands_still)) return;
+  if (!clock_.has_collapsed()) return;
   end_progress();
   std::cerr << "dt too small!\n";
-  Globals::spyFile << "Simulation stopped at t = " << Globals::t << " s\n"
-                   << "Too small dt! dt = " << Globals::dt << " s\n";
+  settings_.log << "Simulation stopped at t = " << clock_.t << " s\n"
+                << "Too small dt! dt = " << clock_.dt << " s\n";
   stop_at_limiting_cell("the time step is too small");
 }
 
 void Domain::stop_on_lost_clock() {
-  if (!std::isnan(Globals::t)) return;
+  if (!std::isnan(clock_.t)) return;
   std::cerr << "Error. The simulated time is not a number any more.\n";
   stop_at_limiting_cell("the simulated time is not a number");
 }
@@ -58,24 +56,24 @@ void Domain::warn_of_lost_states() const {
   const fields::FlowSurvey survey = flow_->survey();
   if (survey.not_finite == 0) return;
   utils::warn("the state of " + std::to_string(survey.not_finite) +
-              " cells is not a number at t = " + utils::fixed_text(Globals::t, 6) + " s.");
+              " cells is not a number at t = " + utils::fixed_text(clock_.t, 6) + " s.");
   const cases::Number cell = survey.a_cell_not_finite;
   show(case_.mesh, cell, flow_->state(cell));
 }
 
 void Domain::report_lost_states() {
-  if (!watchers_.report->has_just_lost_a_state()) return;
+  if (!settings_.report->has_just_lost_a_state()) return;
   report_failure("a state is not a number", flow_->survey().a_cell_not_finite);
 }
 
 void Domain::report_failure(const std::string& what, cases::Number cell) {
-  if (watchers_.report == nullptr) return;
-  const bool is_first = !watchers_.report->has_failure();
-  watchers_.report->add_failure(what, cell, is_first ? write_failure_snapshot() : "");
+  if (settings_.report == nullptr) return;
+  const bool is_first = !settings_.report->has_failure();
+  settings_.report->add_failure(what, cell, is_first ? write_failure_snapshot() : "");
 }
 
 std::string Domain::write_failure_snapshot() {
-  const std::string name = Globals::g_outputPath + "failure.txt";
+  const std::string name = data_.output_folder + "failure.txt";
   if (utils::is_input_file(name)) return "";
   wait_for_writers();  // what they say comes first
   Snapshot snapshot(case_);

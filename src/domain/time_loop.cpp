@@ -4,34 +4,25 @@
 #include <string>
 
 #include "domain/Domain.hpp"
-#include "globals/Globals.hpp"
 #include "report/RunReport.hpp"
 #include "utils/number_text.hpp"
-#include "utils/signals.hpp"
-#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
-
-void Domain::Update() {
-  Update([] { return true; });
-}
 
 void Domain::Update(const std::function<bool()>& goes_on) {
   constexpr int passes_between_displays = 10;
-  Globals::t = Globals_Params::tStart;
-  printTime(Globals::t, 8, 3);
+  printTime(case_.t_start, 8, 3);
   int passes = 0;
 
-  Globals::dt = case_.cfl * flow_->stable_step();
-  utils::listen_for_interruption();
+  clock_ = fields::clock_at_start(case_, *flow_);
   begin_watching();
-  while (Globals::t < Globals_Params::tEnd && utils::interrupting_signal() == 0 && goes_on()) {
+  while (clock_.t < case_.t_end && goes_on()) {
     enter(Phase::outputs);
     fire_outputs();
     enter(Phase::steps);
     if (++passes > passes_between_displays) {
       passes = 0;
       eraseTime();
-      printTime(Globals::t, 8, 3);
+      printTime(clock_.t, 8, 3);
     }
     stop_on_collapsed_step();
     compute_step();
@@ -51,49 +42,43 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 }
 
 void Domain::compute_step() {
-  const double t = Globals::t, dt = Globals::dt;
-  Globals::dt = case_.cfl * flow_->advance({t, Globals_Params::tStart, Globals_Params::tEnd, dt});
-  ++steps;
-  // Intended: the clock advances by the new step, not by the one just applied, and no step is
-  // shortened to meet an output time or the end.
-  Globals::t += Globals::dt;
-  if (watchers_.report == nullptr) return;
-  watchers_.report->add_step(t, dt);
+  const double t = clock_.t, dt = clock_.dt;
+  fields::advance(*flow_, case_, clock_);
+  if (settings_.report == nullptr) return;
+  settings_.report->add_step(t, dt);
   report_lost_states();
 }
 
 void Domain::begin_watching() {
-  if (watchers_.report != nullptr) {
-    watchers_.report->begin(*flow_, case_);
+  if (settings_.report != nullptr) {
+    settings_.report->begin(*flow_, case_, clock_);
     report_lost_states();
   }
-  if (watchers_.progress != nullptr) watchers_.progress->begin(Globals::t, Globals_Params::tEnd);
+  if (settings_.progress != nullptr) settings_.progress->begin(clock_.t, case_.t_end);
 }
 
 void Domain::enter(Phase phase) {
-  if (watchers_.report != nullptr) watchers_.report->enter(phase);
+  if (settings_.report != nullptr) settings_.report->enter(phase);
 }
 
 void Domain::show_progress() {
-  if (watchers_.progress == nullptr || !watchers_.progress->is_due()) return;
-  watchers_.progress->show(Globals::t, Globals::dt, flow_->survey());
+  if (settings_.progress == nullptr || !settings_.progress->is_due()) return;
+  settings_.progress->show(clock_.t, clock_.dt, flow_->survey());
 }
 
 void Domain::end_progress() {
-  if (watchers_.progress != nullptr) watchers_.progress->end();
+  if (settings_.progress != nullptr) settings_.progress->end();
 }
 
-bool Domain::is_complete() { return Globals::t >= Globals_Params::tEnd; }
-
 void Domain::fire_outputs() {
-  const bool gauge_due = is_gauges && gauge->CheckTime(Globals::t);
-  const bool picture_due = is_pictures && picture->CheckTime(Globals::t, dt_threshold);
-  const bool section_due = is_discharges && monitor_section->CheckTime(Globals::t);
-  const bool enveloppe_due = Globals::t > next_enveloppe_time;
+  const bool gauge_due = gauge && gauge->CheckTime(clock_.t);
+  const bool picture_due = picture && picture->CheckTime(clock_.t, fields::Clock::smallest_step);
+  const bool section_due = monitor_section && monitor_section->CheckTime(clock_.t);
+  const bool enveloppe_due = clock_.t > next_enveloppe_time;
 
   if (gauge_due) gauge->WriteMeasure(*flow_);
   if (picture_due) picture->WriteMeasure(*flow_);
-  if (section_due) monitor_section->WriteMeasure(*flow_, Globals::t);
+  if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);
   if (enveloppe_due) write_enveloppe();
 }
 
@@ -110,9 +95,9 @@ bool Domain::has_lost_a_result() const {
          (monitor_section && monitor_section->has_failed());
 }
 
-void Domain::report_interruption() {
-  const std::string text = " interrupted at t = " + utils::number_text(Globals::t) + " s\n";
-  Globals::spyFile << "Simulation" << text;
+void Domain::report_interruption() const {
+  const std::string text = " interrupted at t = " + utils::number_text(clock_.t) + " s\n";
+  settings_.log << "Simulation" << text;
   std::cerr << "The run was" << text;
 }
 
@@ -124,8 +109,8 @@ void Domain::stop_if_writer_failed() {
 }
 
 void Domain::printTime(double t, int width, int precision) {
-  std::cout << std::setw(width) << std::fixed << std::setprecision(precision) << t;
-  utils::flush_console();
+  settings_.console.out() << std::setw(width) << std::fixed << std::setprecision(precision) << t;
+  settings_.console.flush();
 }
 
-void Domain::eraseTime() { std::cout << '\r'; }
+void Domain::eraseTime() { settings_.console.out() << '\r'; }

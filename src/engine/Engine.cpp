@@ -8,17 +8,18 @@
 
 namespace engine {
 
-Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch)
-    : Engine(contents, {}, alone_, threads, cells_per_patch) {}
+Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch,
+               const std::optional<std::string>& instruction_set)
+    : Engine(contents, {}, alone_, threads, cells_per_patch, instruction_set) {}
 
 Engine::Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-               int cells_per_patch)
+               int cells_per_patch, const std::optional<std::string>& instruction_set)
     : exchange_(exchange),
       team_(threads),
       tables_(make_tables(contents, std::move(subset), team_, cells_per_patch)),
       forcing_(contents, tables_),
       activity_(tables_),
-      backend_(std::make_unique<HostBackend>(tables_, team_)) {
+      backend_(std::make_unique<HostBackend>(tables_, team_, loops_for(instruction_set))) {
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 
 #include "engine/Backend.hpp"
 #include "engine/Exchange.hpp"
@@ -25,11 +26,12 @@ struct Wishes {
 class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
-  /// least 1. Throws std::length_error as make_tables does.
-  Engine(const cases::Case& contents, int threads, int cells_per_patch = 0);
+  /// least 1, by loops as loops_for() chooses them. Throws std::length_error as make_tables does.
+  Engine(const cases::Case& contents, int threads, int cells_per_patch = 0,
+         const std::optional<std::string>& instruction_set = {});
   /// The same for a subset of its cells, with an exchange that must outlive the engine.
   Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-         int cells_per_patch = 0);
+         int cells_per_patch = 0, const std::optional<std::string>& instruction_set = {});
 
   /// Together: stable step of the present states of all ranks before the Courant factor, s.
   double stable_step();

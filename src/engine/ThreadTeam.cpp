@@ -1,7 +1,6 @@
 #include "engine/ThreadTeam.hpp"
 
 #include <algorithm>
-#include <cstdlib>
 #include <system_error>
 
 namespace engine {
@@ -21,11 +20,7 @@ void wait_while(const std::atomic<std::uint32_t>& value, std::uint32_t old) {
   value.wait(old, std::memory_order_acquire);
 }
 
-int threads_wanted() {
-  if (const char* text = std::getenv("OMP_NUM_THREADS")) {
-    const int wanted = std::atoi(text);
-    if (wanted > 0) return wanted;
-  }
+int number_of_cores() {
   const unsigned cores = std::thread::hardware_concurrency();
   return cores > 0 ? static_cast<int>(cores) : 1;
 }
@@ -90,9 +85,9 @@ void ThreadTeam::serve(int member) {
   }
 }
 
-int threads_for(int cells) {
+int threads_for(int cells, int most) {
   constexpr int fewest_cells_of_a_thread = 1000;
-  return std::clamp(cells / fewest_cells_of_a_thread, 1, threads_wanted());
+  return std::clamp(cells / fewest_cells_of_a_thread, 1, most > 0 ? most : number_of_cores());
 }
 
 }  // namespace engine

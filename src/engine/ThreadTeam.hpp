@@ -46,7 +46,7 @@ class ThreadTeam {
   std::vector<std::thread> threads_;
 };
 
-/// Threads for a mesh: OMP_NUM_THREADS, or every core, but fewer for a small mesh.
-int threads_for(int cells);
+/// Threads for a mesh: at most so many (0: one per core), but fewer for a small mesh.
+int threads_for(int cells, int most);
 
 }  // namespace engine

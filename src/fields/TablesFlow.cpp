@@ -8,8 +8,10 @@
 namespace fields {
 
 TablesFlow::TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
-                       int cells_per_patch)
-    : case_(contents), diagnostics_(diagnostics), engine_(contents, threads, cells_per_patch) {}
+                       int cells_per_patch, const std::optional<std::string>& instruction_set)
+    : case_(contents),
+      diagnostics_(diagnostics),
+      engine_(contents, threads, cells_per_patch, instruction_set) {}
 
 double TablesFlow::advance(const StepTimes& times) {
   const double step = engine_.advance(times);

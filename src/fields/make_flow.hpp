@@ -2,26 +2,32 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "case/Case.hpp"
 #include "case/Diagnostics.hpp"
-#include "fields/Flow.hpp"
+#include "fields/TablesFlow.hpp"
 
 namespace fields {
 
-enum class Path {
-  best,    ///< the tables, or the objects where the tables have no room for a cell
-  tables,  ///< or an error
-  objects
+struct FlowRequest {
+  std::string path = {};  ///< "tables", "objects"; empty: the tables, or the objects where the
+                          ///< tables have no room for a cell
+  /// Of the tables: baseline, avx2 or avx512; without one the best of this machine.
+  std::optional<std::string> instruction_set = {};
+  int most_threads = 0;  ///< of the tables; 0: one per core. A small mesh takes fewer.
 };
 
 /// The flow of a case, which must outlive it, at its start. On objects there can be one flow in a
-/// process at a time: they read globals, which are set here. `threads`: 0 for what suits machine
-/// and mesh. Throws std::runtime_error where the path cannot be had.
+/// process at a time: they read globals, which are set here. Throws std::runtime_error where the
+/// request cannot be met.
 std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics& diagnostics,
-                                Path path, int threads = 0);
+                                const FlowRequest& request = {});
 
-/// The path that QUILLMERE_ENGINE names; throws std::runtime_error where it names none.
-Path path_of_environment();
+/// The same on the tables. Throws std::length_error where they have no room for a cell.
+std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
+                                             cases::Diagnostics& diagnostics,
+                                             const FlowRequest& request);
 
 }  // namespace fields

@@ -5,11 +5,8 @@ double ZERO_DEPTH = 0.0;
 }
 
 namespace Globals {
-bool displayMessage = true;
-std::string g_outputPath;
 double t = 0.0;
 double dt = 0.0;
-std::ofstream spyFile;
 }  // namespace Globals
 
 namespace Globals_Params {
@@ -23,5 +20,3 @@ double g_sedimentsDensity = 0.0;
 double g_sedimentsManning = 0.0;
 double g_sedimentsPorosity = 0.0;
 }  // namespace Globals_Sed
-
-std::string _dataFile;

@@ -1,21 +1,20 @@
 // Start-up of a run.
 #include <algorithm>
 #include <cctype>
-#include <cstdlib>
 #include <ctime>
+#include <fstream>
 #include <iostream>
 #include <limits>
 #include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "case/planned_files.hpp"
 #include "domain/Domain.hpp"
-#include "globals/Globals.hpp"
 #include "main/credits.hpp"
+#include "main/environment.hpp"
 #include "main/usage.hpp"
 #include "report/RunReport.hpp"
 #include "utils/InputParser.hpp"
@@ -35,15 +34,15 @@ void warn_of_strange_options(const utils::InputParser& parser) {
   }
 }
 
-/// Takes the data file (asking for it if it is not given) and the console echo from the options.
-void parseInputs(utils::InputParser parser) {
-  _dataFile = parser.getCmdOption("-f");
-  if (_dataFile.empty()) {
+/// The data file: that of the options, or else it is asked for.
+std::string data_file_of(const utils::InputParser& parser) {
+  std::string name = parser.getCmdOption("-f");
+  if (name.empty()) {
     std::cout << "Please provide the input data file name: ";
-    std::cin >> _dataFile;
+    std::cin >> name;
     std::cout << std::endl;
   }
-  Globals::displayMessage = !parser.cmdOptionExists("-nodisplay");
+  return name;
 }
 
 std::string name_of_report(const utils::InputParser& parser) {
@@ -55,30 +54,38 @@ std::string name_of_report(const utils::InputParser& parser) {
 }
 
 /// Ends the run, before it opens any result, if one would destroy an input or another result.
-void refuse_results_that_destroy(const std::string& report) {
+void refuse_results_that_destroy(const std::string& data_file, const std::string& report) {
   const std::vector<std::string> conflicts =
-      cases::conflicts_of(cases::plan_files(_dataFile, report));
+      cases::conflicts_of(cases::plan_files(data_file, report));
   if (conflicts.empty()) return;
   std::string sentence = conflicts.front();
   sentence.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence.front())));
   utils::fatal("Error. " + sentence + ".\n");
 }
 
+/// What a call of the program works with. The run stays until the end, for those who watched it.
+struct Program {
+  std::ofstream log = {};
+  utils::Console console{std::cout};
+  std::optional<Progress> progress = {};
+  std::optional<RunReport> report = {};
+  std::optional<Domain> domain = {};
+};
+
 /// Ends a run early: says why, lets the writers finish their files, closes the log, and writes the
-/// report if there is one (null: none). Answers the exit status.
-int end_early(const std::string& message, int status, RunReport* report) {
+/// report if there is one. Answers the exit status.
+int end_early(Program& program, const std::string& message, int status) {
   std::cerr << message;
-  utils::flush_console();
+  program.console.flush();
   utils::wait_for_writers();
-  if (Globals::spyFile.is_open()) Globals::spyFile.close();
-  if (report != nullptr) report->write(status, message);
+  if (program.log.is_open()) program.log.close();
+  if (program.report) program.report->write(status, message);
   return status;
 }
 
-void print_banner() {
-  std::ostream& log = Globals::spyFile;
+void print_banner(std::ostream& log, utils::Console& console) {
   utils::print_delimitator(log);
-  utils::write_and_display(log, "Welcome to Quillmere !\n");
+  utils::write_and_display(log, console, "Welcome to Quillmere !\n");
   utils::print_delimitator(log);
   write_credits(log);
   utils::print_delimitator(log);
@@ -91,11 +98,19 @@ int whole_seconds(double seconds) {
   return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
+void open_log(std::ofstream& log) {
+  // Without a buffer: a piece that a full disk took only in part would be written again at the end.
+  log.rdbuf()->pubsetbuf(nullptr, 0);
+  log.open("log.txt");
+  if (!log.is_open()) utils::warn("The file log.txt couldn't be created.");
+  log << std::unitbuf;  // what is logged is on the disk, whatever happens next
+}
+
 /// Ends the run if the log is not complete.
-void close_log() {
-  if (!Globals::spyFile.is_open()) return;  // it couldn't be created
-  Globals::spyFile.close();
-  if (Globals::spyFile.good()) return;
+void close_log(std::ofstream& log) {
+  if (!log.is_open()) return;  // it couldn't be created
+  log.close();
+  if (log.good()) return;
   utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
 }
 
@@ -106,39 +121,69 @@ void secure_process() {
   utils::let_writes_fail();
   utils::end_between_lines();
   utils::end_where_memory_is_missing();
+  utils::return_large_blocks();
 }
 
-/// Answers the exit status. The run stays in its place, for those who watched it.
-int run(std::optional<Domain>& domain, Watchers watchers) {
-  // Without a buffer: a piece that a full disk took only in part would be written again at the end.
-  Globals::spyFile.rdbuf()->pubsetbuf(nullptr, 0);
-  Globals::spyFile.open("log.txt");
-  if (!Globals::spyFile.is_open()) utils::warn("The file log.txt couldn't be created.");
-  Globals::spyFile << std::unitbuf;  // what is logged is on the disk, whatever happens next
-  print_banner();
-  if (_dataFile.empty()) {
+/// Answers the exit status.
+int run(Program& program, const std::string& data_file) {
+  std::ostream& log = program.log;
+  open_log(program.log);
+  print_banner(log, program.console);
+  if (data_file.empty()) {
     print_usage(std::cerr);
     utils::fatal("Error. No data file is named, neither behind -f nor on standard input.\n");
   }
 
-  domain.emplace(_dataFile, watchers);
+  const RunSettings settings{.log = log,
+                             .console = program.console,
+                             .flow = flow_request_of_environment(),
+                             .progress = program.progress ? &*program.progress : nullptr,
+                             .report = program.report ? &*program.report : nullptr};
+  Domain& domain = program.domain.emplace(data_file, settings);
 
   const std::time_t start = std::time(nullptr);
-  domain->Update();
+  utils::listen_for_interruption();
+  domain.Update([] { return utils::interrupting_signal() == 0; });
   const std::time_t end = std::time(nullptr);
   utils::write_and_display(
-      Globals::spyFile, "Total execution time: " + std::to_string(static_cast<long>(end - start)) +
-                            " sec. for " +
-                            std::to_string(whole_seconds(Globals::t - Globals_Params::tStart)) +
-                            " sec. of simulation.\n");
-  close_log();
-  return Domain::is_complete() ? 0 : 128 + utils::interrupting_signal();
+      log, program.console,
+      "Total execution time: " + std::to_string(static_cast<long>(end - start)) + " sec. for " +
+          std::to_string(whole_seconds(domain.simulated())) + " sec. of simulation.\n");
+  close_log(program.log);
+  return domain.is_complete() ? 0 : 128 + utils::interrupting_signal();
 }
 
 /// Exit status of a call that only writes to the console.
-int status_of_words() {
-  utils::flush_console();
+int status_of_words(Program& program) {
+  program.console.flush();
   return std::cout.good() ? 0 : -1;
+}
+
+/// Does what the command line asks for. Answers the exit status.
+int serve(Program& program, const utils::InputParser& parser) {
+  if (parser.cmdOptionExists("--help")) {
+    print_usage(std::cout);
+    return status_of_words(program);
+  }
+  if (parser.cmdOptionExists("--version")) {
+    print_version(std::cout);
+    return status_of_words(program);
+  }
+  warn_of_strange_options(parser);
+  const std::string given_name = data_file_of(parser);
+  if (parser.cmdOptionExists("-nodisplay")) program.console.mute();
+  const bool has_report = parser.cmdOptionExists("--report");
+  const std::string report_name = has_report ? name_of_report(parser) : "";
+  const std::string data_file = utils::readable_again(given_name);
+  refuse_results_that_destroy(data_file, report_name);
+  if (has_report) program.report.emplace(report_name, given_name);
+  if (parser.cmdOptionExists("--progress")) {
+    program.progress.emplace(Progress::on_standard_error());
+  }
+  const int status = run(program, data_file);
+  program.console.flush();
+  if (!program.report) return status;
+  return program.report->write(status, "") ? status : -1;
 }
 
 std::string beyond_memory(const std::exception& error) {
@@ -150,43 +195,17 @@ std::string beyond_memory(const std::exception& error) {
 
 int main(int argc, char** argv) {
   secure_process();
-  std::optional<RunReport> report;  // outlives the errors that it tells of, as does the run
-  std::optional<Domain> domain;
-  const auto end_early = [&](const std::string& message, int status) {
-    return ::end_early(message, status, report ? &*report : nullptr);
-  };
+  Program program;
   try {
-    const utils::InputParser parser(argc, argv);
-    if (parser.cmdOptionExists("--help")) {
-      print_usage(std::cout);
-      return status_of_words();
-    }
-    if (parser.cmdOptionExists("--version")) {
-      print_version(std::cout);
-      return status_of_words();
-    }
-    warn_of_strange_options(parser);
-    parseInputs(parser);
-    const bool has_report = parser.cmdOptionExists("--report");
-    const std::string report_name = has_report ? name_of_report(parser) : "";
-    const std::string given_name = std::exchange(_dataFile, utils::readable_again(_dataFile));
-    refuse_results_that_destroy(report_name);
-    if (has_report) report.emplace(report_name, given_name);
-    std::optional<Progress> progress;
-    if (parser.cmdOptionExists("--progress")) progress.emplace(Progress::on_standard_error());
-    const int status = run(domain, {.progress = progress ? &*progress : nullptr,
-                                    .report = report ? &*report : nullptr});
-    utils::flush_console();
-    if (!report) return status;
-    return report->write(status, "") ? status : -1;
+    return serve(program, utils::InputParser(argc, argv));
   } catch (const utils::FatalError& error) {
     std::cout << error.output() << std::flush;
-    return end_early(error.text(), error.status());
+    return end_early(program, error.text(), error.status());
   } catch (const std::length_error& error) {
-    return end_early(beyond_memory(error), -1);
+    return end_early(program, beyond_memory(error), -1);
   } catch (const std::bad_alloc& error) {  // a size that no machine has; others never get here
-    return end_early(beyond_memory(error), -1);
+    return end_early(program, beyond_memory(error), -1);
   } catch (const std::exception& error) {
-    return end_early(error.what() + std::string("\n"), -1);
+    return end_early(program, error.what() + std::string("\n"), -1);
   }
 }

@@ -2,10 +2,6 @@
 
 #include <iostream>
 
-#include "globals/Globals.hpp"
-
-COutput Globals::myOutput;
-
 bool COutput::Write(utils::LineFile& out, double time,
                     const std::vector<GaugeState>& states) const {
   if (!out.is_open()) {

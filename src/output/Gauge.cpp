@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "globals/Globals.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
@@ -18,7 +17,7 @@ std::string without_cell(int number, physics::PlanPoint point) {
 }  // namespace
 
 Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-             const CellLocator& cell_with_point, double start_time)
+             const CellLocator& cell_with_point, double start_time, std::ostream& log)
     : interval_(request.interval), next_time_(start_time), states_(request.points.size()) {
   utils::RepeatedWarning warnings("gauges in no cell.");
   for (std::size_t i = 0; i < request.points.size(); ++i) {
@@ -33,7 +32,7 @@ Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
   }
   values_.resize(cells_.size());
   output_.open(prefix + request.result);
-  Globals::spyFile << " Gauge results written in " << request.result << " \n";
+  log << " Gauge results written in " << request.result << " \n";
   if (!write_header()) writer_.note_failure();
 }
 
@@ -65,7 +64,7 @@ void Gauge::gather(const fields::Flow& flow, fields::Field field, double GaugeSt
   for (std::size_t k = 0; k < points_.size(); ++k) states_[points_[k]].*value = values_[k];
 }
 
-bool Gauge::WriteOutputThread() { return Globals::myOutput.Write(output_, time_, states_); }
+bool Gauge::WriteOutputThread() { return lines_.Write(output_, time_, states_); }
 
 void Gauge::close() {
   if (!output_.close()) writer_.note_failure();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -15,9 +16,10 @@ using CellLocator = std::function<cases::Number(double x, double y)>;
 
 class Gauge {
  public:
-  /// Creates the result file, whose name begins with the prefix, and writes its header.
+  /// Creates the result file, whose name begins with the prefix, writes its header, and says so in
+  /// the log.
   Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-        const CellLocator& cell_with_point, double start_time);
+        const CellLocator& cell_with_point, double start_time, std::ostream& log);
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
@@ -45,6 +47,7 @@ class Gauge {
   std::vector<double> values_;        ///< of these cells
   double time_ = 0.0;                 ///< of the recording, s
   std::vector<GaugeState> states_;    ///< of all points
+  COutput lines_;
   utils::LineFile output_;
   utils::WriterThread writer_;  ///< uses all that stands above
 };

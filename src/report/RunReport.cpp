@@ -7,12 +7,10 @@
 #include <numeric>
 #include <stdexcept>
 
-#include "globals/Globals.hpp"
 #include "report/cell_json.hpp"
 #include "report/failure_surroundings.hpp"
 #include "utils/OutputFile.hpp"
 #include "utils/files.hpp"
-#include "utils/signals.hpp"
 #include "utils/stop.hpp"
 
 namespace {
@@ -80,7 +78,14 @@ RunReport::RunReport(std::string file, std::string data_file)
   }
 }
 
-void RunReport::begin(fields::Flow& flow, const cases::Case& contents) {
+void RunReport::take_data_file(const utils::KeyUses& uses, double t_start, double t_end) {
+  key_uses_ = uses;
+  t_start_ = t_start;
+  t_end_ = t_end;
+}
+
+void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock) {
+  clock_of_run_ = &clock;
   if (utils::is_input_file(file_)) {
     utils::fatal("Error. The report " + file_ + " would replace an input file of this run.\n");
   }
@@ -102,20 +107,20 @@ void RunReport::add_step(double t, double dt) {
 /// The state that the clock stands at, and the step that it set.
 void RunReport::note_state() {
   const physics::StepNotes& notes = flow_->notes();
-  StepRecord step = {Globals::t, Globals::dt, notes.limiting_cell, {}};
+  StepRecord step = {clock_of_run_->t, clock_of_run_->dt, notes.limiting_cell, {}};
   if (step.cell >= 0) step.state = flow_->state(step.cell);
   history_.add(step);
   note_peak(fastest_, notes.speed_squared);
   note_peak(most_rapid_, notes.speed_squared_per_depth);
   if (notes.not_finite > 0 && lost_at_step_ < 0) {
     lost_at_step_ = steps_;
-    lost_at_t_ = Globals::t;
+    lost_at_t_ = clock_of_run_->t;
   }
 }
 
 void RunReport::note_peak(Peak& peak, const physics::FlowRecord& record) const {
   if (record.value > peak.record.value) {
-    peak = {record, Globals::t, flow_->state(record.cell)};
+    peak = {record, clock_of_run_->t, flow_->state(record.cell)};
   }
 }
 
@@ -123,8 +128,8 @@ void RunReport::add_failure(const std::string& what, cases::Number cell,
                             const std::string& snapshot) {
   what_failed_ = what;
   if (has_failure()) return;
-  failure_ = {{"what", what}, {"time_s", Globals::t}, {"steps_computed", steps_}};
-  if (cell >= 0) failure_.update(surroundings_of(*flow_, *case_, cell));
+  failure_ = {{"what", what}, {"time_s", clock_of_run_->t}, {"steps_computed", steps_}};
+  if (cell >= 0) failure_.update(surroundings_of(*flow_, *case_, clock_of_run_->t, cell));
   failure_["snapshot"] = snapshot;
   failure_["last_steps"] = last_steps();
 }
@@ -188,8 +193,9 @@ json RunReport::last_steps() const {
 }
 
 json RunReport::outcome(int status, const std::string& message) const {
-  const int signal = utils::interrupting_signal();
-  const bool is_interrupted = signal != 0 && status == 128 + signal;
+  constexpr int first_of_signals = 128;
+  const int signal = status - first_of_signals;
+  const bool is_interrupted = signal > 0;
   const bool has_failed = status != 0 && !is_interrupted;
   std::string reason = "the end time was reached";
   if (is_interrupted) {
@@ -205,10 +211,9 @@ json RunReport::outcome(int status, const std::string& message) const {
   return {{"status", outcome}, {"reason", reason}, {"exit_status", status & status_bits}};
 }
 
-json RunReport::simulated_time() {
-  return {{"start_s", Globals_Params::tStart},
-          {"end_s", Globals_Params::tEnd},
-          {"reached_s", Globals::t}};
+json RunReport::simulated_time() const {
+  const double reached = clock_of_run_ != nullptr ? clock_of_run_->t : 0.0;
+  return {{"start_s", t_start_}, {"end_s", t_end_}, {"reached_s", reached}};
 }
 
 json RunReport::wall_times() const {

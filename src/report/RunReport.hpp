@@ -8,6 +8,7 @@
 
 #include "case/Case.hpp"
 #include "case/DataFileReader.hpp"
+#include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
 #include "physics/flow_extremes.hpp"
 #include "report/PhaseClock.hpp"
@@ -19,12 +20,13 @@ class RunReport {
   /// Throws std::runtime_error if no file of that name can be made.
   RunReport(std::string file, std::string data_file);
 
-  void take_keys(const utils::DataFileReader& reader) { key_uses_ = reader.key_uses(); }
+  /// What became of the keys of the data file, and the span that it asks for, s.
+  void take_data_file(const utils::KeyUses& uses, double t_start, double t_end);
   /// From now on the wall time counts for this phase.
   void enter(Phase phase) { clock_.enter(phase); }
-  /// The steps of the flow of a case begin, which must both live until the report is written. The
-  /// clock stands at its start and the first step is set.
-  void begin(fields::Flow& flow, const cases::Case& contents);
+  /// The steps of the flow of a case begin, which must live until the report is written, as must
+  /// the clock. It stands at its start and the first step is set.
+  void begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock);
   /// A step of dt (s), which began at t (s), has been computed, and the clock moved.
   void add_step(double t, double dt);
   /// Whether a state was found not to be a number after the last step, for the first time.
@@ -54,7 +56,7 @@ class RunReport {
   json peak_json(const Peak& peak, const char* name, double value) const;
   json last_steps() const;
   json outcome(int status, const std::string& message) const;
-  static json simulated_time();
+  json simulated_time() const;
   json wall_times() const;
   json execution() const;
   json steps() const;
@@ -68,7 +70,9 @@ class RunReport {
   utils::KeyUses key_uses_;
   PhaseClock clock_;
 
-  fields::Flow* flow_ = nullptr;  ///< null before the steps
+  double t_start_ = 0.0, t_end_ = 0.0;           ///< s
+  const fields::Clock* clock_of_run_ = nullptr;  ///< null before the steps
+  fields::Flow* flow_ = nullptr;                 ///< null before the steps
   const cases::Case* case_ = nullptr;
   std::unique_ptr<VolumeLedger> ledger_;
   cases::Number smallest_cell_ = -1;  ///< of the mesh

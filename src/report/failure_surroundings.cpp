@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 #include <vector>
 
-#include "model/build_objects.hpp"
+#include "fields/ObjectsFlow.hpp"
 #include "report/cell_json.hpp"
 
 namespace {
@@ -39,20 +40,25 @@ std::vector<Number> with_neighbours(const cases::Mesh& mesh, Number cell) {
   return cells;
 }
 
-/// A few edges of a case with their cells, as a case of their own.
+/// A few edges of a case with their cells, as a case of their own that starts now.
 class Part {
  public:
-  Part(const cases::Case& whole, const std::vector<Number>& edges) : whole_(whole) {
+  Part(const cases::Case& whole, const std::vector<Number>& edges, double t) : whole_(whole) {
     contents_.has_sediments = whole.has_sediments;
+    contents_.t_start = t;
+    contents_.t_end = whole.t_end;
+    contents_.zero_depth = whole.zero_depth;
+    contents_.sediment = whole.sediment;
     contents_.series = whole.series;
     for (const Number edge : edges) add_edge(edge);
   }
 
   /// The objects of the part with the states of the flow, under the numbers of the whole case.
-  ModelObjects objects(const fields::Flow& flow) const {
-    ModelObjects objects = build_objects(contents_);
+  std::unique_ptr<fields::ObjectsFlow> objects(const fields::Flow& flow) const {
+    auto objects = std::make_unique<fields::ObjectsFlow>(contents_);
+    const PhysicalModel& model = objects->model();
     for (const auto& [number, place] : cells_) {
-      ComputationalCell& cell = *objects.model->cells[at(place)];
+      ComputationalCell& cell = *model.cells[at(place)];
       const fields::CellState state = flow.state(number);
       cell.id = number;
       cell.U.set_values(state.h, state.qx, state.qy, state.hs, state.qsx, state.qsy);
@@ -60,7 +66,7 @@ class Part {
       cell.bed_level = state.bed_level;
       cell.free_surface_level = state.water_level;
     }
-    for (std::size_t i = 0; i < edges_.size(); ++i) objects.model->interfaces[i]->tag = edges_[i];
+    for (std::size_t i = 0; i < edges_.size(); ++i) model.interfaces[i]->tag = edges_[i];
     return objects;
   }
 
@@ -159,11 +165,11 @@ json fluxes_of(GenericInterface& edge) {
 
 }  // namespace
 
-json surroundings_of(const fields::Flow& flow, const cases::Case& contents, Number cell) {
+json surroundings_of(const fields::Flow& flow, const cases::Case& contents, double t, Number cell) {
   const std::vector<Number> cells = with_neighbours(contents.mesh, cell);
   json states = json::array(), fluxes = json::array();
   for (const Number one : cells) states.push_back(state_of(flow, contents, one));
-  const ModelObjects objects = Part(contents, edges_of(contents.mesh, cells)).objects(flow);
-  for (const auto& edge : objects.model->interfaces) fluxes.push_back(fluxes_of(*edge));
+  const auto objects = Part(contents, edges_of(contents.mesh, cells), t).objects(flow);
+  for (const auto& edge : objects->model().interfaces) fluxes.push_back(fluxes_of(*edge));
   return {{"cells", states}, {"edges", fluxes}};
 }

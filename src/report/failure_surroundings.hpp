@@ -7,6 +7,7 @@
 #include "case/Case.hpp"
 #include "fields/Flow.hpp"
 
-/// "cells", the cell first, and "edges" of these cells. The fluxes are those of the present states.
+/// "cells", the cell first, and "edges" of these cells. The fluxes are those of the states at t
+/// (s).
 nlohmann::ordered_json surroundings_of(const fields::Flow& flow, const cases::Case& contents,
-                                       cases::Number cell);
+                                       double t, cases::Number cell);

@@ -5,12 +5,9 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <map>
 #include <mutex>
 
-#include "globals/Globals.hpp"
-#include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
 
 namespace utils {
@@ -81,11 +78,8 @@ void rename_old_file(const std::string& name) {
   [[maybe_unused]] const int ignored = std::rename(name.c_str(), old_name.c_str());
 }
 
-void write_and_display(std::ostream& log, const std::string& message) {
-  if (Globals::displayMessage) {
-    std::cout << message;
-    flush_console();
-  }
+void write_and_display(std::ostream& log, Console& console, const std::string& message) {
+  console.show(message);
   log << message;
 }
 

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "utils/Console.hpp"
+
 namespace utils {
 
 /// Opens a file for reading; ends the run with a message if that is impossible.
@@ -31,9 +33,9 @@ std::string get_path(const std::string& name);
 /// Renames out.txt to out_old.txt, keeping an earlier result; a failure is ignored.
 void rename_old_file(const std::string& name);
 
-/// Writes a message, which carries its own line end, to the log, and to the console unless
-/// "-nodisplay" was given.
-void write_and_display(std::ostream& log, const std::string& message);
+/// Writes a message, which carries its own line end, to the console, unless that is muted, and to
+/// the log.
+void write_and_display(std::ostream& log, Console& console, const std::string& message);
 /// Writes the line that separates the sections of the log.
 void print_delimitator(std::ostream& log);
 

@@ -4,9 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <iostream>
-#include <string>
-#include <system_error>
 
 #include "utils/stop.hpp"
 
@@ -20,16 +17,6 @@ void open_standard_streams() {
       fatal("Error. A standard stream is closed, and /dev/null couldn't be opened for it.\n");
     }
   }
-}
-
-void flush_console() {
-  static bool is_lost = false;
-  errno = 0;
-  std::cout.flush();
-  if (std::cout.good() || is_lost) return;
-  is_lost = true;
-  const std::string reason = errno != 0 ? std::generic_category().message(errno) : "unknown reason";
-  warn("nothing more can be written to standard output: " + reason + ".");
 }
 
 }  // namespace utils

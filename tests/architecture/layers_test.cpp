@@ -21,7 +21,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"physics", {}},
     {"kernels", {"physics"}},
     {"globals", {}},
-    {"utils", {"globals"}},
+    {"utils", {}},
     {"case", {"physics", "globals", "utils"}},
     {"engine", {"kernels", "physics", "case"}},
     {"ranks", {"engine", "case"}},
@@ -29,10 +29,11 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},
     {"fields", {"physics", "case", "engine", "model", "globals", "utils"}},
-    {"output", {"physics", "case", "fields", "globals", "utils"}},
-    {"report", {"physics", "case", "fields", "model", "globals", "utils"}},
-    {"domain", {"physics", "case", "fields", "model", "output", "report", "globals", "utils"}},
-    {"main", {"case", "domain", "report", "globals", "utils"}}};
+    {"output", {"physics", "case", "fields", "utils"}},
+    {"report", {"physics", "case", "fields", "utils"}},
+    {"domain", {"physics", "case", "fields", "output", "report", "utils"}},
+    {"library", {"physics", "case", "fields", "quillmere", "utils"}},
+    {"main", {"case", "fields", "domain", "report", "utils"}}};
 
 std::string without_comments(const std::string& text) {
   return std::regex_replace(text, std::regex("//[^\n]*"), "");
@@ -62,6 +63,28 @@ TEST(Layers, OnlyTheFieldsAndTheRanksKnowTheEngine) {
     const std::string folder = place.begin()->string();
     if (folder == "engine" || folder == "fields" || folder == "ranks") continue;
     EXPECT_TRUE(matches(text_of(file), include).empty()) << file;
+  }
+}
+
+TEST(Layers, OnlyTheWalkOfTheObjectsKnowsTheGlobals) {
+  const std::set<std::string> walk = {"globals", "model", "interfaces", "sources"};
+  const std::set<std::string> flow_on_objects = {"ObjectsFlow.cpp", "StepWatch.cpp"};
+  for (const fs::path& file : files_below(source)) {
+    const std::string folder = fs::relative(file, source).begin()->string();
+    const bool is_of_the_flow = folder == "fields" && flow_on_objects.count(file.filename()) > 0;
+    if (walk.count(folder) > 0 || is_of_the_flow) continue;
+    EXPECT_EQ(text_of(file).find("globals/Globals.hpp"), std::string::npos) << file;
+  }
+}
+
+TEST(Layers, OnlyTheProgramKnowsTheEnvironmentTheConsoleAndTheSignalsOfItsProcess) {
+  const std::regex process("getenv|std::cout|std::cin|interrupting_signal|current_path");
+  const std::set<std::string> but_for = {"main", "model", "sources"};  // two given texts in those
+  for (const fs::path& file : files_below(source)) {
+    const fs::path place = fs::relative(file, source);
+    const bool defines_it = place.parent_path() == "utils" && place.stem() == "signals";
+    if (but_for.count(place.begin()->string()) > 0 || defines_it) continue;
+    EXPECT_FALSE(std::regex_search(without_comments(text_of(file)), process)) << file;
   }
 }
 

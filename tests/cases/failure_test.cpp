@@ -107,6 +107,39 @@ TEST_F(Failure, ShowsTheNeighboursAndTheFluxesOfAllTheirEdges) {
   });
 }
 
+TEST_F(Failure, ShowsTheFluxesOfItsTimeAndItsDryDepth) {
+  const int deep = c.upper(0, 1);
+  const support::Point centre = c.center(deep);
+  c.initial = [centre](double x, double y) {
+    const bool is_deep = std::hypot(x - centre.x, y - centre.y) < 1e-9;
+    return is_deep ? support::InitialState{4.0, 80.0} : support::InitialState{0.5};
+  };
+  c.data["model"]["zero depth value"] = 0.6;
+  c.west = "-33 inflow.txt";
+  c.files["inflow.txt"] = "2\n0 0\n10 -1\n";
+  c.set_times(5.0, 6.0);
+  c.data["CFL"] = 1e-9;
+  on_every_path([&] {
+    EXPECT_EQ(run_with_report().status, 255);
+    int of_deep = 0, between_dry = 0;
+    const json failure = report()["failure"];
+    for (const json& edge : failure["edges"]) {
+      const double water = edge["into_left"]["water_m3_per_s"];
+      const auto momentum = edge["into_left"]["momentum_m4_per_s2"].get<std::vector<double>>();
+      if (edge["left_cell"] == deep && edge["right_cell"].is_null()) {
+        EXPECT_NEAR(water, 0.5, 1e-12);
+        ++of_deep;
+      } else if (edge["left_cell"] != deep && edge["right_cell"] != deep) {
+        if (edge["right_cell"].is_null()) continue;  // the inflow
+        EXPECT_EQ(std::hypot(momentum[0], momentum[1]), 0.0);
+        ++between_dry;
+      }
+    }
+    EXPECT_EQ(of_deep, 1);
+    EXPECT_GT(between_dry, 0);
+  });
+}
+
 TEST_F(Failure, KeepsTheLastFiftySteps) {
   let_it_collapse();
   c.files["surge.txt"] = "3\n0 -0.1\n5 -0.1\n5.5 -1e14\n";

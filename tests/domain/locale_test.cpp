@@ -4,10 +4,9 @@
 #include <map>
 #include <string>
 
-#include "domain/Domain.hpp"
-#include "globals/Globals.hpp"
 #include "support/Case.hpp"
 #include "support/CommaLocale.hpp"
+#include "support/QuietRun.hpp"
 #include "support/TemporaryFolder.hpp"
 
 namespace {
@@ -18,11 +17,8 @@ namespace fs = std::filesystem;
 std::map<std::string, std::string> files_of_run(const support::TemporaryFolder& folder) {
   const fs::path before = fs::current_path();
   fs::current_path(folder.path());
-  Globals::displayMessage = false;
-  testing::internal::CaptureStdout();
-  Domain("data.json").Update();
-  testing::internal::GetCapturedStdout();
-  Globals::displayMessage = true;
+  support::QuietRun run;
+  Domain("data.json", run.settings).Update([] { return true; });
   std::map<std::string, std::string> files;
   for (const auto& entry : fs::recursive_directory_iterator(".")) {
     const std::string name = entry.path().string();

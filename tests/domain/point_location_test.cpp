@@ -5,28 +5,21 @@
 #include <memory>
 #include <random>
 
-#include "domain/Domain.hpp"
-#include "globals/Globals.hpp"
 #include "support/Case.hpp"
+#include "support/QuietRun.hpp"
 
 namespace {
 
 class PointLocation : public testing::Test {
  protected:
-  PointLocation() {
-    Globals::displayMessage = false;
-    c.x0 = 100.0;
-  }
-  ~PointLocation() override {
-    Globals::displayMessage = true;
-    std::filesystem::current_path(start_);
-  }
+  PointLocation() { c.x0 = 100.0; }
+  ~PointLocation() override { std::filesystem::current_path(start_); }
 
   /// Sets the case up; paths in its data file are relative to its folder.
   void build() {
     c.write(folder_);
     std::filesystem::current_path(folder_.path());
-    domain_ = std::make_unique<Domain>("data.json");
+    domain_ = std::make_unique<Domain>("data.json", run_.settings);
   }
   /// Index of the cell that contains a point; -1 if there is none.
   int cell_at(double x, double y) const { return domain_->CellWithPoint(x, y); }
@@ -54,6 +47,7 @@ class PointLocation : public testing::Test {
  private:
   support::TemporaryFolder folder_;
   std::filesystem::path start_ = std::filesystem::current_path();
+  support::QuietRun run_;
   std::unique_ptr<Domain> domain_;
 };
 

@@ -2,18 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
 #include "support/NoThreads.hpp"
+#include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
+#include "support/case_of.hpp"
 #include "support/polygon_mesh.hpp"
 
 namespace {
-
-using fields::Path;
 
 /// A still pond in one cell of many sides.
 cases::Case pond(int sides) {
@@ -26,10 +25,13 @@ cases::Case pond(int sides) {
   return contents;
 }
 
+/// Of so many cells that it is worth three threads.
+cases::Case basin() { return support::case_of(*support::build_rectangle({60, 30, 60.0, 30.0})); }
+
 class MakeFlow : public testing::Test {
  protected:
-  std::string path_of(const cases::Case& contents, Path path) {
-    return fields::make_flow(contents, told, path, 1)->execution_path().name;
+  std::string path_of(const cases::Case& contents, const std::string& path) {
+    return fields::make_flow(contents, told, {.path = path})->execution_path().name;
   }
 
   const support::RunGlobals globals{1e-3};  // objects set them
@@ -39,42 +41,41 @@ class MakeFlow : public testing::Test {
 }  // namespace
 
 TEST_F(MakeFlow, TakesTheTablesUnlessItIsAskedForObjects) {
-  EXPECT_EQ(path_of(pond(6), Path::best), "tables");
-  EXPECT_EQ(path_of(pond(6), Path::tables), "tables");
-  EXPECT_EQ(path_of(pond(6), Path::objects), "objects");
+  EXPECT_EQ(path_of(pond(6), ""), "tables");
+  EXPECT_EQ(path_of(pond(6), "tables"), "tables");
+  EXPECT_EQ(path_of(pond(6), "objects"), "objects");
 }
 
 TEST_F(MakeFlow, ACellOfMoreEdgesThanTheTablesNumberRunsOnTheObjects) {
-  EXPECT_EQ(path_of(pond(65000), Path::best), "tables");
-  EXPECT_EQ(path_of(pond(66000), Path::best), "objects");
-  EXPECT_THROW(path_of(pond(66000), Path::tables), std::runtime_error);
+  EXPECT_EQ(path_of(pond(65000), ""), "tables");
+  EXPECT_EQ(path_of(pond(66000), ""), "objects");
+  EXPECT_THROW(path_of(pond(66000), "tables"), std::runtime_error);
 }
 
 TEST_F(MakeFlow, BothPathsKnowTheScalesOfTheirCase) {
   const cases::Case contents = pond(6);
-  const auto tables = fields::make_flow(contents, told, Path::tables, 1);
-  const auto objects = fields::make_flow(contents, told, Path::objects, 1);
+  const auto tables = fields::make_flow(contents, told, {.path = "tables"});
+  const auto objects = fields::make_flow(contents, told, {.path = "objects"});
   EXPECT_EQ(tables->scales().h0, 1.0);
   EXPECT_EQ(tables->scales().char_length_min, objects->scales().char_length_min);
   EXPECT_EQ(tables->stable_step(), objects->stable_step());
 }
 
+TEST_F(MakeFlow, TakesAsManyThreadsAsItMayUnlessTheMeshIsSmall) {
+  const cases::Case small = pond(6), large = basin();
+  EXPECT_EQ(fields::make_flow(small, told, {.most_threads = 3})->execution_path().threads, 1);
+  EXPECT_EQ(fields::make_flow(large, told, {.most_threads = 3})->execution_path().threads, 3);
+}
+
 TEST_F(MakeFlow, SaysThatTheSystemGivesFewerThreads) {
   const support::NoThreads none;
-  const cases::Case contents = pond(6);
-  EXPECT_EQ(fields::make_flow(contents, told, Path::best, 3)->execution_path().threads, 1);
+  const cases::Case contents = basin();
+  EXPECT_EQ(fields::make_flow(contents, told, {.most_threads = 3})->execution_path().threads, 1);
   EXPECT_EQ(told.warnings, (std::vector<std::string>{"the system gives 1 of 3 threads: the run is "
                                                      "slower, its results stay the same."}));
 }
 
-TEST(PathOfEnvironment, IsNamedByAVariable) {
-  unsetenv("QUILLMERE_ENGINE");
-  EXPECT_EQ(fields::path_of_environment(), Path::best);
-  setenv("QUILLMERE_ENGINE", "objects", 1);
-  EXPECT_EQ(fields::path_of_environment(), Path::objects);
-  setenv("QUILLMERE_ENGINE", "tables", 1);
-  EXPECT_EQ(fields::path_of_environment(), Path::tables);
-  setenv("QUILLMERE_ENGINE", "fables", 1);
-  EXPECT_THROW(fields::path_of_environment(), std::runtime_error);
-  unsetenv("QUILLMERE_ENGINE");
+TEST_F(MakeFlow, RefusesAPathAndAnInstructionSetThatThereAreNot) {
+  EXPECT_THROW(path_of(pond(6), "fables"), std::runtime_error);
+  EXPECT_THROW(fields::make_flow(pond(6), told, {.instruction_set = "abacus"}), std::runtime_error);
 }

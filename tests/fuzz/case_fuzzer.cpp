@@ -2,15 +2,14 @@
 #include <unistd.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <exception>
 #include <filesystem>
 #include <set>
 #include <string>
 
-#include "domain/Domain.hpp"
 #include "fuzz/fuzzing.hpp"
 #include "support/Case.hpp"
+#include "support/QuietRun.hpp"
 
 namespace {
 
@@ -47,8 +46,10 @@ class FuzzedCase {
   void run_with(const std::string& text) {
     folder_.write(fuzzed_file, text);
     try {
-      Domain domain("data.json");
-      domain.Update();
+      support::QuietRun run;
+      run.settings.flow.most_threads = 1;
+      Domain domain("data.json", run.settings);
+      domain.Update([] { return true; });
     } catch (const std::exception&) {
     }
     remove_results();
@@ -74,7 +75,6 @@ bool may_do_harm(const std::string& text) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
-  setenv("OMP_NUM_THREADS", "1", 1);
   fuzzing::start();
   return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <sstream>
 
 #include "output/OutputTest.hpp"
 
@@ -26,13 +27,14 @@ class GaugeTest : public OutputTest {
       return y < x ? 0 : 1;
     };
     return std::make_unique<Gauge>(cases::GaugeRequest{"result.txt", 10.0, points}, prefix, locate,
-                                   start_time);
+                                   start_time, log);
   }
   /// Records, and waits until the line is written.
   void record(Gauge& gauge) {
     gauge.WriteMeasure(flow);
     gauge.wait();
   }
+  std::ostringstream log;
   std::vector<std::string> result() { return lines(folder.read("result.txt")); }
 };
 
@@ -77,11 +79,8 @@ TEST_F(GaugeTest, IsDueFromItsScheduledTimeOnWithoutTolerance) {
 
 TEST_F(GaugeTest, WritesTheScheduledTimeNotTheTimeOfTheRecording) {
   const auto gauge = gauges({}, 0.5);
-  Globals::t = 0.75;
   record(*gauge);
-  Globals::t = 13.0;
   record(*gauge);
-  Globals::t = 0.0;
   EXPECT_EQ(result().at(1), "0.5\t");
   EXPECT_EQ(result().at(2), "10.5\t");
 }
@@ -115,10 +114,8 @@ TEST_F(GaugeTest, PutsTheOutputPrefixBeforeTheName) {
 }
 
 TEST_F(GaugeTest, LogsTheNameAsRead) {
-  Globals::spyFile.open(folder.file("log.txt"));
   gauges({});
-  Globals::spyFile.close();
-  EXPECT_EQ(folder.read("log.txt"), " Gauge results written in result.txt \n");
+  EXPECT_EQ(log.str(), " Gauge results written in result.txt \n");
 }
 
 TEST_F(GaugeTest, WarnsAboutAPointInNoCellWithItsNumberAndPlace) {

@@ -6,7 +6,6 @@
 #include <sstream>
 #include <string>
 
-#include "globals/Globals.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/fatal.hpp"
 #include "utils/Reader.hpp"
@@ -134,21 +133,20 @@ TEST(ReaderDeathTest, EndsTheRunWithoutAFile) {
 }
 
 TEST(WriteAndDisplay, WritesToLogAndConsoleAndAddsNoLineEnd) {
-  std::ostringstream log;
-  CaptureStdout();
-  utils::write_and_display(log, "one");
-  utils::write_and_display(log, "two\n");
-  EXPECT_EQ(GetCapturedStdout(), "onetwo\n");
+  std::ostringstream log, out;
+  utils::Console console(out);
+  utils::write_and_display(log, console, "one");
+  utils::write_and_display(log, console, "two\n");
+  EXPECT_EQ(out.str(), "onetwo\n");
   EXPECT_EQ(log.str(), "onetwo\n");
 }
 
 TEST(WriteAndDisplay, WritesToTheLogAloneWhenTheEchoIsOff) {
-  std::ostringstream log;
-  CaptureStdout();
-  Globals::displayMessage = false;
-  utils::write_and_display(log, "one\n");
-  Globals::displayMessage = true;
-  EXPECT_EQ(GetCapturedStdout(), "");
+  std::ostringstream log, out;
+  utils::Console console(out);
+  console.mute();
+  utils::write_and_display(log, console, "one\n");
+  EXPECT_EQ(out.str(), "");
   EXPECT_EQ(log.str(), "one\n");
 }
 

@@ -19,10 +19,10 @@ int end_of_run(const std::vector<int>& patches, int k, int end) {
 
 }  // namespace
 
-HostBackend::HostBackend(Tables& tables, ThreadTeam& team)
+HostBackend::HostBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
     : tables_(tables),
       team_(team),
-      loops_(loops_of_this_machine()),
+      loops_(loops),
       model_(tables.has_bed ? loops_.water_and_bed : loops_.water),
       watches_hyperbolicity_(tables.has_bed),
       scratch_(at(team.size())) {

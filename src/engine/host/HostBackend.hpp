@@ -10,7 +10,7 @@ namespace engine {
 class HostBackend : public Backend {
  public:
   /// Works on the tables, which must outlive it.
-  HostBackend(Tables& tables, ThreadTeam& team);
+  HostBackend(Tables& tables, ThreadTeam& team, const Loops& loops);
 
   void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) override;
   double advance(const std::vector<int>& patches, const kernels::StepValues& step,

@@ -1,5 +1,3 @@
-#include <cstdlib>
-#include <cstring>
 #include <stdexcept>
 #include <string>
 
@@ -31,15 +29,14 @@ const Choice choices[] = {{&loops_baseline, true}};
 
 }  // namespace
 
-const Loops& loops_of_this_machine() {
-  const char* const wanted = std::getenv("QUILLMERE_ISA");
+const Loops& loops_for(const std::optional<std::string>& instruction_set) {
   for (const Choice& choice : choices) {
     if (!choice.is_supported) continue;
-    if (wanted == nullptr || std::strcmp(wanted, choice.loops->instruction_set) == 0) {
+    if (!instruction_set || *instruction_set == choice.loops->instruction_set) {
       return *choice.loops;
     }
   }
-  throw std::runtime_error("Error. QUILLMERE_ISA is \"" + std::string(wanted) +
+  throw std::runtime_error("Error. QUILLMERE_ISA is \"" + *instruction_set +
                            "\", which this machine does not run; expected baseline, avx2 or "
                            "avx512.");
 }

@@ -1,6 +1,9 @@
 // The loops over the tables, as the host runs them: a table of functions for every instruction set.
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "engine/runs.hpp"
 #include "kernels/columns.hpp"
 #include "physics/flow_extremes.hpp"
@@ -64,8 +67,8 @@ struct Loops {
   ModelLoops water_and_bed;  ///< of the model with sediments
 };
 
-/// Loops for the best instruction set of the machine, or the one that QUILLMERE_ISA names
-/// (baseline, avx2, avx512). Throws std::runtime_error for a set that the machine lacks.
-const Loops& loops_of_this_machine();
+/// Loops for an instruction set (baseline, avx2, avx512), or the best of this machine. Throws
+/// std::runtime_error for a set that the machine lacks.
+const Loops& loops_for(const std::optional<std::string>& instruction_set);
 
 }  // namespace engine

@@ -10,10 +10,10 @@
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "case/keys.hpp"
 #include "domain/Domain.hpp"
-#include "globals/Globals.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/child_process.hpp"
@@ -69,21 +69,23 @@ Measurement measure(const std::string& data_file) {
   constexpr double budget = 1.0;  // s
   constexpr long fewest_steps = 3;
   const Clock::time_point start = Clock::now();
-  Domain domain(data_file);
+  std::ostringstream log, out;
+  utils::Console console(out);
+  Domain domain(data_file, {log, console});
 
   Measurement result{};
   result.setup_seconds = seconds_since(start);
   const Clock::time_point first = Clock::now();
   Clock::time_point second = first;
   domain.Update([&] {
-    if (domain.number_of_steps() == 1) second = Clock::now();
-    return domain.number_of_steps() < fewest_steps || seconds_since(first) < budget;
+    if (domain.clock().steps == 1) second = Clock::now();
+    return domain.clock().steps < fewest_steps || seconds_since(first) < budget;
   });
   result.timed_seconds = seconds_since(second);
-  result.steps = domain.number_of_steps();
+  result.steps = domain.clock().steps;
   result.timed_steps = std::max(result.steps - 1, 0L);
-  result.simulated = Globals::t - Globals_Params::tStart;
-  result.is_complete = !(Globals::t < Globals_Params::tEnd);
+  result.simulated = domain.simulated();
+  result.is_complete = domain.is_complete();
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   result.memory_bytes = 1024.0 * static_cast<double>(usage.ru_maxrss);

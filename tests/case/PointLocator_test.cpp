@@ -1,4 +1,4 @@
-#include "domain/PointLocator.hpp"
+#include "case/PointLocator.hpp"
 
 #include <gtest/gtest.h>
 

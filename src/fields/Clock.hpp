@@ -1,0 +1,34 @@
+// The clock of a run, and a step of it.
+#pragma once
+
+#include "case/Case.hpp"
+#include "fields/Flow.hpp"
+
+namespace fields {
+
+struct Clock {
+  static constexpr double smallest_step = 1e-08;  ///< that is acceptable, s
+
+  double t = 0.0;   ///< simulated time, s
+  double dt = 0.0;  ///< the next step, s
+  long steps = 0;   ///< computed so far
+
+  /// Whether the next step would not bring the run on.
+  bool has_collapsed() const { return dt <= smallest_step || t + dt == t; }
+};
+
+/// The clock of a case at its start.
+inline Clock clock_at_start(const cases::Case& contents, Flow& flow) {
+  return {contents.t_start, contents.cfl * flow.stable_step(), 0};
+}
+
+/// Computes the next step.
+inline void advance(Flow& flow, const cases::Case& contents, Clock& clock) {
+  clock.dt = contents.cfl * flow.advance({clock.t, contents.t_start, contents.t_end, clock.dt});
+  ++clock.steps;
+  // Intended: the clock advances by the new step, not by the one just applied, and no step is
+  // shortened to meet an output time or the end.
+  clock.t += clock.dt;
+}
+
+}  // namespace fields
