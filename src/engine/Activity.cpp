@@ -51,10 +51,17 @@ Activity::Activity(const Tables& tables) {
   for (std::size_t p = 0; p < count; ++p) {
     const Patch& patch = tables.patches.patches[p];
     always_active_.push_back(has_inflow(tables, patch) || has_recovering_soil(tables, p));
-    has_rain_.push_back(has_rain(tables, patch.cells));
   }
+  find_rain(tables);
   for (std::vector<int>* list : {&active_, &border_, &interior_}) list->reserve(count);
   with_fluxes_.reserve(count);
+}
+
+void Activity::find_rain(const Tables& tables) {
+  has_rain_.clear();
+  for (const Patch& patch : tables.patches.patches) {
+    has_rain_.push_back(has_rain(tables, patch.cells));
+  }
 }
 
 void Activity::find(const Tables& tables, bool it_rains) {

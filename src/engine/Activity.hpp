@@ -24,6 +24,8 @@ class Activity {
   const std::vector<int>& with_fluxes() const { return with_fluxes_; }
   bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
 
+  /// It rains on other cells than before.
+  void find_rain(const Tables& tables);
   /// The states have changed otherwise than by a step.
   void wake_all() { can_change_.assign(can_change_.size(), 1); }
   /// After its step: whether a patch may change in the next one without inflow.

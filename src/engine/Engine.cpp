@@ -127,8 +127,32 @@ void Engine::set_state(const State& state) {
   exchange_.start_halo(tables_);
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment({0, tables_.ghosts().end});
-  forcing_.load(state);
+  forcing_.load(state, tables_);
+  activity_.find_rain(tables_);
   activity_.wake_all();
+}
+
+void Engine::set_water(std::span<const cases::Number> cells,
+                       std::span<const physics::InitialWater> water) {
+  CellTable& c = tables_.cells;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const std::size_t place = at(tables_.place[at(cells[i])]);
+    c.h[place] = water[i].h;
+    c.qx[place] = water[i].qx;
+    c.qy[place] = water[i].qy;
+    if (!c.eta.empty()) c.eta[place] = c.bed[place] + water[i].h;
+  }
+  activity_.wake_all();
+}
+
+void Engine::impose_on_boundary(int boundary, double value) {
+  forcing_.impose_on_boundary(at(boundary), value);
+}
+
+void Engine::impose_rain(std::span<const cases::Number> cells,
+                         std::span<const double> intensities) {
+  forcing_.impose_rain(cells, intensities, tables_);
+  activity_.find_rain(tables_);
 }
 
 void Engine::read(const Column& column, std::span<double> values) {

@@ -12,6 +12,7 @@
 #include "engine/Exchange.hpp"
 #include "engine/State.hpp"
 #include "engine/ThreadTeam.hpp"
+#include "physics/initial_water.hpp"
 
 namespace engine {
 
@@ -44,6 +45,15 @@ class Engine {
   State state();
   /// Together: puts such a state of the same case and subset in force.
   void set_state(const State& state);
+
+  // Between steps; the cells and boundaries are those of the case.
+  /// Replaces depths and discharges.
+  void set_water(std::span<const cases::Number> cells,
+                 std::span<const physics::InitialWater> water);
+  /// From now on a boundary imposes a discharge (m2/s) or a level (m).
+  void impose_on_boundary(int boundary, double value);
+  /// From now on steady rains (m/s) fall on cells, in place of that of the case.
+  void impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities);
 
   /// The values of a column of the tables: of all owned cells in the order of their numbers, on all
   /// threads at once, or of those given.

@@ -1,11 +1,20 @@
 #include "engine/Forcing.hpp"
 
+#include <cmath>
+#include <limits>
 #include <map>
+#include <unordered_map>
 #include <utility>
 
 #include "case/boundary_kinds.hpp"
 
 namespace engine {
+
+namespace {
+
+constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
+
+}  // namespace
 
 Forcing::Forcing(const cases::Case& contents, const Tables& tables)
     : case_(contents), soil_steps_(tables.soils.size()) {
@@ -36,6 +45,7 @@ void Forcing::add_series(const Tables& tables) {
 
 void Forcing::begin_step(const StepTimes& times, Tables& tables) {
   set_series(times.t, tables);
+  set_imposed(tables);
   set_rain(times);
   for (std::size_t s = 0; s < tables.soils.size(); ++s) {
     const Soil& soil = tables.soils[s];
@@ -44,11 +54,73 @@ void Forcing::begin_step(const StepTimes& times, Tables& tables) {
   }
 }
 
-void Forcing::save(State& state) const { state.rain_clocks = rain_clocks_; }
+void Forcing::impose_on_boundary(std::size_t boundary, double value) {
+  imposed_on_boundaries_.resize(case_.mesh.boundaries.size(), nothing);
+  if (std::isnan(imposed_on_boundaries_[boundary])) imposing_.push_back(boundary);
+  imposed_on_boundaries_[boundary] = value;
+}
 
-void Forcing::load(const State& state) {
+void Forcing::impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities,
+                          Tables& tables) {
+  imposed_rain_.resize(tables.place.size(), nothing);
+  for (std::size_t i = 0; i < cells.size(); ++i) imposed_rain_[at(cells[i])] = intensities[i];
+  place_rain(tables);
+}
+
+void Forcing::save(State& state) const {
+  state.rain_clocks = rain_clocks_;
+  state.imposed_on_boundaries = imposed_on_boundaries_;
+  state.imposed_rain = imposed_rain_;
+}
+
+void Forcing::load(const State& state, Tables& tables) {
   rain_clocks_ = state.rain_clocks;
   for (Series& series : series_) series.interval = 0;
+  imposed_on_boundaries_ = state.imposed_on_boundaries;
+  imposing_.clear();
+  for (std::size_t b = 0; b < case_.mesh.boundaries.size(); ++b) {
+    if (tables.boundary_place[b] < 0) continue;
+    const cases::Boundary& of_case = case_.mesh.boundaries[b];
+    kernels::BoundaryEdge& boundary = tables.boundaries[at(tables.boundary_place[b])];
+    boundary.imposed = imposed_by(of_case.code, of_case.value, tables.cells, boundary.cell);
+    const bool is_imposed_on =
+        !imposed_on_boundaries_.empty() && !std::isnan(imposed_on_boundaries_[b]);
+    if (is_imposed_on) imposing_.push_back(b);
+  }
+  imposed_rain_ = state.imposed_rain;
+  place_rain(tables);
+}
+
+void Forcing::set_imposed(Tables& tables) const {
+  for (const std::size_t b : imposing_) {
+    if (tables.boundary_place[b] < 0) continue;
+    kernels::BoundaryEdge& boundary = tables.boundaries[at(tables.boundary_place[b])];
+    boundary.imposed = imposed_by(case_.mesh.boundaries[b].code, imposed_on_boundaries_[b],
+                                  tables.cells, boundary.cell);
+  }
+}
+
+/// Gives every cell the number of its rain.
+void Forcing::place_rain(Tables& tables) {
+  const std::vector<int>& of_case = case_.fields.rain;
+  AlignedVector<int>& rain = tables.cells.rain;
+  const bool any_rain = !of_case.empty() || !imposed_rain_.empty();
+  rain.resize(any_rain ? tables.cells.h.size() : 0);
+  steady_rains_.clear();
+  std::unordered_map<double, int> numbers;
+  for (std::size_t cell = 0; any_rain && cell < tables.place.size(); ++cell) {
+    if (tables.place[cell] < 0) continue;
+    int& number = rain[at(tables.place[cell])];
+    if (imposed_rain_.empty() || std::isnan(imposed_rain_[cell])) {
+      number = of_case.empty() ? 0 : of_case[cell] + 1;
+      continue;
+    }
+    const auto first_free = static_cast<int>(1 + rain_.size() + steady_rains_.size());
+    const auto [known, is_new] = numbers.try_emplace(imposed_rain_[cell], first_free);
+    if (is_new) steady_rains_.push_back(imposed_rain_[cell]);
+    number = known->second;
+  }
+  rain_depths_.assign(1 + rain_.size() + steady_rains_.size(), 0.0);
 }
 
 void Forcing::set_series(double t, Tables& tables) {
@@ -78,6 +150,11 @@ void Forcing::set_rain(const StepTimes& times) {
     rain_clocks_[r] = rain.clock;
     rain_depths_[r + 1] = rain.depth;
     if (rain.depth != 0.0) it_rains_ = true;
+  }
+  for (std::size_t s = 0; s < steady_rains_.size(); ++s) {
+    const double depth = physics::steady_rain(steady_rains_[s], times.dt);
+    rain_depths_[1 + rain_.size() + s] = depth;
+    if (depth != 0.0) it_rains_ = true;
   }
 }
 

@@ -1,7 +1,8 @@
 // What time brings to a step: boundary values that follow series, rain, and what the step means to
-// every soil.
+// every soil; and what a caller imposes in place of the case.
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "case/Case.hpp"
@@ -18,17 +19,23 @@ class Forcing {
   /// Points into the case, which must outlive it.
   Forcing(const cases::Case& contents, const Tables& tables);
 
-  /// Sets what series impose on boundaries, and finds what follows.
+  /// Sets what boundaries impose in this step, and finds what follows.
   void begin_step(const StepTimes& times, Tables& tables);
   bool it_rains() const { return it_rains_; }
-  /// Depths of the step by number of hyetogram, m; null: it does not rain.
+  /// Depths of the step by number of rain, m; null: it does not rain.
   const double* rain_depths() const { return it_rains_ ? rain_depths_.data() : nullptr; }
   /// By number of soil.
   const std::vector<physics::SoilStep>& soil_steps() const { return soil_steps_; }
 
+  /// From now on a boundary of the case imposes a discharge (m2/s) or a level (m).
+  void impose_on_boundary(std::size_t boundary, double value);
+  /// From now on steady rains (m/s) fall on cells of the case.
+  void impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities,
+                   Tables& tables);
+
   /// Writes into a state what the steps to come depend on, or puts that of a state in force.
   void save(State& state) const;
-  void load(const State& state);
+  void load(const State& state, Tables& tables);
 
  private:
   /// A series of discharges (a hydrograph) or of levels (a limnigraph), and its interval in force.
@@ -45,7 +52,9 @@ class Forcing {
 
   void add_series(const Tables& tables);
   void set_series(double t, Tables& tables);
+  void set_imposed(Tables& tables) const;
   void set_rain(const StepTimes& times);
+  void place_rain(Tables& tables);
 
   const cases::Case& case_;
   std::vector<Series> series_;
@@ -55,6 +64,11 @@ class Forcing {
   Column rain_depths_;
   bool it_rains_ = false;
   std::vector<physics::SoilStep> soil_steps_;
+
+  // See State.
+  std::vector<double> imposed_on_boundaries_, imposed_rain_;
+  std::vector<std::size_t> imposing_;  ///< boundaries on which a value is imposed
+  std::vector<double> steady_rains_;   ///< numbered behind the hyetograms, m/s
 };
 
 }  // namespace engine

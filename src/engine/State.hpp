@@ -17,6 +17,9 @@ struct State {
   std::vector<double> infiltrated;           ///< m
   std::vector<double> hs, qsx, qsy, dqs_dh;  ///< sediment: m, m2/s, m/s
   std::vector<physics::RainClock> rain_clocks;
+  // What a caller imposes in place of the case; nothing where it is NaN, or the column empty.
+  std::vector<double> imposed_on_boundaries;  ///< of the case, m2/s or m
+  std::vector<double> imposed_rain;           ///< on the cells, m/s
 };
 
 }  // namespace engine

@@ -88,6 +88,10 @@ struct Tables {
   std::size_t bytes() const;
 };
 
+/// What a boundary imposes by a value, on a cell by its place: unit discharge (m2/s) or depth (m);
+/// 0 where it imposes nothing.
+double imposed_by(int code, double value, const CellTable& cells, int place);
+
 /// The tables of some cells of a case at its start, in patches of a number of cells (0: what suits
 /// mesh and threads). Every thread touches first what it works on later. Throws std::length_error
 /// as make_patches does.

@@ -125,14 +125,6 @@ kernels::BoundaryKind kind_of(int code) {
   }
 }
 
-/// What a boundary imposes from the start: unit discharge (m2/s) or depth (m). What a series
-/// imposes is set at every step.
-double imposed_by(const cases::Boundary& boundary, const CellTable& cells, int place) {
-  if (boundary.code == edge_code::discharge) return boundary.value;
-  // Intended: the depth over the rock; that of a limnigraph is over the bed with its sediments.
-  return boundary.code == edge_code::water_level ? boundary.value - cells.rock_of(place) : 0.0;
-}
-
 void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
   constexpr double no_sediment_fed = 0.0;
   tables.boundary_place.assign(mesh.boundaries.size(), -1);
@@ -142,7 +134,8 @@ void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
     const int place = tables.place[at(mesh.left[at(edge)])];
     tables.boundary_place[number] = static_cast<int>(tables.boundaries.size());
     tables.boundaries.push_back({kind_of(boundary.code), place, mesh.edge_of(edge),
-                                 imposed_by(boundary, tables.cells, place), no_sediment_fed});
+                                 imposed_by(boundary.code, boundary.value, tables.cells, place),
+                                 no_sediment_fed});
   }
 }
 
@@ -199,6 +192,14 @@ void list_soils(Tables& tables) {
 }
 
 }  // namespace
+
+double imposed_by(int code, double value, const CellTable& cells, int place) {
+  const cases::BoundaryKind* const kind = cases::boundary_kind(code);
+  if (kind == nullptr) return 0.0;
+  // Intended: the depth over the rock; that of a limnigraph is over the bed with its sediments.
+  if (kind->imposes_level()) return value - cells.rock_of(place);
+  return kind->imposes_discharge() ? value : 0.0;
+}
 
 Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
                    int cells_per_patch) {

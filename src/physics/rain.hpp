@@ -67,4 +67,7 @@ QM_HD inline RainAddition rain_addition(const Hyetogram& rain, RainClock clock, 
   return {depth, clock};
 }
 
+/// Depth (m) that a steady rain (m/s) brings in a step (s).
+QM_HD inline double steady_rain(double intensity, double dt) { return intensity * dt; }
+
 }  // namespace physics

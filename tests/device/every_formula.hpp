@@ -167,6 +167,7 @@ QM_HD inline double rain_of(Results& results, Random& random) {
       {times, intensities, 3, 2.0}, {before, t < 20.0 ? -1 : 1, 2.0}, t, 0.0, 40.0);
   add(results, rain.depth);
   add(results, rain.clock.rain_dt);
+  add(results, physics::steady_rain(intensities[1], t));
   return rain.depth;
 }
 

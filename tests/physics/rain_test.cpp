@@ -105,6 +105,11 @@ TEST(RainAddition, AHyetogramWithoutIntervalsBringsNothing) {
   EXPECT_EQ(rain.clock.hyetogram_index, -1);
 }
 
+TEST(SteadyRain, BringsItsIntensityTimesTheStep) {
+  EXPECT_EQ(physics::steady_rain(0.25, 3.0), 0.75);
+  EXPECT_EQ(physics::steady_rain(0.0, 3.0), 0.0);
+}
+
 TEST(RainAddition, TheLastIntensityLastsForEver) {
   EXPECT_EQ(physics::rain_addition(storm, {1e5, 2, 30.0}, 1e5 + 40.0, 0.0, far_end).depth, 200.0);
 }

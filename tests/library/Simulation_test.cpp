@@ -1,0 +1,216 @@
+// A simulation of the library computes what the program computes.
+#include <cmath>
+
+#include "case/EndAtFirstError.hpp"
+#include "case/read_case.hpp"
+#include "fields/Clock.hpp"
+#include "fields/make_flow.hpp"
+#include "library/LibraryTest.hpp"
+#include "support/RunGlobals.hpp"
+#include "support/Told.hpp"
+#include "support/run_program.hpp"
+#include "support/text.hpp"
+#include "utils/TextBuffer.hpp"
+
+namespace {
+
+using quillmere::EdgeKind;
+using quillmere::Field;
+using quillmere::Simulation;
+
+class SimulationOfFiles : public LibraryFiles {
+ protected:
+  cases::Case contents_of_files() {
+    std::ostringstream log, out;
+    utils::Console console(out);
+    return cases::read_case("data.json", {log, console}, told).contents;
+  }
+  void expect_the_bits_of_the_objects(const support::Case& c, int steps) {
+    const support::RunGlobals globals{1e-3};
+    Simulation simulation = open(c, 2);
+    const cases::Case contents = contents_of_files();
+    const auto objects = fields::make_flow(contents, told, {.path = "objects"});
+    fields::Clock clock = fields::clock_at_start(contents, *objects);
+    for (int step = 0; step < steps; ++step) {
+      ASSERT_EQ(simulation.time(), clock.t) << step;
+      ASSERT_EQ(simulation.time_step(), clock.dt) << step;
+      simulation.step();
+      fields::advance(*objects, contents, clock);
+    }
+    EXPECT_EQ(simulation.steps(), steps);
+    std::vector<double> values(cases::at(contents.mesh.n_cells()));
+    for (std::size_t k = 0; k < std::size(all_fields); ++k) {
+      objects->read(fields::field_table[k].field, values);
+      EXPECT_EQ(simulation.read(all_fields[k]), values) << fields::field_table[k].quantity;
+    }
+  }
+
+  support::Told told;
+};
+
+/// The columns h, qx and qy as snapshots write them.
+std::vector<std::string> water_of(const Simulation& simulation) {
+  const auto h = simulation.read(Field::depth);
+  const auto qx = simulation.read(Field::discharge_x), qy = simulation.read(Field::discharge_y);
+  std::vector<std::string> rows;
+  for (std::size_t i = 0; i < h.size(); ++i) {
+    utils::TextBuffer row;
+    row << h[i] << '\t' << qx[i] << '\t' << qy[i];
+    rows.emplace_back(row.text());
+  }
+  return rows;
+}
+
+}  // namespace
+
+TEST_F(SimulationOfFiles, HasTheBitsOfTheObjectsInEveryField) {
+  support::Case c = support::full_case(40, 30);
+  c.set_times(0.0, 50.0);
+  expect_the_bits_of_the_objects(c, 60);
+  expect_the_bits_of_the_objects(sand_case(40, 30), 60);
+}
+
+TEST_F(SimulationOfFiles, HasTheStatesThatTheProgramWrites) {
+  const support::Case c = support::full_case();
+  Simulation simulation = open(c);
+  ASSERT_EQ(support::run_case(folder).status, 0);
+  for (const auto& [time, name] : {std::pair(0.0, "out/pic_0_00.txt"),
+                                   {0.5, "out/pic_0_50.txt"},
+                                   {1.25, "out/pic_1_25.txt"}}) {
+    simulation.run_until(time);
+    const std::vector<std::string> rows = water_of(simulation);
+    const std::vector<std::string> written = support::lines(folder.read(name));
+    ASSERT_EQ(written.size(), rows.size() + 1) << name;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      EXPECT_TRUE(support::contains(written[i + 1], "\t" + rows[i] + "\t")) << written[i + 1];
+    }
+  }
+}
+
+TEST_F(SimulationOfFiles, WritesNoFile) {
+  Simulation simulation = open(support::full_case());
+  simulation.run_until(1.0);
+  EXPECT_TRUE(std::filesystem::is_empty(folder.file("out")));
+  EXPECT_FALSE(folder.has("log.txt"));
+  EXPECT_FALSE(folder.has("sections.txt"));
+}
+
+TEST_F(SimulationOfFiles, OfTheSameArraysHasTheSameBits) {
+  support::Case c;
+  c.west = "-33 inflow.txt";
+  c.east = "-4 0.9";
+  c.files["inflow.txt"] = "3\n0 -0.1\n1 -0.3\n20 -0.1\n";
+  c.add_friction(c.per_cell("0.03"));
+  c.add_fixed_bed(c.per_cell("0.05"));
+  c.set_times(0.0, 50.0);
+  Simulation of_files = open(c);
+  const cases::Case read = contents_of_files();
+
+  quillmere::Case arrays;
+  arrays.t_end = read.t_end;
+  arrays.courant_number = read.cfl;
+  arrays.zero_depth = read.zero_depth;
+  arrays.x = read.mesh.x;
+  arrays.y = read.mesh.y;
+  arrays.z = read.mesh.z;
+  arrays.cell_nodes = read.mesh.cell_nodes;
+  for (cases::Number e = 0; e < read.mesh.n_edges(); ++e) {
+    const std::size_t k = cases::at(e);
+    quillmere::Edge& edge = arrays.edges.emplace_back();
+    edge = {read.mesh.left[k],
+            read.mesh.right[k],
+            read.mesh.node1[k],
+            read.mesh.node2[k],
+            EdgeKind::interior,
+            0.0,
+            -1};
+    if (const cases::Boundary* const boundary = read.mesh.boundary_on(e)) {
+      edge.kind = static_cast<EdgeKind>(boundary->code);
+      edge.value = boundary->value;
+      edge.series = boundary->series;
+    }
+  }
+  arrays.series.push_back({read.series[0].times, read.series[0].values});
+  arrays.level = read.fields.level;
+  arrays.bed = read.fields.bed;
+  arrays.manning = read.fields.manning;
+  Simulation of_arrays(arrays);
+  EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
+  take_steps(of_arrays, 50);
+  take_steps(of_files, 50);
+  EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
+  EXPECT_GT(volume_of(of_files), 1.0);
+}
+
+TEST(SimulationTime, StepsToATimeAndNoFurtherThanTheEnd) {
+  quillmere::Case contents = pool();
+  contents.t_start = 2.0;
+  contents.t_end = 5.0;
+  Simulation simulation(contents);
+  EXPECT_EQ(simulation.time(), 2.0);
+  const double step = simulation.time_step();
+  simulation.run_until(3.0);
+  EXPECT_GE(simulation.time(), 3.0);
+  EXPECT_LT(simulation.time(), 3.0 + 1.01 * step);
+  EXPECT_FALSE(simulation.is_complete());
+  simulation.run_until(1e9);
+  EXPECT_TRUE(simulation.is_complete());
+  EXPECT_LT(simulation.time(), 5.0 + 1.01 * step);
+  EXPECT_EQ(simulation.steps(), std::lround((simulation.time() - 2.0) / step));
+  EXPECT_THROW(simulation.step(), quillmere::Error);
+}
+
+TEST(SimulationOfArrays, MakesTheEdgesBetweenItsCells) {
+  quillmere::Case contents = pool(3, 2);
+  const std::vector<quillmere::Edge> edges = contents.edges;
+  EXPECT_EQ(edges.size(), 23U);  // 9 along x, 8 along y, 6 diagonals
+  EXPECT_EQ(std::count_if(edges.begin(), edges.end(),
+                          [](const auto& edge) { return edge.kind == EdgeKind::wall; }),
+            10);
+  contents.edges.clear();
+  Simulation simulation(contents);
+  EXPECT_EQ(simulation.number_of_edges(), 23);
+  EXPECT_TRUE(simulation.take_warnings().empty());
+}
+
+TEST(SimulationOfArrays, MakesTheSameEdgesOfCellsThatRunClockwise) {
+  quillmere::Case contents = pool(3, 2);
+  for (std::size_t i = 0; i < contents.cell_nodes.size(); i += 3) {
+    std::swap(contents.cell_nodes[i], contents.cell_nodes[i + 1]);
+  }
+  contents.edges.clear();
+  EXPECT_TRUE(Simulation(contents).take_warnings().empty());
+}
+
+TEST(SimulationOfArrays, TakesCellsOfAnyNumberOfNodes) {
+  quillmere::Case contents;
+  contents.t_end = 1.0;
+  contents.x = {0.0, 1.0, 1.0, 0.0, 2.0};
+  contents.y = {0.0, 0.0, 1.0, 1.0, 0.5};
+  contents.z = {0.0, 0.0, 0.0, 0.0, 0.0};
+  contents.cell_nodes = {0, 1, 2, 3, 1, 4, 2};
+  contents.first_node = {0, 4, 7};
+  contents.level = {1.0, 1.0};
+  Simulation simulation(contents);
+  EXPECT_EQ(simulation.number_of_cells(), 2);
+  EXPECT_EQ(simulation.number_of_edges(), 6);
+  EXPECT_DOUBLE_EQ(simulation.areas()[0], 1.0);
+  EXPECT_DOUBLE_EQ(simulation.areas()[1], 0.5);
+}
+
+TEST(SimulationOfArrays, FindsTheCellsOfPoints) {
+  const Simulation simulation(pool(3, 2));
+  EXPECT_EQ(simulation.number_of_cells(), 12);
+  EXPECT_EQ(simulation.cell_at(0.7, 0.3), 0);
+  EXPECT_EQ(simulation.cell_at(0.3, 0.7), 1);
+  EXPECT_EQ(simulation.cell_at(2.6, 1.2), 10);
+  EXPECT_EQ(simulation.cell_at(9.0, 9.0), -1);
+}
+
+TEST(SimulationFields, AreThoseOfTheRegistry) {
+  ASSERT_EQ(std::size(all_fields), fields::field_table.size());
+  for (std::size_t k = 0; k < std::size(all_fields); ++k) {
+    EXPECT_EQ(static_cast<std::size_t>(all_fields[k]), k);
+    EXPECT_EQ(static_cast<std::size_t>(fields::field_table[k].field), k);
+  }
+}
