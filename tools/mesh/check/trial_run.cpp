@@ -5,19 +5,21 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iostream>
 #include <nlohmann/json.hpp>
-#include <sstream>
 
 #include "case/keys.hpp"
-#include "domain/Domain.hpp"
+#include "quillmere/simulation.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/child_process.hpp"
 #include "utils/json_file.hpp"
+#include "utils/memory.hpp"
 
 namespace tools::check {
 
@@ -65,27 +67,36 @@ std::optional<nlohmann::json> trial_data(const std::string& data_file, const std
   return data;
 }
 
+/// As many as the simulator would take.
+int threads_of_environment() {
+  const char* const text = std::getenv("OMP_NUM_THREADS");
+  return text == nullptr ? 0 : std::max(std::atoi(text), 0);
+}
+
 Measurement measure(const std::string& data_file) {
   constexpr double budget = 1.0;  // s
   constexpr long fewest_steps = 3;
   const Clock::time_point start = Clock::now();
-  std::ostringstream log, out;
-  utils::Console console(out);
-  Domain domain(data_file, {log, console});
+  utils::return_large_blocks();  // as the simulator does
+  auto simulation = quillmere::Simulation::open(data_file, {.threads = threads_of_environment()});
+  const double t_start = simulation.time();
 
   Measurement result{};
   result.setup_seconds = seconds_since(start);
   const Clock::time_point first = Clock::now();
   Clock::time_point second = first;
-  domain.Update([&] {
-    if (domain.clock().steps == 1) second = Clock::now();
-    return domain.clock().steps < fewest_steps || seconds_since(first) < budget;
-  });
+  const auto goes_on = [&] {
+    return simulation.steps() < fewest_steps || seconds_since(first) < budget;
+  };
+  while (!simulation.is_complete() && goes_on()) {
+    simulation.step();
+    if (simulation.steps() == 1) second = Clock::now();
+  }
   result.timed_seconds = seconds_since(second);
-  result.steps = domain.clock().steps;
+  result.steps = simulation.steps();
   result.timed_steps = std::max(result.steps - 1, 0L);
-  result.simulated = domain.simulated();
-  result.is_complete = domain.is_complete();
+  result.simulated = simulation.time() - t_start;
+  result.is_complete = simulation.is_complete();
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   result.memory_bytes = 1024.0 * static_cast<double>(usage.ru_maxrss);
