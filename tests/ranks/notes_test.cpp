@@ -103,3 +103,18 @@ TEST_F(NotesOfRanks, KeepTheCellThatLimitedTheStepBefore) {
   EXPECT_EQ(engine::united(of_cell(7), of_cell(3), 5).limiting_cell, 3);
   EXPECT_EQ(engine::united(of_cell(-1), of_cell(3), -1).limiting_cell, 3);
 }
+
+TEST_F(NotesOfRanks, NameTheLowestOfCellsWithTheSameRecord) {
+  const auto of_record = [](double value, int cell) {
+    physics::StepNotes notes;
+    notes.speed_squared = {value, cell};
+    return notes;
+  };
+  const auto cell_of = [&](const physics::StepNotes& a, const physics::StepNotes& b) {
+    return engine::united(a, b, -1).speed_squared.cell;
+  };
+  EXPECT_EQ(cell_of(of_record(2.0, 8), of_record(2.0, 5)), 5);
+  EXPECT_EQ(cell_of(of_record(2.0, 5), of_record(2.0, 8)), 5);
+  EXPECT_EQ(cell_of(of_record(2.0, 8), of_record(1.0, 5)), 8);
+  EXPECT_EQ(cell_of(of_record(0.0, -1), of_record(0.0, -1)), -1);
+}
