@@ -39,6 +39,11 @@ struct WaterSlot {
   double h, qx, qy;
 };
 
+/// The slots of the two cells of an interior edge.
+struct SlotPair {
+  WaterSlot left, right;
+};
+
 /// Flux per unit length along the outward normal of a boundary edge.
 struct BoundaryFlux {
   double mass, normal, tangential;

@@ -6,11 +6,6 @@
 
 namespace physics {
 
-/// The slots of the two cells of an interior edge.
-struct SlotPair {
-  WaterSlot left, right;
-};
-
 /// Bounds of the water waves; a dry side is not left out, it counts with speed 0.
 QM_HD inline WaveBounds water_wave_bounds(const EdgeSide& L, const EdgeSide& R) {
   return {smaller(smaller(L.un - L.c, R.un - R.c), 0.0),

@@ -19,10 +19,17 @@
 #include "physics/flux_clhllc.hpp"
 #include "physics/flux_lhllc.hpp"
 #include "physics/friction_manning.hpp"
+#include "physics/hll_boundary.hpp"
+#include "physics/hll_cell_update.hpp"
+#include "physics/hll_edge_flux.hpp"
+#include "physics/hll_edge_states.hpp"
+#include "physics/hll_limited_slope.hpp"
+#include "physics/hll_triangle.hpp"
 #include "physics/hll_water.hpp"
 #include "physics/infiltration.hpp"
 #include "physics/initial_water.hpp"
 #include "physics/pointwise.hpp"
+#include "physics/primitive_water.hpp"
 #include "physics/rain.hpp"
 #include "physics/section_discharge.hpp"
 #include "physics/stable_step.hpp"
@@ -36,7 +43,7 @@ inline constexpr double porosity = 0.4;
 
 /// The numbers that the formulas gave for one state.
 struct Results {
-  static constexpr int capacity = 80;
+  static constexpr int capacity = 160;
   double values[capacity];
   int count;
 };
@@ -280,6 +287,110 @@ QM_HD inline void add_initial_water(Results& results, Random& random) {
   add(results, water.qy);
 }
 
+QM_HD inline void add(Results& results, const physics::HllEdgeState& state) {
+  add(results, state.h);
+  add(results, state.e);
+  add(results, state.u);
+  add(results, state.v);
+  add(results, state.cap);
+}
+
+QM_HD inline physics::HllNeighbour random_neighbour(Random& random) {
+  const physics::CellWater water = random_water(random);
+  const double resistance = physics::manning_resistance(uniform(random, 0.0, 0.1));
+  return {physics::primitive_water<true>(water.h, water.qx, water.qy, resistance, zero_depth),
+          water.zb};
+}
+
+/// A triangle of the second-order scheme among three others.
+struct RandomHllCell {
+  physics::HllCell cell;
+  physics::SlopeWeights weights;
+};
+
+QM_HD inline RandomHllCell random_hll_cell(Random& random) {
+  physics::PlanPoint corners[2][3] = {};
+  for (physics::PlanPoint(&triangle)[3] : corners) {
+    triangle[0] = {uniform(random, 6e5, 6.0001e5), uniform(random, 5e6, 5.0001e6)};
+    triangle[1] = {triangle[0].x + uniform(random, 1.0, 2.0),
+                   triangle[0].y + uniform(random, -0.5, 0.5)};
+    triangle[2] = {triangle[0].x + uniform(random, 0.0, 1.0),
+                   triangle[0].y + uniform(random, 1.0, 2.0)};
+  }
+  const physics::PlanPoint a = corners[0][0], b = corners[0][1], c = corners[0][2];
+  const physics::HllTriangle shape = physics::hll_triangle(a, b, c);
+  const physics::Edge wall = physics::edge_between(a, b);
+  const auto corner = [&](int i) { return corners[0][i]; };
+  const physics::PlanVector slope =
+      physics::slope_of_plane({a.x, a.y, uniform(random, 0.0, 1.0)}, {b.x, b.y, 0.5},
+                              {c.x, c.y, uniform(random, 0.0, 1.0)});
+  return {{shape, slope, 2.0 / physics::twice_signed_area(a, b, c),
+           physics::cell_perimeter(3, corner) / 3.0},
+          physics::least_squares_weights(physics::to_mirror_image(shape.r0, wall),
+                                         physics::between_centers(corners[0], corners[1]),
+                                         {uniform(random, -2.0, 2.0), 1.0})};
+}
+
+QM_HD inline void add_hll_boundaries(Results& results, Random& random,
+                                     const physics::HllEdgeState& state,
+                                     const physics::Edge& edge) {
+  const physics::HllBoundarySide side = physics::hll_boundary_side(state, edge, zero_depth);
+  const double q = uniform(random, -9.0, 9.0);
+  const double level = uniform(random, -1.0, 5.0);
+  using physics::hll_boundary_slot;
+  add(results, hll_boundary_slot(side, edge, physics::hll_wall(side)));
+  add(results, hll_boundary_slot(side, edge, physics::hll_free_outflow(side)));
+  add(results, hll_boundary_slot(side, edge, physics::hll_water_level(side, level)));
+  add(results, hll_boundary_slot(side, edge, physics::hll_discharge(side, q)));
+  add(results, physics::wave_speed_of_discharge(q));
+  add(results, physics::wave_speed_of_level(level, side.bed));
+}
+
+QM_HD inline void add_second_order(Results& results, Random& random, const physics::Edge& edge) {
+  const RandomHllCell cell = random_hll_cell(random);
+  const physics::HllNeighbour own = random_neighbour(random);
+  const physics::HllNeighbour n0 = random_neighbour(random), n1 = random_neighbour(random),
+                              n2 = random_neighbour(random);
+  const double dt = uniform(random, 1e-3, 1.0);
+  const physics::HllCellEdges edges =
+      physics::hll_edges_second_order(own, n0, n1, n2, cell.cell, cell.weights, dt, zero_depth);
+  const physics::HllCellEdges flat = physics::hll_edges_first_order(n0, cell.cell, dt);
+  add(results, edges.k0);
+  add(results, edges.k1);
+  add(results, edges.k2);
+  add(results, flat.k1.cap);
+  const physics::SlotPair slots = physics::hll_edge_flux(edges.k0, flat.k0, edge, zero_depth);
+  add(results, slots.left);
+  add(results, slots.right);
+  add_hll_boundaries(results, random, edges.k1, edge);
+
+  const physics::PrimitiveWater& w = own.water;
+  const physics::HllCellUpdate after =
+      physics::update_hll<true>({.h = w.h,
+                                 .qx = w.h * w.u,
+                                 .qy = w.h * w.v,
+                                 .u = w.u,
+                                 .v = w.v,
+                                 .Fh = slots.left.h,
+                                 .Fqx = slots.left.qx,
+                                 .Fqy = slots.left.qy,
+                                 .source = edges.source,
+                                 .dt_over_area = dt * cell.cell.reciprocal_area,
+                                 .dt = dt,
+                                 .rain = uniform(random, 0.0, 1e-3),
+                                 .infiltration_step = uniform(random, -1e-4, 1e-3),
+                                 .infiltrated_depth = 0.01,
+                                 .resistance = 1e-3},
+                                zero_depth);
+  add(results, after.h);
+  add(results, after.qx);
+  add(results, after.qy);
+  add(results, after.infiltrated_depth);
+  add(results, after.taken_qx);
+  add(results, after.taken_qy);
+  add(results, physics::crossing_rate(w, uniform(random, 0.1, 10.0), zero_depth));
+}
+
 /// Every formula on the state of that number.
 QM_HD inline Results every_formula(std::uint64_t number) {
   Results results = {};
@@ -294,6 +405,7 @@ QM_HD inline Results every_formula(std::uint64_t number) {
   add_update(results, random, water, bed);
   add_geometry(results, random);
   add_initial_water(results, random);
+  add_second_order(results, random, edge);
   return results;
 }
 
