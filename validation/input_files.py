@@ -41,10 +41,10 @@ def write_sections(folder, sections, interval):
     write_lines(folder, "sections.txt", lines)
 
 
-def write_data_file(folder, name, t_end, courant, conditions, sources, output, zero_depth,
+def write_data_file(folder, name, t_end, courant, scheme, conditions, sources, output, zero_depth,
                     sediment):
     """`sediment` holds the parameters of the sediments, in a case that has a mobile bed."""
-    model = {"name": "Bramsett" if sediment else "Quillmere", "flux scheme": "LHLLC",
+    model = {"name": "Bramsett" if sediment else "Quillmere", "flux scheme": scheme,
              "zero depth value": zero_depth,
              "conditions": {"initial conditions": "initial.txt", **conditions},
              "sources": sources}

@@ -10,6 +10,7 @@ from validation.meshes import SIDES, rotate
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 PROGRAM = os.environ.get("QUILLMERE_PROGRAM", os.path.join(ROOT, "build/release/bin/quillmere"))
+SCHEME = "LHLLC"  # what all runs ask for
 GRAVITY = 9.81
 COURANT = 0.9
 
@@ -143,7 +144,7 @@ def write_data_file(folder, name, mesh, setup, conditions, depth):
     step = mesh.shortest_length() / np.sqrt(GRAVITY * max(depth.max(), 0.01))
     output = {"time step enveloppe of results": 1e9, "snapshots of flow": "times.txt",
               "discharges": "sections.txt"}
-    input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT,
+    input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT, SCHEME,
                                conditions, setup.sources, output, setup.zero_depth,
                                setup.sediment and setup.sediment[1])
 

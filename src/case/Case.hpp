@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "case/Mesh.hpp"
+#include "case/schemes.hpp"
 #include "physics/rain.hpp"
 
 namespace cases {
@@ -83,7 +84,8 @@ struct SnapshotRequest {
 };
 
 struct Case {
-  bool has_sediments = false;         ///< the model with an erodible bed
+  bool has_sediments = false;  ///< the model with an erodible bed
+  Scheme scheme = Scheme::lhllc;
   double t_start = 0.0, t_end = 0.0;  ///< s
   double cfl = 0.0;                   ///< Courant number
   double zero_depth = 0.0;            ///< water is strictly deeper, m

@@ -90,6 +90,7 @@ void CaseReader::log_model() {
                              "\n    Physical model code " + data_.model_name +
                                  " does not exist!\n    Fall-back to SWE.\n");
   }
+  if (is_hll(case_.scheme)) log_ << "  Flux scheme: " << kind_of(case_.scheme).name << '\n';
   utils::print_delimitator(log_);
   if (!is_hydrodynamic && !case_.has_sediments) utils::fatal("Physical model not recognized\n");
 }

@@ -1,13 +1,27 @@
 #include "case/read_data_file.hpp"
 
-#include <map>
+#include "globals/edge_codes.hpp"
+#include "utils/stop.hpp"
 
 namespace cases {
 
 namespace {
 
-/// Codes of the flux schemes; a name that is not here has code 0.
-const std::map<std::string, int> flux_schemes = {{"LHLLC", 1}, {"Roe", 2}};
+/// Codes that interior edges take from the name of the flux scheme; any other name has code 0.
+int edge_code_of_scheme(const std::string& name) {
+  if (find_scheme(name) != nullptr) return edge_code::scheme_lhllc;
+  return name == "Roe" ? edge_code::scheme_roe : 0;
+}
+
+void take_scheme(const std::string& name, DataFile& data, Case& contents) {
+  data.flux_scheme = edge_code_of_scheme(name);
+  const SchemeKind* const kind = find_scheme(name);
+  if (kind == nullptr) return;  // the edges say so
+  contents.scheme = kind->scheme;
+  if (!contents.has_sediments || kind->with_sediments) return;
+  utils::fatal("Error. The model with sediments does not have the flux scheme \"" + name +
+               "\"; use \"LHLLC\".\n");
+}
 
 void read_conditions(const utils::DataFileReader& reader, DataFile& data) {
   data.initial_conditions = reader.get_initial_hydrodynamic_conditions_file();
@@ -63,8 +77,7 @@ void read_data_file(const utils::DataFileReader& reader, DataFile& data, Case& c
   data.model_name = reader.get_model_name();
   contents.has_sediments = reader.is_sediments();
   contents.zero_depth = reader.get_zero_depth_value();
-  const auto scheme = flux_schemes.find(reader.get_flux_scheme_name());
-  if (scheme != flux_schemes.end()) data.flux_scheme = scheme->second;
+  take_scheme(reader.get_flux_scheme_name(), data, contents);
   read_conditions(reader, data);
   read_sources(reader, data);
   contents.has_infiltration = data.infiltration || data.initial_infiltration;

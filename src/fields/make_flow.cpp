@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "fields/HllFlow.hpp"
 #include "fields/ObjectsFlow.hpp"
 
 namespace fields {
@@ -27,6 +28,12 @@ std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics&
   if (!path.empty() && path != "tables" && path != "objects") {
     throw std::runtime_error("Error. QUILLMERE_ENGINE is \"" + path +
                              "\", expected objects or tables.");
+  }
+  if (cases::is_hll(contents.scheme)) {
+    if (path != "tables") return std::make_unique<HllFlow>(contents);
+    throw std::runtime_error(
+        "Error. QUILLMERE_ENGINE asks for tables, which do not know the flux scheme " +
+        std::string(cases::kind_of(contents.scheme).name) + ".");
   }
   if (path == "objects") return std::make_unique<ObjectsFlow>(contents);
   try {

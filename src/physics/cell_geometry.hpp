@@ -44,6 +44,11 @@ QM_HD inline double characteristic_length(double area, double perimeter) {
   return 2.0 * area / perimeter;
 }
 
+/// Twice the area (m2) of a triangle; negative where its corners run clockwise.
+QM_HD inline double twice_signed_area(PlanPoint a, PlanPoint b, PlanPoint c) {
+  return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
 /// Area (m2) of a triangle, whichever way its corners run.
 QM_HD inline double triangle_area(PlanPoint a, PlanPoint b, PlanPoint c) {
   const double twice_area = a.x * b.y + b.x * c.y + c.x * a.y - b.x * a.y - a.x * c.y - c.x * b.y;

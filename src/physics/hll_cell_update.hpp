@@ -28,7 +28,7 @@ struct HllCellStep {
 struct HllCellUpdate {
   double h, qx, qy;
   double infiltrated_depth;
-  double taken_qx, taken_qy;  // by the bound of a draining film, m2/s
+  double taken_discharge;  // size of what the bound of a draining film takes away, m2/s
 };
 
 /// A film that drains is set no faster than this: twice the energy that it had, with all its depth
@@ -74,12 +74,8 @@ QM_HD inline HllCellUpdate update_hll(const HllCellStep& c, double zero_depth) {
     u *= left;
     v *= left;
   }
-  return {h,
-          wet ? h * u : 0.0,
-          wet ? h * v : 0.0,
-          c.infiltrated_depth + taken,
-          wet ? h * taken_u : 0.0,
-          wet ? h * taken_v : 0.0};
+  const double taken_speed = std::sqrt(taken_u * taken_u + taken_v * taken_v);
+  return {h, wet ? h * u : 0.0, wet ? h * v : 0.0, c.infiltrated_depth + taken, h * taken_speed};
 }
 
 }  // namespace physics

@@ -28,11 +28,6 @@ struct EdgeValues {
 QM_HD inline double largest_of(const EdgeValues& v) { return larger(larger(v.k0, v.k1), v.k2); }
 QM_HD inline double smallest_of(const EdgeValues& v) { return smaller(smaller(v.k0, v.k1), v.k2); }
 
-/// Twice the area (m2) of a triangle; negative where its corners run clockwise.
-QM_HD inline double twice_signed_area(PlanPoint a, PlanPoint b, PlanPoint c) {
-  return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
-}
-
 /// The triangle of three nodes that run counter-clockwise; from differences, which lose no digits.
 QM_HD inline HllTriangle hll_triangle(PlanPoint a, PlanPoint b, PlanPoint c) {
   const PlanVector ab = {b.x - a.x, b.y - a.y};

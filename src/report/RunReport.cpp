@@ -229,6 +229,7 @@ json RunReport::execution() const {
   return {{"path", path.name},
           {"threads", path.threads},
           {"instruction_set", path.instruction_set},
+          {"flux_scheme", cases::kind_of(case_->scheme).name},
           {"cells", case_->mesh.n_cells()}};
 }
 

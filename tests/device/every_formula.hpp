@@ -386,8 +386,7 @@ QM_HD inline void add_second_order(Results& results, Random& random, const physi
   add(results, after.qx);
   add(results, after.qy);
   add(results, after.infiltrated_depth);
-  add(results, after.taken_qx);
-  add(results, after.taken_qy);
+  add(results, after.taken_discharge);
   add(results, physics::crossing_rate(w, uniform(random, 0.1, 10.0), zero_depth));
 }
 

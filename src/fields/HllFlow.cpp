@@ -1,0 +1,112 @@
+#include "fields/HllFlow.hpp"
+
+#include <algorithm>
+
+#include "fields/flow_survey.hpp"
+
+namespace fields {
+
+using cases::at;
+using cases::Number;
+
+HllFlow::HllFlow(const cases::Case& contents) : case_(contents), walk_(contents) {}
+
+FlowScales HllFlow::scales() const {
+  const std::vector<double>& h = walk_.water().h;
+  return {h.empty() ? 0.0 : *std::max_element(h.begin(), h.end()), walk_.char_length_min()};
+}
+
+double HllFlow::advance(const StepTimes& times) {
+  walk_.advance(times.t, times.dt);
+  const HllWalk::StepBound bound = walk_.step_bound(times.t + times.dt, notes_.limiting_cell);
+  if (is_watched_) note_states(bound.cell);
+  return bound.step;
+}
+
+double HllFlow::value(Field field, Number cell) const {
+  const HllWalk::Water& water = walk_.water();
+  switch (field) {
+    case Field::depth:
+      return water.h[at(cell)];
+    case Field::discharge_x:
+      return water.qx[at(cell)];
+    case Field::discharge_y:
+      return water.qy[at(cell)];
+    case Field::largest_depth:
+      return water.max_h[at(cell)];
+    case Field::infiltrated_depth:
+      return water.infiltrated[at(cell)];
+    case Field::bed_level:
+      return walk_.bed(cell);
+    case Field::sediment_thickness:
+    case Field::bed_load_x:
+    case Field::bed_load_y:
+      return 0.0;
+  }
+  return 0.0;
+}
+
+void HllFlow::read(Field field, std::span<double> values) const {
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = value(field, static_cast<Number>(i));
+}
+
+void HllFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
+  for (std::size_t i = 0; i < cells.size(); ++i) values[i] = value(field, cells[i]);
+}
+
+CellState HllFlow::state(Number cell) const {
+  const HllWalk::Water& water = walk_.water();
+  const double h = water.h[at(cell)], bed = walk_.bed(cell);
+  return {.h = h,
+          .qx = water.qx[at(cell)],
+          .qy = water.qy[at(cell)],
+          .bed_level = bed,
+          .water_level = bed + h};
+}
+
+FlowSurvey HllFlow::survey() const {
+  const auto state_of = [&](Number cell) {
+    const CellState of = state(cell);
+    return SurveyedState{of.h, of.qx, of.qy, physics::depth_terms(of.h, case_.zero_depth)};
+  };
+  const auto center_of = [&](Number cell) {
+    const physics::SpacePoint center = case_.mesh.center_of(cell);
+    return physics::PlanPoint{center.x, center.y};
+  };
+  const Number n_cells = case_.mesh.n_cells();
+  FlowSurvey result = survey_states(n_cells, case_.zero_depth, state_of);
+  if (result.not_finite > 0) {
+    result.a_cell_not_finite = lost_cell_in_the_middle(n_cells, state_of, center_of);
+  }
+  return result;
+}
+
+void HllFlow::watch() {
+  is_watched_ = true;
+  note_states(walk_.step_bound(case_.t_start).cell);
+}
+
+void HllFlow::note_states(Number limiting_cell) {
+  const HllWalk::Water& water = walk_.water();
+  physics::FlowExtremes all;
+  for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
+    const double h = water.h[at(cell)];
+    const physics::FlowExtremes of_cell = physics::extremes_of_state(
+        h, water.qx[at(cell)], water.qy[at(cell)], physics::depth_terms(h, case_.zero_depth));
+    physics::note(notes_.speed_squared, of_cell.speed_squared, cell);
+    physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
+    all = physics::united(all, of_cell);
+  }
+  notes_.not_finite = all.not_finite;
+  notes_.limiting_cell = limiting_cell;
+}
+
+UnseenDepth HllFlow::unseen_depth(Number cell) const {
+  return {walk_.water().recovered[at(cell)], 0.0};
+}
+
+BoundaryInflow HllFlow::boundary_inflow(int boundary) const {
+  return {walk_.inflow(static_cast<std::size_t>(boundary)), 0.0};
+}
+
+}  // namespace fields

@@ -1,0 +1,40 @@
+// The flow where a scheme walks the cells of a case one by one.
+#pragma once
+
+#include "fields/Flow.hpp"
+#include "model/HllWalk.hpp"
+
+namespace fields {
+
+class HllFlow : public Flow {
+ public:
+  /// The case must outlive it. Throws std::runtime_error where the scheme cannot take it.
+  explicit HllFlow(const cases::Case& contents);
+
+  FlowScales scales() const override;
+  double stable_step() override { return walk_.step_bound(case_.t_start).step; }
+  double advance(const StepTimes& times) override;
+
+  void read(Field field, std::span<double> values) const override;
+  void read(Field field, std::span<const cases::Number> cells,
+            std::span<double> values) const override;
+  CellState state(cases::Number cell) const override;
+  FlowSurvey survey() const override;
+  ExecutionPath execution_path() const override { return {"objects", 1, "that of the build"}; }
+
+  void watch() override;
+  const physics::StepNotes& notes() const override { return notes_; }
+  UnseenDepth unseen_depth(cases::Number cell) const override;
+  BoundaryInflow boundary_inflow(int boundary) const override;
+
+ private:
+  double value(Field field, cases::Number cell) const;
+  void note_states(cases::Number limiting_cell);
+
+  const cases::Case& case_;
+  HllWalk walk_;
+  bool is_watched_ = false;
+  physics::StepNotes notes_;
+};
+
+}  // namespace fields

@@ -1,0 +1,68 @@
+// A step of the second-order scheme and of its first-order form, cell by cell over the arrays of a
+// case on one thread: the plain statement of the schemes.
+#pragma once
+
+#include <array>
+#include <vector>
+
+#include "case/hll_cell.hpp"
+#include "model/HllForcing.hpp"
+
+class HllWalk {
+ public:
+  /// The states of the cells.
+  struct Water {
+    std::vector<double> h, qx, qy;    ///< m, m2/s
+    std::vector<double> max_h;        ///< largest depth so far, m
+    std::vector<double> infiltrated;  ///< m
+    std::vector<double> recovered;    ///< lost by the soil as it recovered, m
+    /// Sizes of what the bound of draining films took away so far, m2/s.
+    std::vector<double> taken_discharge;
+  };
+
+  /// What bounds the step (s), before the Courant factor.
+  struct StepBound {
+    double step;
+    cases::Number cell;  ///< of the wave that does, or that a boundary may send in; -1: nothing
+  };
+
+  /// The case must outlive it. Throws std::runtime_error where the scheme cannot take it.
+  explicit HllWalk(const cases::Case& contents);
+
+  /// Advances all cells by a step of dt from t, s.
+  void advance(double t, double dt);
+  /// The bound for a step from t (s). Of several cells of the same speed it is `before`, or else
+  /// the first.
+  StepBound step_bound(double t, cases::Number before = -1) const;
+
+  const Water& water() const { return water_; }
+  double bed(cases::Number cell) const { return cells_[cases::at(cell)].bed; }
+  /// What entered through a boundary in the last step, m3/s.
+  double inflow(std::size_t boundary) const { return boundary_inflow_[boundary]; }
+  double char_length_min() const { return char_length_min_; }
+
+ private:
+  using Slots = std::array<physics::WaterSlot, 3>;
+
+  void set_initial_water();
+  physics::PrimitiveWater primitive_water(cases::Number cell) const;
+  physics::HllNeighbour neighbour(cases::Number cell, int side) const;
+  physics::HllCellEdges edges_of(cases::Number cell, double dt) const;
+  const physics::HllEdgeState& edge_state(cases::Number cell, int side) const;
+  void flux_between_cells();
+  void flux_over_boundaries(double t);
+  void update(cases::Number cell, double dt);
+
+  const cases::Case& case_;
+  std::vector<cases::TriangleSides> sides_;
+  std::vector<cases::HllCellOfCase> cells_;
+  std::vector<int> boundary_side_;  ///< of the boundaries in their cells
+  HllForcing forcing_;
+  Water water_;
+  double char_length_min_;  ///< m
+  // Of the step.
+  std::vector<physics::PrimitiveWater> primitive_;
+  std::vector<physics::HllCellEdges> edges_;
+  std::vector<Slots> slots_;
+  std::vector<double> boundary_inflow_;  ///< m3/s
+};
