@@ -17,6 +17,14 @@ struct NotHyperbolic {
   double h, qx, qy;
 };
 
+/// What the patches of a step have in common.
+struct Step {
+  const kernels::StepValues& values;
+  const std::vector<physics::SoilStep>& soil_steps;
+  Activity& activity;
+  StepNotes* notes;  ///< null: nobody asks
+};
+
 class Backend {
  public:
   virtual ~Backend() = default;
@@ -29,6 +37,10 @@ class Backend {
   virtual double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                          const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                          StepNotes* notes) = 0;
+  /// After all patches of a step: the state after it comes into force.
+  virtual void finish_step(const Activity& activity) = 0;
+  /// Whether the state of a patch is in force as soon as the patch is computed.
+  virtual bool works_in_place() const = 0;
   /// Where this step was not hyperbolic, on the first such edge of the model.
   virtual std::optional<NotHyperbolic> not_hyperbolic() const = 0;
   /// From now on no step looks for that.

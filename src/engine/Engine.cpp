@@ -3,10 +3,20 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/host/HllBackend.hpp"
 #include "engine/host/HostBackend.hpp"
 #include "physics/stable_step.hpp"
 
 namespace engine {
+
+namespace {
+
+std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team, const Loops& loops) {
+  if (tables.hll) return std::make_unique<HllBackend>(tables, team, loops);
+  return std::make_unique<HostBackend>(tables, team, loops);
+}
+
+}  // namespace
 
 Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch,
                const std::optional<std::string>& instruction_set)
@@ -19,25 +29,21 @@ Engine::Engine(const cases::Case& contents, Subset subset, Exchange& exchange, i
       tables_(make_tables(contents, std::move(subset), team_, cells_per_patch)),
       forcing_(contents, tables_),
       activity_(tables_),
-      backend_(std::make_unique<HostBackend>(tables_, team_, loops_for(instruction_set))) {
+      backend_(make_backend(tables_, team_, loops_for(instruction_set))) {
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;
   step_.grains = tables_.grains;
 }
 
-double Engine::stable_step() {
-  const CellTable& c = tables_.cells;
+double Engine::stable_step(double t) {
   double smallest = physics::unbounded_step;
   for (std::size_t i = 0; i < at(tables_.owned); ++i) {
-    const bool is_dry = c.h[i] <= tables_.zero_depth;
-    const double step = is_dry ? tables_.dry_step
-                               : physics::stable_step(c.h[i], c.qx[i], c.qy[i], c.char_length[i],
-                                                      tables_.zero_depth);
-    smallest = physics::smaller(smallest, step);
+    smallest = physics::smaller(smallest, tables_.stable_step_at(i));
   }
-  exchange_.start_minimum({.step = smallest});
-  return physics::stable_step_domain(exchange_.finish_minimum().step, tables_.char_length_min);
+  exchange_.start_minimum({.step = bounded_by_boundaries(smallest, t)});
+  agreed_ = exchange_.finish_minimum();
+  return physics::stable_step_domain(agreed_.step, tables_.char_length_min);
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
@@ -49,22 +55,38 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
 
   // What others wait for comes first; it is on its way while the rest is computed.
   const double of_border = advance_patches(activity_.border_patches());
-  exchange_.start_halo(tables_);
+  if (backend_->works_in_place()) exchange_.start_halo(tables_);
   const double of_interior = advance_patches(activity_.interior_patches());
-  start_minimum(physics::smaller(of_border, of_interior), own);
+  backend_->finish_step(activity_);
+  if (!backend_->works_in_place()) exchange_.start_halo(tables_);
+  start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
+                own);
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment(tables_.ghosts());
   tables_.drop_given_surface();
   agreed_ = exchange_.finish_minimum();
 
   find_not_hyperbolic();
-  if (notes_) notes_->sum_up(tables_, activity_.patches(), agreed_.step);
+  if (notes_) notes_->sum_up(tables_, activity_.patches(), agreed_.step, place_of_bound());
   return physics::stable_step_domain(agreed_.step, tables_.char_length_min);
 }
 
 double Engine::advance_patches(const std::vector<int>& patches) {
   return backend_->advance(patches, step_, forcing_.soil_steps(), activity_, notes_.get());
 }
+
+double Engine::bounded_by_boundaries(double smallest, double t) {
+  if (!tables_.hll) return smallest;
+  const int before = notes_ ? notes_->limiting_place(tables_) : -1;
+  const BoundaryBound bound = forcing_.boundary_bound(t, tables_, before);
+  step_of_bound_ = physics::step_of_crossing_rate(bound.crossing_rate);
+  const bool sets_step =
+      step_of_bound_ < smallest || (step_of_bound_ == smallest && bound.place == before);
+  place_of_bound_ = sets_step ? bound.place : -1;
+  return physics::smaller(smallest, step_of_bound_);
+}
+
+int Engine::place_of_bound() const { return step_of_bound_ == agreed_.step ? place_of_bound_ : -1; }
 
 void Engine::start_minimum(double smallest, const Wishes& own) {
   const bool skipped_dry_cells = activity_.patches().size() < tables_.patches.patches.size();
@@ -182,7 +204,10 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
   return {tables_.outer.mass[slot], tables_.has_bed ? tables_.outer.bed[slot] : 0.0};
 }
 
-void Engine::watch() { notes_ = std::make_unique<StepNotes>(tables_, stable_step(), exchange_); }
+void Engine::watch(double t) {
+  const double step = stable_step(t);
+  notes_ = std::make_unique<StepNotes>(tables_, step, place_of_bound(), exchange_);
+}
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {
   return notes_->unseen_depths(tables_.place[at(cell)]);

@@ -35,7 +35,7 @@ class Engine {
          int cells_per_patch = 0, const std::optional<std::string>& instruction_set = {});
 
   /// Together: stable step of the present states of all ranks before the Courant factor, s.
-  double stable_step();
+  double stable_step(double t);
   /// Together: advances all cells by a step; the stable step of the new states, s.
   double advance(const StepTimes& times, const Wishes& own = {});
   /// What any rank wished in the last step.
@@ -63,8 +63,8 @@ class Engine {
   /// What passed a boundary in the last step; nothing where it is not that of an owned cell.
   BoundaryInflow boundary_inflow(int boundary) const;
 
-  /// Together: from now on every step takes notes, which are those of all ranks.
-  void watch();
+  /// Together: from a time on (s) every step takes notes, of all ranks.
+  void watch(double t);
   const physics::StepNotes& notes() const { return notes_->of_last_step(); }
   UnseenDepths unseen_depths(cases::Number cell) const;
   /// Where the last step was not hyperbolic, on the first such edge; only the first time, and on
@@ -79,6 +79,10 @@ class Engine {
 
  private:
   double advance_patches(const std::vector<int>& patches);
+  /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.
+  double bounded_by_boundaries(double smallest_step, double t);
+  /// Place of the cell whose boundary bounds the step of all ranks; -1: none here does.
+  int place_of_bound() const;
   void start_minimum(double smallest_step, const Wishes& own);
   void find_not_hyperbolic();
 
@@ -91,7 +95,9 @@ class Engine {
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<StepNotes> notes_;  ///< null: nobody asks for notes
   kernels::StepValues step_{};
-  StepMinimum agreed_;                           ///< in the last step
+  double step_of_bound_ = 0.0;  ///< by which a boundary here bounds the next step, s
+  int place_of_bound_ = -1;     ///< of its cell; -1: cells bound it more
+  StepMinimum agreed_;          ///< in the last step
   std::optional<NotHyperbolic> not_hyperbolic_;  ///< see there
 };
 

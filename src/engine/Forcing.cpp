@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "case/boundary_kinds.hpp"
+#include "physics/hll_boundary.hpp"
 
 namespace engine {
 
@@ -18,7 +19,7 @@ constexpr double nothing = std::numeric_limits<double>::quiet_NaN();
 
 Forcing::Forcing(const cases::Case& contents, const Tables& tables)
     : case_(contents), soil_steps_(tables.soils.size()) {
-  add_series(tables);
+  add_boundaries(tables);
   for (const cases::Hyetogram& rain : contents.rain) {
     rain_.push_back(rain.intervals());
     rain_clocks_.push_back(physics::clock_before_rain(contents.t_start));
@@ -26,25 +27,32 @@ Forcing::Forcing(const cases::Case& contents, const Tables& tables)
   rain_depths_.assign(rain_.size() + 1, 0.0);
 }
 
-void Forcing::add_series(const Tables& tables) {
-  std::map<std::pair<int, bool>, std::size_t> known;
+void Forcing::add_boundaries(const Tables& tables) {
+  std::map<std::pair<int, bool>, int> known;
   for (std::size_t b = 0; b < case_.mesh.boundaries.size(); ++b) {
     const cases::Boundary& boundary = case_.mesh.boundaries[b];
-    if (boundary.series < 0 || tables.boundary_place[b] < 0) continue;
+    const int place = tables.boundary_place[b];
+    if (place < 0) continue;
+    const bool imposes_constant =
+        boundary.code == edge_code::discharge || boundary.code == edge_code::water_level;
+    if (imposes_constant) imposing_.push_back({b, place, -1});
+    if (boundary.series < 0) continue;
     const bool is_level = boundary.code == edge_code::limnigraph;
-    const auto [entry, is_new] = known.try_emplace({boundary.series, is_level}, series_.size());
+    const auto [entry, is_new] =
+        known.try_emplace({boundary.series, is_level}, static_cast<int>(series_.size()));
     if (is_new) {
       const cases::Series& series = case_.series[at(boundary.series)];
       series_.push_back(
           {{series.times.data(), series.values.data(), static_cast<int>(series.times.size())},
            is_level});
     }
-    series_boundaries_.push_back({tables.boundary_place[b], entry->second});
+    imposing_.push_back({b, place, entry->second});
   }
 }
 
 void Forcing::begin_step(const StepTimes& times, Tables& tables) {
-  set_series(times.t, tables);
+  // The middle of a step makes a scheme of second order so in time, and imposed volumes exact.
+  set_series(tables.hll ? times.t + 0.5 * times.dt : times.t, tables);
   set_imposed(tables);
   set_rain(times);
   for (std::size_t s = 0; s < tables.soils.size(); ++s) {
@@ -56,7 +64,6 @@ void Forcing::begin_step(const StepTimes& times, Tables& tables) {
 
 void Forcing::impose_on_boundary(std::size_t boundary, double value) {
   imposed_on_boundaries_.resize(case_.mesh.boundaries.size(), nothing);
-  if (std::isnan(imposed_on_boundaries_[boundary])) imposing_.push_back(boundary);
   imposed_on_boundaries_[boundary] = value;
 }
 
@@ -77,26 +84,25 @@ void Forcing::load(const State& state, Tables& tables) {
   rain_clocks_ = state.rain_clocks;
   for (Series& series : series_) series.interval = 0;
   imposed_on_boundaries_ = state.imposed_on_boundaries;
-  imposing_.clear();
-  for (std::size_t b = 0; b < case_.mesh.boundaries.size(); ++b) {
-    if (tables.boundary_place[b] < 0) continue;
-    const cases::Boundary& of_case = case_.mesh.boundaries[b];
-    kernels::BoundaryEdge& boundary = tables.boundaries[at(tables.boundary_place[b])];
-    boundary.imposed = imposed_by(of_case.code, of_case.value, tables.cells, boundary.cell);
-    const bool is_imposed_on =
-        !imposed_on_boundaries_.empty() && !std::isnan(imposed_on_boundaries_[b]);
-    if (is_imposed_on) imposing_.push_back(b);
+  for (const ImposingBoundary& of : imposing_) {
+    const cases::Boundary& of_case = case_.mesh.boundaries[of.number];
+    kernels::BoundaryEdge& boundary = tables.boundaries[at(of.place)];
+    boundary.imposed = imposed_by(of_case.code, of_case.value, tables, boundary.cell);
   }
   imposed_rain_ = state.imposed_rain;
   place_rain(tables);
 }
 
+bool Forcing::is_imposed_on(const ImposingBoundary& boundary) const {
+  return !imposed_on_boundaries_.empty() && !std::isnan(imposed_on_boundaries_[boundary.number]);
+}
+
 void Forcing::set_imposed(Tables& tables) const {
-  for (const std::size_t b : imposing_) {
-    if (tables.boundary_place[b] < 0) continue;
-    kernels::BoundaryEdge& boundary = tables.boundaries[at(tables.boundary_place[b])];
-    boundary.imposed = imposed_by(case_.mesh.boundaries[b].code, imposed_on_boundaries_[b],
-                                  tables.cells, boundary.cell);
+  for (const ImposingBoundary& of : imposing_) {
+    if (!is_imposed_on(of)) continue;
+    kernels::BoundaryEdge& boundary = tables.boundaries[at(of.place)];
+    boundary.imposed = imposed_by(case_.mesh.boundaries[of.number].code,
+                                  imposed_on_boundaries_[of.number], tables, boundary.cell);
   }
 }
 
@@ -126,20 +132,44 @@ void Forcing::place_rain(Tables& tables) {
 void Forcing::set_series(double t, Tables& tables) {
   for (Series& series : series_) {
     // Intended: at the time of a sample a hydrograph is in the interval that starts there, a
-    // limnigraph still in the one that ends there.
-    series.interval = series.is_level
+    // limnigraph still in the one that ends there. The HLL schemes know the former alone.
+    series.interval = series.is_level && !tables.hll
                           ? physics::interval_that_ends(series.samples, series.interval, t)
                           : physics::interval_that_starts(series.samples, series.interval, t);
     series.value = physics::value_of_series(series.samples, series.interval, t);
   }
-  for (const SeriesBoundary& of : series_boundaries_) {
-    kernels::BoundaryEdge& boundary = tables.boundaries[at(of.boundary)];
-    const Series& series = series_[of.series];
+  for (const ImposingBoundary& of : imposing_) {
+    if (of.series < 0) continue;
+    kernels::BoundaryEdge& boundary = tables.boundaries[at(of.place)];
+    const Series& series = series_[at(of.series)];
     // Intended: the depth over the bed with its sediments; a fixed water level counts from the
     // rock.
-    boundary.imposed =
-        series.is_level ? series.value - tables.cells.bed[at(boundary.cell)] : series.value;
+    const bool is_depth = series.is_level && !tables.hll;
+    boundary.imposed = is_depth ? series.value - tables.cells.bed[at(boundary.cell)] : series.value;
   }
+}
+
+BoundaryBound Forcing::boundary_bound(double t, const Tables& tables, int before) {
+  for (Series& series : series_) {
+    const int interval = physics::interval_that_starts(series.samples, series.interval, t);
+    series.value_at_end = physics::value_of_series(series.samples, interval, t);
+  }
+  BoundaryBound bound;
+  for (const ImposingBoundary& of : imposing_) {
+    const kernels::BoundaryEdge& boundary = tables.boundaries[at(of.place)];
+    const std::size_t cell = at(boundary.cell);
+    const double of_case = of.series < 0 ? case_.mesh.boundaries[of.number].value
+                                         : series_[at(of.series)].value_at_end;
+    const double imposed = is_imposed_on(of) ? imposed_on_boundaries_[of.number] : of_case;
+    const double speed = boundary.kind == kernels::BoundaryKind::discharge
+                             ? physics::wave_speed_of_discharge(imposed)
+                             : physics::wave_speed_of_level(imposed, tables.cells.bed[cell]);
+    const double rate = speed / tables.cells.char_length[cell];
+    const bool is_larger = rate > bound.crossing_rate;
+    const bool is_same = rate == bound.crossing_rate && rate > 0.0 && boundary.cell == before;
+    if (is_larger || is_same) bound = {rate, boundary.cell};
+  }
+  return bound;
 }
 
 void Forcing::set_rain(const StepTimes& times) {
@@ -149,7 +179,8 @@ void Forcing::set_rain(const StepTimes& times) {
         physics::rain_addition(rain_[r], rain_clocks_[r], times.t, times.t_start, times.t_end);
     rain_clocks_[r] = rain.clock;
     rain_depths_[r + 1] = rain.depth;
-    if (rain.depth != 0.0) it_rains_ = true;
+    // Rain that no cell names changes nothing.
+    if (rain.depth != 0.0 && !case_.fields.rain.empty()) it_rains_ = true;
   }
   for (std::size_t s = 0; s < steady_rains_.size(); ++s) {
     const double depth = physics::steady_rain(steady_rains_[s], times.dt);

@@ -14,6 +14,12 @@
 
 namespace engine {
 
+/// What bounds the step of the HLL schemes beside the cells: waves that a boundary may send in.
+struct BoundaryBound {
+  double crossing_rate = 0.0;  ///< 1/s
+  int place = -1;              ///< of the cell; -1: no boundary sends any
+};
+
 class Forcing {
  public:
   /// Points into the case, which must outlive it.
@@ -33,6 +39,10 @@ class Forcing {
   void impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities,
                    Tables& tables);
 
+  /// The largest bound for a step of the HLL schemes from t (s); of several the one at the place
+  /// `before`, or else the first.
+  BoundaryBound boundary_bound(double t, const Tables& tables, int before);
+
   /// Writes into a state what the steps to come depend on, or puts that of a state in force.
   void save(State& state) const;
   void load(const State& state, Tables& tables);
@@ -44,21 +54,25 @@ class Forcing {
     bool is_level;
     int interval = 0;
     double value = 0.0;  ///< of the step, m2/s or m
+    double value_at_end = 0.0;
   };
-  struct SeriesBoundary {
-    int boundary;  ///< place in Tables::boundaries
-    std::size_t series;
+  struct ImposingBoundary {
+    std::size_t number;  ///< in the case
+    int place;           ///< in Tables::boundaries
+    int series;          ///< -1: none, what it imposes is always the same
   };
 
-  void add_series(const Tables& tables);
+  void add_boundaries(const Tables& tables);
   void set_series(double t, Tables& tables);
+  /// Whether a caller imposes a value on it.
+  bool is_imposed_on(const ImposingBoundary& boundary) const;
   void set_imposed(Tables& tables) const;
   void set_rain(const StepTimes& times);
   void place_rain(Tables& tables);
 
   const cases::Case& case_;
   std::vector<Series> series_;
-  std::vector<SeriesBoundary> series_boundaries_;
+  std::vector<ImposingBoundary> imposing_;  ///< in the order of the case
   std::vector<physics::Hyetogram> rain_;
   std::vector<physics::RainClock> rain_clocks_;  ///< the cells of a hyetogram rain alike
   Column rain_depths_;
@@ -67,8 +81,7 @@ class Forcing {
 
   // See State.
   std::vector<double> imposed_on_boundaries_, imposed_rain_;
-  std::vector<std::size_t> imposing_;  ///< boundaries on which a value is imposed
-  std::vector<double> steady_rains_;   ///< numbered behind the hyetograms, m/s
+  std::vector<double> steady_rains_;  ///< numbered behind the hyetograms, m/s
 };
 
 }  // namespace engine

@@ -16,12 +16,8 @@ physics::FlowExtremes extremes_at(const Tables& tables, std::size_t place) {
 
 /// Whether the wave of a cell sets a stable step (s).
 bool sets_step(const Tables& tables, std::size_t place, double step) {
-  const CellTable& c = tables.cells;
-  return physics::is_wet(c.h[place], tables.zero_depth) &&
-         c.char_length[place] /
-                 physics::wave_speed(physics::depth_terms(c.h[place], tables.zero_depth),
-                                     c.qx[place], c.qy[place]) ==
-             step;
+  return physics::is_wet(tables.cells.h[place], tables.zero_depth) &&
+         tables.stable_step_at(place) == step;
 }
 
 /// Numbers in the case of the cells of the tables, by their places.
@@ -36,17 +32,19 @@ std::vector<int> numbers_at_places(const Tables& tables) {
 
 }  // namespace
 
-StepNotes::StepNotes(const Tables& tables, double stable_step, Exchange& exchange)
+StepNotes::StepNotes(const Tables& tables, double stable_step, int place_of_bound,
+                     Exchange& exchange)
     : extremes(tables.patches.patches.size()),
       smallest_steps(extremes.size(), physics::unbounded_step),
       exchange_(exchange),
       cell_at_place_(numbers_at_places(tables)) {
   if (tables.has_bed) lifted.assign(tables.cells.h.size(), 0.0);
+  if (tables.hll) taken_discharge.assign(tables.cells.h.size(), 0.0);
   if (!tables.soils.empty()) recovered.assign(tables.cells.h.size(), 0.0);
-  note_present(tables, stable_step);
+  note_present(tables, stable_step, place_of_bound);
 }
 
-void StepNotes::note_present(const Tables& tables, double stable_step) {
+void StepNotes::note_present(const Tables& tables, double stable_step, int place_of_bound) {
   int first_to_set_step = -1;
   for (int k = 0; k < tables.owned; ++k) {
     const int cell = tables.owned_cell(k);
@@ -61,18 +59,20 @@ void StepNotes::note_present(const Tables& tables, double stable_step) {
   notes_.limiting_cell = physics::limiting_cell(
       stable_step, tables.dry_step, none_before, [](int) { return false; },
       [&] { return first_to_set_step; });
+  if (place_of_bound >= 0) notes_.limiting_cell = cell_at_place_[at(place_of_bound)];
   notes_ = exchange_.unite(notes_, none_before);
 }
 
 UnseenDepths StepNotes::unseen_depths(int place) const {
   const auto value = [&](const Column& column) { return column.empty() ? 0.0 : column[at(place)]; };
-  return {value(recovered), value(lifted)};
+  return {value(recovered), value(lifted), value(taken_discharge)};
 }
 
-void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches,
-                       double smallest_step) {
+void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
+                       int place_of_bound) {
   const int limited_before = notes_.limiting_cell;
-  notes_.limiting_cell = limiting_cell(tables, patches, smallest_step);
+  notes_.limiting_cell = place_of_bound >= 0 ? cell_at_place_[at(place_of_bound)]
+                                             : limiting_cell(tables, patches, smallest_step);
   note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared);
   note_record(tables, patches, notes_.speed_squared_per_depth,
               &physics::FlowExtremes::speed_squared_per_depth);

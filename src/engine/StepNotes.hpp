@@ -13,27 +13,36 @@ namespace engine {
 struct UnseenDepths {
   double recovered;  ///< lost by the soil as it recovered
   double lifted;     ///< sediment that the limit at the bed rock created
+  /// Sizes of what the bound of draining films took of the unit discharge, m2/s.
+  double taken_discharge;
 };
 
 class StepNotes {
  public:
-  /// Begins with the present states, whose stable step it is told (s). Here and later the notes are
-  /// those of all ranks.
-  StepNotes(const Tables& tables, double stable_step, Exchange& exchange);
+  /// Begins with the present states, whose stable step it is told (s), and the place of the cell
+  /// whose boundary bounds it (-1: none does). Here and later the notes are those of all ranks.
+  StepNotes(const Tables& tables, double stable_step, int place_of_bound, Exchange& exchange);
 
   // What a backend writes while it computes a patch.
   std::vector<physics::FlowExtremes> extremes;  ///< per patch
   /// Per patch: the smallest step of its cells where it may be that of all, else unbounded, s.
   std::vector<double> smallest_steps;
-  Column recovered, lifted;  ///< per cell, see UnseenDepths; empty without soils, or sediments
+  /// Per cell, see UnseenDepths; empty without soils, sediments, or an HLL scheme.
+  Column recovered, lifted, taken_discharge;
 
-  /// Sums up a step that computed these patches and found this smallest step (s).
-  void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step);
+  /// Sums up a step that computed these patches and found this smallest step (s), which the
+  /// boundary of the cell at a place bounds (-1: none does).
+  void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
+              int place_of_bound);
   const physics::StepNotes& of_last_step() const { return notes_; }
   UnseenDepths unseen_depths(int place) const;
+  /// Place of the cell that set the last step; -1 without one.
+  int limiting_place(const Tables& tables) const {
+    return notes_.limiting_cell < 0 ? -1 : tables.place[at(notes_.limiting_cell)];
+  }
 
  private:
-  void note_present(const Tables& tables, double stable_step);
+  void note_present(const Tables& tables, double stable_step, int place_of_bound);
   int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest) const;
   void note_record(const Tables& tables, const std::vector<int>& patches,
                    physics::FlowRecord& record, double physics::FlowExtremes::*value) const;

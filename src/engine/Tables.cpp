@@ -1,5 +1,7 @@
 #include "engine/Tables.hpp"
 
+#include "physics/stable_step.hpp"
+
 namespace engine {
 
 namespace {
@@ -52,6 +54,19 @@ void Tables::set_bed_from_sediment(const Range& places) {
   }
 }
 
+double Tables::stable_step_at(std::size_t i) const {
+  const double h = cells.h[i], qx = cells.qx[i], qy = cells.qy[i];
+  if (hll) {
+    constexpr double no_resistance = 0.0;
+    const physics::PrimitiveWater water =
+        physics::primitive_water<false>(h, qx, qy, no_resistance, zero_depth);
+    return physics::step_of_crossing_rate(
+        physics::crossing_rate(water, hll->reciprocal_length[i], zero_depth));
+  }
+  const bool is_dry = h <= zero_depth;
+  return is_dry ? dry_step : physics::stable_step(h, qx, qy, cells.char_length[i], zero_depth);
+}
+
 std::size_t Tables::bytes() const {
   const CellTable& c = cells;
   const Patches& p = patches;
@@ -62,7 +77,8 @@ std::size_t Tables::bytes() const {
          p.cut_edges.bytes() +
          bytes_of(p.edge_number, p.cut_edge_number, p.boundary_edge, p.slots[0], p.slots[1],
                   p.slots[2], p.patches, p.neighbours, p.outer_slots) +
-         bytes_of(outer.mass, outer.momentum_x, outer.momentum_y, outer.bed);
+         bytes_of(outer.mass, outer.momentum_x, outer.momentum_y, outer.bed) +
+         (hll ? hll->bytes() : 0);
 }
 
 }  // namespace engine

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 #include "case/Case.hpp"
+#include "engine/HllTables.hpp"
 #include "engine/Patches.hpp"
 #include "engine/Subset.hpp"
 #include "kernels/boundary.hpp"
@@ -72,6 +74,8 @@ struct Tables {
   std::vector<Soil> soils;
   std::vector<std::vector<int>> soils_of_patch;  ///< empty without soils
 
+  std::optional<HllTables> hll;  ///< of a case that asks for one of these schemes
+
   int cells_per_patch() const { return patches.patches.front().cells.size(); }
   int cut_edges() const { return static_cast<int>(patches.cut_edges.left.size()); }
   int first_boundary_slot() const { return 2 * cut_edges(); }
@@ -84,13 +88,15 @@ struct Tables {
   void set_bed_from_sediment(const Range& places);
   /// From now on the free surface is bed and depth.
   void drop_given_surface() { cells.eta = {}; }
+  /// Stable step of the present state of a cell, by its place, before the Courant factor, s.
+  double stable_step_at(std::size_t i) const;
   /// Memory, bytes.
   std::size_t bytes() const;
 };
 
-/// What a boundary imposes by a value, on a cell by its place: unit discharge (m2/s) or depth (m);
-/// 0 where it imposes nothing.
-double imposed_by(int code, double value, const CellTable& cells, int place);
+/// What a boundary imposes by a value, on a cell by its place: unit discharge (m2/s), or depth (m),
+/// in the HLL schemes level (m); 0 where it imposes nothing.
+double imposed_by(int code, double value, const Tables& tables, int place);
 
 /// The tables of some cells of a case at its start, in patches of a number of cells (0: what suits
 /// mesh and threads). Every thread touches first what it works on later. Throws std::length_error

@@ -134,7 +134,7 @@ void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
     const int place = tables.place[at(mesh.left[at(edge)])];
     tables.boundary_place[number] = static_cast<int>(tables.boundaries.size());
     tables.boundaries.push_back({kind_of(boundary.code), place, mesh.edge_of(edge),
-                                 imposed_by(boundary.code, boundary.value, tables.cells, place),
+                                 imposed_by(boundary.code, boundary.value, tables, place),
                                  no_sediment_fed});
   }
 }
@@ -154,7 +154,11 @@ void set_scales(const cases::Case& contents, Tables& tables) {
     tables.char_length_min =
         physics::smaller(tables.char_length_min, contents.mesh.geometry_of(cell).char_length());
   }
-  tables.dry_step = physics::stable_step_dry(tables.char_length_min, tables.h0, tables.zero_depth);
+  // The HLL schemes bound the step by wet cells and their neighbours.
+  tables.dry_step =
+      !cases::is_hll(contents.scheme)
+          ? physics::stable_step_dry(tables.char_length_min, tables.h0, tables.zero_depth)
+          : physics::unbounded_step;
 }
 
 std::vector<Soil> soils_of(const cases::Case& contents) {
@@ -193,11 +197,11 @@ void list_soils(Tables& tables) {
 
 }  // namespace
 
-double imposed_by(int code, double value, const CellTable& cells, int place) {
+double imposed_by(int code, double value, const Tables& tables, int place) {
   const cases::BoundaryKind* const kind = cases::boundary_kind(code);
   if (kind == nullptr) return 0.0;
   // Intended: the depth over the rock; that of a limnigraph is over the bed with its sediments.
-  if (kind->imposes_level()) return value - cells.rock_of(place);
+  if (kind->imposes_level()) return tables.hll ? value : value - tables.cells.rock_of(place);
   return kind->imposes_discharge() ? value : 0.0;
 }
 
@@ -227,11 +231,13 @@ Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
   set_scales(contents, tables);
   // Only fluxes over a mobile bed tell of edges by their numbers.
   if (!tables.has_bed) tables.patches.edge_number = tables.patches.cut_edge_number = {};
+  if (cases::is_hll(contents.scheme)) tables.hll.emplace();
   place_boundaries(tables, mesh);
   mark_border(tables, subset.border);
   tables.owned_cells = std::move(subset.owned);
   list_soils(tables);
   tables.outer.assign(at(tables.first_boundary_slot()) + tables.boundaries.size(), tables.has_bed);
+  if (tables.hll) make_hll_tables(contents, order, team, tables);
   return tables;
 }
 

@@ -19,7 +19,7 @@ struct Clock {
 
 /// The clock of a case at its start.
 inline Clock clock_at_start(const cases::Case& contents, Flow& flow) {
-  return {contents.t_start, contents.cfl * flow.stable_step(), 0};
+  return {contents.t_start, contents.cfl * flow.stable_step(contents.t_start), 0};
 }
 
 /// Computes the next step.

@@ -27,6 +27,8 @@ struct CellState {
 struct UnseenDepth {
   double recovered = 0.0;  ///< lost by the soil as it recovered
   double lifted = 0.0;     ///< sediment that the limit at the bed rock created
+  /// Sizes of what the bound of draining films took of the unit discharge, m2/s.
+  double taken_discharge = 0.0;
 };
 
 /// What the steps run on: the name of the path, its threads, and its instruction set.
@@ -56,8 +58,8 @@ class Flow {
   virtual ~Flow() = default;
 
   virtual FlowScales scales() const = 0;
-  /// Stable step of the present states before the Courant factor, s.
-  virtual double stable_step() = 0;
+  /// Stable step of the present states, at a time (s), before the Courant factor, s.
+  virtual double stable_step(double t) = 0;
   /// Advances all cells by a step; the stable step of the new states, s.
   virtual double advance(const StepTimes& times) = 0;
 

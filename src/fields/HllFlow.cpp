@@ -102,7 +102,7 @@ void HllFlow::note_states(Number limiting_cell) {
 }
 
 UnseenDepth HllFlow::unseen_depth(Number cell) const {
-  return {walk_.water().recovered[at(cell)], 0.0};
+  return {walk_.water().recovered[at(cell)], 0.0, walk_.water().taken_discharge[at(cell)]};
 }
 
 BoundaryInflow HllFlow::boundary_inflow(int boundary) const {

@@ -12,7 +12,7 @@ class HllFlow : public Flow {
   explicit HllFlow(const cases::Case& contents);
 
   FlowScales scales() const override;
-  double stable_step() override { return walk_.step_bound(case_.t_start).step; }
+  double stable_step(double t) override { return walk_.step_bound(t).step; }
   double advance(const StepTimes& times) override;
 
   void read(Field field, std::span<double> values) const override;

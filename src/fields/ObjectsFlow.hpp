@@ -22,7 +22,7 @@ class ObjectsFlow : public Flow {
   const PhysicalModel& model() const { return model_; }
 
   FlowScales scales() const override { return {model_.h0, model_.char_length_min}; }
-  double stable_step() override { return model_.dtMin(); }
+  double stable_step(double) override { return model_.dtMin(); }
   /// Sets the clock that the objects read.
   double advance(const StepTimes& times) override;
 

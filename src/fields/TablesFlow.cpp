@@ -113,7 +113,7 @@ ExecutionPath TablesFlow::execution_path() const {
 
 UnseenDepth TablesFlow::unseen_depth(cases::Number cell) const {
   const engine::UnseenDepths depths = engine_.unseen_depths(cell);
-  return {depths.recovered, depths.lifted};
+  return {depths.recovered, depths.lifted, depths.taken_discharge};
 }
 
 BoundaryInflow TablesFlow::boundary_inflow(int boundary) const {

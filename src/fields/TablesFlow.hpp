@@ -20,7 +20,7 @@ class TablesFlow : public Flow {
   FlowScales scales() const override {
     return {engine_.tables().h0, engine_.tables().char_length_min};
   }
-  double stable_step() override { return engine_.stable_step(); }
+  double stable_step(double t) override { return engine_.stable_step(t); }
   double advance(const StepTimes& times) override;
 
   void read(Field field, std::span<double> values) const override;
@@ -30,7 +30,7 @@ class TablesFlow : public Flow {
   FlowSurvey survey() const override;
   ExecutionPath execution_path() const override;
 
-  void watch() override { engine_.watch(); }
+  void watch() override { engine_.watch(case_.t_start); }
   const physics::StepNotes& notes() const override { return engine_.notes(); }
   UnseenDepth unseen_depth(cases::Number cell) const override;
   BoundaryInflow boundary_inflow(int boundary) const override;

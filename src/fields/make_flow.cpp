@@ -8,6 +8,16 @@
 
 namespace fields {
 
+namespace {
+
+/// The reference of a scheme.
+std::unique_ptr<Flow> make_walk(const cases::Case& contents) {
+  if (cases::is_hll(contents.scheme)) return std::make_unique<HllFlow>(contents);
+  return std::make_unique<ObjectsFlow>(contents);
+}
+
+}  // namespace
+
 std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
                                              cases::Diagnostics& diagnostics,
                                              const FlowRequest& request) {
@@ -29,17 +39,11 @@ std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics&
     throw std::runtime_error("Error. QUILLMERE_ENGINE is \"" + path +
                              "\", expected objects or tables.");
   }
-  if (cases::is_hll(contents.scheme)) {
-    if (path != "tables") return std::make_unique<HllFlow>(contents);
-    throw std::runtime_error(
-        "Error. QUILLMERE_ENGINE asks for tables, which do not know the flux scheme " +
-        std::string(cases::kind_of(contents.scheme).name) + ".");
-  }
-  if (path == "objects") return std::make_unique<ObjectsFlow>(contents);
+  if (path == "objects") return make_walk(contents);
   try {
     return make_tables_flow(contents, diagnostics, request);
   } catch (const std::length_error&) {  // more edges of a cell than the tables can number
-    if (path.empty()) return std::make_unique<ObjectsFlow>(contents);
+    if (path.empty()) return make_walk(contents);
     throw std::runtime_error(
         "Error. QUILLMERE_ENGINE asks for tables, but the model holds what they do not know.");
   }

@@ -15,7 +15,7 @@ struct BoundaryEdge {
   BoundaryKind kind;
   int cell;
   physics::Edge edge;
-  double imposed;      ///< unit discharge (m2/s) or depth (m)
+  double imposed;      ///< unit discharge (m2/s) or depth (m); level (m) in the HLL schemes
   double imposed_bed;  ///< bed load along the outward normal (m2/s)
 };
 

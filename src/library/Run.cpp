@@ -74,7 +74,7 @@ void Simulation::Run::begin(const cases::DataFile& data, const AreaLoss& area_lo
 }
 
 const fields::Clock& Simulation::Run::clock() {
-  if (std::exchange(has_other_water_, false)) clock_.dt = case_.cfl * flow_->stable_step();
+  if (std::exchange(has_other_water_, false)) clock_.dt = case_.cfl * flow_->stable_step(clock_.t);
   return clock_;
 }
 

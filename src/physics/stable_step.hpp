@@ -21,6 +21,11 @@ QM_HD inline double stable_step(double h, double qx, double qy, double char_leng
   return wet ? char_length / wave_speed(depth_terms(h, zero_depth), qx, qy) : unbounded_step;
 }
 
+/// The same (s) from the largest crossing rate of cells (1/s); unbounded where none is above 0.
+QM_HD inline double step_of_crossing_rate(double rate) {
+  return rate > 0.0 ? 1.0 / rate : unbounded_step;
+}
+
 /// What a dry cell contributes to the step (s) of a domain, from the largest initial depth h0 (m):
 /// nothing in one that was dry from the start.
 QM_HD inline double stable_step_dry(double char_length_min, double h0, double zero_depth) {

@@ -7,6 +7,7 @@
 #include "kernels/cell.hpp"
 #include "kernels/columns.hpp"
 #include "kernels/edge.hpp"
+#include "kernels/hll.hpp"
 #include "kernels/soil.hpp"
 
 namespace device_check {
@@ -112,6 +113,53 @@ QM_HD inline void add_boundary_bodies(Results& results, TwoCells& c, const physi
   }
 }
 
+/// Two cells of a patch for the HLL schemes, each the neighbour of the other, and one edge between
+/// them.
+struct TwoHllCells {
+  double h[2], u[2], v[2], drag[2], bed[2];
+  double geometry[kernels::hll_block * kernels::HllCellColumns::numbers];
+  float weights[kernels::hll_block * kernels::HllCellColumns::weights_per_cell];
+  double edge_h[6], edge_e[6], edge_u[6], edge_v[6], cap[6], source_x[2], source_y[2];
+  double after_h[2], after_qx[2], after_qy[2], reciprocal_length[2];
+};
+
+QM_HD inline kernels::HllWaterColumns waters_of(TwoHllCells& c) {
+  return {c.h, c.u, c.v, c.drag, c.bed};
+}
+
+QM_HD inline kernels::HllEdgeColumns edges_of(TwoHllCells& c) {
+  return {c.edge_h, c.edge_e, c.edge_u, c.edge_v, c.cap, c.source_x, c.source_y, 2};
+}
+
+QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cells,
+                                 const physics::Edge& edge, const kernels::StepValues& step) {
+  TwoHllCells c = {};
+  for (int i = 0; i < 2; ++i) {
+    const RandomHllCell of = random_hll_cell(random);
+    kernels::set_hll_cell(c.geometry, c.weights, i, of.cell, of.weights);
+    kernels::store_hll_water<true>(columns_of(cells, false), i, waters_of(c), i, zero_depth);
+    c.reciprocal_length[i] = uniform(random, 0.1, 10.0);
+    add(results, c.u[i] + c.v[i] + c.drag[i]);
+  }
+  for (int i = 0; i < 2; ++i) {
+    kernels::store_hll_edges<true>(waters_of(c), c.geometry + i, c.weights + i, 1 - i, i, 1 - i, i,
+                                   edges_of(c), step);
+    add(results, c.source_x[i] + c.source_y[i]);
+  }
+  const physics::SlotPair slots = physics::hll_edge_flux(
+      kernels::hll_state(edges_of(c), 0), kernels::hll_state(edges_of(c), 3), edge, zero_depth);
+  kernels::fill_slot(slots_of(cells, 0), 0, slots.left);
+  kernels::fill_slot(slots_of(cells, 0), 1, slots.right);
+  const kernels::BoundaryEdge boundary = {kernels::BoundaryKind::discharge, 0, edge, -0.5, 0.0};
+  kernels::hll_flux_of_boundary(edges_of(c), 4, boundary, step, slots_of(cells, 0), 2);
+  add_slots(results, cells);
+  const kernels::HllCellAfter after = kernels::advance_hll<true, true, true>(
+      columns_of(cells, false), 1, 1, waters_of(c), edges_of(c), 1, 2, 0, slots_of(cells, 0), 1e-4,
+      {c.after_h, c.after_qx, c.after_qy, c.reciprocal_length}, step);
+  add(results, c.after_h[1] + c.after_qx[1] + c.after_qy[1]);
+  add(results, after.crossing_rate + after.taken_discharge + after.max_h);
+}
+
 /// Every body on the cells of that number.
 QM_HD inline Results every_body(std::uint64_t number) {
   Results results = {};
@@ -153,6 +201,8 @@ QM_HD inline Results every_body(std::uint64_t number) {
   add_cells(results, c,
             kernels::advance_water_and_bed<true, true>(columns_of(c, false), 1, slots,
                                                        slots_of(c, 0), step));
+  TwoCells triangles = before;
+  add_hll_bodies(results, random, triangles, edge, step);
   return results;
 }
 

@@ -62,7 +62,7 @@ class EngineState : public testing::Test {
   void expect_the_same_steps_from(int steps_before) {
     const cases::Case contents = basin<Model>();
     engine::Engine one(contents, 2, patch_size);
-    double next = 0.4 * one.stable_step(), t = 0.0;
+    double next = 0.4 * one.stable_step(0.0), t = 0.0;
     for (int i = 0; i < steps_before; ++i) {
       next = 0.4 * one.advance({t, 0.0, 100.0, next});
       t += next;

@@ -145,8 +145,8 @@ class Equality : public testing::Test {
     const engine::Engine& engine = tables.engine();
     const int patches = static_cast<int>(engine.tables().patches.patches.size());
     Work work = {patches, patches};
-    double t = 0.0, next = 0.4 * objects.stable_step();
-    EXPECT_EQ(next, 0.4 * tables.stable_step());
+    double t = 0.0, next = 0.4 * objects.stable_step(t);
+    EXPECT_EQ(next, 0.4 * tables.stable_step(t));
     if (watched) {
       objects.watch();
       tables.watch();

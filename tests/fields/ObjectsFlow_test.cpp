@@ -67,7 +67,7 @@ TEST_F(ObjectsFlowTest, TellsAllThatTheNextStepMakesOfACell) {
 TEST_F(ObjectsFlowTest, StepsAtTheClockThatItIsGiven) {
   support::fill(*model, [](double, double) { return 1.0; });
   const double before = support::volume_of(*model);
-  EXPECT_EQ(flow.stable_step(), model->dtMin());
+  EXPECT_EQ(flow.stable_step(0.0), model->dtMin());
   const double step = flow.advance({3.0, 2.0, 8.0, 0.01});
   EXPECT_EQ(Globals::t, 3.0);
   EXPECT_EQ(Globals_Params::tStart, 2.0);

@@ -58,7 +58,7 @@ TEST_F(MakeFlow, BothPathsKnowTheScalesOfTheirCase) {
   const auto objects = fields::make_flow(contents, told, {.path = "objects"});
   EXPECT_EQ(tables->scales().h0, 1.0);
   EXPECT_EQ(tables->scales().char_length_min, objects->scales().char_length_min);
-  EXPECT_EQ(tables->stable_step(), objects->stable_step());
+  EXPECT_EQ(tables->stable_step(0.0), objects->stable_step(0.0));
 }
 
 TEST_F(MakeFlow, TakesAsManyThreadsAsItMayUnlessTheMeshIsSmall) {

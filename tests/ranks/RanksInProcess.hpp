@@ -5,29 +5,23 @@
 
 #include <atomic>
 #include <cstring>
-#include <random>
 #include <thread>
 
 #include "engine/Engine.hpp"
 #include "ranks/InProcess.hpp"
 #include "ranks/cut_along_curve.hpp"
-#include "support/RectangleMesh.hpp"
-#include "support/RunGlobals.hpp"
 #include "support/TemporaryFolder.hpp"
-#include "support/case_of.hpp"
+#include "support/basin.hpp"
 
 namespace test_ranks {
 
 using cases::Number;
 using engine::at;
 
-inline constexpr double t_end = 5.0;  // s
+inline constexpr double t_end = support::basin_t_end;
 inline constexpr double courant = 0.4;
 
-struct Options {
-  bool sediments = false, friction = true, rain = true, soils = true;
-  bool mostly_dry = false;
-};
+using Options = support::BasinOptions;
 
 /// States before every step and after the last one, the steps, and what passed the boundaries.
 struct Course {
@@ -40,50 +34,12 @@ struct Course {
 
 class RanksInProcess : public testing::Test {
  protected:
-  /// Wet and dry cells over a rough bed, with many kinds of boundaries.
-  cases::Case basin(const Options& options) {
-    std::mt19937 generator(3);
-    std::uniform_real_distribution<double> unit(0.0, 1.0);
-    const support::RunGlobals globals(1e-3, 1.0, t_end);
-    support::Rectangle rectangle{26, 14, 13.0, 7.0};
-    rectangle.west = {edge_code::hydrograph, 0.0, folder_.write("q.txt", "3 0 -0.2 1 -0.9 4 0.1")};
-    rectangle.east = {edge_code::limnigraph, 0.0, folder_.write("l.txt", "3 0 0.9 1 1.2 4 0.7")};
-    rectangle.south = {edge_code::wall};
-    rectangle.north = {edge_code::water_level, 0.8};
-    if (options.mostly_dry) rectangle.east = rectangle.north = {edge_code::transmissive};
-    cases::Case contents = support::case_of(*support::build_rectangle<SWE>(
-        rectangle, [&](double, double) { return 0.6 * unit(generator); }));
-    contents.has_sediments = options.sediments;
-    contents.sediment = {0.8e-3, 2.65, 0.02, 0.42};
-    contents.fields = {};
-    for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
-      const bool is_west = contents.mesh.center_of(cell).x < 1.0;
-      const bool is_wet = options.mostly_dry ? is_west : unit(generator) > 0.3;
-      add_state(contents.fields, options, is_wet ? 0.4 + 0.8 * unit(generator) : -1.0, generator);
-      if (options.rain) contents.fields.rain.push_back(cell % 3 == 0 ? 1 : 0);
-      if (options.soils) contents.fields.soil.push_back(cell % 4 - 2 < 0 ? -1 : cell % 4 - 2);
-    }
-    contents.rain = {{1, 2, {0.0, 0.7, 1.9}, {2e-3, 0.0, 5e-3}}, {2, 1, {0.0, 1.1}, {1e-5, 3e-4}}};
-    contents.soils = {{1, cases::GreenAmptParameters{3e-5, 0.11, 0.2, 0.45, 0.02, 1e-3}},
-                      {2, cases::HortonParameters{1e-4, 1e-5, 20.0, 0.01, 0.0}}};
-    return contents;
-  }
-
-  static void add_state(cases::CellFields& fields, const Options& options, double level,
-                        std::mt19937& generator) {
-    std::uniform_real_distribution<double> unit(0.0, 1.0);
-    fields.level.push_back(level);
-    fields.qx.push_back(unit(generator) - 0.5);
-    fields.qy.push_back(unit(generator) - 0.5);
-    if (options.friction) fields.manning.push_back(0.02 + 0.01 * unit(generator));
-    if (options.sediments) fields.sediment.push_back(unit(generator) > 0.2 ? 0.1 : 0.0);
-    if (options.soils) fields.infiltrated.push_back(0.002 * unit(generator));
-  }
+  cases::Case basin(const Options& options) { return support::basin(options, folder_); }
 
   static Course run_alone(const cases::Case& contents, int steps) {
     Course course;
     engine::Engine engine(contents, 2, 64);
-    double t = 0.0, next = courant * engine.stable_step();
+    double t = 0.0, next = courant * engine.stable_step(0.0);
     for (int step = 0; step <= steps; ++step) {
       course.states.push_back(engine.state());
       course.times.push_back(t);
@@ -146,7 +102,9 @@ class RanksInProcess : public testing::Test {
             .qsx = part(s.qsx),
             .qsy = part(s.qsy),
             .dqs_dh = part(s.dqs_dh),
-            .rain_clocks = s.rain_clocks};
+            .rain_clocks = s.rain_clocks,
+            .imposed_on_boundaries = s.imposed_on_boundaries,
+            .imposed_rain = s.imposed_rain};
   }
 
   static bool have_same_bits(const std::vector<double>& a, const std::vector<double>& b) {
@@ -164,7 +122,7 @@ class RanksInProcess : public testing::Test {
   /// Goes on from the first step of a run, and compares what it finds after each.
   static void expect_same_steps(const cases::Case& contents, const Course& expected,
                                 const engine::Subset& subset, engine::Engine& engine, int first) {
-    EXPECT_EQ(courant * engine.stable_step(), expected.steps[at(first)]);
+    EXPECT_EQ(courant * engine.stable_step(0.0), expected.steps[at(first)]);
     for (int step = first; step < expected.count(); ++step) {
       EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states[at(step)], subset.owned)))
           << "before step " << step;
@@ -211,7 +169,8 @@ class RanksInProcess : public testing::Test {
     for (const int count : {1, 2, 3, 5}) {
       const auto cells = ranks::cut_along_curve(contents.mesh, count);
       ASSERT_EQ(cells.size(), at(count));
-      expect_same(contents, expected, subsets_of(contents.mesh, cells));
+      expect_same(contents, expected,
+                  subsets_of(contents.mesh, cells, engine::rings_of(contents.scheme)));
     }
   }
 

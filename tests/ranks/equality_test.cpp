@@ -27,6 +27,16 @@ TEST_F(RanksInProcess, GiveTheSameBitsWhereMostOfTheMeshIsDry) {
   }
 }
 
+TEST_F(RanksInProcess, GiveTheSameBitsWithTheSchemesThatLookTwoCellsFar) {
+  for (const cases::Scheme scheme : {cases::Scheme::hll1, cases::Scheme::hll2}) {
+    for (const bool mostly_dry : {false, true}) {
+      cases::Case contents = basin({.mostly_dry = mostly_dry});
+      contents.scheme = scheme;
+      expect_same_on_any_number(contents, 60);
+    }
+  }
+}
+
 TEST_F(RanksInProcess, SkipDryPatches) {
   const cases::Case contents = basin({.rain = false, .soils = false, .mostly_dry = true});
   const Course expected = run_alone(contents, 20);

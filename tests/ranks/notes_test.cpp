@@ -16,9 +16,9 @@ class NotesOfRanks : public RanksInProcess {
   };
 
   static std::vector<physics::StepNotes> notes_of_steps(engine::Engine& engine, int steps) {
-    engine.watch();
+    engine.watch(0.0);
     std::vector<physics::StepNotes> notes = {engine.notes()};
-    double t = 0.0, next = courant * engine.stable_step();
+    double t = 0.0, next = courant * engine.stable_step(0.0);
     for (int i = 0; i < steps; ++i) {
       next = courant * engine.advance({t, 0.0, t_end, next});
       t += next;
@@ -39,7 +39,8 @@ class NotesOfRanks : public RanksInProcess {
   static void expect_same_notes(const cases::Case& contents, int steps) {
     const Notes expected = notes_alone(contents, steps);
     for (const int count : {2, 3, 5}) {
-      const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, count));
+      const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, count),
+                                      engine::rings_of(contents.scheme));
       run_side_by_side(contents, subsets, 1, 64, [&](int rank, engine::Engine& engine) {
         const std::vector<physics::StepNotes> notes = notes_of_steps(engine, steps);
         for (std::size_t i = 0; i < notes.size(); ++i)
@@ -78,6 +79,9 @@ TEST_F(NotesOfRanks, AreThoseOfOneEngine) {
   for (const bool mostly_dry : {false, true}) {
     expect_same_notes(basin({.mostly_dry = mostly_dry}), 40);
     expect_same_notes(basin({.sediments = true, .mostly_dry = mostly_dry}), 40);
+    cases::Case second_order = basin({.mostly_dry = mostly_dry});
+    second_order.scheme = cases::Scheme::hll2;
+    expect_same_notes(second_order, 40);
   }
 }
 

@@ -58,7 +58,7 @@ class Ledger : public testing::TestWithParam<bool> {
     fields::Flow* const flow = GetParam() ? static_cast<fields::Flow*>(&tables.flow) : &objects;
     flow->watch();
     VolumeLedger ledger(*flow, tables.contents);
-    double next = 0.4 * flow->stable_step();
+    double next = 0.4 * flow->stable_step(0.0);
     span = 0.0;
     for (int i = 0; i < steps; ++i) {
       Globals::dt = next;

@@ -15,7 +15,7 @@ inline fields::StepTimes step_times(double dt) {
 /// Applies steps at a Courant number; the clock stands at the start of each step while it is
 /// applied.
 inline void advance(fields::Flow& flow, int steps, double courant) {
-  double next = courant * flow.stable_step();
+  double next = courant * flow.stable_step(0.0);
   for (int i = 0; i < steps; ++i) {
     const double dt = next;
     next = courant * flow.advance(step_times(dt));

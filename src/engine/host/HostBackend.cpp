@@ -35,9 +35,7 @@ HostBackend::HostBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
     scratch.slots.assign(slots, tables.has_bed);
     scratch.reciprocal.assign(cells, 0.0);
     scratch.celerity.assign(cells, 0.0);
-    if (tables.soils.empty()) continue;
-    scratch.demand.assign(cells, 0.0);
-    scratch.infiltrated_before.assign(cells, 0.0);
+    scratch.demand.resize(tables, cells);
   }
 }
 
@@ -97,10 +95,8 @@ void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) 
   fluxes_within(patch, cells, step.values, scratch);
   take_outer_slots(patch, scratch);
 
-  const bool has_soil =
-      !tables_.soils_of_patch.empty() && !tables_.soils_of_patch[at(number)].empty();
-  if (has_soil) set_demand(number, step, scratch);
-  const bool takes_water = has_soil && !tables_.has_bed;  // sediment beds let no water in
+  const double* const demand =
+      scratch.demand.find(number, tables_, loops_, step.soil_steps, step.notes);
   physics::FlowExtremes* const extremes =
       step.notes != nullptr ? &step.notes->extremes[at(number)] : nullptr;
   if (extremes != nullptr) *extremes = {};
@@ -109,7 +105,7 @@ void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) 
                            patch.cells.end,
                            tables_.shortest.data() + patch.cells.begin / cells_of_shortest,
                            scratch.slots.columns(),
-                           takes_water ? scratch.demand.data() : nullptr,
+                           tables_.has_bed ? nullptr : demand,  // sediment beds let no water in
                            extremes};
   const double so_far = scratch.smallest_step;
   // Who takes notes wants to see a step that is just as small as the smallest so far.
@@ -154,30 +150,6 @@ void HostBackend::take_outer_slots(const Patch& patch, Scratch& scratch) const {
   }
   kernels::fill_slot(taken, count, {0.0, 0.0, 0.0});  // the slot that never carries anything
   if (tables_.has_bed) taken.bed[count] = 0.0;
-}
-
-void HostBackend::set_demand(int number, const Step& step, Scratch& scratch) {
-  const Range cells = tables_.patches.patches[at(number)].cells;
-  const kernels::CellColumns columns = tables_.columns();
-  const double* const infiltrated = columns.infiltrated + cells.begin;
-  if (step.notes != nullptr) {
-    std::copy_n(infiltrated, cells.size(), scratch.infiltrated_before.begin());
-  }
-  std::fill_n(scratch.demand.begin(), cells.size(), 0.0);
-  for (const int s : tables_.soils_of_patch[at(number)]) {
-    const SoilRange range = {cells.begin, cells.end, s, scratch.demand.data()};
-    const Soil& soil = tables_.soils[at(s)];
-    if (soil.is_green_ampt) {
-      loops_.green_ampt(columns, range, soil.green_ampt, step.soil_steps[at(s)]);
-    } else {
-      loops_.horton(columns, range, soil.horton, step.soil_steps[at(s)]);
-    }
-  }
-  if (step.notes == nullptr) return;
-  double* const recovered = step.notes->recovered.data() + cells.begin;
-  for (int k = 0; k < cells.size(); ++k) {
-    recovered[k] += scratch.infiltrated_before[at(k)] - infiltrated[k];
-  }
 }
 
 void HostBackend::note_bare_rock(const Patch& patch, const Step& step, Scratch& scratch) {

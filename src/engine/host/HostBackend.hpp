@@ -3,6 +3,7 @@
 
 #include "engine/Backend.hpp"
 #include "engine/ThreadTeam.hpp"
+#include "engine/host/SoilDemand.hpp"
 #include "engine/host/loops.hpp"
 
 namespace engine {
@@ -16,6 +17,8 @@ class HostBackend : public Backend {
   double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                  const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                  StepNotes* notes) override;
+  void finish_step(const Activity&) override {}
+  bool works_in_place() const override { return true; }
   std::optional<NotHyperbolic> not_hyperbolic() const override;
   void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
 
@@ -27,17 +30,9 @@ class HostBackend : public Backend {
   struct Scratch {
     Slots slots;
     Column reciprocal, celerity;  ///< terms of the depth of its cells, 1/m and m/s
-    Column demand;                ///< of the soils, m
-    Column infiltrated_before;    ///< of a patch that is watched, before its soil recovers, m
+    SoilDemand demand;
     double smallest_step = 0.0;
     std::optional<NotHyperbolic> not_hyperbolic;
-  };
-  /// What the patches of a step have in common.
-  struct Step {
-    const kernels::StepValues& values;
-    const std::vector<physics::SoilStep>& soil_steps;
-    Activity& activity;
-    StepNotes* notes;
   };
 
   void outer_fluxes(int first_patch, int last_patch, const kernels::StepValues& step,
@@ -49,7 +44,6 @@ class HostBackend : public Backend {
   kernels::CellColumns columns_with_terms(const Patch& patch, const kernels::StepValues& step,
                                           Scratch& scratch);
   void take_outer_slots(const Patch& patch, Scratch& scratch) const;
-  void set_demand(int patch, const Step& step, Scratch& scratch);
   void note_bare_rock(const Patch& patch, const Step& step, Scratch& scratch);
   template <class Index>
   void find_not_hyperbolic(const kernels::EdgeColumns<Index>& edges, const EdgeRange& range,

@@ -6,6 +6,7 @@
 
 #include "engine/runs.hpp"
 #include "kernels/columns.hpp"
+#include "kernels/hll.hpp"
 #include "physics/flow_extremes.hpp"
 #include "physics/infiltration.hpp"
 
@@ -54,6 +55,50 @@ struct ModelLoops {
                      double smallest_step);
 };
 
+/// The cells of a patch and those around it, of which an HLL scheme takes the water.
+struct HllRange {
+  int first_cell, cells;  ///< its own
+  const int* around;      ///< places of the others
+  int cells_around;
+  int ring;  ///< entry of the first of them
+};
+
+/// The cells of a patch at the end of its step.
+struct HllCellRange {
+  int first_cell, cells;
+  kernels::HllWaterColumns waters;  ///< before the step
+  kernels::HllEdgeColumns edges;
+  const kernels::Local* slots[3];
+  kernels::SlotColumns slots_of_patch;
+  const double* demand;  ///< of their soils, m; null: nothing
+  kernels::HllAfterColumns to;
+  physics::FlowExtremes* extremes;  ///< of the new states; null: nobody asks
+  double* taken_discharge;          ///< sums over all steps, of the cells, m2/s; null: the same
+};
+
+/// What the cells of a patch found: the largest physics::crossing_rate (1/s), and whether none can
+/// change in a step without inflow.
+struct HllAdvance {
+  double crossing_rate;
+  bool all_rest;
+};
+
+/// The loops of the HLL schemes, in the order of a step of a patch.
+struct HllLoops {
+  void (*waters)(const kernels::CellColumns&, const HllRange&, const kernels::HllWaterColumns&,
+                 double zero_depth);
+  /// Edge states of so many cells, a multiple of a block: of first and of second order.
+  void (*edges_first_order)(kernels::HllWaterColumns, kernels::HllCellColumns, int count,
+                            kernels::HllEdgeColumns, kernels::StepValues);
+  void (*edges_second_order)(kernels::HllWaterColumns, kernels::HllCellColumns, int count,
+                             kernels::HllEdgeColumns, kernels::StepValues);
+  /// Fluxes of so many edges, a multiple of a block, into the slots of their left and right sides.
+  void (*fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count, kernels::HllEdgeColumns,
+                 kernels::SlotColumns left, kernels::SlotColumns right, double zero_depth);
+  HllAdvance (*advance)(const kernels::CellColumns&, const HllCellRange&,
+                        const kernels::StepValues&);
+};
+
 struct Loops {
   const char* instruction_set;
   /// Terms of the depth of a range of cells: begin, end, dry depth (m).
@@ -65,6 +110,7 @@ struct Loops {
                  const physics::SoilStep&);
   ModelLoops water;          ///< of the hydrodynamic model
   ModelLoops water_and_bed;  ///< of the model with sediments
+  HllLoops hll;
 };
 
 /// Loops for an instruction set (baseline, avx2, avx512), or the best of this machine. Throws

@@ -1,0 +1,67 @@
+#include "engine/HllTables.hpp"
+
+#include <algorithm>
+
+#include "case/hll_cell.hpp"
+#include "engine/Tables.hpp"
+
+namespace engine {
+
+void HllTables::keep(const CellTable& cells, const Range& range) {
+  const auto copy = [&](const Column& from, Column& to) {
+    std::copy(from.begin() + range.begin, from.begin() + range.end, to.begin() + range.begin);
+  };
+  copy(cells.h, h);
+  copy(cells.qx, qx);
+  copy(cells.qy, qy);
+}
+
+void HllTables::take_state_after(CellTable& cells) {
+  cells.h.swap(h);
+  cells.qx.swap(qx);
+  cells.qy.swap(qy);
+}
+
+std::size_t HllTables::bytes() const {
+  std::size_t sum = bytes_of(patches, reciprocal_length, h, qx, qy);
+  for (const HllPatch& p : patches) {
+    sum += bytes_of(p.around, p.geometry, p.weights, p.neighbours[0], p.neighbours[1],
+                    p.neighbours[2], p.slots[0], p.slots[1], p.slots[2], p.boundary_states) +
+           p.edges.bytes();
+  }
+  return sum;
+}
+
+void make_hll_tables(const cases::Case& contents, const std::vector<int>& order, ThreadTeam& team,
+                     Tables& tables) {
+  HllTables& hll = *tables.hll;
+  hll.second_order = contents.scheme == cases::Scheme::hll2;
+  const std::vector<cases::TriangleSides> sides =
+      cases::sides_of_triangles(contents.mesh, cases::kind_of(contents.scheme).name);
+  hll.patches = make_hll_patches(contents, sides, tables, order, team);
+  for (Column* column : {&hll.h, &hll.qx, &hll.qy, &hll.reciprocal_length}) {
+    column->resize(order.size());
+  }
+  for (std::size_t p = 0; p < hll.patches.size(); ++p) {
+    const Range boundaries = tables.patches.patches[p].boundaries;
+    for (int b = boundaries.begin; b < boundaries.end; ++b) {
+      kernels::BoundaryEdge& boundary = tables.boundaries[at(b)];
+      const int state = hll.patches[p].boundary_states[at(b - boundaries.begin)];
+      boundary.edge = cases::edge_at_side(contents.mesh, order[at(boundary.cell)],
+                                          state / hll.patches[p].with_states);
+    }
+  }
+  team.run([&](int member) {
+    const Range share = share_of(member, team.size(), hll.patches.size());
+    for (int p = share.begin; p < share.end; ++p) {
+      const Range cells = tables.patches.patches[at(p)].cells;
+      hll.keep(tables.cells, cells);
+      for (int i = cells.begin; i < cells.end; ++i) {
+        hll.reciprocal_length[at(i)] =
+            cases::hll_cell_of(contents, sides, order[at(i)]).reciprocal_length;
+      }
+    }
+  });
+}
+
+}  // namespace engine

@@ -1,0 +1,119 @@
+#include "engine/host/HllBackend.hpp"
+
+#include <algorithm>
+
+#include "physics/stable_step.hpp"
+
+namespace engine {
+
+HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
+    : tables_(tables),
+      team_(team),
+      loops_(loops),
+      scratch_(at(team.size())),
+      rests_(tables.hll->patches.size(), 0) {
+  std::size_t cells = 0, with_states = 0, all_cells = 0, slots = 0;
+  for (const HllPatch& patch : tables.hll->patches) {
+    cells = std::max(cells, at(patch.cells));
+    with_states = std::max(with_states, at(patch.with_states));
+    all_cells = std::max(all_cells, at(patch.ring) + patch.around.size());
+    slots = std::max(slots, at(patch.empty_slot()) + 1);
+  }
+  for (Scratch& scratch : scratch_) {
+    for (Column& column : scratch.water) column.assign(all_cells, 0.0);
+    for (Column& column : scratch.edge) column.assign(3 * with_states, 0.0);
+    for (Column& column : scratch.source) column.assign(with_states, 0.0);
+    scratch.slots.assign(slots, false);
+    scratch.demand.resize(tables, cells);
+  }
+}
+
+kernels::HllWaterColumns HllBackend::Scratch::waters() {
+  return {water[0].data(), water[1].data(), water[2].data(), water[3].data(), water[4].data()};
+}
+
+kernels::HllEdgeColumns HllBackend::Scratch::edges(int stride) {
+  return {edge[0].data(), edge[1].data(),   edge[2].data(),   edge[3].data(),
+          edge[4].data(), source[0].data(), source[1].data(), stride};
+}
+
+double HllBackend::advance(const std::vector<int>& patches, const kernels::StepValues& values,
+                           const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
+                           StepNotes* notes) {
+  const Step step = {values, soil_steps, activity, notes};
+  team_.run([&](int member) {
+    Scratch& scratch = scratch_[at(member)];
+    scratch.crossing_rate = 0.0;
+    const Range share = share_of(member, team_.size(), patches.size());
+    for (int k = share.begin; k < share.end; ++k) advance_patch(patches[at(k)], step, scratch);
+  });
+  double rate = 0.0;
+  for (const Scratch& scratch : scratch_) rate = physics::larger(rate, scratch.crossing_rate);
+  return physics::step_of_crossing_rate(rate);
+}
+
+void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const Range own = tables_.patches.patches[at(number)].cells;
+  const kernels::CellColumns cells = tables_.columns();
+  const kernels::HllWaterColumns waters = scratch.waters();
+  const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  const HllRange range = {own.begin, own.size(), patch.around.data(),
+                          static_cast<int>(patch.around.size()), patch.ring};
+  loops_.hll.waters(cells, range, waters, step.values.zero_depth);
+  (tables_.hll->second_order ? loops_.hll.edges_second_order : loops_.hll.edges_first_order)(
+      waters, patch.columns(), patch.with_states, edges, step.values);
+  loops_.hll.fluxes(patch.edges.columns(), patch.right_slots(), edges, slots,
+                    slots.from(patch.right_slots()), step.values.zero_depth);
+  boundary_fluxes(number, step.values, scratch);
+
+  physics::FlowExtremes* const extremes =
+      step.notes != nullptr ? &step.notes->extremes[at(number)] : nullptr;
+  const double* const demand =
+      scratch.demand.find(number, tables_, loops_, step.soil_steps, step.notes);
+  const HllAdvance after = loops_.hll.advance(
+      cells,
+      {own.begin,
+       own.size(),
+       waters,
+       edges,
+       {patch.slots[0].data(), patch.slots[1].data(), patch.slots[2].data()},
+       slots,
+       demand,
+       tables_.hll->after(),
+       extremes,
+       step.notes != nullptr ? &step.notes->taken_discharge[at(own.begin)] : nullptr},
+      step.values);
+  scratch.crossing_rate = physics::larger(scratch.crossing_rate, after.crossing_rate);
+  if (step.notes != nullptr) {
+    step.notes->smallest_steps[at(number)] = physics::step_of_crossing_rate(after.crossing_rate);
+  }
+  step.activity.set_can_change(number, !after.all_rest);
+}
+
+void HllBackend::boundary_fluxes(int number, const kernels::StepValues& step, Scratch& scratch) {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
+  const int first = tables_.patches.patches[at(number)].boundaries.begin;
+  for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
+    const int slot = patch.first_boundary_slot() + b;
+    kernels::hll_flux_of_boundary(edges, patch.boundary_states[at(b)],
+                                  tables_.boundaries[at(first + b)], step, slots, slot);
+    tables_.outer.mass[at(tables_.first_boundary_slot() + first + b)] = slots.mass[slot];
+  }
+  kernels::fill_slot(slots, patch.empty_slot(), {0.0, 0.0, 0.0});
+}
+
+void HllBackend::finish_step(const Activity& activity) {
+  HllTables& hll = *tables_.hll;
+  for (int p = 0; p < static_cast<int>(rests_.size()); ++p) {
+    const bool rests = !activity.takes_part(p);
+    if (rests && rests_[at(p)] == 0) hll.keep(tables_.cells, tables_.patches.patches[at(p)].cells);
+    rests_[at(p)] = rests ? 1 : 0;
+  }
+  hll.take_state_after(tables_.cells);
+}
+
+}  // namespace engine

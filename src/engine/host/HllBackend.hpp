@@ -1,0 +1,57 @@
+// A step of the HLL schemes on the host. Every patch computes all that it needs from the state
+// before the step, that of the cells around it too, and writes the state after it elsewhere:
+// patches take nothing from one another within a step.
+#pragma once
+
+#include "engine/Backend.hpp"
+#include "engine/HllPatches.hpp"
+#include "engine/ThreadTeam.hpp"
+#include "engine/host/SoilDemand.hpp"
+#include "engine/host/loops.hpp"
+
+namespace engine {
+
+class HllBackend : public Backend {
+ public:
+  /// Works on the tables, which must outlive it.
+  HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops);
+
+  /// Patches compute their own.
+  void outer_fluxes(const std::vector<int>&, const kernels::StepValues&) override {}
+  double advance(const std::vector<int>& patches, const kernels::StepValues& step,
+                 const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
+                 StepNotes* notes) override;
+  void finish_step(const Activity& activity) override;
+  bool works_in_place() const override { return false; }
+  std::optional<NotHyperbolic> not_hyperbolic() const override { return {}; }
+  void ignore_not_hyperbolic() override {}
+
+  int threads() const override { return team_.size(); }
+  const char* instruction_set() const override { return loops_.instruction_set; }
+
+ private:
+  /// What a thread needs for one patch at a time.
+  struct Scratch {
+    Column water[5];  ///< of kernels::HllWaterColumns
+    Column edge[5];   ///< of kernels::HllEdgeColumns
+    Column source[2];
+    Slots slots;
+    SoilDemand demand;
+    double crossing_rate = 0.0;  ///< largest so far, 1/s
+
+    kernels::HllWaterColumns waters();
+    kernels::HllEdgeColumns edges(int stride);
+  };
+
+  void advance_patch(int number, const Step& step, Scratch& scratch);
+  void boundary_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+
+  Tables& tables_;
+  ThreadTeam& team_;
+  const Loops& loops_;
+  std::vector<Scratch> scratch_;
+  /// Per patch: both buffers hold the state of its cells, which no step changes.
+  std::vector<char> rests_;
+};
+
+}  // namespace engine

@@ -1,0 +1,187 @@
+// The loops of the HLL schemes over one patch.
+#pragma once
+
+#include "engine/host/cell_loops.hpp"
+#include "engine/host/loops.hpp"
+
+// Names are internal to each build of loops.cpp, so that no build runs the instructions of another.
+namespace engine {
+namespace {
+
+/// The water of consecutive cells of the tables.
+template <bool friction>
+[[gnu::flatten]] void hll_waters(const kernels::CellColumns& given, int first, int count,
+                                 kernels::HllWaterColumns waters, double zero_depth) {
+  const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
+#pragma omp simd
+  for (int k = 0; k < count; ++k) {
+    kernels::store_hll_water<friction>(cells, first + k, waters, k, zero_depth);
+  }
+}
+
+/// That of cells at given places, into the entries from k on.
+template <bool friction>
+[[gnu::flatten]] void hll_waters_at(const kernels::CellColumns& given, const int* places, int begin,
+                                    int count, kernels::HllWaterColumns waters, double zero_depth) {
+  const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
+#pragma omp simd
+  for (int k = 0; k < count; ++k) {
+    kernels::store_hll_water<friction>(cells, places[k], waters, begin + k, zero_depth);
+  }
+}
+
+void hll_waters_of_patch(const kernels::CellColumns& cells, const HllRange& range,
+                         const kernels::HllWaterColumns& waters, double zero_depth) {
+  if (cells.manning != nullptr) {
+    hll_waters<true>(cells, range.first_cell, range.cells, waters, zero_depth);
+    hll_waters_at<true>(cells, range.around, range.ring, range.cells_around, waters, zero_depth);
+  } else {
+    hll_waters<false>(cells, range.first_cell, range.cells, waters, zero_depth);
+    hll_waters_at<false>(cells, range.around, range.ring, range.cells_around, waters, zero_depth);
+  }
+}
+
+/// Edge states, block by block; what the memory has to bring is asked for some blocks ahead.
+template <bool second_order>
+[[gnu::flatten]] void hll_edges(kernels::HllWaterColumns waters, kernels::HllCellColumns cells,
+                                int count, kernels::HllEdgeColumns edges,
+                                kernels::StepValues step) {
+  constexpr int block = kernels::hll_block;
+  constexpr int numbers = kernels::HllCellColumns::numbers;
+  constexpr int weights_per_cell = kernels::HllCellColumns::weights_per_cell;
+  for (int first = 0; first < count; first += block) {
+    const double* const geometry = cells.geometry + first * numbers;
+    const float* const weights = cells.weights + first * weights_per_cell;
+    int neighbours[3][block];
+    for (int s = 0; s < 3; ++s) {
+#pragma omp simd
+      for (int k = 0; k < block; ++k) neighbours[s][k] = cells.neighbours[s][first + k];
+    }
+#pragma omp simd
+    for (int k = 0; k < block; ++k) {
+      kernels::store_hll_edges<second_order>(waters, geometry + k, weights + k, neighbours[0][k],
+                                             neighbours[1][k], neighbours[2][k], first + k, edges,
+                                             step);
+    }
+  }
+}
+
+/// Fluxes of all edges of a patch, whose count is a multiple of a block, into its slots.
+[[gnu::flatten]] void hll_fluxes(const kernels::EdgeColumns<kernels::Local>& given, int count,
+                                 kernels::HllEdgeColumns states, kernels::SlotColumns left,
+                                 kernels::SlotColumns right, double zero_depth) {
+  const kernels::EdgeColumns<kernels::Local> edges = given;
+  constexpr int block = kernels::hll_block;
+  for (int first = 0; first < count; first += block) {
+    int l[block], r[block];
+#pragma omp simd
+    for (int k = 0; k < block; ++k) {
+      l[k] = edges.left[first + k];
+      r[k] = edges.right[first + k];
+    }
+#pragma omp simd
+    for (int k = 0; k < block; ++k) {
+      const int e = first + k;
+      const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
+      const physics::SlotPair slots = physics::hll_edge_flux(
+          kernels::hll_state(states, l[k]), kernels::hll_state(states, r[k]), edge, zero_depth);
+      left.mass[e] = slots.left.h;
+      left.momentum_x[e] = slots.left.qx;
+      left.momentum_y[e] = slots.left.qy;
+      right.mass[e] = slots.right.h;
+      right.momentum_x[e] = slots.right.qx;
+      right.momentum_y[e] = slots.right.qy;
+    }
+  }
+}
+
+/// A block of cells: their slots, in a type that gathers can use, and what their step leaves.
+struct HllBlock {
+  static constexpr int size = 256;
+  int slots[3][size];
+  double max_h[size];
+  double taken_discharge[size];
+};
+
+template <bool friction, bool rain, bool soil>
+[[gnu::flatten]] HllAdvance advance_hll_block(kernels::CellColumns cells, HllCellRange range,
+                                              kernels::StepValues step, int first, int count,
+                                              HllBlock& block) {
+  double rate = 0.0;
+  int deeper_cells = 0, changing_cells = 0;
+#pragma omp simd reduction(max : rate) reduction(+ : deeper_cells, changing_cells)
+  for (int k = 0; k < count; ++k) {
+    const double demand = soil ? range.demand[first + k] : 0.0;
+    const kernels::HllCellAfter after = kernels::advance_hll<friction, rain, soil>(
+        cells, range.first_cell + first + k, first + k, range.waters, range.edges,
+        block.slots[0][k], block.slots[1][k], block.slots[2][k], range.slots_of_patch, demand,
+        range.to, step);
+    block.max_h[k] = after.max_h;
+    block.taken_discharge[k] = after.taken_discharge;
+    rate = physics::larger(rate, after.crossing_rate);
+    deeper_cells += after.is_deeper ? 1 : 0;
+    changing_cells += after.may_change ? 1 : 0;
+  }
+  if (deeper_cells > 0) {
+#pragma omp simd
+    for (int k = 0; k < count; ++k) cells.max_h[range.first_cell + first + k] = block.max_h[k];
+  }
+  if (range.taken_discharge != nullptr) {
+    for (int k = 0; k < count; ++k) range.taken_discharge[first + k] += block.taken_discharge[k];
+  }
+  return {rate, changing_cells == 0};
+}
+
+template <bool friction, bool rain, bool soil>
+HllAdvance advance_hll_cells(const kernels::CellColumns& cells, const HllCellRange& range,
+                             const kernels::StepValues& step) {
+  HllAdvance all = {0.0, true};
+  for (int first = 0; first < range.cells; first += HllBlock::size) {
+    const int count = range.cells - first < HllBlock::size ? range.cells - first : HllBlock::size;
+    HllBlock block;
+    for (int s = 0; s < 3; ++s) {
+#pragma omp simd
+      for (int k = 0; k < count; ++k) block.slots[s][k] = range.slots[s][first + k];
+    }
+    const HllAdvance of_block =
+        advance_hll_block<friction, rain, soil>(cells, range, step, first, count, block);
+    all.crossing_rate = physics::larger(all.crossing_rate, of_block.crossing_rate);
+    all.all_rest = all.all_rest && of_block.all_rest;
+  }
+  if (range.extremes != nullptr) {
+    kernels::CellColumns after = cells;
+    after.h = range.to.h;
+    after.qx = range.to.qx;
+    after.qy = range.to.qy;
+    *range.extremes =
+        extremes_of(after, step.zero_depth, range.first_cell, range.first_cell + range.cells);
+  }
+  return all;
+}
+
+HllAdvance advance_hll_patch(const kernels::CellColumns& cells, const HllCellRange& range,
+                             const kernels::StepValues& step) {
+  const int combination = (cells.manning != nullptr ? 4 : 0) +
+                          (step.rain_depths != nullptr ? 2 : 0) + (range.demand != nullptr ? 1 : 0);
+  switch (combination) {
+    case 0:
+      return advance_hll_cells<false, false, false>(cells, range, step);
+    case 1:
+      return advance_hll_cells<false, false, true>(cells, range, step);
+    case 2:
+      return advance_hll_cells<false, true, false>(cells, range, step);
+    case 3:
+      return advance_hll_cells<false, true, true>(cells, range, step);
+    case 4:
+      return advance_hll_cells<true, false, false>(cells, range, step);
+    case 5:
+      return advance_hll_cells<true, false, true>(cells, range, step);
+    case 6:
+      return advance_hll_cells<true, true, false>(cells, range, step);
+    default:
+      return advance_hll_cells<true, true, true>(cells, range, step);
+  }
+}
+
+}  // namespace
+}  // namespace engine

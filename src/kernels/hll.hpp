@@ -1,0 +1,203 @@
+// The bodies of a step of the HLL schemes: the water of a cell as its neighbours see it, the states
+// on its edges, the flux between two of these, and the balance of a cell. They work on columns that
+// belong to one patch at a time.
+#pragma once
+
+#include "kernels/boundary.hpp"
+#include "physics/hll_boundary.hpp"
+#include "physics/hll_cell_update.hpp"
+#include "physics/hll_edge_flux.hpp"
+
+namespace kernels {
+
+/// Cells that the loops take at once.
+inline constexpr int hll_block = 16;
+
+/// Water and bed of the cells of a patch and of the two rings around it.
+struct HllWaterColumns {
+  double *h, *u, *v, *drag, *bed;  ///< see physics::HllNeighbour
+};
+
+/// Static columns of the cells with edge states, interleaved block by block: all eight numbers of
+/// hll_block cells, then those of the next; the weights likewise.
+struct HllCellColumns {
+  static constexpr int numbers = 8, weights_per_cell = 6;
+  const double* geometry;
+  const float* weights;
+  const Local* neighbours[3];  ///< numbers within the patch
+};
+
+/// States of the edges: that of edge k of cell i is number k * stride + i.
+struct HllEdgeColumns {
+  double *h, *e, *u, *v, *cap;
+  double *source_x, *source_y;  ///< of the cells, m2/s2
+  int stride;
+};
+
+/// Where the numbers of a cell begin in a column of so many per cell; they are hll_block apart.
+QM_HD inline int hll_begin(int i, int numbers) {
+  return i / hll_block * (hll_block * numbers) + i % hll_block;
+}
+
+QM_HD inline void set_hll_cell(double* geometry, float* weights, int i,
+                               const physics::HllCell& cell, const physics::SlopeWeights& w) {
+  const double values[] = {cell.shape.r0.x,      cell.shape.r0.y,     cell.shape.r1.x,
+                           cell.shape.r1.y,      cell.bed_slope.x,    cell.bed_slope.y,
+                           cell.reciprocal_area, cell.third_perimeter};
+  const float of_slope[] = {w.x0, w.y0, w.x1, w.y1, w.x2, w.y2};
+  double* const to = geometry + hll_begin(i, HllCellColumns::numbers);
+  float* const weights_to = weights + hll_begin(i, HllCellColumns::weights_per_cell);
+  for (int k = 0; k < HllCellColumns::numbers; ++k) to[k * hll_block] = values[k];
+  for (int k = 0; k < HllCellColumns::weights_per_cell; ++k) {
+    weights_to[k * hll_block] = of_slope[k];
+  }
+}
+
+QM_HD inline physics::HllCell hll_cell(const double* from) {
+  constexpr int b = hll_block;
+  return {{{from[0], from[b]}, {from[2 * b], from[3 * b]}},
+          {from[4 * b], from[5 * b]},
+          from[6 * b],
+          from[7 * b]};
+}
+
+QM_HD inline physics::SlopeWeights hll_weights(const float* from) {
+  constexpr int b = hll_block;
+  return {from[0], from[b], from[2 * b], from[3 * b], from[4 * b], from[5 * b]};
+}
+
+/// The water of cell i of the tables, into entry k.
+template <bool friction>
+QM_HD inline void store_hll_water(const CellColumns& cells, int i, const HllWaterColumns& waters,
+                                  int k, double zero_depth) {
+  const double resistance = friction ? physics::manning_resistance(cells.manning[i]) : 0.0;
+  const physics::PrimitiveWater water = physics::primitive_water<friction>(
+      cells.h[i], cells.qx[i], cells.qy[i], resistance, zero_depth);
+  waters.h[k] = water.h;
+  waters.u[k] = water.u;
+  waters.v[k] = water.v;
+  waters.drag[k] = water.drag;
+  waters.bed[k] = cells.bed[i];
+}
+
+QM_HD inline physics::HllNeighbour hll_neighbour(const HllWaterColumns& waters, int k) {
+  return {{waters.h[k], waters.u[k], waters.v[k], waters.drag[k]}, waters.bed[k]};
+}
+
+QM_HD inline void store_hll_state(const HllEdgeColumns& edges, int k,
+                                  const physics::HllEdgeState& state) {
+  edges.h[k] = state.h;
+  edges.e[k] = state.e;
+  edges.u[k] = state.u;
+  edges.v[k] = state.v;
+  edges.cap[k] = state.cap;
+}
+
+QM_HD inline physics::HllEdgeState hll_state(const HllEdgeColumns& edges, int k) {
+  return {edges.h[k], edges.e[k], edges.u[k], edges.v[k], edges.cap[k]};
+}
+
+/// The edge states of cell i of a patch; its geometry and weights stand there, its neighbours are
+/// these.
+template <bool second_order>
+QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* geometry,
+                                  const float* weights, int n0, int n1, int n2, int i,
+                                  const HllEdgeColumns& edges, const StepValues& step) {
+  const physics::HllCell cell = hll_cell(geometry);
+  const physics::HllNeighbour own = hll_neighbour(waters, i);
+  physics::HllCellEdges of_cell;
+  if constexpr (second_order) {
+    of_cell = physics::hll_edges_second_order(own, hll_neighbour(waters, n0),
+                                              hll_neighbour(waters, n1), hll_neighbour(waters, n2),
+                                              cell, hll_weights(weights), step.dt, step.zero_depth);
+  } else {
+    of_cell = physics::hll_edges_first_order(own, cell, step.dt);
+  }
+  store_hll_state(edges, i, of_cell.k0);
+  store_hll_state(edges, edges.stride + i, of_cell.k1);
+  store_hll_state(edges, 2 * edges.stride + i, of_cell.k2);
+  edges.source_x[i] = of_cell.source.x;
+  edges.source_y[i] = of_cell.source.y;
+}
+
+QM_HD inline physics::BoundaryFlux hll_flux_of_kind(const BoundaryEdge& boundary,
+                                                    const physics::HllBoundarySide& side) {
+  switch (boundary.kind) {
+    case BoundaryKind::wall:
+      return physics::hll_wall(side);
+    case BoundaryKind::transmissive:
+      return physics::hll_free_outflow(side);
+    case BoundaryKind::discharge:
+      return physics::hll_discharge(side, boundary.imposed);
+    case BoundaryKind::water_level:
+      return physics::hll_water_level(side, boundary.imposed);
+  }
+  return {};
+}
+
+/// What passes a boundary, on whose edge stands a state, into slot k.
+QM_HD inline void hll_flux_of_boundary(const HllEdgeColumns& edges, int state,
+                                       const BoundaryEdge& boundary, const StepValues& step,
+                                       const SlotColumns& slots, int k) {
+  const physics::HllBoundarySide side =
+      physics::hll_boundary_side(hll_state(edges, state), boundary.edge, step.zero_depth);
+  fill_slot(slots, k,
+            physics::hll_boundary_slot(side, boundary.edge, hll_flux_of_kind(boundary, side)));
+}
+
+/// What a cell tells the loop around it.
+struct HllCellAfter {
+  double max_h;            ///< largest depth so far, m; for the loop to keep
+  double crossing_rate;    ///< see physics::crossing_rate, 1/s
+  double taken_discharge;  ///< see physics::HllCellUpdate, m2/s
+  bool is_deeper;          ///< than ever before
+  bool may_change;         ///< in a step without inflow
+};
+
+/// Where the state after a step goes, of the cells of the tables.
+struct HllAfterColumns {
+  double *h, *qx, *qy;
+  const double* reciprocal_length;  ///< see physics::crossing_rate, 1/m
+};
+
+/// The step of cell i of the tables, which is number k of its patch, from its slots.
+template <bool friction, bool rain, bool soil>
+QM_HD inline HllCellAfter advance_hll(const CellColumns& cells, int i, int k,
+                                      const HllWaterColumns& waters, const HllEdgeColumns& edges,
+                                      int s0, int s1, int s2, const SlotColumns& slots,
+                                      double demand, const HllAfterColumns& to,
+                                      const StepValues& step) {
+  const double resistance = friction ? physics::manning_resistance(cells.manning[i]) : 0.0;
+  const physics::HllCellUpdate after = physics::update_hll<friction>(
+      {.h = cells.h[i],
+       .qx = cells.qx[i],
+       .qy = cells.qy[i],
+       .u = waters.u[k],
+       .v = waters.v[k],
+       .Fh = physics::sum_of_slots(slots.mass[s0], slots.mass[s1], slots.mass[s2]),
+       .Fqx =
+           physics::sum_of_slots(slots.momentum_x[s0], slots.momentum_x[s1], slots.momentum_x[s2]),
+       .Fqy =
+           physics::sum_of_slots(slots.momentum_y[s0], slots.momentum_y[s1], slots.momentum_y[s2]),
+       .source = {edges.source_x[k], edges.source_y[k]},
+       .dt_over_area = step.dt * cells.reciprocal_area[i],
+       .dt = step.dt,
+       .rain = rain ? step.rain_depths[cells.rain[i]] : 0.0,
+       .infiltration_step = demand,
+       .infiltrated_depth = soil ? cells.infiltrated[i] : 0.0,
+       .resistance = resistance},
+      step.zero_depth);
+  if constexpr (soil) cells.infiltrated[i] = after.infiltrated_depth;
+  to.h[i] = after.h;
+  to.qx[i] = after.qx;
+  to.qy[i] = after.qy;
+  const physics::PrimitiveWater water =
+      physics::primitive_water<false>(after.h, after.qx, after.qy, 0.0, step.zero_depth);
+  const double max_h = cells.max_h[i];
+  const bool wet = physics::is_wet(after.h, step.zero_depth);
+  return {physics::larger(max_h, after.h),
+          physics::crossing_rate(water, to.reciprocal_length[i], step.zero_depth),
+          after.taken_discharge, after.h > max_h, soil ? after.h != 0.0 : wet};
+}
+
+}  // namespace kernels
