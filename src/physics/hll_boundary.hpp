@@ -64,13 +64,16 @@ QM_HD inline BoundaryFlux hll_free_outflow(const HllBoundarySide& s) {
   return only_if(s.wet, chosen(s.un > s.c, own_flux(s), flux_of_celerity(s, c, c)));
 }
 
-/// Imposed level (m), met by the outgoing invariant; neither way faster than critical. A dry edge
-/// lets in alone.
+/// Imposed level (m), met by the outgoing invariant; neither way faster than critical. Water that
+/// arrives faster than its waves leaves as it is, unless the thrust behind the level is stronger. A
+/// dry edge lets in alone.
 QM_HD inline BoundaryFlux hll_water_level(const HllBoundarySide& s, double level) {
-  const double c = larger(std::sqrt(9.81 * larger(level - s.bed, 0.0)), s.R / 3.0);
+  const double depth = larger(level - s.bed, 0.0);
+  const double c = larger(std::sqrt(9.81 * depth), s.R / 3.0);
   const double un = larger(s.R - 2.0 * c, -c);
+  const bool fast = s.un > s.c && thrust_beyond(s, depth) < s.un * s.un * s.h;
   const bool passes = s.wet || un < 0.0;
-  return only_if(passes, chosen(s.un > s.c, own_flux(s), flux_of_celerity(s, c, un)));
+  return only_if(passes, chosen(fast, own_flux(s), flux_of_celerity(s, c, un)));
 }
 
 /// One step of Newton's towards a root c of 2 c^3 - R c^2 + g q = 0: of the celerity at which water
@@ -102,9 +105,8 @@ QM_HD inline double celerity_of_outflow(double R, double q) {
   return c;
 }
 
-/// Imposed unit discharge q along the outward normal (m2/s): positive leaves, as far as the water
-/// can carry it, negative enters.
-QM_HD inline BoundaryFlux hll_discharge(const HllBoundarySide& s, double q) {
+/// The flux of water that meets the outgoing invariant with the discharge q.
+QM_HD inline BoundaryFlux discharge_by_invariant(const HllBoundarySide& s, double q) {
   const double R = s.wet ? larger(s.R, 0.0) : 0.0;
   const double most = R * R * R / (27.0 * 9.81);
   const double imposed = smaller(q, most);
@@ -113,9 +115,25 @@ QM_HD inline BoundaryFlux hll_discharge(const HllBoundarySide& s, double q) {
   const double c = imposed > 0.0 ? c_out : c_in;
   const double h = c * c / 9.81;
   const double un = h > 0.0 ? imposed / (h > 0.0 ? h : 1.0) : 0.0;
-  const bool passes = s.wet || imposed < 0.0;
-  return only_if(passes,
-                 {imposed, imposed * un + thrust_beyond(s, h), larger(imposed, 0.0) * s.ut});
+  return {imposed, imposed * un + thrust_beyond(s, h), larger(imposed, 0.0) * s.ut};
+}
+
+/// The flux of water that arrives faster than its waves and of which no more than q may leave: a
+/// jump runs back through it, as from a wall. No invariant holds there: it would set the thrust of
+/// a film by its speed alone.
+QM_HD inline BoundaryFlux discharge_of_fast_water(const HllBoundarySide& s, double q) {
+  const double arriving = s.un * s.h;
+  const double imposed = smaller(q, arriving);
+  return {imposed, arriving * s.un + s.c * (arriving - imposed), larger(imposed, 0.0) * s.ut};
+}
+
+/// Imposed unit discharge q along the outward normal (m2/s): positive leaves, as far as the water
+/// can carry it, negative enters.
+QM_HD inline BoundaryFlux hll_discharge(const HllBoundarySide& s, double q) {
+  const bool fast = s.wet && s.un > s.c;
+  const BoundaryFlux flux =
+      chosen(fast, discharge_of_fast_water(s, q), discharge_by_invariant(s, q));
+  return only_if(s.wet || q < 0.0, flux);
 }
 
 /// The slot of the cell, which gives no more than it can spare.

@@ -55,11 +55,6 @@ QM_HD inline HllCellUpdate update_hll(const HllCellStep& c, double zero_depth) {
   const double r = reciprocal_of_wet(flooded, is_wet(flooded, zero_depth));
   double u = qx * r;
   double v = qy * r;
-  const bool bound = drains_too_fast(c.h, balanced, c.u * c.u + c.v * c.v, u * u + v * v);
-  const double taken_u = bound ? u - c.u : 0.0;
-  const double taken_v = bound ? v - c.v : 0.0;
-  u = bound ? c.u : u;
-  v = bound ? c.v : v;
 
   // The soil takes what it asks for, or all there is, and its momentum along.
   const bool infiltrates = c.infiltration_step > 0.0;
@@ -74,8 +69,14 @@ QM_HD inline HllCellUpdate update_hll(const HllCellStep& c, double zero_depth) {
     u *= left;
     v *= left;
   }
-  const double taken_speed = std::sqrt(taken_u * taken_u + taken_v * taken_v);
-  return {h, wet ? h * u : 0.0, wet ? h * v : 0.0, c.infiltrated_depth + taken, h * taken_speed};
+
+  // Only now: what draws a film down a slope within a long step, friction has to hold first.
+  const bool bound = drains_too_fast(c.h, balanced, c.u * c.u + c.v * c.v, u * u + v * v);
+  const double too_much = std::sqrt((u - c.u) * (u - c.u) + (v - c.v) * (v - c.v));
+  u = bound ? c.u : u;
+  v = bound ? c.v : v;
+  return {h, wet ? h * u : 0.0, wet ? h * v : 0.0, c.infiltrated_depth + taken,
+          bound ? h * too_much : 0.0};
 }
 
 }  // namespace physics

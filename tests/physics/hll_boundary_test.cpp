@@ -111,7 +111,8 @@ TEST(HllWaterLevel, NeitherDrawsNorFillsFasterThanCriticalFlow) {
     const double level = s.bed + random.between(-3.0, 3.0);
     const BoundaryFlux flux = physics::hll_water_level(s, level);
     const double depth = std::max(level - s.bed, 0.0);
-    EXPECT_GE(flux.mass, -depth * std::sqrt(g * depth) * (1 + 1e-12) - 1e-12);
+    const double critical_in = std::max(depth, std::pow(std::max(s.R, 0.0) / 3.0, 2) / g);
+    EXPECT_GE(flux.mass, -critical_in * std::sqrt(g * critical_in) * (1 + 1e-12) - 1e-12);
     if (s.un <= s.c && s.wet) {
       const double critical = std::pow(std::max(s.R, 0.0) / 3.0, 3) / g;
       EXPECT_LE(flux.mass, critical * (1 + 1e-12) + 1e-12);
@@ -167,6 +168,36 @@ TEST(HllDischarge, LeavesAtTheDeeperRootOrCritically) {
     }
   }
   EXPECT_GT(rooted, trials / 4);
+}
+
+TEST(HllDischarge, FastWaterThatMayNotLeaveFeelsTheThrustOfAWall) {
+  const HllBoundarySide film = side_of(0.06, 16.0, 2.0);
+  const BoundaryFlux closed = physics::hll_discharge(film, 0.0);
+  EXPECT_EQ(closed.mass, 0.0);
+  EXPECT_NEAR(closed.normal, physics::hll_wall(film).normal, 1e-12);
+  const BoundaryFlux half = physics::hll_discharge(film, 0.48);
+  EXPECT_EQ(half.mass, 0.48);
+  EXPECT_NEAR(half.normal, 0.96 * 16.0 + film.c * 0.48, 1e-12);
+  EXPECT_DOUBLE_EQ(half.tangential, 0.96);
+  // It cannot be drawn faster than it arrives.
+  const BoundaryFlux drawn = physics::hll_discharge(film, 5.0);
+  EXPECT_DOUBLE_EQ(drawn.mass, 0.96);
+  EXPECT_DOUBLE_EQ(drawn.normal, 0.96 * 16.0);
+}
+
+TEST(HllDischarge, OfCriticalWaterIsAlikeByEitherRule) {
+  const double c = std::sqrt(g * 0.5);
+  for (const double q : {-0.5, 0.0, 0.5}) {
+    const double slower = physics::hll_discharge(side_of(0.5, c * (1 - 1e-9)), q).normal;
+    const double faster = physics::hll_discharge(side_of(0.5, c * (1 + 1e-9)), q).normal;
+    EXPECT_NEAR(slower, faster, 0.15 * faster) << q;
+  }
+}
+
+TEST(HllWaterLevel, ADeepLevelIsNotHeldOffByAFilm) {
+  const HllBoundarySide film = side_of(0.05, 2.0);
+  EXPECT_DOUBLE_EQ(physics::hll_water_level(film, 1.1).mass, 0.1);
+  EXPECT_LT(physics::hll_water_level(film, 3.0).mass, 0.0);
 }
 
 TEST(HllDischarge, NothingIsDrawnFromADryEdge) {

@@ -139,6 +139,22 @@ TEST(UpdateHll, FrictionSlowsDownAndNeverReverses) {
   }
 }
 
+TEST(UpdateHll, AFilmThatFrictionHoldsInALongStepIsNoWaterThatDrainsTooFast) {
+  HllCellStep c = flowing();
+  c.h = 0.05;
+  c.u = 0.2;
+  c.qx = 0.2 * 0.05;
+  c.v = c.qy = 0.0;
+  c.Fh = -1e-3;
+  c.source = {-0.05, 0.0};
+  c.dt = 2.0;
+  c.resistance = physics::manning_resistance(0.1);
+  const HllCellUpdate after = physics::update_hll<true>(c, zero_depth);
+  EXPECT_EQ(after.taken_discharge, 0.0);
+  EXPECT_GT(after.qx / after.h, 0.25);
+  EXPECT_GT(physics::update_hll<false>(c, zero_depth).taken_discharge, 0.0);
+}
+
 TEST(UpdateHll, WithoutRoughnessHasTheBitsOfNoFriction) {
   Source random;
   for (int i = 0; i < 2000; ++i) {
