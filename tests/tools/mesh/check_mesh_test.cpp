@@ -107,6 +107,14 @@ TEST_F(CheckMesh, RefusesAFluxSchemeThatInteriorEdgesCannotHave) {
   }
 }
 
+TEST_F(CheckMesh, AcceptsEveryFluxSchemeThatThereIs) {
+  for (const char* const scheme : {"LHLLC", "HLL1", "HLL2"}) {
+    c.data["model"]["flux scheme"] = scheme;
+    check();
+    EXPECT_TRUE(texts("errors", "flux scheme").empty()) << scheme;
+  }
+}
+
 // --- Topology -----------------------------------------------------------------------------------
 
 TEST_F(CheckMesh, NamesTheCellThatDoesNotClose) {

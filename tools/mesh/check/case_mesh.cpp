@@ -60,13 +60,27 @@ class EdgesReader {
           has_interior |= edge.code == edge_code::interior;
         });
     checked_.has_edges = file_.is_well();
-    if (has_interior && data_.flux_scheme && *data_.flux_scheme != "LHLLC") {
-      findings_.error("flux scheme", "\"model/flux scheme\" is \"" + *data_.flux_scheme +
-                                         "\", expected \"LHLLC\"");
-    }
+    if (data_.flux_scheme) check_scheme(*data_.flux_scheme, has_interior);
   }
 
  private:
+  std::string expected_schemes() const {
+    std::string text;
+    for (const cases::SchemeKind& kind : cases::schemes) {
+      if (data_.has_sediments() && !kind.with_sediments) continue;
+      text += (text.empty() ? "\"" : ", \"") + std::string(kind.name) + "\"";
+    }
+    return text;
+  }
+
+  void check_scheme(const std::string& name, bool has_interior) {
+    const cases::SchemeKind* const scheme = cases::find_scheme(name);
+    if (scheme == nullptr ? has_interior : data_.has_sediments() && !scheme->with_sediments) {
+      findings_.error("flux scheme",
+                      "\"model/flux scheme\" is \"" + name + "\", expected " + expected_schemes());
+    }
+  }
+
   void check_code(int code) {
     const cases::BoundaryKind* const kind = cases::boundary_kind(code);
     if (kind != nullptr && (kind->with_sediments || !data_.has_sediments())) return;
