@@ -75,9 +75,21 @@ struct HllSlopes {
   PlanVector e, h, u, v;
 };
 
+/// Differences with those across open boundaries, which have no weight, as a plane through the cell
+/// has them: the water goes on beyond. Without this the level would be flat in every cell of an
+/// outlet. The differences of a plane over like triangles sum to 0.
+QM_HD inline EdgeValues continued(const EdgeValues& D, const SlopeWeights& w) {
+  const bool open0 = std::fabs(w.x0) + std::fabs(w.y0) == 0.0f;
+  const bool open1 = std::fabs(w.x1) + std::fabs(w.y1) == 0.0f;
+  const bool open2 = std::fabs(w.x2) + std::fabs(w.y2) == 0.0f;
+  return {open0 ? -(D.k1 + D.k2) : D.k0, open1 ? -(D.k0 + D.k2) : D.k1,
+          open2 ? -(D.k0 + D.k1) : D.k2};
+}
+
 /// Limited slopes from a cell and the neighbours across its local edges; where there is none, the
 /// cell itself stands in. A dry bank and what a dry neighbour holds do not count, and beside one
-/// the limiter is stricter.
+/// the limiter is stricter. Velocities do not go on beyond open boundaries: that would feed itself
+/// where water enters.
 QM_HD inline HllSlopes hll_slopes(const HllNeighbour& own, const HllNeighbour& n0,
                                   const HllNeighbour& n1, const HllNeighbour& n2,
                                   const HllCell& cell, const SlopeWeights& weights,
@@ -92,14 +104,18 @@ QM_HD inline HllSlopes hll_slopes(const HllNeighbour& own, const HllNeighbour& n
   const bool wet1 = is_wet(n1.water.h, zero_depth);
   const bool wet2 = is_wet(n2.water.h, zero_depth);
   const double least_depth = smallest_of({n0.water.h, n1.water.h, n2.water.h});
-  const double beta = is_wet(least_depth, zero_depth) ? 1.5 : 1.0;
+  const bool among_wet = is_wet(least_depth, zero_depth);
+  const double beta = among_wet ? 1.5 : 1.0;
   const EdgeValues De = {wet0 ? e0 : smaller(e0, 0.0), wet1 ? e1 : smaller(e1, 0.0),
                          wet2 ? e2 : smaller(e2, 0.0)};
   const EdgeValues Du = {wet0 ? n0.water.u - w.u : 0.0, wet1 ? n1.water.u - w.u : 0.0,
                          wet2 ? n2.water.u - w.u : 0.0};
   const EdgeValues Dv = {wet0 ? n0.water.v - w.v : 0.0, wet1 ? n1.water.v - w.v : 0.0,
                          wet2 ? n2.water.v - w.v : 0.0};
-  const PlanVector s = limited_slope(De, weights, cell.shape, beta);
+  const EdgeValues on = continued(De, weights);
+  const EdgeValues levels = {among_wet ? on.k0 : De.k0, among_wet ? on.k1 : De.k1,
+                             among_wet ? on.k2 : De.k2};
+  const PlanVector s = limited_slope(levels, weights, cell.shape, beta);
   const PlanVector su = limited_slope(Du, weights, cell.shape, beta);
   const PlanVector sv = limited_slope(Dv, weights, cell.shape, beta);
 
@@ -108,11 +124,11 @@ QM_HD inline HllSlopes hll_slopes(const HllNeighbour& own, const HllNeighbour& n
   const double deficit = -smallest_of(at_midpoints(cell.shape, t));
   const double covered = smaller(1.0, w.h / (deficit + 1e-300));
   const double theta = wet ? covered : 0.0;
-  const double on = wet ? 1.0 : 0.0;
+  const double one = wet ? 1.0 : 0.0;
   return {{theta * s.x, theta * s.y},
           {theta * t.x, theta * t.y},
-          {on * su.x, on * su.y},
-          {on * sv.x, on * sv.y}};
+          {one * su.x, one * su.y},
+          {one * sv.x, one * sv.y}};
 }
 
 /// Change of a cell's water within half a step: depth (m), and the velocity after it (m/s).

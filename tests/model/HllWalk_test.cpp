@@ -132,6 +132,28 @@ TEST(HllWalk, AFilmRunsDownASlopeAtManningsSpeed) {
   EXPECT_NEAR(first.velocity, 0.05 / exact, 0.2 * 0.05 / exact);
 }
 
+TEST(HllWalk, UniformFlowStaysUniformUpToItsOpenEnds) {
+  const double n = 0.03, q = 1.0, slope = 0.005;
+  const double depth = std::pow(n * q / std::sqrt(slope), 0.6);
+  TriangleGrid grid;
+  grid.nx = 20;
+  grid.ny = 3;
+  grid.seed = 8;
+  grid.bed = [&](double x, double) { return slope * (20.0 - x); };
+  grid.level = [&](double x, double y) { return grid.bed(x, y) + depth; };
+  grid.qx = [&](double, double) { return q; };
+  grid.west = {edge_code::discharge, -q};
+  grid.east = {edge_code::water_level, depth};
+  cases::Case contents = grid.make();
+  contents.fields.manning.assign(cases::at(contents.mesh.n_cells()), n);
+  HllRun run(contents);
+  run.until(100.0);
+  for (std::size_t i = 0; i < run.water().h.size(); ++i) {
+    EXPECT_NEAR(run.water().h[i], depth, 1e-4 * depth);
+    EXPECT_NEAR(run.water().qx[i], q, 1e-4 * q);
+  }
+}
+
 TEST(HllWalk, ASteepValleyDrainsWithoutADepthBelowZeroOrASpeedBeyondItsHead) {
   for (const Scheme scheme : both_schemes) {
     TriangleGrid grid;

@@ -182,6 +182,20 @@ TEST(HllEdgeStates, WaterTiltsTowardsADryNeighbourThatLiesLower) {
   EXPECT_LT(edges_of(p, 0.0).k0.e, 1.0 - 0.1);
 }
 
+TEST(HllEdgeStates, TheLevelGoesOnBeyondAnOpenBoundary) {
+  Patch p = linear_patch();
+  const physics::HllTriangle& shape = p.cell.shape;
+  const physics::PlanVector d1{2 * shape.r1.x, 2 * shape.r1.y};
+  const physics::PlanVector d2{-2 * (shape.r0.x + shape.r1.x), -2 * (shape.r0.y + shape.r1.y)};
+  p.n0 = p.own;
+  p.weights = physics::least_squares_weights({0.0, 0.0}, d1, d2);
+  const HllEdgeState open = edges_of(p, 0.0).k0;
+  EXPECT_NEAR(open.e, 3.0 + level_slope.x * shape.r0.x + level_slope.y * shape.r0.y, 1e-6);
+  // Beside a dry neighbour it does not.
+  p.n2 = {{0.0, 0.0, 0.0, 0.0}, 9.0};
+  EXPECT_NEAR(edges_of(p, 0.0).k0.e, 3.0, 0.05);
+}
+
 TEST(HllEdgeStates, MomentumIsKeptOverALevelBed) {
   Source random;
   for (int i = 0; i < trials; ++i) {
