@@ -1,4 +1,8 @@
-"""Runs validation cases and writes docs/validation.md: python3 -m validation [CASE...]"""
+"""Runs validation cases and writes docs/validation.md: python3 -m validation [CASE...]
+
+python3 -m validation --scheme HLL2 [CASE...] does so by another flux scheme, and writes the page
+beside its runs, build/validation/HLL2."""
+import argparse
 import os
 import sys
 import time
@@ -25,13 +29,21 @@ def chosen(names):
 
 
 def main():
-    cases = chosen(sys.argv[1:])
-    figures = os.path.join(DOCS, "validation")
+    arguments = argparse.ArgumentParser()
+    arguments.add_argument("--scheme", default=runner.SCHEME)
+    arguments.add_argument("cases", nargs="*", metavar="CASE")
+    options = arguments.parse_args()
+    cases = chosen(options.cases)
+    runs, docs = RUNS, DOCS
+    if options.scheme != runner.SCHEME:
+        runner.SCHEME = options.scheme
+        runs = docs = os.path.join(RUNS, options.scheme)
+    figures = os.path.join(docs, "validation")
     os.makedirs(figures, exist_ok=True)
-    page = report.Page(os.path.join(DOCS, "validation.md"))
+    page = report.Page(os.path.join(docs, "validation.md"))
     for case in cases:
         start = time.monotonic()
-        result = case.evaluate(os.path.join(RUNS, case.name))
+        result = case.evaluate(os.path.join(runs, case.name))
         report.add(page, case, result, figures)
         missed = result.missed()
         print(f"{case.name}: {len(result.criteria) - len(missed)} of {len(result.criteria)} "
