@@ -12,14 +12,18 @@ if ! [[ "$seconds" =~ ^[1-9][0-9]*$ ]] || [ "$#" -gt 1 ]; then
 fi
 
 scripts/install_dependencies.sh build fuzz
-cmake --preset fuzz >/dev/null
-cmake --build --preset fuzz >/dev/null
 
 source_folder=$PWD
 work=$source_folder/build/fuzz/work
 bin=$source_folder/build/fuzz/bin
 example=examples/meandering_valley
 mkdir -p "$work"
+
+if ! { cmake --preset fuzz && cmake --build --preset fuzz; } >"$work/build.log" 2>&1; then
+  tail -n 60 "$work/build.log" >&2
+  echo "scripts/fuzz.sh: the fuzzers were not built, and nothing was checked" >&2
+  exit 1
+fi
 [ ! -w /dev/shm ] || export TMPDIR=/dev/shm  # thousands of small files are written
 
 # What the corpus of an earlier run found out stays; the seeds and the examples join it.
