@@ -11,9 +11,7 @@ std::string default_of(const Key& key) {
 }
 
 double default_number(const Key& key) {
-  double value = 0.0;
-  utils::parse_finite_number(key.other, value);
-  return value;
+  return utils::parse_finite_number(key.other).value_or(0.0);
 }
 
 }  // namespace cases

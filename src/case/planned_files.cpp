@@ -2,19 +2,22 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <map>
 #include <set>
 #include <string_view>
 #include <system_error>
 
+#include "case/CollectingSource.hpp"
 #include "case/keys.hpp"
+#include "case/read_requests.hpp"
 #include "utils/files.hpp"
 #include "utils/json_file.hpp"
-#include "utils/number_text.hpp"
 #include "utils/snapshot_name.hpp"
 
 namespace cases {
@@ -53,27 +56,29 @@ json document_of(const std::string& data_file) {
   }
 }
 
-/// A word of the beginning of a file, counted from 0.
-std::string word_of(const std::string& file, int number) {
-  std::ifstream stream = open_regular_file(file);
-  std::string word;
-  for (int i = 0; i <= number; ++i) {
-    if (!(stream >> word)) return "";
-  }
-  return word;
+/// The run itself will say what is wrong.
+class Unheard : public Diagnostics {
+ public:
+  void error(const std::string&) override {}
+  void warn(const std::string&) override {}
+};
+
+/// What `read(source)` makes of a file that can be read twice, as far as it can be read.
+template <class Read>
+auto request_of(const std::string& file, const Read& read) {
+  std::error_code ignored;
+  Unheard unheard;
+  CollectingSource source(fs::is_regular_file(file, ignored) ? file : "", unheard);
+  return read(source);
 }
 
-std::vector<std::string> snapshot_names(const std::string& file, const std::string& folder) {
-  std::ifstream stream = open_regular_file(file);
+std::set<std::string> snapshot_names(const std::string& file, const std::string& folder) {
   std::set<std::string> names;
-  std::string word;
-  double count = 0.0, time = 0.0;
-  if (!(stream >> word) || !utils::parse_finite_number(word, count)) return {};
-  for (double i = 0.0; i < count && stream >> word; ++i) {
-    if (!utils::parse_finite_number(word, time)) break;
+  for (const double time : request_of(file, read_snapshots<CollectingSource>).times) {
+    if (std::isnan(time)) break;
     names.insert(folder + utils::snapshot_name(time));
   }
-  return {names.begin(), names.end()};
+  return names;
 }
 
 /// The time series that an edges file names: its words that are no numbers and that lead to a file.
@@ -168,12 +173,14 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report,
   for (const std::string& name : snapshot_names(named(key("output/snapshots of flow")), prefix)) {
     files.results.push_back({"the snapshot", name, true});
   }
-  if (const std::string name = word_of(named(key("output/gauges")), 1); !name.empty()) {
-    files.results.push_back({"the gauges", prefix + name, false});
-  }
-  if (const std::string name = word_of(named(key("output/discharges")), 2); !name.empty()) {
-    files.results.push_back({"the sections", in_folder(name), false});
-  }
+  const std::string gauges =
+      request_of(named(key("output/gauges")), read_gauges<CollectingSource>).result;
+  if (!gauges.empty()) files.results.push_back({"the gauges", prefix + gauges, false});
+  const auto read_any_edges = [](CollectingSource& file) {
+    return read_sections(file, std::numeric_limits<Number>::max());
+  };
+  const std::string sections = request_of(named(key("output/discharges")), read_any_edges).result;
+  if (!sections.empty()) files.results.push_back({"the sections", in_folder(sections), false});
   return files;
 }
 

@@ -1,8 +1,6 @@
 #include "utils/TextScanner.hpp"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <filesystem>
 
 #include "utils/number_text.hpp"
@@ -16,18 +14,10 @@ namespace {
 constexpr std::ptrdiff_t piece = 1 << 18;
 constexpr std::ptrdiff_t padding = 4;  // for looks at four characters at once
 
-/// Printable start of a token, for a message.
-std::string quoted(std::string_view token) {
-  constexpr std::size_t shown = 40;
-  std::string text = "\"";
-  for (const char c : token.substr(0, shown)) text += c >= ' ' && c != 127 ? c : '?';
-  return text + (token.size() > shown ? "...\"" : "\"");
-}
-
 }  // namespace
 
 TextScanner::TextScanner(const std::string& name) : Reader(name), text_(piece + padding) {
-  next_ = end_ = text_.data();
+  token_ = next_ = end_ = text_.data();
   std::error_code has_no_size;
   const std::uintmax_t file_size = std::filesystem::file_size(name, has_no_size);
   if (has_no_size || file_size == 0) {  // a pipe, say: it is read whole, to know its size
@@ -44,16 +34,17 @@ TextScanner::TextScanner(const std::string& name) : Reader(name), text_(piece + 
 bool TextScanner::read_on() {
   if (!stream_) return false;
   const std::ptrdiff_t capacity = static_cast<std::ptrdiff_t>(text_.size()) - padding;
-  const std::ptrdiff_t kept = end_ - next_;
-  dropped_ += next_ - text_.data();
-  std::copy(next_, end_, text_.data());
+  const std::ptrdiff_t kept = end_ - token_, taken = next_ - token_;
+  dropped_ += token_ - text_.data();
+  std::copy(token_, end_, text_.data());
   // Doubling keeps the time for a token of any length proportional to its length.
   if (2 * kept > capacity) text_.resize(2 * text_.size());
-  next_ = text_.data();
+  token_ = text_.data();
+  next_ = token_ + taken;
   stream_.read(text_.data() + kept, static_cast<std::ptrdiff_t>(text_.size()) - padding - kept);
   if (stream_.bad()) fatal("Fatal error. Impossible to read file " + name_ + " to its end.\n");
   end_ = text_.data() + kept + stream_.gcount();
-  text_[static_cast<std::size_t>(end_ - next_)] = '\0';
+  text_[static_cast<std::size_t>(end_ - token_)] = '\0';
   return stream_.gcount() > 0;
 }
 
@@ -70,9 +61,9 @@ std::string_view TextScanner::next_token() {
   std::ptrdiff_t length;
   do {
     skip_spaces();
+    token_ = next_;
     length = std::find_if(next_, end_, is_space) - next_;
   } while (next_ + length == end_ && read_on());
-  token_ = next_;
   next_ += length;
   return token();
 }
@@ -82,19 +73,15 @@ std::string_view TextScanner::token() const {
 }
 
 double TextScanner::read_any_number(const char* field) {
-  double value = 0.0;
-  if (!parse_finite_number(next_token(), value)) refuse(field, "a finite number");
-  return value;
+  const std::optional<double> value = parse_finite_number(next_token());
+  if (!value) refuse(field, "a finite number");
+  return *value;
 }
 
 int TextScanner::read_any_integer(const char* field) {
-  const std::string_view digits = without_plus(next_token());
-  int value = 0;
-  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-  if (error != std::errc() || end != digits.data() + digits.size()) {
-    refuse(field, "an integer");
-  }
-  return value;
+  const std::optional<int> value = parse_integer<int>(next_token());
+  if (!value) refuse(field, "an integer");
+  return *value;
 }
 
 void TextScanner::refuse_index(const char* field, int limit) {
@@ -115,13 +102,17 @@ std::string TextScanner::read_word(const char* field) {
   return std::string(token);
 }
 
-std::string TextScanner::place() {
+std::string TextScanner::place_of_line() {
   auto line = 1 + std::count<const char*>(text_.data(), token_, '\n');
   stream_.clear();
   stream_.seekg(0);
   for (std::ptrdiff_t i = 0; i < dropped_; ++i) line += stream_.get() == '\n';
   stream_.seekg(dropped_ + (end_ - text_.data()));  // whoever catches the refusal may read on
-  std::string text = "Error in file " + name_ + ", line " + std::to_string(line) + ", ";
+  return name_ + ", line " + std::to_string(line);
+}
+
+std::string TextScanner::place() {
+  std::string text = "Error in file " + place_of_line() + ", ";
   if (record_kind_ == nullptr) return text + "header";
   text += record_kind_ + (" " + std::to_string(record_index_));
   return text + " (of 0 to " + std::to_string(record_total_ - 1) + ")";
@@ -129,9 +120,12 @@ std::string TextScanner::place() {
 
 void TextScanner::refuse_record(const std::string& why) { fatal(place() + ": " + why + ".\n"); }
 
+std::string TextScanner::found() const {
+  return has_value() ? quoted_start(token()) : "the end of the file";
+}
+
 void TextScanner::refuse(const char* field, const std::string& expected) {
-  const std::string found = token().empty() ? "the end of the file" : quoted(token());
-  fatal(place() + ", " + field + ": found " + found + ", expected " + expected + ".\n");
+  fatal(place() + ", " + field + ": found " + found() + ", expected " + expected + ".\n");
 }
 
 }  // namespace utils

@@ -20,6 +20,7 @@ class TextScanner : public Reader {
  public:
   /// Opens the file. A UTF-8 byte-order mark at its start is no part of the text.
   explicit TextScanner(const std::string& name);
+  virtual ~TextScanner() = default;
 
   /// Names the record that the next values belong to, as in "cell 3 (of 0 to 9)"; the values before
   /// the first record are the header.
@@ -67,13 +68,40 @@ class TextScanner : public Reader {
   static constexpr void require_last() {}
 
   /// Ends the run: the value read last is not what is expected.
-  [[noreturn]] void refuse(const char* field, const std::string& expected);
+  [[noreturn]] virtual void refuse(const char* field, const std::string& expected);
   /// Ends the run: the values of the record read last do not go together.
   [[noreturn]] void refuse_record(const std::string& why);
 
- private:
+ protected:
+  // For readers of files that hold more than values.
   /// White space of the C locale.
   static bool is_space(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+  /// Takes the next token, empty at the end of the file; it holds until more is read.
+  std::string_view next_token();
+  /// Puts the next piece of the file behind what is in memory, of which it keeps what begins with
+  /// the value read last; false at the end of the file.
+  bool read_on();
+  /// What is in memory and not yet read.
+  std::string_view unread() const { return {next_, static_cast<std::size_t>(end_ - next_)}; }
+  /// Passes over `count` characters, which are in memory.
+  void skip(std::size_t count) { token_ = next_ += count; }
+  /// Takes `count` characters, which are in memory, as the value read last.
+  std::string_view take(std::size_t count) {
+    token_ = next_;
+    next_ += count;
+    return token();
+  }
+  /// Bytes of the file before the value read last, and after it (less than none if it grew).
+  std::ptrdiff_t position() const { return dropped_ + (token_ - text_.data()); }
+  std::ptrdiff_t bytes_left() const { return size_ - dropped_ - (next_ - text_.data()); }
+  /// Whether a value was there to be read.
+  bool has_value() const { return next_ != token_; }
+  /// File and line of the value read last.
+  std::string place_of_line();
+  /// The value read last, for a message.
+  std::string found() const;
+
+ private:
   static bool is_digit(char c) { return c >= '0' && c <= '9'; }
 
   // The piece of text in memory ends in a null character, which is neither space nor digit: it
@@ -96,13 +124,10 @@ class TextScanner : public Reader {
   int read_any_integer(const char* field);
   [[noreturn]] void refuse_index(const char* field, int limit);
   [[noreturn]] void refuse_count(const char* field, std::size_t tokens_per_record);
-  /// Puts the next piece of the file behind what is not yet read; false at the end of the file.
-  bool read_on();
   void skip_byte_order_mark();
-  std::string_view next_token();
   std::string_view token() const;
-  /// The most tokens that the rest of the file can hold; less than none if the file grew.
-  std::ptrdiff_t tokens_left() const { return (size_ - dropped_ - (next_ - text_.data())) / 2; }
+  /// The most tokens that the rest of the file can hold.
+  std::ptrdiff_t tokens_left() const { return bytes_left() / 2; }
   std::string place();
 
   std::vector<char> text_;      ///< the piece of the file in memory, and some padding

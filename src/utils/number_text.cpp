@@ -17,6 +17,12 @@ std::string text_of(double value, Format... format) {
   return std::string(text.data(), end);
 }
 
+/// Without a leading "+", which is a sign to formatted extraction, but not to from_chars.
+std::string_view without_plus(std::string_view text) {
+  const bool signed_twice = text.size() > 1 && text[1] == '-';
+  return !text.empty() && text.front() == '+' && !signed_twice ? text.substr(1) : text;
+}
+
 }  // namespace
 
 std::string number_text(double value, int digits) {
@@ -38,13 +44,28 @@ bool parse_number(std::string_view text, double& value) {
   return static_cast<bool>(stream >> value);
 }
 
-std::string_view without_plus(std::string_view text) {
-  const bool signed_twice = text.size() > 1 && text[1] == '-';
-  return !text.empty() && text.front() == '+' && !signed_twice ? text.substr(1) : text;
+std::optional<double> parse_finite_number(std::string_view text) {
+  double value = 0.0;
+  if (!parse_number(without_plus(text), value) || !std::isfinite(value)) return {};
+  return value;
 }
 
-bool parse_finite_number(std::string_view text, double& value) {
-  return parse_number(without_plus(text), value) && std::isfinite(value);
+template <class Integer>
+std::optional<Integer> parse_integer(std::string_view text) {
+  const std::string_view digits = without_plus(text);
+  Integer value = 0;
+  const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+  if (error != std::errc() || end != digits.data() + digits.size()) return {};
+  return value;
+}
+template std::optional<int> parse_integer<int>(std::string_view);
+template std::optional<long long> parse_integer<long long>(std::string_view);
+
+std::string quoted_start(std::string_view text) {
+  constexpr std::size_t shown = 40;
+  std::string quoted = "\"";
+  for (const char c : text.substr(0, shown)) quoted += c >= ' ' && c != 127 ? c : '?';
+  return quoted + (text.size() > shown ? "...\"" : "\"");
 }
 
 }  // namespace utils

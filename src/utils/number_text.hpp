@@ -2,6 +2,7 @@
 // thousands.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -17,10 +18,14 @@ std::string fixed_text(double value, int decimals);
 /// too large for a double is none, one that is too small is 0.
 bool parse_number(std::string_view text, double& value);
 
-/// The text without a leading "+", which is a sign to formatted extraction, but not to from_chars.
-std::string_view without_plus(std::string_view text);
+/// The finite number that a text is, as input files hold them; none if it is something else.
+std::optional<double> parse_finite_number(std::string_view text);
 
-/// Whether the text is a finite number, as input files hold them; `value` receives it.
-bool parse_finite_number(std::string_view text, double& value);
+/// The integer that a text is, if it fits the type: int or long long.
+template <class Integer>
+std::optional<Integer> parse_integer(std::string_view text);
+
+/// The printable start of a text in quotes, for messages that say what was found.
+std::string quoted_start(std::string_view text);
 
 }  // namespace utils

@@ -67,4 +67,27 @@ TEST(ParseNumber, IsThatOfTheScannerOfInputFiles) {
   EXPECT_EQ(file.read_number("value"), 12345678901234567.5);
 }
 
+TEST(ParseFiniteNumber, IsTheWholeTextOrNone) {
+  EXPECT_EQ(utils::parse_finite_number("+1.5e2"), 150.0);
+  EXPECT_EQ(utils::parse_finite_number("-7"), -7.0);
+  for (const char* text : {"", "+-1", "1.5x", "inf", "nan", "1e999", "0x1"}) {
+    EXPECT_EQ(utils::parse_finite_number(text), std::nullopt) << text;
+  }
+}
+
+TEST(ParseInteger, IsTheWholeTextIfItFitsTheType) {
+  EXPECT_EQ(utils::parse_integer<int>("+12"), 12);
+  EXPECT_EQ(utils::parse_integer<int>("-2147483648"), -2147483647 - 1);
+  EXPECT_EQ(utils::parse_integer<int>("2147483648"), std::nullopt);
+  EXPECT_EQ(utils::parse_integer<long long>("2147483648"), 2147483648LL);
+  for (const char* text : {"", "+-1", "1.", "x"}) {
+    EXPECT_EQ(utils::parse_integer<int>(text), std::nullopt) << text;
+  }
+}
+
+TEST(QuotedStart, IsPrintableAndShort) {
+  EXPECT_EQ(utils::quoted_start("a\tb"), "\"a?b\"");
+  EXPECT_EQ(utils::quoted_start(std::string(41, 'x')), "\"" + std::string(40, 'x') + "...\"");
+}
+
 }  // namespace

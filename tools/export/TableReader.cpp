@@ -1,6 +1,6 @@
 #include "export/TableReader.hpp"
 
-#include <charconv>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
@@ -18,16 +18,6 @@ constexpr std::size_t buffer_size = 1 << 20;
 
 bool is_blank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
 
-/// Printable start of what was found, for a message.
-std::string quoted(const char* first, const char* last) {
-  constexpr std::ptrdiff_t shown = 40;
-  std::string text = "\"";
-  for (const char* c = first; c != last && c - first < shown && !is_blank(*c); ++c) {
-    text += *c >= ' ' && *c != 127 ? *c : '?';
-  }
-  return text + "\"";
-}
-
 /// Opens it as an input, which no output may replace.
 std::ifstream open_table(const std::string& name) {
   try {
@@ -35,6 +25,15 @@ std::ifstream open_table(const std::string& name) {
   } catch (const tools::Error&) {
     throw tools::Error("The file " + name + " couldn't be opened. Has the case been run?");
   }
+}
+
+/// Takes the first word from a line; empty if there is none.
+std::string_view take_word(std::string_view& line) {
+  const auto begin = std::find_if_not(line.begin(), line.end(), is_blank);
+  const auto end = std::find_if(begin, line.end(), is_blank);
+  const std::string_view word(begin, end);
+  line = std::string_view(end, line.end());
+  return word;
 }
 
 std::string column(std::size_t index) { return ", column " + std::to_string(index + 1); }
@@ -90,32 +89,21 @@ bool TableReader::next_line(std::string_view& line) {
 bool TableReader::next_row(std::span<double> values) {
   std::string_view line;
   if (!next_line(line)) return false;
-  const char* at = line.data();
-  const char* const last = at + line.size();
-  const auto skip_blanks = [&] {
-    while (at != last && is_blank(*at)) ++at;
-  };
   for (std::size_t k = 0; k < values.size(); ++k) {
-    skip_blanks();
-    if (at == last) {
+    const std::string_view word = take_word(line);
+    if (word.empty()) {
       refuse(column(k) + ": found the end of the line, expected " + std::to_string(values.size()) +
              " numbers.");
     }
-    const auto [end, error] = std::from_chars(at, last, values[k]);
-    const bool is_whole = end == last || is_blank(*end);
-    if (error == std::errc::result_out_of_range) {
-      utils::parse_number({at, static_cast<std::size_t>(end - at)}, values[k]);  // too small is 0
+    const bool is_known = utils::parse_number(word, values[k]) &&
+                          (std::fabs(values[k]) <= std::numeric_limits<float>::max() ||
+                           (missing_ == Missing::allowed && std::isnan(values[k])));
+    if (!is_known) {
+      refuse(column(k) + ": found " + utils::quoted_start(word) + ", expected a finite number.");
     }
-    const bool is_known = std::fabs(values[k]) <= std::numeric_limits<float>::max() ||
-                          (missing_ == Missing::allowed && std::isnan(values[k]));
-    if (error == std::errc::invalid_argument || !is_whole || !is_known) {
-      refuse(column(k) + ": found " + quoted(at, last) + ", expected a finite number.");
-    }
-    at = end;
   }
-  skip_blanks();
-  if (at != last) {
-    refuse(column(values.size()) + ": found " + quoted(at, last) + ", expected only " +
+  if (const std::string_view word = take_word(line); !word.empty()) {
+    refuse(column(values.size()) + ": found " + utils::quoted_start(word) + ", expected only " +
            std::to_string(values.size()) + " numbers.");
   }
   return true;

@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
-#include <cstdio>
 #include <set>
 
-#include "mesh/Scanner.hpp"
+#include "case/read_series.hpp"
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/number_text.hpp"
 
 namespace mesh_import {
 
@@ -18,27 +18,18 @@ namespace {
 
 using Argument = cases::BoundaryKind::Argument;
 
-/// Checks a series file and keeps its text, its first value and its last time.
+/// Keeps the text of a series file, its first value and its last time.
 void read_series(Boundary& boundary, const std::string& path) {
-  Scanner in(path);
-  const long long n = in.integer("number of samples");
-  if (n < 2 || n > static_cast<long long>(in.bytes_left() / 4 + 1)) {
-    in.refuse("number of samples", "at least 2, and no more than the file holds");
-  }
-  boundary.series = std::to_string(n) + "\n";
-  double last = 0.0;
-  for (long long i = 0; i < n; ++i) {
-    const double time = in.number("time");
-    if (i > 0 && !(time > last)) in.refuse("time", "one after " + shown(last));
-    last = time;
-    const double value = in.number("value");
-    if (i == 0) boundary.value = value;
-    append_number(boundary.series, time);
+  const cases::Series series = cases::read_series(path);
+  boundary.series = std::to_string(series.times.size()) + "\n";
+  for (std::size_t i = 0; i < series.times.size(); ++i) {
+    append_number(boundary.series, series.times[i]);
     boundary.series += ' ';
-    append_number(boundary.series, value);
+    append_number(boundary.series, series.values[i]);
     boundary.series += '\n';
   }
-  boundary.series_end = last;
+  boundary.value = series.values.front();
+  boundary.series_end = series.times.back();
 }
 
 /// A file name without spaces or signs that mean something elsewhere, and not taken yet.
@@ -149,8 +140,11 @@ BoundaryRequest parse_boundary(const std::string& text) {
       if (colon != std::string::npos) refuse("nothing after \"" + kind + "\"");
       break;
     case Argument::value:
-      if (!parse_number(argument)) refuse("a number after \"" + kind + ":\"");
-      request.value = *parse_number(argument);
+      if (const auto value = utils::parse_finite_number(argument)) {
+        request.value = *value;
+      } else {
+        refuse("a number after \"" + kind + ":\"");
+      }
       break;
     case Argument::series:
       if (argument.empty()) refuse("a file after \"" + kind + ":\"");

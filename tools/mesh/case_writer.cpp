@@ -50,10 +50,10 @@ std::string text_of_nodes(const Mesh& mesh) {
 std::string text_of_cells(const Mesh& mesh) {
   std::string text = std::to_string(mesh.cells.size()) + "\n";
   for (const Cell& cell : mesh.cells) {
-    append_integer(text, cell.size());
+    text += std::to_string(cell.size());
     for (int k = 0; k < cell.size(); ++k) {
       text += ' ';
-      append_integer(text, cell.node(k));
+      text += std::to_string(cell.node(k));
     }
     text += '\n';
   }
@@ -77,15 +77,15 @@ std::string text_of_edges(const std::vector<Edge>& edges, const Boundaries& boun
   for (std::size_t i = 0; i < edges.size(); ++i) {
     const Edge& edge = edges[i];
     for (const int index : {edge.left, edge.right, edge.node1, edge.node2}) {
-      append_integer(text, index);
+      text += std::to_string(index);
       text += ' ';
     }
     if (edge.is_boundary()) {
       const auto& boundary = boundaries.list[static_cast<std::size_t>(boundaries.of_edge[i])];
-      append_integer(text, boundary.kind->code);
+      text += std::to_string(boundary.kind->code);
       text += argument_of(boundary);
     } else {
-      append_integer(text, edge_code::interior);
+      text += std::to_string(edge_code::interior);
     }
     text += '\n';
   }
@@ -104,7 +104,7 @@ std::string column(const std::vector<double>& values, const char* line_end = "\n
 std::string column(const std::vector<int>& values) {
   std::string text;
   for (const int value : values) {
-    append_integer(text, value);
+    text += std::to_string(value);
     text += '\n';
   }
   return text;
@@ -131,7 +131,7 @@ std::string text_of_sections(const std::vector<Section>& sections, double interv
     text += std::to_string(section.edges.size());
     for (const int edge : section.edges) {
       text += ' ';
-      append_integer(text, edge);
+      text += std::to_string(edge);
     }
     text += '\n';
   }

@@ -5,6 +5,7 @@
 
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/number_text.hpp"
 
 namespace mesh_import {
 
@@ -19,7 +20,7 @@ struct Request {
 
 /// What a request gives: a number, or else a raster.
 void read_source(Request& request, const std::string& option, const std::string& source) {
-  request.value = parse_number(source);
+  request.value = utils::parse_finite_number(source);
   if (request.value) return;
   if (!std::filesystem::is_regular_file(source)) {
     throw tools::Error(option + " " + request.text + ": found \"" + source +

@@ -7,8 +7,8 @@
 #include <map>
 #include <utility>
 
+#include "mesh/ForeignScanner.hpp"
 #include "mesh/NodeNumbers.hpp"
-#include "mesh/Scanner.hpp"
 #include "support/Error.hpp"
 
 namespace mesh_import {
@@ -55,7 +55,7 @@ class MshReader {
   long long tag(const char* what) { return is_version_4() ? long_integer(what) : integer(what); }
   /// A number of records that the rest of the file can hold, so that it is safe to allocate.
   long long count(long long value, const char* what, std::size_t bytes_per_record) {
-    const auto most = static_cast<long long>(in_.bytes_left() / bytes_per_record);
+    const auto most = static_cast<long long>(in_.size_of_rest() / bytes_per_record);
     if (value < 0 || value > most) {
       in_.refuse(what, "a count from 0 to " + std::to_string(most) +
                            ", the most that the rest of the file can hold");
@@ -75,13 +75,13 @@ class MshReader {
   void read_elements_2();
   void read_elements_4();
   void read_element(int type, int zone_or_group);
-  void check_type(int type) const;
+  void check_type(int type);
   void check();
 
   int group_of(int dimension, int tag);
   int zone_of(std::vector<int> surfaces);
 
-  Scanner in_;
+  ForeignScanner in_;
   std::string version_;
   bool is_binary_ = false;
   Mesh mesh_;
@@ -241,7 +241,7 @@ void MshReader::read_nodes() {
   numbers_ = NodeNumbers(std::move(builder), in_.path());
 }
 
-void MshReader::check_type(int type) const {
+void MshReader::check_type(int type) {
   if (type == element_line || type == element_triangle || type == element_quad ||
       type == element_point) {
     return;

@@ -7,10 +7,11 @@
 #include <limits>
 #include <map>
 
-#include "mesh/Scanner.hpp"
+#include "mesh/ForeignScanner.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
 #include "utils/files.hpp"
+#include "utils/number_text.hpp"
 
 namespace mesh_import {
 
@@ -44,7 +45,7 @@ std::vector<QuadraturePoint> seven_point_rule() {
 }  // namespace
 
 RasterData read_asc(const std::string& path) {
-  Scanner in(path);
+  ForeignScanner in(path);
   std::map<std::string, double> header;
   std::string first_value;
   while (!in.at_end()) {
@@ -63,7 +64,7 @@ RasterData read_asc(const std::string& path) {
     if (may_be_nan) {
       const auto word = lower_case(in.word("NODATA_value"));
       if (word == "nan" || word == "-nan") continue;  // NaN always means that there is no data
-      const auto value = parse_number(word);
+      const auto value = utils::parse_finite_number(word);
       if (!value) in.refuse("NODATA_value", "a number");
       header[key] = *value;
     } else {
@@ -96,7 +97,7 @@ RasterData read_asc(const std::string& path) {
   data.geometry = {x, dx, 0.0, y + dy * data.n_rows, 0.0, -dy};
 
   const auto n = static_cast<std::size_t>(data.n_columns) * static_cast<std::size_t>(data.n_rows);
-  if (n > in.bytes_left() / 2 + 1 + first_value.size()) {
+  if (n > in.size_of_rest() / 2 + 1 + first_value.size()) {
     throw tools::Error(path + ": the header announces " + std::to_string(n) +
                        " values, more than the file can hold: it is cut off, or a count is wrong.");
   }
@@ -105,7 +106,7 @@ RasterData read_asc(const std::string& path) {
   for (std::size_t i = 0; i < n; ++i) {
     const std::string_view word = i == 0 && !first_value.empty() ? std::string_view(first_value)
                                                                  : in.word("value of a pixel");
-    const auto value = parse_number(word);
+    const auto value = utils::parse_finite_number(word);
     const bool is_nan = !value && lower_case(word) == "nan";
     if (!value && !is_nan) in.refuse("value of a pixel", "a finite number");
     const bool has_data =

@@ -7,6 +7,7 @@
 
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/number_text.hpp"
 
 namespace mesh_import {
 
@@ -17,7 +18,8 @@ std::optional<std::vector<double>> parse_list(const std::string& text) {
   std::vector<double> values;
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t end = std::min(text.find(',', begin), text.size());
-    const auto value = parse_number(std::string_view(text).substr(begin, end - begin));
+    const auto value =
+        utils::parse_finite_number(std::string_view(text).substr(begin, end - begin));
     if (!value) return std::nullopt;
     values.push_back(*value);
     begin = end + 1;

@@ -6,8 +6,8 @@
 #include <set>
 #include <utility>
 
+#include "mesh/ForeignScanner.hpp"
 #include "mesh/NodeNumbers.hpp"
-#include "mesh/Scanner.hpp"
 #include "support/Error.hpp"
 
 namespace mesh_import {
@@ -40,7 +40,7 @@ class SmsReader {
   int find(long long number, const std::string& user) const;
   void report();
 
-  Scanner in_;
+  ForeignScanner in_;
   Mesh mesh_;
   NodeNumbers::Builder builder_;
   NodeNumbers numbers_;
@@ -54,7 +54,6 @@ class SmsReader {
   struct String {
     std::string name;
     std::vector<long long> nodes;
-    std::string place;
   };
   std::vector<String> strings_;
   bool string_is_open_ = false;
@@ -111,7 +110,7 @@ void SmsReader::read_element(std::size_t n_nodes) {
 
 /// A string may run over several cards; a negative node ends it, and a name or number may follow.
 void SmsReader::read_string_card() {
-  if (!string_is_open_) strings_.push_back({"", {}, in_.place()});
+  if (!string_is_open_) strings_.push_back({"", {}});
   string_is_open_ = true;
   while (string_is_open_ && !in_.at_end_of_line()) {
     const long long number = in_.integer("node of a node string");
@@ -176,7 +175,7 @@ void SmsReader::link() {
 
 void SmsReader::report() {
   if (string_is_open_) {
-    throw tools::Error(strings_.back().place +
+    throw tools::Error(in_.place() +
                        ": the last node string has no end: its last node must be negative.");
   }
   if (mesh_.cells.empty()) {

@@ -514,9 +514,10 @@ TEST_F(Import, TellsTheCommandThatRunsACaseOfAnyName) {
 TEST_F(Import, NamesTheLineOfADamagedSeries) {
   folder.write("flood.txt", "3\n0 -1\n10 -2\n5 -1\n");
   EXPECT_EQ(import_badly(1, {"--boundary", "west=hydrograph:flood.txt"}),
-            "quillmere-mesh: flood.txt, line 4: time: found \"5\", expected one after 10.\n");
+            "quillmere-mesh: Error in file flood.txt, line 4, sample 2 (of 0 to 2), time: found "
+            "\"5\", expected a time later than that of the sample before.\n");
   EXPECT_EQ(import_badly(1, {"--boundary", "west=hydrograph:none.txt"}),
-            "quillmere-mesh: none.txt: the file cannot be opened.\n");
+            "quillmere-mesh: Fatal error. Impossible to open file none.txt.\n");
 }
 
 TEST_F(Import, ShowsExamplesFirst) {
