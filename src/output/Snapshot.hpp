@@ -6,6 +6,7 @@
 
 #include "case/Case.hpp"
 #include "fields/Flow.hpp"
+#include "fields/snapshot_columns.hpp"
 
 class Snapshot {
  public:
@@ -19,7 +20,6 @@ class Snapshot {
 
  private:
   const cases::Mesh& mesh_;
-  bool bed_moves_;                     ///< and is gathered with the flow
-  std::vector<fields::Field> fields_;  ///< columns behind the centre
-  std::vector<double> values_;         ///< of the first column, of the second, ...
+  fields::SnapshotColumns columns_;
+  std::vector<double> values_;  ///< of the first field, of the second, ...
 };

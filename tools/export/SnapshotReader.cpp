@@ -1,18 +1,15 @@
 #include "export/SnapshotReader.hpp"
 
-#include <array>
 #include <cmath>
 #include <string>
 
 #include "export/TableReader.hpp"
+#include "fields/snapshot_columns.hpp"
 #include "utils/number_text.hpp"
 
 namespace exports {
 
 namespace {
-
-/// Columns in the order of the file, after x and y; null is a column that is not kept.
-using Columns = std::vector<std::vector<float>*>;
 
 void expect_header(TableReader& table, const std::string& expected) {
   std::string_view header;
@@ -33,30 +30,14 @@ bool agrees(double found, double centre) {
 void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapshot& snapshot) {
   const Mesh& mesh = results.mesh;
   const std::size_t n = mesh.n_cells();
-  Columns columns;
-  std::string header;
-  if (results.files.has_sediment) {
-    header = "x\ty\tzb\th\tqx\tqy\ths\tqsx\tqsy";
-    columns = {&snapshot.bed, &snapshot.h,   &snapshot.qx, &snapshot.qy,
-               &snapshot.hs,  &snapshot.qsx, &snapshot.qsy};
-  } else {
-    // Intended: zb is left out, the mean z of the nodes, which a bed file may have replaced.
-    header = "x\ty\tzb\th\tqx\tqy";
-    columns = {nullptr, &snapshot.h, &snapshot.qx, &snapshot.qy};
-    if (results.files.has_infiltration) {
-      header += "\tf";
-      columns.push_back(&snapshot.infiltrated);
-    }
-  }
+  const fields::SnapshotColumns columns(results.files.has_sediment, results.files.has_infiltration);
   snapshot.time = file.time;
-  for (auto* column : columns) {
-    if (column != nullptr) column->resize(n);
-  }
+  for (const fields::Field field : columns.fields) snapshot[field].resize(n);
 
   TableReader table(file.name);
-  expect_header(table, header);
-  std::array<double, 9> values;
-  const std::span row = std::span(values).first(2 + columns.size());
+  expect_header(table, columns.header());
+  const std::size_t first_field = columns.bed_moves ? 2 : 3;
+  std::vector<double> row(first_field + columns.fields.size());
   std::size_t i = 0;
   for (; table.next_row(row); ++i) {
     if (i == n) {
@@ -70,8 +51,8 @@ void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapsho
                    ", (" + utils::fixed_text(x, 6) + ", " + utils::fixed_text(y, 6) +
                    "). Is it a result of this mesh?");
     }
-    for (std::size_t k = 0; k < columns.size(); ++k) {
-      if (columns[k] != nullptr) (*columns[k])[i] = static_cast<float>(row[2 + k]);
+    for (std::size_t k = 0; k < columns.fields.size(); ++k) {
+      snapshot[columns.fields[k]][i] = static_cast<float>(row[first_field + k]);
     }
   }
   if (i < n) {

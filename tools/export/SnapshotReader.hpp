@@ -1,21 +1,26 @@
 // Snapshots, one at a time.
 #pragma once
 
+#include <array>
 #include <vector>
 
 #include "export/CaseResults.hpp"
+#include "fields/Field.hpp"
 
 namespace exports {
 
-/// One value per cell in every column; a column that the model does not write is empty. Six
-/// significant digits survive in a float.
+/// One value per cell in every column. Six significant digits survive in a float.
 struct Snapshot {
-  double time = 0.0;                ///< s
-  std::vector<float> bed;           ///< m, with sediment alone
-  std::vector<float> h;             ///< depth, m
-  std::vector<float> qx, qy;        ///< unit discharge, m2/s
-  std::vector<float> infiltrated;   ///< depth of infiltrated water, m, with infiltration alone
-  std::vector<float> hs, qsx, qsy;  ///< thickness (m) and unit discharge (m2/s) of the sediment
+  /// The values of a field; empty where the snapshots of the case do not hold it.
+  const std::vector<float>& operator[](fields::Field field) const {
+    return columns[static_cast<std::size_t>(field)];
+  }
+  std::vector<float>& operator[](fields::Field field) {
+    return columns[static_cast<std::size_t>(field)];
+  }
+
+  double time = 0.0;  ///< s
+  std::array<std::vector<float>, fields::field_table.size()> columns;
 };
 
 /// Reads a file of the case into `snapshot`, whose memory is used again. Refuses a file whose

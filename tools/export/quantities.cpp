@@ -10,6 +10,7 @@ namespace exports {
 
 namespace {
 
+using fields::Field;
 using Part = Quantity::Part;
 using WhenDry = Quantity::WhenDry;
 using Of = const CaseResults&;
@@ -19,88 +20,73 @@ using Cell = std::size_t;
 constexpr float nothing = std::numeric_limits<float>::quiet_NaN();
 
 double bed(Of results, At s, Cell i) {
-  return s.bed.empty() ? results.bed[i] : static_cast<double>(s.bed[i]);
+  const std::vector<float>& moved = s[Field::bed_level];
+  return moved.empty() ? results.bed[i] : static_cast<double>(moved[i]);
 }
 
-/// What a case must have for its snapshots to have a quantity.
-enum class Needs { water, sediment, infiltration };
+float depth(At s, Cell i) { return s[Field::depth][i]; }
+float discharge_x(At s, Cell i) { return s[Field::discharge_x][i]; }
+float discharge_y(At s, Cell i) { return s[Field::discharge_y][i]; }
+
 /// What a quantity is for.
 enum class For { datasets, maps, both };
 
 struct Row {
-  Needs needs;
+  Field source;  ///< without it in the snapshots there is no such quantity
   For use;
   Quantity quantity;
 };
 
+/// A field of the snapshots as it is.
+template <Field field>
+Row plain(const char* name, const char* long_name, Part part = Part::scalar,
+          WhenDry when_dry = WhenDry::shown) {
+  const std::string unit = info(field).unit;
+  const For use = part == Part::scalar ? For::both : For::datasets;
+  return {field,
+          use,
+          {name, long_name, unit == "m2/s" ? "m2 s-1" : unit, part, when_dry,
+           [](Of, At s, Cell i) { return s[field][i]; }}};
+}
+
 const std::vector<Row>& rows() {
   static const std::vector<Row> table = {
-      {Needs::water,
-       For::both,
-       {"depth", "depth", "m", Part::scalar, WhenDry::left_off_maps,
-        [](Of, At s, Cell i) { return s.h[i]; }}},
-      {Needs::water,
+      plain<Field::depth>("depth", "depth", Part::scalar, WhenDry::left_off_maps),
+      {Field::depth,
        For::both,
        {"level", "water level", "m", Part::scalar, WhenDry::hidden,
-        [](Of c, At s, Cell i) { return static_cast<float>(bed(c, s, i) + s.h[i]); }}},
-      {Needs::water,
+        [](Of c, At s, Cell i) { return static_cast<float>(bed(c, s, i) + depth(s, i)); }}},
+      {Field::depth,
        For::datasets,
        {"velocity", "velocity", "m s-1", Part::x, WhenDry::hidden,
-        [](Of, At s, Cell i) { return s.qx[i] / s.h[i]; }}},
-      {Needs::water,
+        [](Of, At s, Cell i) { return discharge_x(s, i) / depth(s, i); }}},
+      {Field::depth,
        For::datasets,
        {"velocity", "velocity", "m s-1", Part::y, WhenDry::hidden,
-        [](Of, At s, Cell i) { return s.qy[i] / s.h[i]; }}},
-      {Needs::water,
+        [](Of, At s, Cell i) { return discharge_y(s, i) / depth(s, i); }}},
+      {Field::depth,
        For::maps,
        {"velocity", "velocity", "m s-1", Part::scalar, WhenDry::hidden,
-        [](Of, At s, Cell i) { return std::hypot(s.qx[i], s.qy[i]) / s.h[i]; }}},
-      {Needs::water,
-       For::datasets,
-       {"unit_discharge", "unit discharge", "m2 s-1", Part::x, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.qx[i]; }}},
-      {Needs::water,
-       For::datasets,
-       {"unit_discharge", "unit discharge", "m2 s-1", Part::y, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.qy[i]; }}},
-      {Needs::infiltration,
-       For::both,
-       {"infiltrated_depth", "infiltrated depth", "m", Part::scalar, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.infiltrated[i]; }}},
-      {Needs::sediment,
-       For::both,
-       {"bed", "bed elevation", "m", Part::scalar, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.bed[i]; }}},
-      {Needs::sediment,
+        [](Of, At s, Cell i) {
+          return std::hypot(discharge_x(s, i), discharge_y(s, i)) / depth(s, i);
+        }}},
+      plain<Field::discharge_x>("unit_discharge", "unit discharge", Part::x),
+      plain<Field::discharge_y>("unit_discharge", "unit discharge", Part::y),
+      plain<Field::infiltrated_depth>("infiltrated_depth", "infiltrated depth"),
+      plain<Field::bed_level>("bed", "bed elevation"),
+      {Field::bed_level,
        For::both,
        {"bed_change", "bed change", "m", Part::scalar, WhenDry::shown,
-        [](Of c, At s, Cell i) { return static_cast<float>(s.bed[i] - c.bed[i]); }}},
-      {Needs::sediment,
-       For::both,
-       {"sediment_thickness", "sediment thickness", "m", Part::scalar, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.hs[i]; }}},
-      {Needs::sediment,
-       For::datasets,
-       {"bed_load", "bed load", "m2 s-1", Part::x, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.qsx[i]; }}},
-      {Needs::sediment,
-       For::datasets,
-       {"bed_load", "bed load", "m2 s-1", Part::y, WhenDry::shown,
-        [](Of, At s, Cell i) { return s.qsy[i]; }}},
+        [](Of c, At s, Cell i) { return static_cast<float>(s[Field::bed_level][i] - c.bed[i]); }}},
+      plain<Field::sediment_thickness>("sediment_thickness", "sediment thickness"),
+      plain<Field::bed_load_x>("bed_load", "bed load", Part::x),
+      plain<Field::bed_load_y>("bed_load", "bed load", Part::y),
   };
   return table;
 }
 
-bool has(const CaseFiles& files, Needs needs) {
-  switch (needs) {
-    case Needs::sediment:
-      return files.has_sediment;
-    case Needs::infiltration:
-      return files.has_infiltration && !files.has_sediment;
-    case Needs::water:
-      break;
-  }
-  return true;
+bool has(const CaseFiles& files, const Row& row) {
+  return is_in_snapshots(info(row.source), files.has_sediment, files.has_infiltration);
 }
 
 bool is_dry(float depth, double dry_depth) { return !(static_cast<double>(depth) > dry_depth); }
@@ -132,7 +118,7 @@ MapField of_envelope(const CaseResults& results, const std::string& name, double
 std::vector<Quantity> dataset_quantities(const CaseFiles& files) {
   std::vector<Quantity> quantities;
   for (const Row& row : rows()) {
-    if (row.use != For::maps && has(files, row.needs)) quantities.push_back(row.quantity);
+    if (row.use != For::maps && has(files, row)) quantities.push_back(row.quantity);
   }
   return quantities;
 }
@@ -154,7 +140,7 @@ void evaluate(const Quantity& quantity, const CaseResults& results, const Snapsh
   values.resize(results.mesh.n_cells());
   const bool hides = quantity.when_dry == WhenDry::hidden;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    values[i] = hides && is_dry(snapshot.h[i], results.files.dry_depth)
+    values[i] = hides && is_dry(depth(snapshot, i), results.files.dry_depth)
                     ? nothing
                     : quantity.of_cell(results, snapshot, i);
   }
@@ -180,7 +166,7 @@ std::vector<std::string> map_field_names() {
 std::vector<std::string> snapshot_map_fields(const CaseFiles& files) {
   std::vector<std::string> names;
   for (const Row& row : rows()) {
-    if (row.use != For::datasets && has(files, row.needs)) names.push_back(row.quantity.name);
+    if (row.use != For::datasets && has(files, row)) names.push_back(row.quantity.name);
   }
   return names;
 }
@@ -201,7 +187,7 @@ MapField map_field(const CaseResults& results, const Snapshot& snapshot, const s
   const auto row = std::find_if(rows().begin(), rows().end(), [&](const Row& r) {
     return r.use != For::datasets && r.quantity.name == name;
   });
-  if (row == rows().end() || !has(results.files, row->needs)) {
+  if (row == rows().end() || !has(results.files, *row)) {
     std::string known;
     for (const std::string& n : snapshot_map_fields(results.files)) known += ", " + n;
     throw tools::Error("The snapshots of " + results.files.folder + " have no " + name +
@@ -211,7 +197,7 @@ MapField map_field(const CaseResults& results, const Snapshot& snapshot, const s
   evaluate(row->quantity, results, snapshot, field.values);
   if (row->quantity.when_dry != WhenDry::shown) {
     for (std::size_t i = 0; i < field.values.size(); ++i) {
-      if (is_dry(snapshot.h[i], dry_depth)) field.values[i] = nothing;
+      if (is_dry(depth(snapshot, i), dry_depth)) field.values[i] = nothing;
     }
   }
   return field;
