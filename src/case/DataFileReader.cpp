@@ -58,6 +58,24 @@ T DataFileReader::value_of(const Key& key) const {
   return section.at(name).get<T>();
 }
 
+std::optional<std::string> DataFileReader::file(const Key& key) const {
+  const auto is_asked_for = [&] {
+    switch (key.use) {
+      case Key::Use::always:
+        return true;
+      case Key::Use::sediments:
+        return is_sediments();
+      case Key::Use::optional:
+        return has(key);
+      case Key::Use::with_other:
+        return has(*cases::find_key(key.section(), cases::last_name_of(key.other)));
+    }
+    return false;
+  };
+  if (!is_asked_for()) return {};
+  return value_of<std::string>(key);
+}
+
 // --- The run ------------------------------------------------------------------------------------
 
 std::string DataFileReader::get_simulation_name() const {

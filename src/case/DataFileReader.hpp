@@ -5,6 +5,7 @@
 #include <array>
 #include <exception>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -90,6 +91,9 @@ class DataFileReader : public Reader {
   std::string get_initial_infiltration_file() const;
 
   bool is_extensions() const;
+
+  /// The name of the file under a key, if a run of this case asks for it.
+  std::optional<std::string> file(const cases::Key& key) const;
 
   std::string get_output_folder_path() const;
   double get_dt_enveloppe() const;  ///< s

@@ -58,11 +58,16 @@ void warn_of_implausible_parameters(const Case& contents, Diagnostics& diagnosti
 void warn_of_implausible_fields(const Case& contents, const DataFile& data,
                                 const AreaLoss& area_loss, Diagnostics& diagnostics) {
   const CellFields& fields = contents.fields;
+  const auto name_of = [&](const Key& key) {
+    const std::string* const name = data.cell_files.find(key);
+    return name != nullptr ? *name : "";
+  };
   if (!fields.manning.empty()) {
-    warn_if(plausibility::on_friction(data.friction.value_or(""), fields.manning), diagnostics);
+    warn_if(plausibility::on_friction(name_of(key("model/conditions/friction")), fields.manning),
+            diagnostics);
   }
   for (const std::string& remark : plausibility::on_initial_infiltration(
-           data.initial_infiltration.value_or(""), fields.infiltrated)) {
+           name_of(key("model/sources/initial infiltration")), fields.infiltrated)) {
     diagnostics.warn(plausibility::sentence(remark));
   }
   warn_of_outflows(contents, diagnostics);

@@ -1,5 +1,7 @@
 #include "case/read_case.hpp"
 
+#include <string_view>
+
 #include "case/check_sediments.hpp"
 #include "case/read_data_file.hpp"
 #include "case/read_fields.hpp"
@@ -41,6 +43,8 @@ class CaseReader {
   void read_mesh();
   void read_fields();
   void read_sources();
+  /// Those with numbers for every cell that keys of a section name.
+  void read_cell_files(std::string_view section);
 
   Case& case_;
   DataFile& data_;
@@ -113,30 +117,23 @@ void CaseReader::read_mesh() {
 }
 
 void CaseReader::read_fields() {
-  const Number n_cells = case_.mesh.n_cells();
-  const auto read = [&](const std::string& name, auto read_columns, const char* what) {
-    utils::TextScanner file(name);
-    read_columns(file, n_cells, case_.fields);
-    log_ << "  " << what << name << '\n';
-  };
-  using File = utils::TextScanner;
   log_ << "Setting bed level, friction, initial conditions and model parameters\n";
-  if (data_.fixed_bed_level) {
-    read(*data_.fixed_bed_level, read_bed<File>, "Fixed bed level (zbr) set from: ");
-  }
-  if (data_.sediments_level) {
-    read(*data_.sediments_level, read_sediment<File>, "Sediment level set from: ");
-  }
-  if (data_.friction) {
-    read(*data_.friction, read_manning<File>, "Friction parameters set from: ");
-  }
-  read(data_.initial_conditions, read_initial_state<File>,
-       "Hydrodynamic initial conditions read from: ");
+  read_cell_files("model/conditions");
   if (case_.has_sediments) {
     log_sediments(log_, case_.sediment);
     check_sediments(case_, diagnostics_);
   }
   utils::print_delimitator(log_);
+}
+
+void CaseReader::read_cell_files(std::string_view section) {
+  for (const CellFile& described : cell_files) {
+    const std::string* const name = data_.cell_files.find(described.key);
+    if (described.key.section() != section || name == nullptr) continue;
+    utils::TextScanner file(*name);
+    read_cell_file(described, file, case_.mesh.n_cells(), case_.fields);
+    log_ << "  " << described.log << *name << '\n';
+  }
 }
 
 void CaseReader::read_sources() {
@@ -158,11 +155,7 @@ void CaseReader::read_sources() {
     case_.fields.soil = terms_of_cells(*data_.infiltracells, ids_of(case_.soils));
     log_ << "  Infiltracells set from: " << *data_.infiltracells << '\n';
   }
-  if (data_.initial_infiltration) {
-    utils::TextScanner file(*data_.initial_infiltration);
-    read_infiltrated(file, n_cells, case_.fields);
-    log_ << "  Initial infiltration set from: " << *data_.initial_infiltration << '\n';
-  }
+  read_cell_files("model/sources");
   utils::print_delimitator(log_);
 }
 

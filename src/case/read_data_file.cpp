@@ -1,5 +1,8 @@
 #include "case/read_data_file.hpp"
 
+#include <string_view>
+
+#include "case/cell_files.hpp"
 #include "globals/edge_codes.hpp"
 #include "utils/stop.hpp"
 
@@ -23,32 +26,31 @@ void take_scheme(const std::string& name, DataFile& data, Case& contents) {
                "\"; use \"LHLLC\".\n");
 }
 
-void read_conditions(const utils::DataFileReader& reader, DataFile& data) {
-  data.initial_conditions = reader.get_initial_hydrodynamic_conditions_file();
-  if (reader.is_imposed_fixed_bed_level()) data.fixed_bed_level = reader.get_fixed_bed_level_file();
-  if (reader.is_imposed_friction()) data.friction = reader.get_friction_file();
+/// Those of a section that the model with sediments asks for alone, or all others.
+void read_cell_files(const utils::DataFileReader& reader, std::string_view section,
+                     bool of_sediments, DataFile& data) {
+  for (const Key& key : keys) {
+    const bool is_meant =
+        key.section() == section && (key.use == Key::Use::sediments) == of_sediments;
+    if (!is_meant || cell_file(key) == nullptr) continue;
+    if (std::optional<std::string> name = reader.file(key)) {
+      data.cell_files.set(key, std::move(*name));
+    }
+  }
 }
 
 void read_sources(const utils::DataFileReader& reader, DataFile& data) {
-  if (reader.is_rainfall()) {
-    data.rainfall = reader.get_rainfall_file();
-    data.hyetocells = reader.get_hyetocells_file();
-  }
-  if (reader.is_infiltration()) {
-    data.infiltration = reader.get_infiltration_file();
-    data.infiltracells = reader.get_infiltracells_file();
-  }
-  if (reader.is_initial_infiltration()) {
-    data.initial_infiltration = reader.get_initial_infiltration_file();
-  }
+  data.rainfall = reader.file(key("model/sources/rainfall"));
+  data.hyetocells = reader.file(key("model/sources/hyetocells"));
+  data.infiltration = reader.file(key("model/sources/infiltration"));
+  data.infiltracells = reader.file(key("model/sources/infiltracells"));
+  read_cell_files(reader, "model/sources", false, data);
 }
 
 void read_sediment(const utils::DataFileReader& reader, DataFile& data,
                    SedimentParameters& sediment) {
   if (!reader.is_sediments()) return;
-  if (reader.is_imposed_sediments_level()) {
-    data.sediments_level = reader.get_sediments_level_file();
-  }
+  read_cell_files(reader, "model/conditions", true, data);
   if (!reader.is_sediments_parameters()) return;
   sediment.d50 = reader.get_sediments_mean_grain();
   sediment.density = reader.get_sediments_density();
@@ -59,9 +61,9 @@ void read_sediment(const utils::DataFileReader& reader, DataFile& data,
 void read_outputs(const utils::DataFileReader& reader, DataFile& data) {
   data.output_folder = reader.get_output_folder_path();
   data.dt_enveloppe = reader.get_dt_enveloppe();
-  if (reader.is_pictures()) data.pictures = reader.get_pictures_file();
-  if (reader.is_gauges()) data.gauges = reader.get_gauges_file();
-  if (reader.is_discharge_check()) data.discharges = reader.get_discharge_file();
+  data.pictures = reader.file(key("output/snapshots of flow"));
+  data.gauges = reader.file(key("output/gauges"));
+  data.discharges = reader.file(key("output/discharges"));
 }
 
 }  // namespace
@@ -78,9 +80,10 @@ void read_data_file(const utils::DataFileReader& reader, DataFile& data, Case& c
   contents.has_sediments = reader.is_sediments();
   contents.zero_depth = reader.get_zero_depth_value();
   take_scheme(reader.get_flux_scheme_name(), data, contents);
-  read_conditions(reader, data);
+  read_cell_files(reader, "model/conditions", false, data);
   read_sources(reader, data);
-  contents.has_infiltration = data.infiltration || data.initial_infiltration;
+  contents.has_infiltration =
+      data.infiltration || data.cell_files.find(key("model/sources/initial infiltration"));
   read_sediment(reader, data, contents.sediment);
   read_outputs(reader, data);
 }

@@ -6,48 +6,20 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/cell_files.hpp"
 
 namespace cases {
 
-struct NamedColumn {
-  const char* field;  ///< for messages
-  std::vector<double>& values;
-};
-
-template <class Source, class... Columns>
-void read_columns(Source& file, Number n_cells, const Columns&... columns) {
-  (columns.values.resize(at(n_cells)), ...);
+/// Fills the columns of a file with numbers for every cell.
+template <class Source>
+void read_cell_file(const CellFile& described, Source& file, Number n_cells, CellFields& fields) {
+  for (const CellColumn& column : described.columns()) (fields.*column.values).resize(at(n_cells));
   for (Number cell = 0; cell < n_cells && file.goes_on(); ++cell) {
     file.begin_record("cell", cell, n_cells);
-    ((columns.values[at(cell)] = file.read_number(columns.field)), ...);
+    for (const CellColumn& column : described.columns()) {
+      (fields.*column.values)[at(cell)] = file.read_number(column.field);
+    }
   }
-}
-
-template <class Source>
-void read_bed(Source& file, Number n_cells, CellFields& fields) {
-  read_columns(file, n_cells, NamedColumn{"bed level", fields.bed});
-}
-
-template <class Source>
-void read_sediment(Source& file, Number n_cells, CellFields& fields) {
-  read_columns(file, n_cells, NamedColumn{"sediment thickness", fields.sediment});
-}
-
-template <class Source>
-void read_manning(Source& file, Number n_cells, CellFields& fields) {
-  read_columns(file, n_cells, NamedColumn{"Manning coefficient", fields.manning});
-}
-
-template <class Source>
-void read_initial_state(Source& file, Number n_cells, CellFields& fields) {
-  read_columns(file, n_cells, NamedColumn{"free-surface level", fields.level},
-               NamedColumn{"unit discharge qx", fields.qx},
-               NamedColumn{"unit discharge qy", fields.qy});
-}
-
-template <class Source>
-void read_infiltrated(Source& file, Number n_cells, CellFields& fields) {
-  read_columns(file, n_cells, NamedColumn{"infiltrated depth", fields.infiltrated});
 }
 
 /// Reads the ID of a source term per cell. Answers the numbers of the terms in `ids`, of two alike

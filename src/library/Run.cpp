@@ -50,7 +50,7 @@ bool fits(const engine::State& state, const engine::State& present, const cases:
 Simulation::Run::Run(const Case& given, const Options& options)
     : case_(case_of_arrays(given, warnings_)) {
   cases::DataFile names;
-  names.friction = "Manning coefficients";
+  names.cell_files.set(cases::key("model/conditions/friction"), "Manning coefficients");
   begin(names, area_loss_of(case_.mesh), options);
 }
 

@@ -39,27 +39,36 @@ void set_infiltrated(PhysicalModel& model, const std::vector<double>& depth) {
 
 // The same from an open file, for a model built by hand.
 
-void PhysicalModel::setFixedBedLevel(utils::TextScanner& file) {
+namespace {
+
+cases::CellFields read(utils::TextScanner& file, cases::Number n_cells, const cases::Key& key) {
   cases::CellFields fields;
-  cases::read_bed(file, n_cells, fields);
+  cases::read_cell_file(*cases::cell_file(key), file, n_cells, fields);
+  return fields;
+}
+
+}  // namespace
+
+using cases::key;
+
+void PhysicalModel::setFixedBedLevel(utils::TextScanner& file) {
+  const cases::CellFields fields = read(file, n_cells, key("model/conditions/fixed bed level"));
   set_bed(*this, fields.bed);
 }
 
 void SWE_Exner::setSedimentsLevel(utils::TextScanner& file) {
-  cases::CellFields fields;
-  cases::read_sediment(file, n_cells, fields);
+  const cases::CellFields fields =
+      read(file, n_cells, key("model/conditions/initial sediments level"));
   set_sediment(*this, fields.sediment);
 }
 
 void PhysicalModel::setFriction(utils::TextScanner& file) {
-  cases::CellFields fields;
-  cases::read_manning(file, n_cells, fields);
+  const cases::CellFields fields = read(file, n_cells, key("model/conditions/friction"));
   set_manning(*this, fields.manning);
 }
 
 void PhysicalModel::setHydrodynamicConditions(utils::TextScanner& file) {
-  cases::CellFields fields;
-  cases::read_initial_state(file, n_cells, fields);
+  const cases::CellFields fields = read(file, n_cells, key("model/conditions/initial conditions"));
   set_initial_state(*this, fields);
 }
 
@@ -71,7 +80,6 @@ void PhysicalModel::set_source_term_by_ID(utils::TextScanner& file,
 }
 
 void PhysicalModel::set_initial_infiltration(utils::TextScanner& file) {
-  cases::CellFields fields;
-  cases::read_infiltrated(file, n_cells, fields);
+  const cases::CellFields fields = read(file, n_cells, key("model/sources/initial infiltration"));
   set_infiltrated(*this, fields.infiltrated);
 }

@@ -124,8 +124,12 @@ std::string TextScanner::found() const {
   return has_value() ? quoted_start(token()) : "the end of the file";
 }
 
+std::string TextScanner::refusal(const char* field, const std::string& expected) {
+  return place() + ", " + field + ": found " + found() + ", expected " + expected + ".\n";
+}
+
 void TextScanner::refuse(const char* field, const std::string& expected) {
-  fatal(place() + ", " + field + ": found " + found() + ", expected " + expected + ".\n");
+  fatal(refusal(field, expected));
 }
 
 }  // namespace utils

@@ -68,7 +68,7 @@ class TextScanner : public Reader {
   static constexpr void require_last() {}
 
   /// Ends the run: the value read last is not what is expected.
-  [[noreturn]] virtual void refuse(const char* field, const std::string& expected);
+  [[noreturn]] void refuse(const char* field, const std::string& expected);
   /// Ends the run: the values of the record read last do not go together.
   [[noreturn]] void refuse_record(const std::string& why);
 
@@ -100,6 +100,8 @@ class TextScanner : public Reader {
   std::string place_of_line();
   /// The value read last, for a message.
   std::string found() const;
+  /// What is said where the value read last is not what is expected.
+  virtual std::string refusal(const char* field, const std::string& expected);
 
  private:
   static bool is_digit(char c) { return c >= '0' && c <= '9'; }

@@ -33,6 +33,16 @@ std::string fixed_text(double value, int decimals) {
   return text_of(value, std::chars_format::fixed, decimals);
 }
 
+std::string exact_text(double value) {
+  constexpr int most_digits = 17;  // with which every number reads back
+  double read = 0.0;
+  for (int digits = input_digits; digits < most_digits; ++digits) {
+    std::string text = number_text(value, digits);
+    if (parse_number(text, read) && read == value) return text;
+  }
+  return number_text(value, most_digits);
+}
+
 bool parse_number(std::string_view text, double& value) {
   const char* const last = text.data() + text.size();
   const auto [end, error] = std::from_chars(text.data(), last, value);

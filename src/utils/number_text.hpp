@@ -14,6 +14,13 @@ std::string number_text(double value, int digits = 6);
 /// A number with all its decimals, as in "12.50".
 std::string fixed_text(double value, int decimals);
 
+/// Digits that a number of an input file needs: a micrometre in projected coordinates, and no noise
+/// of rounding.
+inline constexpr int input_digits = 12;
+
+/// A finite number with `input_digits`, or as many more as it takes to read back to the same bits.
+std::string exact_text(double value);
+
 /// Whether the text is a number, "inf" and "nan" included; `value` receives it. A number that is
 /// too large for a double is none, one that is too small is 0.
 bool parse_number(std::string_view text, double& value);

@@ -218,6 +218,29 @@ TEST(DataFileReader, PresenceTestsDoNotLookAtTheType) {
   }
 }
 
+TEST(DataFileReader, AFileIsNamedWhereARunAsksForIt) {
+  const auto file_under = [](const cases::Key& key) {
+    return [&key](const Reader& reader) { return reader.file(key); };
+  };
+  const auto nodes = file_under(cases::key("mesh/nodes"));
+  const auto rain = file_under(cases::key("model/sources/rainfall"));
+  const auto hyetocells = file_under(cases::key("model/sources/hyetocells"));
+  const auto sediment = file_under(cases::key("model/conditions/initial sediments level"));
+  const Path sources = {"model", "sources"}, model = {"model", "name"};
+  EXPECT_EQ(answer(complete_document(), nodes), "/mesh/nodes");
+  EXPECT_EQ(complaint(without({"mesh", "nodes"}), nodes), not_found + "nodes");
+  EXPECT_EQ(answer(complete_document(), rain), "/model/sources/rainfall");
+  EXPECT_EQ(answer(with(sources, json::object()), rain), std::nullopt);
+  EXPECT_EQ(complaint(with({"model", "sources", "rainfall"}, 7), rain), bad_format + "rainfall");
+  EXPECT_EQ(answer(complete_document(), hyetocells), "/model/sources/hyetocells");
+  EXPECT_EQ(answer(with(sources, {{"hyetocells", "cells.txt"}}), hyetocells), std::nullopt);
+  EXPECT_EQ(complaint(without({"model", "sources", "hyetocells"}), hyetocells),
+            not_found + "hyetocells");
+  EXPECT_EQ(answer(with(model, cases::water_model), sediment), std::nullopt);
+  EXPECT_EQ(answer(with(model, cases::sediment_model), sediment),
+            "/model/conditions/initial sediments level");
+}
+
 TEST(DataFileReader, TheZeroDepthIsATenthOfAMillimetreWhenAbsent) {
   EXPECT_EQ(answer(without({"model", "zero depth value"}), &Reader::get_zero_depth_value), 0.0001);
 }

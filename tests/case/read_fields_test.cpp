@@ -18,6 +18,11 @@ class ReadFieldsTest : public testing::Test {
     return utils::TextScanner(folder.write("field.txt", text));
   }
 
+  void read(const cases::Key& key, utils::TextScanner& file, cases::Number n_cells) {
+    ASSERT_NE(cases::cell_file(key), nullptr);
+    cases::read_cell_file(*cases::cell_file(key), file, n_cells, fields);
+  }
+
   support::TemporaryFolder folder;
   cases::CellFields fields;
 };
@@ -25,11 +30,11 @@ class ReadFieldsTest : public testing::Test {
 TEST_F(ReadFieldsTest, EveryFileFillsItsColumns) {
   auto bed = file("1 2"), sediment = file("3 4"), manning = file("5 6"), depth = file("7 8");
   auto state = file("9 10 11\n12 13 14");
-  cases::read_bed(bed, 2, fields);
-  cases::read_sediment(sediment, 2, fields);
-  cases::read_manning(manning, 2, fields);
-  cases::read_infiltrated(depth, 2, fields);
-  cases::read_initial_state(state, 2, fields);
+  read(cases::key("model/conditions/fixed bed level"), bed, 2);
+  read(cases::key("model/conditions/initial sediments level"), sediment, 2);
+  read(cases::key("model/conditions/friction"), manning, 2);
+  read(cases::key("model/sources/initial infiltration"), depth, 2);
+  read(cases::key("model/conditions/initial conditions"), state, 2);
   EXPECT_EQ(fields.bed, (Column{1.0, 2.0}));
   EXPECT_EQ(fields.sediment, (Column{3.0, 4.0}));
   EXPECT_EQ(fields.manning, (Column{5.0, 6.0}));
@@ -41,13 +46,13 @@ TEST_F(ReadFieldsTest, EveryFileFillsItsColumns) {
 
 TEST_F(ReadFieldsTest, WhatFollowsTheLastCellIsIgnored) {
   auto bed = file("1 2 3 and more");
-  cases::read_bed(bed, 2, fields);
+  read(cases::key("model/conditions/fixed bed level"), bed, 2);
   EXPECT_EQ(fields.bed.size(), 2u);
 }
 
 TEST_F(ReadFieldsTest, AMalformedValueEndsTheRunWithItsPlace) {
   auto manning = file("0.03\nrough");
-  EXPECT_FATAL(cases::read_manning(manning, 2, fields), 255,
+  EXPECT_FATAL(read(cases::key("model/conditions/friction"), manning, 2), 255,
                testing::Eq("Error in file " + folder.file("field.txt") +
                            ", line 2, cell 1 (of 0 to 1), Manning coefficient: found \"rough\", "
                            "expected a finite number.\n"));

@@ -67,6 +67,15 @@ TEST(ParseNumber, IsThatOfTheScannerOfInputFiles) {
   EXPECT_EQ(file.read_number("value"), 12345678901234567.5);
 }
 
+TEST(ExactText, HasTwelveDigitsOrAsManyAsReadBackToTheSameBits) {
+  EXPECT_EQ(utils::exact_text(0.1), "0.1");
+  EXPECT_EQ(utils::exact_text(-0.0), "-0");
+  EXPECT_EQ(utils::exact_text(123456789012.0), "123456789012");
+  EXPECT_EQ(utils::exact_text(1234567890123.0), "1234567890123");
+  EXPECT_EQ(utils::exact_text(0.1 + 0.2), "0.30000000000000004");
+  EXPECT_EQ(utils::exact_text(1.0 / 3.0), "0.3333333333333333");
+}
+
 TEST(ParseFiniteNumber, IsTheWholeTextOrNone) {
   EXPECT_EQ(utils::parse_finite_number("+1.5e2"), 150.0);
   EXPECT_EQ(utils::parse_finite_number("-7"), -7.0);

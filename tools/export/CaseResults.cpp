@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "case/read_fields.hpp"
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
 #include "utils/TextScanner.hpp"
@@ -15,25 +16,20 @@ namespace exports {
 
 namespace {
 
-/// One number per cell.
-std::vector<double> read_cell_file(const std::string& name, const char* field, std::size_t n) {
-  utils::TextScanner file(name);
-  std::vector<double> values(n);
-  for (std::size_t i = 0; i < n; ++i) {
-    file.begin_record("cell", static_cast<int>(i), static_cast<int>(n));
-    values[i] = file.read_number(field);
-  }
-  return values;
-}
+using cases::key;
 
 std::vector<double> initial_bed(const CaseFiles& files, const Mesh& mesh) {
-  std::vector<double> bed = mesh.center_z;
-  if (files.fixed_bed) bed = read_cell_file(*files.fixed_bed, "bed level", bed.size());
-  if (files.sediment_thickness) {
-    const std::vector<double> thickness =
-        read_cell_file(*files.sediment_thickness, "thickness of the sediment", bed.size());
-    for (std::size_t i = 0; i < bed.size(); ++i) bed[i] += thickness[i];
-  }
+  cases::CellFields fields;
+  const auto read = [&](const std::optional<std::string>& name, const cases::Key& key) {
+    if (!name) return;
+    utils::TextScanner file(*name);
+    cases::read_cell_file(*cases::cell_file(key), file, static_cast<cases::Number>(mesh.n_cells()),
+                          fields);
+  };
+  read(files.fixed_bed, key("model/conditions/fixed bed level"));
+  read(files.sediment_thickness, key("model/conditions/initial sediments level"));
+  std::vector<double> bed = files.fixed_bed ? fields.bed : mesh.center_z;
+  for (std::size_t i = 0; i < fields.sediment.size(); ++i) bed[i] += fields.sediment[i];
   return bed;
 }
 

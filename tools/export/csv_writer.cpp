@@ -2,7 +2,9 @@
 
 #include <cmath>
 #include <filesystem>
+#include <limits>
 
+#include "case/read_requests.hpp"
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
@@ -30,42 +32,29 @@ void copy_rows(TableReader& table, std::size_t columns, std::ostream& out) {
 
 }  // namespace
 
-GaugeList read_gauge_list(const CaseFiles& files) {
+cases::GaugeRequest read_gauge_list(const CaseFiles& files) {
   if (!files.gauges) throw tools::Error(files.data_file + " asks for no gauges.");
   utils::TextScanner file(*files.gauges);
-  GaugeList list;
-  const int count = file.read_count("number of gauges", 3);
-  list.result = files.result(file.read_word("result file name"));
-  file.read_number("recording interval");
-  for (int i = 0; i < count; ++i) {
-    file.begin_record("gauge", i, count);
-    const double x = file.read_number("x");
-    const double y = file.read_number("y");
-    file.read_number("z");
-    list.points.emplace_back(x + files.origin[0], y + files.origin[1]);
+  cases::GaugeRequest gauges = cases::read_gauges(file);
+  gauges.result = files.result(gauges.result);
+  for (physics::PlanPoint& point : gauges.points) {
+    point = {point.x + files.origin[0], point.y + files.origin[1]};
   }
-  return list;
+  return gauges;
 }
 
-SectionList read_section_list(const CaseFiles& files) {
+cases::SectionRequest read_section_list(const CaseFiles& files) {
   if (!files.sections) throw tools::Error(files.data_file + " asks for no discharges.");
   utils::TextScanner file(*files.sections);
-  SectionList list;
-  const int count = file.read_count("number of sections", 1);
-  file.read_number("recording interval");
+  cases::SectionRequest sections =
+      cases::read_sections(file, std::numeric_limits<cases::Number>::max());
   // The simulator writes it in its working directory, not in the output folder.
-  list.result = (std::filesystem::path(files.folder) / file.read_word("result file name")).string();
-  for (int s = 0; s < count; ++s) {
-    file.begin_record("section", s, count);
-    std::vector<int> edges(static_cast<std::size_t>(file.read_count("number of edges", 1)));
-    for (int& edge : edges) edge = file.read_integer("edge");
-    list.edges.push_back(std::move(edges));
-  }
-  return list;
+  sections.result = (std::filesystem::path(files.folder) / sections.result).string();
+  return sections;
 }
 
 void write_gauges_csv(const CaseFiles& files, const std::string& output) {
-  const GaugeList list = read_gauge_list(files);
+  const cases::GaugeRequest list = read_gauge_list(files);
   TableReader table(list.result, TableReader::Missing::allowed);
   std::string_view header;
   table.next_line(header);
@@ -85,26 +74,26 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
 }
 
 void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
-  const GaugeList list = read_gauge_list(files);
+  const cases::GaugeRequest list = read_gauge_list(files);
   tools::PartialStream file(output);
   file.stream() << "gauge,x (m),y (m)\n";
   file.stream().precision(15);
   for (std::size_t i = 0; i < list.points.size(); ++i) {
-    file.stream() << i + 1 << ',' << list.points[i].first << ',' << list.points[i].second << '\n';
+    file.stream() << i + 1 << ',' << list.points[i].x << ',' << list.points[i].y << '\n';
   }
   file.commit();
 }
 
 void write_sections_csv(const CaseFiles& files, const std::string& output) {
-  const SectionList list = read_section_list(files);
+  const cases::SectionRequest list = read_section_list(files);
   TableReader table(list.result);
   tools::PartialStream file(output);
   file.stream() << "time (s)";
-  for (std::size_t s = 1; s <= list.edges.size(); ++s) {
+  for (std::size_t s = 1; s <= list.sections.size(); ++s) {
     file.stream() << ",section " << s << " discharge (m3/s)";
   }
   file.stream() << '\n';
-  copy_rows(table, 1 + list.edges.size(), file.stream());
+  copy_rows(table, 1 + list.sections.size(), file.stream());
   file.commit();
 }
 

@@ -2,26 +2,16 @@
 #pragma once
 
 #include <string>
-#include <utility>
-#include <vector>
 
+#include "case/Case.hpp"
 #include "export/CaseFiles.hpp"
 
 namespace exports {
 
-/// What the gauges file of a case asks for.
-struct GaugeList {
-  std::string result;                             ///< name of the result file
-  std::vector<std::pair<double, double>> points;  ///< x and y, m
-};
-/// What the sections file of a case asks for.
-struct SectionList {
-  std::string result;                   ///< name of the result file
-  std::vector<std::vector<int>> edges;  ///< of every section
-};
-/// Refuse a case that has none.
-GaugeList read_gauge_list(const CaseFiles& files);
-SectionList read_section_list(const CaseFiles& files);
+/// What the case asks for, with the paths of the results and the coordinates of before import took
+/// an origin from them. Refuse a case that asks for none.
+cases::GaugeRequest read_gauge_list(const CaseFiles& files);
+cases::SectionRequest read_section_list(const CaseFiles& files);
 
 /// Time, and depth and unit discharges of every gauge, counted from 1.
 void write_gauges_csv(const CaseFiles& files, const std::string& output);

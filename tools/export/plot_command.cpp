@@ -92,7 +92,7 @@ json describe_mesh(const CaseResults& results, const DrawingFolder& folder) {
                  {"sections", json::array()},
                  {"gauges", json::array()}};
   if (results.files.sections) {
-    for (const auto& section : read_section_list(results.files).edges) {
+    for (const auto& section : read_section_list(results.files).sections) {
       places["sections"].push_back(lines_of(section, edges, results));
     }
   }

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "support/Error.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -94,9 +93,9 @@ std::string ForeignScanner::place() {
   return is_binary_value() ? path() + ", byte " + std::to_string(position()) : place_of_line();
 }
 
-void ForeignScanner::refuse(const char* what, const std::string& expected) {
+std::string ForeignScanner::refusal(const char* what, const std::string& expected) {
   const std::string text = is_binary_value() && has_value() ? "other bytes" : found();
-  throw tools::Error(place() + ": " + what + ": found " + text + ", expected " + expected + ".");
+  return place() + ": " + what + ": found " + text + ", expected " + expected + ".";
 }
 
 }  // namespace mesh_import

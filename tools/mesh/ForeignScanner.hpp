@@ -48,9 +48,9 @@ class ForeignScanner : public utils::TextScanner {
   }
   /// Where the value read last stands: file and line, or file and byte.
   std::string place();
-  [[noreturn]] void refuse(const char* what, const std::string& expected) override;
 
  private:
+  std::string refusal(const char* what, const std::string& expected) override;
   std::string_view take_bytes(std::size_t count, const char* what);
   bool is_binary_value() const { return position() == binary_value_; }
 

@@ -18,20 +18,6 @@ namespace {
 
 using Argument = cases::BoundaryKind::Argument;
 
-/// Keeps the text of a series file, its first value and its last time.
-void read_series(Boundary& boundary, const std::string& path) {
-  const cases::Series series = cases::read_series(path);
-  boundary.series = std::to_string(series.times.size()) + "\n";
-  for (std::size_t i = 0; i < series.times.size(); ++i) {
-    append_number(boundary.series, series.times[i]);
-    boundary.series += ' ';
-    append_number(boundary.series, series.values[i]);
-    boundary.series += '\n';
-  }
-  boundary.value = series.values.front();
-  boundary.series_end = series.times.back();
-}
-
 /// A file name without spaces or signs that mean something elsewhere, and not taken yet.
 std::string series_name(const std::string& boundary, std::set<std::string>& taken) {
   std::string name = "boundary_";
@@ -66,8 +52,9 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
     boundary.kind = request.kind;
     boundary.value = request.value;
     if (request.kind->has_series()) {
-      read_series(boundary, request.file);
-      boundary.series_name = series_name(request.name, file_names);
+      boundary.series = cases::read_series(request.file);
+      boundary.series.file = series_name(request.name, file_names);
+      boundary.value = boundary.series.values.front();
     }
   }
   return list;

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "case/Case.hpp"
 #include "case/boundary_kinds.hpp"
 #include "mesh/edges.hpp"
 #include "mesh/mesh.hpp"
@@ -29,10 +30,8 @@ struct Boundary {
   std::string name;  // of the line; empty for edges without a name
   bool is_given = false;
   const cases::BoundaryKind* kind = cases::boundary_kind("wall");
-  double value = 0.0;       // m2/s or m; the first one of a series
-  std::string series;       // text of the series file
-  std::string series_name;  // its name in the case
-  double series_end = 0.0;  // its last time, s
+  double value = 0.0;    // m2/s or m; the first one of a series
+  cases::Series series;  // without a name where there is none
   int n_edges = 0;
   double length = 0.0;  // m
 };

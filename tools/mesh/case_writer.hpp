@@ -1,10 +1,12 @@
 // Writes a case folder that runs as it is.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "case/Case.hpp"
 #include "mesh/boundaries.hpp"
 #include "mesh/edges.hpp"
 #include "mesh/mesh.hpp"
@@ -12,14 +14,8 @@
 
 namespace mesh_import {
 
-/// Sediments of the whole case; densities relative to water.
-struct SedimentParameters {
-  double grain_diameter = 0.0;  // m
-  double density = 0.0;
-  double porosity = 0.0;
-};
-
-/// Everything of a case. What is empty is left out of it.
+/// Everything of a case, before its numbers are rounded to what its files hold. What is empty is
+/// left out of it.
 struct Case {
   std::string name;
   double end = 0.0;  // s
@@ -39,15 +35,16 @@ struct Case {
   std::vector<double> bed;
   std::vector<double> friction;
   std::vector<double> sediment;
-  SedimentParameters sediments;
-  std::vector<int> rain;  // IDs; negative for none
-  std::string rain_file;  // text of the hyetograms
+  cases::SedimentParameters sediments;
+  std::vector<cases::Hyetogram> hyetograms;
+  std::vector<int> rain;  // of a cell, index into hyetograms, or -1
+  std::vector<cases::Soil> soils;
   std::vector<int> soil;
-  std::string soil_file;
+  std::map<std::string, std::string> given_texts;  // of files that the case keeps to the byte
 };
 
 /// Creates the folder and writes the case. The data file comes last, so that a case that could not
 /// be completed does not run. Throws tools::Error.
-void write_case(const Case& contents, const std::string& folder);
+void write_case(const Case& imported, const std::string& folder);
 
 }  // namespace mesh_import

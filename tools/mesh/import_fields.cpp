@@ -1,15 +1,20 @@
 #include "mesh/import_fields.hpp"
 
-#include <cmath>
-#include <limits>
+#include <map>
 #include <optional>
 #include <string>
 
+#include "case/read_fields.hpp"
+#include "case/read_rain.hpp"
+#include "case/read_soils.hpp"
+#include "case/write_case.hpp"
 #include "mesh/fields.hpp"
-#include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "support/read_file.hpp"
+#include "utils/TextScanner.hpp"
 #include "utils/counted.hpp"
+#include "utils/files.hpp"
 
 namespace mesh_import {
 
@@ -30,7 +35,9 @@ void set_sediments(const ImportOptions& options, Case& contents) {
        values_of_cells(contents.mesh, "--sediment", options.sediment, RasterUse::mean)) {
     contents.sediment.push_back(thickness.value_or(0.0));
   }
-  contents.sediments = {options.grain_diameter, options.grain_density, options.porosity};
+  contents.sediments.d50 = options.grain_diameter;
+  contents.sediments.density = options.grain_density;
+  contents.sediments.porosity = options.porosity;
 }
 
 /// The waves of the water bound the time step. In a film, the bed load of such a step can raise the
@@ -59,17 +66,42 @@ void set_water(const std::vector<std::string>& requests, Case& contents, std::os
       << " at the start.\n";
 }
 
-std::vector<int> ids_of_cells(const Mesh& mesh, const std::string& option,
-                              const std::vector<std::string>& requests) {
-  std::vector<int> ids;
+/// The numbers of the terms of the cells, by their IDs; of two alike that of the later.
+std::vector<int> terms_of_cells(const Mesh& mesh, const std::string& option,
+                                const std::vector<std::string>& requests, const std::string& file,
+                                const std::vector<int>& ids) {
+  std::map<double, int> numbers = {{-1.0, -1}};
+  for (std::size_t i = 0; i < ids.size(); ++i) numbers[ids[i]] = static_cast<int>(i);
+  std::vector<int> terms;
   for (const auto& value : values_of_cells(mesh, option, requests, RasterUse::most_frequent)) {
-    const double id = value.value_or(-1.0);
-    if (id != std::floor(id) || std::abs(id) > std::numeric_limits<int>::max()) {
-      throw tools::Error(option + ": found the ID " + shown(id) + ", expected a whole number.");
+    const auto known = numbers.find(value.value_or(-1.0));
+    if (known == numbers.end()) {
+      throw tools::Error(option + ": found the ID " + shown(*value) + ", expected one of " + file +
+                         ", or -1.");
     }
-    ids.push_back(static_cast<int>(id));
+    terms.push_back(known->second);
   }
-  return ids;
+  return terms;
+}
+
+void set_rain(const ImportOptions& options, Case& contents) {
+  const std::string file = utils::readable_again(options.hyetograms);
+  utils::TextScanner scanner(file);
+  contents.hyetograms = cases::read_hyetograms(scanner, [](const cases::Hyetogram&) {});
+  contents.given_texts[cases::rain_file_name] = tools::read_file(file);
+  contents.rain = terms_of_cells(contents.mesh, "--rain", options.rain, options.hyetograms,
+                                 cases::ids_of(contents.hyetograms));
+}
+
+void set_soils(const ImportOptions& options, Case& contents) {
+  const std::string file = utils::readable_again(options.soils);
+  utils::TextScanner scanner(file);
+  contents.soils = cases::read_soil_classes(
+      scanner, [](const cases::Soil&) {},
+      [&](const std::string&) { scanner.refuse("type", "GreenAmpt or Horton"); });
+  contents.given_texts[cases::soils_file_name] = tools::read_file(file);
+  contents.soil = terms_of_cells(contents.mesh, "--soil", options.soil, options.soils,
+                                 cases::ids_of(contents.soils));
 }
 
 }  // namespace
@@ -87,14 +119,8 @@ void import_fields(const ImportOptions& options, Case& contents, std::ostream& o
     if (!options.zero_depth) warn_of_thin_films(out);
   }
   set_water(options.level, contents, out);
-  if (!options.rain.empty()) {
-    contents.rain = ids_of_cells(mesh, "--rain", options.rain);
-    contents.rain_file = read_whole_file(options.hyetograms);
-  }
-  if (!options.soil.empty()) {
-    contents.soil = ids_of_cells(mesh, "--soil", options.soil);
-    contents.soil_file = read_whole_file(options.soils);
-  }
+  if (!options.rain.empty()) set_rain(options, contents);
+  if (!options.soil.empty()) set_soils(options, contents);
 }
 
 std::vector<double> bed_of_cells(const Case& contents) {

@@ -21,7 +21,7 @@ void set_times(const ImportOptions& options, Case& contents, std::ostream& out) 
   constexpr double usual_end = 3600.0;
   double end = std::numeric_limits<double>::infinity();
   for (const Boundary& boundary : contents.boundaries.list) {
-    if (!boundary.series_name.empty()) end = std::min(end, boundary.series_end);
+    if (!boundary.series.times.empty()) end = std::min(end, boundary.series.times.back());
   }
   contents.end = options.end.value_or(std::isfinite(end) && end > 0.0 ? end : usual_end);
   if (end < contents.end) {

@@ -7,13 +7,6 @@
 
 namespace mesh_import {
 
-/// Twelve significant digits: a micrometre in projected coordinates, and no noise of rounding.
-constexpr int significant_digits = 12;
-
-inline void append_number(std::string& text, double value) {
-  text += utils::number_text(value + 0.0, significant_digits);
-}
-
 /// A number for a message, with six significant digits.
 inline std::string shown(double value) { return utils::number_text(value + 0.0); }
 
@@ -24,7 +17,7 @@ inline std::string shown_point(double x, double y) {
 
 /// The value that a case file will hold.
 inline double as_written(double value) {
-  return utils::parse_finite_number(utils::number_text(value + 0.0, significant_digits))
+  return utils::parse_finite_number(utils::number_text(value + 0.0, utils::input_digits))
       .value_or(value);
 }
 

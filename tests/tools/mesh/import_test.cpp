@@ -520,6 +520,30 @@ TEST_F(Import, NamesTheLineOfADamagedSeries) {
             "quillmere-mesh: Fatal error. Impossible to open file none.txt.\n");
 }
 
+TEST_F(Import, KeepsTheFilesOfRainAndSoilsToTheByte) {
+  const std::string rain = "1  5 1 60\n0 1e-5\n", soils = "1\n2 Horton 1e-5 1e-6 1 .5 0 \n\n";
+  folder.write("hyetograms.txt", rain);
+  folder.write("soil_types.txt", soils);
+  import_well({"--rain", "5", "--hyetograms", "hyetograms.txt", "--soil", "2", "--soils",
+               "soil_types.txt"});
+  EXPECT_EQ(folder.read("case/rain.txt"), rain);
+  EXPECT_EQ(folder.read("case/soils.txt"), soils);
+}
+
+TEST_F(Import, RefusesRainAndSoilsThatNoRunWouldAccept) {
+  folder.write("hyetograms.txt", "1\n5 1 60\n0 much\n");
+  EXPECT_EQ(import_badly(1, {"--rain", "5", "--hyetograms", "hyetograms.txt"}),
+            "quillmere-mesh: Error in file hyetograms.txt, line 3, hyetogram 0 (of 0 to 0), "
+            "intensity: found \"much\", expected a finite number.\n");
+  folder.write("soil_types.txt", "1\n2 Sand 1e-5\n");
+  EXPECT_EQ(import_badly(1, {"--soil", "2", "--soils", "soil_types.txt"}),
+            "quillmere-mesh: Error in file soil_types.txt, line 2, soil class 0 (of 0 to 0), type: "
+            "found \"Sand\", expected GreenAmpt or Horton.\n");
+  folder.write("hyetograms.txt", "1\n5 1 60\n0 1e-5\n");
+  EXPECT_EQ(import_badly(1, {"--rain", "4", "--hyetograms", "hyetograms.txt"}),
+            "quillmere-mesh: --rain: found the ID 4, expected one of hyetograms.txt, or -1.\n");
+}
+
 TEST_F(Import, ShowsExamplesFirst) {
   const auto result = import({"--help"});
   EXPECT_EQ(result.status, 0);

@@ -1,7 +1,5 @@
 #include "mesh/check/case_fields.hpp"
 
-#include <initializer_list>
-#include <optional>
 #include <set>
 
 #include "case/keys.hpp"
@@ -68,46 +66,38 @@ class RepeatedIds {
 
 void read_fields(const DataFile& data, CheckedCase& checked, Findings& findings) {
   CellFields& fields = checked.contents.fields;
-  const auto read = [&](const std::optional<std::string>& name, const std::string& key,
-                        std::initializer_list<std::vector<double>*> columns, auto read_columns) {
-    if (!name) return;
-    CheckedFile file(*name, key, findings);
-    read_columns(file, cells_to_read(checked), fields);
-    if (file.is_well()) return;
-    for (std::vector<double>* column : columns) column->clear();
-  };
-  using File = CheckedFile;
-  read(data.fixed_bed_level, key("model/conditions/fixed bed level").path, {&fields.bed},
-       cases::read_bed<File>);
-  read(data.sediments_level, key("model/conditions/initial sediments level").path,
-       {&fields.sediment}, cases::read_sediment<File>);
-  read(data.friction, key("model/conditions/friction").path, {&fields.manning},
-       cases::read_manning<File>);
-  read(data.initial_conditions, key("model/conditions/initial conditions").path,
-       {&fields.level, &fields.qx, &fields.qy}, cases::read_initial_state<File>);
-  read(data.initial_infiltration, key("model/sources/initial infiltration").path,
-       {&fields.infiltrated}, cases::read_infiltrated<File>);
+  for (const cases::CellFile& described : cases::cell_files) {
+    const std::string* const name = data.files.find(described.key);
+    if (name == nullptr) continue;
+    CheckedFile file(*name, described.key.path, findings);
+    cases::read_cell_file(described, file, cells_to_read(checked), fields);
+    if (file.is_well()) continue;
+    for (const cases::CellColumn& column : described.columns()) (fields.*column.values).clear();
+  }
 }
 
 void read_rain(const DataFile& data, CheckedCase& checked, Findings& findings) {
-  if (!data.rainfall) return;
+  const std::string* const name = data.files.find(key("model/sources/rainfall"));
+  if (name == nullptr) return;
   cases::Case& contents = checked.contents;
-  CheckedFile file(*data.rainfall, key("model/sources/rainfall").path, findings);
-  RepeatedIds repeated(*data.rainfall + ": hyetogram", findings);
+  CheckedFile file(*name, key("model/sources/rainfall").path, findings);
+  RepeatedIds repeated(*name + ": hyetogram", findings);
   contents.rain =
       cases::read_hyetograms(file, [&](const cases::Hyetogram& h) { repeated.look_at(h.id); });
   if (!file.is_well()) contents.rain.clear();
-  if (!data.hyetocells) return;
-  contents.fields.rain = read_terms(*data.hyetocells, key("model/sources/hyetocells").path,
+  const std::string* const of_cells = data.files.find(key("model/sources/hyetocells"));
+  if (of_cells == nullptr) return;
+  contents.fields.rain = read_terms(*of_cells, key("model/sources/hyetocells").path,
                                     file.is_well() ? cells_to_read(checked) : 0,
                                     cases::ids_of(contents.rain), "hyetogram", findings);
 }
 
 void read_soils(const DataFile& data, CheckedCase& checked, Findings& findings) {
-  if (!data.infiltration) return;
+  const std::string* const name = data.files.find(key("model/sources/infiltration"));
+  if (name == nullptr) return;
   cases::Case& contents = checked.contents;
-  CheckedFile file(*data.infiltration, key("model/sources/infiltration").path, findings);
-  RepeatedIds repeated(*data.infiltration + ": soil", findings);
+  CheckedFile file(*name, key("model/sources/infiltration").path, findings);
+  RepeatedIds repeated(*name + ": soil", findings);
   contents.soils = cases::read_soil_classes(
       file, [&](const cases::Soil& soil) { repeated.look_at(soil.id); },
       [&](const std::string&) {
@@ -115,8 +105,9 @@ void read_soils(const DataFile& data, CheckedCase& checked, Findings& findings) 
         file.give_up();
       });
   if (!file.is_well()) contents.soils.clear();
-  if (!data.infiltracells) return;
-  contents.fields.soil = read_terms(*data.infiltracells, key("model/sources/infiltracells").path,
+  const std::string* const of_cells = data.files.find(key("model/sources/infiltracells"));
+  if (of_cells == nullptr) return;
+  contents.fields.soil = read_terms(*of_cells, key("model/sources/infiltracells").path,
                                     file.is_well() ? cells_to_read(checked) : 0,
                                     cases::ids_of(contents.soils), "soil", findings);
 }

@@ -46,7 +46,7 @@ class EdgesReader {
       : data_(data),
         checked_(checked),
         findings_(findings),
-        file_(*data.edges, key("mesh/edges").path, findings) {}
+        file_(data.files.at(key("mesh/edges")), key("mesh/edges").path, findings) {}
 
   void read(Number n_nodes, Number n_cells) {
     cases::Case& contents = checked_.contents;
@@ -99,9 +99,13 @@ class EdgesReader {
 
 void read_mesh(const DataFile& data, CheckedCase& checked, Findings& findings) {
   constexpr Number unknown = std::numeric_limits<Number>::max();
-  const Number n_nodes = data.nodes ? read_nodes(*data.nodes, checked, findings) : unknown;
-  const Number n_cells = data.cells ? read_cells(*data.cells, n_nodes, checked, findings) : unknown;
-  if (data.edges) EdgesReader(data, checked, findings).read(n_nodes, n_cells);
+  const std::string* const nodes = data.files.find(key("mesh/nodes"));
+  const std::string* const cells = data.files.find(key("mesh/cells"));
+  const Number n_nodes = nodes != nullptr ? read_nodes(*nodes, checked, findings) : unknown;
+  const Number n_cells =
+      cells != nullptr ? read_cells(*cells, n_nodes, checked, findings) : unknown;
+  if (data.files.find(key("mesh/edges")) != nullptr)
+    EdgesReader(data, checked, findings).read(n_nodes, n_cells);
 }
 
 }  // namespace tools::check

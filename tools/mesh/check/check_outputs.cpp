@@ -116,10 +116,11 @@ void check_envelope(const DataFile& data, const std::optional<double>& first_ste
 void check_gauges(const DataFile& data, const CheckedCase& checked,
                   const std::vector<CellValues>& cells, const std::optional<double>& first_step,
                   Findings& findings) {
-  if (!data.gauges) return;
-  CheckedFile file(*data.gauges, key("output/gauges").path, findings);
+  const std::string* const name = data.files.find(key("output/gauges"));
+  if (name == nullptr) return;
+  CheckedFile file(*name, key("output/gauges").path, findings);
   const cases::GaugeRequest gauges = cases::read_gauges(file);
-  check_interval(*data.gauges, gauges.interval, data, first_step, findings);
+  check_interval(*name, gauges.interval, data, first_step, findings);
   if (!file.is_well()) return;
   if (data.folder && data.has_steps() && !can_be_written(*data.folder + gauges.result)) {
     findings.error("output", "the gauges' result file " + *data.folder + gauges.result +
@@ -139,12 +140,13 @@ void check_gauges(const DataFile& data, const CheckedCase& checked,
 
 void check_sections(const DataFile& data, const CheckedCase& checked,
                     const std::optional<double>& first_step, Findings& findings) {
-  if (!data.sections) return;
+  const std::string* const name = data.files.find(key("output/discharges"));
+  if (name == nullptr) return;
   const cases::Mesh& mesh = checked.contents.mesh;
   const int limit = checked.has_edges ? mesh.n_edges() : std::numeric_limits<int>::max();
-  CheckedFile file(*data.sections, key("output/discharges").path, findings);
+  CheckedFile file(*name, key("output/discharges").path, findings);
   const cases::SectionRequest request = cases::read_sections(file, limit);
-  check_interval(*data.sections, request.interval, data, first_step, findings);
+  check_interval(*name, request.interval, data, first_step, findings);
   for (std::size_t s = 0; s < request.sections.size() && checked.has_edges; ++s) {
     const std::vector<cases::Number>& section = request.sections[s];
     if (!is_complete(section) || is_consistent(mesh, section)) continue;
@@ -158,8 +160,9 @@ void check_sections(const DataFile& data, const CheckedCase& checked,
 }
 
 void check_snapshots(const DataFile& data, Findings& findings) {
-  if (!data.snapshots) return;
-  CheckedFile file(*data.snapshots, key("output/snapshots of flow").path, findings);
+  const std::string* const file_name = data.files.find(key("output/snapshots of flow"));
+  if (file_name == nullptr) return;
+  CheckedFile file(*file_name, key("output/snapshots of flow").path, findings);
   const std::vector<double> times = cases::read_snapshots(file).times;
   if (!data.has_steps()) return;
   double before = -std::numeric_limits<double>::infinity();

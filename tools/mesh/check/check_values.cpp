@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "case/keys.hpp"
 #include "case/plausibility.hpp"
 #include "mesh/check/numbers.hpp"
 
@@ -9,6 +10,7 @@ namespace tools::check {
 
 namespace {
 
+using cases::key;
 using plausibility::in_mm_per_h;
 using plausibility::mm_per_h;
 using plausibility::Outliers;
@@ -51,18 +53,22 @@ void check_initial_state(const cases::CellFields& fields, const std::vector<Cell
 
 void check_friction(const DataFile& data, const cases::CellFields& fields, Findings& findings) {
   if (fields.manning.empty()) return;
-  findings.add_remark("friction", plausibility::on_friction(*data.friction, fields.manning));
+  findings.add_remark(
+      "friction",
+      plausibility::on_friction(data.files.at(key("model/conditions/friction")), fields.manning));
 }
 
 void check_rain(const DataFile& data, const std::vector<cases::Hyetogram>& rain,
                 Findings& findings) {
+  if (rain.empty()) return;
+  const std::string& file = data.files.at(key("model/sources/rainfall"));
   constexpr double heaviest = 500.0 * mm_per_h;
   for (const cases::Hyetogram& hyetogram : rain) {
-    const std::string name = *data.rainfall + ", hyetogram " + std::to_string(hyetogram.id);
+    const std::string name = file + ", hyetogram " + std::to_string(hyetogram.id);
     const auto& times = hyetogram.times;
     const auto& intensities = hyetogram.intensities;
-    findings.add_remarks("rain", plausibility::on_hyetogram(*data.rainfall, hyetogram.id,
-                                                            hyetogram.step, intensities));
+    findings.add_remarks(
+        "rain", plausibility::on_hyetogram(file, hyetogram.id, hyetogram.step, intensities));
     if (times.empty()) continue;
     const double largest = *std::max_element(intensities.begin(), intensities.end());
     if (largest > heaviest) {
@@ -91,13 +97,15 @@ void check_soils(const DataFile& data, const cases::CellFields& fields,
                  const std::vector<cases::Soil>& soils, Findings& findings) {
   for (const cases::Soil& soil : soils) {
     const auto remarks_on = [&](const auto& parameters) {
-      return plausibility::on_soil(*data.infiltration, soil.id, parameters);
+      return plausibility::on_soil(data.files.at(key("model/sources/infiltration")), soil.id,
+                                   parameters);
     };
     findings.add_remarks("infiltration", std::visit(remarks_on, soil.parameters));
   }
   if (fields.infiltrated.empty()) return;
   findings.add_remarks("infiltration", plausibility::on_initial_infiltration(
-                                           *data.initial_infiltration, fields.infiltrated));
+                                           data.files.at(key("model/sources/initial infiltration")),
+                                           fields.infiltrated));
 }
 
 void check_sediments(const DataFile& data, const cases::CellFields& fields, Findings& findings) {
@@ -137,7 +145,7 @@ void check_sediments(const DataFile& data, const cases::CellFields& fields, Find
   if (negative.count > 0) {
     findings.warning("sediments", "the sediment thickness is negative in " + negative.place());
   }
-  if (has_sediment && !data.friction) {
+  if (has_sediment && data.files.find(key("model/conditions/friction")) == nullptr) {
     findings.warning("sediments",
                      "the bed is mobile, but there is no friction file: no transport can occur");
   }

@@ -165,34 +165,23 @@ class KeyCheck {
 
 DataFile values_of(const KeyCheck& keys) {
   DataFile data;
+  for (const Key& known : cases::keys) {
+    if (known.kind != KeyKind::file) continue;
+    if (const auto name = keys.value<std::string>(known)) data.files.set(known, *name);
+  }
   data.name = keys.value<std::string>(key("name"));
   data.t0 = keys.value<double>(key("t0"));
   data.tend = keys.value<double>(key("tend"));
   data.cfl = keys.value<double>(key("CFL"));
-  data.nodes = keys.value<std::string>(key("mesh/nodes"));
-  data.cells = keys.value<std::string>(key("mesh/cells"));
-  data.edges = keys.value<std::string>(key("mesh/edges"));
   data.model = keys.value<std::string>(key("model/name"));
   data.flux_scheme = keys.value<std::string>(key("model/flux scheme"));
   data.zero_depth = keys.value<double>(key("model/zero depth value"))
                         .value_or(cases::default_number(key("model/zero depth value")));
-  data.initial_conditions = keys.value<std::string>(key("model/conditions/initial conditions"));
-  data.fixed_bed_level = keys.value<std::string>(key("model/conditions/fixed bed level"));
-  data.friction = keys.value<std::string>(key("model/conditions/friction"));
-  data.sediments_level = keys.value<std::string>(key("model/conditions/initial sediments level"));
   data.mean_grain = keys.value<double>(key("model/parameters/sediments mean grain diameter"));
   data.density = keys.value<double>(key("model/parameters/sediments density"));
   data.porosity = keys.value<double>(key("model/parameters/sediments porosity"));
-  data.rainfall = keys.value<std::string>(key("model/sources/rainfall"));
-  data.hyetocells = keys.value<std::string>(key("model/sources/hyetocells"));
-  data.infiltration = keys.value<std::string>(key("model/sources/infiltration"));
-  data.infiltracells = keys.value<std::string>(key("model/sources/infiltracells"));
-  data.initial_infiltration = keys.value<std::string>(key("model/sources/initial infiltration"));
   data.folder = keys.value<std::string>(key("output/folder"));
   data.envelope_interval = keys.value<double>(key("output/time step enveloppe of results"));
-  data.snapshots = keys.value<std::string>(key("output/snapshots of flow"));
-  data.gauges = keys.value<std::string>(key("output/gauges"));
-  data.sections = keys.value<std::string>(key("output/discharges"));
   return data;
 }
 
@@ -204,9 +193,11 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
   if (data.t0 && data.tend) {
     findings.add_remark("run time", plausibility::on_run_time(*data.t0, *data.tend));
   }
+  const bool has_infiltration =
+      data.files.find(key("model/sources/infiltration")) != nullptr ||
+      data.files.find(key("model/sources/initial infiltration")) != nullptr;
   findings.add_remark("infiltration",
-                      plausibility::on_infiltration(data.infiltration || data.initial_infiltration,
-                                                    data.has_sediments()));
+                      plausibility::on_infiltration(has_infiltration, data.has_sediments()));
   if (data.cfl) findings.add_remark("Courant number", plausibility::on_courant_number(*data.cfl));
   findings.add_remark("zero depth",
                       plausibility::on_dry_depth(data.zero_depth, data.has_sediments()));

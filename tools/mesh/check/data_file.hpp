@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "case/FileNames.hpp"
 #include "mesh/check/findings.hpp"
 
 namespace tools::check {
@@ -14,18 +15,14 @@ struct DataFile {
   std::optional<double> t0, tend;  ///< s
   std::optional<double> cfl;
 
-  std::optional<std::string> nodes, cells, edges;
+  cases::FileNames files;
 
   std::optional<std::string> model, flux_scheme;
   double zero_depth = 0.0;  ///< m
-  std::optional<std::string> initial_conditions, fixed_bed_level, friction, sediments_level;
   std::optional<double> mean_grain, density, porosity;
-  std::optional<std::string> rainfall, hyetocells;
-  std::optional<std::string> infiltration, infiltracells, initial_infiltration;
 
   std::optional<std::string> folder;
   std::optional<double> envelope_interval;  ///< s
-  std::optional<std::string> snapshots, gauges, sections;
 
   bool has_sediments() const;
   /// Whether the run advances at all.
