@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "case/edge_faults.hpp"
+
 namespace cases {
 
 namespace {
@@ -21,16 +23,17 @@ EdgeWarnings::EdgeWarnings(const Mesh& mesh, Diagnostics& diagnostics)
       sink_([&](const auto& text) { diagnostics.warn(text); }) {}
 
 void EdgeWarnings::check(Number edge, const Boundary* boundary) {
-  const Number right = mesh_.right[at(edge)];
-  if (!(mesh_.edge_of(edge).length > 0.0)) {
+  const EdgeFaults faults = faults_of(mesh_, edge, boundary);
+  if (faults.has_no_length) {
     degenerate_.add(name_of(edge) + " has no length: its flux is not a number.");
-  } else if (mesh_.points_into_left_cell(edge)) {
+  }
+  if (faults.points_inwards) {
     inward_.add(name_of(edge) + " has a normal that points into its left cell " +
                 std::to_string(mesh_.left[at(edge)]) + "; list its two nodes the other way round.");
   }
-  if (boundary != nullptr && right >= 0) {
+  if (faults.is_two_sided) {
     two_sided_.add(name_of(edge) + " has the boundary code " + std::to_string(boundary->code) +
-                   " and also a right cell " + std::to_string(right) +
+                   " and also a right cell " + std::to_string(mesh_.right[at(edge)]) +
                    ", which gets no flux through it.");
   }
 }

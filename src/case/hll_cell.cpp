@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "case/initial_state.hpp"
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 #include "physics/primitive_water.hpp"
 
 namespace cases {

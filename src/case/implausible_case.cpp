@@ -19,8 +19,9 @@ void warn_if(const plausibility::Remark& remark, Diagnostics& diagnostics) {
 
 /// The largest discharge that a boundary imposes outwards, m2/s; 0 if it imposes none.
 double largest_outflow(const Case& contents, const Boundary& boundary) {
-  if (boundary.code == edge_code::discharge) return boundary.value;
-  if (boundary.code != edge_code::hydrograph) return 0.0;
+  const BoundaryKind& kind = *boundary_kind(boundary.code);
+  if (!kind.imposes_discharge()) return 0.0;
+  if (kind.has_value()) return boundary.value;
   const std::vector<double>& values = contents.series[at(boundary.series)].values;
   return *std::max_element(values.begin(), values.end());
 }

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "case/cell_files.hpp"
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 #include "utils/stop.hpp"
 
 namespace cases {

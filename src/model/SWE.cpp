@@ -1,6 +1,6 @@
 #include "model/SWE.hpp"
 
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
 #include "interfaces/HydroBCLimnigraph.hpp"

@@ -1,7 +1,7 @@
 #include "model/SWE_Exner.hpp"
 
+#include "case/boundary_kinds.hpp"
 #include "globals/Globals.hpp"
-#include "globals/edge_codes.hpp"
 #include "interfaces/SedBCDischarge.hpp"
 #include "interfaces/SedBCTransmissive.hpp"
 #include "interfaces/SedBCWall.hpp"

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 #include "interfaces/TimeSeries.hpp"
 #include "model/SWE.hpp"
 #include "model/SWE_Exner.hpp"

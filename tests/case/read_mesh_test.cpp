@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "case/CollectedMessages.hpp"
-#include "globals/edge_codes.hpp"
-#include "support/fatal.hpp"
+#include "case/boundary_kinds.hpp"
 #include "support/TemporaryFolder.hpp"
+#include "support/fatal.hpp"
 
 namespace {
 
@@ -75,23 +75,21 @@ TEST_F(ReadMeshTest, WarnsOfEdgesThatAreProbablyWrong) {
 }
 
 TEST_F(ReadMeshTest, AMeshWithoutCellsEndsTheRun) {
-  EXPECT_FATAL(read_cells("0"), 255,
-              "found 0, expected 1 or more: a mesh has cells\\.");
+  EXPECT_FATAL(read_cells("0"), 255, "found 0, expected 1 or more: a mesh has cells\\.");
 }
 
 TEST_F(ReadMeshTest, ABoundaryThatTheModelDoesNotHaveEndsTheRunOnceItsRecordIsRead) {
   read_square();
   contents.has_sediments = true;
   EXPECT_FATAL(read_edges("1\n0 -1 0 1 -33 not_there.txt"), 255,
-              testing::Eq("Boundary condition of type -33 not defined!\n"));
-  EXPECT_FATAL(read_edges("1\n0 -1 0 1 -33"), 255,
-              "time-series file: found the end of the file");
+               testing::Eq("Boundary condition of type -33 not defined!\n"));
+  EXPECT_FATAL(read_edges("1\n0 -1 0 1 -33"), 255, "time-series file: found the end of the file");
 }
 
 TEST_F(ReadMeshTest, NodesThatOverflowEndTheRunWithTheirCell) {
   read_nodes("3\n0 0 0\n1e308 0 0\n0 1e200 0\n");
   EXPECT_FATAL(read_cells("1\n3 0 1 2"), 255,
-              "cell 0 \\(of 0 to 0\\): found a node at \\(1e.308, 0, 0\\)");
+               "cell 0 \\(of 0 to 0\\): found a node at \\(1e.308, 0, 0\\)");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <set>
 #include <stdexcept>
 
+#include "case/boundary_kinds.hpp"
 #include "support/polygon_mesh.hpp"
 #include "support/strip_mesh.hpp"
 

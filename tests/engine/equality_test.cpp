@@ -8,10 +8,10 @@
 #include <optional>
 #include <random>
 
+#include "case/boundary_kinds.hpp"
 #include "engine/host/loops.hpp"
 #include "fields/ObjectsFlow.hpp"
 #include "fields/TablesFlow.hpp"
-#include "globals/edge_codes.hpp"
 #include "model/CellSWE_Exner.hpp"
 #include "model/SWE_Exner.hpp"
 #include "sources/GreenAmptTerm.hpp"

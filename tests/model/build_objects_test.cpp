@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <array>
 
+#include "case/boundary_kinds.hpp"
 #include "case/initial_state.hpp"
-#include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
 #include "interfaces/HydroFluxLHLLC.hpp"

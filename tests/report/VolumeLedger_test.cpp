@@ -7,8 +7,8 @@
 #include <functional>
 #include <limits>
 
+#include "case/boundary_kinds.hpp"
 #include "fields/ObjectsFlow.hpp"
-#include "globals/edge_codes.hpp"
 #include "model/SWE_Exner.hpp"
 #include "sources/GreenAmptTerm.hpp"
 #include "sources/HortonTerm.hpp"

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 #include "model/SWE.hpp"
 
 namespace support {

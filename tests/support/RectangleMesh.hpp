@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "case/boundary_kinds.hpp"
 #include "globals/Globals.hpp"
-#include "globals/edge_codes.hpp"
 #include "model/SWE.hpp"
 
 namespace support {

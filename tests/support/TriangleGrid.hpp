@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 
 namespace support {
 

@@ -6,9 +6,9 @@
 #include <stdexcept>
 
 #include "case/Case.hpp"
+#include "case/boundary_kinds.hpp"
 #include "engine/State.hpp"
 #include "globals/Globals.hpp"
-#include "globals/edge_codes.hpp"
 #include "interfaces/HydroBCDischarge.hpp"
 #include "interfaces/HydroBCHydrograph.hpp"
 #include "interfaces/HydroBCLimnigraph.hpp"

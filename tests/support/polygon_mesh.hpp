@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "case/Mesh.hpp"
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 
 namespace support {
 

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "case/Mesh.hpp"
-#include "globals/edge_codes.hpp"
+#include "case/boundary_kinds.hpp"
 
 namespace support {
 

@@ -10,6 +10,7 @@
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/counted.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -99,11 +100,7 @@ std::string forms_of_boundaries(bool with_sediments) {
   for (const cases::BoundaryKind& kind : cases::boundary_kinds) {
     if (kind.with_sediments || !with_sediments) forms.push_back(form_of(kind));
   }
-  std::string list = forms.front();
-  for (std::size_t i = 1; i < forms.size(); ++i) {
-    list += (i + 1 < forms.size() ? ", " : " or ") + forms[i];
-  }
-  return list;
+  return utils::alternatives(forms);
 }
 
 BoundaryRequest parse_boundary(const std::string& text) {

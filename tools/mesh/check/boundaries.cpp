@@ -5,8 +5,8 @@
 #include <map>
 #include <tuple>
 
+#include "case/boundary_kinds.hpp"
 #include "case/plausibility.hpp"
-#include "globals/edge_codes.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/counted.hpp"

@@ -1,11 +1,16 @@
 #include "mesh/check/case_mesh.hpp"
 
+#include <functional>
+#include <iterator>
 #include <limits>
+#include <set>
+#include <vector>
 
 #include "case/SeriesFiles.hpp"
 #include "case/keys.hpp"
 #include "case/mesh_records.hpp"
 #include "mesh/check/checked_file.hpp"
+#include "utils/counted.hpp"
 
 namespace tools::check {
 
@@ -38,6 +43,24 @@ Number read_cells(const std::string& name, Number n_nodes, CheckedCase& checked,
     findings.error("no cells", name + ": the mesh has no cells");
   }
   return limit_of(file, count);
+}
+
+/// The codes of a model, as in "-1 to -5, -33 or -44".
+std::string expected_codes(bool with_sediments) {
+  std::set<int, std::greater<>> codes = {edge_code::interior};
+  for (const cases::BoundaryKind& kind : cases::boundary_kinds) {
+    if (kind.with_sediments || !with_sediments) codes.insert(kind.code);
+  }
+  std::vector<std::string> runs;
+  for (auto first = codes.begin(); first != codes.end();) {
+    auto last = first;
+    while (codes.count(*last - 1) > 0) ++last;
+    const std::string end = last == first ? "" : " to " + std::to_string(*last);
+    runs.push_back(std::to_string(*first) + end);
+    first = std::next(last);
+  }
+  return utils::alternatives(runs) +
+         (with_sediments ? ", the codes of the model with sediments" : "");
 }
 
 class EdgesReader {
@@ -84,9 +107,7 @@ class EdgesReader {
   void check_code(int code) {
     const cases::BoundaryKind* const kind = cases::boundary_kind(code);
     if (kind != nullptr && (kind->with_sediments || !data_.has_sediments())) return;
-    file_.refuse("boundary code", data_.has_sediments()
-                                      ? "-1 to -5, the codes of the model with sediments"
-                                      : "-1 to -5, -33 or -44");
+    file_.refuse("boundary code", expected_codes(data_.has_sediments()));
   }
 
   const DataFile& data_;

@@ -34,7 +34,7 @@ void check_mesh(CaseReport& report, const CheckedCase& checked) {
   report.mesh = mesh_summary(mesh, report.cells);
   check_finite_geometry(checked, report.cells, findings);
   if (checked.has_edges) {
-    check_orientation(mesh, report.cells, findings);
+    check_orientation(mesh, findings);
     check_sides(mesh, findings);
     report.regions = check_regions(mesh, report.cells, findings);
     report.higher_cell_first = check_shores(mesh, report.cells, report.data.zero_depth, findings);

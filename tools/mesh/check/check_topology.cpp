@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <numeric>
 
+#include "case/edge_faults.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/counted.hpp"
 
@@ -150,29 +151,25 @@ void check_sides(const cases::Mesh& mesh, Findings& findings) {
   }
 }
 
-void check_orientation(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
-                       Findings& findings) {
+void check_orientation(const cases::Mesh& mesh, Findings& findings) {
   for (int e = 0; e < mesh.n_edges(); ++e) {
-    const int left = mesh.left[at(e)], right = mesh.right[at(e)];
-    const physics::PlanPoint a = mesh.plan_node(mesh.node1[at(e)]);
-    const physics::PlanPoint b = mesh.plan_node(mesh.node2[at(e)]);
-    const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
-    const physics::SpacePoint& center = cells[at(left)].center;
-    const double outwards =
-        (middle.x - center.x) * (b.y - a.y) - (middle.y - center.y) * (b.x - a.x);
-    if (!(physics::plan_distance(a, b) > 0.0)) {
+    const cases::Boundary* const boundary = mesh.boundary_on(e);
+    const cases::EdgeFaults faults = cases::faults_of(mesh, e, boundary);
+    if (faults.has_no_length) {
+      const physics::PlanPoint a = mesh.plan_node(mesh.node1[at(e)]);
       findings.warning("edge without length", edge_name(e) + " has no length, at " +
                                                   point(a.x, a.y) + ": its flux is not a number");
-    } else if (outwards < 0.0) {
-      findings.warning("edge orientation",
-                       edge_name(e) + " has a normal that points into its left cell " +
-                           std::to_string(left) + "; list its two nodes the other way round");
     }
-    const cases::Boundary* const boundary = mesh.boundary_on(e);
-    if (boundary != nullptr && right >= 0) {
+    if (faults.points_inwards) {
+      findings.warning("edge orientation", edge_name(e) +
+                                               " has a normal that points into its left cell " +
+                                               std::to_string(mesh.left[at(e)]) +
+                                               "; list its two nodes the other way round");
+    }
+    if (faults.is_two_sided) {
       findings.warning("two-sided boundary",
                        edge_name(e) + " has the boundary code " + std::to_string(boundary->code) +
-                           " and also a right cell " + std::to_string(right) +
+                           " and also a right cell " + std::to_string(mesh.right[at(e)]) +
                            ", which gets no flux through it; -1 lets water pass");
     }
   }

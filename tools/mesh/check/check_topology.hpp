@@ -15,8 +15,7 @@ void check_sides(const cases::Mesh& mesh, Findings& findings);
 
 /// Reports edges without length, edges whose normal points into their left cell, and boundary codes
 /// between two cells.
-void check_orientation(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
-                       Findings& findings);
+void check_orientation(const cases::Mesh& mesh, Findings& findings);
 
 /// Reports dry cells that stand left of lower water; returns the number of all interior edges that
 /// name the higher cell first.
