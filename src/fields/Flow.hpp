@@ -23,12 +23,11 @@ struct CellState {
 };
 
 /// What becomes of the water and the bed of a cell without showing in its state, summed since the
-/// steps are watched, m.
+/// steps are watched, m where not said otherwise.
 struct UnseenDepth {
-  double recovered = 0.0;  ///< lost by the soil as it recovered
-  double lifted = 0.0;     ///< sediment that the limit at the bed rock created
-  /// Sizes of what the bound of draining films took of the unit discharge, m2/s.
-  double taken_discharge = 0.0;
+  double recovered = 0.0;        ///< lost by the soil as it recovered
+  double lifted = 0.0;           ///< sediment that the limit at the bed rock created
+  double taken_discharge = 0.0;  ///< sizes of what bounds of draining films took, m2/s
 };
 
 /// What the steps run on: the name of the path, its threads, and its instruction set.

@@ -102,7 +102,9 @@ void HllFlow::note_states(Number limiting_cell) {
 }
 
 UnseenDepth HllFlow::unseen_depth(Number cell) const {
-  return {walk_.water().recovered[at(cell)], 0.0, walk_.water().taken_discharge[at(cell)]};
+  const HllWalk::Water& water = walk_.water();
+  return {.recovered = water.recovered[at(cell)],
+          .taken_discharge = water.taken_discharge[at(cell)]};
 }
 
 BoundaryInflow HllFlow::boundary_inflow(int boundary) const {

@@ -252,8 +252,12 @@ json RunReport::steps() const {
 json RunReport::velocity() const {
   const double speed = std::sqrt(fastest_.record.value);
   const double froude = physics::froude_number(most_rapid_.record.value);
-  return {{"largest", peak_json(fastest_, "m_per_s", speed)},
-          {"largest_froude", peak_json(most_rapid_, "froude_number", froude)}};
+  json result = {{"largest", peak_json(fastest_, "m_per_s", speed)},
+                 {"largest_froude", peak_json(most_rapid_, "froude_number", froude)}};
+  if (cases::is_hll(case_->scheme)) {
+    result["momentum_taken_from_films_m4_per_s"] = ledger_->momentum_taken();
+  }
+  return result;
 }
 
 json RunReport::not_a_number() const {

@@ -48,6 +48,8 @@ class VolumeLedger {
   /// The books up to now.
   Books water() const;
   Books sediment() const;
+  /// Momentum that the bound of draining films took away: sizes, over the density, m4/s.
+  double momentum_taken() const { return unseen_volume(&fields::UnseenDepth::taken_discharge); }
 
  private:
   struct Stored {

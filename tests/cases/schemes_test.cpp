@@ -70,6 +70,19 @@ TEST_F(Schemes, ThePositiveOnesKeepTheirBooksClosed) {
   }
 }
 
+TEST_F(Schemes, TheReportBooksWhatIsTakenFromDrainingFilms) {
+  c.bed = [](double x, double) { return 2.0 - 2.0 * std::floor(x / 2.0); };
+  c.initial = [](double x, double) { return support::InitialState{x < 2.0 ? 2.3 : -9.0}; };
+  c.east = "-2";
+  c.set_times(0.0, 5.0);
+  use("HLL2");
+  ASSERT_EQ(run_with_report().status, 0);
+  EXPECT_GT(report()["velocity"]["momentum_taken_from_films_m4_per_s"].get<double>(), 0.0);
+  use("LHLLC");
+  ASSERT_EQ(run_with_report().status, 0);
+  EXPECT_FALSE(report()["velocity"].contains("momentum_taken_from_films_m4_per_s"));
+}
+
 TEST_F(Schemes, ThePositiveOnesAreNotForSediments) {
   lay_sand(c, "1");
   use("HLL2");

@@ -243,6 +243,20 @@ TEST(HllFlow, NotesTheFastestWaterAndTheCellThatBoundsTheStep) {
   EXPECT_EQ(flow.survey().a_cell_not_finite, -1);
 }
 
+TEST(HllFlow, TellsWhatTheBoundOfDrainingFilmsTook) {
+  const cases::Case contents = random_case(1);
+  BookedRun run(contents);
+  for (int step = 0; step < 50; ++step) run.step();
+  double sum = 0.0;
+  for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+    const double taken = run.flow.unseen_depth(cell).taken_discharge;
+    EXPECT_GE(taken, 0.0);
+    sum += taken * contents.mesh.geometry_of(cell).area;
+  }
+  EXPECT_GT(sum, 0.0);
+  EXPECT_NEAR(run.ledger.momentum_taken(), sum, 1e-12 * sum);
+}
+
 TEST(HllFlow, FindsTheCellsWhoseStateIsNoNumber) {
   TriangleGrid grid;
   grid.qx = [](double x, double) { return x < 4.0 ? 0.0 : 1e200; };
