@@ -65,15 +65,17 @@ QM_HD inline BoundaryFlux hll_free_outflow(const HllBoundarySide& s) {
 }
 
 /// Imposed level (m), met by the outgoing invariant; neither way faster than critical. Water that
-/// arrives faster than its waves leaves as it is, unless the thrust behind the level is stronger. A
-/// dry edge lets in alone.
+/// arrives faster than its waves leaves as it is, unless the thrust behind the level is stronger:
+/// then the level fills in as over dry ground. A dry edge lets in alone.
 QM_HD inline BoundaryFlux hll_water_level(const HllBoundarySide& s, double level) {
   const double depth = larger(level - s.bed, 0.0);
-  const double c = larger(std::sqrt(9.81 * depth), s.R / 3.0);
-  const double un = larger(s.R - 2.0 * c, -c);
-  const bool fast = s.un > s.c && thrust_beyond(s, depth) < s.un * s.un * s.h;
+  const bool fast = s.un > s.c;
+  const bool stronger = thrust_beyond(s, depth) < s.un * s.un * s.h;
+  const double R = fast ? 0.0 : s.R;
+  const double c = larger(std::sqrt(9.81 * depth), R / 3.0);
+  const double un = larger(R - 2.0 * c, -c);
   const bool passes = s.wet || un < 0.0;
-  return only_if(passes, chosen(fast, own_flux(s), flux_of_celerity(s, c, un)));
+  return only_if(passes, chosen(fast && stronger, own_flux(s), flux_of_celerity(s, c, un)));
 }
 
 /// One step of Newton's towards a root c of 2 c^3 - R c^2 + g q = 0: of the celerity at which water
