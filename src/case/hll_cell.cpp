@@ -1,14 +1,28 @@
 #include "case/hll_cell.hpp"
 
 #include <algorithm>
+#include <stdexcept>
+#include <string>
 
-#include "case/initial_state.hpp"
 #include "case/boundary_kinds.hpp"
+#include "case/initial_state.hpp"
 #include "physics/primitive_water.hpp"
 
 namespace cases {
 
 namespace {
+
+/// Water that rain takes away would have to be there.
+void require_rain_that_falls(const Case& contents, const char* scheme) {
+  for (const Hyetogram& rain : contents.rain) {
+    for (const double intensity : rain.intensities) {
+      if (intensity >= 0.0) continue;
+      throw std::runtime_error("Error. The flux scheme " + std::string(scheme) +
+                               " takes no rain below zero, as hyetogram " +
+                               std::to_string(rain.id) + " has it.");
+    }
+  }
+}
 
 struct Corners {
   physics::PlanPoint of[3];
@@ -63,6 +77,12 @@ physics::PlanVector slope_of_bed_file(const Case& contents, const TriangleSides&
 }
 
 }  // namespace
+
+std::vector<TriangleSides> sides_for_hll(const Case& contents) {
+  const char* const scheme = kind_of(contents.scheme).name;
+  require_rain_that_falls(contents, scheme);
+  return sides_of_triangles(contents.mesh, scheme);
+}
 
 physics::Edge edge_at_side(const Mesh& mesh, Number cell, int k) {
   const Corners corners = corners_of(mesh, cell);

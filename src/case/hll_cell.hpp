@@ -16,6 +16,10 @@ struct HllCellOfCase {
   double resistance;         ///< of the bed, m^(1/3)
 };
 
+/// The sides of the cells of a case that asks for an HLL scheme. Throws std::runtime_error as
+/// sides_of_triangles does, and where rain is below zero: the water would have to be there.
+std::vector<TriangleSides> sides_for_hll(const Case& contents);
+
 /// Reads the neighbours of the cell too; nothing else of the other cells, so that any order will
 /// do.
 HllCellOfCase hll_cell_of(const Case& contents, const std::vector<TriangleSides>& sides,

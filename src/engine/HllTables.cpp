@@ -36,8 +36,7 @@ void make_hll_tables(const cases::Case& contents, const std::vector<int>& order,
                      Tables& tables) {
   HllTables& hll = *tables.hll;
   hll.second_order = contents.scheme == cases::Scheme::hll2;
-  const std::vector<cases::TriangleSides> sides =
-      cases::sides_of_triangles(contents.mesh, cases::kind_of(contents.scheme).name);
+  const std::vector<cases::TriangleSides> sides = cases::sides_for_hll(contents);
   hll.patches = make_hll_patches(contents, sides, tables, order, team);
   for (Column* column : {&hll.h, &hll.qx, &hll.qy, &hll.reciprocal_length}) {
     column->resize(order.size());

@@ -25,7 +25,7 @@ struct HllTables {
   std::size_t bytes() const;
 };
 
-/// Fills Tables::hll, which the other tables must precede. Throws as cases::sides_of_triangles and
+/// Fills Tables::hll, which the other tables must precede. Throws as cases::sides_for_hll and
 /// make_hll_patches do.
 void make_hll_tables(const cases::Case& contents, const std::vector<int>& order, ThreadTeam& team,
                      Tables& tables);

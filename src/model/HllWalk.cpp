@@ -1,7 +1,6 @@
 #include "model/HllWalk.hpp"
 
 #include <algorithm>
-#include <stdexcept>
 #include <string>
 
 #include "case/boundary_kinds.hpp"
@@ -15,18 +14,6 @@ namespace {
 
 using cases::at;
 using cases::Number;
-
-/// Water that rain takes away would have to be there.
-void require_rain_that_falls(const cases::Case& contents, const char* scheme) {
-  for (const cases::Hyetogram& rain : contents.rain) {
-    for (const double intensity : rain.intensities) {
-      if (intensity >= 0.0) continue;
-      throw std::runtime_error("Error. The flux scheme " + std::string(scheme) +
-                               " takes no rain below zero, as hyetogram " +
-                               std::to_string(rain.id) + " has it.");
-    }
-  }
-}
 
 physics::BoundaryFlux boundary_flux(const physics::HllBoundarySide& side, int code,
                                     double imposed) {
@@ -49,11 +36,10 @@ double wave_speed_of(const cases::Boundary& boundary, double imposed, double bed
 
 HllWalk::HllWalk(const cases::Case& contents)
     : case_(contents),
-      sides_(cases::sides_of_triangles(contents.mesh, cases::kind_of(contents.scheme).name)),
+      sides_(cases::sides_for_hll(contents)),
       forcing_(contents),
       char_length_min_(physics::unbounded_step),
       boundary_inflow_(contents.mesh.boundaries.size()) {
-  require_rain_that_falls(contents, cases::kind_of(contents.scheme).name);
   const Number n_cells = contents.mesh.n_cells();
   for (Number cell = 0; cell < n_cells; ++cell) {
     cells_.push_back(cases::hll_cell_of(contents, sides_, cell));

@@ -5,10 +5,12 @@
 #include <stdexcept>
 #include <string>
 
+#include "fields/HllFlow.hpp"
 #include "support/NoThreads.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
+#include "support/TriangleGrid.hpp"
 #include "support/case_of.hpp"
 #include "support/polygon_mesh.hpp"
 
@@ -50,6 +52,21 @@ TEST_F(MakeFlow, ACellOfMoreEdgesThanTheTablesNumberRunsOnTheObjects) {
   EXPECT_EQ(path_of(pond(65000), ""), "tables");
   EXPECT_EQ(path_of(pond(66000), ""), "objects");
   EXPECT_THROW(path_of(pond(66000), "tables"), std::runtime_error);
+}
+
+TEST_F(MakeFlow, ThePositiveSchemesHaveAWalkInPlaceOfTheObjects) {
+  cases::Case contents = support::TriangleGrid{}.make();
+  for (const cases::Scheme scheme : {cases::Scheme::hll1, cases::Scheme::hll2}) {
+    contents.scheme = scheme;
+    EXPECT_EQ(path_of(contents, ""), "tables");
+    const auto walk = fields::make_flow(contents, told, {.path = "objects"});
+    EXPECT_NE(dynamic_cast<const fields::HllFlow*>(walk.get()), nullptr);
+    EXPECT_EQ(walk->scales().h0, 1.0);
+    contents.rain = {{7, 1, {0.0}, {-1e-3}}};
+    EXPECT_THROW(path_of(contents, ""), std::runtime_error);
+    EXPECT_THROW(path_of(contents, "objects"), std::runtime_error);
+    contents.rain.clear();
+  }
 }
 
 TEST_F(MakeFlow, BothPathsKnowTheScalesOfTheirCase) {
