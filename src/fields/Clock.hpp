@@ -27,7 +27,7 @@ inline void advance(Flow& flow, const cases::Case& contents, Clock& clock) {
   const double applied = clock.dt;
   clock.dt = contents.cfl * flow.advance({clock.t, contents.t_start, contents.t_end, applied});
   ++clock.steps;
-  // Intended: with the first scheme the clock advances by the new step, not by the one just
+  // Intended: with LHLLC the clock advances by the new step, not by the one just
   // applied; and no step is shortened to meet an output time or the end.
   clock.t += cases::is_hll(contents.scheme) ? applied : clock.dt;
 }
