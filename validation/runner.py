@@ -1,4 +1,5 @@
 """Writes a case folder, runs the simulator in it and reads the results back."""
+import json
 import os
 import shutil
 import subprocess
@@ -147,6 +148,16 @@ def write_data_file(folder, name, mesh, setup, conditions, depth):
     input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT, SCHEME,
                                conditions, setup.sources, output, setup.zero_depth,
                                setup.sediment and setup.sediment[1])
+
+
+def ask_for_scheme(folder):
+    """Puts the scheme of all runs into a data file that is there already."""
+    name = os.path.join(folder, "data.json")
+    with open(name) as file:
+        data = json.load(file)
+    data["model"]["flux scheme"] = SCHEME
+    with open(name, "w") as file:
+        json.dump(data, file, indent=2)
 
 
 def execute(folder, threads=1):

@@ -38,6 +38,7 @@ class Flood(Case):
         os.makedirs(os.path.join(folder, "out"))
         for name in CASE_FILES:
             shutil.copy(os.path.join(data, "case", name), folder)
+        runner.ask_for_scheme(folder)
         runner.execute(folder)
         marks = np.loadtxt(os.path.join(data, "observations.csv"), delimiter=",", ndmin=2)
         self.places, self.observed, self.published = marks[:, 2], marks[:, 3], marks[:, 4]
