@@ -64,11 +64,19 @@ struct Series {
   std::vector<double> times, values;
 };
 
+/// How water is carried over the edges.
+enum class Scheme {
+  LHLLC,  ///< first order; a depth may fall below zero where thin water runs fast
+  HLL1,   ///< first order; no depth below zero, lakes at rest; triangles alone
+  HLL2    ///< the same, of second order in space and time
+};
+
 /// A case of the hydrodynamic model in plain arrays. Soils, sediments and rain that follows
 /// hyetograms need the files of Simulation::open().
 struct Case {
   double t_start = 0.0, t_end = 0.0;
   double courant_number = 0.9;
+  Scheme scheme = Scheme::LHLLC;
   double zero_depth = 1e-4;  ///< water is strictly deeper
 
   std::vector<double> x, y, z;           ///< of the nodes

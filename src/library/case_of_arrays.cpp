@@ -31,10 +31,23 @@ std::vector<double> column_or_none(const std::string& what, const std::vector<do
   return values.empty() ? values : column(what, values, count);
 }
 
+cases::Scheme scheme_of(Scheme scheme) {
+  switch (scheme) {
+    case Scheme::LHLLC:
+      return cases::Scheme::lhllc;
+    case Scheme::HLL1:
+      return cases::Scheme::hll1;
+    case Scheme::HLL2:
+      return cases::Scheme::hll2;
+  }
+  throw Error("The flux scheme is none of those that there are.");
+}
+
 void take_parameters(const Case& given, cases::Case& contents) {
   require_finite("start time", contents.t_start = given.t_start);
   require_finite("end time", contents.t_end = given.t_end);
   require_finite("Courant number", contents.cfl = given.courant_number);
+  contents.scheme = scheme_of(given.scheme);
   require_finite("zero depth", contents.zero_depth = given.zero_depth);
 }
 

@@ -45,6 +45,55 @@ class SimulationOfFiles : public LibraryFiles {
     }
   }
 
+  void expect_the_same_from_arrays(quillmere::Scheme scheme) {
+    support::Case c;
+    c.data["model"]["flux scheme"] = scheme == quillmere::Scheme::LHLLC ? "LHLLC" : "HLL2";
+    c.west = "-33 inflow.txt";
+    c.east = "-4 0.9";
+    c.files["inflow.txt"] = "3\n0 -0.1\n1 -0.3\n20 -0.1\n";
+    c.add_friction(c.per_cell("0.03"));
+    c.add_fixed_bed(c.per_cell("0.05"));
+    c.set_times(0.0, 50.0);
+    Simulation of_files = open(c);
+    const cases::Case read = contents_of_files();
+
+    quillmere::Case arrays;
+    arrays.t_end = read.t_end;
+    arrays.courant_number = read.cfl;
+    arrays.scheme = scheme;
+    arrays.zero_depth = read.zero_depth;
+    arrays.x = read.mesh.x;
+    arrays.y = read.mesh.y;
+    arrays.z = read.mesh.z;
+    arrays.cell_nodes = read.mesh.cell_nodes;
+    for (cases::Number e = 0; e < read.mesh.n_edges(); ++e) {
+      const std::size_t k = cases::at(e);
+      quillmere::Edge& edge = arrays.edges.emplace_back();
+      edge = {read.mesh.left[k],
+              read.mesh.right[k],
+              read.mesh.node1[k],
+              read.mesh.node2[k],
+              EdgeKind::interior,
+              0.0,
+              -1};
+      if (const cases::Boundary* const boundary = read.mesh.boundary_on(e)) {
+        edge.kind = static_cast<EdgeKind>(boundary->code);
+        edge.value = boundary->value;
+        edge.series = boundary->series;
+      }
+    }
+    arrays.series.push_back({read.series[0].times, read.series[0].values});
+    arrays.level = read.fields.level;
+    arrays.bed = read.fields.bed;
+    arrays.manning = read.fields.manning;
+    Simulation of_arrays(arrays);
+    EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
+    take_steps(of_arrays, 50);
+    take_steps(of_files, 50);
+    EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
+    EXPECT_GT(volume_of(of_files), 1.0);
+  }
+
   support::Told told;
 };
 
@@ -68,6 +117,15 @@ TEST_F(SimulationOfFiles, HasTheBitsOfTheObjectsInEveryField) {
   c.set_times(0.0, 50.0);
   expect_the_bits_of_the_objects(c, 60);
   expect_the_bits_of_the_objects(sand_case(40, 30), 60);
+}
+
+TEST_F(SimulationOfFiles, HasTheBitsOfTheWalkOfThePositiveSchemes) {
+  for (const char* const scheme : {"HLL1", "HLL2"}) {
+    support::Case c = support::full_case(40, 30);
+    c.set_times(0.0, 50.0);
+    c.data["model"]["flux scheme"] = scheme;
+    expect_the_bits_of_the_objects(c, 60);
+  }
 }
 
 TEST_F(SimulationOfFiles, HasTheStatesThatTheProgramWrites) {
@@ -96,50 +154,9 @@ TEST_F(SimulationOfFiles, WritesNoFile) {
 }
 
 TEST_F(SimulationOfFiles, OfTheSameArraysHasTheSameBits) {
-  support::Case c;
-  c.west = "-33 inflow.txt";
-  c.east = "-4 0.9";
-  c.files["inflow.txt"] = "3\n0 -0.1\n1 -0.3\n20 -0.1\n";
-  c.add_friction(c.per_cell("0.03"));
-  c.add_fixed_bed(c.per_cell("0.05"));
-  c.set_times(0.0, 50.0);
-  Simulation of_files = open(c);
-  const cases::Case read = contents_of_files();
-
-  quillmere::Case arrays;
-  arrays.t_end = read.t_end;
-  arrays.courant_number = read.cfl;
-  arrays.zero_depth = read.zero_depth;
-  arrays.x = read.mesh.x;
-  arrays.y = read.mesh.y;
-  arrays.z = read.mesh.z;
-  arrays.cell_nodes = read.mesh.cell_nodes;
-  for (cases::Number e = 0; e < read.mesh.n_edges(); ++e) {
-    const std::size_t k = cases::at(e);
-    quillmere::Edge& edge = arrays.edges.emplace_back();
-    edge = {read.mesh.left[k],
-            read.mesh.right[k],
-            read.mesh.node1[k],
-            read.mesh.node2[k],
-            EdgeKind::interior,
-            0.0,
-            -1};
-    if (const cases::Boundary* const boundary = read.mesh.boundary_on(e)) {
-      edge.kind = static_cast<EdgeKind>(boundary->code);
-      edge.value = boundary->value;
-      edge.series = boundary->series;
-    }
+  for (const quillmere::Scheme scheme : {quillmere::Scheme::LHLLC, quillmere::Scheme::HLL2}) {
+    expect_the_same_from_arrays(scheme);
   }
-  arrays.series.push_back({read.series[0].times, read.series[0].values});
-  arrays.level = read.fields.level;
-  arrays.bed = read.fields.bed;
-  arrays.manning = read.fields.manning;
-  Simulation of_arrays(arrays);
-  EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
-  take_steps(of_arrays, 50);
-  take_steps(of_files, 50);
-  EXPECT_EQ(sight_of(of_arrays), sight_of(of_files));
-  EXPECT_GT(volume_of(of_files), 1.0);
 }
 
 TEST(SimulationTime, StepsToATimeAndNoFurtherThanTheEnd) {
