@@ -35,7 +35,7 @@ void set_cell_files(const Case& contents, std::string_view section, Document& da
 
 void set_model(const Case& contents, Document& data) {
   data.set(key("model/name"), contents.has_sediments ? sediment_model : water_model);
-  data.set(key("model/flux scheme"), flux_scheme);
+  data.set(key("model/flux scheme"), kind_of(contents.scheme).name);
   constexpr const Key& zero_depth = key("model/zero depth value");
   if (contents.zero_depth != default_number(zero_depth)) data.set(zero_depth, contents.zero_depth);
   set_cell_files(contents, "model/conditions", data);

@@ -41,7 +41,6 @@ struct Key {
 // Names that keys of the model take as values.
 inline constexpr char water_model[] = "Quillmere";
 inline constexpr char sediment_model[] = "Bramsett";
-inline constexpr char flux_scheme[] = "LHLLC";
 
 /// Every key, a section before what it holds.
 inline constexpr auto keys = [] {

@@ -77,6 +77,7 @@ cases::Case case_of(const Case& imported) {
   contents.has_sediments = !imported.sediment.empty();
   contents.t_end = imported.end;
   contents.cfl = imported.courant;
+  contents.scheme = imported.scheme;
   contents.zero_depth =
       imported.zero_depth.value_or(cases::default_number(cases::key("model/zero depth value")));
   contents.sediment = imported.sediments;

@@ -20,6 +20,7 @@ struct Case {
   std::string name;
   double end = 0.0;  // s
   double courant = 0.0;
+  cases::Scheme scheme = cases::Scheme::lhllc;
   double envelope_interval = 0.0;    // s
   double recording_interval = 0.0;   // of gauges and sections, s
   std::vector<double> snapshots;     // s

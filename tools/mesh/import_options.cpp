@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "case/schemes.hpp"
 #include "mesh/boundaries.hpp"
 
 namespace mesh_import {
@@ -10,6 +11,12 @@ namespace {
 
 [[noreturn]] void refuse_usage(const std::string& option, const std::string& message) {
   throw CLI::ValidationError(option, message);
+}
+
+std::vector<std::string> names_of_schemes() {
+  std::vector<std::string> names;
+  for (const cases::SchemeKind& kind : cases::schemes) names.emplace_back(kind.name);
+  return names;
 }
 
 }  // namespace
@@ -83,6 +90,11 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
   command.add_option("--cfl", options.courant, "Courant number")
       ->capture_default_str()
       ->type_name("VALUE");
+  command
+      .add_option("--scheme", options.scheme,
+                  "Flux scheme; otherwise HLL2, or LHLLC with --sediment or --keep-quads")
+      ->type_name("NAME")
+      ->check(CLI::IsMember(names_of_schemes()));
   command.add_flag("--keep-quads", options.keep_quads, "Do not split quadrilaterals");
   command.add_flag("--overwrite", options.overwrite, "Replace a case that is there");
   command.add_flag("--allow-commands", options.allow_commands,

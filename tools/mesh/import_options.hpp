@@ -28,6 +28,7 @@ struct ImportOptions {
   std::string snapshots;
   std::optional<double> end, interval, zero_depth;
   double courant = 0.9;
+  std::string scheme;
   bool keep_quads = false;
   bool overwrite = false;
   bool allow_commands = false;

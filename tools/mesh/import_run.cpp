@@ -76,6 +76,30 @@ void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out
   out << " and the envelope every " << shown(contents.envelope_interval) << " s.\n";
 }
 
+/// What keeps a case from the schemes other than the first; null: nothing.
+const char* lacking_for_hll(const Case& contents) {
+  if (!contents.sediment.empty()) return "--sediment";
+  const auto& cells = contents.mesh.cells;
+  const bool has_quads =
+      std::any_of(cells.begin(), cells.end(), [](const Cell& cell) { return cell.size() != 3; });
+  return has_quads ? "--keep-quads" : nullptr;
+}
+
+/// The scheme that was asked for, or the best that the case can have.
+void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out) {
+  const char* const lacking = lacking_for_hll(contents);
+  if (options.scheme.empty()) {
+    contents.scheme = lacking != nullptr ? cases::Scheme::lhllc : cases::Scheme::hll2;
+  } else {
+    contents.scheme = cases::find_scheme(options.scheme)->scheme;
+  }
+  if (cases::is_hll(contents.scheme) && lacking != nullptr) {
+    throw tools::Error("--scheme " + options.scheme + " does not go with " + lacking +
+                       "; expected LHLLC.");
+  }
+  out << "The flux scheme is " << cases::kind_of(contents.scheme).name << ".\n";
+}
+
 /// Where the options say, or else in the lowest cell.
 void place_gauges(Case& contents, std::ostream& out) {
   for (Node& gauge : contents.gauges) {
@@ -102,6 +126,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
       options.name.empty() ? std::filesystem::path(options.mesh).stem().string() : options.name;
   contents.courant = options.courant;
   contents.zero_depth = options.zero_depth;
+  set_scheme(options, contents, out);
   set_times(options, contents, out);
   set_outputs(options, contents, out);
   place_gauges(contents, out);

@@ -326,6 +326,30 @@ TEST_F(Import, RefusesASnapshotThatIsNeverTaken) {
             "quillmere-mesh: --snapshots: found 2, expected times before the run ends, at 2 s.\n");
 }
 
+TEST_F(Import, AsksForTheSecondOrderSchemeUnlessToldOtherwise) {
+  EXPECT_TRUE(contains(import_well({"--level", "1"}), "The flux scheme is HLL2."));
+  EXPECT_EQ(data()["model"]["flux scheme"], "HLL2");
+  run_case();
+  for (const char* const scheme : {"LHLLC", "HLL1", "HLL2"}) {
+    import_well({"--scheme", scheme, "--overwrite"});
+    EXPECT_EQ(data()["model"]["flux scheme"], scheme);
+  }
+}
+
+TEST_F(Import, SedimentsTakeTheFirstSchemeAndNoOther) {
+  const Words sand = {"--sediment", "1", "--grain-diameter", "0.002", "--friction", "0.02"};
+  Words wrong = sand;
+  wrong.insert(wrong.end(), {"--scheme", "HLL2"});
+  const std::string told = import_badly(1, wrong);
+  EXPECT_TRUE(contains(told, "--scheme HLL2 does not go with --sediment; expected LHLLC")) << told;
+  import_well(sand);
+  EXPECT_EQ(data()["model"]["flux scheme"], "LHLLC");
+}
+
+TEST_F(Import, RefusesASchemeThatThereIsNot) {
+  EXPECT_TRUE(contains(import_badly(2, {"--scheme", "Roe"}), "--scheme"));
+}
+
 TEST_F(Import, SetsTheDepthOfDryCells) {
   import_well({"--zero-depth", "0.002"});
   EXPECT_EQ(data()["model"]["zero depth value"], 0.002);
