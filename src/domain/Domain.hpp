@@ -17,6 +17,7 @@
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
 #include "report/PhaseClock.hpp"
+#include "report/WaterLooks.hpp"
 #include "utils/WriterThread.hpp"
 
 class RunReport;
@@ -66,6 +67,7 @@ class Domain {
   void enter(Phase phase);
   void fire_outputs();
   void compute_step();
+  void look_at_water();
   void show_progress();
   void end_progress();
   void write_enveloppe();
@@ -82,7 +84,10 @@ class Domain {
   void stop_on_lost_clock();
   [[noreturn]] void stop_at_limiting_cell(const std::string& what);
   void warn_of_lost_states() const;
-  void warn_of_lost_results() const;
+  void warn_of_lost_results();
+  void warn_of_strange_water() const;
+  /// Once, while the run goes on, when much of the water lies below zero.
+  void warn_of_much_below_zero();
   void report_lost_states();
   void report_failure(const std::string& what, cases::Number cell);
   /// Answers the name of the snapshot; empty if it would replace an input file.
@@ -94,7 +99,9 @@ class Domain {
   const cases::Case& case_ = read_.contents;
   const cases::DataFile& data_ = read_.data;
   fields::Clock clock_;
-  std::unique_ptr<fields::Flow> flow_;            ///< of case_
+  std::unique_ptr<fields::Flow> flow_;  ///< of case_
+  std::unique_ptr<WaterLooks> looks_;   ///< at flow_; null before the steps
+  bool has_warned_of_much_ = false;
   double next_enveloppe_time = 0.0;               ///< s
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
   std::vector<double> umax_buffer;                ///< largest depths for the writer, m

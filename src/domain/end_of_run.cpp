@@ -1,10 +1,11 @@
-// The last look of a run, complete or not, at what it has written: depths below zero, and values
-// that are no numbers.
+// The last look of a run, complete or not, at what it has written: depths below zero, soils that
+// gave out water, films that raced, and values that are no numbers.
+#include <cmath>
 #include <string>
 #include <string_view>
 
 #include "domain/Domain.hpp"
-#include "domain/column_survey.hpp"
+#include "report/column_survey.hpp"
 #include "utils/cell_place.hpp"
 #include "utils/counted.hpp"
 #include "utils/number_text.hpp"
@@ -23,14 +24,30 @@ std::string named_place(const cases::Mesh& mesh, Number cell) {
 
 std::string at_time(double t) { return " at t = " + utils::number_text(t) + " s"; }
 
+std::string percent(double share) {
+  constexpr int digits = 3;
+  return utils::number_text(100.0 * share, digits) + " %";
+}
+
+/// What to do about depths below zero and what comes of them; a sentence with a blank before it.
+std::string advice(const cases::Case& contents) {
+  const bool has_choice = contents.scheme == cases::Scheme::lhllc && !contents.has_sediments;
+  return has_choice ? " The \"flux scheme\" \"HLL2\" keeps depths at or above zero." : "";
+}
+
+std::string seen_first(const cases::Mesh& mesh, const Sighting& first) {
+  return "seen first" + at_time(first.t) + " in " + named_place(mesh, first.cell);
+}
+
+/// `more` goes between the last figure and the end of the sentence.
 void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
-                     double t) {
+                     double t, const std::string& more) {
   if (found.below_zero == 0) return;
   utils::warn("the " + std::string(field.quantity) + " of " +
               utils::counted(found.below_zero, "cell") + " is below zero" + at_time(t) + ": " +
               utils::number_text(found.deficit) + " m3 are missing, while the other cells hold " +
               utils::number_text(found.held) + " m3; it is " + utils::number_text(found.lowest) +
-              " m in " + named_place(mesh, found.lowest_cell) + ".");
+              " m in " + named_place(mesh, found.lowest_cell) + more);
 }
 
 void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
@@ -48,9 +65,43 @@ bool is_same_quantity(const FieldInfo& a, const FieldInfo& b) {
 
 }  // namespace
 
-void Domain::warn_of_lost_results() const {
+void Domain::warn_of_much_below_zero() {
+  constexpr double much = 1e-3;
+  const ColumnSurvey& depths = looks_->depths();
+  if (has_warned_of_much_ || !(depths.share() > much)) return;
+  has_warned_of_much_ = true;
+  end_progress();
+  utils::warn("at t = " + utils::number_text(clock_.t) + " s " + percent(depths.share()) +
+              " of the water is missing in cells whose depth is below zero; " +
+              seen_first(case_.mesh, looks_->first_below_zero()) + "." + advice(case_));
+}
+
+void Domain::warn_of_strange_water() const {
+  if (looks_->first_given_out().is_any()) {
+    utils::warn("soils gave out " + utils::number_text(looks_->given_out()) +
+                " m3 of water or more, " + seen_first(case_.mesh, looks_->first_given_out()) + "." +
+                advice(case_));
+  }
+  const Sighting& film = looks_->first_film();
+  if (!film.is_any()) return;
+  const fields::CellState& state = looks_->state_of_first_film();
+  utils::warn("water ran at " + utils::number_text(std::hypot(state.qx, state.qy) / state.h) +
+              " m/s in a depth of " + utils::number_text(state.h) +
+              " m, which is beyond a Froude number of " +
+              utils::number_text(WaterLooks::largest_froude) + ", " + seen_first(case_.mesh, film) +
+              "; at most " + utils::counted(looks_->most_films(), "cell") + " at one time did so.");
+}
+
+void Domain::warn_of_lost_results() {
   warn_of_lost_states();
+  looks_->look();
   const std::size_t n_cells = at(case_.mesh.n_cells());
+  const auto about_depths = [&](const ColumnSurvey& survey) {
+    const Sighting& first = looks_->first_below_zero();
+    if (!first.is_any()) return std::string(".");
+    return "; " + percent(survey.share()) + " of the water is missing, " +
+           seen_first(case_.mesh, first) + "." + advice(case_);
+  };
   std::vector<double> areas, values(n_cells), component(n_cells);
   areas.reserve(n_cells);
   for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
@@ -67,8 +118,12 @@ void Domain::warn_of_lost_results() const {
     for (std::size_t i = 0; i < n_cells; ++i) {
       survey.add(static_cast<Number>(i), values[i], areas[i]);
     }
-    if (table[k].is_depth) warn_below_zero(case_.mesh, table[k], survey, clock_.t);
+    if (table[k].is_depth) {
+      warn_below_zero(case_.mesh, table[k], survey, clock_.t,
+                      table[k].field == fields::Field::depth ? about_depths(survey) : ".");
+    }
     // What belongs to a state that is no number has been told of.
     if (!table[k].is_of_state) warn_not_finite(case_.mesh, table[k], survey, clock_.t);
   }
+  warn_of_strange_water();
 }

@@ -44,14 +44,21 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 void Domain::compute_step() {
   const double t = clock_.t, dt = clock_.dt;
   fields::advance(*flow_, case_, clock_);
+  if (looks_->is_due()) look_at_water();
   if (settings_.report == nullptr) return;
   settings_.report->add_step(t, dt);
   report_lost_states();
 }
 
+void Domain::look_at_water() {
+  looks_->look();
+  warn_of_much_below_zero();
+}
+
 void Domain::begin_watching() {
+  looks_ = std::make_unique<WaterLooks>(*flow_, case_, clock_);
   if (settings_.report != nullptr) {
-    settings_.report->begin(*flow_, case_, clock_);
+    settings_.report->begin(*flow_, case_, clock_, *looks_);
     report_lost_states();
   }
   if (settings_.progress != nullptr) settings_.progress->begin(clock_.t, case_.t_end);
@@ -76,6 +83,7 @@ void Domain::fire_outputs() {
   const bool section_due = monitor_section && monitor_section->CheckTime(clock_.t);
   const bool enveloppe_due = clock_.t > next_enveloppe_time;
 
+  if (picture_due || enveloppe_due) look_at_water();
   if (gauge_due) gauge->WriteMeasure(*flow_);
   if (picture_due) picture->WriteMeasure(*flow_);
   if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);

@@ -39,6 +39,15 @@ QM_HD inline double froude_number(double speed_squared_per_depth) {
   return std::sqrt(speed_squared_per_depth / 9.81);
 }
 
+/// Whether water that is deeper than the threshold runs at more than a Froude number, which is all
+/// but certainly none that flows anywhere: |q|^2 > Fr^2 g h^3. Without a branch or a division, so
+/// that a look at many cells is cheap.
+QM_HD inline bool is_beyond_froude(double number, double h, double qx, double qy,
+                                   double zero_depth) {
+  const bool is_fast = qx * qx + qy * qy > number * number * 9.81 * (h * h * h);
+  return is_wet(h, zero_depth) & is_fast;
+}
+
 /// The largest value so far, and the cell that had it; of several, the one with the lowest number.
 struct FlowRecord {
   double value = 0.0;

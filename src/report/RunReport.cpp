@@ -84,7 +84,9 @@ void RunReport::take_data_file(const utils::KeyUses& uses, double t_start, doubl
   t_end_ = t_end;
 }
 
-void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock) {
+void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock,
+                      const WaterLooks& looks) {
+  looks_ = &looks;
   clock_of_run_ = &clock;
   if (utils::is_input_file(file_)) {
     utils::fatal("Error. The report " + file_ + " would replace an input file of this run.\n");
@@ -157,6 +159,10 @@ void RunReport::add_what_the_flow_tells(json& report) const {
   if (case_->has_sediments) report["sediment"] = sediment_json(ledger_->sediment());
   report["velocity"] = velocity();
   report["not_a_number"] = not_a_number();
+  report["looks"] = {{"taken", looks_->looks()}, {"steps_between", WaterLooks::steps_between}};
+  report["below_zero"] = below_zero();
+  report["given_out_by_soils_m3"] = looks_->given_out();
+  report["films"] = films();
 }
 
 // --- Parts of the report -------------------------------------------------------------------------
@@ -265,6 +271,34 @@ json RunReport::not_a_number() const {
   if (lost_at_step_ < 0) return result;
   result["first_seen_at_s"] = lost_at_t_;
   result["first_seen_after_steps"] = lost_at_step_;
+  return result;
+}
+
+json RunReport::sighting(const Sighting& first) const {
+  if (!first.is_any()) return json();
+  json result = {{"time_s", first.t}};
+  result.update(place_of(first.cell));
+  return result;
+}
+
+json RunReport::below_zero() const {
+  const ColumnSurvey& depths = looks_->depths();
+  return {{"cells_at_end", depths.below_zero},
+          {"missing_m3", depths.deficit},
+          {"share", depths.share()},
+          {"deepest_m", depths.lowest},
+          {"first_seen", sighting(looks_->first_below_zero())}};
+}
+
+json RunReport::films() const {
+  json result = {{"froude_number_above", WaterLooks::largest_froude},
+                 {"most_cells", looks_->most_films()},
+                 {"looks_with_any", looks_->looks_with_films()},
+                 {"first_seen", sighting(looks_->first_film())}};
+  if (!looks_->first_film().is_any()) return result;
+  const fields::CellState& state = looks_->state_of_first_film();
+  result["first_seen"]["depth_m"] = state.h;
+  result["first_seen"]["velocity_m_per_s"] = speed_of(state);
   return result;
 }
 

@@ -14,6 +14,7 @@
 #include "report/PhaseClock.hpp"
 #include "report/StepHistory.hpp"
 #include "report/VolumeLedger.hpp"
+#include "report/WaterLooks.hpp"
 
 class RunReport {
  public:
@@ -25,8 +26,9 @@ class RunReport {
   /// From now on the wall time counts for this phase.
   void enter(Phase phase) { clock_.enter(phase); }
   /// The steps of the flow of a case begin, which must live until the report is written, as must
-  /// the clock. It stands at its start and the first step is set.
-  void begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock);
+  /// the clock and the looks at the flow. The clock stands at its start and the first step is set.
+  void begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock,
+             const WaterLooks& looks);
   /// A step of dt (s), which began at t (s), has been computed, and the clock moved.
   void add_step(double t, double dt);
   /// Whether a state was found not to be a number after the last step, for the first time.
@@ -62,6 +64,9 @@ class RunReport {
   json steps() const;
   json velocity() const;
   json not_a_number() const;
+  json below_zero() const;
+  json films() const;
+  json sighting(const Sighting& first) const;
   json keys() const;
   void add_what_the_flow_tells(json& report) const;
 
@@ -74,6 +79,7 @@ class RunReport {
   const fields::Clock* clock_of_run_ = nullptr;  ///< null before the steps
   fields::Flow* flow_ = nullptr;                 ///< null before the steps
   const cases::Case* case_ = nullptr;
+  const WaterLooks* looks_ = nullptr;
   std::unique_ptr<VolumeLedger> ledger_;
   cases::Number smallest_cell_ = -1;  ///< of the mesh
   StepHistory history_;

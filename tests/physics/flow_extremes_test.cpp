@@ -55,4 +55,13 @@ TEST(FlowExtremes, OfTwoSetsAreTheLargerOnesAndTheSumOfTheCounts) {
   EXPECT_EQ(both.not_finite, 7);
 }
 
+TEST(FlowExtremes, AFroudeNumberBeyondABoundIsThatOfBothComponents) {
+  const double critical = std::sqrt(9.81 * 0.5) * 0.5;  // m2/s, at 0.5 m
+  EXPECT_TRUE(physics::is_beyond_froude(20.0, 0.5, 20.001 * 0.6 * critical,
+                                        20.001 * -0.8 * critical, 1e-4));
+  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, 19.999 * critical, 0.0, 1e-4));
+  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, 100.0 * critical, 0.0, 0.5));
+  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, nan, 0.0, 1e-4));
+}
+
 }  // namespace

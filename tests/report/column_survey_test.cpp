@@ -1,4 +1,4 @@
-#include "domain/column_survey.hpp"
+#include "report/column_survey.hpp"
 
 #include <gtest/gtest.h>
 
@@ -11,11 +11,13 @@ TEST(ColumnSurvey, TakesRoundingForZero) {
   survey.add(0, -1e-9, 1.0);
   survey.add(1, 2.0, 0.5);
   EXPECT_EQ(survey.below_zero, 0);
+  EXPECT_EQ(survey.share(), 0.0);
   EXPECT_EQ(survey.held, 1.0);
   survey.add(2, -1e-3, 2.0);
   survey.add(3, -2e-3, 2.0);
   EXPECT_EQ(survey.below_zero, 2);
   EXPECT_DOUBLE_EQ(survey.deficit, 6e-3);
+  EXPECT_DOUBLE_EQ(survey.share(), 6e-3 / 1.006);
   EXPECT_EQ(survey.lowest, -2e-3);
   EXPECT_EQ(survey.lowest_cell, 3);
 }

@@ -16,6 +16,9 @@ struct ColumnSurvey {
   long not_finite = 0;       ///< values that are infinite or not a number
   int not_finite_cell = -1;  ///< the first of them
 
+  /// What is missing as a share of all above and below zero.
+  double share() const { return deficit > 0.0 ? deficit / (held + deficit) : 0.0; }
+
   void add(int cell, double value, double area) {
     if (!std::isfinite(value)) {
       if (not_finite++ == 0) not_finite_cell = cell;

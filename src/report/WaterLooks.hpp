@@ -1,0 +1,73 @@
+// Looks at the water of a run, every so many steps, for what no water does: depths below zero,
+// soils that give out water, films that race. A look reads columns only, so that it costs a small
+// part of the steps between two; what happens between them and is gone at the next remains unseen.
+#pragma once
+
+#include <vector>
+
+#include "case/Case.hpp"
+#include "fields/Clock.hpp"
+#include "fields/Flow.hpp"
+#include "report/CompensatedSum.hpp"
+#include "report/column_survey.hpp"
+
+/// When and where something was seen first; cell -1: never.
+struct Sighting {
+  double t = 0.0;  ///< s
+  cases::Number cell = -1;
+
+  bool is_any() const { return cell >= 0; }
+};
+
+class WaterLooks {
+ public:
+  static constexpr long steps_between = 64;
+  static constexpr double largest_froude = 20.0;  ///< that water is taken to have
+
+  /// Begins with a look. All that is given must outlive it.
+  WaterLooks(const fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock);
+
+  /// Looks at the present state, if that has not been done.
+  void look();
+  bool is_due() const { return clock_.steps - looked_at_ >= steps_between; }
+
+  /// Of the last look; without a depth below zero it holds nothing else either.
+  const ColumnSurvey& depths() const { return depths_; }
+  /// In the deepest of the cells that were below zero.
+  const Sighting& first_below_zero() const { return first_below_zero_; }
+
+  /// By how much infiltrated depths were seen to fall, m3: of soils that recover, which makes them
+  /// fall too, only what fell below zero.
+  double given_out() const { return given_out_.value(); }
+  /// Where it was most.
+  const Sighting& first_given_out() const { return first_given_out_; }
+
+  long looks() const { return looks_; }
+  long looks_with_films() const { return looks_with_films_; }
+  long most_films() const { return most_films_; }  ///< cells beyond the number at one look
+  /// In the cell of the largest number, and its state.
+  const Sighting& first_film() const { return first_film_; }
+  const fields::CellState& state_of_first_film() const { return state_of_first_film_; }
+
+ private:
+  void look_for_depths_below_zero();
+  void look_for_films();
+  void look_at_soils();
+  /// Of a cell, m2; all of them are computed when one is asked for first.
+  double area(std::size_t cell);
+
+  const fields::Flow& flow_;
+  const cases::Case& case_;
+  const fields::Clock& clock_;
+  std::vector<double> h_, qx_, qy_;
+  std::vector<double> areas_;
+  std::vector<double> infiltrated_, infiltrated_before_;  ///< empty without soils
+  std::vector<bool> recovers_;                            ///< by the number of the soil
+
+  long looked_at_ = -1;  ///< step
+  long looks_ = 0, looks_with_films_ = 0, most_films_ = 0;
+  ColumnSurvey depths_;
+  CompensatedSum given_out_;
+  Sighting first_below_zero_, first_given_out_, first_film_;
+  fields::CellState state_of_first_film_;
+};
