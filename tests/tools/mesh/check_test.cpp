@@ -119,6 +119,21 @@ TEST_F(Check, ReportsARunThatGivesUpAfterItsFirstStep) {
   EXPECT_TRUE(support::contains(texts("errors", "trial run")[0], "dt too small!"));
 }
 
+TEST_F(Check, TellsWhatItsMeasuredRunLostBelowZero) {
+  c.initial = [](double, double) { return support::InitialState{0.05}; };
+  c.east = "-3 0.4";  // takes more than there is
+  c.write(folder);
+  report = json::parse(mesh_tool({"check", ".", "--json"}).out);
+  ASSERT_EQ(texts("warnings", "below zero").size(), 1U) << report.dump(2);
+  const std::string text = texts("warnings", "below zero")[0];
+  EXPECT_TRUE(support::contains(text, " of the measured run ")) << text;
+  EXPECT_TRUE(support::contains(text, " % of the water is missing in cells whose depth")) << text;
+  c.data["model"]["flux scheme"] = "HLL2";
+  c.write(folder);
+  report = json::parse(mesh_tool({"check", ".", "--json"}).out);
+  EXPECT_TRUE(texts("warnings", "below zero").empty()) << report.dump(2);
+}
+
 TEST_F(Check, EndedFromOutsideItLeavesNothingBehind) {
   c.set_times(0.0, 1e6);  // the measurement lasts as long as it may
   c.write(folder);

@@ -287,4 +287,35 @@ TEST_F(CheckValues, WarnsOfAMobileBedWithoutFriction) {
   expect_warning("sediments", {"no friction file"});
 }
 
+// --- Flux scheme ---------------------------------------------------------------------------------
+
+TEST_F(CheckValues, WarnsOfRainOnGroundThatTheFirstSchemeDoesNotBear) {
+  c.bed = [](double x, double) { return x > 2.0 ? 0.1 * (x - 2.0) : 0.0; };
+  c.add_rain("1\n1 2 1\n0 1e-5 3600 0\n", c.per_cell("1"));
+  check();
+  ASSERT_EQ(texts("warnings", "steep rain").size(), 1U) << report.dump(2);
+  const std::string text = texts("warnings", "steep rain")[0];
+  EXPECT_TRUE(support::contains(text, "falls by more than 1 % across ")) << text;
+  EXPECT_TRUE(support::contains(text, "\"HLL2\" does not")) << text;
+}
+
+TEST_F(CheckValues, DoesNotWarnOfRainOnGroundThatIsFlatOrUnderAnotherScheme) {
+  const auto warns = [&](double slope, const std::string& scheme) {
+    c.bed = [slope](double x, double) { return slope * x; };
+    c.add_rain("1\n1 2 1\n0 1e-5 3600 0\n", c.per_cell("1"));
+    c.data["model"]["flux scheme"] = scheme;
+    check();
+    return !texts("warnings", "steep rain").empty();
+  };
+  EXPECT_FALSE(warns(0.009, "LHLLC"));
+  EXPECT_TRUE(warns(0.05, "LHLLC"));
+  EXPECT_FALSE(warns(0.05, "HLL2"));
+}
+
+TEST_F(CheckValues, DoesNotWarnOfSteepGroundWithoutRain) {
+  c.bed = [](double x, double) { return 0.1 * x; };
+  check();
+  EXPECT_TRUE(texts("warnings", "steep rain").empty());
+}
+
 }  // namespace

@@ -5,10 +5,12 @@
 #include "mesh/check/case_fields.hpp"
 #include "mesh/check/case_mesh.hpp"
 #include "mesh/check/check_outputs.hpp"
+#include "mesh/check/check_scheme.hpp"
 #include "mesh/check/check_topology.hpp"
 #include "mesh/check/check_values.hpp"
 #include "mesh/check/numbers.hpp"
 #include "support/Error.hpp"
+#include "utils/counted.hpp"
 #include "utils/stop.hpp"
 
 namespace tools::check {
@@ -42,6 +44,18 @@ void check_mesh(CaseReport& report, const CheckedCase& checked) {
   check_quality(*report.mesh, report.cells, findings);
   if (!fields.level.empty()) report.water = water_summary(report.data, report.cells);
   check_first_step(report, fields);
+}
+
+/// Reports water that the trial lost to depths below zero.
+void check_trial(const TrialRun& trial, Findings& findings) {
+  constexpr double much = 1e-3;
+  if (!(trial.share_below_zero > much)) return;
+  findings.warning("below zero", "after " + utils::counted(trial.steps, "step") + " (" +
+                                     rounded(trial.simulated) + " s) of the measured run " +
+                                     rounded(100.0 * trial.share_below_zero) +
+                                     " % of the water is missing in cells whose depth is below "
+                                     "zero, the deepest of them cell " +
+                                     std::to_string(trial.deepest_cell));
 }
 
 CheckedCase parameters_of(const DataFile& data) {
@@ -102,6 +116,7 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   if (checked.has_geometry()) check_mesh(report, checked);
   if (checked.is_whole()) {
     report.boundaries = check_boundaries(data, contents, report.cells, findings);
+    check_scheme(data, checked, report.cells, findings);
   } else {
     check_series_files(contents, findings);
   }
@@ -117,6 +132,7 @@ CaseReport check_case(const std::string& path, bool with_trial) {
   check_sections(data, checked, report.first_step, findings);
   check_snapshots(data, findings);
 
+  if (report.trial) check_trial(*report.trial, findings);
   if (report.trial && !report.trial->refusal.empty() && !findings.has_errors()) {
     findings.error("trial run", "the simulator gives up: " + report.trial->refusal);
   }

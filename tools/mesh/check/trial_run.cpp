@@ -15,6 +15,7 @@
 
 #include "case/keys.hpp"
 #include "quillmere/simulation.hpp"
+#include "report/column_survey.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/child_process.hpp"
@@ -36,6 +37,8 @@ struct Measurement {
   double setup_seconds, simulated, timed_seconds, memory_bytes;
   long steps, timed_steps;
   bool is_complete;
+  double share_below_zero;
+  int deepest_cell;
 };
 
 nlohmann::json::json_pointer place_of(const cases::Key& key) {
@@ -73,6 +76,16 @@ int threads_of_environment() {
   return text == nullptr ? 0 : std::max(std::atoi(text), 0);
 }
 
+ColumnSurvey depths_of(const quillmere::Simulation& simulation) {
+  const std::vector<double> depths = simulation.read(quillmere::Field::depth);
+  const std::vector<double> areas = simulation.areas();
+  ColumnSurvey survey;
+  for (std::size_t i = 0; i < depths.size(); ++i) {
+    survey.add(static_cast<int>(i), depths[i], areas[i]);
+  }
+  return survey;
+}
+
 Measurement measure(const std::string& data_file) {
   constexpr double budget = 1.0;  // s
   constexpr long fewest_steps = 3;
@@ -100,6 +113,9 @@ Measurement measure(const std::string& data_file) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   result.memory_bytes = 1024.0 * static_cast<double>(usage.ru_maxrss);
+  const ColumnSurvey depths = depths_of(simulation);
+  result.share_below_zero = depths.share();
+  result.deepest_cell = depths.lowest_cell;
   return result;
 }
 
@@ -179,6 +195,8 @@ std::optional<TrialRun> trial_run(const std::string& data_file) {
   trial.timed_seconds = result.timed_seconds;
   trial.memory_bytes = result.memory_bytes;
   trial.is_complete = result.is_complete;
+  trial.share_below_zero = result.share_below_zero;
+  trial.deepest_cell = result.deepest_cell;
   return trial;
 }
 
