@@ -139,13 +139,13 @@ const char* initial_record(ChannelKind kind, double place) {
   return "";
 }
 
-TextBuffer data_file(ChannelKind kind, double t_end) {
+TextBuffer data_file(ChannelKind kind, const std::string& scheme, double t_end) {
   const bool has_sediment = kind == ChannelKind::sediment;
   TextBuffer data;
   data << R"({"name": "dam break", "t0": 0, "tend": )" << t_end << R"(, "CFL": 0.9,
   "mesh": {"nodes": "nodes.txt", "cells": "cells.txt", "edges": "edges.txt"},
   "model": {"name": ")"
-       << (has_sediment ? "Bramsett" : "Quillmere") << R"(", "flux scheme": "LHLLC",
+       << (has_sediment ? "Bramsett" : "Quillmere") << R"(", "flux scheme": ")" << scheme << R"(",
             "conditions": {"initial conditions": "initial.txt", "friction": "friction.txt")"
        << (has_sediment ? R"(, "initial sediments level": "sand.txt")" : "") << R"(},
             "sources": {})"
@@ -166,8 +166,8 @@ Channel channel_of(int cells) {
   return {static_cast<int>(std::lround(cells / (2.0 * ny))), ny};
 }
 
-void write_channel_case(const Channel& channel, ChannelKind kind, const std::string& folder,
-                        double t_end) {
+void write_channel_case(const Channel& channel, ChannelKind kind, const std::string& scheme,
+                        const std::string& folder, double t_end) {
   const Files files(channel, kind);
   save(folder, "nodes.txt", files.nodes());
   save(folder, "cells.txt", files.cells());
@@ -178,5 +178,5 @@ void write_channel_case(const Channel& channel, ChannelKind kind, const std::str
   if (kind == ChannelKind::sediment) {
     save(folder, "sand.txt", files.field([](double) { return "0.5\n"; }));
   }
-  save(folder, "data.json", data_file(kind, t_end));
+  save(folder, "data.json", data_file(kind, scheme, t_end));
 }

@@ -19,5 +19,5 @@ enum class ChannelKind {
 };
 
 /// Writes mesh, fields and data file into an existing folder; the run ends at t_end (s).
-void write_channel_case(const Channel& channel, ChannelKind kind, const std::string& folder,
-                        double t_end);
+void write_channel_case(const Channel& channel, ChannelKind kind, const std::string& scheme,
+                        const std::string& folder, double t_end);

@@ -97,7 +97,7 @@ int main(int argc, char** argv) {
   const Channel channel = channel_of(cells);
   const pid_t writer = fork();  // so that the peak memory is that of the export
   if (writer == 0) {
-    write_channel_case(channel, ChannelKind::wet, folder, 1.0);
+    write_channel_case(channel, ChannelKind::wet, "LHLLC", folder, 1.0);
     add_results(folder, snapshots);
     _exit(0);
   }

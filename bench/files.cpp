@@ -223,7 +223,7 @@ int main(int argc, char** argv) {
   const Channel channel = channel_of(wanted);
   std::string folder = (std::filesystem::temp_directory_path() / "quillmere_bench_XXXXXX").string();
   std::filesystem::current_path(mkdtemp(folder.data()));
-  write_channel_case(channel, ChannelKind::wet, folder, 1.0);
+  write_channel_case(channel, ChannelKind::wet, "LHLLC", folder, 1.0);
   {
     std::ofstream file("states.txt");
     for (const State& s : states_of(channel.cells())) {

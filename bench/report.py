@@ -4,10 +4,12 @@ import statistics
 import subprocess
 import sys
 
-# Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state and
-# the terms of its depth read and written, bed, largest depth, highest vertex, area and roughness
-# read, three slots of 2 bytes, and one and a half edges of 28 bytes. A new largest depth adds 8.
-BYTES_PER_STEP = 2 * 5 * 8 + 5 * 8 + 6 + 1.5 * 28
+# Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state read
+# and written, bed, largest depth, highest vertex, area and roughness read, three slots of 2 bytes,
+# and one and a half edges of 28 bytes. A new largest depth adds 8.
+BYTES_PER_STEP = 2 * 3 * 8 + 5 * 8 + 6 + 1.5 * 28
+
+SCHEMES = ("LHLLC", "HLL1", "HLL2")
 
 
 def output_of(command, **settings):
@@ -102,6 +104,27 @@ def cost_of_report(bench, cells, steps=1500, pairs=5):
     return table(["threads", "without", "with a report", "ratio"], rows)
 
 
+def steps_for(cells):
+    return max(50, min(4000, 60_000_000 // cells))
+
+
+def cost_of_schemes(bench, cases, rounds=5):
+    """Times of the flux schemes side by side, and the medians of their ratios to the first."""
+    rows = []
+    for threads in (1, bench.cores):
+        for cells, kind in cases:
+            steps = steps_for(cells)
+            runs = [[bench.run("tables", threads, cells, kind, steps, scheme)
+                     for scheme in SCHEMES] for _ in range(rounds)]
+            columns = [[run[3] for run in column] for column in zip(*runs)]
+            ratios = [statistics.median(b / a for a, b in zip(columns[0], column))
+                      for column in columns[1:]]
+            rows.append([f"{runs[0][0][0]:,.0f} {kind}", str(threads),
+                         *map(minimum_and_median, columns), *(f"{ratio:.2f}" for ratio in ratios)])
+    head = ["triangles", "threads", *SCHEMES, *(f"{scheme} / LHLLC" for scheme in SCHEMES[1:])]
+    return table(head, rows)
+
+
 def main():
     here = sys.stdout
     bench = Bench(sys.argv[1], int(sys.argv[2]))
@@ -133,6 +156,11 @@ def main():
         "The same times on 299,924 wet triangles with and without `--report`, in pairs; the ratio is "
         "the median of theirs.",
         cost_of_report(bench, 300000),
+        "## Flux schemes",
+        "The same runs by each scheme, in turns: ns per cell and step, minimum / median of 5, and the "
+        "medians of the ratios. Steps are those of the scheme: HLL1 and HLL2 take larger ones where "
+        "small cells are dry.",
+        cost_of_schemes(bench, [(cells, "wet") for cells in sizes] + [(300000, "dry")]),
         "## Files",
         "Reading and writing against formatted streams, and the location of points, on a mesh of "
         f"{min(sizes[-1], 1000000):,} triangles.",

@@ -1,6 +1,7 @@
-// Times a whole run on a generated mesh: bench_run CELLS [KIND [STEPS [report]]]. Prints one row of
-// a table: triangles, steps, set-up time, time of a step per cell, peak memory per cell. STEPS is
-// about their number; without it the run takes a second or so. With "report" it writes a report.
+// Times a whole run on a generated mesh: bench_run CELLS [KIND [STEPS [report|SCHEME]]]. Prints one
+// row of a table: triangles, steps, set-up time, time of a step per cell, peak memory per cell.
+// STEPS is about their number; without it the run takes a second or so. With "report" it writes a
+// report.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,18 +51,20 @@ int main(int argc, char** argv) {
   const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
   const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
   if (wanted < 100 || kind == kinds.end()) {
-    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment [STEPS [report]]], at least "
-                 "100 cells\n";
+    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment [STEPS [report|SCHEME]]], at "
+                 "least 100 cells\n";
     return 2;
   }
   const double steps_wanted =
       argc > 3 ? std::max(1.0, std::atof(argv[3])) : std::clamp(3e7 / wanted, 50.0, 3000.0);
+  const std::string option = argc > 4 ? argv[4] : "";
+  const std::string scheme = cases::find_scheme(option) != nullptr ? option : "LHLLC";
   const Channel channel = channel_of(wanted);
   const std::string folder = make_folder();
   const pid_t writer = fork();  // so that the peak memory is that of the run
   if (writer == 0) {
     constexpr double usual_step = 0.05;  // s
-    write_channel_case(channel, kind->second, folder, usual_step * steps_wanted);
+    write_channel_case(channel, kind->second, scheme, folder, usual_step * steps_wanted);
     _exit(0);
   }
   int status = 0;
@@ -71,7 +74,7 @@ int main(int argc, char** argv) {
 
   const auto start = Clock::now();
   std::optional<RunReport> report;
-  if (argc > 4 && argv[4] == std::string("report")) report.emplace("report.json", "data.json");
+  if (option == "report") report.emplace("report.json", "data.json");
   std::ofstream log("log.txt");
   utils::Console console(std::cout);
   Domain domain("data.json", {.log = log,
