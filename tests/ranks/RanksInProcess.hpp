@@ -108,7 +108,8 @@ class RanksInProcess : public testing::Test {
   }
 
   static bool have_same_bits(const std::vector<double>& a, const std::vector<double>& b) {
-    return a.size() == b.size() && std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
+    if (a.size() != b.size()) return false;
+    return a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
   }
 
   static bool have_same_bits(const engine::State& a, const engine::State& b) {
