@@ -29,6 +29,7 @@ struct Source {
   const std::vector<TriangleSides>& sides;
   const Tables& tables;
   const std::vector<int>& order;  ///< cells of the case by their places
+  Column& reciprocal_length;      ///< of the cells, 1/m
 
   const TriangleSides& sides_at(int place) const { return sides[at(order[at(place)])]; }
   int place_of(Number cell) const { return tables.place[at(cell)]; }
@@ -110,6 +111,7 @@ class Builder {
       const cases::HllCellOfCase of =
           cases::hll_cell_of(source_.contents, source_.sides, source_.order[at(place)]);
       kernels::set_hll_cell(patch_.geometry.data(), patch_.weights.data(), k, of.cell, of.weights);
+      if (k < patch_.cells) source_.reciprocal_length[at(place)] = of.reciprocal_length;
       for (std::size_t side = 0; side < 3; ++side) {
         const Number neighbour = source_.sides_at(place)[side].neighbour;
         // Across a boundary a cell sees itself.
@@ -189,12 +191,12 @@ class Builder {
 std::vector<HllPatch> make_hll_patches(const cases::Case& contents,
                                        const std::vector<TriangleSides>& sides,
                                        const Tables& tables, const std::vector<int>& order,
-                                       ThreadTeam& team) {
+                                       ThreadTeam& team, Column& reciprocal_length) {
   if (tables.cells_per_patch() > most_cells_per_patch) {
     throw std::length_error("Error. A patch of the flux scheme has at most " +
                             std::to_string(most_cells_per_patch) + " cells.");
   }
-  const Source source = {contents, sides, tables, order};
+  const Source source = {contents, sides, tables, order, reciprocal_length};
   std::vector<HllPatch> patches(tables.patches.patches.size());
   team.run([&](int member) {
     const Range share = share_of(member, team.size(), patches.size());

@@ -42,11 +42,12 @@ struct HllPatch {
   }
 };
 
-/// Of the patches of the tables, whose cells are given by their places. Throws std::length_error
-/// where a patch has more edges than kernels::Local can number.
+/// Of the patches of the tables, whose cells are given by their places. Every thread also fills the
+/// reciprocal lengths of its cells (see cases::HllCellOfCase), a column of the right size. Throws
+/// std::length_error where a patch has more edges than kernels::Local can number.
 std::vector<HllPatch> make_hll_patches(const cases::Case& contents,
                                        const std::vector<cases::TriangleSides>& sides,
                                        const Tables& tables, const std::vector<int>& order,
-                                       ThreadTeam& team);
+                                       ThreadTeam& team, Column& reciprocal_length);
 
 }  // namespace engine

@@ -37,10 +37,10 @@ void make_hll_tables(const cases::Case& contents, const std::vector<int>& order,
   HllTables& hll = *tables.hll;
   hll.second_order = contents.scheme == cases::Scheme::hll2;
   const std::vector<cases::TriangleSides> sides = cases::sides_for_hll(contents);
-  hll.patches = make_hll_patches(contents, sides, tables, order, team);
   for (Column* column : {&hll.h, &hll.qx, &hll.qy, &hll.reciprocal_length}) {
     column->resize(order.size());
   }
+  hll.patches = make_hll_patches(contents, sides, tables, order, team, hll.reciprocal_length);
   for (std::size_t p = 0; p < hll.patches.size(); ++p) {
     const Range boundaries = tables.patches.patches[p].boundaries;
     for (int b = boundaries.begin; b < boundaries.end; ++b) {
@@ -53,12 +53,7 @@ void make_hll_tables(const cases::Case& contents, const std::vector<int>& order,
   team.run([&](int member) {
     const Range share = share_of(member, team.size(), hll.patches.size());
     for (int p = share.begin; p < share.end; ++p) {
-      const Range cells = tables.patches.patches[at(p)].cells;
-      hll.keep(tables.cells, cells);
-      for (int i = cells.begin; i < cells.end; ++i) {
-        hll.reciprocal_length[at(i)] =
-            cases::hll_cell_of(contents, sides, order[at(i)]).reciprocal_length;
-      }
+      hll.keep(tables.cells, tables.patches.patches[at(p)].cells);
     }
   });
 }
