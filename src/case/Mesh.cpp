@@ -32,6 +32,12 @@ CellGeometry Mesh::geometry_of(Number cell) const {
           physics::cell_perimeter(n, plan), highest_node};
 }
 
+std::vector<double> Mesh::areas() const {
+  std::vector<double> areas(at(n_cells()));
+  for (Number cell = 0; cell < n_cells(); ++cell) areas[at(cell)] = geometry_of(cell).area;
+  return areas;
+}
+
 double Mesh::accurate_area_of(Number cell) const {
   const std::span<const Number> nodes = nodes_of(cell);
   return physics::cell_area_of_differences(static_cast<int>(nodes.size()),

@@ -59,6 +59,8 @@ struct Mesh {
   /// Mean of the vertices, m.
   physics::SpacePoint center_of(Number cell) const;
   CellGeometry geometry_of(Number cell) const;
+  /// Of all cells, m2.
+  std::vector<double> areas() const;
   /// Area from differences of coordinates, without what rounding takes from it, m2.
   double accurate_area_of(Number cell) const;
   physics::Edge edge_of(Number edge) const {

@@ -102,11 +102,8 @@ void Domain::warn_of_lost_results() {
     return "; " + percent(survey.share()) + " of the water is missing, " +
            seen_first(case_.mesh, first) + "." + advice(case_);
   };
-  std::vector<double> areas, values(n_cells), component(n_cells);
-  areas.reserve(n_cells);
-  for (Number cell = 0; cell < case_.mesh.n_cells(); ++cell) {
-    areas.push_back(case_.mesh.geometry_of(cell).area);
-  }
+  const std::vector<double> areas = case_.mesh.areas();
+  std::vector<double> values(n_cells), component(n_cells);
   const auto& table = fields::field_table;
   for (std::size_t k = 0; k < table.size(); ++k) {
     flow_->read(table[k].field, values);

@@ -84,14 +84,7 @@ int Simulation::number_of_edges() const { return run_->contents().mesh.n_edges()
 
 int Simulation::cell_at(double x, double y) const { return run_->cell_at(x, y); }
 
-std::vector<double> Simulation::areas() const {
-  std::vector<double> areas;
-  const cases::Mesh& mesh = run_->contents().mesh;
-  for (Number cell = 0; cell < mesh.n_cells(); ++cell) {
-    areas.push_back(mesh.geometry_of(cell).area);
-  }
-  return areas;
-}
+std::vector<double> Simulation::areas() const { return run_->contents().mesh.areas(); }
 
 std::vector<double> Simulation::read(Field field) const {
   std::vector<double> values(at(number_of_cells()));

@@ -37,11 +37,7 @@ void WaterLooks::look() {
 }
 
 double WaterLooks::area(std::size_t cell) {
-  if (areas_.empty()) {
-    for (Number i = 0; i < case_.mesh.n_cells(); ++i) {
-      areas_.push_back(case_.mesh.geometry_of(i).area);
-    }
-  }
+  if (areas_.empty()) areas_ = case_.mesh.areas();
   return areas_[cell];
 }
 

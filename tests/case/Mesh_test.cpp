@@ -57,6 +57,7 @@ TEST(Mesh, KnowsTheGeometryOfItsCells) {
   EXPECT_DOUBLE_EQ(cell.center.y, 2.0 / 3.0);
   EXPECT_DOUBLE_EQ(cell.center.z, 1.0);
   EXPECT_DOUBLE_EQ(cell.area, 2.0);
+  EXPECT_EQ(mesh.areas(), std::vector<double>{cell.area});
   EXPECT_DOUBLE_EQ(cell.perimeter, 4.0 + std::sqrt(8.0));
   EXPECT_EQ(cell.highest_node, 3.0);
   EXPECT_DOUBLE_EQ(mesh.accurate_area_of(0), 2.0);
