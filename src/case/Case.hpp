@@ -8,6 +8,7 @@
 
 #include "case/Mesh.hpp"
 #include "case/schemes.hpp"
+#include "physics/infiltration.hpp"
 #include "physics/rain.hpp"
 
 namespace cases {
@@ -36,9 +37,17 @@ struct Hyetogram {
 /// Parameters of soils, in the order of their file.
 struct GreenAmptParameters {
   double Ks, psi, theta_i, theta_s, L, kr;
+
+  /// As the formulas take it.
+  physics::GreenAmptSoil soil() const {
+    return physics::green_ampt_soil(Ks, psi, theta_i, theta_s, L, kr);
+  }
 };
 struct HortonParameters {
   double f0, fc, k, Fmax, kr;
+
+  /// As the formulas take it.
+  physics::HortonSoil soil() const { return {f0, fc, k, Fmax, kr}; }
 };
 struct Soil {
   int id;

@@ -165,11 +165,9 @@ std::vector<Soil> soils_of(const cases::Case& contents) {
   std::vector<Soil> soils;
   for (const cases::Soil& soil : contents.soils) {
     if (const auto* p = std::get_if<cases::GreenAmptParameters>(&soil.parameters)) {
-      soils.push_back(
-          {true, physics::green_ampt_soil(p->Ks, p->psi, p->theta_i, p->theta_s, p->L, p->kr), {}});
+      soils.push_back({true, p->soil(), {}});
     } else {
-      const auto& h = std::get<cases::HortonParameters>(soil.parameters);
-      soils.push_back({false, {}, {h.f0, h.fc, h.k, h.Fmax, h.kr}});
+      soils.push_back({false, {}, std::get<cases::HortonParameters>(soil.parameters).soil()});
     }
   }
   return soils;

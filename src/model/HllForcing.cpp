@@ -6,13 +6,6 @@ namespace {
 
 using cases::at;
 
-physics::GreenAmptSoil soil_of(const cases::GreenAmptParameters& p) {
-  return physics::green_ampt_soil(p.Ks, p.psi, p.theta_i, p.theta_s, p.L, p.kr);
-}
-physics::HortonSoil soil_of(const cases::HortonParameters& p) {
-  return {p.f0, p.fc, p.k, p.Fmax, p.kr};
-}
-
 physics::Infiltration demand_of(const physics::GreenAmptSoil& soil, const physics::SoilStep& step,
                                 double h, double F) {
   return physics::infiltration_green_ampt(soil, step, h, F, 0.0);
@@ -38,7 +31,7 @@ void HllForcing::begin_step(double t, double dt) {
     rain_depths_[r] = rain.depth;
   }
   for (std::size_t s = 0; s < soil_steps_.size(); ++s) {
-    soil_steps_[s] = std::visit([&](const auto& p) { return physics::soil_step(soil_of(p), dt); },
+    soil_steps_[s] = std::visit([&](const auto& p) { return physics::soil_step(p.soil(), dt); },
                                 case_.soils[s].parameters);
   }
 }
@@ -52,9 +45,8 @@ double HllForcing::rain_on(cases::Number cell) const {
 physics::Infiltration HllForcing::infiltration(cases::Number cell, double h, double F) const {
   const int soil = case_.fields.soil.empty() ? -1 : case_.fields.soil[at(cell)];
   if (soil < 0) return {0.0, F};
-  return std::visit(
-      [&](const auto& p) { return demand_of(soil_of(p), soil_steps_[at(soil)], h, F); },
-      case_.soils[at(soil)].parameters);
+  return std::visit([&](const auto& p) { return demand_of(p.soil(), soil_steps_[at(soil)], h, F); },
+                    case_.soils[at(soil)].parameters);
 }
 
 double HllForcing::imposed_by(const cases::Boundary& boundary, double t) const {
