@@ -22,4 +22,9 @@ struct State {
   std::vector<double> imposed_rain;           ///< on the cells, m/s
 };
 
+/// The columns of the flow in the cells, for who saves, compares or cuts states.
+inline constexpr std::vector<double> State::*columns_of_flow[] = {
+    &State::h,           &State::qx, &State::qy,  &State::eta, &State::max_h,
+    &State::infiltrated, &State::hs, &State::qsx, &State::qsy, &State::dqs_dh};
+
 }  // namespace engine

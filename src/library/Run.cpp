@@ -30,13 +30,13 @@ bool fits(const engine::State& state, const engine::State& present, const cases:
     return column.empty() || column.size() == count;
   };
   bool fits = state.rain_clocks.size() == contents.rain.size() &&
-              is_whole_or_empty(state.eta, n_cells) &&
               is_whole_or_empty(state.imposed_rain, n_cells) &&
               is_whole_or_empty(state.imposed_on_boundaries, contents.mesh.boundaries.size());
-  for (const auto column : {&engine::State::h, &engine::State::qx, &engine::State::qy,
-                            &engine::State::max_h, &engine::State::infiltrated, &engine::State::hs,
-                            &engine::State::qsx, &engine::State::qsy, &engine::State::dqs_dh}) {
-    fits = fits && (state.*column).size() == (present.*column).size();
+  for (const auto column : engine::columns_of_flow) {
+    // The free surface of the start is there before the first step alone.
+    const bool is_of_start = column == &engine::State::eta;
+    fits = fits && (is_of_start ? is_whole_or_empty(state.eta, n_cells)
+                                : (state.*column).size() == (present.*column).size());
   }
   for (std::size_t r = 0; fits && r < state.rain_clocks.size(); ++r) {
     const int interval = state.rain_clocks[r].hyetogram_index;

@@ -15,11 +15,9 @@ void for_each_part(State& state, const Visit& visit) {
   visit(state.clock.dt);
   visit(state.clock.steps);
   auto& flow = state.flow;
-  for (auto* column :
-       {&flow.h, &flow.qx, &flow.qy, &flow.eta, &flow.max_h, &flow.infiltrated, &flow.hs, &flow.qsx,
-        &flow.qsy, &flow.dqs_dh, &flow.imposed_on_boundaries, &flow.imposed_rain}) {
-    visit(*column);
-  }
+  for (const auto column : engine::columns_of_flow) visit(flow.*column);
+  visit(flow.imposed_on_boundaries);
+  visit(flow.imposed_rain);
   visit(flow.rain_clocks);
 }
 
