@@ -73,12 +73,7 @@ FlowSurvey HllFlow::survey() const {
     const physics::SpacePoint center = case_.mesh.center_of(cell);
     return physics::PlanPoint{center.x, center.y};
   };
-  const Number n_cells = case_.mesh.n_cells();
-  FlowSurvey result = survey_states(n_cells, case_.zero_depth, state_of);
-  if (result.not_finite > 0) {
-    result.a_cell_not_finite = lost_cell_in_the_middle(n_cells, state_of, center_of);
-  }
-  return result;
+  return survey_flow(case_.mesh.n_cells(), case_.zero_depth, state_of, state_of, center_of);
 }
 
 void HllFlow::watch() {

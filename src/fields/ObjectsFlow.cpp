@@ -82,12 +82,8 @@ FlowSurvey ObjectsFlow::survey() const {
     const MeshNode& center = cell(number).center;
     return physics::PlanPoint{center.x, center.y};
   };
-  const auto n_cells = static_cast<Number>(model_.cells.size());
-  FlowSurvey result = survey_states(n_cells, Constants::ZERO_DEPTH, state_of);
-  if (result.not_finite > 0) {
-    result.a_cell_not_finite = lost_cell_in_the_middle(n_cells, state_of, center_of);
-  }
-  return result;
+  return survey_flow(static_cast<Number>(model_.cells.size()), Constants::ZERO_DEPTH, state_of,
+                     state_of, center_of);
 }
 
 void ObjectsFlow::watch() {

@@ -94,17 +94,12 @@ FlowSurvey TablesFlow::survey() const {
     return SurveyedState{h, tables.cells.qx[k], tables.cells.qy[k],
                          physics::depth_terms(h, tables.zero_depth)};
   };
-  const cases::Number n_cells = case_.mesh.n_cells();
-  FlowSurvey result = survey_states(n_cells, tables.zero_depth, state_at);
-  if (result.not_finite > 0) {
-    result.a_cell_not_finite = lost_cell_in_the_middle(
-        n_cells, [&](cases::Number cell) { return state_at(tables.place[cases::at(cell)]); },
-        [&](cases::Number cell) {
-          const physics::SpacePoint center = case_.mesh.center_of(cell);
-          return physics::PlanPoint{center.x, center.y};
-        });
-  }
-  return result;
+  const auto state_of = [&](cases::Number cell) { return state_at(tables.place[cases::at(cell)]); };
+  const auto center_of = [&](cases::Number cell) {
+    const physics::SpacePoint center = case_.mesh.center_of(cell);
+    return physics::PlanPoint{center.x, center.y};
+  };
+  return survey_flow(case_.mesh.n_cells(), tables.zero_depth, state_at, state_of, center_of);
 }
 
 ExecutionPath TablesFlow::execution_path() const {

@@ -62,4 +62,15 @@ cases::Number lost_cell_in_the_middle(cases::Number n_cells, const StateOf& stat
   return nearest;
 }
 
+/// Both: `state_at` knows the states in any order, `state_of` those of the cells by their numbers.
+template <class StateAt, class StateOf, class CenterOf>
+FlowSurvey survey_flow(cases::Number n_cells, double zero_depth, const StateAt& state_at,
+                       const StateOf& state_of, const CenterOf& center_of) {
+  FlowSurvey result = survey_states(n_cells, zero_depth, state_at);
+  if (result.not_finite > 0) {
+    result.a_cell_not_finite = lost_cell_in_the_middle(n_cells, state_of, center_of);
+  }
+  return result;
+}
+
 }  // namespace fields
