@@ -88,7 +88,7 @@ void Domain::warn_of_strange_water() const {
   utils::warn("water ran at " + utils::number_text(std::hypot(state.qx, state.qy) / state.h) +
               " m/s in a depth of " + utils::number_text(state.h) +
               " m, which is beyond a Froude number of " +
-              utils::number_text(WaterLooks::largest_froude) + ", " + seen_first(case_.mesh, film) +
+              utils::number_text(physics::largest_froude) + ", " + seen_first(case_.mesh, film) +
               "; at most " + utils::counted(looks_->most_films(), "cell") + " at one time did so.");
 }
 

@@ -38,7 +38,7 @@ inline physics::StepNotes united(const physics::StepNotes& a, const physics::Ste
                                               : lower(a.limiting_cell, b.limiting_cell),
           record(a.speed_squared, b.speed_squared),
           record(a.speed_squared_per_depth, b.speed_squared_per_depth),
-          a.not_finite + b.not_finite};
+          a.not_finite + b.not_finite, a.films + b.films};
 }
 
 /// Every rank calls the same functions in the same order, each start before its finish.

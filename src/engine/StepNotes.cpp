@@ -53,6 +53,7 @@ void StepNotes::note_present(const Tables& tables, double stable_step, int place
     physics::note(notes_.speed_squared, of_cell.speed_squared, cell);
     physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
     notes_.not_finite += of_cell.not_finite;
+    notes_.films += of_cell.films;
     if (first_to_set_step < 0 && sets_step(tables, place, stable_step)) first_to_set_step = cell;
   }
   constexpr int none_before = -1;
@@ -76,8 +77,11 @@ void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches, do
   note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared);
   note_record(tables, patches, notes_.speed_squared_per_depth,
               &physics::FlowExtremes::speed_squared_per_depth);
-  notes_.not_finite = 0;
-  for (const physics::FlowExtremes& patch : extremes) notes_.not_finite += patch.not_finite;
+  notes_.not_finite = notes_.films = 0;
+  for (const physics::FlowExtremes& patch : extremes) {
+    notes_.not_finite += patch.not_finite;
+    notes_.films += patch.films;
+  }
   notes_ = exchange_.unite(notes_, limited_before);
 }
 

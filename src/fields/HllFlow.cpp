@@ -93,6 +93,7 @@ void HllFlow::note_states(Number limiting_cell) {
     all = physics::united(all, of_cell);
   }
   notes_.not_finite = all.not_finite;
+  notes_.films = all.films;
   notes_.limiting_cell = limiting_cell;
 }
 

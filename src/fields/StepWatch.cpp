@@ -46,6 +46,7 @@ void StepWatch::note_states(double stable_step) {
     all = physics::united(all, of_cell);
   }
   notes_.not_finite = all.not_finite;
+  notes_.films = all.films;
   notes_.limiting_cell = limiting_cell(stable_step);
 }
 

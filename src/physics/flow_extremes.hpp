@@ -5,11 +5,16 @@
 
 namespace physics {
 
+/// Froude number that water deeper than the dry depth is taken to have at most; what is beyond it is
+/// a film that races.
+inline constexpr double largest_froude = 20.0;
+
 /// The extremes of a set of states; states that are not finite are only counted.
 struct FlowExtremes {
   double speed_squared = 0.0;            ///< largest, m2/s2
   double speed_squared_per_depth = 0.0;  ///< largest, m/s2: the order of Froude numbers
   int not_finite = 0;
+  int films = 0;  ///< states beyond the largest Froude number
 };
 
 QM_HD inline bool is_finite_state(double h, double qx, double qy) {
@@ -24,14 +29,16 @@ QM_HD inline FlowExtremes extremes_of_state(double h, double qx, double qy,
   const double u = qx * depth.reciprocal;
   const double v = qy * depth.reciprocal;
   const double speed_squared = finite ? u * u + v * v : 0.0;
-  return {speed_squared, finite ? speed_squared * depth.reciprocal : 0.0, finite ? 0 : 1};
+  const double per_depth = finite ? speed_squared * depth.reciprocal : 0.0;
+  const bool is_film = per_depth > largest_froude * largest_froude * 9.81;
+  return {speed_squared, per_depth, finite ? 0 : 1, is_film ? 1 : 0};
 }
 
 /// Those of two sets together.
 QM_HD inline FlowExtremes united(const FlowExtremes& a, const FlowExtremes& b) {
   return {larger(a.speed_squared, b.speed_squared),
           larger(a.speed_squared_per_depth, b.speed_squared_per_depth),
-          a.not_finite + b.not_finite};
+          a.not_finite + b.not_finite, a.films + b.films};
 }
 
 /// Froude number |u| / sqrt(g h) of a state by its squared speed over its depth (m/s2).
@@ -39,12 +46,10 @@ QM_HD inline double froude_number(double speed_squared_per_depth) {
   return std::sqrt(speed_squared_per_depth / 9.81);
 }
 
-/// Whether water that is deeper than the threshold runs at more than a Froude number, which is all
-/// but certainly none that flows anywhere: |q|^2 > Fr^2 g h^3. Without a branch or a division, so
-/// that a look at many cells is cheap.
-QM_HD inline bool is_beyond_froude(double number, double h, double qx, double qy,
-                                   double zero_depth) {
-  const bool is_fast = qx * qx + qy * qy > number * number * 9.81 * (h * h * h);
+/// Whether a state is a film by |q|^2 > Fr^2 g h^3: without a branch or a division, so that a look
+/// at many cells is cheap.
+QM_HD inline bool is_film(double h, double qx, double qy, double zero_depth) {
+  const bool is_fast = qx * qx + qy * qy > largest_froude * largest_froude * 9.81 * (h * h * h);
   return is_wet(h, zero_depth) & is_fast;
 }
 
@@ -67,6 +72,7 @@ struct StepNotes {
   FlowRecord speed_squared;            ///< m2/s2
   FlowRecord speed_squared_per_depth;  ///< m/s2
   int not_finite = 0;                  ///< cells whose state is not finite after the step
+  int films = 0;                       ///< cells beyond the largest Froude number after it
 };
 
 }  // namespace physics

@@ -114,6 +114,7 @@ void RunReport::note_state() {
   history_.add(step);
   note_peak(fastest_, notes.speed_squared);
   note_peak(most_rapid_, notes.speed_squared_per_depth);
+  note_films(notes);
   if (notes.not_finite > 0 && lost_at_step_ < 0) {
     lost_at_step_ = steps_;
     lost_at_t_ = clock_of_run_->t;
@@ -124,6 +125,14 @@ void RunReport::note_peak(Peak& peak, const physics::FlowRecord& record) const {
   if (record.value > peak.record.value) {
     peak = {record, clock_of_run_->t, flow_->state(record.cell)};
   }
+}
+
+void RunReport::note_films(const physics::StepNotes& notes) {
+  if (notes.films == 0) return;
+  // No cell was as rapid before the first ones.
+  if (most_films_ == 0) first_film_ = most_rapid_;
+  ++steps_with_films_;
+  most_films_ = std::max(most_films_, notes.films);
 }
 
 void RunReport::add_failure(const std::string& what, cases::Number cell,
@@ -291,14 +300,13 @@ json RunReport::below_zero() const {
 }
 
 json RunReport::films() const {
-  json result = {{"froude_number_above", WaterLooks::largest_froude},
-                 {"most_cells", looks_->most_films()},
-                 {"looks_with_any", looks_->looks_with_films()},
-                 {"first_seen", sighting(looks_->first_film())}};
-  if (!looks_->first_film().is_any()) return result;
-  const fields::CellState& state = looks_->state_of_first_film();
-  result["first_seen"]["depth_m"] = state.h;
-  result["first_seen"]["velocity_m_per_s"] = speed_of(state);
+  json result = {{"froude_number_above", physics::largest_froude},
+                 {"most_cells", most_films_},
+                 {"steps_with_any", steps_with_films_},
+                 {"first_seen", sighting({first_film_.t, first_film_.record.cell})}};
+  if (most_films_ == 0) return result;
+  result["first_seen"]["depth_m"] = first_film_.state.h;
+  result["first_seen"]["velocity_m_per_s"] = speed_of(first_film_.state);
   return result;
 }
 

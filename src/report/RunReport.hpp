@@ -53,6 +53,7 @@ class RunReport {
 
   void note_state();
   void note_peak(Peak& peak, const physics::FlowRecord& record) const;
+  void note_films(const physics::StepNotes& notes);
   json place_of(cases::Number cell) const;
   json step_json(const StepRecord& step) const;
   json peak_json(const Peak& peak, const char* name, double value) const;
@@ -87,6 +88,9 @@ class RunReport {
   long lost_at_step_ = -1;  ///< after which a state was first found not to be a number
   double lost_at_t_ = 0.0;  ///< s
   Peak fastest_, most_rapid_;
+  Peak first_film_;  ///< the most rapid one at the first time that had any
+  long steps_with_films_ = 0;
+  int most_films_ = 0;
   json failure_;             ///< the first one
   std::string what_failed_;  ///< last
 };

@@ -57,10 +57,9 @@ void WaterLooks::look_for_films() {
   const double zero_depth = case_.zero_depth;
   long films = 0;
   for (std::size_t i = 0; i < h_.size(); ++i) {
-    films += physics::is_beyond_froude(largest_froude, h_[i], qx_[i], qy_[i], zero_depth) ? 1 : 0;
+    films += physics::is_film(h_[i], qx_[i], qy_[i], zero_depth) ? 1 : 0;
   }
   if (films == 0) return;
-  ++looks_with_films_;
   most_films_ = std::max(most_films_, films);
   if (first_film_.is_any()) return;
   physics::FlowRecord fastest;

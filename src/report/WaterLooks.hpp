@@ -22,7 +22,6 @@ struct Sighting {
 class WaterLooks {
  public:
   static constexpr long steps_between = 64;
-  static constexpr double largest_froude = 20.0;  ///< that water is taken to have
 
   /// Begins with a look. All that is given must outlive it.
   WaterLooks(const fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock);
@@ -43,9 +42,8 @@ class WaterLooks {
   const Sighting& first_given_out() const { return first_given_out_; }
 
   long looks() const { return looks_; }
-  long looks_with_films() const { return looks_with_films_; }
-  long most_films() const { return most_films_; }  ///< cells beyond the number at one look
-  /// In the cell of the largest number, and its state.
+  long most_films() const { return most_films_; }  ///< cells that are films at one look
+  /// In the cell of the largest Froude number, and its state.
   const Sighting& first_film() const { return first_film_; }
   const fields::CellState& state_of_first_film() const { return state_of_first_film_; }
 
@@ -65,7 +63,7 @@ class WaterLooks {
   std::vector<bool> recovers_;                            ///< by the number of the soil
 
   long looked_at_ = -1;  ///< step
-  long looks_ = 0, looks_with_films_ = 0, most_films_ = 0;
+  long looks_ = 0, most_films_ = 0;
   ColumnSurvey depths_;
   CompensatedSum given_out_;
   Sighting first_below_zero_, first_given_out_, first_film_;

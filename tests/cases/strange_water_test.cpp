@@ -124,10 +124,27 @@ TEST_F(StrangeWater, FilmsThatRaceAreTold) {
     const json films = report()["films"];
     EXPECT_EQ(films["froude_number_above"], 20.0);
     EXPECT_EQ(films["most_cells"], 6);
-    EXPECT_GE(films["looks_with_any"].get<int>(), 1);
+    EXPECT_GE(films["steps_with_any"].get<int>(), 1);
     EXPECT_EQ(films["first_seen"]["cell"], 6);
     EXPECT_EQ(films["first_seen"]["velocity_m_per_s"], 10.0);
   });
+}
+
+TEST_F(StrangeWater, FilmsAreCountedAfterEveryStep) {
+  c.initial = [](double x, double) { return support::InitialState{0.01, x > 3.0 ? 0.1 : 0.0}; };
+  std::vector<json> on_paths;
+  for (const char* scheme : {"LHLLC", "HLL2"}) {
+    c.data["model"]["flux scheme"] = scheme;
+    on_paths.clear();
+    on_every_path([&] {
+      run_with_report();
+      on_paths.push_back(report()["films"]);
+      // Looks are 64 steps apart: they see these films only once.
+      EXPECT_GT(on_paths.back()["steps_with_any"], 2) << on_paths.back();
+      EXPECT_LT(on_paths.back()["steps_with_any"], report()["steps"]["computed"]);
+    });
+    EXPECT_EQ(on_paths.at(0), on_paths.at(1));
+  }
 }
 
 TEST_F(StrangeWater, FilmsThatAreNoWaterAreNotTold) {

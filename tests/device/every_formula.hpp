@@ -257,7 +257,7 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
       physics::extremes_of_state(swe.h, swe.qx, swe.qy, physics::depth_terms(swe.h, zero_depth)));
   add(results, extremes.speed_squared);
   add(results, physics::froude_number(extremes.speed_squared_per_depth));
-  add(results, physics::is_beyond_froude(0.5, swe.h, swe.qx, swe.qy, zero_depth) ? 1.0 : 0.0);
+  add(results, physics::is_film(swe.h, swe.qx, swe.qy, zero_depth) ? 1.0 : 0.0);
   const double step = physics::stable_step(swe.h, swe.qx, swe.qy, dt, zero_depth);
   add(results, physics::stable_step_domain(step, dt));
   add(results, physics::stable_step_dry(dt, water.h, zero_depth));

@@ -207,6 +207,7 @@ class Equality : public testing::Test {
     EXPECT_EQ(a.speed_squared_per_depth.value, b.speed_squared_per_depth.value);
     EXPECT_EQ(a.speed_squared_per_depth.cell, b.speed_squared_per_depth.cell);
     EXPECT_EQ(a.not_finite, b.not_finite);
+    EXPECT_EQ(a.films, b.films);
     if (step < 0) return;  // nothing has come or gone yet
     for (const auto& cell : model.cells) {
       const fields::UnseenDepth of_objects = objects.unseen_depth(cell->id);

@@ -82,6 +82,7 @@ class HllEquality : public testing::Test {
     EXPECT_EQ(a.speed_squared_per_depth.value, b.speed_squared_per_depth.value);
     EXPECT_EQ(a.speed_squared_per_depth.cell, b.speed_squared_per_depth.cell);
     EXPECT_EQ(a.not_finite, b.not_finite);
+    EXPECT_EQ(a.films, b.films);
     if (step < 0) return;  // nothing has come or gone yet
     for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
       const fields::UnseenDepth of_walk = walk.unseen_depth(cell);

@@ -49,19 +49,24 @@ TEST(FlowExtremes, CountAStateThatIsNotFiniteAndNothingElseOfIt) {
 }
 
 TEST(FlowExtremes, OfTwoSetsAreTheLargerOnesAndTheSumOfTheCounts) {
-  const FlowExtremes both = physics::united({4.0, 1.0, 2}, {3.0, 7.0, 5});
+  const FlowExtremes both = physics::united({4.0, 1.0, 2, 1}, {3.0, 7.0, 5, 3});
   EXPECT_EQ(both.speed_squared, 4.0);
   EXPECT_EQ(both.speed_squared_per_depth, 7.0);
   EXPECT_EQ(both.not_finite, 7);
+  EXPECT_EQ(both.films, 4);
 }
 
-TEST(FlowExtremes, AFroudeNumberBeyondABoundIsThatOfBothComponents) {
+TEST(FlowExtremes, AStateBeyondTheLargestFroudeNumberIsAFilm) {
   const double critical = std::sqrt(9.81 * 0.5) * 0.5;  // m2/s, at 0.5 m
-  EXPECT_TRUE(physics::is_beyond_froude(20.0, 0.5, 20.001 * 0.6 * critical,
-                                        20.001 * -0.8 * critical, 1e-4));
-  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, 19.999 * critical, 0.0, 1e-4));
-  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, 100.0 * critical, 0.0, 0.5));
-  EXPECT_FALSE(physics::is_beyond_froude(20.0, 0.5, nan, 0.0, 1e-4));
+  const auto expect = [](bool is_film, double h, double qx, double qy, double dry) {
+    EXPECT_EQ(physics::is_film(h, qx, qy, dry), is_film);
+    EXPECT_EQ(physics::extremes_of_state(h, qx, qy, physics::depth_terms(h, dry)).films,
+              is_film ? 1 : 0);
+  };
+  expect(true, 0.5, 20.001 * 0.6 * critical, 20.001 * -0.8 * critical, 1e-4);
+  expect(false, 0.5, 19.999 * critical, 0.0, 1e-4);
+  expect(false, 0.5, 100.0 * critical, 0.0, 0.5);
+  expect(false, 0.5, nan, 0.0, 1e-4);
 }
 
 }  // namespace

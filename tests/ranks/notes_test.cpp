@@ -61,6 +61,7 @@ class NotesOfRanks : public RanksInProcess {
     EXPECT_EQ(a.speed_squared_per_depth.value, b.speed_squared_per_depth.value);
     EXPECT_EQ(a.speed_squared_per_depth.cell, b.speed_squared_per_depth.cell);
     EXPECT_EQ(a.not_finite, b.not_finite);
+    EXPECT_EQ(a.films, b.films);
   }
 
   /// Level of a basin that is the same from west to east and from east to west.

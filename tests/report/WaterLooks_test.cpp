@@ -127,7 +127,6 @@ TEST_F(WaterLooksTest, CountFilmsAndKeepTheFastestOfTheFirst) {
   flow.columns[Field::discharge_x] = {0.0, 0.06};  // a Froude number of 19.2
   after(2);
   looks.look();
-  EXPECT_EQ(looks.looks_with_films(), 2);
   EXPECT_EQ(looks.most_films(), 2);
   EXPECT_EQ(looks.first_film().t, 0.0);
 }

@@ -108,16 +108,17 @@ double smallest_step(double smallest, const CellColumns& cells, const double* sh
                                                    int begin, int end) {
   const CellColumns cells = given;  // a copy, which the loop cannot change
   double fastest = 0.0, most_rapid = 0.0;
-  int not_finite = 0;
-#pragma omp simd reduction(max : fastest, most_rapid) reduction(+ : not_finite)
+  int not_finite = 0, films = 0;
+#pragma omp simd reduction(max : fastest, most_rapid) reduction(+ : not_finite, films)
   for (int i = begin; i < end; ++i) {
     const physics::FlowExtremes of_cell = physics::extremes_of_state(
         cells.h[i], cells.qx[i], cells.qy[i], physics::depth_terms(cells.h[i], zero_depth));
     fastest = physics::larger(fastest, of_cell.speed_squared);
     most_rapid = physics::larger(most_rapid, of_cell.speed_squared_per_depth);
     not_finite += of_cell.not_finite;
+    films += of_cell.films;
   }
-  return {fastest, most_rapid, not_finite};
+  return {fastest, most_rapid, not_finite, films};
 }
 
 template <class Model>
