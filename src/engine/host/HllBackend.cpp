@@ -61,7 +61,9 @@ void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   const kernels::SlotColumns slots = scratch.slots.columns();
   const HllRange range = {own.begin, own.size(), patch.around.data(),
                           static_cast<int>(patch.around.size()), patch.ring};
-  loops_.hll.waters(cells, range, waters, step.values.zero_depth);
+  kernels::CellColumns seen = cells;
+  if (!tables_.hll->second_order) seen.manning = nullptr;  // drag is for the predictor alone
+  loops_.hll.waters(seen, range, waters, step.values.zero_depth);
   (tables_.hll->second_order ? loops_.hll.edges_second_order : loops_.hll.edges_first_order)(
       waters, patch.columns(), patch.with_states, edges, step.values);
   loops_.hll.fluxes(patch.edges.columns(), patch.right_slots(), edges, slots,
