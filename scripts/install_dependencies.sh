@@ -12,6 +12,7 @@ Groups:
   tools       what the companion tools build on, and matplotlib for their pictures
   test        GoogleTest, numpy, and what reads exported files back
   coverage    gcovr
+  mpi         Open MPI and MPICH, for the tests of ranks that are processes
   fuzz        Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
   validation  numpy and matplotlib for /usr/bin/python3
@@ -24,6 +25,7 @@ packages_of() {
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
     test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal ;;
     coverage) echo gcovr ;;
+    mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
     validation) echo python3-numpy python3-matplotlib ;;

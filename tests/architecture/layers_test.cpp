@@ -66,6 +66,13 @@ TEST(Layers, OnlyTheFieldsAndTheRanksKnowTheEngine) {
   }
 }
 
+TEST(Layers, OneFolderKnowsMpi) {
+  for (const fs::path& file : files_below(source)) {
+    const bool may = fs::relative(file, source).parent_path() == fs::path("ranks") / "mpi";
+    EXPECT_EQ(text_of(file).find("<mpi.h>") != std::string::npos && !may, false) << file;
+  }
+}
+
 TEST(Layers, OnlyTheWalkOfTheObjectsKnowsTheGlobals) {
   const std::set<std::string> walk = {"globals", "model", "interfaces", "sources"};
   const std::set<std::string> flow_on_objects = {"ObjectsFlow.cpp", "StepWatch.cpp"};

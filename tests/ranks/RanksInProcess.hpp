@@ -1,72 +1,16 @@
-// A case of everything, its course on one engine, and ranks that compute parts of it side by side.
+// Ranks of one process that compute parts of a case side by side.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <atomic>
-#include <cstring>
-#include <iterator>
 #include <thread>
 
-#include "engine/Engine.hpp"
 #include "ranks/InProcess.hpp"
-#include "ranks/cut_along_curve.hpp"
-#include "support/TemporaryFolder.hpp"
-#include "support/basin.hpp"
+#include "ranks/PartsOfCourse.hpp"
 
 namespace test_ranks {
 
-using cases::Number;
-using engine::at;
-
-inline constexpr double t_end = support::basin_t_end;
-inline constexpr double courant = 0.4;
-
-using Options = support::BasinOptions;
-
-/// States before every step and after the last one, the steps, and what passed the boundaries.
-struct Course {
-  std::vector<engine::State> states;
-  std::vector<double> times, steps;
-  std::vector<std::vector<engine::BoundaryInflow>> inflows;
-
-  int count() const { return static_cast<int>(inflows.size()); }
-};
-
-class RanksInProcess : public testing::Test {
+class RanksInProcess : public PartsOfCourse {
  protected:
-  cases::Case basin(const Options& options) { return support::basin(options, folder_); }
-
-  static Course run_alone(const cases::Case& contents, int steps) {
-    Course course;
-    engine::Engine engine(contents, 2, 64);
-    double t = 0.0, next = courant * engine.stable_step(0.0);
-    for (int step = 0; step <= steps; ++step) {
-      course.states.push_back(engine.state());
-      course.times.push_back(t);
-      course.steps.push_back(next);
-      if (step == steps) break;
-      next = courant * engine.advance({t, 0.0, t_end, next});
-      t += next;
-      std::vector<engine::BoundaryInflow>& inflows = course.inflows.emplace_back();
-      for (std::size_t b = 0; b < contents.mesh.boundaries.size(); ++b) {
-        inflows.push_back(engine.boundary_inflow(static_cast<int>(b)));
-      }
-    }
-    return course;
-  }
-
-  static std::vector<engine::Subset> subsets_of(const cases::Mesh& mesh,
-                                                std::vector<std::vector<Number>> cells,
-                                                int rings = 1) {
-    std::vector<engine::Subset> subsets;
-    for (std::vector<Number>& of_rank : cells) {
-      subsets.push_back(engine::subset_of(mesh, std::move(of_rank), rings));
-    }
-    return subsets;
-  }
-
   /// Calls body(rank, engine) for every subset, each in a thread of its own.
   template <class Body>
   static void run_side_by_side(const cases::Case& contents,
@@ -82,59 +26,6 @@ class RanksInProcess : public testing::Test {
       });
     }
     for (std::thread& member : members) member.join();
-  }
-
-  static std::vector<double> entries_of(const std::vector<double>& column,
-                                        const std::vector<Number>& cells) {
-    std::vector<double> entries;
-    if (column.empty()) return entries;
-    for (const Number cell : cells) entries.push_back(column[at(cell)]);
-    return entries;
-  }
-
-  static engine::State part_of(const engine::State& state, const std::vector<Number>& cells) {
-    engine::State part = state;
-    for (const auto column : engine::columns_of_flow) {
-      part.*column = entries_of(state.*column, cells);
-    }
-    return part;
-  }
-
-  static bool have_same_bits(const std::vector<double>& a, const std::vector<double>& b) {
-    if (a.size() != b.size()) return false;
-    return a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(double)) == 0;
-  }
-
-  static bool have_same_bits(const engine::State& a, const engine::State& b) {
-    return std::all_of(std::begin(engine::columns_of_flow), std::end(engine::columns_of_flow),
-                       [&](const auto column) { return have_same_bits(a.*column, b.*column); });
-  }
-
-  /// Goes on from the first step of a run, and compares what it finds after each.
-  static void expect_same_steps(const cases::Case& contents, const Course& expected,
-                                const engine::Subset& subset, engine::Engine& engine, int first) {
-    EXPECT_EQ(courant * engine.stable_step(0.0), expected.steps[at(first)]);
-    for (int step = first; step < expected.count(); ++step) {
-      EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states[at(step)], subset.owned)))
-          << "before step " << step;
-      const double next =
-          engine.advance({expected.times[at(step)], 0.0, t_end, expected.steps[at(step)]});
-      EXPECT_EQ(courant * next, expected.steps[at(step) + 1]) << "step " << step;
-      expect_same_inflows(contents, expected.inflows[at(step)], engine);
-    }
-    EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states.back(), subset.owned)));
-  }
-
-  static void expect_same_inflows(const cases::Case& contents,
-                                  const std::vector<engine::BoundaryInflow>& expected,
-                                  const engine::Engine& engine) {
-    for (std::size_t b = 0; b < expected.size(); ++b) {
-      const Number cell = contents.mesh.left[at(contents.mesh.boundaries[b].edge)];
-      const bool is_here = engine.tables().is_owned(engine.tables().place[at(cell)]);
-      const engine::BoundaryInflow inflow = engine.boundary_inflow(static_cast<int>(b));
-      EXPECT_EQ(inflow.water, is_here ? expected[b].water : 0.0) << b;
-      EXPECT_EQ(inflow.bed, is_here ? expected[b].bed : 0.0) << b;
-    }
   }
 
   /// Patches that the last step computed on all ranks, and how many there are.
@@ -164,8 +55,6 @@ class RanksInProcess : public testing::Test {
                   subsets_of(contents.mesh, cells, engine::rings_of(contents.scheme)));
     }
   }
-
-  support::TemporaryFolder folder_;
 };
 
 }  // namespace test_ranks
