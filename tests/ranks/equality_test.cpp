@@ -1,6 +1,9 @@
 // Ranks that compute parts of a case give the bits of one engine, after every step.
 #include <gtest/gtest.h>
 
+#include <random>
+
+#include "ranks/DelayedExchange.hpp"
 #include "ranks/RanksInProcess.hpp"
 
 using namespace test_ranks;
@@ -71,6 +74,28 @@ TEST_F(RanksInProcess, GiveTheSameBitsWhereverTheirCellsAre) {
       cells[owner(generator)].push_back(cell);
     }
     expect_same(contents, expected, subsets_of(contents.mesh, cells));
+  }
+}
+
+TEST_F(RanksInProcess, GiveTheSameBitsHoweverLateTheirMessagesCome) {
+  for (const cases::Scheme scheme : {cases::Scheme::lhllc, cases::Scheme::hll2}) {
+    cases::Case contents = basin({});
+    contents.scheme = scheme;
+    const Course expected = run_alone(contents, 20);
+    for (const int count : {2, 3, 5, 7}) {
+      const auto subsets =
+          subsets_of(contents.mesh, uneven_parts(contents.mesh, count), engine::rings_of(scheme));
+      ranks::InProcess group(subsets);
+      std::vector<std::thread> members;
+      for (int rank = 0; rank < count; ++rank) {
+        members.emplace_back([&, rank] {
+          DelayedExchange exchange(group.exchange(rank), static_cast<unsigned>(17 * count + rank));
+          engine::Engine engine(contents, subsets[at(rank)], exchange, 1, 64);
+          expect_same_steps(contents, expected, subsets[at(rank)], engine, 0);
+        });
+      }
+      for (std::thread& member : members) member.join();
+    }
   }
 }
 
