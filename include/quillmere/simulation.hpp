@@ -99,6 +99,14 @@ struct Options {
   int threads = 0;  ///< at most; 0: one per core. A small mesh takes fewer.
 };
 
+/// A mesh in plain arrays, as in Case; first_node is never empty.
+struct Mesh {
+  std::vector<double> x, y, z;
+  std::vector<int> cell_nodes;
+  std::vector<std::int64_t> first_node;
+  std::vector<Edge> edges;
+};
+
 /// All that the further steps of a simulation depend on besides its case.
 using State = std::vector<std::byte>;
 
@@ -112,6 +120,8 @@ class Simulation {
   Simulation& operator=(Simulation&&) noexcept;
   ~Simulation();
 
+  double start_time() const;
+  double end_time() const;
   double time() const;
   /// The step that comes next.
   double time_step() const;
@@ -124,6 +134,7 @@ class Simulation {
   /// Steps until a time is reached, or the end.
   void run_until(double t);
 
+  Mesh mesh() const;
   int number_of_cells() const;
   int number_of_edges() const;
   /// The first cell that contains a point; -1 if there is none.

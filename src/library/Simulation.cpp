@@ -4,6 +4,7 @@
 
 #include "case/boundary_kinds.hpp"
 #include "library/Run.hpp"
+#include "library/mesh_of_case.hpp"
 #include "library/require.hpp"
 
 namespace quillmere {
@@ -61,6 +62,10 @@ Simulation Simulation::open(const std::string& data_file, const Options& options
   return Simulation(guarded([&] { return std::make_unique<Run>(data_file, options); }));
 }
 
+double Simulation::start_time() const { return run_->contents().t_start; }
+
+double Simulation::end_time() const { return run_->contents().t_end; }
+
 double Simulation::time() const { return run_->clock().t; }
 
 double Simulation::time_step() const { return run_->clock().dt; }
@@ -77,6 +82,8 @@ void Simulation::run_until(double t) {
   if (std::isnan(t)) refuse("time", "nan", "a number");
   while (!is_complete() && time() < t) step();
 }
+
+Mesh Simulation::mesh() const { return mesh_of(run_->contents().mesh); }
 
 int Simulation::number_of_cells() const { return run_->contents().mesh.n_cells(); }
 

@@ -1,5 +1,6 @@
 // A simulation of the library computes what the program computes.
 #include <cmath>
+#include <tuple>
 
 #include "case/EndAtFirstError.hpp"
 #include "case/read_case.hpp"
@@ -62,26 +63,12 @@ class SimulationOfFiles : public LibraryFiles {
     arrays.courant_number = read.cfl;
     arrays.scheme = scheme;
     arrays.zero_depth = read.zero_depth;
-    arrays.x = read.mesh.x;
-    arrays.y = read.mesh.y;
-    arrays.z = read.mesh.z;
-    arrays.cell_nodes = read.mesh.cell_nodes;
-    for (cases::Number e = 0; e < read.mesh.n_edges(); ++e) {
-      const std::size_t k = cases::at(e);
-      quillmere::Edge& edge = arrays.edges.emplace_back();
-      edge = {read.mesh.left[k],
-              read.mesh.right[k],
-              read.mesh.node1[k],
-              read.mesh.node2[k],
-              EdgeKind::interior,
-              0.0,
-              -1};
-      if (const cases::Boundary* const boundary = read.mesh.boundary_on(e)) {
-        edge.kind = static_cast<EdgeKind>(boundary->code);
-        edge.value = boundary->value;
-        edge.series = boundary->series;
-      }
-    }
+    const quillmere::Mesh mesh = of_files.mesh();
+    arrays.x = mesh.x;
+    arrays.y = mesh.y;
+    arrays.z = mesh.z;
+    arrays.cell_nodes = mesh.cell_nodes;
+    arrays.edges = mesh.edges;
     arrays.series.push_back({read.series[0].times, read.series[0].values});
     arrays.level = read.fields.level;
     arrays.bed = read.fields.bed;
@@ -117,6 +104,30 @@ TEST_F(SimulationOfFiles, HasTheBitsOfTheObjectsInEveryField) {
   c.set_times(0.0, 50.0);
   expect_the_bits_of_the_objects(c, 60);
   expect_the_bits_of_the_objects(sand_case(40, 30), 60);
+}
+
+TEST(SimulationOfArrays, TellsItsMeshAndItsTimes) {
+  const quillmere::Case pool = open_pool(EdgeKind::water_level, 1.5);
+  const Simulation simulation(pool);
+  EXPECT_EQ(simulation.start_time(), pool.t_start);
+  EXPECT_EQ(simulation.end_time(), pool.t_end);
+  const quillmere::Mesh mesh = simulation.mesh();
+  EXPECT_EQ(mesh.x, pool.x);
+  EXPECT_EQ(mesh.y, pool.y);
+  EXPECT_EQ(mesh.z, pool.z);
+  EXPECT_EQ(mesh.cell_nodes, pool.cell_nodes);
+  ASSERT_EQ(mesh.first_node.size(), pool.cell_nodes.size() / 3 + 1);
+  for (std::size_t cell = 0; cell < mesh.first_node.size(); ++cell) {
+    EXPECT_EQ(mesh.first_node[cell], 3 * static_cast<std::int64_t>(cell));
+  }
+  ASSERT_EQ(mesh.edges.size(), pool.edges.size());
+  for (std::size_t e = 0; e < mesh.edges.size(); ++e) {
+    const auto tuple = [](const quillmere::Edge& edge) {
+      return std::tuple(edge.left, edge.right, edge.node1, edge.node2, edge.kind, edge.value,
+                        edge.series);
+    };
+    EXPECT_EQ(tuple(mesh.edges[e]), tuple(pool.edges[e])) << e;
+  }
 }
 
 TEST_F(SimulationOfFiles, HasTheBitsOfTheWalkOfThePositiveSchemes) {
