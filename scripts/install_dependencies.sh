@@ -12,6 +12,7 @@ Groups:
   tools       what the companion tools build on, and matplotlib for their pictures
   test        GoogleTest, numpy, and what reads exported files back
   coverage    gcovr
+  python      what the Python module is built and packaged with
   mpi         Open MPI and MPICH, for the tests of ranks that are processes
   fuzz        Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
@@ -25,6 +26,7 @@ packages_of() {
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
     test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal ;;
     coverage) echo gcovr ;;
+    python) echo python3-dev pybind11-dev python3-numpy python3-pip python3-setuptools python3-wheel ;;
     mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;

@@ -14,7 +14,7 @@ for option in "$@"; do
   esac
 done
 
-scripts/install_dependencies.sh build tools test
+scripts/install_dependencies.sh build tools python test
 for preset in release "${sanitizers[@]}"; do
   echo "== $preset"
   cmake --preset "$preset" -DQUILLMERE_TESTS=ON >/dev/null
