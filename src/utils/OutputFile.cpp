@@ -1,13 +1,16 @@
 #include "utils/OutputFile.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <mutex>
 #include <optional>
 #include <set>
 #include <system_error>
+#include <vector>
 
 #include "utils/files.hpp"
 #include "utils/signals.hpp"
@@ -61,6 +64,22 @@ bool can_be_replaced(const std::string& place) {
 bool is_input_itself(const std::string& name) {
   std::error_code ignored;
   return !std::filesystem::is_symlink(name, ignored) && is_input_file(name);
+}
+
+/// Of as many bytes as the lines had.
+Checksum checksum_of_start(const WrittenLines& lines) {
+  Checksum sum;
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(lines.name, ignored)) return sum;
+  std::ifstream file(lines.name, std::ios::binary);
+  std::vector<char> piece(1 << 20);
+  for (std::uint64_t left = lines.size; left > 0 && file;) {
+    file.read(piece.data(), static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
+    const auto count = static_cast<std::size_t>(file.gcount());
+    sum.add(piece.data(), count);
+    left -= count;
+  }
+  return sum;
 }
 
 }  // namespace
@@ -135,6 +154,22 @@ void LineFile::open(const std::string& name) {
   if (!is_created_) warn_once(name_, "couldn't be created.");
 }
 
+void LineFile::open_behind(const WrittenLines& lines) {
+  name_ = lines.name;
+  checksum_ = checksum_of_start(lines);
+  size_ = lines.size;
+  const int error = file_.open_behind(name_, size_);
+  if (error != 0) {
+    fatal("Error. The result file " + name_ + " couldn't be continued: " + reason_of(error) + ".\n");
+  }
+  is_created_ = true;
+  is_regular_ = file_.is_regular();
+}
+
+void LineFile::sync() {
+  if (is_regular_ && file_.is_open()) file_.sync();  // what fails is told where lines are written
+}
+
 bool LineFile::write(const TextBuffer& line) {
   if (!file_.is_open()) return true;
   int error = 0;
@@ -147,6 +182,7 @@ bool LineFile::write(const TextBuffer& line) {
   }
   if (error == 0) {
     size_ += line.text().size();
+    checksum_.add(line.text().data(), line.text().size());
     return true;
   }
   say_failure(name_, incomplete(error));
@@ -158,6 +194,26 @@ bool LineFile::close() {
   const int error = file_.close();
   if (error != 0) say_failure(name_, incomplete(error));
   return error == 0;
+}
+
+void require_lines(const WrittenLines& lines) {
+  const auto refuse = [&](const std::string& trouble) {
+    fatal("Error. The result file " + lines.name + " " + trouble + ": it can't be continued.\n");
+  };
+  if (is_input_file(lines.name)) refuse("is an input file of this run");
+  std::error_code ignored;
+  const auto status = std::filesystem::status(lines.name, ignored);
+  if (!std::filesystem::exists(status)) refuse("isn't there any more");
+  if (std::filesystem::is_directory(status)) refuse("is a folder");
+  if (!std::filesystem::is_regular_file(status)) return;
+  const std::uintmax_t size = std::filesystem::file_size(lines.name, ignored);
+  if (size < lines.size) {
+    refuse("has " + std::to_string(size) + " bytes of the " + std::to_string(lines.size) +
+           " that it had at the checkpoint");
+  }
+  if (checksum_of_start(lines).value() != lines.checksum) {
+    refuse("doesn't hold any more what it held at the checkpoint");
+  }
 }
 
 }  // namespace utils

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 
+#include "utils/Checksum.hpp"
 #include "utils/TextBuffer.hpp"
 #include "utils/WritableFile.hpp"
 
@@ -38,6 +39,18 @@ class WholeFile {
   int error_ = 0;  ///< number of the error that kept the file from being complete
 };
 
+/// The lines that a run has written into a file.
+struct WrittenLines {
+  std::string name;
+  std::uint64_t size = 0;      ///< bytes
+  std::uint64_t checksum = 0;  ///< of these bytes
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.name, self.size, self.checksum);
+  }
+};
+
 /// A file that grows line by line for the whole run. Each line is handed to the system in one piece
 /// and is on its way to the disk at once: a reader sees complete lines. A signal that ends the run
 /// waits for the line that is being written. Only what a process cannot hold back (SIGKILL) may cut
@@ -48,6 +61,14 @@ class LineFile {
   /// Creates or truncates the file; a failure is warned about. A file that the run has read is not
   /// touched: the run ends. To be called on the main thread.
   void open(const std::string& name);
+  /// Opens a file that an earlier run has written, cuts off what stands behind these lines, and goes
+  /// on there. What is not there any more is said by require_lines(), to be called before. To be
+  /// called on the main thread.
+  void open_behind(const WrittenLines& lines);
+  /// All lines so far; none while another thread writes.
+  WrittenLines lines() const { return {name_, size_, checksum_.value()}; }
+  /// Waits until all lines lie on the disk.
+  void sync();
   /// Whether the file could be created.
   bool is_open() const { return is_created_; }
   /// Appends a text that ends in a line end; without an open file it is lost. False if the run must
@@ -62,6 +83,11 @@ class LineFile {
   bool is_created_ = false;
   bool is_regular_ = false;
   std::uintmax_t size_ = 0;  ///< of the complete lines
+  Checksum checksum_;        ///< of the complete lines
 };
+
+/// Ends the run with a message where a file does not begin with these lines any more. A device or a
+/// pipe keeps none, and has them.
+void require_lines(const WrittenLines& lines);
 
 }  // namespace utils

@@ -18,6 +18,13 @@ int WritableFile::open(const std::string& name) {
   return take(::open(name.c_str(), writing | O_TRUNC, for_everyone));
 }
 
+int WritableFile::open_behind(const std::string& name, std::uintmax_t size) {
+  const int error = take(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
+  if (error != 0 || !is_regular()) return error;
+  if (const int error_of_cut = cut_off(size); error_of_cut != 0) return error_of_cut;
+  return lseek(descriptor_, 0, SEEK_END) < 0 ? errno : 0;
+}
+
 int WritableFile::create_anew(const std::string& name) {
   unlink(name.c_str());  // what cannot be removed makes the next call fail
   return take(::open(name.c_str(), writing | O_EXCL | O_NOFOLLOW, for_everyone));
@@ -46,6 +53,8 @@ int WritableFile::write(std::string_view text) {
 int WritableFile::cut_off(std::uintmax_t size) {
   return ftruncate(descriptor_, static_cast<off_t>(size)) == 0 ? 0 : errno;
 }
+
+int WritableFile::sync() { return fsync(descriptor_) == 0 ? 0 : errno; }
 
 int WritableFile::close() {
   if (!is_open()) return 0;

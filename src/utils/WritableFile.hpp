@@ -18,6 +18,9 @@ class WritableFile {
 
   /// Opens a file of that name, which is emptied or made. Through a link, whatever it leads to.
   int open(const std::string& name);
+  /// Opens a file that is there, to be continued behind a size (bytes), at which it is cut off. A
+  /// device or a pipe has no size and is not cut.
+  int open_behind(const std::string& name, std::uintmax_t size);
   /// Makes a file that was not there; what had its name is removed, and a link is not followed.
   int create_anew(const std::string& name);
   bool is_open() const { return descriptor_ >= 0; }
@@ -29,6 +32,8 @@ class WritableFile {
   int write(std::string_view text);
   /// Cuts the file off at a size (bytes).
   int cut_off(std::uintmax_t size);
+  /// Waits until all that was written lies on the disk.
+  int sync();
   int close();
 
  private:

@@ -65,6 +65,11 @@ void WriterThread::wait() {
   changed_.wait(lock, [this] { return !work_; });
 }
 
+bool WriterThread::is_busy() {
+  const std::lock_guard lock(mutex_);
+  return static_cast<bool>(work_);
+}
+
 bool WriterThread::has_thread() {
   if (thread_.joinable()) return true;
   try {

@@ -26,6 +26,8 @@ class WriterThread {
   void hand_over(Work work);
   /// Waits until all work is done: what it reads may change then.
   void wait();
+  /// Whether work is under way.
+  bool is_busy();
 
   /// Whether a result was lost, and said so: the run ends then.
   bool has_failed() const { return has_failed_; }

@@ -11,13 +11,14 @@ namespace {
 
 std::atomic<bool> first_is_noted = false;
 std::atomic<int> noted_signal = 0;
+std::atomic<bool> checkpoint_is_wished = false;
 std::atomic<int> lines_under_way = 0;
 /// What ends the process as soon as no line is under way: a signal, or an exit status less
 /// `exit_offset`. Whoever begins a line counts it and then looks here, whoever ends the process
 /// writes this and then looks at the count: one of the two sees the other.
 std::atomic<int> end_to_come = 0;
 constexpr int exit_offset = 1000;
-static_assert(std::atomic<int>::is_always_lock_free, "a handler may not wait for a lock");
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free, "a handler may not wait for a lock");
 
 void end_process_by(int end) {
   if (end < 0) _exit(end + exit_offset);
@@ -61,6 +62,18 @@ void listen_for_interruption() {
 }
 
 int interrupting_signal() { return noted_signal.load(std::memory_order_relaxed); }
+
+void listen_for_checkpoint_wishes() {
+  struct sigaction action = {};
+  action.sa_handler = [](int) { checkpoint_is_wished = true; };
+  action.sa_flags = SA_RESTART;
+  sigaction(SIGUSR1, &action, nullptr);
+}
+
+bool take_checkpoint_wish() {
+  return checkpoint_is_wished.load(std::memory_order_relaxed) &&
+         checkpoint_is_wished.exchange(false);
+}
 
 void let_writes_fail() {
   signal(SIGPIPE, SIG_IGN);

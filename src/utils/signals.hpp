@@ -17,6 +17,12 @@ void listen_for_interruption();
 /// The signal that was noted; 0 as long as there is none.
 int interrupting_signal();
 
+/// From now on SIGUSR1 is noted, as a wish for a checkpoint, and does not end the process.
+void listen_for_checkpoint_wishes();
+
+/// Whether such a wish was noted since this was asked last.
+bool take_checkpoint_wish();
+
 /// From now on a write into a pipe that nobody reads, or beyond the largest size of a file that the
 /// process may write, fails like any other, instead of ending the process without a word.
 void let_writes_fail();
