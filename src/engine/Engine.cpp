@@ -100,12 +100,17 @@ void Engine::find_not_hyperbolic() {
   not_hyperbolic_.reset();
   if (agreed_.not_hyperbolic == HUGE_VAL) return;
   const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
-  backend_->ignore_not_hyperbolic();
+  ignore_not_hyperbolic();
   // An edge between two ranks is found on both.
   if (!found || found->edge != agreed_.not_hyperbolic || !tables_.is_owned(found->place)) return;
   not_hyperbolic_ = found;
   const auto cell = std::find(tables_.place.begin(), tables_.place.end(), found->place);
   not_hyperbolic_->place = static_cast<int>(cell - tables_.place.begin());
+}
+
+void Engine::ignore_not_hyperbolic() {
+  backend_->ignore_not_hyperbolic();
+  has_told_not_hyperbolic_ = true;
 }
 
 namespace {
@@ -130,21 +135,27 @@ void for_each_column(State& state, Tables& tables, const Visit& visit) {
 
 State Engine::state() {
   State state;
+  save(state);
+  return state;
+}
+
+void Engine::save(State& state) {
   for_each_column(state, tables_, [&](std::vector<double>& values, const Column& column) {
-    if (column.empty()) return;
-    values.resize(at(tables_.owned));
-    read(column, values);
+    save_column(column, values);
   });
   forcing_.save(state);
-  return state;
+  state.has_told_not_hyperbolic = has_told_not_hyperbolic_;
+}
+
+void Engine::save_column(const Column& column, std::vector<double>& values) {
+  values.resize(column.empty() ? 0 : at(tables_.owned));
+  if (!column.empty()) read(column, values);
 }
 
 void Engine::set_state(const State& state) {
   for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
     column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
-    for (int k = 0; k < static_cast<int>(values.size()); ++k) {
-      column[at(tables_.place[at(tables_.owned_cell(k))])] = values[at(k)];
-    }
+    load_column(values, column);
   });
   exchange_.start_halo(tables_);
   exchange_.finish_halo(tables_);
@@ -152,6 +163,13 @@ void Engine::set_state(const State& state) {
   forcing_.load(state, tables_);
   activity_.find_rain(tables_);
   activity_.wake_all();
+  if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
+}
+
+void Engine::load_column(const std::vector<double>& values, Column& column) const {
+  for (int k = 0; k < static_cast<int>(values.size()); ++k) {
+    column[at(tables_.place[at(tables_.owned_cell(k))])] = values[at(k)];
+  }
 }
 
 void Engine::set_water(std::span<const cases::Number> cells,
@@ -207,6 +225,20 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
 void Engine::watch(double t) {
   const double step = stable_step(t);
   notes_ = std::make_unique<StepNotes>(tables_, step, place_of_bound(), exchange_);
+}
+
+void Engine::save_notes(SavedNotes& notes) {
+  notes.of_last_step = notes_->of_last_step();
+  save_column(notes_->recovered, notes.recovered);
+  save_column(notes_->lifted, notes.lifted);
+  save_column(notes_->taken_discharge, notes.taken_discharge);
+}
+
+void Engine::load_notes(const SavedNotes& notes) {
+  notes_->set_last_step(notes.of_last_step);
+  load_column(notes.recovered, notes_->recovered);
+  load_column(notes.lifted, notes_->lifted);
+  load_column(notes.taken_discharge, notes_->taken_discharge);
 }
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {

@@ -43,6 +43,8 @@ class Engine {
 
   /// That of the owned cells, in the order of their numbers.
   State state();
+  /// The same into a state that holds another one, whose memory is taken again.
+  void save(State& state);
   /// Together: puts such a state of the same case and subset in force.
   void set_state(const State& state);
 
@@ -66,6 +68,9 @@ class Engine {
   /// Together: from a time on (s) every step takes notes, of all ranks.
   void watch(double t);
   const physics::StepNotes& notes() const { return notes_->of_last_step(); }
+  /// The notes of the owned cells, once there are any, and those that the next step goes on with.
+  void save_notes(SavedNotes& notes);
+  void load_notes(const SavedNotes& notes);
   UnseenDepths unseen_depths(cases::Number cell) const;
   /// Where the last step was not hyperbolic, on the first such edge; only the first time, and on
   /// the rank that owns the cell. `place` is then the number of the cell in the case.
@@ -85,6 +90,11 @@ class Engine {
   int place_of_bound() const;
   void start_minimum(double smallest_step, const Wishes& own);
   void find_not_hyperbolic();
+  void ignore_not_hyperbolic();
+  /// The values of a column for the owned cells in the order of their numbers; none where it is
+  /// empty.
+  void save_column(const Column& column, std::vector<double>& values);
+  void load_column(const std::vector<double>& values, Column& column) const;
 
   Alone alone_;
   Exchange& exchange_;
@@ -99,6 +109,7 @@ class Engine {
   int place_of_bound_ = -1;     ///< of its cell; -1: cells bound it more
   StepMinimum agreed_;          ///< in the last step
   std::optional<NotHyperbolic> not_hyperbolic_;  ///< see there
+  bool has_told_not_hyperbolic_ = false;
 };
 
 }  // namespace engine

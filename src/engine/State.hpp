@@ -1,8 +1,12 @@
 // The state of a run: all that its further steps depend on besides its case and its clock.
 #pragma once
 
+#include <cstdint>
+#include <iterator>
 #include <vector>
 
+#include "case/Case.hpp"
+#include "physics/flow_extremes.hpp"
 #include "physics/rain.hpp"
 
 namespace engine {
@@ -20,11 +24,44 @@ struct State {
   // What a caller imposes in place of the case; nothing where it is NaN, or the column empty.
   std::vector<double> imposed_on_boundaries;  ///< of the case, m2/s or m
   std::vector<double> imposed_rain;           ///< on the cells, m/s
+  /// Whether it was told that the coupled system is not hyperbolic somewhere, which is said once.
+  bool has_told_not_hyperbolic = false;
+
+  /// For utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit);
 };
 
 /// The columns of the flow in the cells, for who saves, compares or cuts states.
 inline constexpr std::vector<double> State::*columns_of_flow[] = {
     &State::h,           &State::qx, &State::qy,  &State::eta, &State::max_h,
     &State::infiltrated, &State::hs, &State::qsx, &State::qsy, &State::dqs_dh};
+
+template <class Self, class Visit>
+void State::visit_parts(Self& self, const Visit& visit) {
+  for (const auto column : columns_of_flow) visit(self.*column);
+  visit(self.rain_clocks, self.imposed_on_boundaries, self.imposed_rain,
+        self.has_told_not_hyperbolic);
+}
+
+/// Whether further steps of a case can begin with a state; `present` is one that they have.
+bool fits(const State& state, const State& present, const cases::Case& contents);
+
+struct SavedNotes;
+/// The same of notes.
+bool fits(const SavedNotes& notes, const cases::Case& contents);
+
+/// What the notes of a report hold: what a step tells, and what was summed up for every cell in the
+/// order of the case, see fields::UnseenDepth. Columns that nobody sums up are empty.
+struct SavedNotes {
+  physics::StepNotes of_last_step;
+  std::vector<double> recovered, lifted;  ///< m
+  std::vector<double> taken_discharge;    ///< m2/s
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.of_last_step, self.recovered, self.lifted, self.taken_discharge);
+  }
+};
 
 }  // namespace engine

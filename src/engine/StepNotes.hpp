@@ -35,6 +35,8 @@ class StepNotes {
   void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
               int place_of_bound);
   const physics::StepNotes& of_last_step() const { return notes_; }
+  /// Goes on from the notes of an earlier run.
+  void set_last_step(const physics::StepNotes& notes) { notes_ = notes; }
   UnseenDepths unseen_depths(int place) const;
   /// Place of the cell that set the last step; -1 without one.
   int limiting_place(const Tables& tables) const {

@@ -13,6 +13,11 @@ struct Clock {
   double dt = 0.0;  ///< the next step, s
   long steps = 0;   ///< computed so far
 
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.t, self.dt, self.steps);
+  }
+
   /// Whether the next step would not bring the run on.
   bool has_collapsed() const { return dt <= smallest_step || t + dt == t; }
 };

@@ -4,6 +4,7 @@
 #include <span>
 
 #include "case/Mesh.hpp"
+#include "engine/State.hpp"
 #include "engine/step_values.hpp"
 #include "fields/Field.hpp"
 #include "physics/flow_extremes.hpp"
@@ -20,6 +21,12 @@ struct CellState {
   double dqs_dh = 0.0;       ///< derivative of the bed load with respect to the depth, m/s
   double bed_level = 0.0;    ///< m
   double water_level = 0.0;  ///< m
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.h, self.qx, self.qy, self.hs, self.qsx, self.qsy, self.dqs_dh, self.bed_level,
+          self.water_level);
+  }
 };
 
 /// What becomes of the water and the bed of a cell without showing in its state, summed since the
@@ -76,6 +83,15 @@ class Flow {
   virtual UnseenDepth unseen_depth(cases::Number cell) const = 0;
   /// By its number in the boundaries of the mesh.
   virtual BoundaryInflow boundary_inflow(int boundary) const = 0;
+
+  /// Between steps: the present state, on every path the same, in place of what `state` holds, whose
+  /// memory is taken again.
+  virtual void save(engine::State& state) const = 0;
+  /// Puts the state of the same case in force, see engine::fits().
+  virtual void load(const engine::State& state) = 0;
+  /// The same for the notes, of steps that are watched.
+  virtual void save_notes(engine::SavedNotes& notes) const = 0;
+  virtual void load_notes(const engine::SavedNotes& notes) = 0;
 };
 
 }  // namespace fields

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fields/flow_survey.hpp"
+#include "fields/nothing_imposed.hpp"
 
 namespace fields {
 
@@ -102,6 +103,43 @@ UnseenDepth HllFlow::unseen_depth(Number cell) const {
   return {.recovered = water.recovered[at(cell)],
           .taken_discharge = water.taken_discharge[at(cell)]};
 }
+
+void HllFlow::save(engine::State& state) const {
+  const HllWalk::Water& water = walk_.water();
+  state = {};
+  state.h = water.h;
+  state.qx = water.qx;
+  state.qy = water.qy;
+  state.max_h = water.max_h;
+  if (has_soils()) state.infiltrated = water.infiltrated;
+  state.rain_clocks = walk_.rain_clocks();
+}
+
+void HllFlow::load(const engine::State& state) {
+  require_nothing_imposed(state);
+  HllWalk::Water water = walk_.water();
+  water.h = state.h;
+  water.qx = state.qx;
+  water.qy = state.qy;
+  water.max_h = state.max_h;
+  if (has_soils()) water.infiltrated = state.infiltrated;
+  walk_.set_water(std::move(water), state.rain_clocks);
+}
+
+void HllFlow::save_notes(engine::SavedNotes& notes) const {
+  notes = {notes_, {}, {}, walk_.water().taken_discharge};
+  if (has_soils()) notes.recovered = walk_.water().recovered;
+}
+
+void HllFlow::load_notes(const engine::SavedNotes& notes) {
+  notes_ = notes.of_last_step;
+  HllWalk::Water water = walk_.water();
+  water.taken_discharge = notes.taken_discharge;
+  if (has_soils()) water.recovered = notes.recovered;
+  walk_.set_water(std::move(water), walk_.rain_clocks());
+}
+
+bool HllFlow::has_soils() const { return !case_.fields.soil.empty() && !case_.soils.empty(); }
 
 BoundaryInflow HllFlow::boundary_inflow(int boundary) const {
   return {walk_.inflow(static_cast<std::size_t>(boundary)), 0.0};

@@ -27,9 +27,15 @@ class HllFlow : public Flow {
   UnseenDepth unseen_depth(cases::Number cell) const override;
   BoundaryInflow boundary_inflow(int boundary) const override;
 
+  void save(engine::State& state) const override;
+  void load(const engine::State& state) override;
+  void save_notes(engine::SavedNotes& notes) const override;
+  void load_notes(const engine::SavedNotes& notes) override;
+
  private:
   double value(Field field, cases::Number cell) const;
   void note_states(cases::Number limiting_cell);
+  bool has_soils() const;
 
   const cases::Case& case_;
   HllWalk walk_;

@@ -1,7 +1,12 @@
 #include "fields/ObjectsFlow.hpp"
 
+#include <algorithm>
+
 #include "fields/flow_survey.hpp"
+#include "fields/nothing_imposed.hpp"
 #include "globals/Globals.hpp"
+#include "interfaces/SedFluxCLHLLC.hpp"
+#include "model/SWE_Exner.hpp"
 
 namespace fields {
 
@@ -44,6 +49,28 @@ ModelObjects objects_of(const cases::Case& contents) {
   return build_objects(contents);
 }
 
+/// Calls visit(a column of a state, the value of a cell) for those that a model has.
+template <class State, class Visit>
+void for_each_column(State& state, bool has_stepped, bool has_soils, bool has_sediments,
+                     const Visit& visit) {
+  visit(state.h, true, [](auto& cell) -> auto& { return cell.U.h; });
+  visit(state.qx, true, [](auto& cell) -> auto& { return cell.U.qx; });
+  visit(state.qy, true, [](auto& cell) -> auto& { return cell.U.qy; });
+  visit(state.eta, !has_stepped, [](auto& cell) -> auto& { return cell.free_surface_level; });
+  visit(state.max_h, true, [](auto& cell) -> auto& { return cell.max_values.h; });
+  visit(state.infiltrated, has_soils,
+        [](auto& cell) -> auto& { return cell.param.infiltrated_depth; });
+  visit(state.hs, has_sediments, [](auto& cell) -> auto& { return cell.U.hs; });
+  visit(state.qsx, has_sediments, [](auto& cell) -> auto& { return cell.U.qsx; });
+  visit(state.qsy, has_sediments, [](auto& cell) -> auto& { return cell.U.qsy; });
+  visit(state.dqs_dh, has_sediments, [](auto& cell) -> auto& { return cell.dqs_dh; });
+}
+
+bool has_term(const ComputationalCell& cell, const SourceTerm& term) {
+  return std::find(cell.source_terms.begin(), cell.source_terms.end(), &term) !=
+         cell.source_terms.end();
+}
+
 }  // namespace
 
 ObjectsFlow::ObjectsFlow(const cases::Case& contents)
@@ -55,6 +82,7 @@ double ObjectsFlow::advance(const StepTimes& times) {
   Globals_Params::tStart = times.t_start;
   Globals_Params::tEnd = times.t_end;
   const double step = model_.computeFlowStep();
+  has_stepped_ = true;
   if (watch_) watch_->note_states(step);
   return step;
 }
@@ -99,6 +127,73 @@ BoundaryInflow ObjectsFlow::boundary_inflow(int boundary) const {
   const FluxSlots& slots = edge.cell_left->fluxes;
   const HydraulicVariableSWE& slot = slots[edge.local_index_left];
   return {slot.h, slot.hs};
+}
+
+bool ObjectsFlow::has_sediments() const {
+  return dynamic_cast<const SWE_Exner*>(&model_) != nullptr;
+}
+
+void ObjectsFlow::save(engine::State& state) const {
+  for_each_column(state, has_stepped_, has_soils(), has_sediments(),
+                  [&](std::vector<double>& column, bool is_there, const auto& value) {
+                    column.clear();
+                    if (!is_there) return;
+                    for (const auto& cell : model_.cells) column.push_back(value(*cell));
+                  });
+  state.rain_clocks.clear();
+  for (const auto& rain : objects_.rain) {
+    state.rain_clocks.push_back(physics::clock_before_rain(Globals_Params::tStart));
+    for (const auto& cell : model_.cells) {  // all that it falls on have the same clock
+      if (!has_term(*cell, *rain)) continue;
+      const ParamCell& of = cell->param;
+      state.rain_clocks.back() = {of.last_update_time, of.hyetogram_index, of.rain_dt};
+      break;
+    }
+  }
+  state.has_told_not_hyperbolic = has_told_not_hyperbolic();
+}
+
+void ObjectsFlow::load(const engine::State& state) {
+  require_nothing_imposed(state);
+  has_stepped_ = state.eta.empty();
+  for_each_column(state, has_stepped_, has_soils(), has_sediments(),
+                  [&](const std::vector<double>& column, bool is_there, const auto& value) {
+                    if (!is_there) return;
+                    for (std::size_t i = 0; i < column.size(); ++i) {
+                      value(*model_.cells[i]) = column[i];
+                    }
+                  });
+  for (const auto& cell : model_.cells) {
+    if (has_sediments()) cell->bed_level = cell->bed_rock_level + cell->U.hs;
+    if (has_stepped_) cell->free_surface_level = cell->bed_level + cell->U.h;
+    for (std::size_t r = 0; r < state.rain_clocks.size(); ++r) {
+      if (!has_term(*cell, *objects_.rain[r])) continue;
+      const physics::RainClock& clock = state.rain_clocks[r];
+      cell->param.last_update_time = clock.last_update_time;
+      cell->param.hyetogram_index = clock.hyetogram_index;
+      cell->param.rain_dt = clock.rain_dt;
+    }
+  }
+  if (state.has_told_not_hyperbolic) tell_not_hyperbolic_no_more();
+}
+
+void ObjectsFlow::save_notes(engine::SavedNotes& notes) const {
+  notes = {watch_->notes(), {}, {}, {}};
+  for (cases::Number cell = 0; cell < model_.n_cells; ++cell) {
+    const UnseenDepth depth = watch_->unseen_depth(cell);
+    if (has_soils()) notes.recovered.push_back(depth.recovered);
+    if (has_sediments()) notes.lifted.push_back(depth.lifted);
+  }
+}
+
+void ObjectsFlow::load_notes(const engine::SavedNotes& notes) {
+  watch_->set_notes(notes.of_last_step);
+  for (cases::Number cell = 0; cell < model_.n_cells; ++cell) {
+    UnseenDepth depth;
+    if (has_soils()) depth.recovered = notes.recovered[cases::at(cell)];
+    if (has_sediments()) depth.lifted = notes.lifted[cases::at(cell)];
+    watch_->set_unseen_depth(cell, depth);
+  }
 }
 
 }  // namespace fields

@@ -38,13 +38,22 @@ class ObjectsFlow : public Flow {
   UnseenDepth unseen_depth(cases::Number cell) const override { return watch_->unseen_depth(cell); }
   BoundaryInflow boundary_inflow(int boundary) const override;
 
+  void save(engine::State& state) const override;
+  void load(const engine::State& state) override;
+  void save_notes(engine::SavedNotes& notes) const override;
+  void load_notes(const engine::SavedNotes& notes) override;
+
  private:
+  /// What belongs to a state besides h, qx, qy and the largest depths.
+  bool has_sediments() const;
+  bool has_soils() const { return !objects_.soils.empty(); }
   const ComputationalCell& cell(cases::Number number) const {
     return *model_.cells[cases::at(number)];
   }
 
   ModelObjects objects_;  ///< empty where the model is somebody else's
   PhysicalModel& model_;
+  bool has_stepped_ = false;         ///< the free surface is bed and depth from then on
   std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
   std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched
 };

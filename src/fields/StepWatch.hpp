@@ -16,6 +16,12 @@ class StepWatch : public StepObserver {
   const physics::StepNotes& notes() const { return notes_; }
   UnseenDepth unseen_depth(cases::Number cell) const { return unseen_[cases::at(cell)]; }
 
+  /// Goes on from the notes of an earlier run.
+  void set_notes(const physics::StepNotes& notes) { notes_ = notes; }
+  void set_unseen_depth(cases::Number cell, const UnseenDepth& depth) {
+    unseen_[cases::at(cell)] = depth;
+  }
+
   void sources_come_next() override;
   void balance_comes_next() override;
   /// The step is done; `stable_step` (s) is that of the new states.

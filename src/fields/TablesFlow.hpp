@@ -35,6 +35,11 @@ class TablesFlow : public Flow {
   UnseenDepth unseen_depth(cases::Number cell) const override;
   BoundaryInflow boundary_inflow(int boundary) const override;
 
+  void save(engine::State& state) const override { engine_.save(state); }
+  void load(const engine::State& state) override { engine_.set_state(state); }
+  void save_notes(engine::SavedNotes& notes) const override { engine_.save_notes(notes); }
+  void load_notes(const engine::SavedNotes& notes) override { engine_.load_notes(notes); }
+
   engine::Engine& engine() { return engine_; }
 
  private:

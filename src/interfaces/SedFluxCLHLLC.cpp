@@ -7,11 +7,20 @@
 #include "utils/not_hyperbolic.hpp"
 #include "utils/stop.hpp"
 
+namespace {
+
+std::atomic<bool> has_warned = false;
+
+}  // namespace
+
 void warn_not_hyperbolic(int cell, double h, double qx, double qy) {
-  static std::atomic<bool> has_warned = false;
   if (has_warned.exchange(true)) return;
   utils::warn(utils::not_hyperbolic(cell, Globals::t, h, qx, qy));
 }
+
+bool has_told_not_hyperbolic() { return has_warned; }
+
+void tell_not_hyperbolic_no_more() { has_warned = true; }
 
 namespace {
 

@@ -23,28 +23,6 @@ AreaLoss area_loss_of(const cases::Mesh& mesh) {
   return loss;
 }
 
-/// Whether further steps of a case can begin with a state.
-bool fits(const engine::State& state, const engine::State& present, const cases::Case& contents) {
-  const std::size_t n_cells = present.h.size();
-  const auto is_whole_or_empty = [](const std::vector<double>& column, std::size_t count) {
-    return column.empty() || column.size() == count;
-  };
-  bool fits = state.rain_clocks.size() == contents.rain.size() &&
-              is_whole_or_empty(state.imposed_rain, n_cells) &&
-              is_whole_or_empty(state.imposed_on_boundaries, contents.mesh.boundaries.size());
-  for (const auto column : engine::columns_of_flow) {
-    // The free surface of the start is there before the first step alone.
-    const bool is_of_start = column == &engine::State::eta;
-    fits = fits && (is_of_start ? is_whole_or_empty(state.eta, n_cells)
-                                : (state.*column).size() == (present.*column).size());
-  }
-  for (std::size_t r = 0; fits && r < state.rain_clocks.size(); ++r) {
-    const int interval = state.rain_clocks[r].hyetogram_index;
-    fits = interval >= -1 && interval < static_cast<int>(contents.rain[r].times.size());
-  }
-  return fits;
-}
-
 }  // namespace
 
 Simulation::Run::Run(const Case& given, const Options& options)
@@ -116,14 +94,20 @@ void Simulation::Run::set_boundary(int boundary, double value) {
   flow_->engine().impose_on_boundary(boundary, value);
 }
 
-State Simulation::Run::save() { return bytes_of({clock(), flow_->engine().state()}); }
+State Simulation::Run::save() {
+  engine::State state;
+  flow_->save(state);
+  return bytes_of({clock(), state});
+}
 
 void Simulation::Run::load(const State& bytes) {
   const SavedState state = state_of(bytes);
-  if (!fits(state.flow, flow_->engine().state(), case_)) {
+  engine::State present;
+  flow_->save(present);
+  if (!engine::fits(state.flow, present, case_)) {
     throw Error("The state is that of another case.");
   }
-  flow_->engine().set_state(state.flow);
+  flow_->load(state.flow);
   clock_ = state.clock;
   has_other_water_ = has_last_step_ = false;
 }

@@ -1,6 +1,7 @@
 // What time brings to a step of the cell-by-cell walk: rain, the soils' step, and series.
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "case/Case.hpp"
@@ -21,6 +22,9 @@ class HllForcing {
   physics::Infiltration infiltration(cases::Number cell, double h, double F) const;
   /// What a boundary imposes at a time (s): unit discharge (m2/s) or level (m).
   double imposed_by(const cases::Boundary& boundary, double t) const;
+
+  const std::vector<physics::RainClock>& rain_clocks() const { return rain_clocks_; }
+  void set_rain_clocks(std::vector<physics::RainClock> clocks) { rain_clocks_ = std::move(clocks); }
 
  private:
   const cases::Case& case_;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <utility>
 #include <vector>
 
 #include "case/hll_cell.hpp"
@@ -36,6 +37,12 @@ class HllWalk {
   StepBound step_bound(double t, cases::Number before = -1) const;
 
   const Water& water() const { return water_; }
+  const std::vector<physics::RainClock>& rain_clocks() const { return forcing_.rain_clocks(); }
+  /// Goes on from these.
+  void set_water(Water water, std::vector<physics::RainClock> rain_clocks) {
+    water_ = std::move(water);
+    forcing_.set_rain_clocks(std::move(rain_clocks));
+  }
   double bed(cases::Number cell) const { return cells_[cases::at(cell)].bed; }
   /// What entered through a boundary in the last step, m3/s.
   double inflow(std::size_t boundary) const { return boundary_inflow_[boundary]; }

@@ -57,6 +57,11 @@ QM_HD inline bool is_film(double h, double qx, double qy, double zero_depth) {
 struct FlowRecord {
   double value = 0.0;
   int cell = -1;  ///< -1: no value above 0 yet
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.value, self.cell);
+  }
 };
 
 /// Notes the value of a cell where it is larger; cells come in their order.
@@ -73,6 +78,12 @@ struct StepNotes {
   FlowRecord speed_squared_per_depth;  ///< m/s2
   int not_finite = 0;                  ///< cells whose state is not finite after the step
   int films = 0;                       ///< cells beyond the largest Froude number after it
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.limiting_cell, self.speed_squared, self.speed_squared_per_depth, self.not_finite,
+          self.films);
+  }
 };
 
 }  // namespace physics

@@ -19,6 +19,11 @@ struct RainClock {
   double last_update_time;
   int hyetogram_index;
   double rain_dt;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.last_update_time, self.hyetogram_index, self.rain_dt);
+  }
 };
 
 /// The clock of a run that starts at t_start (s).
