@@ -32,6 +32,7 @@ def variants():
     wide = Case("Quillmere", columns=50, rows=50, end=0.05, snapshots=(0,))
     return [("flow", flow, PLAIN, {}), ("flow-report", flow, WITH_REPORT, {}),
             ("sand", sand, PLAIN, {}), ("sand-report", sand, WITH_REPORT, {}),
+            ("flow-checkpoint", flow, (*PLAIN, "--checkpoint", "kept"), {}),
             ("flow-objects", flow, WITH_REPORT, {"QUILLMERE_ENGINE": "objects"}),
             ("wide", wide, WITH_REPORT, THREADS)]
 

@@ -1,6 +1,7 @@
 // The one object of a run: set-up, time loop, point location, envelope, and the wiring of outputs.
 #pragma once
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,6 +10,8 @@
 #include "case/EndAtFirstError.hpp"
 #include "case/PointLocator.hpp"
 #include "case/read_case.hpp"
+#include "checkpoint/CheckpointKeeper.hpp"
+#include "checkpoint/checkpoint_pair.hpp"
 #include "domain/Progress.hpp"
 #include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
@@ -22,6 +25,12 @@
 
 class RunReport;
 
+/// Where a run goes on.
+struct RestartRequest {
+  std::string checkpoint;        ///< its name
+  bool despite_changes = false;  ///< of what must be the same otherwise
+};
+
 /// What a run is given besides its data file. All that is referred to must outlive it.
 struct RunSettings {
   std::ostream& log;
@@ -30,6 +39,10 @@ struct RunSettings {
   // Who watches the run; null: nobody. A report looks at the flow until it is written.
   Progress* progress = nullptr;
   RunReport* report = nullptr;
+  // Null: no checkpoints are kept; the run begins at its start.
+  const checkpoint::Request* checkpoints = nullptr;
+  const RestartRequest* restart = nullptr;
+  std::string version = "";  ///< of the program
 };
 
 class Domain {
@@ -45,8 +58,8 @@ class Domain {
   /// Whether the simulated time has reached the end of the run.
   bool is_complete() const { return clock_.t >= case_.t_end; }
   const fields::Clock& clock() const { return clock_; }
-  /// Simulated so far, s.
-  double simulated() const { return clock_.t - case_.t_start; }
+  /// Simulated so far by this call of the program, s.
+  double simulated() const { return clock_.t - t_begin_; }
   /// Number of the cell that contains a point of the plane; -1 if there is none.
   cases::Number CellWithPoint(double x, double y) const;
   /// Body of the envelope writer.
@@ -61,6 +74,25 @@ class Domain {
   void set_sections();
   void set_other_parameters();
   void warn_of_implausible_input();
+
+  // Restart. Nothing is written, and no result touched, before all of the checkpoint has been found
+  // to be fit.
+  bool is_restarted() const { return restart_ != nullptr; }
+  static std::unique_ptr<checkpoint::Loaded> load_checkpoint(const RunSettings& settings);
+  void require_same_inputs();
+  void require_same_results() const;
+  std::string continuation() const;
+  void load_flow();
+  void load_books();
+  void go_on_with_outputs();
+
+  // Checkpoints.
+  void keep_checkpoint();
+  void keep_last_checkpoint();
+  OutputPositions output_positions() const;
+  /// For the thread that writes checkpoints: whether all results so far are written. Brings lines
+  /// to the disk.
+  bool has_written_results(const OutputPositions& positions);
 
   // Time loop.
   void begin_watching();
@@ -95,13 +127,18 @@ class Domain {
 
   RunSettings settings_;
   cases::EndAtFirstError diagnostics_;
+  /// Where the run goes on, until it does; null: it begins at its start.
+  std::unique_ptr<checkpoint::Loaded> restart_;
   const cases::ReadCase read_;
   const cases::Case& case_ = read_.contents;
   const cases::DataFile& data_ = read_.data;
+  std::vector<checkpoint::Input> inputs_;  ///< of a run with checkpoints, or that goes on
   fields::Clock clock_;
+  double t_begin_ = 0.0;                ///< of this call of the program, s
   std::unique_ptr<fields::Flow> flow_;  ///< of case_
   std::unique_ptr<WaterLooks> looks_;   ///< at flow_; null before the steps
   bool has_warned_of_much_ = false;
+  double outputs_done_ = -HUGE_VAL;               ///< what was due up to this time is taken, s
   double next_enveloppe_time = 0.0;               ///< s
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
   std::vector<double> umax_buffer;                ///< largest depths for the writer, m
@@ -112,4 +149,7 @@ class Domain {
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;
   std::unique_ptr<CMonitorSection> monitor_section;
+
+  /// Null: no checkpoints. Its thread uses all that stands above.
+  std::unique_ptr<checkpoint::CheckpointKeeper> keeper_;
 };

@@ -11,9 +11,16 @@
 #include "utils/stop.hpp"
 
 Domain::Domain(const std::string& data_file, const RunSettings& settings)
-    : settings_(settings), read_(read_case(data_file)) {
+    : settings_(settings), restart_(load_checkpoint(settings)), read_(read_case(data_file)) {
+  if (settings.checkpoints != nullptr) {
+    keeper_ = std::make_unique<checkpoint::CheckpointKeeper>(*settings.checkpoints);
+  }
+  if (keeper_ || is_restarted()) inputs_ = checkpoint::inputs_of(case_, settings.version);
+  if (is_restarted()) require_same_inputs();
   set_outputs();
+  if (is_restarted()) require_same_results();
   set_other_parameters();
+  if (is_restarted()) load_flow();
   warn_of_implausible_input();
 }
 
@@ -56,8 +63,9 @@ void Domain::set_gauges() {
   utils::TextScanner file(*data_.gauges);
   gauge = std::make_unique<Gauge>(
       cases::read_gauges(file), data_.output_folder,
-      [this](double x, double y) { return CellWithPoint(x, y); }, case_.t_start, log);
+      [this](double x, double y) { return CellWithPoint(x, y); }, case_.t_start);
   locator.reset();
+  if (!is_restarted()) gauge->begin(log);
 }
 
 void Domain::set_pictures() {
@@ -83,6 +91,7 @@ void Domain::set_sections() {
   utils::TextScanner file(*data_.discharges);
   monitor_section = std::make_unique<CMonitorSection>(
       cases::read_sections(file, case_.mesh.n_edges()), case_.mesh, case_.t_start);
+  if (!is_restarted()) monitor_section->begin();
 }
 
 void Domain::set_other_parameters() {

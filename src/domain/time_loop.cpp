@@ -10,12 +10,16 @@
 
 void Domain::Update(const std::function<bool()>& goes_on) {
   constexpr int passes_between_displays = 10;
-  printTime(case_.t_start, 8, 3);
+  clock_ = is_restarted() ? restart_->contents.clock : fields::clock_at_start(case_, *flow_);
+  t_begin_ = clock_.t;
+  if (is_restarted()) settings_.console.show(continuation());
+  printTime(clock_.t, 8, 3);
   int passes = 0;
 
-  clock_ = fields::clock_at_start(case_, *flow_);
   begin_watching();
+  if (is_restarted()) go_on_with_outputs();
   while (clock_.t < case_.t_end && goes_on()) {
+    if (keeper_ && keeper_->is_due()) keep_checkpoint();
     enter(Phase::outputs);
     fire_outputs();
     enter(Phase::steps);
@@ -31,6 +35,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   }
   enter(Phase::outputs);
   end_progress();
+  if (keeper_) keep_last_checkpoint();
   wait_for_writers();
   if (gauge) gauge->close();
   if (monitor_section) monitor_section->close();
@@ -57,10 +62,9 @@ void Domain::look_at_water() {
 
 void Domain::begin_watching() {
   looks_ = std::make_unique<WaterLooks>(*flow_, case_, clock_);
-  if (settings_.report != nullptr) {
-    settings_.report->begin(*flow_, case_, clock_, *looks_);
-    report_lost_states();
-  }
+  if (settings_.report != nullptr) settings_.report->begin(*flow_, case_, clock_, *looks_);
+  if (is_restarted()) load_books();
+  if (settings_.report != nullptr) report_lost_states();
   if (settings_.progress != nullptr) settings_.progress->begin(clock_.t, case_.t_end);
 }
 
@@ -88,6 +92,7 @@ void Domain::fire_outputs() {
   if (picture_due) picture->WriteMeasure(*flow_);
   if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);
   if (enveloppe_due) write_enveloppe();
+  outputs_done_ = clock_.t;
 }
 
 void Domain::wait_for_writers() {

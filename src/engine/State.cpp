@@ -25,7 +25,9 @@ bool fits(const State& state, const State& present, const cases::Case& contents)
 
 bool fits(const SavedNotes& notes, const cases::Case& contents) {
   const std::size_t n_cells = cases::at(contents.mesh.n_cells());
-  const auto is_cell_or_none = [&](int cell) { return cell >= -1 && cell < contents.mesh.n_cells(); };
+  const auto is_cell_or_none = [&](int cell) {
+    return cell >= -1 && cell < contents.mesh.n_cells();
+  };
   const auto has_size = [&](const std::vector<double>& column, bool is_there) {
     return column.size() == (is_there ? n_cells : 0);
   };

@@ -84,8 +84,8 @@ class Flow {
   /// By its number in the boundaries of the mesh.
   virtual BoundaryInflow boundary_inflow(int boundary) const = 0;
 
-  /// Between steps: the present state, on every path the same, in place of what `state` holds, whose
-  /// memory is taken again.
+  /// Between steps: the present state, on every path the same, in place of what `state` holds,
+  /// whose memory is taken again.
   virtual void save(engine::State& state) const = 0;
   /// Puts the state of the same case in force, see engine::fits().
   virtual void load(const engine::State& state) = 0;

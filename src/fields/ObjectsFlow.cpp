@@ -53,17 +53,27 @@ ModelObjects objects_of(const cases::Case& contents) {
 template <class State, class Visit>
 void for_each_column(State& state, bool has_stepped, bool has_soils, bool has_sediments,
                      const Visit& visit) {
-  visit(state.h, true, [](auto& cell) -> auto& { return cell.U.h; });
-  visit(state.qx, true, [](auto& cell) -> auto& { return cell.U.qx; });
-  visit(state.qy, true, [](auto& cell) -> auto& { return cell.U.qy; });
-  visit(state.eta, !has_stepped, [](auto& cell) -> auto& { return cell.free_surface_level; });
-  visit(state.max_h, true, [](auto& cell) -> auto& { return cell.max_values.h; });
-  visit(state.infiltrated, has_soils,
-        [](auto& cell) -> auto& { return cell.param.infiltrated_depth; });
-  visit(state.hs, has_sediments, [](auto& cell) -> auto& { return cell.U.hs; });
-  visit(state.qsx, has_sediments, [](auto& cell) -> auto& { return cell.U.qsx; });
-  visit(state.qsy, has_sediments, [](auto& cell) -> auto& { return cell.U.qsy; });
-  visit(state.dqs_dh, has_sediments, [](auto& cell) -> auto& { return cell.dqs_dh; });
+  visit(
+      state.h, true, [](auto& cell) -> auto& { return cell.U.h; });
+  visit(
+      state.qx, true, [](auto& cell) -> auto& { return cell.U.qx; });
+  visit(
+      state.qy, true, [](auto& cell) -> auto& { return cell.U.qy; });
+  visit(
+      state.eta, !has_stepped, [](auto& cell) -> auto& { return cell.free_surface_level; });
+  visit(
+      state.max_h, true, [](auto& cell) -> auto& { return cell.max_values.h; });
+  visit(
+      state.infiltrated, has_soils,
+      [](auto& cell) -> auto& { return cell.param.infiltrated_depth; });
+  visit(
+      state.hs, has_sediments, [](auto& cell) -> auto& { return cell.U.hs; });
+  visit(
+      state.qsx, has_sediments, [](auto& cell) -> auto& { return cell.U.qsx; });
+  visit(
+      state.qsy, has_sediments, [](auto& cell) -> auto& { return cell.U.qsy; });
+  visit(
+      state.dqs_dh, has_sediments, [](auto& cell) -> auto& { return cell.dqs_dh; });
 }
 
 bool has_term(const ComputationalCell& cell, const SourceTerm& term) {

@@ -53,8 +53,8 @@ class ObjectsFlow : public Flow {
 
   ModelObjects objects_;  ///< empty where the model is somebody else's
   PhysicalModel& model_;
-  bool has_stepped_ = false;         ///< the free surface is bed and depth from then on
-  std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
+  bool has_stepped_ = false;          ///< the free surface is bed and depth from then on
+  std::unique_ptr<StepWatch> watch_;  ///< null: no step takes notes
   std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched
 };
 

@@ -11,7 +11,8 @@ namespace fields {
 inline void require_nothing_imposed(const engine::State& state) {
   if (state.imposed_on_boundaries.empty() && state.imposed_rain.empty()) return;
   throw std::runtime_error(
-      "Error. The state holds rain or boundary values that a program imposed; only the tables can go "
+      "Error. The state holds rain or boundary values that a program imposed; only the tables can "
+      "go "
       "on with it.");
 }
 

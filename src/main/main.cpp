@@ -7,11 +7,13 @@
 #include <limits>
 #include <new>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "case/planned_files.hpp"
+#include "checkpoint/checkpoint_pair.hpp"
 #include "domain/Domain.hpp"
 #include "main/credits.hpp"
 #include "main/environment.hpp"
@@ -21,6 +23,7 @@
 #include "utils/WriterThread.hpp"
 #include "utils/files.hpp"
 #include "utils/memory.hpp"
+#include "utils/number_text.hpp"
 #include "utils/signals.hpp"
 #include "utils/standard_streams.hpp"
 #include "utils/stop.hpp"
@@ -53,10 +56,54 @@ std::string name_of_report(const utils::InputParser& parser) {
   return name;
 }
 
+/// The value of an option, if it is given; ends the run where nothing stands behind it.
+std::string name_behind(const utils::InputParser& parser, const std::string& option) {
+  if (!parser.cmdOptionExists(option)) return "";
+  const std::string& name = parser.getCmdOption(option);
+  if (name.empty() || name.starts_with('-')) {
+    throw std::runtime_error("Error. " + option + " needs the name of a checkpoint.");
+  }
+  return name;
+}
+
+std::optional<checkpoint::Request> checkpoints_of(const utils::InputParser& parser) {
+  const std::string every = "--checkpoint-every";
+  checkpoint::Request request{.name = name_behind(parser, "--checkpoint")};
+  if (request.name.empty()) {
+    if (!parser.cmdOptionExists(every)) return {};
+    throw std::runtime_error("Error. " + every + " is said without --checkpoint.");
+  }
+  request.is_wished = utils::take_checkpoint_wish;
+  if (!parser.cmdOptionExists(every)) return request;
+  const std::string& text = parser.getCmdOption(every);
+  const std::optional<double> minutes = utils::parse_finite_number(text);
+  if (!minutes || !(*minutes > 0.0)) {
+    throw std::runtime_error("Error. " + every + " needs a number of minutes above 0, found " +
+                             utils::quoted_start(text) + ".");
+  }
+  constexpr double seconds_per_minute = 60.0;
+  request.interval = seconds_per_minute * *minutes;
+  return request;
+}
+
+std::optional<RestartRequest> restart_of(const utils::InputParser& parser) {
+  const bool despite_changes = parser.cmdOptionExists("--restart-anyway");
+  const std::string name = name_behind(parser, "--restart");
+  if (!name.empty()) return RestartRequest{name, despite_changes};
+  if (!despite_changes) return {};
+  throw std::runtime_error("Error. --restart-anyway is said without --restart.");
+}
+
 /// Ends the run, before it opens any result, if one would destroy an input or another result.
-void refuse_results_that_destroy(const std::string& data_file, const std::string& report) {
-  const std::vector<std::string> conflicts =
-      cases::conflicts_of(cases::plan_files(data_file, report));
+void refuse_results_that_destroy(const std::string& data_file, const std::string& report,
+                                 const std::string& checkpoint) {
+  cases::PlannedFiles files = cases::plan_files(data_file, report);
+  if (!checkpoint.empty()) {
+    for (const std::string& name : checkpoint::files_of(checkpoint)) {
+      files.results.push_back({"the checkpoint", name, false});
+    }
+  }
+  const std::vector<std::string> conflicts = cases::conflicts_of(files);
   if (conflicts.empty()) return;
   std::string sentence = conflicts.front();
   sentence.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(sentence.front())));
@@ -65,11 +112,18 @@ void refuse_results_that_destroy(const std::string& data_file, const std::string
 
 /// What a call of the program works with. The run stays until the end, for those who watched it.
 struct Program {
-  std::ofstream log = {};
+  std::ofstream log_file = {};
+  std::stringbuf kept_log = {};  ///< until a run that goes on from a checkpoint is sure that it can
+  std::ostream log{&kept_log};
   utils::Console console{std::cout};
   std::optional<Progress> progress = {};
   std::optional<RunReport> report = {};
+  std::optional<checkpoint::Request> checkpoints = {};
+  std::optional<RestartRequest> restart = {};
   std::optional<Domain> domain = {};
+
+  /// Whether files may be written: not before a run that goes on is sure that it can.
+  bool may_write() const { return !restart || domain; }
 };
 
 /// Ends a run early: says why, lets the writers finish their files, closes the log, and writes the
@@ -78,8 +132,8 @@ int end_early(Program& program, const std::string& message, int status) {
   std::cerr << message;
   program.console.flush();
   utils::wait_for_writers();
-  if (program.log.is_open()) program.log.close();
-  if (program.report) program.report->write(status, message);
+  if (program.log_file.is_open()) program.log_file.close();
+  if (program.report && program.may_write()) program.report->write(status, message);
   return status;
 }
 
@@ -98,19 +152,23 @@ int whole_seconds(double seconds) {
   return static_cast<int>(std::clamp(seconds, smallest, largest));
 }
 
-void open_log(std::ofstream& log) {
+/// From now on the log is a file, which begins with what was logged so far.
+void open_log(Program& program) {
+  std::ofstream& file = program.log_file;
   // Without a buffer: a piece that a full disk took only in part would be written again at the end.
-  log.rdbuf()->pubsetbuf(nullptr, 0);
-  log.open("log.txt");
-  if (!log.is_open()) utils::warn("The file log.txt couldn't be created.");
-  log << std::unitbuf;  // what is logged is on the disk, whatever happens next
+  file.rdbuf()->pubsetbuf(nullptr, 0);
+  file.open("log.txt", program.restart ? std::ios::app : std::ios::out);
+  if (!file.is_open()) utils::warn("The file log.txt couldn't be created.");
+  file << program.kept_log.str();
+  program.log.rdbuf(file.rdbuf());
+  program.log << std::unitbuf;  // what is logged is on the disk, whatever happens next
 }
 
 /// Ends the run if the log is not complete.
-void close_log(std::ofstream& log) {
-  if (!log.is_open()) return;  // it couldn't be created
-  log.close();
-  if (log.good()) return;
+void close_log(Program& program) {
+  if (!program.log_file.is_open()) return;  // it couldn't be created
+  program.log_file.close();
+  if (program.log_file.good() && program.log.good()) return;
   utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
 }
 
@@ -127,7 +185,7 @@ void secure_process() {
 /// Answers the exit status.
 int run(Program& program, const std::string& data_file) {
   std::ostream& log = program.log;
-  open_log(program.log);
+  if (!program.restart) open_log(program);
   print_banner(log, program.console);
   if (data_file.empty()) {
     print_usage(std::cerr);
@@ -138,8 +196,12 @@ int run(Program& program, const std::string& data_file) {
                              .console = program.console,
                              .flow = flow_request_of_environment(),
                              .progress = program.progress ? &*program.progress : nullptr,
-                             .report = program.report ? &*program.report : nullptr};
+                             .report = program.report ? &*program.report : nullptr,
+                             .checkpoints = program.checkpoints ? &*program.checkpoints : nullptr,
+                             .restart = program.restart ? &*program.restart : nullptr,
+                             .version = QUILLMERE_VERSION};
   Domain& domain = program.domain.emplace(data_file, settings);
+  if (program.restart) open_log(program);
 
   const std::time_t start = std::time(nullptr);
   utils::listen_for_interruption();
@@ -149,7 +211,7 @@ int run(Program& program, const std::string& data_file) {
       log, program.console,
       "Total execution time: " + std::to_string(static_cast<long>(end - start)) + " sec. for " +
           std::to_string(whole_seconds(domain.simulated())) + " sec. of simulation.\n");
-  close_log(program.log);
+  close_log(program);
   return domain.is_complete() ? 0 : 128 + utils::interrupting_signal();
 }
 
@@ -174,8 +236,12 @@ int serve(Program& program, const utils::InputParser& parser) {
   if (parser.cmdOptionExists("-nodisplay")) program.console.mute();
   const bool has_report = parser.cmdOptionExists("--report");
   const std::string report_name = has_report ? name_of_report(parser) : "";
+  program.checkpoints = checkpoints_of(parser);
+  program.restart = restart_of(parser);
+  if (program.checkpoints) utils::listen_for_checkpoint_wishes();
   const std::string data_file = utils::readable_again(given_name);
-  refuse_results_that_destroy(data_file, report_name);
+  refuse_results_that_destroy(data_file, report_name,
+                              program.checkpoints ? program.checkpoints->name : "");
   if (has_report) program.report.emplace(report_name, given_name);
   if (parser.cmdOptionExists("--progress")) {
     program.progress.emplace(Progress::on_standard_error());

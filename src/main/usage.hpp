@@ -7,13 +7,17 @@
 #include "utils/InputParser.hpp"
 
 inline const std::vector<utils::CmdOption> known_options = {
-    {"-f", true},       {"-nodisplay", false}, {"--progress", false},
-    {"--report", true}, {"--help", false},     {"--version", false}};
+    {"-f", true},        {"-nodisplay", false},       {"--progress", false},
+    {"--report", true},  {"--checkpoint", true},      {"--checkpoint-every", true},
+    {"--restart", true}, {"--restart-anyway", false}, {"--help", false},
+    {"--version", false}};
 
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
 inline void print_usage(std::ostream& out) {
   out << "Usage: quillmere -f DATA_FILE [-nodisplay] [--progress] [--report FILE]\n"
+         "                 [--checkpoint NAME [--checkpoint-every MINUTES]]\n"
+         "                 [--restart NAME [--restart-anyway]]\n"
          "\n"
          "Simulates free-surface flow over terrain: one scenario, described by a JSON data file.\n"
          "\n"
@@ -33,6 +37,16 @@ inline void print_usage(std::ostream& out) {
          "wall\n"
          "                 time, books of water and sediment, steps and the cells that set them,\n"
          "                 largest velocities, keys that were ignored, surroundings of a failure\n"
+         "  --checkpoint NAME\n"
+         "                 keep the state of the run in NAME.a and NAME.b in turn: every 30 "
+         "minutes,\n"
+         "                 at SIGUSR1, when a signal ends the run, and at its end\n"
+         "  --checkpoint-every MINUTES\n"
+         "                 keep it at this interval\n"
+         "  --restart NAME go on from the newer of NAME.a and NAME.b that is whole; results go on\n"
+         "                 where they were. Other end times, outputs, series and rain are taken\n"
+         "  --restart-anyway\n"
+         "                 go on although something else has changed too\n"
          "  --help         print this help and exit\n"
          "  --version      print the version and exit\n"
          "\n"

@@ -4,8 +4,10 @@
 
 CMonitorSection::CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh,
                                  double start_time)
-    : interval_(request.interval), next_time_(start_time) {
+    : name_(request.result), interval_(request.interval), next_time_(start_time) {
+  utils::Checksum columns;
   for (const std::vector<cases::Number>& section : request.sections) {
+    columns.add_values(section);
     for (const cases::Number edge : section) {
       edges_.push_back(mesh.edge_of(edge));
       cells_.push_back(mesh.left[cases::at(edge)]);
@@ -14,7 +16,23 @@ CMonitorSection::CMonitorSection(const cases::SectionRequest& request, const cas
   }
   qx_.resize(edges_.size());
   qy_.resize(edges_.size());
-  output_.open(request.result);
+  columns_ = columns.value();
+}
+
+void CMonitorSection::begin_behind(double done) {
+  next_time_ = next_time_behind(done, next_time_, interval_);
+  begin();
+}
+
+void CMonitorSection::go_on(const RecordingPosition& position, double done) {
+  next_time_ = next_time_after_change(done, position.next_time, position.interval, interval_);
+  output_.open_behind(position.lines);
+}
+
+RecordingPosition CMonitorSection::position() const {
+  utils::WrittenLines lines = output_.lines();
+  lines.name = name_;
+  return {lines, interval_, next_time_, columns_};
 }
 
 void CMonitorSection::WriteMeasure(const fields::Flow& flow, double t) {

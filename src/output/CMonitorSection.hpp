@@ -1,17 +1,28 @@
 // Time series of the discharge through lines of edges.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "case/Case.hpp"
 #include "fields/Flow.hpp"
+#include "output/OutputPositions.hpp"
 #include "utils/OutputFile.hpp"
 #include "utils/WriterThread.hpp"
 
 class CMonitorSection {
  public:
-  /// Creates the result file.
+  /// Its result file comes by begin() or go_on().
   CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh, double start_time);
+
+  /// Creates the result file.
+  void begin() { output_.open(name_); }
+  /// The same in the middle of a run, whose outputs are done up to a time (s).
+  void begin_behind(double done);
+  /// Goes on in the result file of an earlier run, whose outputs are done up to a time (s).
+  void go_on(const RecordingPosition& position, double done);
+  /// While nothing is being written.
+  RecordingPosition position() const;
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
@@ -29,8 +40,10 @@ class CMonitorSection {
   bool has_failed() const { return writer_.has_failed(); }
 
  private:
-  double interval_;   ///< s
-  double next_time_;  ///< s
+  std::string name_;       ///< of the result file
+  double interval_;        ///< s
+  double next_time_;       ///< s
+  std::uint64_t columns_;  ///< checksum of the sections
   // Of the edges of the first section, of the second, ...
   std::vector<std::size_t> section_ends_;  ///< where the edges of each section end
   std::vector<physics::Edge> edges_;

@@ -1,5 +1,6 @@
 #include "output/CPicture.hpp"
 
+#include <algorithm>
 #include <set>
 
 #include "utils/snapshot_name.hpp"
@@ -37,6 +38,17 @@ CPicture::CPicture(const cases::SnapshotRequest& request, const std::string& pre
     names_.push_back(prefix + utils::snapshot_name(times_[i]));
     warnings.check(i, times_, names_.back());
   }
+}
+
+void CPicture::go_on(const SnapshotPosition& position, double done) {
+  const auto written =
+      static_cast<std::ptrdiff_t>(std::min<std::size_t>(position.next, position.times.size()));
+  const bool begins_alike =
+      position.next <= times_.size() &&
+      std::equal(times_.begin(), times_.begin() + written, position.times.begin());
+  next_ = begins_alike ? static_cast<std::size_t>(written) : 0;
+  if (times_ == position.times) return;
+  while (next_ < times_.size() && times_[next_] <= done) ++next_;
 }
 
 void CPicture::WriteMeasure(const fields::Flow& flow) {

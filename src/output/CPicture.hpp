@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "output/OutputPositions.hpp"
 #include "output/Snapshot.hpp"
 #include "utils/WriterThread.hpp"
 
@@ -12,6 +13,11 @@ class CPicture {
   /// The names of the files begin with the prefix. The mesh must outlive the snapshots.
   CPicture(const cases::SnapshotRequest& request, const std::string& prefix,
            const cases::Case& contents);
+
+  /// Goes on where an earlier run had come to, whose outputs are done up to a time (s). Of another
+  /// list of times than it had, what was due up to then is left out.
+  void go_on(const SnapshotPosition& position, double done);
+  SnapshotPosition position() const { return {times_, next_}; }
 
   /// Whether the next snapshot is due at time t, within a tolerance (s).
   bool CheckTime(double t, double tolerance) const {

@@ -14,11 +14,25 @@ std::string without_cell(int number, physics::PlanPoint point) {
          "of a cell whose nodes run counter-clockwise, belongs to no cell.";
 }
 
+std::uint64_t checksum_of(const std::vector<physics::PlanPoint>& points) {
+  utils::Checksum sum;
+  for (const physics::PlanPoint& point : points) {
+    sum.add(&point.x, sizeof point.x);
+    sum.add(&point.y, sizeof point.y);
+  }
+  return sum.value();
+}
+
 }  // namespace
 
 Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-             const CellLocator& cell_with_point, double start_time, std::ostream& log)
-    : interval_(request.interval), next_time_(start_time), states_(request.points.size()) {
+             const CellLocator& cell_with_point, double start_time)
+    : name_(prefix + request.result),
+      result_(request.result),
+      interval_(request.interval),
+      next_time_(start_time),
+      columns_(checksum_of(request.points)),
+      states_(request.points.size()) {
   utils::RepeatedWarning warnings("gauges in no cell.");
   for (std::size_t i = 0; i < request.points.size(); ++i) {
     const physics::PlanPoint point = request.points[i];
@@ -31,9 +45,28 @@ Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
     points_.push_back(i);
   }
   values_.resize(cells_.size());
-  output_.open(prefix + request.result);
-  log << " Gauge results written in " << request.result << " \n";
+}
+
+void Gauge::begin(std::ostream& log) {
+  output_.open(name_);
+  log << " Gauge results written in " << result_ << " \n";
   if (!write_header()) writer_.note_failure();
+}
+
+void Gauge::begin_behind(double done, std::ostream& log) {
+  next_time_ = next_time_behind(done, next_time_, interval_);
+  begin(log);
+}
+
+void Gauge::go_on(const RecordingPosition& position, double done) {
+  next_time_ = next_time_after_change(done, position.next_time, position.interval, interval_);
+  output_.open_behind(position.lines);
+}
+
+RecordingPosition Gauge::position() const {
+  utils::WrittenLines lines = output_.lines();
+  lines.name = name_;
+  return {lines, interval_, next_time_, columns_};
 }
 
 bool Gauge::write_header() {

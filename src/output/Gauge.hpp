@@ -9,6 +9,7 @@
 #include "case/Case.hpp"
 #include "fields/Flow.hpp"
 #include "output/COutput.hpp"
+#include "output/OutputPositions.hpp"
 #include "utils/WriterThread.hpp"
 
 /// Finds the cell that contains a point of the plane; -1 if there is none.
@@ -16,10 +17,18 @@ using CellLocator = std::function<cases::Number(double x, double y)>;
 
 class Gauge {
  public:
-  /// Creates the result file, whose name begins with the prefix, writes its header, and says so in
-  /// the log.
+  /// The name of the result file begins with the prefix. Its file comes by begin() or go_on().
   Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-        const CellLocator& cell_with_point, double start_time, std::ostream& log);
+        const CellLocator& cell_with_point, double start_time);
+
+  /// Creates the result file, writes its header, and says so in the log.
+  void begin(std::ostream& log);
+  /// The same in the middle of a run, whose outputs are done up to a time (s).
+  void begin_behind(double done, std::ostream& log);
+  /// Goes on in the result file of an earlier run, whose outputs are done up to a time (s).
+  void go_on(const RecordingPosition& position, double done);
+  /// While nothing is being written.
+  RecordingPosition position() const;
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
@@ -40,8 +49,11 @@ class Gauge {
   bool write_header();
   void gather(const fields::Flow& flow, fields::Field field, double GaugeState::*value);
 
+  std::string name_;                  ///< of the result file, with the prefix
+  std::string result_;                ///< without it
   double interval_;                   ///< s
   double next_time_;                  ///< s
+  std::uint64_t columns_;             ///< checksum of the points
   std::vector<cases::Number> cells_;  ///< of the points that lie in one
   std::vector<std::size_t> points_;   ///< the points of these cells
   std::vector<double> values_;        ///< of these cells

@@ -13,6 +13,11 @@ class CompensatedSum {
   }
   double value() const { return sum_ + lost_; }
 
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.sum_, self.lost_);
+  }
+
  private:
   double sum_ = 0.0, lost_ = 0.0;
 };

@@ -100,6 +100,21 @@ void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fie
   note_state();
 }
 
+void RunReport::load(const utils::Bytes& books) { utils::take_out_of(books, *this); }
+
+json RunReport::json_of(const std::string& text) {
+  json parsed = json::parse(text, nullptr, false);
+  if (parsed.is_discarded()) throw utils::BadBytes();
+  return parsed;
+}
+
+void RunReport::continue_from(double t, const std::vector<physics::RainClock>& rain_clocks,
+                              bool has_books) {
+  continued_at_ = t;
+  if (!has_books) books_since_ = t;
+  ledger_->set_rain_clocks(rain_clocks);
+}
+
 void RunReport::add_step(double t, double dt) {
   ++steps_;
   ledger_->add_step(t, dt);
@@ -163,6 +178,7 @@ bool RunReport::write(int status, const std::string& message) {
 
 void RunReport::add_what_the_flow_tells(json& report) const {
   report["execution"] = execution();
+  if (books_since_) report["books_since_s"] = *books_since_;
   report["steps"] = steps();
   report["water"] = water_json(ledger_->water());
   if (case_->has_sediments) report["sediment"] = sediment_json(ledger_->sediment());
@@ -241,11 +257,13 @@ json RunReport::wall_times() const {
 
 json RunReport::execution() const {
   const fields::ExecutionPath path = flow_->execution_path();
-  return {{"path", path.name},
-          {"threads", path.threads},
-          {"instruction_set", path.instruction_set},
-          {"flux_scheme", cases::kind_of(case_->scheme).name},
-          {"cells", case_->mesh.n_cells()}};
+  json result = {{"path", path.name},
+                 {"threads", path.threads},
+                 {"instruction_set", path.instruction_set},
+                 {"flux_scheme", cases::kind_of(case_->scheme).name},
+                 {"cells", case_->mesh.n_cells()}};
+  if (continued_at_) result["continued_at_s"] = *continued_at_;
+  return result;
 }
 
 json RunReport::steps() const {

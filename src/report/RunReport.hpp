@@ -4,7 +4,10 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <type_traits>
+#include <vector>
 
 #include "case/Case.hpp"
 #include "case/DataFileReader.hpp"
@@ -15,6 +18,7 @@
 #include "report/StepHistory.hpp"
 #include "report/VolumeLedger.hpp"
 #include "report/WaterLooks.hpp"
+#include "utils/bytes.hpp"
 
 class RunReport {
  public:
@@ -29,6 +33,24 @@ class RunReport {
   /// the clock and the looks at the flow. The clock stands at its start and the first step is set.
   void begin(fields::Flow& flow, const cases::Case& contents, const fields::Clock& clock,
              const WaterLooks& looks);
+  /// Goes on from the books of an earlier run, after begin(). Throws utils::BadBytes if they are
+  /// none.
+  void load(const utils::Bytes& books);
+  /// The books up to now, in place of what `books` holds.
+  void save(utils::Bytes& books) const { utils::put_into(books, *this); }
+  /// From a time on (s) the run goes on from a checkpoint, with the books of its rain.
+  void continue_from(double t, const std::vector<physics::RainClock>& rain_clocks, bool has_books);
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(*self.ledger_, self.history_, self.steps_, self.lost_at_step_, self.lost_at_t_,
+          self.fastest_, self.most_rapid_, self.first_film_, self.steps_with_films_,
+          self.most_films_, self.what_failed_);
+    std::string failure = self.failure_.dump();
+    visit(failure);
+    if constexpr (!std::is_const_v<Self>) self.failure_ = json_of(failure);
+    visit(self.books_since_);
+  }
   /// A step of dt (s), which began at t (s), has been computed, and the clock moved.
   void add_step(double t, double dt);
   /// Whether a state was found not to be a number after the last step, for the first time.
@@ -49,8 +71,15 @@ class RunReport {
     physics::FlowRecord record;
     double t = 0.0;  ///< s
     fields::CellState state = {};
+
+    template <class Self, class Visit>
+    static void visit_parts(Self& self, const Visit& visit) {
+      visit(self.record, self.t, self.state);
+    }
   };
 
+  /// Of a text that dump() wrote; throws utils::BadBytes for another one.
+  static json json_of(const std::string& text);
   void note_state();
   void note_peak(Peak& peak, const physics::FlowRecord& record) const;
   void note_films(const physics::StepNotes& notes);
@@ -93,4 +122,7 @@ class RunReport {
   int most_films_ = 0;
   json failure_;             ///< the first one
   std::string what_failed_;  ///< last
+  /// Where the books begin at a checkpoint that had none, s.
+  std::optional<double> books_since_;
+  std::optional<double> continued_at_;  ///< s
 };

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <type_traits>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "fields/Flow.hpp"
@@ -12,6 +14,11 @@ struct StepRecord {
   double t = 0.0, dt = 0.0;      ///< of the clock, and the step from there on, s
   int cell = -1;                 ///< whose wave set it; -1: dry cells did, or nothing
   fields::CellState state = {};  ///< of the cell
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.t, self.dt, self.cell, self.state);
+  }
 };
 
 class StepHistory {
@@ -37,6 +44,15 @@ class StepHistory {
   std::vector<CellCount> most_frequent() const;
   /// The last steps, the newest at the end.
   std::vector<StepRecord> last() const;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.last_, self.count_, self.set_by_dry_cells_, self.smallest_, self.largest_,
+          self.sum_);
+    std::vector<std::pair<int, long>> set_by(self.set_by_.begin(), self.set_by_.end());
+    visit(set_by);
+    if constexpr (!std::is_const_v<Self>) self.set_by_ = {set_by.begin(), set_by.end()};
+  }
 
  private:
   std::array<StepRecord, steps_kept> last_{};

@@ -100,9 +100,13 @@ void VolumeLedger::find_rain() {
       rained_[entry->second].area += area;
       continue;
     }
-    rained_.push_back(
-        {case_.rain[at(number)].intervals(), physics::clock_before_rain(case_.t_start), area});
+    rained_.push_back({number, case_.rain[at(number)].intervals(),
+                       physics::clock_before_rain(case_.t_start), area});
   }
+}
+
+void VolumeLedger::set_rain_clocks(const std::vector<physics::RainClock>& clocks) {
+  for (RainedCells& cells : rained_) cells.clock = clocks[at(cells.number)];
 }
 
 void VolumeLedger::add_step(double t, double dt) {

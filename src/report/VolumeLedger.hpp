@@ -16,6 +16,12 @@ struct Passed {
   CompensatedSum in, out;
 
   void add(double volume) { (volume < 0.0 ? out : in).add(std::fabs(volume)); }
+
+  /// The edges are those of the case.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.in, self.out);
+  }
 };
 
 /// In the order of cases::boundary_kinds.
@@ -51,12 +57,26 @@ class VolumeLedger {
   /// Momentum that the bound of draining films took away: sizes, over the density, m4/s.
   double momentum_taken() const { return unseen_volume(&fields::UnseenDepth::taken_discharge); }
 
+  /// What the books hold so far, but for the rain clocks, which are those of the flow.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.initial_, self.water_passed_, self.sediment_passed_, self.rain_);
+  }
+  /// By number of hyetogram.
+  void set_rain_clocks(const std::vector<physics::RainClock>& clocks);
+
  private:
   struct Stored {
     double water, soil, sediment;  ///< m3
+
+    template <class Self, class Visit>
+    static void visit_parts(Self& self, const Visit& visit) {
+      visit(self.water, self.soil, self.sediment);
+    }
   };
   /// Cells that rain alike.
   struct RainedCells {
+    int number;  ///< of the hyetogram
     physics::Hyetogram hyetogram;
     physics::RainClock clock;
     double area;  ///< m2

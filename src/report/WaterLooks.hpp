@@ -17,6 +17,11 @@ struct Sighting {
   cases::Number cell = -1;
 
   bool is_any() const { return cell >= 0; }
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.t, self.cell);
+  }
 };
 
 class WaterLooks {
@@ -46,6 +51,14 @@ class WaterLooks {
   /// In the cell of the largest Froude number, and its state.
   const Sighting& first_film() const { return first_film_; }
   const fields::CellState& state_of_first_film() const { return state_of_first_film_; }
+
+  /// All that further looks go on with.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.infiltrated_before_, self.looked_at_, self.looks_, self.most_films_,
+          self.depths_, self.given_out_, self.first_below_zero_, self.first_given_out_,
+          self.first_film_, self.state_of_first_film_);
+  }
 
  private:
   void look_for_depths_below_zero();

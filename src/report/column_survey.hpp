@@ -16,6 +16,12 @@ struct ColumnSurvey {
   long not_finite = 0;       ///< values that are infinite or not a number
   int not_finite_cell = -1;  ///< the first of them
 
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.below_zero, self.deficit, self.held, self.lowest, self.lowest_cell, self.not_finite,
+          self.not_finite_cell);
+  }
+
   /// What is missing as a share of all above and below zero.
   double share() const { return deficit > 0.0 ? deficit / (held + deficit) : 0.0; }
 

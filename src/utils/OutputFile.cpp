@@ -74,7 +74,8 @@ Checksum checksum_of_start(const WrittenLines& lines) {
   std::ifstream file(lines.name, std::ios::binary);
   std::vector<char> piece(1 << 20);
   for (std::uint64_t left = lines.size; left > 0 && file;) {
-    file.read(piece.data(), static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
+    file.read(piece.data(),
+              static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
     const auto count = static_cast<std::size_t>(file.gcount());
     sum.add(piece.data(), count);
     left -= count;
@@ -160,14 +161,11 @@ void LineFile::open_behind(const WrittenLines& lines) {
   size_ = lines.size;
   const int error = file_.open_behind(name_, size_);
   if (error != 0) {
-    fatal("Error. The result file " + name_ + " couldn't be continued: " + reason_of(error) + ".\n");
+    fatal("Error. The result file " + name_ + " couldn't be continued: " + reason_of(error) +
+          ".\n");
   }
   is_created_ = true;
   is_regular_ = file_.is_regular();
-}
-
-void LineFile::sync() {
-  if (is_regular_ && file_.is_open()) file_.sync();  // what fails is told where lines are written
 }
 
 bool LineFile::write(const TextBuffer& line) {
@@ -194,6 +192,13 @@ bool LineFile::close() {
   const int error = file_.close();
   if (error != 0) say_failure(name_, incomplete(error));
   return error == 0;
+}
+
+void bring_to_disk(const WrittenLines& lines) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(lines.name, ignored)) return;
+  WritableFile same_file;
+  if (same_file.open_as_it_is(lines.name) == 0) same_file.sync();
 }
 
 void require_lines(const WrittenLines& lines) {

@@ -61,14 +61,12 @@ class LineFile {
   /// Creates or truncates the file; a failure is warned about. A file that the run has read is not
   /// touched: the run ends. To be called on the main thread.
   void open(const std::string& name);
-  /// Opens a file that an earlier run has written, cuts off what stands behind these lines, and goes
-  /// on there. What is not there any more is said by require_lines(), to be called before. To be
-  /// called on the main thread.
+  /// Opens a file that an earlier run has written, cuts off what stands behind these lines, and
+  /// goes on there. What is not there any more is said by require_lines(), to be called before. To
+  /// be called on the main thread.
   void open_behind(const WrittenLines& lines);
   /// All lines so far; none while another thread writes.
   WrittenLines lines() const { return {name_, size_, checksum_.value()}; }
-  /// Waits until all lines lie on the disk.
-  void sync();
   /// Whether the file could be created.
   bool is_open() const { return is_created_; }
   /// Appends a text that ends in a line end; without an open file it is lost. False if the run must
@@ -85,6 +83,9 @@ class LineFile {
   std::uintmax_t size_ = 0;  ///< of the complete lines
   Checksum checksum_;        ///< of the complete lines
 };
+
+/// Waits until lines lie on the disk; any thread may call it, while the file grows on.
+void bring_to_disk(const WrittenLines& lines);
 
 /// Ends the run with a message where a file does not begin with these lines any more. A device or a
 /// pipe keeps none, and has them.

@@ -18,8 +18,12 @@ int WritableFile::open(const std::string& name) {
   return take(::open(name.c_str(), writing | O_TRUNC, for_everyone));
 }
 
+int WritableFile::open_as_it_is(const std::string& name) {
+  return take(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
+}
+
 int WritableFile::open_behind(const std::string& name, std::uintmax_t size) {
-  const int error = take(::open(name.c_str(), O_WRONLY | O_CLOEXEC));
+  const int error = open_as_it_is(name);
   if (error != 0 || !is_regular()) return error;
   if (const int error_of_cut = cut_off(size); error_of_cut != 0) return error_of_cut;
   return lseek(descriptor_, 0, SEEK_END) < 0 ? errno : 0;

@@ -18,6 +18,8 @@ class WritableFile {
 
   /// Opens a file of that name, which is emptied or made. Through a link, whatever it leads to.
   int open(const std::string& name);
+  /// Opens a file that is there, and leaves it as it is.
+  int open_as_it_is(const std::string& name);
   /// Opens a file that is there, to be continued behind a size (bytes), at which it is cut off. A
   /// device or a pipe has no size and is not cut.
   int open_behind(const std::string& name, std::uintmax_t size);

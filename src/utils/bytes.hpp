@@ -1,5 +1,5 @@
-// Values as bytes and back, so that a state can be kept: numbers as they lie in memory, in the order
-// in which a class names its parts.
+// Values as bytes and back, so that a state can be kept: numbers as they lie in memory, in the
+// order in which a class names its parts.
 //
 // A class whose values can be kept has a static member
 //   template <class Self, class Visit> static void visit_parts(Self& self, const Visit& visit);

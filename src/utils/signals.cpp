@@ -18,7 +18,8 @@ std::atomic<int> lines_under_way = 0;
 /// writes this and then looks at the count: one of the two sees the other.
 std::atomic<int> end_to_come = 0;
 constexpr int exit_offset = 1000;
-static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free, "a handler may not wait for a lock");
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
+              "a handler may not wait for a lock");
 
 void end_process_by(int end) {
   if (end < 0) _exit(end + exit_offset);

@@ -31,9 +31,10 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"fields", {"physics", "case", "engine", "model", "globals", "utils"}},
     {"output", {"physics", "case", "fields", "utils"}},
     {"report", {"physics", "case", "fields", "utils"}},
-    {"domain", {"physics", "case", "fields", "output", "report", "utils"}},
+    {"checkpoint", {"physics", "case", "fields", "output", "utils"}},
+    {"domain", {"physics", "case", "fields", "output", "report", "checkpoint", "utils"}},
     {"library", {"physics", "case", "fields", "quillmere", "utils"}},
-    {"main", {"case", "fields", "domain", "report", "utils"}}};
+    {"main", {"case", "fields", "checkpoint", "domain", "report", "utils"}}};
 
 std::string without_comments(const std::string& text) {
   return std::regex_replace(text, std::regex("//[^\n]*"), "");

@@ -398,3 +398,30 @@ TEST_F(NotHyperbolic, BothPathsWarnOnceOfTheFirstCell) {
   ASSERT_EQ(told_.warnings.size(), 1U);
   EXPECT_EQ(told_.warnings.front().rfind("in cell 200 (counted from 0) at t = 0 s", 0), 0U);
 }
+
+TEST_F(NotHyperbolic, IsNotWarnedOfAgainByARunThatGoesOn) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto model = build_not_hyperbolic();
+  const cases::Case contents = support::case_of(*model);
+  engine::State state = support::state_of(*model, contents);
+  fields::TablesFlow tables(contents, told_, 2, cells_per_patch);
+  tables.load(state);
+  tables.advance({0.0, 0.0, t_end, 1e-4});
+  ASSERT_EQ(told_.warnings.size(), 1U);
+  engine::State later;
+  tables.save(later);
+  state.has_told_not_hyperbolic = later.has_told_not_hyperbolic;
+
+  support::Told told;
+  fields::TablesFlow other(contents, told, 2, cells_per_patch);
+  other.load(state);
+  other.advance({0.0, 0.0, t_end, 1e-4});
+  EXPECT_EQ(told.warnings.size(), 0U);
+  const auto step_objects_and_exit = [&] {
+    fields::ObjectsFlow objects(contents);
+    objects.load(state);
+    objects.advance({0.0, 0.0, t_end, 1e-4});
+    std::exit(0);
+  };
+  EXPECT_EXIT(step_objects_and_exit(), testing::ExitedWithCode(0), "^$");
+}

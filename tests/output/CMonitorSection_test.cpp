@@ -18,8 +18,10 @@ class CMonitorSectionTest : public OutputTest {
   }
   std::unique_ptr<CMonitorSection> sections(const std::vector<std::vector<cases::Number>>& edges,
                                             double interval = 60.0, double start_time = 0.0) {
-    return std::make_unique<CMonitorSection>(
+    auto section = std::make_unique<CMonitorSection>(
         cases::SectionRequest{folder.file("result.txt"), interval, edges}, mesh_, start_time);
+    section->begin();
+    return section;
   }
   /// Records at time t, and waits until the line is written.
   void record(CMonitorSection& section, double t = 0.0) {
@@ -142,7 +144,8 @@ TEST_F(CMonitorSectionTest, AcceptsAResultNameOfAnyLength) {
   std::string name = folder.path();
   for (int i = 0; i < 100; ++i) name += "/.";
   name += "/" + std::string(200, 'n');
-  const CMonitorSection section({name, 60.0, {}}, contents.mesh, 0.0);
+  CMonitorSection section({name, 60.0, {}}, contents.mesh, 0.0);
+  section.begin();
   EXPECT_TRUE(folder.has(std::string(200, 'n')));
 }
 

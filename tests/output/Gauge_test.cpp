@@ -26,8 +26,10 @@ class GaugeTest : public OutputTest {
       if (x < 0.0 || x > 1.0 || x == y) return -1;
       return y < x ? 0 : 1;
     };
-    return std::make_unique<Gauge>(cases::GaugeRequest{"result.txt", 10.0, points}, prefix, locate,
-                                   start_time, log);
+    auto gauge = std::make_unique<Gauge>(cases::GaugeRequest{"result.txt", 10.0, points}, prefix,
+                                         locate, start_time);
+    gauge->begin(log);
+    return gauge;
   }
   /// Records, and waits until the line is written.
   void record(Gauge& gauge) {

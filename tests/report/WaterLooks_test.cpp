@@ -32,6 +32,10 @@ class ToldFlow : public fields::Flow {
   const physics::StepNotes& notes() const override { return notes_; }
   fields::UnseenDepth unseen_depth(Number) const override { return {}; }
   fields::BoundaryInflow boundary_inflow(int) const override { return {}; }
+  void save(engine::State&) const override {}
+  void load(const engine::State&) override {}
+  void save_notes(engine::SavedNotes&) const override {}
+  void load_notes(const engine::SavedNotes&) override {}
 
  private:
   physics::StepNotes notes_;

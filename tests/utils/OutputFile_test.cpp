@@ -14,6 +14,7 @@
 
 #include "support/TemporaryFolder.hpp"
 #include "utils/files.hpp"
+#include "utils/stop.hpp"
 
 namespace {
 
@@ -343,6 +344,79 @@ TEST(WholeFile, LeavesAnEarlierFileWhenNoMoreCanBeWritten) {
   });
   EXPECT_EQ(folder.read("out.txt"), "earlier\n");
   EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+/// Lines that a run wrote before it was interrupted, and what it wrote after its checkpoint.
+class ContinuedLines : public testing::Test {
+ protected:
+  ContinuedLines() {
+    utils::LineFile file;
+    file.open(name);
+    file.write(buffer_of("first\n"));
+    file.write(buffer_of("second\n"));
+    lines = file.lines();
+    file.write(buffer_of("after the checkpoint\n"));
+    file.close();
+  }
+  std::string refusal() const {
+    try {
+      utils::require_lines(lines);
+    } catch (const utils::FatalError& error) {
+      return error.text();
+    }
+    return "";
+  }
+
+  support::TemporaryFolder folder;
+  std::string name = folder.file("out.txt");
+  utils::WrittenLines lines;
+};
+
+TEST_F(ContinuedLines, ReplaceWhatCameAfterThem) {
+  EXPECT_EQ(refusal(), "");
+  EXPECT_EQ(folder.read("out.txt"), "first\nsecond\nafter the checkpoint\n");
+  utils::LineFile file;
+  file.open_behind(lines);
+  EXPECT_TRUE(file.is_open());
+  EXPECT_EQ(folder.read("out.txt"), "first\nsecond\n");
+  file.write(buffer_of("third\n"));
+  const utils::WrittenLines more = file.lines();
+  EXPECT_TRUE(file.close());
+  EXPECT_EQ(folder.read("out.txt"), "first\nsecond\nthird\n");
+
+  utils::LineFile in_one_go;
+  in_one_go.open(folder.file("other.txt"));
+  in_one_go.write(buffer_of("first\nsecond\n"));
+  in_one_go.write(buffer_of("third\n"));
+  EXPECT_EQ(more.checksum, in_one_go.lines().checksum);
+  EXPECT_EQ(more.size, in_one_go.lines().size);
+}
+
+TEST_F(ContinuedLines, MustBeThereAsTheyWere) {
+  const auto says = [&](const std::string& text) {
+    return "Error. The result file " + name + " " + text + ": it can't be continued.\n";
+  };
+  folder.write("out.txt", "first\nsecond");
+  EXPECT_EQ(refusal(), says("has 12 bytes of the 13 that it had at the checkpoint"));
+  folder.write("out.txt", "first\nsacond\n");
+  EXPECT_EQ(refusal(), says("doesn't hold any more what it held at the checkpoint"));
+  std::filesystem::remove(name);
+  EXPECT_EQ(refusal(), says("isn't there any more"));
+  std::filesystem::create_directory(name);
+  EXPECT_EQ(refusal(), says("is a folder"));
+  lines.name = "/dev/null";
+  EXPECT_EQ(refusal(), "");
+  folder.write("input.txt", "first\nsecond\n");
+  lines.name = folder.file("input.txt");
+  utils::note_input_file(lines.name);
+  EXPECT_NE(refusal().find("is an input file of this run"), std::string::npos);
+}
+
+TEST_F(ContinuedLines, OfADeviceGoOnWithoutThem) {
+  lines.name = "/dev/null";
+  utils::LineFile file;
+  file.open_behind(lines);
+  EXPECT_TRUE(file.write(buffer_of("more\n")));
 }
 
 }  // namespace

@@ -36,6 +36,20 @@ TEST(WriterThread, TheLoopGoesOnWhileAResultIsWritten) {
   EXPECT_TRUE(is_written);
 }
 
+TEST(WriterThread, IsBusyUntilItsWorkIsDone) {
+  utils::WriterThread writer;
+  EXPECT_FALSE(writer.is_busy());
+  std::binary_semaphore may_end{0};
+  writer.hand_over([&] {
+    may_end.acquire();
+    return true;
+  });
+  EXPECT_TRUE(writer.is_busy());
+  may_end.release();
+  writer.wait();
+  EXPECT_FALSE(writer.is_busy());
+}
+
 TEST(WriterThread, TakesOnePieceOfWorkAfterTheOther) {
   utils::WriterThread writer;
   std::vector<int> order;

@@ -21,6 +21,19 @@ namespace {
 using testing::ExitedWithCode;
 using testing::KilledBySignal;
 
+TEST(CheckpointWishDeathTest, IsNotedOncePerSignal) {
+  const auto run = [] {
+    utils::listen_for_checkpoint_wishes();
+    if (utils::take_checkpoint_wish()) std::abort();
+    for (int i = 0; i < 2; ++i) {
+      std::raise(SIGUSR1);
+      if (!utils::take_checkpoint_wish() || utils::take_checkpoint_wish()) std::abort();
+    }
+    std::exit(0);
+  };
+  EXPECT_EXIT(run(), ExitedWithCode(0), "^$");
+}
+
 TEST(InterruptionDeathTest, NotesTheFirstSignal) {
   const auto run = [](int signal) {
     utils::listen_for_interruption();

@@ -1,0 +1,52 @@
+// Keeps checkpoints of a run: when one is due, and into which of the two files it goes. The loop of
+// the run fills the checkpoint; a thread of its own writes it.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "checkpoint/Checkpoint.hpp"
+#include "utils/WriterThread.hpp"
+
+namespace checkpoint {
+
+struct Request {
+  std::string name;
+  double interval = 1800.0;           ///< of the clock on the wall, s
+  std::function<bool()> is_wished{};  ///< asked between steps; empty: by nobody
+};
+
+class CheckpointKeeper {
+ public:
+  /// Throws std::runtime_error, with a message for the user, where no checkpoint of that name can
+  /// be written, or one would replace a file that is none.
+  explicit CheckpointKeeper(const Request& request);
+
+  /// Whether one is wished or due, and can be taken without waiting for the last one.
+  bool is_due();
+  /// To be filled, once the last one is written.
+  Checkpoint& contents();
+  /// Hands what was filled to the writer. `results_are_written` is asked by its thread, and tells
+  /// whether all results from before the checkpoint lie on the disk.
+  void write(std::function<bool()> results_are_written);
+  /// Waits until the last one is written.
+  void finish() { writer_.wait(); }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  Clock::duration interval() const;
+  void write_file(const std::function<bool()>& results_are_written);
+
+  Request request_;
+  Clock::time_point next_;
+  bool is_wished_ = false;
+  std::size_t target_ = 0;         ///< the file to be written next
+  std::uint64_t last_number_ = 0;  ///< in the row
+  Checkpoint contents_;
+  utils::WriterThread writer_;  ///< uses all that stands above
+};
+
+}  // namespace checkpoint
