@@ -10,6 +10,14 @@ namespace fields {
 using cases::at;
 using cases::Number;
 
+namespace {
+
+double value_or_zero(const std::vector<double>& column, Number cell) {
+  return column.empty() ? 0.0 : column[at(cell)];
+}
+
+}  // namespace
+
 HllFlow::HllFlow(const cases::Case& contents) : case_(contents), walk_(contents) {}
 
 FlowScales HllFlow::scales() const {
@@ -40,9 +48,11 @@ double HllFlow::value(Field field, Number cell) const {
     case Field::bed_level:
       return walk_.bed(cell);
     case Field::sediment_thickness:
+      return value_or_zero(water.hs, cell);
     case Field::bed_load_x:
+      return value_or_zero(water.qsx, cell);
     case Field::bed_load_y:
-      return 0.0;
+      return value_or_zero(water.qsy, cell);
   }
   return 0.0;
 }
@@ -61,6 +71,9 @@ CellState HllFlow::state(Number cell) const {
   return {.h = h,
           .qx = water.qx[at(cell)],
           .qy = water.qy[at(cell)],
+          .hs = value_or_zero(water.hs, cell),
+          .qsx = value_or_zero(water.qsx, cell),
+          .qsy = value_or_zero(water.qsy, cell),
           .bed_level = bed,
           .water_level = bed + h};
 }
@@ -142,7 +155,8 @@ void HllFlow::load_notes(const engine::SavedNotes& notes) {
 bool HllFlow::has_soils() const { return !case_.fields.soil.empty() && !case_.soils.empty(); }
 
 BoundaryInflow HllFlow::boundary_inflow(int boundary) const {
-  return {walk_.inflow(static_cast<std::size_t>(boundary)), 0.0};
+  const auto number = static_cast<std::size_t>(boundary);
+  return {walk_.inflow(number), walk_.bed_inflow(number)};
 }
 
 }  // namespace fields

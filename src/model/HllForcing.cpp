@@ -43,6 +43,7 @@ double HllForcing::rain_on(cases::Number cell) const {
 }
 
 physics::Infiltration HllForcing::infiltration(cases::Number cell, double h, double F) const {
+  if (case_.has_sediments) return {0.0, F};  // a bed of sediments lets no water in
   const int soil = case_.fields.soil.empty() ? -1 : case_.fields.soil[at(cell)];
   if (soil < 0) return {0.0, F};
   return std::visit([&](const auto& p) { return demand_of(p.soil(), soil_steps_[at(soil)], h, F); },

@@ -5,6 +5,8 @@
 
 #include "case/boundary_kinds.hpp"
 #include "case/initial_state.hpp"
+#include "physics/cell_update_exner.hpp"
+#include "physics/hll_bed_flux.hpp"
 #include "physics/hll_boundary.hpp"
 #include "physics/hll_cell_update.hpp"
 #include "physics/hll_edge_flux.hpp"
@@ -39,7 +41,8 @@ HllWalk::HllWalk(const cases::Case& contents)
       sides_(cases::sides_for_hll(contents)),
       forcing_(contents),
       char_length_min_(physics::unbounded_step),
-      boundary_inflow_(contents.mesh.boundaries.size()) {
+      boundary_inflow_(contents.mesh.boundaries.size()),
+      boundary_bed_inflow_(contents.mesh.boundaries.size()) {
   const Number n_cells = contents.mesh.n_cells();
   for (Number cell = 0; cell < n_cells; ++cell) {
     cells_.push_back(cases::hll_cell_of(contents, sides_, cell));
@@ -55,6 +58,7 @@ HllWalk::HllWalk(const cases::Case& contents)
   primitive_.resize(at(n_cells));
   edges_.resize(at(n_cells));
   slots_.resize(at(n_cells));
+  if (contents.has_sediments) lay_initial_sediment();
 }
 
 void HllWalk::set_initial_water() {
@@ -72,6 +76,37 @@ void HllWalk::set_initial_water() {
   water_.taken_discharge.assign(at(n_cells), 0.0);
 }
 
+void HllWalk::lay_initial_sediment() {
+  const Number n_cells = case_.mesh.n_cells();
+  water_.hs = case_.fields.sediment;
+  for (std::vector<double>* column : {&water_.hs, &water_.qsx, &water_.qsy}) {
+    column->resize(at(n_cells), 0.0);
+  }
+  beds_.resize(at(n_cells));
+  bed_slots_.resize(at(n_cells));
+  for (Number cell = 0; cell < n_cells; ++cell) {
+    const physics::BedLoad load =
+        physics::bed_load_of_sediment(bed_load(cell), water_.hs[at(cell)]);
+    water_.qsx[at(cell)] = load.qsx;
+    water_.qsy[at(cell)] = load.qsy;
+  }
+}
+
+double HllWalk::bed(Number cell) const {
+  const double rock = cells_[at(cell)].bed;
+  return water_.hs.empty() ? rock : rock + water_.hs[at(cell)];
+}
+
+double HllWalk::manning(Number cell) const {
+  return case_.fields.manning.empty() ? 0.0 : case_.fields.manning[at(cell)];
+}
+
+/// What the water of a cell can carry.
+physics::BedLoad HllWalk::bed_load(Number cell) const {
+  return physics::bed_load_in_water(primitive_water(cell), manning(cell),
+                                    {case_.sediment.d50, case_.sediment.density}, case_.zero_depth);
+}
+
 // --- A step --------------------------------------------------------------------------------------
 
 void HllWalk::advance(double t, double dt) {
@@ -79,10 +114,15 @@ void HllWalk::advance(double t, double dt) {
   forcing_.begin_step(t, dt);
   for (Number cell = 0; cell < n_cells; ++cell) primitive_[at(cell)] = primitive_water(cell);
   for (Number cell = 0; cell < n_cells; ++cell) edges_[at(cell)] = edges_of(cell, dt);
+  for (Number cell = 0; cell < static_cast<Number>(beds_.size()); ++cell) {
+    beds_[at(cell)] = bed_of_step(cell, dt);
+  }
   std::fill(slots_.begin(), slots_.end(), Slots{});
+  std::fill(bed_slots_.begin(), bed_slots_.end(), std::array<double, 3>{});
   flux_between_cells();
   flux_over_boundaries(t + 0.5 * dt);
   for (Number cell = 0; cell < n_cells; ++cell) update(cell, dt);
+  for (Number cell = 0; cell < static_cast<Number>(beds_.size()); ++cell) update_bed(cell, dt);
 }
 
 physics::PrimitiveWater HllWalk::primitive_water(Number cell) const {
@@ -100,11 +140,16 @@ physics::HllNeighbour HllWalk::neighbour(Number cell, int side) const {
 
 physics::HllCellEdges HllWalk::edges_of(Number cell, double dt) const {
   const cases::HllCellOfCase& of = cells_[at(cell)];
-  const physics::HllNeighbour own = {primitive_[at(cell)], of.bed};
+  const physics::HllNeighbour own = {primitive_[at(cell)], bed(cell)};
   if (case_.scheme == cases::Scheme::hll1) return physics::hll_edges_first_order(own, of.cell, dt);
   return physics::hll_edges_second_order(own, neighbour(cell, 0), neighbour(cell, 1),
                                          neighbour(cell, 2), of.cell, of.weights, dt,
                                          case_.zero_depth);
+}
+
+physics::HllBed HllWalk::bed_of_step(Number cell, double dt) const {
+  return physics::hll_bed(primitive_[at(cell)], bed_load(cell), water_.hs[at(cell)],
+                          case_.sediment.porosity, cells_[at(cell)].cell, dt);
 }
 
 const physics::HllEdgeState& HllWalk::edge_state(Number cell, int side) const {
@@ -118,11 +163,18 @@ void HllWalk::flux_between_cells() {
       const cases::TriangleSide& side = sides_[at(cell)][at(k)];
       // Every edge once, from the cell that the file names first.
       if (side.neighbour < 0 || case_.mesh.left[at(side.edge)] != cell) continue;
-      const physics::SlotPair slots = physics::hll_edge_flux(
-          edge_state(cell, k), edge_state(side.neighbour, side.neighbour_side),
-          cases::edge_at_side(case_.mesh, cell, k), case_.zero_depth);
+      const physics::HllEdgeState& l = edge_state(cell, k);
+      const physics::HllEdgeState& r = edge_state(side.neighbour, side.neighbour_side);
+      const physics::Edge edge = cases::edge_at_side(case_.mesh, cell, k);
+      const physics::SlotPair slots = physics::hll_edge_flux(l, r, edge, case_.zero_depth);
       slots_[at(cell)][at(k)] = slots.left;
       slots_[at(side.neighbour)][at(side.neighbour_side)] = slots.right;
+      if (beds_.empty()) continue;
+      const double bed =
+          edge.length * physics::hll_bed_flux(l, beds_[at(cell)], r, beds_[at(side.neighbour)],
+                                              edge, -slots.left.h / edge.length);
+      bed_slots_[at(cell)][at(k)] = -bed;
+      bed_slots_[at(side.neighbour)][at(side.neighbour_side)] = bed;
     }
   }
 }
@@ -141,7 +193,27 @@ void HllWalk::flux_over_boundaries(double t) {
     const physics::WaterSlot slot = physics::hll_boundary_slot(side, edge, flux);
     slots_[at(cell)][at(k)] = slot;
     boundary_inflow_[b] = slot.h;
+    if (beds_.empty()) continue;
+    const double bed = -edge.length * bed_flux_of_boundary(b, edge);
+    bed_slots_[at(cell)][at(k)] = bed;
+    boundary_bed_inflow_[b] = bed;
   }
+}
+
+/// Per unit of length, m2/s, with the water that passes already.
+double HllWalk::bed_flux_of_boundary(std::size_t number, const physics::Edge& edge) const {
+  constexpr double no_sediment_fed = 0.0;
+  const cases::Boundary& boundary = case_.mesh.boundaries[number];
+  const Number cell = case_.mesh.left[at(boundary.edge)];
+  const physics::HllBed& bed = beds_[at(cell)];
+  const physics::HllEdgeState& water = edge_state(cell, boundary_side_[number]);
+  const cases::BoundaryKind& kind = *cases::boundary_kind(boundary.code);
+  if (boundary.code == edge_code::transmissive || kind.imposes_level()) {
+    return physics::hll_bed_flux_open(water, bed, edge, -boundary_inflow_[number] / edge.length);
+  }
+  if (!kind.imposes_discharge()) return 0.0;
+  return physics::hll_bed_flux_imposed(water, bed, edge, no_sediment_fed, case_.sediment.porosity,
+                                       case_.zero_depth);
 }
 
 void HllWalk::update(Number number, double dt) {
@@ -179,6 +251,17 @@ void HllWalk::update(Number number, double dt) {
   water_.max_h[i] = std::max(water_.max_h[i], after.h);
 }
 
+void HllWalk::update_bed(Number cell, double dt) {
+  const std::size_t i = at(cell);
+  const std::array<double, 3>& slots = bed_slots_[i];
+  water_.hs[i] =
+      physics::balanced_sediment(water_.hs[i], physics::sum_of_slots(slots[0], slots[1], slots[2]),
+                                 dt * cells_[i].cell.reciprocal_area);
+  const physics::BedLoad load = physics::bed_load_of_sediment(bed_load(cell), water_.hs[i]);
+  water_.qsx[i] = load.qsx;
+  water_.qsy[i] = load.qsy;
+}
+
 // --- The stable step -----------------------------------------------------------------------------
 
 HllWalk::StepBound HllWalk::step_bound(double t, Number before) const {
@@ -193,6 +276,11 @@ HllWalk::StepBound HllWalk::step_bound(double t, Number before) const {
   for (Number i = 0; i < case_.mesh.n_cells(); ++i) {
     note(physics::crossing_rate(primitive_water(i), cells_[at(i)].reciprocal_length,
                                 case_.zero_depth),
+         i);
+    if (beds_.empty()) continue;
+    const physics::BedLoad load = physics::bed_load_of_sediment(bed_load(i), water_.hs[at(i)]);
+    note(physics::crossing_rate_with_bed(primitive_water(i), load, case_.sediment.porosity,
+                                         cells_[at(i)].reciprocal_length),
          i);
   }
   for (const cases::Boundary& boundary : case_.mesh.boundaries) {

@@ -8,6 +8,7 @@
 
 #include "case/hll_cell.hpp"
 #include "model/HllForcing.hpp"
+#include "physics/hll_bed_load.hpp"
 
 class HllWalk {
  public:
@@ -19,6 +20,7 @@ class HllWalk {
     std::vector<double> recovered;    ///< lost by the soil as it recovered, m
     /// Sizes of what the bound of draining films took away so far, m2/s.
     std::vector<double> taken_discharge;
+    std::vector<double> hs, qsx, qsy;  ///< sediment (m) and its bed load (m2/s); empty without
   };
 
   /// What bounds the step (s), before the Courant factor.
@@ -43,15 +45,22 @@ class HllWalk {
     water_ = std::move(water);
     forcing_.set_rain_clocks(std::move(rain_clocks));
   }
-  double bed(cases::Number cell) const { return cells_[cases::at(cell)].bed; }
+  /// Level of the bed with its sediment, m.
+  double bed(cases::Number cell) const;
   /// What entered through a boundary in the last step, m3/s.
   double inflow(std::size_t boundary) const { return boundary_inflow_[boundary]; }
+  /// The same of bed with its pores, m3/s.
+  double bed_inflow(std::size_t boundary) const { return boundary_bed_inflow_[boundary]; }
   double char_length_min() const { return char_length_min_; }
 
  private:
   using Slots = std::array<physics::WaterSlot, 3>;
 
   void set_initial_water();
+  void lay_initial_sediment();
+  double manning(cases::Number cell) const;
+  physics::BedLoad bed_load(cases::Number cell) const;
+  physics::HllBed bed_of_step(cases::Number cell, double dt) const;
   physics::PrimitiveWater primitive_water(cases::Number cell) const;
   physics::HllNeighbour neighbour(cases::Number cell, int side) const;
   physics::HllCellEdges edges_of(cases::Number cell, double dt) const;
@@ -59,6 +68,8 @@ class HllWalk {
   void flux_between_cells();
   void flux_over_boundaries(double t);
   void update(cases::Number cell, double dt);
+  double bed_flux_of_boundary(std::size_t boundary, const physics::Edge& edge) const;
+  void update_bed(cases::Number cell, double dt);
 
   const cases::Case& case_;
   std::vector<cases::TriangleSides> sides_;
@@ -72,4 +83,8 @@ class HllWalk {
   std::vector<physics::HllCellEdges> edges_;
   std::vector<Slots> slots_;
   std::vector<double> boundary_inflow_;  ///< m3/s
+  // The same of the bed; those of cells are empty without sediments.
+  std::vector<physics::HllBed> beds_;
+  std::vector<std::array<double, 3>> bed_slots_;  ///< m3/s
+  std::vector<double> boundary_bed_inflow_;       ///< m3/s
 };
