@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "case/cell_files.hpp"
 #include "case/boundary_kinds.hpp"
+#include "case/cell_files.hpp"
 #include "utils/stop.hpp"
 
 namespace cases {
@@ -23,7 +23,7 @@ void take_scheme(const std::string& name, DataFile& data, Case& contents) {
   contents.scheme = kind->scheme;
   if (!contents.has_sediments || kind->with_sediments) return;
   utils::fatal("Error. The model with sediments does not have the flux scheme \"" + name +
-               "\"; use \"LHLLC\".\n");
+               "\"; use \"" + positive_scheme(true).name + "\" or \"LHLLC\".\n");
 }
 
 /// Those of a section that the model with sediments asks for alone, or all others.

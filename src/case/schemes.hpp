@@ -19,7 +19,7 @@ struct SchemeKind {
 };
 
 inline constexpr auto schemes = std::to_array<SchemeKind>(
-    {{Scheme::lhllc, "LHLLC", true}, {Scheme::hll1, "HLL1", false}, {Scheme::hll2, "HLL2", false}});
+    {{Scheme::lhllc, "LHLLC", true}, {Scheme::hll1, "HLL1", true}, {Scheme::hll2, "HLL2", false}});
 
 /// The scheme of a name; null if there is none.
 constexpr const SchemeKind* find_scheme(std::string_view name) {
@@ -35,5 +35,10 @@ constexpr const SchemeKind& kind_of(Scheme scheme) {
 
 /// Whether it is one of those that keep depths positive and lakes at rest, over triangles.
 constexpr bool is_hll(Scheme scheme) { return scheme != Scheme::lhllc; }
+
+/// The best of those for a model.
+constexpr const SchemeKind& positive_scheme(bool with_sediments) {
+  return kind_of(with_sediments ? Scheme::hll1 : Scheme::hll2);
+}
 
 }  // namespace cases

@@ -31,8 +31,10 @@ std::string percent(double share) {
 
 /// What to do about depths below zero and what comes of them; a sentence with a blank before it.
 std::string advice(const cases::Case& contents) {
-  const bool has_choice = contents.scheme == cases::Scheme::lhllc && !contents.has_sediments;
-  return has_choice ? " The \"flux scheme\" \"HLL2\" keeps depths at or above zero." : "";
+  if (contents.scheme != cases::Scheme::lhllc) return "";
+  return " The \"flux scheme\" \"" +
+         std::string(cases::positive_scheme(contents.has_sediments).name) +
+         "\" keeps depths at or above zero.";
 }
 
 std::string seen_first(const cases::Mesh& mesh, const Sighting& first) {

@@ -14,10 +14,9 @@ struct HllTables {
   std::vector<HllPatch> patches;  ///< in the order of Patches::patches
   Column reciprocal_length;       ///< see cases::HllCellOfCase, 1/m
   Column h, qx, qy;               ///< the state after the step that is being computed: m, m2/s
+  Column hs, bed;                 ///< the same with sediments, m; else empty
 
-  kernels::HllAfterColumns after() {
-    return {h.data(), qx.data(), qy.data(), reciprocal_length.data()};
-  }
+  kernels::HllAfterColumns after();
   /// Cells that a step leaves alone have the state after it already.
   void keep(const CellTable& cells, const Range& range);
   /// The state after a step becomes that of the cells.

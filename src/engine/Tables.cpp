@@ -1,5 +1,6 @@
 #include "engine/Tables.hpp"
 
+#include "physics/hll_bed_load.hpp"
 #include "physics/stable_step.hpp"
 
 namespace engine {
@@ -54,14 +55,21 @@ void Tables::set_bed_from_sediment(const Range& places) {
   }
 }
 
+double Tables::bed_crossing_rate_at(std::size_t i, const physics::PrimitiveWater& water) const {
+  if (!has_bed || cells.manning.empty()) return 0.0;
+  const physics::BedLoad load = physics::bed_load_of_sediment(
+      physics::bed_load_in_water(water, cells.manning[i], grains, zero_depth), cells.hs[i]);
+  return physics::crossing_rate_with_bed(water, load, porosity, hll->reciprocal_length[i]);
+}
+
 double Tables::stable_step_at(std::size_t i) const {
   const double h = cells.h[i], qx = cells.qx[i], qy = cells.qy[i];
   if (hll) {
     constexpr double no_resistance = 0.0;
     const physics::PrimitiveWater water =
         physics::primitive_water<false>(h, qx, qy, no_resistance, zero_depth);
-    return physics::step_of_crossing_rate(
-        physics::crossing_rate(water, hll->reciprocal_length[i], zero_depth));
+    const double rate = physics::crossing_rate(water, hll->reciprocal_length[i], zero_depth);
+    return physics::step_of_crossing_rate(physics::larger(rate, bed_crossing_rate_at(i, water)));
   }
   const bool is_dry = h <= zero_depth;
   return is_dry ? dry_step : physics::stable_step(h, qx, qy, cells.char_length[i], zero_depth);

@@ -90,6 +90,8 @@ struct Tables {
   void drop_given_surface() { cells.eta = {}; }
   /// Stable step of the present state of a cell, by its place, before the Courant factor, s.
   double stable_step_at(std::size_t i) const;
+  /// See physics::crossing_rate_with_bed, of the HLL schemes; 0 where no bed moves.
+  double bed_crossing_rate_at(std::size_t i, const physics::PrimitiveWater& water) const;
   /// Memory, bytes.
   std::size_t bytes() const;
 };

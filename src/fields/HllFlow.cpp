@@ -125,6 +125,12 @@ void HllFlow::save(engine::State& state) const {
   state.qy = water.qy;
   state.max_h = water.max_h;
   if (has_soils()) state.infiltrated = water.infiltrated;
+  if (case_.has_sediments) {
+    state.hs = water.hs;
+    state.qsx = water.qsx;
+    state.qsy = water.qsy;
+    state.dqs_dh.assign(water.h.size(), 0.0);  // of the other scheme
+  }
   state.rain_clocks = walk_.rain_clocks();
 }
 
@@ -136,12 +142,18 @@ void HllFlow::load(const engine::State& state) {
   water.qy = state.qy;
   water.max_h = state.max_h;
   if (has_soils()) water.infiltrated = state.infiltrated;
+  if (case_.has_sediments) {
+    water.hs = state.hs;
+    water.qsx = state.qsx;
+    water.qsy = state.qsy;
+  }
   walk_.set_water(std::move(water), state.rain_clocks);
 }
 
 void HllFlow::save_notes(engine::SavedNotes& notes) const {
   notes = {notes_, {}, {}, walk_.water().taken_discharge};
   if (has_soils()) notes.recovered = walk_.water().recovered;
+  if (case_.has_sediments) notes.lifted.assign(walk_.water().h.size(), 0.0);  // nothing is
 }
 
 void HllFlow::load_notes(const engine::SavedNotes& notes) {

@@ -157,6 +157,7 @@ struct HllCellAfter {
 /// Where the state after a step goes, of the cells of the tables.
 struct HllAfterColumns {
   double *h, *qx, *qy;
+  double *hs, *bed;                 ///< sediment and level of the bed, m; null without sediments
   const double* reciprocal_length;  ///< see physics::crossing_rate, 1/m
 };
 

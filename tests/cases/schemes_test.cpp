@@ -83,11 +83,12 @@ TEST_F(Schemes, TheReportBooksWhatIsTakenFromDrainingFilms) {
   EXPECT_FALSE(report()["velocity"].contains("momentum_taken_from_films_m4_per_s"));
 }
 
-TEST_F(Schemes, ThePositiveOnesAreNotForSediments) {
+TEST_F(Schemes, TheSecondOrderOneIsNotForSediments) {
   lay_sand(c, "1");
   use("HLL2");
   expect_stop(
-      "Error. The model with sediments does not have the flux scheme \"HLL2\"; use \"LHLLC\".\n");
+      "Error. The model with sediments does not have the flux scheme \"HLL2\"; use \"HLL1\" or "
+      "\"LHLLC\".\n");
 }
 
 TEST_F(Schemes, ThePositiveOnesTakeTrianglesAlone) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "case/boundary_kinds.hpp"
 #include "engine/host/loops.hpp"
 #include "fields/HllFlow.hpp"
 #include "fields/TablesFlow.hpp"
@@ -92,7 +93,27 @@ class HllEquality : public testing::Test {
     }
     for (int k = 0; k < static_cast<int>(contents.mesh.boundaries.size()); ++k) {
       EXPECT_EQ(walk.boundary_inflow(k).water, tables.boundary_inflow(k).water) << k;
+      EXPECT_EQ(walk.boundary_inflow(k).bed, tables.boundary_inflow(k).bed) << k;
     }
+  }
+
+  /// With every boundary that there is over sand, and thin layers that run out.
+  cases::Case over_sand(const BasinOptions& options) {
+    BasinOptions with_sand = options;
+    with_sand.sediments = true;
+    cases::Case contents = basin(Scheme::hll1, with_sand);
+    int k = 0;
+    for (cases::Boundary& boundary : contents.mesh.boundaries) {
+      if (boundary.code == edge_code::wall && ++k % 3 == 0) {
+        boundary = {boundary.edge, edge_code::discharge, k % 2 == 0 ? -0.3 : 0.2, -1};
+      } else if (boundary.code == edge_code::wall && k % 3 == 1) {
+        boundary.code = edge_code::transmissive;
+      }
+    }
+    for (std::size_t i = 0; i < contents.fields.sediment.size(); i += 3) {
+      contents.fields.sediment[i] *= 1e-3;
+    }
+    return contents;
   }
 
   support::TemporaryFolder folder_;
@@ -151,6 +172,29 @@ TEST_F(HllEquality, NotesAreTheSameOnBothPaths) {
   }
 }
 
+TEST_F(HllEquality, HoldsOverABedThatMoves) {
+  const cases::Case contents = over_sand({});
+  fields::HllFlow walk(contents);
+  for (int step = 0; step < 60; ++step) walk.advance({0.0, 0.0, support::basin_t_end, 1e-3});
+  std::vector<double> sand(contents.fields.sediment.size());
+  walk.read(fields::Field::sediment_thickness, sand);
+  EXPECT_NE(sand, contents.fields.sediment);
+  for (int k = 0; k < 16; ++k) {
+    expect_same(over_sand({.friction = (k & 1) == 0,
+                           .rain = (k & 2) != 0,
+                           .soils = (k & 4) != 0,
+                           .mostly_dry = (k & 8) != 0}),
+                1 + k % 3, 100, true);
+  }
+  for (const int patch : {64, 128, 320, 1024}) expect_same(over_sand({}), 2, 60, true, patch);
+}
+
+TEST_F(HllEquality, DryPatchesAreSkippedOverABedThatMoves) {
+  cases::Case contents =
+      basin(Scheme::hll1, {.sediments = true, .rain = false, .soils = false, .mostly_dry = true});
+  EXPECT_LT(expect_same(contents, 2, 120, true), 7);
+}
+
 TEST_F(HllEquality, HoldsForEveryInstructionSetOfTheMachine) {
   int run = 0;
   for (const char* set : {"baseline", "avx2", "avx512"}) {
@@ -161,6 +205,7 @@ TEST_F(HllEquality, HoldsForEveryInstructionSetOfTheMachine) {
     }
     instruction_set_ = set;
     for (const Scheme scheme : both) expect_same(basin(scheme, {}), 2, 80, true);
+    expect_same(over_sand({}), 2, 80, true);
     ++run;
   }
   EXPECT_GE(run, 1);

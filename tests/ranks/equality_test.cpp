@@ -40,6 +40,14 @@ TEST_F(RanksInProcess, GiveTheSameBitsWithTheSchemesThatLookTwoCellsFar) {
   }
 }
 
+TEST_F(RanksInProcess, GiveTheSameBitsWithThePositiveSchemeOverABedThatMoves) {
+  for (const bool mostly_dry : {false, true}) {
+    cases::Case contents = basin({.sediments = true, .mostly_dry = mostly_dry});
+    contents.scheme = cases::Scheme::hll1;
+    expect_same_on_any_number(contents, 100);
+  }
+}
+
 TEST_F(RanksInProcess, SkipDryPatches) {
   const cases::Case contents = basin({.rain = false, .soils = false, .mostly_dry = true});
   const Course expected = run_alone(contents, 20);
@@ -106,10 +114,12 @@ TEST_F(RanksInProcess, GiveTheSameBitsWithTwoRingsOfGhosts) {
 }
 
 TEST_F(RanksInProcess, GoOnFromAnyState) {
-  for (const bool sediments : {false, true}) {
-    const cases::Case contents = basin({.sediments = sediments});
+  for (const int k : {0, 1, 2}) {
+    cases::Case contents = basin({.sediments = k > 0});
+    if (k == 2) contents.scheme = cases::Scheme::hll1;
     const Course expected = run_alone(contents, 40);
-    const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3));
+    const auto subsets = subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3),
+                                    engine::rings_of(contents.scheme));
     for (const int first : {0, 25}) {
       run_side_by_side(contents, subsets, 1, 64, [&](int rank, engine::Engine& engine) {
         const engine::Subset& subset = subsets[at(rank)];

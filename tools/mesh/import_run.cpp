@@ -76,26 +76,37 @@ void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out
   out << " and the envelope every " << shown(contents.envelope_interval) << " s.\n";
 }
 
-/// What keeps a case from the schemes other than the first; null: nothing.
-const char* lacking_for_hll(const Case& contents) {
-  if (!contents.sediment.empty()) return "--sediment";
+/// What keeps a case from a scheme; null: nothing.
+const char* lacking_for(const cases::SchemeKind& scheme, const Case& contents) {
+  if (!contents.sediment.empty() && !scheme.with_sediments) return "--sediment";
+  if (!cases::is_hll(scheme.scheme)) return nullptr;
   const auto& cells = contents.mesh.cells;
   const bool has_quads =
       std::any_of(cells.begin(), cells.end(), [](const Cell& cell) { return cell.size() != 3; });
   return has_quads ? "--keep-quads" : nullptr;
 }
 
-/// The scheme that was asked for, or the best that the case can have.
+std::string schemes_for(const Case& contents) {
+  std::string names;
+  for (const cases::SchemeKind& kind : cases::schemes) {
+    if (lacking_for(kind, contents) != nullptr) continue;
+    names += (names.empty() ? "" : " or ") + std::string(kind.name);
+  }
+  return names;
+}
+
+/// The scheme that was asked for, or the usual one for the case.
 void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out) {
-  const char* const lacking = lacking_for_hll(contents);
+  const cases::SchemeKind& usual = cases::kind_of(cases::Scheme::hll2);
   if (options.scheme.empty()) {
-    contents.scheme = lacking != nullptr ? cases::Scheme::lhllc : cases::Scheme::hll2;
+    const bool has_usual = lacking_for(usual, contents) == nullptr;
+    contents.scheme = has_usual ? usual.scheme : cases::Scheme::lhllc;
   } else {
     contents.scheme = cases::find_scheme(options.scheme)->scheme;
   }
-  if (cases::is_hll(contents.scheme) && lacking != nullptr) {
+  if (const char* const lacking = lacking_for(cases::kind_of(contents.scheme), contents)) {
     throw tools::Error("--scheme " + options.scheme + " does not go with " + lacking +
-                       "; expected LHLLC.");
+                       "; expected " + schemes_for(contents) + ".");
   }
   out << "The flux scheme is " << cases::kind_of(contents.scheme).name << ".\n";
 }

@@ -23,7 +23,10 @@ HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
     for (Column& column : scratch.water) column.assign(all_cells, 0.0);
     for (Column& column : scratch.edge) column.assign(3 * with_states, 0.0);
     for (Column& column : scratch.source) column.assign(with_states, 0.0);
-    scratch.slots.assign(slots, false);
+    if (tables.has_bed) {
+      for (Column& column : scratch.bed) column.assign(with_states, 0.0);
+    }
+    scratch.slots.assign(slots, tables.has_bed);
     scratch.demand.resize(tables, cells);
   }
 }
@@ -35,6 +38,10 @@ kernels::HllWaterColumns HllBackend::Scratch::waters() {
 kernels::HllEdgeColumns HllBackend::Scratch::edges(int stride) {
   return {edge[0].data(), edge[1].data(),   edge[2].data(),   edge[3].data(),
           edge[4].data(), source[0].data(), source[1].data(), stride};
+}
+
+kernels::HllBedColumns HllBackend::Scratch::beds() {
+  return {bed[0].data(), bed[1].data(), bed[2].data(), bed[3].data()};
 }
 
 double HllBackend::advance(const std::vector<int>& patches, const kernels::StepValues& values,
@@ -68,25 +75,36 @@ void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
       waters, patch.columns(), patch.with_states, edges, step.values);
   loops_.hll.fluxes(patch.edges.columns(), patch.right_slots(), edges, slots,
                     slots.from(patch.right_slots()), step.values.zero_depth);
+  if (tables_.has_bed) {
+    loops_.hll.beds(cells, range, waters, patch.columns(), patch.with_states, scratch.beds(),
+                    step.values);
+    loops_.hll.bed_fluxes(patch.edges.columns(), patch.right_slots(), edges, scratch.beds(), slots,
+                          slots.from(patch.right_slots()));
+  }
   boundary_fluxes(number, step.values, scratch);
 
   physics::FlowExtremes* const extremes =
       step.notes != nullptr ? &step.notes->extremes[at(number)] : nullptr;
+  // A bed of sediments lets no water in.
   const double* const demand =
-      scratch.demand.find(number, tables_, loops_, step.soil_steps, step.notes);
-  const HllAdvance after = loops_.hll.advance(
-      cells,
-      {own.begin,
-       own.size(),
-       waters,
-       edges,
-       {patch.slots[0].data(), patch.slots[1].data(), patch.slots[2].data()},
-       slots,
-       demand,
-       tables_.hll->after(),
-       extremes,
-       step.notes != nullptr ? &step.notes->taken_discharge[at(own.begin)] : nullptr},
-      step.values);
+      tables_.has_bed ? nullptr
+                      : scratch.demand.find(number, tables_, loops_, step.soil_steps, step.notes);
+  const HllCellRange own_cells = {
+      own.begin,
+      own.size(),
+      waters,
+      edges,
+      {patch.slots[0].data(), patch.slots[1].data(), patch.slots[2].data()},
+      slots,
+      demand,
+      tables_.hll->after(),
+      extremes,
+      step.notes != nullptr ? &step.notes->taken_discharge[at(own.begin)] : nullptr};
+  HllAdvance after = loops_.hll.advance(cells, own_cells, step.values);
+  if (tables_.has_bed) {
+    after.crossing_rate =
+        physics::larger(after.crossing_rate, loops_.hll.advance_bed(cells, own_cells, step.values));
+  }
   scratch.crossing_rate = physics::larger(scratch.crossing_rate, after.crossing_rate);
   if (step.notes != nullptr) {
     step.notes->smallest_steps[at(number)] = physics::step_of_crossing_rate(after.crossing_rate);
@@ -103,9 +121,15 @@ void HllBackend::boundary_fluxes(int number, const kernels::StepValues& step, Sc
     const int slot = patch.first_boundary_slot() + b;
     kernels::hll_flux_of_boundary(edges, patch.boundary_states[at(b)],
                                   tables_.boundaries[at(first + b)], step, slots, slot);
-    tables_.outer.mass[at(tables_.first_boundary_slot() + first + b)] = slots.mass[slot];
+    const std::size_t outer = at(tables_.first_boundary_slot() + first + b);
+    tables_.outer.mass[outer] = slots.mass[slot];
+    if (!tables_.has_bed) continue;
+    kernels::hll_bed_flux_of_boundary(edges, patch.boundary_states[at(b)], scratch.beds(),
+                                      tables_.boundaries[at(first + b)], step, slots, slot);
+    tables_.outer.bed[outer] = slots.bed[slot];
   }
   kernels::fill_slot(slots, patch.empty_slot(), {0.0, 0.0, 0.0});
+  if (tables_.has_bed) slots.bed[patch.empty_slot()] = 0.0;
 }
 
 void HllBackend::finish_step(const Activity& activity) {

@@ -35,12 +35,14 @@ class HllBackend : public Backend {
     Column water[5];  ///< of kernels::HllWaterColumns
     Column edge[5];   ///< of kernels::HllEdgeColumns
     Column source[2];
+    Column bed[4];  ///< of kernels::HllBedColumns; empty without sediments
     Slots slots;
     SoilDemand demand;
     double crossing_rate = 0.0;  ///< largest so far, 1/s
 
     kernels::HllWaterColumns waters();
     kernels::HllEdgeColumns edges(int stride);
+    kernels::HllBedColumns beds();
   };
 
   void advance_patch(int number, const Step& step, Scratch& scratch);

@@ -4,6 +4,7 @@
 
 #include "engine/host/cell_loops.hpp"
 #include "engine/host/edge_loops.hpp"
+#include "engine/host/hll_bed_loops.hpp"
 #include "engine/host/hll_loops.hpp"
 #include "engine/host/soil_loops.hpp"
 
@@ -25,6 +26,7 @@ const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME) = {
     .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},
     .water_and_bed = {fluxes<FluxesOfWaterAndBed, Local>, fluxes<FluxesOfWaterAndBed, int>,
                       advance<AdvanceWaterAndBed>},
-    .hll = {hll_waters_of_patch, hll_edges<false>, hll_edges<true>, hll_fluxes, advance_hll_patch}};
+    .hll = {hll_waters_of_patch, hll_edges<false>, hll_edges<true>, hll_fluxes, advance_hll_patch,
+            hll_beds_of_patch, hll_bed_fluxes, advance_hll_bed_of_patch}};
 
 }  // namespace engine

@@ -6,7 +6,7 @@
 
 #include "engine/runs.hpp"
 #include "kernels/columns.hpp"
-#include "kernels/hll.hpp"
+#include "kernels/hll_bed.hpp"
 #include "physics/flow_extremes.hpp"
 #include "physics/infiltration.hpp"
 
@@ -96,6 +96,16 @@ struct HllLoops {
   void (*fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count, kernels::HllEdgeColumns,
                  kernels::SlotColumns left, kernels::SlotColumns right, double zero_depth);
   HllAdvance (*advance)(const kernels::CellColumns&, const HllCellRange&,
+                        const kernels::StepValues&);
+  // The same of a bed that moves: of so many cells, a multiple of a block; into the slots of bed
+  // alone; and the largest physics::crossing_rate_with_bed, after the step of the water.
+  void (*beds)(const kernels::CellColumns&, const HllRange&, const kernels::HllWaterColumns&,
+               const kernels::HllCellColumns&, int count, const kernels::HllBedColumns&,
+               const kernels::StepValues&);
+  void (*bed_fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count,
+                     kernels::HllEdgeColumns, kernels::HllBedColumns, kernels::SlotColumns left,
+                     kernels::SlotColumns right);
+  double (*advance_bed)(const kernels::CellColumns&, const HllCellRange&,
                         const kernels::StepValues&);
 };
 

@@ -336,14 +336,20 @@ TEST_F(Import, AsksForTheSecondOrderSchemeUnlessToldOtherwise) {
   }
 }
 
-TEST_F(Import, SedimentsTakeTheFirstSchemeAndNoOther) {
+TEST_F(Import, SedimentsTakeTheFirstSchemeUnlessToldOtherwise) {
   const Words sand = {"--sediment", "1", "--grain-diameter", "0.002", "--friction", "0.02"};
   Words wrong = sand;
   wrong.insert(wrong.end(), {"--scheme", "HLL2"});
   const std::string told = import_badly(1, wrong);
-  EXPECT_TRUE(contains(told, "--scheme HLL2 does not go with --sediment; expected LHLLC")) << told;
+  EXPECT_TRUE(contains(told, "--scheme HLL2 does not go with --sediment; expected LHLLC or HLL1"))
+      << told;
   import_well(sand);
   EXPECT_EQ(data()["model"]["flux scheme"], "LHLLC");
+  Words positive = sand;
+  positive.insert(positive.end(), {"--scheme", "HLL1", "--overwrite"});
+  import_well(positive);
+  EXPECT_EQ(data()["model"]["flux scheme"], "HLL1");
+  run_case();
 }
 
 TEST_F(Import, RefusesASchemeThatThereIsNot) {

@@ -54,8 +54,8 @@ void check_scheme(const DataFile& data, const CheckedCase& checked,
           " of " + std::to_string(under_rain) + " (by " + rounded(100.0 * slope_of_worst) +
           " % between the cells " + std::to_string(mesh.left[worst]) + " and " +
           std::to_string(mesh.right[worst]) +
-          "): there LHLLC lets depths fall below zero and sheds more water than falls" +
-          (data.has_sediments() ? "" : "; \"HLL2\" does not"));
+          "): there LHLLC lets depths fall below zero and sheds more water than falls" + "; \"" +
+          cases::positive_scheme(data.has_sediments()).name + "\" does not");
 }
 
 }  // namespace tools::check
