@@ -22,6 +22,7 @@ struct DataFile {
   std::string output_folder;  ///< prefix of the names of results
   double dt_enveloppe = 0.0;  ///< between envelopes, s
   std::optional<std::string> pictures, gauges, discharges;
+  std::optional<std::string> final_state;  ///< file, in the folder of the results
 };
 
 }  // namespace cases

@@ -58,6 +58,12 @@ T DataFileReader::value_of(const Key& key) const {
   return section.at(name).get<T>();
 }
 
+std::string DataFileReader::result_name(const Key& key) const {
+  std::string name = value_of<std::string>(key);
+  if (!name.empty()) return name;
+  throw DataFileReaderException("Error. ", cases::empty_result_name(key) + ".");
+}
+
 std::optional<std::string> DataFileReader::file(const Key& key) const {
   const auto is_asked_for = [&] {
     switch (key.use) {
@@ -228,6 +234,12 @@ std::string DataFileReader::get_output_folder_path() const {
 
 double DataFileReader::get_dt_enveloppe() const {
   return value_of<double>(key("output/time step enveloppe of results"));
+}
+
+std::optional<std::string> DataFileReader::get_final_state_file() const {
+  constexpr const Key& file = key("output/final state");
+  if (!has(file)) return {};
+  return result_name(file);
 }
 
 bool DataFileReader::is_pictures() const { return has(key("output/snapshots of flow")); }

@@ -97,6 +97,7 @@ class DataFileReader : public Reader {
 
   std::string get_output_folder_path() const;
   double get_dt_enveloppe() const;  ///< s
+  std::optional<std::string> get_final_state_file() const;
   bool is_pictures() const;
   std::string get_pictures_file() const;
   bool is_gauges() const;
@@ -119,6 +120,8 @@ class DataFileReader : public Reader {
   bool has(const cases::Key& key) const;
   template <class T>
   T value_of(const cases::Key& key) const;
+  /// The name of a file to write, which may not be empty.
+  std::string result_name(const cases::Key& key) const;
   /// A number of the model with sediments.
   double parameter(const cases::Key& key) const;
 

@@ -24,7 +24,7 @@ struct Key {
   KeyKind kind;
   Use use;
   /// For `optional`: what takes its place where it does not stand, in its unit if it is a number;
-  /// empty for a key that no run asks for. For `with_other`: the path of the other key.
+  /// empty where nothing does. For `with_other`: the path of the other key.
   const char* other;
   const char* unit;
   const char* meaning;
@@ -96,6 +96,8 @@ inline constexpr auto keys = [] {
       {"output/folder", text, always, "", "", "put in front of result names: end it with /"},
       {"output/time step enveloppe of results", number, always, "", "s",
        "interval between envelopes"},
+      {"output/final state", text, optional, "", "",
+       "file for the state at the end of the run, and where it is interrupted"},
       {"output/snapshots of flow", file, optional, "no snapshots", "s", "times of the snapshots"},
       {"output/gauges", file, optional, "no gauges", "s, m", "points whose flow is recorded"},
       {"output/discharges", file, optional, "no sections", "s",
@@ -123,6 +125,11 @@ consteval const Key& key(std::string_view path) {
 std::string default_of(const Key& key);
 /// The same as a number, in the unit of the key.
 double default_number(const Key& key);
+
+/// What is wrong with a key of a result whose name is empty.
+inline std::string empty_result_name(const Key& key) {
+  return '"' + std::string(key.path) + "\" is empty, expected the name of a file";
+}
 
 /// The path of a name in a section, as messages name it.
 inline std::string path_of(const std::string& section, const std::string& name) {

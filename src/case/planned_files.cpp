@@ -170,6 +170,10 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report,
     files.results.push_back({"the report", report, true});
     files.results.push_back({"the snapshot of a failure", prefix + "failure.txt", true});
   }
+  const std::string final_state = text_at(document, key("output/final state"));
+  if (!final_state.empty()) {
+    files.results.push_back({"the final state", prefix + final_state, true});
+  }
   for (const std::string& name : snapshot_names(named(key("output/snapshots of flow")), prefix)) {
     files.results.push_back({"the snapshot", name, true});
   }

@@ -61,6 +61,7 @@ void read_sediment(const utils::DataFileReader& reader, DataFile& data,
 void read_outputs(const utils::DataFileReader& reader, DataFile& data) {
   data.output_folder = reader.get_output_folder_path();
   data.dt_enveloppe = reader.get_dt_enveloppe();
+  data.final_state = reader.get_final_state_file();
   data.pictures = reader.file(key("output/snapshots of flow"));
   data.gauges = reader.file(key("output/gauges"));
   data.discharges = reader.file(key("output/discharges"));

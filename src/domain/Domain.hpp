@@ -103,6 +103,7 @@ class Domain {
   void show_progress();
   void end_progress();
   void write_enveloppe();
+  void write_results_of_the_end();
   void wait_for_writers();
   /// Whether the run must end, which has been said.
   bool has_lost_a_result() const;
@@ -144,7 +145,7 @@ class Domain {
   std::vector<double> umax_buffer;                ///< largest depths for the writer, m
   std::string envelope_file_;
   utils::WriterThread envelope_writer_;
-  bool has_lost_failure_snapshot_ = false;
+  bool has_lost_snapshot_ = false;  ///< of a failure, or of the end
 
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;

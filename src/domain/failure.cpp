@@ -78,6 +78,6 @@ std::string Domain::write_failure_snapshot() {
   wait_for_writers();  // what they say comes first
   Snapshot snapshot(case_);
   snapshot.gather(*flow_);
-  if (!snapshot.write(name)) has_lost_failure_snapshot_ = true;
+  if (!snapshot.write(name)) has_lost_snapshot_ = true;
   return name;
 }

@@ -46,6 +46,9 @@ void Domain::set_outputs() {
   next_enveloppe_time = case_.t_start;
   envelope_file_ = data_.output_folder + "enveloppe.txt";
   log << "  Maximum values will be recorded every: " << data_.dt_enveloppe << " s\n";
+  if (data_.final_state) {
+    log << "  Final state: written to " << data_.output_folder << *data_.final_state << '\n';
+  }
   set_gauges();
   set_pictures();
   set_sections();

@@ -1,9 +1,11 @@
 // The time loop: outputs, progress, and the steps.
+#include <cmath>
 #include <iomanip>
 #include <iostream>
 #include <string>
 
 #include "domain/Domain.hpp"
+#include "output/Snapshot.hpp"
 #include "report/RunReport.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
@@ -35,6 +37,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   }
   enter(Phase::outputs);
   end_progress();
+  write_results_of_the_end();
   if (keeper_) keep_last_checkpoint();
   wait_for_writers();
   if (gauge) gauge->close();
@@ -95,6 +98,14 @@ void Domain::fire_outputs() {
   outputs_done_ = clock_.t;
 }
 
+void Domain::write_results_of_the_end() {
+  if (std::isnan(clock_.t)) return;  // the flow is lost with its time
+  if (!data_.final_state) return;
+  Snapshot snapshot(case_);
+  snapshot.gather(*flow_);
+  if (!snapshot.write(data_.output_folder + *data_.final_state)) has_lost_snapshot_ = true;
+}
+
 void Domain::wait_for_writers() {
   if (gauge) gauge->wait();
   if (picture) picture->wait();
@@ -103,9 +114,8 @@ void Domain::wait_for_writers() {
 }
 
 bool Domain::has_lost_a_result() const {
-  return has_lost_failure_snapshot_ || envelope_writer_.has_failed() ||
-         (gauge && gauge->has_failed()) || (picture && picture->has_failed()) ||
-         (monitor_section && monitor_section->has_failed());
+  return has_lost_snapshot_ || envelope_writer_.has_failed() || (gauge && gauge->has_failed()) ||
+         (picture && picture->has_failed()) || (monitor_section && monitor_section->has_failed());
 }
 
 void Domain::report_interruption() const {

@@ -96,6 +96,7 @@ cases::RunRequest request_of(const Case& imported) {
   run.output_folder = "out/";
   run.envelope_interval = imported.envelope_interval;
   if (imported.origin) run.origin = {imported.origin->x, imported.origin->y};
+  run.final_state = "final.txt";
   run.snapshots = {all_as_written(imported.snapshots)};
   const double interval = as_written(imported.recording_interval);
   run.gauges = {"gauges.txt", interval, {}};

@@ -25,6 +25,20 @@ TEST_F(CheckOutputs, RefusesAGaugeResultThatCannotBeCreated) {
   EXPECT_EQ(status, 0);
 }
 
+TEST_F(CheckOutputs, RefusesAFinalStateWithoutAName) {
+  c.data["output"]["final state"] = "";
+  expect_error("output", {"\"output/final state\" is empty, expected the name of a file"});
+  c.data["output"]["final state"] = 7;
+  expect_error("wrong type", {"\"output/final state\": found 7, expected text in quotes"});
+}
+
+TEST_F(CheckOutputs, RefusesAFinalStateInPlaceOfAnotherResult) {
+  c.data["output"]["final state"] = "../log.txt";
+  expect_error("results", {"the final state (out/../log.txt) would replace another result"});
+  c.data["output"]["final state"] = "final.txt";
+  expect_clean();
+}
+
 TEST_F(CheckOutputs, RefusesMalformedGauges) {
   c.add_gauges({{1.6, 1.3}}, 0.01);
   c.files["gauges_in.txt"] = "1 gauges.txt 0.5\n1.6 here 0\n";

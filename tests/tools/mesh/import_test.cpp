@@ -306,6 +306,7 @@ TEST_F(Import, LosesNothingAtTheEndOfTheRun) {
   EXPECT_EQ(lines("sections.txt").at(0), "1 0.199 out/sections.txt");
   run_case();
   EXPECT_TRUE(folder.has("case/out/pic_19_90.txt"));
+  EXPECT_TRUE(folder.has("case/out/final.txt"));
   EXPECT_GE(column("out/gauges.txt", 0, 1).back(), 19.9);
   EXPECT_GE(column("out/sections.txt", 0, 0).back(), 19.9);
 }

@@ -181,8 +181,13 @@ DataFile values_of(const KeyCheck& keys) {
   data.density = keys.value<double>(key("model/parameters/sediments density"));
   data.porosity = keys.value<double>(key("model/parameters/sediments porosity"));
   data.folder = keys.value<std::string>(key("output/folder"));
+  data.final_state = keys.value<std::string>(key("output/final state"));
   data.envelope_interval = keys.value<double>(key("output/time step enveloppe of results"));
   return data;
+}
+
+void check_result_name(const std::optional<std::string>& name, const Key& key, Findings& findings) {
+  if (name && name->empty()) findings.error("output", cases::empty_result_name(key));
 }
 
 void check_run_parameters(const DataFile& data, Findings& findings) {
@@ -206,6 +211,7 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
                                         quoted(key("output/time step enveloppe of results").path),
                                         *data.envelope_interval));
   }
+  check_result_name(data.final_state, key("output/final state"), findings);
 }
 
 }  // namespace

@@ -23,6 +23,7 @@ struct DataFile {
 
   std::optional<std::string> folder;
   std::optional<double> envelope_interval;  ///< s
+  std::optional<std::string> final_state;   ///< in the folder
 
   bool has_sediments() const;
   /// Whether the run advances at all.
