@@ -35,7 +35,15 @@ enum class Field {
   bed_level,  ///< with the sediment on it
   sediment_thickness,
   bed_load_x,
-  bed_load_y
+  bed_load_y,
+  // Maxima since the start, where keep_maxima() has asked for them.
+  peak_depth,
+  peak_level,  ///< NaN where there never was water
+  peak_speed,
+  peak_discharge,  ///< which is the largest product of depth and speed, too
+  time_of_peak,    ///< of the depth; NaN where there never was any
+  arrival_time,    ///< of water deeper than the arrival depth; NaN where there never was
+  time_under_water
 };
 
 /// What stands on an edge, by the codes of edges files.
@@ -146,6 +154,9 @@ class Simulation {
   void read(Field field, std::span<double> values) const;
   /// What entered through a boundary edge in the last step, m3/s.
   double inflow(int edge) const;
+  /// Keeps the maxima of the flow in every cell, from the start on: to be called before the first
+  /// step. Cells deeper than `arrival_depth` are under water.
+  void keep_maxima(double arrival_depth = 0.05);
 
   // Between steps. The next step still moves the bed load of the water before.
   /// Sets depths: of all cells, or of those given. Water as shallow as a film loses its discharge,
@@ -165,7 +176,8 @@ class Simulation {
   void set_boundary(int edge, double value);
 
   /// The state at the present time, and its return, into this simulation or another of the same
-  /// case, on any number of threads: the steps that follow have the same bits.
+  /// case, on any number of threads: the steps that follow have the same bits. Maxima go with it,
+  /// if both keep them.
   State save() const;
   void load(const State& state);
 

@@ -87,6 +87,12 @@ struct SectionRequest {
   std::vector<std::vector<Number>> sections;
 };
 
+/// The maxima of the flow in every cell.
+struct MaximaRequest {
+  std::string result;    ///< file, in the folder of the results
+  double arrival_depth;  ///< deeper cells are under water, m
+};
+
 /// Times at which the whole flow is written, in the order of their file.
 struct SnapshotRequest {
   std::vector<double> times;  ///< s

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "case/Case.hpp"
 #include "case/FileNames.hpp"
 
 namespace cases {
@@ -22,6 +23,7 @@ struct DataFile {
   std::string output_folder;  ///< prefix of the names of results
   double dt_enveloppe = 0.0;  ///< between envelopes, s
   std::optional<std::string> pictures, gauges, discharges;
+  std::optional<MaximaRequest> maxima;
   std::optional<std::string> final_state;  ///< file, in the folder of the results
 };
 

@@ -242,6 +242,28 @@ std::optional<std::string> DataFileReader::get_final_state_file() const {
   return result_name(file);
 }
 
+bool DataFileReader::is_maxima() const {
+  constexpr const Key& maxima = key("output/maxima of flow");
+  if (!has(maxima)) return false;
+  if (section_at(maxima.path).is_object()) return true;
+  throw DataFileReaderException("Error. The following key has incorrect format in the datafile: ",
+                                std::string(maxima.name()));
+}
+
+std::string DataFileReader::get_maxima_file() const {
+  return result_name(key("output/maxima of flow/file"));
+}
+
+double DataFileReader::get_arrival_depth() const {
+  constexpr const Key& arrival_depth = key("output/maxima of flow/arrival depth");
+  const double depth =
+      has(arrival_depth) ? value_of<double>(arrival_depth) : cases::default_number(arrival_depth);
+  if (const auto fault = cases::fault_of_arrival_depth(depth)) {
+    throw DataFileReaderException("Error. ", *fault + ".");
+  }
+  return depth;
+}
+
 bool DataFileReader::is_pictures() const { return has(key("output/snapshots of flow")); }
 
 std::string DataFileReader::get_pictures_file() const {
@@ -287,9 +309,14 @@ KeyUses DataFileReader::key_uses() const {
   add_uses_of(document_, "", uses);
   for (const Key& key : cases::keys) {
     const std::string value = cases::default_of(key);
-    if (value.empty() || document_.contains(json::json_pointer("/" + std::string(key.path)))) {
-      continue;
-    }
+    const auto stands = [&](std::string_view path) {
+      return document_.contains(json::json_pointer("/" + std::string(path)));
+    };
+    if (value.empty() || stands(key.path)) continue;
+    const Key* const section = cases::section_of(key);
+    const bool is_asked_for =
+        section == nullptr || section->use != Key::Use::optional || stands(section->path);
+    if (!is_asked_for) continue;
     uses.defaulted.push_back({key.path, value});
   }
   return uses;

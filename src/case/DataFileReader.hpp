@@ -98,6 +98,9 @@ class DataFileReader : public Reader {
   std::string get_output_folder_path() const;
   double get_dt_enveloppe() const;  ///< s
   std::optional<std::string> get_final_state_file() const;
+  bool is_maxima() const;
+  std::string get_maxima_file() const;
+  double get_arrival_depth() const;  ///< m; 0.05 when absent
   bool is_pictures() const;
   std::string get_pictures_file() const;
   bool is_gauges() const;

@@ -64,6 +64,10 @@ void set_outputs(const RunRequest& run, Document& data) {
   data.set(key("output/folder"), run.output_folder);
   data.set(key("output/time step enveloppe of results"), run.envelope_interval);
   if (run.final_state) data.set(key("output/final state"), *run.final_state);
+  if (run.maxima) {
+    data.set(key("output/maxima of flow/file"), run.maxima->result);
+    data.set(key("output/maxima of flow/arrival depth"), run.maxima->arrival_depth);
+  }
   if (run.snapshots) data.set(key("output/snapshots of flow"), snapshots_file_name);
   if (run.gauges) data.set(key("output/gauges"), gauges_file_name);
   if (run.sections) data.set(key("output/discharges"), sections_file_name);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -98,6 +99,11 @@ inline constexpr auto keys = [] {
        "interval between envelopes"},
       {"output/final state", text, optional, "", "",
        "file for the state at the end of the run, and where it is interrupted"},
+      {"output/maxima of flow", section, optional, "", "",
+       "largest depths, levels, speeds and discharges of the cells, and times"},
+      {"output/maxima of flow/file", text, always, "", "", "file for them"},
+      {"output/maxima of flow/arrival depth", number, optional, "0.05", "m",
+       "cells that are deeper are under water: it arrives then, and its time counts"},
       {"output/snapshots of flow", file, optional, "no snapshots", "s", "times of the snapshots"},
       {"output/gauges", file, optional, "no gauges", "s, m", "points whose flow is recorded"},
       {"output/discharges", file, optional, "no sections", "s",
@@ -109,6 +115,14 @@ inline constexpr auto keys = [] {
 constexpr const Key* find_key(std::string_view section, std::string_view name) {
   for (const Key& key : keys) {
     if (key.section() == section && key.name() == name) return &key;
+  }
+  return nullptr;
+}
+
+/// The key of the section of a key; null for one at the top.
+constexpr const Key* section_of(const Key& key) {
+  for (const Key& section : keys) {
+    if (section.path == key.section()) return &section;
   }
   return nullptr;
 }
@@ -130,6 +144,9 @@ double default_number(const Key& key);
 inline std::string empty_result_name(const Key& key) {
   return '"' + std::string(key.path) + "\" is empty, expected the name of a file";
 }
+
+/// What is wrong with an arrival depth (m); nothing if it is well.
+std::optional<std::string> fault_of_arrival_depth(double depth);
 
 /// The path of a name in a section, as messages name it.
 inline std::string path_of(const std::string& section, const std::string& name) {

@@ -170,6 +170,8 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report,
     files.results.push_back({"the report", report, true});
     files.results.push_back({"the snapshot of a failure", prefix + "failure.txt", true});
   }
+  const std::string maxima = text_at(document, key("output/maxima of flow/file"));
+  if (!maxima.empty()) files.results.push_back({"the maxima", prefix + maxima, true});
   const std::string final_state = text_at(document, key("output/final state"));
   if (!final_state.empty()) {
     files.results.push_back({"the final state", prefix + final_state, true});

@@ -61,6 +61,9 @@ void read_sediment(const utils::DataFileReader& reader, DataFile& data,
 void read_outputs(const utils::DataFileReader& reader, DataFile& data) {
   data.output_folder = reader.get_output_folder_path();
   data.dt_enveloppe = reader.get_dt_enveloppe();
+  if (reader.is_maxima()) {
+    data.maxima = MaximaRequest{reader.get_maxima_file(), reader.get_arrival_depth()};
+  }
   data.final_state = reader.get_final_state_file();
   data.pictures = reader.file(key("output/snapshots of flow"));
   data.gauges = reader.file(key("output/gauges"));

@@ -16,6 +16,7 @@ struct RunRequest {
   double envelope_interval = 0.0;            ///< s
   std::optional<physics::PlanPoint> origin;  ///< what was taken from all coordinates, m
   std::optional<std::string> final_state;    ///< file, in the folder of the results
+  std::optional<MaximaRequest> maxima;
   std::optional<SnapshotRequest> snapshots;
   std::optional<GaugeRequest> gauges;
   std::optional<SectionRequest> sections;

@@ -19,6 +19,7 @@
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
+#include "output/MaximaFile.hpp"
 #include "report/PhaseClock.hpp"
 #include "report/WaterLooks.hpp"
 #include "utils/WriterThread.hpp"
@@ -72,6 +73,7 @@ class Domain {
   void set_gauges();
   void set_pictures();
   void set_sections();
+  void set_maxima();
   void set_other_parameters();
   void warn_of_implausible_input();
 
@@ -149,6 +151,7 @@ class Domain {
 
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;
+  std::unique_ptr<MaximaFile> maxima_;
   std::unique_ptr<CMonitorSection> monitor_section;
 
   /// Null: no checkpoints. Its thread uses all that stands above.

@@ -46,6 +46,7 @@ void Domain::set_outputs() {
   next_enveloppe_time = case_.t_start;
   envelope_file_ = data_.output_folder + "enveloppe.txt";
   log << "  Maximum values will be recorded every: " << data_.dt_enveloppe << " s\n";
+  set_maxima();
   if (data_.final_state) {
     log << "  Final state: written to " << data_.output_folder << *data_.final_state << '\n';
   }
@@ -53,6 +54,14 @@ void Domain::set_outputs() {
   set_pictures();
   set_sections();
   utils::print_delimitator(log);
+}
+
+void Domain::set_maxima() {
+  if (!data_.maxima) return;
+  const std::string name = data_.output_folder + data_.maxima->result;
+  settings_.log << "  Maxima of the flow: written to " << name << ", under water from "
+                << data_.maxima->arrival_depth << " m on\n";
+  maxima_ = std::make_unique<MaximaFile>(name, case_.mesh);
 }
 
 void Domain::set_gauges() {
@@ -101,6 +110,7 @@ void Domain::set_other_parameters() {
   std::ostream& log = settings_.log;
   log << "Other parameters:\n";
   flow_ = fields::make_flow(case_, diagnostics_, settings_.flow);
+  if (data_.maxima) flow_->keep_maxima(data_.maxima->arrival_depth);
   const fields::FlowScales scales = flow_->scales();
   log << "  Largest initial water depth (h0): " << scales.h0 << '\n'
       << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'

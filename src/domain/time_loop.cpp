@@ -95,11 +95,13 @@ void Domain::fire_outputs() {
   if (picture_due) picture->WriteMeasure(*flow_);
   if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);
   if (enveloppe_due) write_enveloppe();
+  if (enveloppe_due && maxima_) maxima_->WriteMeasure(*flow_, clock_.t);
   outputs_done_ = clock_.t;
 }
 
 void Domain::write_results_of_the_end() {
   if (std::isnan(clock_.t)) return;  // the flow is lost with its time
+  if (maxima_) maxima_->WriteMeasure(*flow_, clock_.t);
   if (!data_.final_state) return;
   Snapshot snapshot(case_);
   snapshot.gather(*flow_);
@@ -109,13 +111,15 @@ void Domain::write_results_of_the_end() {
 void Domain::wait_for_writers() {
   if (gauge) gauge->wait();
   if (picture) picture->wait();
+  if (maxima_) maxima_->wait();
   if (monitor_section) monitor_section->wait();
   envelope_writer_.wait();
 }
 
 bool Domain::has_lost_a_result() const {
   return has_lost_snapshot_ || envelope_writer_.has_failed() || (gauge && gauge->has_failed()) ||
-         (picture && picture->has_failed()) || (monitor_section && monitor_section->has_failed());
+         (picture && picture->has_failed()) || (monitor_section && monitor_section->has_failed()) ||
+         (maxima_ && maxima_->has_failed());
 }
 
 void Domain::report_interruption() const {

@@ -53,7 +53,8 @@ Activity::Activity(const Tables& tables) {
     always_active_.push_back(has_inflow(tables, patch) || has_recovering_soil(tables, p));
   }
   find_rain(tables);
-  for (std::vector<int>* list : {&active_, &border_, &interior_}) list->reserve(count);
+  for (std::vector<int>* list : {&active_, &border_, &interior_, &gone_to_rest_})
+    list->reserve(count);
   with_fluxes_.reserve(count);
 }
 
@@ -69,6 +70,7 @@ void Activity::find(const Tables& tables, bool it_rains) {
   for (std::size_t p = 0; p < patches.size(); ++p) {
     marks_[p] = can_change_[p] != 0 || always_active_[p] != 0 || (it_rains && has_rain_[p] != 0);
   }
+  gone_to_rest_.swap(active_);  // those of the step before, for now
   active_.clear();
   for (std::size_t p = 0; p < patches.size(); ++p) {
     if (marks_[p] != 0 || takes_inflow(tables, patches[p])) active_.push_back(static_cast<int>(p));
@@ -79,6 +81,7 @@ void Activity::find(const Tables& tables, bool it_rains) {
     marks_[at(p)] = 1;
     (patches[at(p)].is_border ? border_ : interior_).push_back(p);
   }
+  std::erase_if(gone_to_rest_, [&](int p) { return takes_part(p); });
   with_fluxes_.clear();
   for (std::size_t p = 0; p < patches.size(); ++p) {
     if (marks_[p] != 0 || touches_mark(tables, patches[p])) {

@@ -20,6 +20,8 @@ class Activity {
   /// Those of them with cells that are ghosts of others, and the rest.
   const std::vector<int>& border_patches() const { return border_; }
   const std::vector<int>& interior_patches() const { return interior_; }
+  /// Patches that took part in the step before, and do not in this one.
+  const std::vector<int>& gone_to_rest() const { return gone_to_rest_; }
   /// Patches whose outer fluxes the step computes: those around every patch that takes part.
   const std::vector<int>& with_fluxes() const { return with_fluxes_; }
   bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
@@ -39,7 +41,7 @@ class Activity {
   std::vector<char> always_active_;  ///< per patch: inflow, or a soil that recovers
   std::vector<char> has_rain_;
   std::vector<char> marks_;
-  std::vector<int> active_, border_, interior_, with_fluxes_;
+  std::vector<int> active_, border_, interior_, with_fluxes_, gone_to_rest_;
 };
 
 }  // namespace engine

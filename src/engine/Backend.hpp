@@ -37,6 +37,9 @@ class Backend {
   virtual double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                          const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                          StepNotes* notes) = 0;
+  /// Notes the present states of patches in the maxima of the tables, as advance() does with those
+  /// before its step; for patches that take no part in it.
+  virtual void note_maxima(const std::vector<int>& patches) = 0;
   /// After all patches of a step: the state after it comes into force.
   virtual void finish_step(const Activity& activity) = 0;
   /// Whether the state of a patch is in force as soon as the patch is computed.

@@ -1,6 +1,8 @@
 #include "engine/Engine.hpp"
 
 #include <algorithm>
+#include <numeric>
+#include <stdexcept>
 #include <utility>
 
 #include "engine/host/HllBackend.hpp"
@@ -51,6 +53,10 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
   activity_.find(tables_, forcing_.it_rains());
+  if (tables_.maxima) {
+    tables_.maxima->t = times.t;
+    backend_->note_maxima(activity_.gone_to_rest());
+  }
   backend_->outer_fluxes(activity_.with_fluxes(), step_);
 
   // What others wait for comes first; it is on its way while the rest is computed.
@@ -129,6 +135,16 @@ void for_each_column(State& state, Tables& tables, const Visit& visit) {
   visit(state.qsx, c.qsx);
   visit(state.qsy, c.qsy);
   visit(state.dqs_dh, c.dqs_dh);
+  if (!tables.maxima) return;
+  auto& m = *tables.maxima;
+  visit(state.peak_depth, m.depth);
+  visit(state.time_of_peak, m.time_of_depth);
+  visit(state.peak_level, m.level);
+  visit(state.peak_speed_squared, m.speed_squared);
+  visit(state.peak_discharge_squared, m.discharge_squared);
+  visit(state.arrival_time, m.arrival);
+  visit(state.under_water_since, m.under_water_since);
+  visit(state.time_under_water, m.time_under_water);
 }
 
 }  // namespace
@@ -153,6 +169,9 @@ void Engine::save_column(const Column& column, std::vector<double>& values) {
 }
 
 void Engine::set_state(const State& state) {
+  if (tables_.maxima && state.peak_depth.empty()) {
+    throw std::invalid_argument("The state holds no maxima of the flow.");
+  }
   for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
     column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
     load_column(values, column);
@@ -164,6 +183,7 @@ void Engine::set_state(const State& state) {
   activity_.find_rain(tables_);
   activity_.wake_all();
   if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
+  if (tables_.maxima) tables_.maxima->forget_hints();
 }
 
 void Engine::load_column(const std::vector<double>& values, Column& column) const {
@@ -183,6 +203,7 @@ void Engine::set_water(std::span<const cases::Number> cells,
     if (!c.eta.empty()) c.eta[place] = c.bed[place] + water[i].h;
   }
   activity_.wake_all();
+  if (tables_.maxima) tables_.maxima->forget_hints();
 }
 
 void Engine::impose_on_boundary(int boundary, double value) {
@@ -220,6 +241,18 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
   }
   const std::size_t slot = at(tables_.first_boundary_slot() + number);
   return {tables_.outer.mass[slot], tables_.has_bed ? tables_.outer.bed[slot] : 0.0};
+}
+
+void Engine::keep_maxima(double arrival_depth) {
+  tables_.maxima.emplace(tables_.cells.h.size(), tables_.has_bed, arrival_depth);
+}
+
+void Engine::note_maxima(double t) {
+  if (!tables_.maxima) return;
+  tables_.maxima->t = t;
+  std::vector<int> all(tables_.patches.patches.size());
+  std::iota(all.begin(), all.end(), 0);
+  backend_->note_maxima(all);
 }
 
 void Engine::watch(double t) {

@@ -45,7 +45,8 @@ class Engine {
   State state();
   /// The same into a state that holds another one, whose memory is taken again.
   void save(State& state);
-  /// Together: puts such a state of the same case and subset in force.
+  /// Together: puts such a state of the same case and subset in force, which holds maxima where
+  /// they are kept; throws std::invalid_argument if it lacks them.
   void set_state(const State& state);
 
   // Between steps; the cells and boundaries are those of the case.
@@ -64,6 +65,13 @@ class Engine {
             std::span<double> values) const;
   /// What passed a boundary in the last step; nothing where it is not that of an owned cell.
   BoundaryInflow boundary_inflow(int boundary) const;
+
+  /// From now on, which is before the first step, the largest flow of every cell is kept, the
+  /// present one included; `arrival_depth` (m) as physics::FlowMaxima has it.
+  void keep_maxima(double arrival_depth);
+  /// Notes the present states, at their time (s): what is kept holds up to then. Steps note the
+  /// states that they begin with.
+  void note_maxima(double t);
 
   /// Together: from a time on (s) every step takes notes, of all ranks.
   void watch(double t);

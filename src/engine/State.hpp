@@ -20,6 +20,12 @@ struct State {
   std::vector<double> max_h;                 ///< largest depth so far, m
   std::vector<double> infiltrated;           ///< m
   std::vector<double> hs, qsx, qsy, dqs_dh;  ///< sediment: m, m2/s, m/s
+  // What is kept of the largest flow, see physics::FlowMaxima; empty where it is not asked for.
+  std::vector<double> peak_depth, time_of_peak;  ///< m, s
+  std::vector<double> peak_level;                ///< m; empty where the bed does not move
+  std::vector<double> peak_speed_squared;        ///< m2/s2
+  std::vector<double> peak_discharge_squared;    ///< m4/s2
+  std::vector<double> arrival_time, under_water_since, time_under_water;  ///< s
   std::vector<physics::RainClock> rain_clocks;
   // What a caller imposes in place of the case; nothing where it is NaN, or the column empty.
   std::vector<double> imposed_on_boundaries;  ///< of the case, m2/s or m
@@ -33,9 +39,24 @@ struct State {
 };
 
 /// The columns of the flow in the cells, for who saves, compares or cuts states.
-inline constexpr std::vector<double> State::*columns_of_flow[] = {
-    &State::h,           &State::qx, &State::qy,  &State::eta, &State::max_h,
-    &State::infiltrated, &State::hs, &State::qsx, &State::qsy, &State::dqs_dh};
+inline constexpr std::vector<double> State::*columns_of_flow[] = {&State::h,
+                                                                  &State::qx,
+                                                                  &State::qy,
+                                                                  &State::eta,
+                                                                  &State::max_h,
+                                                                  &State::infiltrated,
+                                                                  &State::hs,
+                                                                  &State::qsx,
+                                                                  &State::qsy,
+                                                                  &State::dqs_dh,
+                                                                  &State::peak_depth,
+                                                                  &State::time_of_peak,
+                                                                  &State::peak_level,
+                                                                  &State::peak_speed_squared,
+                                                                  &State::peak_discharge_squared,
+                                                                  &State::arrival_time,
+                                                                  &State::under_water_since,
+                                                                  &State::time_under_water};
 
 template <class Self, class Visit>
 void State::visit_parts(Self& self, const Visit& visit) {

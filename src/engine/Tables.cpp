@@ -86,7 +86,7 @@ std::size_t Tables::bytes() const {
          bytes_of(p.edge_number, p.cut_edge_number, p.boundary_edge, p.slots[0], p.slots[1],
                   p.slots[2], p.patches, p.neighbours, p.outer_slots) +
          bytes_of(outer.mass, outer.momentum_x, outer.momentum_y, outer.bed) +
-         (hll ? hll->bytes() : 0);
+         (hll ? hll->bytes() : 0) + (maxima ? maxima->bytes() : 0);
 }
 
 }  // namespace engine

@@ -7,6 +7,7 @@
 
 #include "case/Case.hpp"
 #include "engine/HllTables.hpp"
+#include "engine/MaximaTable.hpp"
 #include "engine/Patches.hpp"
 #include "engine/Subset.hpp"
 #include "kernels/boundary.hpp"
@@ -74,7 +75,8 @@ struct Tables {
   std::vector<Soil> soils;
   std::vector<std::vector<int>> soils_of_patch;  ///< empty without soils
 
-  std::optional<HllTables> hll;  ///< of a case that asks for one of these schemes
+  std::optional<HllTables> hll;       ///< of a case that asks for one of these schemes
+  std::optional<MaximaTable> maxima;  ///< of a run that asks for them
 
   int cells_per_patch() const { return patches.patches.front().cells.size(); }
   int cut_edges() const { return static_cast<int>(patches.cut_edges.left.size()); }

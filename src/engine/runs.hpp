@@ -8,4 +8,7 @@ namespace engine {
 /// lengths.
 inline constexpr int cells_of_shortest = 64;
 
+/// Number of cells that the loops over the cells of a patch take at once.
+inline constexpr int cells_of_block = 4 * cells_of_shortest;
+
 }  // namespace engine

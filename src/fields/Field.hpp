@@ -16,23 +16,31 @@ enum class Field {
   bed_level,
   sediment_thickness,
   bed_load_x,
-  bed_load_y
+  bed_load_y,
+  // Maxima of the flow, where a run keeps them, see physics::FlowMaxima; no number where not.
+  peak_depth,
+  peak_level,
+  peak_speed,
+  peak_discharge,  ///< of the unit discharge, which is the product of depth and speed
+  time_of_peak,    ///< of the depth
+  arrival_time,
+  time_under_water
 };
 
-/// Which snapshots have a column of a field.
-enum class InSnapshots { never, always, with_infiltration, with_sediments };
+/// Which snapshots have a column of a field, or whether the table of maxima has one.
+enum class InSnapshots { never, always, with_infiltration, with_sediments, in_maxima_instead };
 
 struct FieldInfo {
   Field field;
   const char* quantity;  ///< for messages; the components of a vector share it
-  const char* column;    ///< header in the snapshots; empty: not in them
+  const char* column;    ///< header in the tables that hold it; empty: in none
   InSnapshots presence;
   const char* unit;
   bool is_depth;     ///< never below zero
   bool is_of_state;  ///< a cell has lost its state where it is no number
 };
 
-inline constexpr std::array<FieldInfo, 9> field_table = {{
+inline constexpr std::array<FieldInfo, 16> field_table = {{
     {Field::depth, "depth", "h", InSnapshots::always, "m", true, true},
     {Field::discharge_x, "unit discharge", "qx", InSnapshots::always, "m2/s", false, true},
     {Field::discharge_y, "unit discharge", "qy", InSnapshots::always, "m2/s", false, true},
@@ -46,16 +54,34 @@ inline constexpr std::array<FieldInfo, 9> field_table = {{
      false},
     {Field::bed_load_y, "sediment discharge", "qsy", InSnapshots::with_sediments, "m2/s", false,
      false},
+    {Field::peak_depth, "peak depth", "h_max", InSnapshots::in_maxima_instead, "m", true, false},
+    {Field::peak_level, "peak level", "level_max", InSnapshots::in_maxima_instead, "m", false,
+     false},
+    {Field::peak_speed, "peak speed", "v_max", InSnapshots::in_maxima_instead, "m/s", false, false},
+    {Field::peak_discharge, "peak unit discharge", "q_max", InSnapshots::in_maxima_instead, "m2/s",
+     false, false},
+    {Field::time_of_peak, "time of the peak depth", "t_h_max", InSnapshots::in_maxima_instead, "s",
+     false, false},
+    {Field::arrival_time, "time of arrival", "t_arrival", InSnapshots::in_maxima_instead, "s",
+     false, false},
+    {Field::time_under_water, "time under water", "t_wet", InSnapshots::in_maxima_instead, "s",
+     false, false},
 }};
 
 constexpr const FieldInfo& info(Field field) {
   return field_table[static_cast<std::size_t>(field)];
 }
 
+/// Whether a field is one of the maxima that a run may keep.
+constexpr bool is_of_maxima(const FieldInfo& info) {
+  return info.presence == InSnapshots::in_maxima_instead;
+}
+
 /// Whether the snapshots of a run have a column of a field.
 constexpr bool is_in_snapshots(const FieldInfo& info, bool has_sediments, bool has_infiltration) {
   switch (info.presence) {
     case InSnapshots::never:
+    case InSnapshots::in_maxima_instead:
       return false;
     case InSnapshots::always:
       return true;

@@ -77,6 +77,13 @@ class Flow {
   virtual FlowSurvey survey() const = 0;
   virtual ExecutionPath execution_path() const = 0;
 
+  /// From now on the maxima of the flow are kept, with the states that steps begin with.
+  /// `arrival_depth` (m): deeper cells are under water. To be called before the first step.
+  virtual void keep_maxima(double arrival_depth) = 0;
+  /// The present states count, too, at their time (s): the maxima to be read hold up to then.
+  /// Without effect where none are kept.
+  virtual void note_maxima(double t) = 0;
+
   /// From now on every step takes notes for a report. To be called before the first step.
   virtual void watch() = 0;
   virtual const physics::StepNotes& notes() const = 0;

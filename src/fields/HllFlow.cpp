@@ -4,6 +4,7 @@
 
 #include "fields/flow_survey.hpp"
 #include "fields/nothing_imposed.hpp"
+#include "fields/maxima_values.hpp"
 
 namespace fields {
 
@@ -26,6 +27,7 @@ FlowScales HllFlow::scales() const {
 }
 
 double HllFlow::advance(const StepTimes& times) {
+  note_maxima(times.t);
   walk_.advance(times.t, times.dt);
   const HllWalk::StepBound bound = walk_.step_bound(times.t + times.dt, notes_.limiting_cell);
   if (is_watched_) note_states(bound.cell);
@@ -53,6 +55,14 @@ double HllFlow::value(Field field, Number cell) const {
       return value_or_zero(water.qsx, cell);
     case Field::bed_load_y:
       return value_or_zero(water.qsy, cell);
+    case Field::peak_depth:
+    case Field::peak_level:
+    case Field::peak_speed:
+    case Field::peak_discharge:
+    case Field::time_of_peak:
+    case Field::arrival_time:
+    case Field::time_under_water:
+      return maxima_ ? value_of(field, maxima_->of(cell), maxima_->t()) : NAN;
   }
   return 0.0;
 }
@@ -131,6 +141,7 @@ void HllFlow::save(engine::State& state) const {
     state.qsy = water.qsy;
     state.dqs_dh.assign(water.h.size(), 0.0);  // of the other scheme
   }
+  if (maxima_) maxima_->save(state, case_.has_sediments);
   state.rain_clocks = walk_.rain_clocks();
 }
 
@@ -148,6 +159,9 @@ void HllFlow::load(const engine::State& state) {
     water.qsy = state.qsy;
   }
   walk_.set_water(std::move(water), state.rain_clocks);
+  if (!maxima_) return;
+  maxima_->load(state, case_.has_sediments,
+                [&](Number cell, double depth) { return walk_.bed(cell) + depth; });
 }
 
 void HllFlow::save_notes(engine::SavedNotes& notes) const {

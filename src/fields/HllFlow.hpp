@@ -1,7 +1,10 @@
 // The flow where a scheme walks the cells of a case one by one.
 #pragma once
 
+#include <optional>
+
 #include "fields/Flow.hpp"
+#include "fields/WalkedMaxima.hpp"
 #include "model/HllWalk.hpp"
 
 namespace fields {
@@ -22,6 +25,13 @@ class HllFlow : public Flow {
   FlowSurvey survey() const override;
   ExecutionPath execution_path() const override { return {"objects", 1, "that of the build"}; }
 
+  void keep_maxima(double arrival_depth) override {
+    maxima_.emplace(walk_.water().h.size(), case_.zero_depth, arrival_depth);
+  }
+  void note_maxima(double t) override {
+    if (maxima_) maxima_->note(t, *this);
+  }
+
   void watch() override;
   const physics::StepNotes& notes() const override { return notes_; }
   UnseenDepth unseen_depth(cases::Number cell) const override;
@@ -39,6 +49,7 @@ class HllFlow : public Flow {
 
   const cases::Case& case_;
   HllWalk walk_;
+  std::optional<WalkedMaxima> maxima_;  ///< nothing: nobody asks
   bool is_watched_ = false;
   physics::StepNotes notes_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fields/flow_survey.hpp"
+#include "fields/maxima_values.hpp"
 #include "fields/nothing_imposed.hpp"
 #include "globals/Globals.hpp"
 #include "interfaces/SedFluxCLHLLC.hpp"
@@ -13,30 +14,6 @@ namespace fields {
 using cases::Number;
 
 namespace {
-
-double value_of(const ComputationalCell& cell, Field field) {
-  switch (field) {
-    case Field::depth:
-      return cell.U.h;
-    case Field::discharge_x:
-      return cell.U.qx;
-    case Field::discharge_y:
-      return cell.U.qy;
-    case Field::largest_depth:
-      return cell.max_values.h;
-    case Field::infiltrated_depth:
-      return cell.param.infiltrated_depth;
-    case Field::bed_level:
-      return cell.bed_level;
-    case Field::sediment_thickness:
-      return cell.U.hs;
-    case Field::bed_load_x:
-      return cell.U.qsx;
-    case Field::bed_load_y:
-      return cell.U.qsy;
-  }
-  return 0.0;
-}
 
 ModelObjects objects_of(const cases::Case& contents) {
   Globals::t = Globals_Params::tStart = contents.t_start;
@@ -86,11 +63,45 @@ bool has_term(const ComputationalCell& cell, const SourceTerm& term) {
 ObjectsFlow::ObjectsFlow(const cases::Case& contents)
     : objects_(objects_of(contents)), model_(*objects_.model) {}
 
+double ObjectsFlow::value(Field field, Number number) const {
+  const ComputationalCell& of = cell(number);
+  switch (field) {
+    case Field::depth:
+      return of.U.h;
+    case Field::discharge_x:
+      return of.U.qx;
+    case Field::discharge_y:
+      return of.U.qy;
+    case Field::largest_depth:
+      return of.max_values.h;
+    case Field::infiltrated_depth:
+      return of.param.infiltrated_depth;
+    case Field::bed_level:
+      return of.bed_level;
+    case Field::sediment_thickness:
+      return of.U.hs;
+    case Field::bed_load_x:
+      return of.U.qsx;
+    case Field::bed_load_y:
+      return of.U.qsy;
+    case Field::peak_depth:
+    case Field::peak_level:
+    case Field::peak_speed:
+    case Field::peak_discharge:
+    case Field::time_of_peak:
+    case Field::arrival_time:
+    case Field::time_under_water:
+      return maxima_ ? value_of(field, maxima_->of(number), maxima_->t()) : NAN;
+  }
+  return 0.0;
+}
+
 double ObjectsFlow::advance(const StepTimes& times) {
   Globals::t = times.t;
   Globals::dt = times.dt;
   Globals_Params::tStart = times.t_start;
   Globals_Params::tEnd = times.t_end;
+  note_maxima(times.t);
   const double step = model_.computeFlowStep();
   has_stepped_ = true;
   if (watch_) watch_->note_states(step);
@@ -98,11 +109,11 @@ double ObjectsFlow::advance(const StepTimes& times) {
 }
 
 void ObjectsFlow::read(Field field, std::span<double> values) const {
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = value_of(*model_.cells[i], field);
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = value(field, static_cast<Number>(i));
 }
 
 void ObjectsFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
-  for (std::size_t i = 0; i < cells.size(); ++i) values[i] = value_of(cell(cells[i]), field);
+  for (std::size_t i = 0; i < cells.size(); ++i) values[i] = value(field, cells[i]);
 }
 
 CellState ObjectsFlow::state(Number number) const {
@@ -122,6 +133,10 @@ FlowSurvey ObjectsFlow::survey() const {
   };
   return survey_flow(static_cast<Number>(model_.cells.size()), Constants::ZERO_DEPTH, state_of,
                      state_of, center_of);
+}
+
+void ObjectsFlow::keep_maxima(double arrival_depth) {
+  maxima_.emplace(model_.cells.size(), Constants::ZERO_DEPTH, arrival_depth);
 }
 
 void ObjectsFlow::watch() {
@@ -161,6 +176,7 @@ void ObjectsFlow::save(engine::State& state) const {
     }
   }
   state.has_told_not_hyperbolic = has_told_not_hyperbolic();
+  if (maxima_) maxima_->save(state, has_sediments());
 }
 
 void ObjectsFlow::load(const engine::State& state) {
@@ -185,6 +201,10 @@ void ObjectsFlow::load(const engine::State& state) {
     }
   }
   if (state.has_told_not_hyperbolic) tell_not_hyperbolic_no_more();
+  if (!maxima_) return;
+  maxima_->load(state, has_sediments(), [&](cases::Number number, double depth) {
+    return cell(number).bed_level + depth;
+  });
 }
 
 void ObjectsFlow::save_notes(engine::SavedNotes& notes) const {

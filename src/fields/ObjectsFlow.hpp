@@ -2,10 +2,12 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "fields/Flow.hpp"
 #include "fields/StepWatch.hpp"
+#include "fields/WalkedMaxima.hpp"
 #include "model/PhysicalModel.hpp"
 #include "model/build_objects.hpp"
 
@@ -33,6 +35,11 @@ class ObjectsFlow : public Flow {
   FlowSurvey survey() const override;
   ExecutionPath execution_path() const override { return {"objects", 1, "that of the build"}; }
 
+  void keep_maxima(double arrival_depth) override;
+  void note_maxima(double t) override {
+    if (maxima_) maxima_->note(t, *this);
+  }
+
   void watch() override;
   const physics::StepNotes& notes() const override { return watch_->notes(); }
   UnseenDepth unseen_depth(cases::Number cell) const override { return watch_->unseen_depth(cell); }
@@ -47,14 +54,16 @@ class ObjectsFlow : public Flow {
   /// What belongs to a state besides h, qx, qy and the largest depths.
   bool has_sediments() const;
   bool has_soils() const { return !objects_.soils.empty(); }
+  double value(Field field, cases::Number number) const;
   const ComputationalCell& cell(cases::Number number) const {
     return *model_.cells[cases::at(number)];
   }
 
   ModelObjects objects_;  ///< empty where the model is somebody else's
   PhysicalModel& model_;
-  bool has_stepped_ = false;          ///< the free surface is bed and depth from then on
-  std::unique_ptr<StepWatch> watch_;  ///< null: no step takes notes
+  bool has_stepped_ = false;  ///< the free surface is bed and depth from then on
+  std::optional<WalkedMaxima> maxima_;               ///< nothing: nobody asks
+  std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
   std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched
 };
 

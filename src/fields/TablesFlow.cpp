@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "fields/flow_survey.hpp"
+#include "fields/maxima_values.hpp"
 #include "utils/not_hyperbolic.hpp"
 
 namespace fields {
@@ -45,12 +46,32 @@ const engine::Column* TablesFlow::column_of(Field field) const {
       return if_kept(cells.qsy);
     case Field::largest_depth:
       return &cells.max_h;
+    case Field::peak_depth:
+    case Field::peak_level:
+    case Field::peak_speed:
+    case Field::peak_discharge:
+    case Field::time_of_peak:
+    case Field::arrival_time:
+    case Field::time_under_water:
+      return nullptr;  // see of_maxima
   }
   return nullptr;
 }
 
+double TablesFlow::of_maxima(Field field, cases::Number cell) const {
+  const engine::Tables& tables = engine_.tables();
+  if (!tables.maxima) return NAN;
+  const auto place = static_cast<std::size_t>(tables.place[cases::at(cell)]);
+  return value_of(field, tables.maxima->at_place(place, tables.cells.bed[place], tables.zero_depth),
+                  tables.maxima->t);
+}
+
 void TablesFlow::read(Field field, std::span<double> values) const {
-  if (const engine::Column* const column = column_of(field)) {
+  if (is_of_maxima(info(field))) {
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      values[i] = of_maxima(field, static_cast<cases::Number>(i));
+    }
+  } else if (const engine::Column* const column = column_of(field)) {
     engine_.read(*column, values);
   } else if (field == Field::infiltrated_depth && !case_.fields.infiltrated.empty()) {
     std::copy(case_.fields.infiltrated.begin(), case_.fields.infiltrated.end(), values.begin());
@@ -61,6 +82,10 @@ void TablesFlow::read(Field field, std::span<double> values) const {
 
 void TablesFlow::read(Field field, std::span<const cases::Number> cells,
                       std::span<double> values) const {
+  if (is_of_maxima(info(field))) {
+    for (std::size_t i = 0; i < cells.size(); ++i) values[i] = of_maxima(field, cells[i]);
+    return;
+  }
   if (const engine::Column* const column = column_of(field)) {
     engine_.read(*column, cells, values);
     return;

@@ -30,6 +30,10 @@ class TablesFlow : public Flow {
   FlowSurvey survey() const override;
   ExecutionPath execution_path() const override;
 
+  void keep_maxima(double arrival_depth) override { engine_.keep_maxima(arrival_depth); }
+  bool keeps_maxima() const { return engine_.tables().maxima.has_value(); }
+  void note_maxima(double t) override { engine_.note_maxima(t); }
+
   void watch() override { engine_.watch(case_.t_start); }
   const physics::StepNotes& notes() const override { return engine_.notes(); }
   UnseenDepth unseen_depth(cases::Number cell) const override;
@@ -45,6 +49,7 @@ class TablesFlow : public Flow {
  private:
   /// The column that holds a field; null: all cells have what the case says, or 0.
   const engine::Column* column_of(Field field) const;
+  double of_maxima(Field field, cases::Number cell) const;
 
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;

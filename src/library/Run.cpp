@@ -81,6 +81,7 @@ double Simulation::Run::inflow(int boundary) const {
 
 void Simulation::Run::set_water(std::span<const cases::Number> cells,
                                 std::span<const physics::InitialWater> water) {
+  note_maxima();
   flow_->engine().set_water(cells, water);
   has_other_water_ = true;
 }
@@ -94,7 +95,14 @@ void Simulation::Run::set_boundary(int boundary, double value) {
   flow_->engine().impose_on_boundary(boundary, value);
 }
 
+void Simulation::Run::keep_maxima(double arrival_depth) {
+  if (clock_.steps > 0)
+    throw Error("Maxima are kept from the start: ask for them before the steps.");
+  flow_->keep_maxima(arrival_depth);
+}
+
 State Simulation::Run::save() {
+  note_maxima();
   engine::State state;
   flow_->save(state);
   return bytes_of({clock(), state});
@@ -104,6 +112,11 @@ void Simulation::Run::load(const State& bytes) {
   const SavedState state = state_of(bytes);
   engine::State present;
   flow_->save(present);
+  if (state.flow.peak_depth.empty() != present.peak_depth.empty()) {
+    throw Error(present.peak_depth.empty()
+                    ? "The state holds maxima of the flow, which this simulation does not keep."
+                    : "The state holds no maxima of the flow, which this simulation keeps.");
+  }
   if (!engine::fits(state.flow, present, case_)) {
     throw Error("The state is that of another case.");
   }

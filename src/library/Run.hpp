@@ -49,6 +49,9 @@ class Simulation::Run {
                  std::span<const physics::InitialWater> water);
   void set_rain(std::span<const cases::Number> cells, std::span<const double> intensities);
   void set_boundary(int boundary, double value);
+  void keep_maxima(double arrival_depth);
+  /// Brings the maxima up to the present time, where they are kept.
+  void note_maxima() { flow_->note_maxima(clock_.t); }
 
   State save();
   /// Throws an Error where the state is none of this case.

@@ -103,7 +103,14 @@ void Simulation::read(Field field, std::span<double> values) const {
   const auto number = static_cast<std::size_t>(field);
   if (number >= fields::field_table.size()) refuse("field", "none", "one of Field");
   require_count("field", values.size(), at(number_of_cells()));
-  run_->flow().read(fields::field_table[number].field, values);
+  const fields::FieldInfo& info = fields::field_table[number];
+  if (fields::is_of_maxima(info)) {
+    if (!run_->flow().keeps_maxima()) {
+      throw Error("The " + std::string(info.quantity) + " is not kept: ask by keep_maxima().");
+    }
+    run_->note_maxima();
+  }
+  run_->flow().read(info.field, values);
 }
 
 double Simulation::inflow(int edge) const {
@@ -170,6 +177,11 @@ void Simulation::set_boundary(int edge, double value) {
   }
   require_finite("boundary", value);
   run_->set_boundary(boundary, value);
+}
+
+void Simulation::keep_maxima(double arrival_depth) {
+  require_positive_or_zero("arrival depth", arrival_depth);
+  guarded([&] { run_->keep_maxima(arrival_depth); });
 }
 
 State Simulation::save() const { return run_->save(); }

@@ -189,7 +189,7 @@ class WriteCase : public testing::Test {
 
   const std::filesystem::path here = std::filesystem::current_path();
   support::TemporaryFolder folder;
-  cases::RunRequest run{"a \"case\"", "out/", third, {}, {}, {}, {}, {}};
+  cases::RunRequest run{"a \"case\"", "out/", third, {}, {}, {}, {}, {}, {}};
   CollectedMessages messages;
   std::string last;
 };
@@ -217,6 +217,7 @@ TEST_F(WriteCase, WhatIsEmptyIsLeftOut) {
 TEST_F(WriteCase, RequestsReadBackToTheirBits) {
   run.origin = {far, -third};
   run.final_state = "end of \"it\".txt";
+  run.maxima = {"largest.txt", third};
   run.snapshots = {{0.0, third, far}};
   run.gauges = {"points.txt", sum, {{far, third}, {-0.0, tiny}}};
   run.sections = {"lines.txt", 60.0 * third, {{1, 5}, {}}};
@@ -226,6 +227,8 @@ TEST_F(WriteCase, RequestsReadBackToTheirBits) {
   EXPECT_EQ(found.data.output_folder, run.output_folder);
   EXPECT_EQ(found.data.dt_enveloppe, run.envelope_interval);
   EXPECT_EQ(found.data.final_state, run.final_state);
+  EXPECT_EQ(found.data.maxima->result, "largest.txt");
+  expect_same({found.data.maxima->arrival_depth}, {third});
   const auto origin = utils::DataFileReader("data.json").get_mesh_origin();
   expect_same({origin[0], origin[1]}, {far, -third});
 

@@ -8,6 +8,7 @@
 #include "kernels/columns.hpp"
 #include "kernels/edge.hpp"
 #include "kernels/hll.hpp"
+#include "kernels/maxima.hpp"
 #include "kernels/soil.hpp"
 
 namespace device_check {
@@ -160,6 +161,25 @@ QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cel
   add(results, after.crossing_rate + after.taken_discharge + after.max_h);
 }
 
+QM_HD inline void add_maxima_bodies(Results& results, TwoCells& c) {
+  double kept[8][2] = {};
+  for (int i = 0; i < 2; ++i) kept[6][i] = NAN;  // it is not under water
+  const kernels::MaximaColumns maxima = {kept[0], kept[1], kept[2], kept[3],
+                                         kept[4], kept[5], kept[6], kept[7]};
+  const kernels::MaximaValues values = {3.0, zero_depth, 0.05};
+  const kernels::CellColumns cells = columns_of(c, false);
+  for (int i = 0; i < 2; ++i) {
+    const kernels::MaximaNews news = kernels::news_of_state(cells, maxima, i, values);
+    add(results, (news.speed ? 1 : 0) + (news.discharge ? 2 : 0) + (news.is_under ? 4 : 0));
+    kernels::note_depth(cells, maxima, i, values.t);
+    kernels::note_level(cells, maxima, i, zero_depth);
+    kernels::note_discharge(cells, maxima, i, zero_depth);
+    kernels::note_speed(cells, maxima, i, zero_depth);
+    kernels::note_time_under_water(cells, maxima, i, values);
+    for (const auto& column : kept) add(results, column[i] == column[i] ? column[i] : -1.0);
+  }
+}
+
 /// Every body on the cells of that number.
 QM_HD inline Results every_body(std::uint64_t number) {
   Results results = {};
@@ -203,6 +223,7 @@ QM_HD inline Results every_body(std::uint64_t number) {
                                                        slots_of(c, 0), step));
   TwoCells triangles = before;
   add_hll_bodies(results, random, triangles, edge, step);
+  add_maxima_bodies(results, c);
   return results;
 }
 

@@ -16,6 +16,7 @@
 #include "physics/cell_update_swe.hpp"
 #include "physics/edge_frame.hpp"
 #include "physics/flow_extremes.hpp"
+#include "physics/flow_maxima.hpp"
 #include "physics/flux_clhllc.hpp"
 #include "physics/flux_lhllc.hpp"
 #include "physics/friction_manning.hpp"
@@ -258,6 +259,16 @@ QM_HD inline void add_update(Results& results, Random& random, const physics::Ce
   add(results, extremes.speed_squared);
   add(results, physics::froude_number(extremes.speed_squared_per_depth));
   add(results, physics::is_film(swe.h, swe.qx, swe.qy, zero_depth) ? 1.0 : 0.0);
+  physics::FlowMaxima kept;
+  for (const double part : {0.5, 1.0, 0.1}) {
+    kept = physics::with_state(kept, part, part * swe.h, swe.qx, part * swe.qy, water.zb,
+                               zero_depth, 0.05);
+  }
+  const auto number = [](double value) { return value == value ? value : -1.0; };
+  add(results, kept.depth);
+  add(results, number(kept.time_of_depth) + number(kept.level));
+  add(results, kept.speed_squared + kept.discharge_squared);
+  add(results, number(kept.arrival) + physics::time_under_water_until(kept, dt));
   const double step = physics::stable_step(swe.h, swe.qx, swe.qy, dt, zero_depth);
   add(results, physics::stable_step_domain(step, dt));
   add(results, physics::stable_step_dry(dt, water.h, zero_depth));

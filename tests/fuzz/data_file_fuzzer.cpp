@@ -31,9 +31,11 @@ void ask_for_everything(const utils::DataFileReader& reader) {
       &Reader::get_hyetocells_file, &Reader::is_infiltration, &Reader::get_infiltration_file,
       &Reader::get_infiltracells_file, &Reader::is_initial_infiltration,
       &Reader::get_initial_infiltration_file, &Reader::is_extensions,
-      &Reader::get_output_folder_path, &Reader::get_dt_enveloppe, &Reader::is_pictures,
-      &Reader::get_pictures_file, &Reader::is_gauges, &Reader::get_gauges_file,
-      &Reader::is_discharge_check, &Reader::get_discharge_file, &Reader::key_uses);
+      &Reader::get_output_folder_path, &Reader::get_dt_enveloppe, &Reader::get_final_state_file,
+      &Reader::is_maxima, &Reader::get_maxima_file, &Reader::get_arrival_depth,
+      &Reader::is_pictures, &Reader::get_pictures_file, &Reader::is_gauges,
+      &Reader::get_gauges_file, &Reader::is_discharge_check, &Reader::get_discharge_file,
+      &Reader::key_uses);
 }
 
 }  // namespace

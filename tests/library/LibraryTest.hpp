@@ -23,6 +23,12 @@ inline constexpr quillmere::Field all_fields[] = {quillmere::Field::depth,
                                                   quillmere::Field::bed_load_x,
                                                   quillmere::Field::bed_load_y};
 
+inline constexpr quillmere::Field maxima_fields[] = {
+    quillmere::Field::peak_depth,      quillmere::Field::peak_level,
+    quillmere::Field::peak_speed,      quillmere::Field::peak_discharge,
+    quillmere::Field::time_of_peak,    quillmere::Field::arrival_time,
+    quillmere::Field::time_under_water};
+
 /// All that can be seen of a simulation, bit for bit.
 using Sight = std::pair<std::vector<double>, std::vector<std::vector<double>>>;
 

@@ -236,9 +236,14 @@ TEST(SimulationOfArrays, FindsTheCellsOfPoints) {
 }
 
 TEST(SimulationFields, AreThoseOfTheRegistry) {
-  ASSERT_EQ(std::size(all_fields), fields::field_table.size());
-  for (std::size_t k = 0; k < std::size(all_fields); ++k) {
-    EXPECT_EQ(static_cast<std::size_t>(all_fields[k]), k);
+  ASSERT_EQ(std::size(all_fields) + std::size(maxima_fields), fields::field_table.size());
+  std::size_t k = 0;
+  const auto expect_next = [&](quillmere::Field field, bool is_of_maxima) {
+    EXPECT_EQ(static_cast<std::size_t>(field), k);
     EXPECT_EQ(static_cast<std::size_t>(fields::field_table[k].field), k);
-  }
+    EXPECT_EQ(fields::is_of_maxima(fields::field_table[k]), is_of_maxima);
+    ++k;
+  };
+  for (const quillmere::Field field : all_fields) expect_next(field, false);
+  for (const quillmere::Field field : maxima_fields) expect_next(field, true);
 }

@@ -33,7 +33,9 @@ class NotHyperbolicOnRanks : public RanksInProcess {
   };
 
   engine::State state_with(std::size_t cell_not_hyperbolic) {
-    engine::State state = engine::Engine(contents_, 1, 64).state();
+    engine::Engine alone(contents_, 1, 64);
+    alone.keep_maxima(arrival_depth);
+    engine::State state = alone.state();
     state.h[cell_not_hyperbolic] = state.eta[cell_not_hyperbolic] = 0.5;
     state.dqs_dh[cell_not_hyperbolic] = 1e3;
     return state;

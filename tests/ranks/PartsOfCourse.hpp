@@ -19,6 +19,7 @@ using engine::at;
 
 inline constexpr double t_end = support::basin_t_end;
 inline constexpr double courant = 0.4;
+inline constexpr double arrival_depth = 0.3;  // m
 
 using Options = support::BasinOptions;
 
@@ -38,6 +39,7 @@ class PartsOfCourse : public testing::Test {
   static Course run_alone(const cases::Case& contents, int steps) {
     Course course;
     engine::Engine engine(contents, 2, 64);
+    engine.keep_maxima(arrival_depth);
     double t = 0.0, next = courant * engine.stable_step(0.0);
     for (int step = 0; step <= steps; ++step) {
       course.states.push_back(engine.state());

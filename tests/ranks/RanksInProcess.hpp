@@ -22,6 +22,7 @@ class RanksInProcess : public PartsOfCourse {
       members.emplace_back([&, rank] {
         engine::Engine engine(contents, subsets[at(rank)], group.exchange(rank), threads,
                               cells_per_patch);
+        engine.keep_maxima(arrival_depth);
         body(rank, engine);
       });
     }

@@ -99,6 +99,7 @@ TEST_F(RanksInProcess, GiveTheSameBitsHoweverLateTheirMessagesCome) {
         members.emplace_back([&, rank] {
           DelayedExchange exchange(group.exchange(rank), static_cast<unsigned>(17 * count + rank));
           engine::Engine engine(contents, subsets[at(rank)], exchange, 1, 64);
+          engine.keep_maxima(arrival_depth);
           expect_same_steps(contents, expected, subsets[at(rank)], engine, 0);
         });
       }
@@ -134,6 +135,7 @@ TEST_F(RanksInProcess, GoOnFromAnyState) {
 TEST_F(RanksInProcess, TakeTheFreeSurfaceThatAStateGives) {
   const cases::Case contents = basin({});
   engine::Engine alone(contents, 1, 64);
+  alone.keep_maxima(arrival_depth);
   engine::State given = alone.state();
   for (std::size_t cell = 0; cell < given.eta.size(); ++cell) {
     given.eta[cell] += 1e-3 * static_cast<double>(cell % 7);

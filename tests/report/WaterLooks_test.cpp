@@ -28,6 +28,8 @@ class ToldFlow : public fields::Flow {
   }
   fields::FlowSurvey survey() const override { return {}; }
   fields::ExecutionPath execution_path() const override { return {"told", 1, ""}; }
+  void keep_maxima(double) override {}
+  void note_maxima(double) override {}
   void watch() override {}
   const physics::StepNotes& notes() const override { return notes_; }
   fields::UnseenDepth unseen_depth(Number) const override { return {}; }

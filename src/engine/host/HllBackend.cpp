@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/host/note_maxima.hpp"
 #include "physics/stable_step.hpp"
 
 namespace engine {
@@ -59,7 +60,12 @@ double HllBackend::advance(const std::vector<int>& patches, const kernels::StepV
   return physics::step_of_crossing_rate(rate);
 }
 
+void HllBackend::note_maxima(const std::vector<int>& patches) {
+  note_maxima_of_patches(patches, tables_, team_, loops_);
+}
+
 void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
+  note_maxima_of_patch(number, tables_, loops_);
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const Range own = tables_.patches.patches[at(number)].cells;
   const kernels::CellColumns cells = tables_.columns();
@@ -99,7 +105,8 @@ void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
       demand,
       tables_.hll->after(),
       extremes,
-      step.notes != nullptr ? &step.notes->taken_discharge[at(own.begin)] : nullptr};
+      step.notes != nullptr ? &step.notes->taken_discharge[at(own.begin)] : nullptr,
+      hints_of_patch(number, tables_)};
   HllAdvance after = loops_.hll.advance(cells, own_cells, step.values);
   if (tables_.has_bed) {
     after.crossing_rate =

@@ -21,6 +21,7 @@ class HllBackend : public Backend {
   double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                  const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                  StepNotes* notes) override;
+  void note_maxima(const std::vector<int>& patches) override;
   void finish_step(const Activity& activity) override;
   bool works_in_place() const override { return false; }
   std::optional<NotHyperbolic> not_hyperbolic() const override { return {}; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "engine/host/note_maxima.hpp"
 #include "kernels/cell.hpp"
 
 namespace engine {
@@ -89,8 +90,13 @@ double HostBackend::advance(const std::vector<int>& patches, const kernels::Step
   return smallest;
 }
 
+void HostBackend::note_maxima(const std::vector<int>& patches) {
+  note_maxima_of_patches(patches, tables_, team_, loops_);
+}
+
 void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   const Patch& patch = tables_.patches.patches[at(number)];
+  note_maxima_of_patch(number, tables_, loops_);
   const kernels::CellColumns cells = columns_with_terms(patch, step.values, scratch);
   fluxes_within(patch, cells, step.values, scratch);
   take_outer_slots(patch, scratch);
@@ -106,7 +112,8 @@ void HostBackend::advance_patch(int number, const Step& step, Scratch& scratch) 
                            tables_.shortest.data() + patch.cells.begin / cells_of_shortest,
                            scratch.slots.columns(),
                            tables_.has_bed ? nullptr : demand,  // sediment beds let no water in
-                           extremes};
+                           extremes,
+                           hints_of_patch(number, tables_)};
   const double so_far = scratch.smallest_step;
   // Who takes notes wants to see a step that is just as small as the smallest so far.
   const double below = step.notes != nullptr ? std::nextafter(so_far, HUGE_VAL) : so_far;

@@ -17,6 +17,7 @@ class HostBackend : public Backend {
   double advance(const std::vector<int>& patches, const kernels::StepValues& step,
                  const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                  StepNotes* notes) override;
+  void note_maxima(const std::vector<int>& patches) override;
   void finish_step(const Activity&) override {}
   bool works_in_place() const override { return true; }
   std::optional<NotHyperbolic> not_hyperbolic() const override;

@@ -13,7 +13,7 @@ using kernels::StepValues;
 
 /// A block of cells: their slots, in a type that gathers can use, and what their step leaves.
 struct CellBlock {
-  static constexpr int size = 256;
+  static constexpr int size = cells_of_block;
   int slots[3][size];
   double wave_speeds[size];  ///< see kernels::CellAfter
   double max_h[size];
@@ -131,6 +131,9 @@ Advance advance_cells(const CellColumns& cells, const CellRange& range, const St
     stage(block, cells, first, count);
     advance_block<Model>(cells, range, step, first, count, block);
     if (block.deeper_cells > 0) store_largest_depths(cells, block, first, count);
+    if (range.hints != nullptr && block.deeper_cells > 0) {
+      range.hints[(first - range.begin) / cells_of_shortest].may_be_deeper = true;
+    }
     if (range.extremes != nullptr) {
       *range.extremes = physics::united(*range.extremes,
                                         extremes_of(cells, step.zero_depth, first, first + count));

@@ -97,7 +97,7 @@ template <bool second_order>
 
 /// A block of cells: their slots, in a type that gathers can use, and what their step leaves.
 struct HllBlock {
-  static constexpr int size = 256;
+  static constexpr int size = cells_of_block;
   int slots[3][size];
   double max_h[size];
   double taken_discharge[size];
@@ -125,6 +125,9 @@ template <bool friction, bool rain, bool soil>
   if (deeper_cells > 0) {
 #pragma omp simd
     for (int k = 0; k < count; ++k) cells.max_h[range.first_cell + first + k] = block.max_h[k];
+  }
+  if (range.hints != nullptr && deeper_cells > 0) {
+    range.hints[first / cells_of_shortest].may_be_deeper = true;
   }
   if (range.taken_discharge != nullptr) {
     for (int k = 0; k < count; ++k) range.taken_discharge[first + k] += block.taken_discharge[k];

@@ -6,6 +6,7 @@
 #include "engine/host/edge_loops.hpp"
 #include "engine/host/hll_bed_loops.hpp"
 #include "engine/host/hll_loops.hpp"
+#include "engine/host/maxima_loops.hpp"
 #include "engine/host/soil_loops.hpp"
 
 namespace engine {
@@ -23,6 +24,7 @@ const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME) = {
     .terms = store_terms,
     .green_ampt = demand<physics::GreenAmptSoil>,
     .horton = demand<physics::HortonSoil>,
+    .note_maxima = note_maxima,
     .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},
     .water_and_bed = {fluxes<FluxesOfWaterAndBed, Local>, fluxes<FluxesOfWaterAndBed, int>,
                       advance<AdvanceWaterAndBed>},

@@ -7,6 +7,7 @@
 #include "engine/runs.hpp"
 #include "kernels/columns.hpp"
 #include "kernels/hll_bed.hpp"
+#include "kernels/maxima.hpp"
 #include "physics/flow_extremes.hpp"
 #include "physics/infiltration.hpp"
 
@@ -27,6 +28,7 @@ struct CellRange {
   kernels::SlotColumns slots;
   const double* demand;
   physics::FlowExtremes* extremes;
+  kernels::MaximaHint* hints;  ///< of the runs of cells, from the first one on; null: nobody asks
 };
 
 /// The cells of a patch that have a soil.
@@ -74,6 +76,7 @@ struct HllCellRange {
   kernels::HllAfterColumns to;
   physics::FlowExtremes* extremes;  ///< of the new states; null: nobody asks
   double* taken_discharge;          ///< sums over all steps, of the cells, m2/s; null: the same
+  kernels::MaximaHint* hints;       ///< of the runs of cells, from the first one on; null: the same
 };
 
 /// What the cells of a patch found: the largest physics::crossing_rate (1/s), and whether none can
@@ -118,6 +121,10 @@ struct Loops {
                      const physics::SoilStep&);
   void (*horton)(const kernels::CellColumns&, const SoilRange&, const physics::HortonSoil&,
                  const physics::SoilStep&);
+  /// Notes the present states of the cells from begin to end in what is kept of them; the last
+  /// argument holds an entry for every run of cells_of_shortest cells of the tables.
+  void (*note_maxima)(const kernels::CellColumns&, const kernels::MaximaColumns&, int begin,
+                      int end, const kernels::MaximaValues&, kernels::MaximaHint*);
   ModelLoops water;          ///< of the hydrodynamic model
   ModelLoops water_and_bed;  ///< of the model with sediments
   HllLoops hll;

@@ -46,6 +46,7 @@ class MpiExchange : public test_ranks::PartsOfCourse {
     EXPECT_FALSE(have_same_bits(expected.states.front(), expected.states.back()));
     const Part part(contents);
     engine::Engine engine(contents, part.subset, *part.exchange, threads, 64);
+    engine.keep_maxima(test_ranks::arrival_depth);
     expect_same_steps(contents, expected, part.subset, engine, 0);
   }
 };
@@ -72,6 +73,7 @@ TEST_F(MpiExchange, GoesOnFromAnyState) {
   const test_ranks::Course expected = run_alone(contents, 30);
   const Part part(contents);
   engine::Engine engine(contents, part.subset, *part.exchange, 1, 64);
+  engine.keep_maxima(test_ranks::arrival_depth);
   engine.advance({0.0, 0.0, test_ranks::t_end, 1e-4});  // to another state than that of the start
   for (const int first : {20, 0}) {
     engine.set_state(part_of(expected.states[engine::at(first)], part.subset.owned));

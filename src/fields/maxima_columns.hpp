@@ -1,0 +1,36 @@
+// The columns of the table of maxima: what writes them and what reads them again.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "fields/Field.hpp"
+
+namespace fields {
+
+struct MaximaColumn {
+  Field field;
+  const char* name;
+};
+
+/// Behind the centre of the cell. The largest product of depth and speed is that of the unit
+/// discharge: it stands there a second time, for who looks for a hazard.
+inline constexpr auto maxima_columns =
+    std::to_array<MaximaColumn>({{Field::bed_level, "zb"},
+                                 {Field::peak_depth, info(Field::peak_depth).column},
+                                 {Field::peak_level, info(Field::peak_level).column},
+                                 {Field::peak_speed, info(Field::peak_speed).column},
+                                 {Field::peak_discharge, info(Field::peak_discharge).column},
+                                 {Field::peak_discharge, "hv_max"},
+                                 {Field::time_of_peak, info(Field::time_of_peak).column},
+                                 {Field::arrival_time, info(Field::arrival_time).column},
+                                 {Field::time_under_water, info(Field::time_under_water).column}});
+
+/// The line above the rows, without its end.
+inline std::string maxima_header() {
+  std::string text = "x\ty";
+  for (const MaximaColumn& column : maxima_columns) text += std::string("\t") + column.name;
+  return text;
+}
+
+}  // namespace fields
