@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -84,6 +85,7 @@ class Domain {
   void require_same_inputs();
   void require_same_results() const;
   std::string continuation() const;
+  void require_same_maxima(const std::optional<double>& before) const;
   void load_flow();
   void load_books();
   void go_on_with_outputs();

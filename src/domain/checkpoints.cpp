@@ -34,15 +34,18 @@ OutputPositions Domain::output_positions() const {
   if (picture) positions.snapshots = picture->position();
   positions.envelope_interval = data_.dt_enveloppe;
   positions.next_envelope = next_enveloppe_time;
+  if (data_.maxima) positions.arrival_depth = data_.maxima->arrival_depth;
   return positions;
 }
 
 bool Domain::has_written_results(const OutputPositions& positions) {
   if (picture) picture->wait();
   envelope_writer_.wait();
+  if (maxima_) maxima_->wait();
   for (const auto& recording : {positions.gauges, positions.sections}) {
     if (recording) utils::bring_to_disk(recording->lines);
   }
-  return !envelope_writer_.has_failed() && !(gauge && gauge->has_failed()) &&
-         !(picture && picture->has_failed()) && !(monitor_section && monitor_section->has_failed());
+  return !envelope_writer_.has_failed() && !(maxima_ && maxima_->has_failed()) &&
+         !(gauge && gauge->has_failed()) && !(picture && picture->has_failed()) &&
+         !(monitor_section && monitor_section->has_failed());
 }

@@ -113,6 +113,7 @@ void Domain::require_same_results() const {
   const OutputPositions now = output_positions();
   require_same_file(before.gauges, now.gauges, "gauges");
   require_same_file(before.sections, now.sections, "sections");
+  require_same_maxima(before.arrival_depth);
   std::ostream& log = settings_.log;
   RecordingChanges(log, "Gauges").say(before.gauges, now.gauges);
   RecordingChanges(log, "Sections").say(before.sections, now.sections);
@@ -128,10 +129,28 @@ void Domain::require_same_results() const {
   }
 }
 
+void Domain::require_same_maxima(const std::optional<double>& before) const {
+  const std::string key = "\"output/maxima of flow";
+  if (!data_.maxima) {
+    if (before) settings_.log << "  Maxima of the flow are kept no more\n";
+    return;
+  }
+  if (!before) {
+    refuse(restart_->file,
+           "it holds no maxima of the flow, which are kept from the start on; leave " + key +
+               "\" out");
+  }
+  if (*before == data_.maxima->arrival_depth) return;
+  refuse(restart_->file, key + "/arrival depth\" is " +
+                             utils::number_text(data_.maxima->arrival_depth) + " m, which was " +
+                             utils::number_text(*before) + " m");
+}
+
 void Domain::load_flow() {
   checkpoint::Checkpoint& from = restart_->contents;
   engine::State present;
   flow_->save(present);
+  if (!data_.maxima) engine::drop_maxima(from.flow);
   const bool has_all_clocks = from.rain.size() == from.flow.rain_clocks.size();
   from.flow.rain_clocks =
       checkpoint::rain_clocks_for(case_, from.clock.t, from.rain, from.flow.rain_clocks);

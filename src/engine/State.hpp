@@ -1,6 +1,8 @@
 // The state of a run: all that its further steps depend on besides its case and its clock.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <iterator>
 #include <vector>
@@ -38,25 +40,30 @@ struct State {
   static void visit_parts(Self& self, const Visit& visit);
 };
 
-/// The columns of the flow in the cells, for who saves, compares or cuts states.
-inline constexpr std::vector<double> State::*columns_of_flow[] = {&State::h,
-                                                                  &State::qx,
-                                                                  &State::qy,
-                                                                  &State::eta,
-                                                                  &State::max_h,
-                                                                  &State::infiltrated,
-                                                                  &State::hs,
-                                                                  &State::qsx,
-                                                                  &State::qsy,
-                                                                  &State::dqs_dh,
-                                                                  &State::peak_depth,
-                                                                  &State::time_of_peak,
-                                                                  &State::peak_level,
-                                                                  &State::peak_speed_squared,
-                                                                  &State::peak_discharge_squared,
-                                                                  &State::arrival_time,
-                                                                  &State::under_water_since,
-                                                                  &State::time_under_water};
+using StateColumn = std::vector<double> State::*;
+
+/// What is kept of the largest flow.
+inline constexpr StateColumn columns_of_maxima[] = {
+    &State::peak_depth,         &State::time_of_peak,           &State::peak_level,
+    &State::peak_speed_squared, &State::peak_discharge_squared, &State::arrival_time,
+    &State::under_water_since,  &State::time_under_water};
+
+/// The columns of the flow in the cells, those maxima among them, for who saves, compares or cuts
+/// states.
+inline constexpr auto columns_of_flow = [] {
+  constexpr StateColumn without_maxima[] = {
+      &State::h,           &State::qx, &State::qy,  &State::eta, &State::max_h,
+      &State::infiltrated, &State::hs, &State::qsx, &State::qsy, &State::dqs_dh};
+  std::array<StateColumn, std::size(without_maxima) + std::size(columns_of_maxima)> all = {};
+  std::copy(std::begin(columns_of_maxima), std::end(columns_of_maxima),
+            std::copy(std::begin(without_maxima), std::end(without_maxima), all.begin()));
+  return all;
+}();
+
+/// Forgets the maxima of a state.
+inline void drop_maxima(State& state) {
+  for (const StateColumn column : columns_of_maxima) (state.*column).clear();
+}
 
 template <class Self, class Visit>
 void State::visit_parts(Self& self, const Visit& visit) {

@@ -39,11 +39,12 @@ struct OutputPositions {
   std::optional<RecordingPosition> gauges, sections;
   std::optional<SnapshotPosition> snapshots;
   double envelope_interval = 0.0, next_envelope = 0.0;  ///< s
+  std::optional<double> arrival_depth;                  ///< m; where maxima of the flow are kept
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.done, self.gauges, self.sections, self.snapshots, self.envelope_interval,
-          self.next_envelope);
+          self.next_envelope, self.arrival_depth);
   }
 };
 

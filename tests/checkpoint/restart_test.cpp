@@ -132,6 +132,8 @@ Case water_case() {
   c.add_sections({c.edges_across(20), c.edges_across(50)}, 0.07);
   c.add_snapshots({0.0, 0.3, 0.2, 0.9, 1.7, 2.5});
   c.data["output"]["time step enveloppe of results"] = 0.13;
+  c.data["output"]["maxima of flow"] = {{"file", "maxima.txt"}, {"arrival depth", 0.4}};
+  c.data["output"]["final state"] = "last.txt";
   return c;
 }
 
@@ -164,6 +166,9 @@ TEST_F(Restart, OfThePositiveSchemesLeavesTheSameFilesFromAnyStep) {
     c.data["model"]["flux scheme"] = scheme;
     expect_the_same_from_any_step(c, 5);
   }
+  Case sand = sand_case();
+  sand.data["model"]["flux scheme"] = "HLL1";
+  expect_the_same_from_any_step(sand, 5);
 }
 
 TEST_F(Restart, OfACompleteRunChangesNothing) {
@@ -223,6 +228,39 @@ TEST_F(Restart, TakesOtherOutputsFromThereOn) {
   const auto times = support::lines(folder.read("others.txt"));
   ASSERT_FALSE(times.empty());
   EXPECT_GT(std::stod(times.front()), std::stod(support::lines(sections).back()));
+}
+
+TEST_F(Restart, KeepsMaximaOnlyFromTheStartOnAndByOneDepth) {
+  Case c = water_case();
+  const auto refusal = [&](const support::TemporaryFolder& folder) {
+    c.write(folder);
+    const auto before = files_of(folder);
+    try {
+      run(folder, {}, {});
+    } catch (const std::runtime_error& error) {
+      EXPECT_EQ(files_of(folder), before);
+      return std::string(error.what());
+    }
+    return std::string();
+  };
+  const support::TemporaryFolder with_maxima, without;
+  c.write(with_maxima);
+  run(with_maxima, 40, {});
+  c.data["output"]["maxima of flow"]["arrival depth"] = 0.3;
+  EXPECT_TRUE(support::contains(
+      refusal(with_maxima), "\"output/maxima of flow/arrival depth\" is 0.3 m, which was 0.4 m"));
+
+  const auto asked = c.data["output"]["maxima of flow"];
+  c.data["output"].erase("maxima of flow");
+  c.write(without);
+  run(without, 40, {});
+  c.data["output"]["maxima of flow"] = asked;
+  EXPECT_TRUE(support::contains(refusal(without), "it holds no maxima of the flow"));
+
+  c.data["output"].erase("maxima of flow");
+  c.write(with_maxima);
+  run(with_maxima, {}, {});
+  EXPECT_TRUE(support::contains(log_, "Maxima of the flow are kept no more")) << log_;
 }
 
 TEST_F(Restart, WithAReportThatTheRunDidNotHaveBeginsItsBooksThere) {
