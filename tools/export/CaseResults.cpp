@@ -9,8 +9,10 @@
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/counted.hpp"
 #include "utils/number_text.hpp"
 #include "utils/snapshot_name.hpp"
+#include "utils/stop.hpp"
 
 namespace exports {
 
@@ -37,9 +39,18 @@ std::vector<double> initial_bed(const CaseFiles& files, const Mesh& mesh) {
 
 CaseResults::CaseResults(const std::string& folder_or_data_file)
     : files(folder_or_data_file),
+      log(files),
       mesh(read_mesh(files.nodes, files.cells, files.origin)),
       bed(initial_bed(files, mesh)) {
-  if (!files.snapshot_times) return;
+  if (files.snapshot_times) find_snapshots();
+  if (log.is_earlier(envelope_file())) earlier_results.push_back(envelope_file());
+  if (earlier_results.empty()) return;
+  utils::warn(utils::counted(earlier_results.size(), "result") +
+              " of an earlier run left out, the first of them " + earlier_results.front() +
+              ": the run of " + log.name() + " has not come so far; let it go on to its end.");
+}
+
+void CaseResults::find_snapshots() {
   utils::TextScanner schedule(*files.snapshot_times);
   const int count = schedule.read_count("number of snapshots", 1);
   double before = -HUGE_VAL;
@@ -51,7 +62,9 @@ CaseResults::CaseResults(const std::string& folder_or_data_file)
     const std::string name = files.result(utils::snapshot_name(time));
     // Where two times have the same file name, the file holds the later one.
     if (!snapshots.empty() && snapshots.back().name == name) snapshots.pop_back();
-    if (std::filesystem::is_regular_file(name)) {
+    if (log.is_earlier(name, time) && std::filesystem::is_regular_file(name)) {
+      earlier_results.push_back(name);
+    } else if (std::filesystem::is_regular_file(name)) {
       snapshots.push_back({time, name});
     } else {
       missing_snapshots.push_back(name);
@@ -74,10 +87,13 @@ std::vector<double> CaseResults::node_bed() const {
   return sum;
 }
 
+bool CaseResults::has_envelope() const {
+  return std::filesystem::exists(envelope_file()) && !log.is_earlier(envelope_file());
+}
+
 std::optional<std::vector<float>> CaseResults::max_depth() const {
-  const std::string name = files.result("enveloppe.txt");
-  if (!std::filesystem::exists(name)) return std::nullopt;
-  TableReader table(name);
+  if (!has_envelope()) return std::nullopt;
+  TableReader table(envelope_file());
   std::array<double, 4> row;
   std::vector<float> depth;
   depth.reserve(mesh.n_cells());
@@ -97,6 +113,7 @@ std::optional<std::vector<float>> CaseResults::max_depth() const {
 
 const SnapshotFile& CaseResults::snapshot_at(std::optional<double> time) const {
   if (snapshots.empty()) {
+    if (!earlier_results.empty()) throw tools::Error("No snapshot of the last run is there.");
     throw tools::Error(missing_snapshots.empty()
                            ? files.data_file + " asks for no snapshots of flow."
                            : "No snapshot is there: expected " + missing_snapshots.front() +

@@ -7,6 +7,7 @@
 
 #include "export/CaseFiles.hpp"
 #include "export/Mesh.hpp"
+#include "export/run_log.hpp"
 
 namespace exports {
 
@@ -16,24 +17,34 @@ struct SnapshotFile {
 };
 
 struct CaseResults {
+  /// Warns of results of an earlier run, which count as not there.
   explicit CaseResults(const std::string& folder_or_data_file);
+
+  std::string envelope_file() const { return files.result("enveloppe.txt"); }
+  /// Whether the last run has written it.
+  bool has_envelope() const;
 
   /// Bed at the nodes, m: their own elevation, or where a bed file or sediment replaces it, the
   /// mean of the cells around.
   std::vector<double> node_bed() const;
-  /// Largest depths of the cells (m) from the envelope; none if there is no envelope.
+  /// Largest depths of the cells (m) from the envelope; none if the last run has written none.
   std::optional<std::vector<float>> max_depth() const;
   /// The snapshot for a time, or the last one; refuses when there is none, and says which there
   /// are.
   const SnapshotFile& snapshot_at(std::optional<double> time) const;
 
   CaseFiles files;
+  RunLog log;
   Mesh mesh;
   /// Bed of the cells at the start, m: of the bed file or else the mean of the nodes, and the
   /// sediment upon it. Snapshots without sediment do not tell a bed file's level.
   std::vector<double> bed;
   std::vector<SnapshotFile> snapshots;         ///< those that are there, in the order of time
   std::vector<std::string> missing_snapshots;  ///< names of those that are not there (yet)
+  std::vector<std::string> earlier_results;    ///< left out: the last run has not replaced them
+
+ private:
+  void find_snapshots();
 };
 
 }  // namespace exports

@@ -56,14 +56,16 @@ void tell(const std::string& output) { std::cout << output << "\n"; }
 
 /// Says what an export leaves out: the run may still go on, or have ended early.
 void warn_about_missing(const CaseResults& results) {
-  const std::string envelope = results.files.result("enveloppe.txt");
-  const bool has_envelope = std::filesystem::exists(envelope);
-  if (results.snapshots.empty() && !has_envelope) results.snapshot_at(std::nullopt);  // refuses
+  if (results.snapshots.empty() && !results.has_envelope()) {
+    results.snapshot_at(std::nullopt);  // refuses
+  }
   if (!results.missing_snapshots.empty()) {
     utils::warn("snapshots not there: " + std::to_string(results.missing_snapshots.size()) +
                 ", the first of them " + results.missing_snapshots.front() + ".");
   }
-  if (!has_envelope) utils::warn("the envelope " + envelope + " is not there.");
+  if (!std::filesystem::exists(results.envelope_file())) {
+    utils::warn("the envelope " + results.envelope_file() + " is not there.");
+  }
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "case/read_requests.hpp"
 #include "export/TableReader.hpp"
+#include "export/run_log.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
 #include "utils/TextBuffer.hpp"
@@ -55,6 +56,7 @@ cases::SectionRequest read_section_list(const CaseFiles& files) {
 
 void write_gauges_csv(const CaseFiles& files, const std::string& output) {
   const cases::GaugeRequest list = read_gauge_list(files);
+  RunLog(files).expect_of_run(list.result);
   TableReader table(list.result, TableReader::Missing::allowed);
   std::string_view header;
   table.next_line(header);
@@ -86,6 +88,7 @@ void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
 
 void write_sections_csv(const CaseFiles& files, const std::string& output) {
   const cases::SectionRequest list = read_section_list(files);
+  RunLog(files).expect_of_run(list.result);
   TableReader table(list.result);
   tools::PartialStream file(output);
   file.stream() << "time (s)";

@@ -147,7 +147,7 @@ class Job {
   }
   /// What a report wants: the envelope, every snapshot, every curve, of what the case has.
   void add_all() {
-    if (results_.max_depth()) {
+    if (results_.has_envelope()) {
       add_map("max_depth");
       if (!results_.files.has_sediment) add_map("max_level");
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 
 #include "support/Error.hpp"
@@ -94,8 +95,10 @@ bool is_dry(float depth, double dry_depth) { return !(static_cast<double>(depth)
 MapField of_envelope(const CaseResults& results, const std::string& name, double dry_depth) {
   std::optional<std::vector<float>> depth = results.max_depth();
   if (!depth) {
-    throw tools::Error("The file " + results.files.result("enveloppe.txt") +
-                       " is not there. Has the case been run?");
+    const bool is_there = std::filesystem::exists(results.envelope_file());
+    throw tools::Error("The file " + results.envelope_file() +
+                       (is_there ? " is of an earlier run. Let the last one go on to its end."
+                                 : " is not there. Has the case been run?"));
   }
   if (name == "max_level" && results.files.has_sediment) {
     throw tools::Error("max_level is not known where the bed moves: expected max_depth.");

@@ -5,9 +5,11 @@
 
 #include "case/keys.hpp"
 #include "case/write_case.hpp"
+#include "mesh/earlier_results.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -122,22 +124,40 @@ class Folder {
   }
 
   void write(const std::string& name, const std::string& text) {
+    std::error_code ignored;
+    if (fs::exists(path_ / name, ignored)) names_there_.push_back(name);
     tools::PartialStream& file = files_.emplace_back(path_ / name);
     file.stream().write(text.data(), static_cast<std::streamsize>(text.size()));
     file.finish();
   }
+  /// Refuses a folder in which files of these names are already.
+  void expect_new() const {
+    if (names_there_.empty()) return;
+    std::string names;
+    for (const std::string& name : names_there_) names += (names.empty() ? "" : ", ") + name;
+    throw tools::Error(path_.string() + ": the case would replace " +
+                       utils::counted(names_there_.size(), "file") + " of the folder: " + names +
+                       "; expected a new folder, or --overwrite.");
+  }
+  /// From the first removal until all is in its place, there is no case that could run. The files
+  /// are removed, as those that tell the results of the case that was there have been read: no file
+  /// takes the place of one that was.
   void commit() {
+    std::error_code ignored;
+    fs::remove(path_ / cases::data_file_name, ignored);
+    for (const std::string& name : names_there_) fs::remove(path_ / name, ignored);
     for (tools::PartialStream& file : files_) file.commit();
   }
 
  private:
   fs::path path_;
+  std::vector<std::string> names_there_;
   std::list<tools::PartialStream> files_;
 };
 
 }  // namespace
 
-void write_case(const Case& imported, const std::string& path) {
+std::size_t write_case(const Case& imported, const std::string& path, Overwrite overwrite) {
   Folder folder(path);
   cases::write_case(case_of(imported), request_of(imported),
                     [&](const std::string& name, const std::string& text) {
@@ -145,10 +165,16 @@ void write_case(const Case& imported, const std::string& path) {
                       folder.write(name,
                                    given != imported.given_texts.end() ? given->second : text);
                     });
-  // From here on until all is in its place, there is no case that could run.
-  std::error_code ignored;
-  fs::remove(fs::path(path) / cases::data_file_name, ignored);
+  if (overwrite == Overwrite::no) folder.expect_new();
+  const std::vector<fs::path> results = results_of_case(path);
+  std::error_code error;
+  for (const fs::path& name : results) {
+    if (fs::remove(name, error) || !error) continue;
+    throw tools::Error(name.string() + ": this result of the earlier case cannot be removed (" +
+                       error.message() + ").");
+  }
   folder.commit();
+  return results.size();
 }
 
 }  // namespace mesh_import

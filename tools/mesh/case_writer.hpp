@@ -44,8 +44,13 @@ struct Case {
   std::map<std::string, std::string> given_texts;  // of files that the case keeps to the byte
 };
 
+/// Whether a new case may take the place of files that are there.
+enum class Overwrite { no, yes };
+
 /// Creates the folder and writes the case. The data file comes last, so that a case that could not
-/// be completed does not run. Throws tools::Error.
-void write_case(const Case& imported, const std::string& folder);
+/// be completed does not run. With `Overwrite::yes` the results of the case that was there are
+/// removed; answers how many. Throws tools::Error, also where the case would replace a file that it
+/// may not.
+std::size_t write_case(const Case& imported, const std::string& folder, Overwrite overwrite);
 
 }  // namespace mesh_import

@@ -18,6 +18,7 @@
 #include "mesh/import_run.hpp"
 #include "mesh/run_options.hpp"
 #include "support/Error.hpp"
+#include "utils/counted.hpp"
 
 namespace mesh_import {
 
@@ -69,7 +70,11 @@ void import_case(const ImportOptions& options, std::ostream& out) {
   import_edges(options, requests, contents, out);
   import_run(options, contents, out);
   move_to_origin(contents, out);
-  write_case(contents, options.folder);
+  const std::size_t n_removed =
+      write_case(contents, options.folder, options.overwrite ? Overwrite::yes : Overwrite::no);
+  if (n_removed > 0) {
+    out << "Removed " << utils::counted(n_removed, "result") << " of the case that was there.\n";
+  }
   out << "\n"
       << boundary_table(contents.boundaries) << "\nThe case is complete. Run it: cd "
       << shell_word(options.folder) << " && quillmere -f data.json\n";

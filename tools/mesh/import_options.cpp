@@ -96,7 +96,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("NAME")
       ->check(CLI::IsMember(names_of_schemes()));
   command.add_flag("--keep-quads", options.keep_quads, "Do not split quadrilaterals");
-  command.add_flag("--overwrite", options.overwrite, "Replace a case that is there");
+  command.add_flag("--overwrite", options.overwrite,
+                   "Replace a case that is there, and remove its results");
   command.add_flag("--allow-commands", options.allow_commands,
                    "Let a .geo run commands of the shell: it is a program, and is refused where it "
                    "runs others. It may write files either way");

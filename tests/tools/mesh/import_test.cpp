@@ -465,6 +465,67 @@ TEST_F(Import, KeepsACaseThatIsThere) {
   EXPECT_EQ(folder.read("case/data.json"), before);
 }
 
+TEST_F(Import, RemovesWhatTheCaseThatWasThereWrote) {
+  import_well({"--level", "1.5", "--end", "2", "--section", "gate"});
+  run_case();
+  const Words exports = {"case/export/results.nc", "case/export/results_0001.vtu",
+                         "case/export/depth_1s.tif", "case/export/gauges.csv",
+                         "case/export/pictures/depth.png"};
+  const Words foreign = {"case/out/notes.txt", "case/export/mine.nc", "case/export/pictures/x.png",
+                         "case/thesis.odt", "elsewhere/pic_0_00.txt"};
+  for (const Words& names : {exports, foreign}) {
+    for (const std::string& name : names) folder.write(name, "data");
+  }
+  folder.write("case/out/pic_9_00.txt", "of no snapshot of this case");
+  std::filesystem::create_symlink("../../elsewhere/pic_0_00.txt",
+                                  folder.file("case/export/results.pvd"));
+  const Words results = {"case/log.txt",          "case/out/enveloppe.txt",
+                         "case/out/gauges.txt",   "case/out/sections.txt",
+                         "case/out/pic_0_00.txt", "case/out/pic_1_80.txt"};
+  for (const std::string& name : results) EXPECT_TRUE(folder.has(name)) << name;
+
+  const std::string out = import_well({"--level", "1.5", "--end", "20", "--overwrite"});
+  EXPECT_TRUE(contains(out, " results of the case that was there.\n")) << out;
+  for (const Words& names : {exports, results}) {
+    for (const std::string& name : names) EXPECT_FALSE(folder.has(name)) << name;
+  }
+  for (const std::string& name : foreign) EXPECT_EQ(folder.read(name), "data") << name;
+  EXPECT_TRUE(folder.has("case/out/pic_9_00.txt"));
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.file("case/export/results.pvd")));
+}
+
+TEST_F(Import, KeepsResultsThatItReadsOrThatLieOutsideOfTheCase) {
+  import_well({"--level", "1.5", "--end", "2"});
+  nlohmann::json changed = data();
+  changed["output"]["folder"] = "../scratch/";
+  folder.write("case/data.json", changed.dump());
+  std::filesystem::create_directory(folder.file("scratch"));
+  run_case();
+  const std::string grid =
+      support::asc_grid(9, 9, -2.0, -2.0, 1.0, [](double, double) { return 0.03; });
+  folder.write("case/export/depth_1s.asc", grid);
+  folder.write("case/log.txt", grid);  // whatever a result is called
+  std::filesystem::rename(folder.file("case/log.txt"), folder.file("case/export/depth.tif"));
+  std::filesystem::create_hard_link(folder.file("case/export/depth.tif"), folder.file("n.asc"));
+  import_well({"--overwrite", "--friction", "n.asc"});
+  EXPECT_TRUE(folder.has("scratch/enveloppe.txt"));
+  EXPECT_EQ(folder.read("case/export/depth.tif"), grid);
+}
+
+TEST_F(Import, RefusesToReplaceFilesThatAreNoCase) {
+  folder.write("case/edges.txt", "mine");
+  folder.write("case/friction.txt", "mine too");
+  folder.write("case/notes.txt", "");
+  EXPECT_EQ(import_badly(1, {"--friction", "0.03"}),
+            "quillmere-mesh: case: the case would replace 2 files of the folder: edges.txt, "
+            "friction.txt; expected a new folder, or --overwrite.\n");
+  EXPECT_EQ(folder.read("case/edges.txt"), "mine");
+  EXPECT_FALSE(folder.has("case/nodes.txt"));
+  EXPECT_FALSE(folder.has("case/nodes.txt.part"));
+  import_well({"--overwrite", "--friction", "0.03"});
+  run_case();
+}
+
 TEST_F(Import, ReplacesRegularFilesOnly) {
   import_well({"--end", "5"});
   folder.write("precious", "data");
