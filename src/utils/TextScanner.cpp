@@ -5,6 +5,7 @@
 
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
+#include "utils/text_encoding.hpp"
 
 namespace utils {
 
@@ -50,11 +51,8 @@ bool TextScanner::read_on() {
 
 void TextScanner::skip_byte_order_mark() {
   const std::string_view text(next_, static_cast<std::size_t>(end_ - next_));
-  if (text.substr(0, 2) == "\xFF\xFE" || text.substr(0, 2) == "\xFE\xFF") {
-    fatal("Error in file " + name_ +
-          ": it is UTF-16 text, expected plain text (UTF-8 or ASCII).\n");
-  }
-  if (text.substr(0, 3) == "\xEF\xBB\xBF") next_ += 3;  // UTF-8, which editors like to mark
+  if (is_utf16(text)) fatal("Error in file " + name_ + ": " + found_utf16 + ".\n");
+  if (text.starts_with(utf8_mark)) next_ += utf8_mark.size();
 }
 
 std::string_view TextScanner::next_token() {

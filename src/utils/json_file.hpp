@@ -11,13 +11,15 @@ namespace utils {
 /// Levels of objects and arrays that a JSON file may have: what walks its values recurses.
 inline constexpr int deepest_json_level = 100;
 
-class JsonTooDeepException : public std::runtime_error {
+/// A file that is refused whatever its values are.
+class JsonFileException : public std::runtime_error {
  public:
-  explicit JsonTooDeepException(const std::string& file);
+  using std::runtime_error::runtime_error;
 };
 
-/// Parses the whole stream; `file` names it in messages. Throws a JsonTooDeepException while the
-/// values are still few, and the library's own exception for what is no JSON.
+/// Parses the whole stream; `file` names it in messages. Throws a JsonFileException for UTF-16
+/// text, and for values that are nested too deeply while they are still few, and the library's own
+/// exception for what is no JSON.
 nlohmann::json parse_json(std::istream& stream, const std::string& file);
 
 }  // namespace utils

@@ -133,7 +133,15 @@ TEST_F(DamagedFile, InUtf16IsRefusedByThatName) {
     folder.write(name, texts[name]);
   }
   expect_refusal(run_with("data.json", in_utf16(texts["data.json"])),
-                 "[json.exception.parse_error");
+                 "Error in file data.json: it is UTF-16 text, expected plain text");
+}
+
+TEST_F(DamagedFile, InUtf16WithoutAMarkIsRefusedByThatName) {
+  for (const std::string name : {"nodes.txt", "data.json"}) {
+    expect_refusal(run_with(name, in_utf16(texts[name]).substr(2)),
+                   "Error in file " + name + ": it is UTF-16 text, expected plain text");
+    folder.write(name, texts[name]);
+  }
 }
 
 TEST_F(DamagedFile, WithADecimalCommaIsRefused) {

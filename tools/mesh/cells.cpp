@@ -27,13 +27,13 @@ class CellPreparation {
  public:
   explicit CellPreparation(Mesh& mesh) : mesh_(mesh) {}
 
-  CellChanges run(bool keep_quads) {
+  CellChanges run() {
     for (Node& node : mesh_.nodes) {
       node = {as_written(node.x), as_written(node.y), as_written(node.z)};
     }
     for (std::size_t i = 0; i < mesh_.cells.size(); ++i) turn_counter_clockwise(i);
     join_repeated_cells();
-    if (!keep_quads) split_quads();
+    split_quads();
     drop_unused_nodes();
     return changes_;
   }
@@ -184,8 +184,6 @@ class CellPreparation {
 
 }  // namespace
 
-CellChanges prepare_cells(Mesh& mesh, bool keep_quads) {
-  return CellPreparation(mesh).run(keep_quads);
-}
+CellChanges prepare_cells(Mesh& mesh) { return CellPreparation(mesh).run(); }
 
 }  // namespace mesh_import

@@ -13,9 +13,9 @@ struct CellChanges {
   int n_repeated_cells = 0;  // joined: a file may hold a cell once for each of its surfaces
 };
 
-/// Turns cells to run counter-clockwise, splits quadrilaterals along their shorter diagonal unless
-/// `keep_quads`, joins repeated cells, drops unused nodes and rounds coordinates to what the case
-/// will hold. Throws tools::Error for a cell without area or that crosses itself.
-CellChanges prepare_cells(Mesh& mesh, bool keep_quads);
+/// Turns cells to run counter-clockwise, splits quadrilaterals along their shorter diagonal, joins
+/// repeated cells, drops unused nodes and rounds coordinates to what the case will hold. Throws
+/// tools::Error for cells without area or that cross themselves.
+CellChanges prepare_cells(Mesh& mesh);
 
 }  // namespace mesh_import

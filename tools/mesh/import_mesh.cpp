@@ -14,22 +14,14 @@ namespace {
 
 Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
   Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
-  const CellChanges changes = prepare_cells(mesh, options.keep_quads);
-  const auto n_quads = static_cast<std::size_t>(std::count_if(
-      mesh.cells.begin(), mesh.cells.end(), [](const Cell& cell) { return cell.is_quad(); }));
+  const CellChanges changes = prepare_cells(mesh);
   out << "Read " << options.mesh << " (" << mesh.format
       << "): " << utils::counted(mesh.nodes.size(), "node") << ", "
-      << utils::counted(mesh.cells.size() - n_quads, "triangle");
-  if (n_quads > 0) out << ", " << utils::counted(n_quads, "quadrilateral");
-  out << ".\n";
+      << utils::counted(mesh.cells.size(), "triangle") << ".\n";
   for (const auto& remark : mesh.remarks) out << remark << "\n";
   if (changes.n_split > 0) {
     out << "Split " << utils::counted(changes.n_split, "quadrilateral")
-        << " into triangles, along the shorter diagonal (--keep-quads keeps them).\n";
-  }
-  if (n_quads > 0) {
-    out << "Kept the quadrilaterals: the scheme is written for triangles and takes the first "
-           "three edges of a cell.\n";
+        << " into triangles, along the shorter diagonal.\n";
   }
   if (changes.n_repeated_cells > 0) {
     out << "Joined " << utils::counted(changes.n_repeated_cells, "cell")

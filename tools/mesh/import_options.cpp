@@ -92,10 +92,9 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("VALUE");
   command
       .add_option("--scheme", options.scheme,
-                  "Flux scheme; otherwise HLL2, or LHLLC with --sediment or --keep-quads")
+                  "Flux scheme; otherwise HLL2, or LHLLC with --sediment")
       ->type_name("NAME")
       ->check(CLI::IsMember(names_of_schemes()));
-  command.add_flag("--keep-quads", options.keep_quads, "Do not split quadrilaterals");
   command.add_flag("--overwrite", options.overwrite,
                    "Replace a case that is there, and remove its results");
   command.add_flag("--allow-commands", options.allow_commands,

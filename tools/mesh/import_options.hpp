@@ -29,7 +29,6 @@ struct ImportOptions {
   std::optional<double> end, interval, zero_depth;
   double courant = 0.9;
   std::string scheme;
-  bool keep_quads = false;
   bool overwrite = false;
   bool allow_commands = false;
 };

@@ -76,37 +76,18 @@ void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out
   out << " and the envelope every " << shown(contents.envelope_interval) << " s.\n";
 }
 
-/// What keeps a case from a scheme; null: nothing.
-const char* lacking_for(const cases::SchemeKind& scheme, const Case& contents) {
-  if (!contents.sediment.empty() && !scheme.with_sediments) return "--sediment";
-  if (!cases::is_hll(scheme.scheme)) return nullptr;
-  const auto& cells = contents.mesh.cells;
-  const bool has_quads =
-      std::any_of(cells.begin(), cells.end(), [](const Cell& cell) { return cell.size() != 3; });
-  return has_quads ? "--keep-quads" : nullptr;
-}
-
-std::string schemes_for(const Case& contents) {
-  std::string names;
-  for (const cases::SchemeKind& kind : cases::schemes) {
-    if (lacking_for(kind, contents) != nullptr) continue;
-    names += (names.empty() ? "" : " or ") + std::string(kind.name);
-  }
-  return names;
-}
-
 /// The scheme that was asked for, or the usual one for the case.
 void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out) {
-  const cases::SchemeKind& usual = cases::kind_of(cases::Scheme::hll2);
+  const bool has_sediments = !contents.sediment.empty();
   if (options.scheme.empty()) {
-    const bool has_usual = lacking_for(usual, contents) == nullptr;
-    contents.scheme = has_usual ? usual.scheme : cases::Scheme::lhllc;
+    contents.scheme = has_sediments ? cases::Scheme::lhllc : cases::Scheme::hll2;
   } else {
     contents.scheme = cases::find_scheme(options.scheme)->scheme;
   }
-  if (const char* const lacking = lacking_for(cases::kind_of(contents.scheme), contents)) {
-    throw tools::Error("--scheme " + options.scheme + " does not go with " + lacking +
-                       "; expected " + schemes_for(contents) + ".");
+  if (has_sediments && !cases::kind_of(contents.scheme).with_sediments) {
+    throw tools::Error("--scheme " + options.scheme +
+                       " does not go with --sediment; expected LHLLC or " +
+                       cases::positive_scheme(true).name + ".");
   }
   out << "The flux scheme is " << cases::kind_of(contents.scheme).name << ".\n";
 }

@@ -7,6 +7,7 @@
 #include "mesh/sms_reader.hpp"
 #include "support/Error.hpp"
 #include "support/read_file.hpp"
+#include "utils/text_encoding.hpp"
 
 namespace mesh_import {
 
@@ -22,6 +23,9 @@ Mesh read_mesh_file(const std::string& path, bool allows_commands) {
 std::string read_whole_file(const std::string& path) {
   std::string text = tools::read_file(path);
   if (text.empty()) throw tools::Error(path + ": the file is empty.");
+  if (utils::is_utf16(text)) {
+    throw tools::Error("Error in file " + path + ": " + utils::found_utf16 + ".");
+  }
   return text;
 }
 

@@ -27,7 +27,7 @@ std::optional<std::vector<double>> parse_list(const std::string& text) {
   return values;
 }
 
-/// A third of a cell (a quarter of a quadrilateral), in which the simulator looks for points.
+/// A third of a cell, in which the simulator looks for points.
 struct Sector {
   Node center, a, b;
 

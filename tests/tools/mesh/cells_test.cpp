@@ -22,7 +22,7 @@ Mesh mesh_of(std::vector<mesh_import::Node> nodes, std::vector<Cell> cells) {
 }
 
 std::string error_of(Mesh mesh) {
-  return support::message_of([&] { prepare_cells(mesh, false); });
+  return support::message_of([&] { prepare_cells(mesh); });
 }
 
 Cell triangle(int a, int b, int c) { return {{a, b, c, -1}}; }
@@ -31,7 +31,7 @@ Cell quad(int a, int b, int c, int d) { return {{a, b, c, d}}; }
 TEST(Cells, ClockwiseOnesAreTurned) {
   Mesh mesh =
       mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {triangle(0, 1, 2), triangle(0, 3, 2)});
-  EXPECT_EQ(prepare_cells(mesh, false).n_turned, 1);
+  EXPECT_EQ(prepare_cells(mesh).n_turned, 1);
   EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
   EXPECT_EQ(mesh.cells[1].nodes, triangle(2, 3, 0).nodes);
 }
@@ -39,7 +39,7 @@ TEST(Cells, ClockwiseOnesAreTurned) {
 TEST(Cells, QuadrilateralsAreSplitAlongTheShorterDiagonal) {
   // The diagonal from 1 to 3 is the shorter one.
   Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {2, 2, 0}, {0, 1, 0}}, {quad(0, 1, 2, 3)});
-  EXPECT_EQ(prepare_cells(mesh, false).n_split, 1);
+  EXPECT_EQ(prepare_cells(mesh).n_split, 1);
   ASSERT_EQ(mesh.cells.size(), 2U);
   EXPECT_EQ(mesh.cells[0].nodes, triangle(1, 2, 3).nodes);
   EXPECT_EQ(mesh.cells[1].nodes, triangle(1, 3, 0).nodes);
@@ -49,25 +49,16 @@ TEST(Cells, QuadrilateralsAreSplitAlongTheShorterDiagonal) {
 TEST(Cells, QuadrilateralsWithANotchAreSplitInside) {
   // The shorter diagonal, from 1 to 3, lies outside.
   Mesh mesh = mesh_of({{0, 0, 0}, {4, -1, 0}, {1, 0, 0}, {4, 1, 0}}, {quad(0, 1, 2, 3)});
-  prepare_cells(mesh, false);
+  prepare_cells(mesh);
   ASSERT_EQ(mesh.cells.size(), 2U);
   EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
   EXPECT_EQ(mesh.cells[1].nodes, triangle(0, 2, 3).nodes);
 }
 
-TEST(Cells, QuadrilateralsAreKeptWhereThatIsAskedFor) {
-  Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}}, {quad(0, 3, 2, 1)});
-  const auto changes = prepare_cells(mesh, true);
-  EXPECT_EQ(changes.n_split, 0);
-  EXPECT_EQ(changes.n_turned, 1);
-  ASSERT_EQ(mesh.cells.size(), 1U);
-  EXPECT_EQ(mesh.cells[0].nodes, quad(1, 2, 3, 0).nodes);
-}
-
 TEST(Cells, NodesWithoutACellAreLeftOut) {
   Mesh mesh = mesh_of({{9, 9, 9}, {0, 0, 1}, {1, 0, 2}, {0, 1, 3}}, {triangle(1, 2, 3)});
   mesh.line_pieces = {{1, 2, 0}, {0, 1, 0}};
-  EXPECT_EQ(prepare_cells(mesh, false).n_unused_nodes, 1);
+  EXPECT_EQ(prepare_cells(mesh).n_unused_nodes, 1);
   ASSERT_EQ(mesh.nodes.size(), 3U);
   EXPECT_EQ(mesh.nodes[0].z, 1.0);
   EXPECT_EQ(mesh.cells[0].nodes, triangle(0, 1, 2).nodes);
@@ -81,7 +72,7 @@ TEST(Cells, OneThatStandsInTheFileForEachOfItsSurfacesIsJoined) {
   mesh.surface_names = {"all", "part"};
   mesh.zones = {{0}, {1}};
   mesh.zone_of_cell = {0, 0, 1};
-  EXPECT_EQ(prepare_cells(mesh, false).n_repeated_cells, 1);
+  EXPECT_EQ(prepare_cells(mesh).n_repeated_cells, 1);
   ASSERT_EQ(mesh.cells.size(), 2U);
   EXPECT_EQ(mesh.zones.at(static_cast<std::size_t>(mesh.zone_of_cell[0])),
             (std::vector<int>{0, 1}));

@@ -38,7 +38,7 @@ int count_refused(const std::string& text, const std::string& name, Read read) {
 
 void read_mesh(const std::string& path) {
   mesh_import::Mesh mesh = mesh_import::read_mesh_file(path);
-  mesh_import::prepare_cells(mesh, false);
+  mesh_import::prepare_cells(mesh);
   mesh_import::make_edges(mesh);
 }
 

@@ -21,7 +21,7 @@ using mesh_import::Mesh;
 Mesh sample_mesh(const support::SampleMesh& sample) {
   const support::TemporaryFolder folder;
   Mesh mesh = mesh_import::read_msh(folder.write("m.msh", sample.msh4(false)));
-  mesh_import::prepare_cells(mesh, false);
+  mesh_import::prepare_cells(mesh);
   return mesh;
 }
 

@@ -147,6 +147,45 @@ TEST_F(Import, PrintsEveryBoundary) {
   EXPECT_EQ(n_limnigraph, 3);
 }
 
+TEST_F(Import, ReadsTextBehindAByteOrderMarkAndNamesUtf16) {
+  const auto in_utf16 = [](const std::string& text) {
+    std::string wide;
+    for (const char c : text) wide.append({c, '\0'});
+    return wide;
+  };
+  const std::string geo =
+      "Point(1) = {0, 0, 0, 1};\nPoint(2) = {1, 0, 0, 1};\nPoint(3) = {0, 1, 0, 1};\n"
+      "Line(1) = {1, 2};\nLine(2) = {2, 3};\nLine(3) = {3, 1};\nCurve Loop(1) = {1, 2, 3};\n"
+      "Plane Surface(1) = {1};\n";
+  const std::string rain = "1\n5 1 60\n0 1e-5\n";
+  const std::string grid =
+      support::asc_grid(9, 9, -2.0, -2.0, 1.0, [](double x, double) { return 0.1 * x; });
+  std::vector<std::pair<std::string, Words>> readers = {
+      {sample.msh2(false), {"x.msh", "case"}},
+      {sample.sms(), {"x.2dm", "case"}},
+      {grid, {"m.msh", "case", "--terrain", "x.asc"}},
+      {rain, {"m.msh", "case", "--rain", "5", "--hyetograms", "x.txt"}},
+      {"2\n0 -1\n9 -1\n", {"m.msh", "case", "--boundary", "west=hydrograph:x.txt"}}};
+#ifdef QUILLMERE_HAS_GMSH
+  readers.push_back({geo, {"x.geo", "case"}});
+#endif
+  for (const auto& [text, words] : readers) {
+    const std::string& last = words.back();
+    const std::string name = last == "case" ? words.front() : last.substr(last.find(':') + 1);
+    SCOPED_TRACE(name);
+    Words again = words;
+    again.push_back("--overwrite");
+    folder.write(name, "\xEF\xBB\xBF" + text);
+    EXPECT_EQ(import(again).err, "");
+    for (const char* mark : {"", "\xFF\xFE"}) {
+      folder.write(name, mark + in_utf16(text));
+      EXPECT_EQ(import(again).err, "quillmere-mesh: Error in file " + name +
+                                       ": it is UTF-16 text, expected plain text (UTF-8 or "
+                                       "ASCII).\n");
+    }
+  }
+}
+
 TEST_F(Import, SaysWhatItTurned) {
   sample.clockwise = true;
   folder.write("m.msh", sample.msh4(true));
@@ -155,16 +194,12 @@ TEST_F(Import, SaysWhatItTurned) {
   EXPECT_TRUE(contains(out, " edges to name the lower cell first"));
 }
 
-TEST_F(Import, SplitsQuadrilateralsOrKeepsThem) {
+TEST_F(Import, SplitsQuadrilaterals) {
   folder.write("q.2dm", sample.sms(true));
-  auto result = import({"q.2dm", "case", "--level", "1", "--end", "1"});
+  const auto result = import({"q.2dm", "case", "--level", "1", "--end", "1"});
   EXPECT_TRUE(contains(result.out, "Split 12 quadrilaterals into triangles"));
   EXPECT_EQ(lines("cells.txt").at(0), "24");
   run_case();
-  result = import({"q.2dm", "kept", "--keep-quads"});
-  EXPECT_EQ(result.status, 0);
-  EXPECT_TRUE(contains(result.out, "Kept the quadrilaterals"));
-  EXPECT_EQ(support::lines(folder.read("kept/cells.txt")).at(1).substr(0, 2), "4 ");
 }
 
 TEST_F(Import, TakesElevationsFromTerrain) {

@@ -228,7 +228,7 @@ DataFile read_data_file(const std::string& path, Findings& findings) {
   } catch (const nlohmann::json::exception& error) {
     findings.error("data file", path + " is not valid JSON: " + error.what());
     return {};
-  } catch (const utils::JsonTooDeepException& error) {
+  } catch (const utils::JsonFileException& error) {
     findings.error("data file", finding_text(error.what()));
     return {};
   } catch (const std::ios_base::failure&) {
