@@ -12,6 +12,7 @@
 #include "support/Error.hpp"
 #include "utils/counted.hpp"
 #include "utils/number_text.hpp"
+#include "utils/stop.hpp"
 
 namespace mesh_import {
 
@@ -60,6 +61,29 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
   }
   return list;
 }
+
+/// Pieces of a line that follow no edge of the mesh, as where a node string leaves out nodes.
+struct StrayPieces {
+  std::size_t n_pieces = 0, n_stray = 0;
+  LinePiece first = {};
+
+  void add(const LinePiece& piece, bool is_stray) {
+    ++n_pieces;
+    if (is_stray && n_stray++ == 0) first = piece;
+  }
+  void warn(const Mesh& mesh, const std::string& name) const {
+    if (n_stray == 0) return;
+    const auto place = [&mesh](int node) {
+      if (node < 0) return std::string("a node of no cell");
+      const Node& at = mesh.nodes[static_cast<std::size_t>(node)];
+      return shown_point(at.x, at.y);
+    };
+    utils::warn("the line \"" + name + "\": " + std::to_string(n_stray) + " of " +
+                utils::counted(n_pieces, "piece") + " follow no edge of the mesh, the first from " +
+                place(first.node1) + " to " + place(first.node2) +
+                "; the edges there get no condition of it. Expected every node along the line.");
+  }
+};
 
 std::string padded(const std::string& text, std::size_t width) {
   return text + std::string(width > text.size() ? width - text.size() : 0, ' ');
@@ -151,8 +175,10 @@ Boundaries assign_boundaries(const Mesh& mesh, const std::vector<Edge>& edges,
   const auto boundary = [&](int i) -> Boundary& {
     return boundaries.list[static_cast<std::size_t>(i)];
   };
+  std::vector<StrayPieces> strays(mesh.line_names.size());
   for (const LinePiece& piece : mesh.line_pieces) {
     const int edge = index.find(piece.node1, piece.node2);
+    strays[static_cast<std::size_t>(piece.line)].add(piece, edge < 0);
     if (edge < 0 || !edges[static_cast<std::size_t>(edge)].is_boundary()) continue;
     int& present = of_edge[static_cast<std::size_t>(edge)];
     if (present == piece.line) continue;
@@ -171,6 +197,9 @@ Boundaries assign_boundaries(const Mesh& mesh, const std::vector<Edge>& edges,
     const Node& b = mesh.nodes[static_cast<std::size_t>(edges[i].node2)];
     ++boundary(of_edge[i]).n_edges;
     boundary(of_edge[i]).length += std::hypot(b.x - a.x, b.y - a.y);
+  }
+  for (std::size_t line = 0; line < strays.size(); ++line) {
+    strays[line].warn(mesh, mesh.line_names[line]);
   }
   for (const Boundary& given : boundaries.list) {
     if (given.is_given && given.n_edges == 0) {

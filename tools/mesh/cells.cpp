@@ -32,9 +32,11 @@ class CellPreparation {
       node = {as_written(node.x), as_written(node.y), as_written(node.z)};
     }
     for (std::size_t i = 0; i < mesh_.cells.size(); ++i) turn_counter_clockwise(i);
+    expect_none_of(flat_);
+    expect_none_of(crossed_);
     join_repeated_cells();
     split_quads();
-    drop_unused_nodes();
+    changes_.n_unused_nodes = drop_unused_nodes(mesh_);
     return changes_;
   }
 
@@ -42,13 +44,27 @@ class CellPreparation {
   const Node& at(int node) const { return mesh_.nodes[static_cast<std::size_t>(node)]; }
   const Node& at(const Cell& cell, int k) const { return at(cell.node(k)); }
 
-  [[noreturn]] void refuse(const Cell& cell, std::size_t i, const std::string& fault) const {
+  /// Cells with one fault: the first is described, all are counted.
+  struct Fault {
+    const char* text;
+    std::size_t count = 0;
+    std::string first = {};
+  };
+  void note(Fault& fault, const Cell& cell, std::size_t i) const {
+    if (fault.count++ > 0) return;
     std::string corners;
     for (int k = 0; k < cell.size(); ++k) {
       corners += (k > 0 ? ", " : "") + shown_point(at(cell, k).x, at(cell, k).y);
     }
-    throw tools::Error("cell " + std::to_string(i + 1) + " of the mesh, with the corners " +
-                       corners + ", " + fault);
+    fault.first =
+        "cell " + std::to_string(i + 1) + " of the mesh, with the corners " + corners + ", ";
+  }
+  void expect_none_of(const Fault& fault) const {
+    if (fault.count == 0) return;
+    throw tools::Error(
+        fault.first + fault.text +
+        (fault.count == 1 ? ""
+                          : " It is the first of " + std::to_string(fault.count) + " such cells."));
   }
 
   /// Twice the area, positive if counter-clockwise.
@@ -65,14 +81,15 @@ class CellPreparation {
     }
     const double area = doubled_area(cell);
     if (!(std::abs(area) > least_relative_area * longest)) {
-      refuse(cell, i, "has no area: expected corners that are not in one line.");
+      note(flat_, cell, i);
+      return;
     }
     if (area < 0.0) {
       std::reverse(cell.nodes.begin(), cell.nodes.begin() + cell.size());
       ++changes_.n_turned;
     }
     if (cell.is_quad() && !can_split(cell, 0) && !can_split(cell, 1)) {
-      refuse(cell, i, "crosses itself: expected the corners in order around the cell.");
+      note(crossed_, cell, i);
     }
   }
 
@@ -85,11 +102,14 @@ class CellPreparation {
   void split_quads() {
     std::vector<Cell> cells;
     std::vector<int> zones;
+    std::vector<double> beds;
     cells.reserve(mesh_.cells.size());
     zones.reserve(mesh_.cells.size());
     for (std::size_t i = 0; i < mesh_.cells.size(); ++i) {
       const Cell& cell = mesh_.cells[i];
       const int zone = mesh_.zone_of_cell[i];
+      if (!mesh_.bed_of_cell.empty())
+        beds.insert(beds.end(), cell.size() - 2, mesh_.bed_of_cell[i]);
       if (!cell.is_quad()) {
         cells.push_back(cell);
         zones.push_back(zone);
@@ -105,6 +125,7 @@ class CellPreparation {
     }
     mesh_.cells = std::move(cells);
     mesh_.zone_of_cell = std::move(zones);
+    mesh_.bed_of_cell = std::move(beds);
   }
 
   /// A cell that lies in several surfaces may stand in the file once for each.
@@ -149,40 +170,46 @@ class CellPreparation {
     for (std::size_t i = 0; i < mesh_.cells.size(); ++i) {
       if (is_removed[i]) continue;
       mesh_.cells[n] = mesh_.cells[i];
+      if (!mesh_.bed_of_cell.empty()) mesh_.bed_of_cell[n] = mesh_.bed_of_cell[i];
       mesh_.zone_of_cell[n++] = mesh_.zone_of_cell[i];
     }
     mesh_.cells.resize(n);
+    if (!mesh_.bed_of_cell.empty()) mesh_.bed_of_cell.resize(n);
     mesh_.zone_of_cell.resize(n);
-  }
-
-  void drop_unused_nodes() {
-    std::vector<int> number(mesh_.nodes.size(), -1);
-    for (const Cell& cell : mesh_.cells) {
-      for (int k = 0; k < cell.size(); ++k) number[static_cast<std::size_t>(cell.node(k))] = 0;
-    }
-    int n = 0;
-    for (std::size_t i = 0; i < number.size(); ++i) {
-      if (number[i] < 0) continue;
-      mesh_.nodes[static_cast<std::size_t>(n)] = mesh_.nodes[i];
-      number[i] = n++;
-    }
-    changes_.n_unused_nodes = static_cast<int>(number.size()) - n;
-    mesh_.nodes.resize(static_cast<std::size_t>(n));
-    const auto renumber = [&number](int& node) { node = number[static_cast<std::size_t>(node)]; };
-    for (Cell& cell : mesh_.cells) {
-      for (int k = 0; k < cell.size(); ++k) renumber(cell.nodes[static_cast<std::size_t>(k)]);
-    }
-    for (LinePiece& piece : mesh_.line_pieces) {  // one on an unused node gets a negative index
-      renumber(piece.node1);
-      renumber(piece.node2);
-    }
   }
 
   Mesh& mesh_;
   CellChanges changes_;
+  Fault flat_{"has no area: expected corners that are not in one line."};
+  Fault crossed_{"crosses itself: expected the corners in order around the cell."};
 };
 
 }  // namespace
+
+int drop_unused_nodes(Mesh& mesh) {
+  std::vector<int> number(mesh.nodes.size(), -1);
+  for (const Cell& cell : mesh.cells) {
+    for (int k = 0; k < cell.size(); ++k) number[static_cast<std::size_t>(cell.node(k))] = 0;
+  }
+  int n = 0;
+  for (std::size_t i = 0; i < number.size(); ++i) {
+    if (number[i] < 0) continue;
+    mesh.nodes[static_cast<std::size_t>(n)] = mesh.nodes[i];
+    number[i] = n++;
+  }
+  mesh.nodes.resize(static_cast<std::size_t>(n));
+  const auto renumber = [&number](int& node) {
+    if (node >= 0) node = number[static_cast<std::size_t>(node)];
+  };
+  for (Cell& cell : mesh.cells) {
+    for (int k = 0; k < cell.size(); ++k) renumber(cell.nodes[static_cast<std::size_t>(k)]);
+  }
+  for (LinePiece& piece : mesh.line_pieces) {
+    renumber(piece.node1);
+    renumber(piece.node2);
+  }
+  return static_cast<int>(number.size()) - n;
+}
 
 CellChanges prepare_cells(Mesh& mesh) { return CellPreparation(mesh).run(); }
 

@@ -18,4 +18,8 @@ struct CellChanges {
 /// tools::Error for cells without area or that cross themselves.
 CellChanges prepare_cells(Mesh& mesh);
 
+/// Leaves out the nodes that no cell has, and answers how many; a piece of a line on one of them
+/// gets a negative index.
+int drop_unused_nodes(Mesh& mesh);
+
 }  // namespace mesh_import

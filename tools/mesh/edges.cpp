@@ -28,6 +28,11 @@ class Sides {
     });
     for (std::size_t i = 0; i < n_nodes; ++i)
       pair(entries.data() + begin[i], entries.data() + begin[i + 1]);
+    if (n_overlaps_ == 0) return;
+    throw tools::Error(
+        first_overlap_ +
+        (n_overlaps_ == 1 ? ""
+                          : " It is the first of " + std::to_string(n_overlaps_) + " such edges."));
   }
 
   /// The cell on the other side of side k of a cell, or -1.
@@ -60,26 +65,30 @@ class Sides {
       if (entry[0].first != entry[1].first) continue;
       const bool is_third = entry + 2 < last && entry[2].first == entry[0].first;
       const bool same_way = first_node(entry[0].second) == first_node(entry[1].second);
-      if (is_third || same_way) refuse(entry[0].second, entry[1].second, is_third);
+      if (is_third || same_way) note_overlap(entry[0].second, entry[1].second, is_third);
       twin_[static_cast<std::size_t>(entry[0].second)] = entry[1].second;
       twin_[static_cast<std::size_t>(entry[1].second)] = entry[0].second;
       ++entry;
+      while (is_third && entry + 1 < last && entry[1].first == entry[0].first) ++entry;
     }
   }
 
-  [[noreturn]] void refuse(int side1, int side2, bool is_third) const {
+  void note_overlap(int side1, int side2, bool is_third) {
+    if (n_overlaps_++ > 0) return;
     const Cell& cell = mesh_.cells[static_cast<std::size_t>(side1 / 4)];
     const Node& a = mesh_.nodes[static_cast<std::size_t>(cell.node(side1 % 4))];
     const Node& b = mesh_.nodes[static_cast<std::size_t>(cell.node(side1 % 4 + 1))];
-    throw tools::Error(
+    first_overlap_ =
         "the edge from " + shown_point(a.x, a.y) + " to " + shown_point(b.x, b.y) + ": found " +
         (is_third ? "more than two cells" : "two cells on the same side") + " (cells " +
         std::to_string(side1 / 4 + 1) + " and " + std::to_string(side2 / 4 + 1) +
-        " of the mesh among them), expected one cell on each side: cells overlap.");
+        " of the mesh among them), expected one cell on each side: cells overlap.";
   }
 
   const Mesh& mesh_;
   std::vector<int> twin_;
+  std::size_t n_overlaps_ = 0;
+  std::string first_overlap_;
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <csignal>
 #include <exception>
 #include <filesystem>
+#include <map>
 #include <new>
 #include <regex>
 
@@ -25,14 +26,23 @@ namespace mesh_import {
 
 namespace {
 
-/// What Gmsh calls errors, one a line. It goes on after most of them, with a part of the mesh.
+/// What Gmsh calls errors, a line for those that differ in their numbers alone. It goes on after
+/// most of them, with a part of the mesh.
 std::string logged_errors() {
   std::vector<std::string> lines;
   gmsh::logger::get(lines);
-  std::string errors;
   const std::string mark = "Error: ";
+  std::erase_if(lines, [&mark](const std::string& line) { return !line.starts_with(mark); });
+  std::string errors;
+  std::map<std::string, long> of_kind;  // by the text without its numbers
+  static const std::regex number("[-+.0-9]+(e[-+]?[0-9]+)?");
+  const auto kind = [](const std::string& line) { return std::regex_replace(line, number, "#"); };
+  for (const auto& line : lines) ++of_kind[kind(line)];
   for (const auto& line : lines) {
-    if (line.compare(0, mark.size(), mark) == 0) errors += "\n  " + line.substr(mark.size());
+    long& count = of_kind[kind(line)];
+    if (count > 0) errors += "\n  " + line.substr(mark.size());
+    if (count > 1) errors += " (and " + std::to_string(count - 1) + " more like it)";
+    count = 0;
   }
   return errors;
 }

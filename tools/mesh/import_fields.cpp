@@ -20,12 +20,15 @@ namespace mesh_import {
 
 namespace {
 
-/// Levels of the cells, m; those without one keep the mean of their nodes.
+/// Levels of the cells, m; those without one keep that of the mesh file, or else the mean of their
+/// nodes.
 std::vector<double> bed_levels(const Mesh& mesh, const std::vector<std::string>& requests) {
   std::vector<double> levels;
   const auto given = values_of_cells(mesh, "--bed", requests, RasterUse::mean);
   for (std::size_t i = 0; i < given.size(); ++i) {
-    levels.push_back(as_written(given[i].value_or(mesh.center(mesh.cells[i]).z)));
+    const double usual =
+        mesh.bed_of_cell.empty() ? mesh.center(mesh.cells[i]).z : mesh.bed_of_cell[i];
+    levels.push_back(as_written(given[i].value_or(usual)));
   }
   return levels;
 }
@@ -66,6 +69,12 @@ void set_water(const std::vector<std::string>& requests, Case& contents, std::os
       << " at the start.\n";
 }
 
+/// Cells with an ID that no term has.
+struct UnknownId {
+  std::size_t n_cells;
+  std::size_t first;  ///< cell
+};
+
 /// The numbers of the terms of the cells, by their IDs; of two alike that of the later.
 std::vector<int> terms_of_cells(const Mesh& mesh, const std::string& option,
                                 const std::vector<std::string>& requests, const std::string& file,
@@ -73,13 +82,26 @@ std::vector<int> terms_of_cells(const Mesh& mesh, const std::string& option,
   std::map<double, int> numbers = {{-1.0, -1}};
   for (std::size_t i = 0; i < ids.size(); ++i) numbers[ids[i]] = static_cast<int>(i);
   std::vector<int> terms;
-  for (const auto& value : values_of_cells(mesh, option, requests, RasterUse::most_frequent)) {
-    const auto known = numbers.find(value.value_or(-1.0));
+  std::map<double, UnknownId> unknown;
+  const auto values = values_of_cells(mesh, option, requests, RasterUse::most_frequent);
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const auto known = numbers.find(values[i].value_or(-1.0));
     if (known == numbers.end()) {
-      throw tools::Error(option + ": found the ID " + shown(*value) + ", expected one of " + file +
-                         ", or -1.");
+      unknown.try_emplace(*values[i], UnknownId{0, i}).first->second.n_cells++;
+    } else {
+      terms.push_back(known->second);
     }
-    terms.push_back(known->second);
+  }
+  std::string found;
+  for (const auto& [id, cells] : unknown) {
+    const Node center = mesh.center(mesh.cells[cells.first]);
+    found += (found.empty() ? "" : ", ") + shown(id) + " in " +
+             utils::counted(cells.n_cells, "cell") + ", the first at " +
+             shown_point(center.x, center.y);
+  }
+  if (!found.empty()) {
+    throw tools::Error(option + ": found the ID " + found + "; expected one of " + file +
+                       ", or -1.");
   }
   return terms;
 }
@@ -108,7 +130,9 @@ void set_soils(const ImportOptions& options, Case& contents) {
 
 void import_fields(const ImportOptions& options, Case& contents, std::ostream& out) {
   const Mesh& mesh = contents.mesh;
-  if (!options.bed.empty()) contents.bed = bed_levels(mesh, options.bed);
+  if (!options.bed.empty() || !mesh.bed_of_cell.empty()) {
+    contents.bed = bed_levels(mesh, options.bed);
+  }
   if (!options.friction.empty()) {
     contents.friction = values_of_all_cells(mesh, "--friction", options.friction);
   } else {

@@ -4,6 +4,7 @@
 
 #include "mesh/cells.hpp"
 #include "mesh/fields.hpp"
+#include "mesh/merge_nodes.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
 #include "utils/counted.hpp"
@@ -31,6 +32,7 @@ Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
     out << "Left out " << utils::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
   }
   out << "Turned " << utils::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
+  merge_boundary_nodes(mesh, options.merge_distance, out);
   return mesh;
 }
 

@@ -32,6 +32,11 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
   command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo or .2dm")->required();
   command.add_option("CASE", options.folder, "Folder of the case, made if needed")->required();
   command
+      .add_option("--merge-nodes", options.merge_distance,
+                  "Join nodes of the boundary that lie no further apart, m: a crack between them "
+                  "lets no water pass")
+      ->type_name("DISTANCE");
+  command
       .add_option("--terrain", options.terrain,
                   "Elevation of the nodes from a raster: ESRI ASCII (.asc), GeoTIFF")
       ->type_name("FILE");
@@ -123,6 +128,10 @@ void check_usage(const ImportOptions& options) {
   const auto check_positive = [](const char* option, double value) {
     if (!(value > 0.0) || !std::isfinite(value)) refuse_usage(option, "must be above 0");
   };
+  const double distance = options.merge_distance.value_or(0.0);
+  if (!(distance >= 0.0) || !std::isfinite(distance)) {
+    refuse_usage("--merge-nodes", "must be a distance, m; 0 joins nodes at the same place");
+  }
   check_positive("--end", options.end.value_or(1.0));
   check_positive("--interval", options.interval.value_or(1.0));
   check_positive("--cfl", options.courant);

@@ -15,6 +15,7 @@ struct ImportOptions {
   std::string folder;
   std::string origin;
   std::string terrain;
+  std::optional<double> merge_distance;
   std::optional<double> fill;
   std::vector<std::string> boundaries;
   std::vector<std::string> friction, level, bed, sediment, rain, soil;

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "case/recorded_end.hpp"
@@ -92,10 +93,30 @@ void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out)
   out << "The flux scheme is " << cases::kind_of(contents.scheme).name << ".\n";
 }
 
+void expect_all_inside(const std::vector<Node>& gauges,
+                       const std::vector<std::optional<Node>>& places) {
+  std::string outside;
+  std::size_t n_outside = 0;
+  for (std::size_t i = 0; i < gauges.size(); ++i) {
+    if (places[i]) continue;
+    outside += (n_outside++ > 0 ? ", " : "") + shown_point(gauges[i].x, gauges[i].y);
+  }
+  if (n_outside == 0) return;
+  throw tools::Error(
+      n_outside == 1
+          ? "--gauge: the point " + outside + " lies in no cell; expected one inside of the mesh."
+          : "--gauge: " + std::to_string(n_outside) + " points lie in no cell: " + outside +
+                "; expected points inside of the mesh.");
+}
+
 /// Where the options say, or else in the lowest cell.
 void place_gauges(Case& contents, std::ostream& out) {
-  for (Node& gauge : contents.gauges) {
-    const Node placed = place_gauge(contents.mesh, gauge);
+  std::vector<std::optional<Node>> places;
+  for (const Node& gauge : contents.gauges) places.push_back(place_gauge(contents.mesh, gauge));
+  expect_all_inside(contents.gauges, places);
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    Node& gauge = contents.gauges[i];
+    const Node& placed = *places[i];
     if (placed.x != gauge.x || placed.y != gauge.y) {
       out << "Moved the gauge at " << shown_point(gauge.x, gauge.y)
           << ", on the border of cells, to " << shown_point(placed.x, placed.y) << ".\n";

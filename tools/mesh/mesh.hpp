@@ -33,7 +33,8 @@ struct LinePiece {
 struct Mesh {
   std::vector<Node> nodes;
   std::vector<Cell> cells;
-  std::vector<int> zone_of_cell;  // index into zones
+  std::vector<int> zone_of_cell;    // index into zones
+  std::vector<double> bed_of_cell;  // m; empty where the file gives nodes alone an elevation
   /// A cell may lie in several named surfaces, or in none: every combination is a zone, which lists
   /// its surfaces as indices into surface_names.
   std::vector<std::vector<int>> zones;

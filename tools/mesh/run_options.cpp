@@ -3,10 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <optional>
 
 #include "mesh/numbers.hpp"
-#include "support/Error.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -77,7 +75,7 @@ std::vector<double> parse_snapshots(const std::string& text) {
 
 Node point_inside(const Mesh& mesh, const Cell& cell) { return sector_of(mesh, cell, 0).middle(); }
 
-Node place_gauge(const Mesh& mesh, const Node& point) {
+std::optional<Node> place_gauge(const Mesh& mesh, const Node& point) {
   constexpr double margin = 1e-6, rounding = 1e-9;
   std::optional<Sector> touched;
   for (const Cell& cell : mesh.cells) {
@@ -88,10 +86,7 @@ Node place_gauge(const Mesh& mesh, const Node& point) {
       if (!touched && depth > -rounding) touched = sector;
     }
   }
-  if (!touched) {
-    throw tools::Error("--gauge: the point " + shown_point(point.x, point.y) +
-                       " lies in no cell; expected one inside of the mesh.");
-  }
+  if (!touched) return std::nullopt;
   return touched->middle();
 }
 

@@ -1,6 +1,7 @@
 // What the command line says about outputs: where gauges stand, and when snapshots are taken.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,8 +20,8 @@ std::vector<double> parse_snapshots(const std::string& text);
 Node point_inside(const Mesh& mesh, const Cell& cell);
 
 /// The point itself, or, where it lies on a line on which the simulator finds no cell (an edge, or
-/// from the centre of a cell to a corner), one beside it in a cell that it touches. Throws
-/// tools::Error for a point in no cell.
-Node place_gauge(const Mesh& mesh, const Node& point);
+/// from the centre of a cell to a corner), one beside it in a cell that it touches; none for a
+/// point in no cell.
+std::optional<Node> place_gauge(const Mesh& mesh, const Node& point);
 
 }  // namespace mesh_import

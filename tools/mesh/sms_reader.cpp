@@ -1,13 +1,15 @@
 #include "mesh/sms_reader.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <cmath>
 #include <map>
-#include <set>
 #include <utility>
 
 #include "mesh/ForeignScanner.hpp"
 #include "mesh/NodeNumbers.hpp"
+#include "mesh/numbers.hpp"
 #include "support/Error.hpp"
 
 namespace mesh_import {
@@ -32,11 +34,13 @@ class SmsReader {
 
  private:
   void read_card(const std::string& card);
+  void skip_card(const std::string& card);
   void read_node();
   void read_element(std::size_t n_nodes);
   void read_string_card();
   void read_material_name();
   void link();
+  void set_columns();
   int find(long long number, const std::string& user) const;
   void report();
 
@@ -48,7 +52,8 @@ class SmsReader {
     long long number;
     long long nodes[4];
     std::size_t n_nodes;
-    long long material;
+    std::array<double, 2> columns;  ///< behind the nodes: material, elevation
+    std::size_t n_columns;
   };
   std::vector<Element> elements_;
   struct String {
@@ -58,14 +63,17 @@ class SmsReader {
   std::vector<String> strings_;
   bool string_is_open_ = false;
   std::map<long long, std::string> material_names_;
-  std::set<std::string> ignored_cards_;
-  bool has_more_materials_ = false;
+  std::map<std::string, long> ignored_cards_;  ///< how many of each
+  bool has_passed_foreign_card_ = false;       ///< which lines without a card may go on
+  bool has_materials_ = false;
 };
 
 void SmsReader::read_card(const std::string& card) {
   if (string_is_open_ && card != "NS") {
     in_.refuse("card", "NS: the node string before it has no end (a negative node)");
   }
+  const bool is_continued = has_passed_foreign_card_;
+  has_passed_foreign_card_ = false;
   if (card == "ND") {
     read_node();
   } else if (card == "E3T") {
@@ -76,12 +84,26 @@ void SmsReader::read_card(const std::string& card) {
     read_string_card();
   } else if (card == "MAT" || card == "MATNAME") {
     read_material_name();
-  } else if (card.size() == 3 && card[0] == 'E' && card[1] >= '0' && card[1] <= '9') {
+  } else if (card == "E6T" || card == "E8Q" || card == "E9Q") {
     in_.refuse("card", "E3T or E4Q: only elements of first order can be read");
-  } else if (!std::isupper(static_cast<unsigned char>(card[0]))) {
-    in_.refuse("card", "a card such as ND, E3T, E4Q or NS");
+  } else if (std::isalpha(static_cast<unsigned char>(card[0]))) {
+    skip_card(card);
+  } else if (is_continued) {
+    has_passed_foreign_card_ = true;
+    in_.skip_line();
   } else {
-    ignored_cards_.insert(card);
+    in_.refuse("card", "a card such as ND, E3T, E4Q or NS");
+  }
+}
+
+/// Boundary conditions, curves and parameters of models may stand around the mesh, also in lines of
+/// numbers below their card; curves lie between cards of their own.
+void SmsReader::skip_card(const std::string& card) {
+  ++ignored_cards_[card];
+  in_.skip_line();
+  has_passed_foreign_card_ = true;
+  if (card == "BEGCURVE") {
+    while (!in_.at_end() && in_.word("card") != "ENDCURVE") in_.skip_line();
     in_.skip_line();
   }
 }
@@ -102,8 +124,9 @@ void SmsReader::read_element(std::size_t n_nodes) {
     if (in_.at_end_of_line()) in_.refuse("node of an element", "a further node on the line");
     element.nodes[k] = in_.integer("node of an element");
   }
-  if (!in_.at_end_of_line()) element.material = in_.integer("material");
-  has_more_materials_ = has_more_materials_ || !in_.at_end_of_line();
+  while (element.n_columns < element.columns.size() && !in_.at_end_of_line()) {
+    element.columns[element.n_columns++] = in_.number("material or elevation");
+  }
   elements_.push_back(element);
   in_.skip_line();
 }
@@ -130,6 +153,42 @@ void SmsReader::read_material_name() {
   in_.skip_line();
 }
 
+/// What stands behind the nodes of the elements: numbers of materials are whole; some programs
+/// write the elevation of the element in their place, or behind them.
+void SmsReader::set_columns() {
+  for (std::size_t k = 0; k < 2; ++k) {
+    std::size_t n_there = 0, n_fractions = 0;
+    const Element* first = nullptr;
+    for (const Element& element : elements_) {
+      if (element.n_columns <= k) continue;
+      ++n_there;
+      const double value = element.columns[k];
+      if (value == std::floor(value) && std::abs(value) < 1e15) continue;
+      if (n_fractions++ == 0) first = &element;
+    }
+    const bool are_elevations = n_there == elements_.size() && 2 * n_fractions >= n_there;
+    if (n_fractions > 0 && !are_elevations) {
+      throw tools::Error(in_.path() + ", element " + std::to_string(first->number) + ": found " +
+                         shown(first->columns[k]) +
+                         " behind the nodes, expected the number of a material, or an elevation of "
+                         "every element.");
+    }
+    if (n_there == 0) return;
+    if (are_elevations) {
+      for (const Element& element : elements_) mesh_.bed_of_cell.push_back(element.columns[k]);
+      mesh_.remarks.push_back("The elements have elevations (element " +
+                              std::to_string(first->number) + ": " + shown(first->columns[k]) +
+                              " m), which are the bed of their cells.");
+      return;
+    }
+    if (k == 0) {
+      has_materials_ = true;
+    } else {
+      mesh_.remarks.push_back("Some elements have several materials; the first one was taken.");
+    }
+  }
+}
+
 int SmsReader::find(long long number, const std::string& user) const {
   const int node = numbers_.find(number);
   if (node < 0) {
@@ -142,18 +201,20 @@ int SmsReader::find(long long number, const std::string& user) const {
 /// Cards may come in any order, so numbers are looked up at the end.
 void SmsReader::link() {
   numbers_ = NodeNumbers(std::move(builder_), in_.path());
+  set_columns();
   std::map<long long, int> zone_of_material;
   for (const Element& element : elements_) {
     Cell cell;
     for (std::size_t k = 0; k < element.n_nodes; ++k) {
       cell.nodes[k] = find(element.nodes[k], "element " + std::to_string(element.number));
     }
-    const auto [zone, is_new] = zone_of_material.try_emplace(
-        element.material, static_cast<int>(mesh_.surface_names.size()));
+    const long long material = has_materials_ ? static_cast<long long>(element.columns.front()) : 0;
+    const auto [zone, is_new] =
+        zone_of_material.try_emplace(material, static_cast<int>(mesh_.surface_names.size()));
     if (is_new) {
-      const auto name = material_names_.find(element.material);
+      const auto name = material_names_.find(material);
       mesh_.zones.push_back({zone->second});
-      mesh_.surface_names.push_back(name == material_names_.end() ? std::to_string(element.material)
+      mesh_.surface_names.push_back(name == material_names_.end() ? std::to_string(material)
                                                                   : name->second);
     }
     mesh_.cells.push_back(cell);
@@ -181,12 +242,12 @@ void SmsReader::report() {
   if (mesh_.cells.empty()) {
     throw tools::Error(in_.path() + ": the file holds no element (cards E3T and E4Q).");
   }
-  if (has_more_materials_) {
-    mesh_.remarks.push_back("Some elements have several materials; the first one was taken.");
-  }
   std::string cards;
-  for (const auto& card : ignored_cards_) cards += " " + card;
-  if (!cards.empty()) mesh_.remarks.push_back("Cards that were not read:" + cards + ".");
+  for (const auto& [card, count] : ignored_cards_) {
+    cards +=
+        (cards.empty() ? "" : ", ") + card + (count > 1 ? " (" + std::to_string(count) + ")" : "");
+  }
+  if (!cards.empty()) mesh_.remarks.push_back("Cards that were not read: " + cards + ".");
 }
 
 }  // namespace

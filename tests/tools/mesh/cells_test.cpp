@@ -90,4 +90,22 @@ TEST(Cells, OnesWithoutAreaOrThatCrossThemselvesAreRefused) {
       "crosses itself"));
 }
 
+TEST(Cells, AtFaultInOneWayAreCounted) {
+  EXPECT_EQ(error_of(mesh_of({{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 1, 0}},
+                             {triangle(0, 1, 3), triangle(0, 1, 2), triangle(1, 0, 2)})),
+            "cell 2 of the mesh, with the corners (0.000, 0.000), (1.000, 0.000), (2.000, 0.000), "
+            "has no area: expected corners that are not in one line. It is the first of 2 such "
+            "cells.");
+}
+
+TEST(Cells, SplitOrJoinedKeepTheirBed) {
+  Mesh mesh = mesh_of({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0, 0}},
+                      {quad(0, 1, 2, 3), triangle(1, 4, 2), triangle(1, 4, 2)});
+  mesh.bed_of_cell = {1.5, 2.5, 3.5};
+  mesh.zones = {{0}, {1}};
+  mesh.zone_of_cell = {0, 0, 1};
+  prepare_cells(mesh);
+  EXPECT_EQ(mesh.bed_of_cell, (std::vector<double>{1.5, 1.5, 2.5}));
+}
+
 }  // namespace

@@ -273,6 +273,19 @@ TEST_F(CheckMesh, NamesTheSharpestAngle) {
   EXPECT_NEAR(report["quality"]["smallest angle"].get<double>(), 2.0, 1e-6);
 }
 
+TEST_F(CheckMesh, WarnsOfACrackInsideAConnectedMesh) {
+  // Four triangles around a node; the first and the last do not share their side.
+  c.files["nodes.txt"] = "6\n0 0 0\n2 0 0\n2 2 0\n0 2 0\n1 1 0\n0 0 0\n";
+  c.files["cells.txt"] = "4\n3 0 1 4\n3 1 2 4\n3 2 3 4\n3 3 5 4\n";
+  c.files["edges.txt"] =
+      "9\n0 1 1 4 -1\n1 2 2 4 -1\n2 3 3 4 -1\n0 -1 0 1 -5\n1 -1 1 2 -5\n2 -1 2 3 -5\n"
+      "3 -1 3 5 -5\n3 -1 5 4 -5\n0 -1 4 0 -5\n";
+  c.files["initial.txt"] = "1 0 0\n1 0 0\n1 0 0\n1 0 0\n";
+  expect_warning("crack", {"1 pair of nodes on the boundary lie at one place, the first of them 0 "
+                           "and 5 at (0, 0)",
+                           "--merge-nodes"});
+}
+
 TEST_F(CheckMesh, ListsTheTenSmallestCells) {
   // One node moves: the two cells that lose most are the smallest.
   c.files["nodes.txt"] = with_record(c.nodes_text(), 6, "0.9 0.9 0");

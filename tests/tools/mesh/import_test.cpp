@@ -316,6 +316,73 @@ TEST_F(Import, RefusesAGaugeOutsideOfTheMesh) {
             "inside of the mesh.\n");
 }
 
+TEST_F(Import, NamesAllGaugesOutsideOfTheMeshAtOnce) {
+  EXPECT_EQ(import_badly(1, {"--gauge", "4.1,1", "--gauge", "1.2,1.3", "--gauge", "-1,2"}),
+            "quillmere-mesh: --gauge: 2 points lie in no cell: (4.100, 1.000), (-1.000, 2.000); "
+            "expected points inside of the mesh.\n");
+}
+
+TEST_F(Import, CountsTheCellsOfEveryUnknownId) {
+  folder.write("hyetograms.txt", "1\n5 1 60\n0 1e-5\n");
+  EXPECT_EQ(
+      import_badly(1, {"--rain", "left=4", "--rain", "right=7", "--hyetograms", "hyetograms.txt"}),
+      "quillmere-mesh: --rain: found the ID 4 in 12 cells, the first at (0.667, 0.333), 7 in "
+      "12 cells, the first at (2.667, 0.333); expected one of hyetograms.txt, or -1.\n");
+}
+
+/// Two rows of squares that do not share the nodes between them, but for the western one.
+TEST_F(Import, WarnsOfACrackAndMergesItsNodes) {
+  const std::string nodes =
+      "MESH2D\nND 1 0 0 1\nND 2 1 0 1\nND 3 2 0 1\nND 4 0 1 2\nND 5 1 1 2\nND 6 2 1 2\n"
+      "ND 7 1 1.00001 2\nND 8 2 1.00001 2\nND 9 0 2 3\nND 10 1 2 3\nND 11 2 2 3\n";
+  folder.write("m.2dm", nodes +
+                            "E4Q 1 1 2 5 4 1\nE4Q 2 2 3 6 5 1\nE4Q 3 4 7 10 9 1\n"
+                            "E4Q 4 7 8 11 10 1\nNS 4 7 -8 2\n");
+  const Words words = {"m.2dm", "case", "--level", "4", "--end", "1"};
+  const auto cracked = import(words);
+  EXPECT_EQ(cracked.status, 0);
+  EXPECT_EQ(cracked.err,
+            "Warning: 2 pairs of nodes on the boundary lie at one place, the first at (1.000, "
+            "1.000): no water passes between their cells. Where no thin wall is meant, "
+            "--merge-nodes 0.001 joins nodes within a millimetre.\n");
+  Words mend = words;
+  mend.insert(mend.end(), {"--overwrite", "--merge-nodes", "1e-4", "--section", "2"});
+  const auto mended = import(mend);
+  EXPECT_EQ(mended.err, "");
+  EXPECT_TRUE(contains(mended.out, "Merged 2 nodes into others within 0.0001 m.\n")) << mended.out;
+  EXPECT_TRUE(contains(mended.out, "Section 2: 2 edges, 2 m")) << mended.out;
+  EXPECT_EQ(lines("nodes.txt").at(0), "9");
+  run_case();
+  mend[8] = "1.2";
+  EXPECT_TRUE(contains(import(mend).err, "--merge-nodes 1.2: a cell at (")) << import(mend).err;
+  mend[8] = "-1";
+  EXPECT_EQ(import(mend).status, 2);
+}
+
+TEST_F(Import, WarnsOfALineThatFollowsNoEdge) {
+  std::string text = sample.sms();
+  const std::string west = "NS 1 6 11 -16 west";
+  ASSERT_TRUE(contains(text, west));
+  text.replace(text.find(west), west.size(), "NS 1 6 -16 west");
+  folder.write("m.2dm", text);
+  const auto result = import({"m.2dm", "case", "--boundary", "west=transmissive"});
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(result.err,
+            "Warning: the line \"west\": 1 of 2 pieces follow no edge of the mesh, the first from "
+            "(0.000, 1.000) to (0.000, 3.000); the edges there get no condition of it. Expected "
+            "every node along the line.\n");
+}
+
+TEST_F(Import, TakesTheBedOfElementsThatHaveElevations) {
+  folder.write("m.2dm",
+               "MESH2D\nND 1 0 0\nND 2 1 0\nND 3 1 1\nND 4 0 1\nND 5 2 0\n"
+               "E4Q 1 1 2 3 4 7.25\nE3T 2 2 5 3 8\n");
+  const auto result = import({"m.2dm", "case", "--level", "9", "--end", "1"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_EQ(column("bed.txt", 0, 0), (std::vector<double>{7.25, 7.25, 8.0}));
+  run_case();
+}
+
 TEST_F(Import, TakesSnapshotsWhenItIsTold) {
   EXPECT_TRUE(contains(import_well({"--snapshots", "0,0.25,1.5", "--level", "1.5", "--end", "2",
                                     "--interval", "0.5", "--section", "gate"}),
@@ -668,7 +735,8 @@ TEST_F(Import, RefusesRainAndSoilsThatNoRunWouldAccept) {
             "found \"Sand\", expected GreenAmpt or Horton.\n");
   folder.write("hyetograms.txt", "1\n5 1 60\n0 1e-5\n");
   EXPECT_EQ(import_badly(1, {"--rain", "4", "--hyetograms", "hyetograms.txt"}),
-            "quillmere-mesh: --rain: found the ID 4, expected one of hyetograms.txt, or -1.\n");
+            "quillmere-mesh: --rain: found the ID 4 in 24 cells, the first at (0.667, 0.333); "
+            "expected one of hyetograms.txt, or -1.\n");
 }
 
 TEST_F(Import, ShowsExamplesFirst) {

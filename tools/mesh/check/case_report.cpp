@@ -38,6 +38,7 @@ void check_mesh(CaseReport& report, const CheckedCase& checked) {
   if (checked.has_edges) {
     check_orientation(mesh, findings);
     check_sides(mesh, findings);
+    check_cracks(mesh, findings);
     report.regions = check_regions(mesh, report.cells, findings);
     report.higher_cell_first = check_shores(mesh, report.cells, report.data.zero_depth, findings);
   }

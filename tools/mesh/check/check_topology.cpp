@@ -1,9 +1,11 @@
 #include "mesh/check/check_topology.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <numeric>
 
+#include "case/coincident_nodes.hpp"
 #include "case/edge_faults.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/counted.hpp"
@@ -191,6 +193,23 @@ long check_shores(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
                          ": water at rest there will move; exchange its cells and its nodes");
   }
   return higher_first;
+}
+
+void check_cracks(const cases::Mesh& mesh, Findings& findings) {
+  std::vector<std::array<int, 2>> boundary;
+  for (std::size_t e = 0; e < mesh.left.size(); ++e) {
+    if (mesh.right[e] < 0) boundary.push_back({mesh.node1[e], mesh.node2[e]});
+  }
+  const auto pairs = cases::coincident_nodes(mesh.x, mesh.y, boundary);
+  if (pairs.empty()) return;
+  const auto& [a, b] = pairs.front();
+  const physics::PlanPoint place = mesh.plan_node(a);
+  findings.warning("crack", utils::counted(pairs.size(), "pair") +
+                                " of nodes on the boundary lie at one place, the first of them " +
+                                std::to_string(a) + " and " + std::to_string(b) + " at " +
+                                point(place.x, place.y) +
+                                ": no water passes between their cells; where no thin wall is "
+                                "meant, quillmere-mesh import --merge-nodes joins them");
 }
 
 std::vector<long> check_regions(const cases::Mesh& mesh, const std::vector<CellValues>& cells,

@@ -22,6 +22,9 @@ void check_orientation(const cases::Mesh& mesh, Findings& findings);
 long check_shores(const cases::Mesh& mesh, const std::vector<CellValues>& cells, double zero_depth,
                   Findings& findings);
 
+/// Reports nodes of the boundary that lie at one place: a crack.
+void check_cracks(const cases::Mesh& mesh, Findings& findings);
+
 /// Reports parts of the mesh that water can't pass between, and nodes in no cell; returns the
 /// number of cells of each part, the largest first.
 std::vector<long> check_regions(const cases::Mesh& mesh, const std::vector<CellValues>& cells,
