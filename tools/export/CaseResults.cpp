@@ -91,7 +91,7 @@ bool CaseResults::has_envelope() const {
   return std::filesystem::exists(envelope_file()) && !log.is_earlier(envelope_file());
 }
 
-std::optional<std::vector<float>> CaseResults::max_depth() const {
+std::optional<std::vector<float>> CaseResults::max_depth(BelowZero* below_zero) const {
   if (!has_envelope()) return std::nullopt;
   TableReader table(envelope_file());
   std::array<double, 4> row;
@@ -108,6 +108,8 @@ std::optional<std::vector<float>> CaseResults::max_depth() const {
     table.refuse(": found the end of the file, expected " + std::to_string(mesh.n_cells()) +
                  " rows, one per cell.");
   }
+  const BelowZero found = dry_below_zero(mesh, std::nullopt, depth);
+  if (below_zero != nullptr) below_zero->add(found);
   return depth;
 }
 

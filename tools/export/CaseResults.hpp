@@ -7,6 +7,7 @@
 
 #include "export/CaseFiles.hpp"
 #include "export/Mesh.hpp"
+#include "export/below_zero.hpp"
 #include "export/run_log.hpp"
 
 namespace exports {
@@ -28,7 +29,8 @@ struct CaseResults {
   /// mean of the cells around.
   std::vector<double> node_bed() const;
   /// Largest depths of the cells (m) from the envelope; none if the last run has written none.
-  std::optional<std::vector<float>> max_depth() const;
+  /// Depths below zero become zero, of which `below_zero` is told.
+  std::optional<std::vector<float>> max_depth(BelowZero* below_zero = nullptr) const;
   /// The snapshot for a time, or the last one; refuses when there is none, and says which there
   /// are.
   const SnapshotFile& snapshot_at(std::optional<double> time) const;

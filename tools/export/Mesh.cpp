@@ -73,6 +73,10 @@ int Mesh::most_nodes_per_cell() const {
   return most;
 }
 
+double Mesh::area_of(std::size_t cell) const {
+  return 0.5 * signed_double_area(*this, nodes_of(cell));
+}
+
 Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file,
                const std::array<double, 2>& origin) {
   Mesh mesh;

@@ -24,6 +24,7 @@ struct Mesh {
                                     static_cast<std::size_t>(first[cell + 1] - first[cell]));
   }
   int most_nodes_per_cell() const;
+  double area_of(std::size_t cell) const;  ///< m2
 };
 
 /// Reads the nodes and cells files. Cells whose nodes run clockwise are turned round, since that is

@@ -58,6 +58,9 @@ class NetcdfFile {
   void add_integer(int variable, const char* name, int value) {
     check(nc_put_att_int(id_, variable, name, NC_INT, 1, &value));
   }
+  void add_number(int variable, const char* name, double value) {
+    check(nc_put_att_double(id_, variable, name, NC_DOUBLE, 1, &value));
+  }
   void add_fill_value(int variable, float value) {
     check(nc_put_att_float(id_, variable, "_FillValue", NC_FLOAT, 1, &value));
   }

@@ -59,6 +59,7 @@ void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapsho
     table.refuse(": found the end of the file after " + std::to_string(i) + " rows, expected " +
                  std::to_string(n) + ", one per cell.");
   }
+  snapshot.below_zero.add(dry_below_zero(mesh, file.time, snapshot[fields::Field::depth]));
 }
 
 }  // namespace exports

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "export/CaseResults.hpp"
+#include "export/below_zero.hpp"
 #include "fields/Field.hpp"
 
 namespace exports {
@@ -19,11 +20,13 @@ struct Snapshot {
     return columns[static_cast<std::size_t>(field)];
   }
 
-  double time = 0.0;  ///< s
+  double time = 0.0;     ///< s
+  BelowZero below_zero;  ///< the most that any snapshot read so far had
   std::array<std::vector<float>, fields::field_table.size()> columns;
 };
 
-/// Reads a file of the case into `snapshot`, whose memory is used again. Refuses a file whose
+/// Reads a file of the case into `snapshot`, whose memory is used again; depths below zero become
+/// zero. Refuses a file whose
 /// header, number of rows or centres are not those of the case.
 void read_snapshot(const CaseResults& results, const SnapshotFile& file, Snapshot& snapshot);
 

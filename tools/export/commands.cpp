@@ -1,11 +1,13 @@
 #include "export/commands.hpp"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "export/CaseResults.hpp"
+#include "export/crs.hpp"
 #include "export/csv_writer.hpp"
 #include "export/geotiff_writer.hpp"
 #include "export/plot_command.hpp"
@@ -29,18 +31,16 @@ CLI::App& add_command(CLI::App& app, const char* name, const char* summary, Opti
   return command;
 }
 
-void add_crs_option(CLI::App& command, std::optional<int>& epsg) {
+void add_crs_option(CLI::App& command, std::optional<Crs>& crs) {
+  constexpr std::size_t prefix = 5;  // "EPSG:"
   command
       .add_option_function<std::string>(
           "--crs",
-          [&epsg](const std::string& text) {
-            constexpr std::size_t prefix = 5;  // "EPSG:"
-            epsg = std::stoi(text.substr(prefix));
-          },
+          [&crs](const std::string& text) { crs = find_crs(std::stoi(text.substr(prefix))); },
           "Coordinate reference system, as in EPSG:32632")
       ->check([](const std::string& text) {
         const bool has_prefix = text.rfind("EPSG:", 0) == 0 || text.rfind("epsg:", 0) == 0;
-        const std::string digits = has_prefix ? text.substr(5) : "";
+        const std::string digits = has_prefix ? text.substr(prefix) : "";
         const bool is_number = !digits.empty() && digits.size() <= 8 &&
                                digits.find_first_not_of("0123456789") == std::string::npos;
         return is_number ? "" : "found \"" + text + "\", expected EPSG: and a number";
@@ -68,6 +68,22 @@ void warn_about_missing(const CaseResults& results) {
   }
 }
 
+std::vector<std::string> picture_formats() { return {"png", "svg", "pdf"}; }
+
+/// The ending of a picture's name tells its format; one that tells another is wrong usage.
+void take_format_of_name(PlotOptions& options) {
+  const std::string extension =
+      CLI::detail::to_lower(std::filesystem::path(options.output).extension().string());
+  if (extension.empty()) return;
+  const std::vector<std::string> formats = picture_formats();
+  if (std::find(formats.begin(), formats.end(), extension.substr(1)) == formats.end()) {
+    throw CLI::ValidationError("--output", "found \"" + options.output +
+                                               "\", expected a name that ends with .png, .svg or "
+                                               ".pdf");
+  }
+  options.format = extension.substr(1);
+}
+
 }  // namespace
 
 void add_netcdf_command(CLI::App& app) {
@@ -77,7 +93,7 @@ void add_netcdf_command(CLI::App& app) {
   auto options = std::make_shared<Options>();
   CLI::App& command = add_command(
       app, "netcdf", "All snapshots and the envelope as UGRID NetCDF, for QGIS", *options);
-  add_crs_option(command, options->epsg);
+  add_crs_option(command, options->crs);
   command.add_option("--epoch", options->epoch, "Date and hour of the time 0 s")
       ->check([](const std::string& text) {
         std::string shape = text;
@@ -130,15 +146,17 @@ void add_geotiff_command(CLI::App& app) {
       ->required()
       ->check(CLI::PositiveNumber);
   command.add_option("--time", options->time, "Time of the snapshot, s (the last one)");
-  add_crs_option(command, options->epsg);
-  command.add_option("-o,--output", options->output, "File (CASE/export/FIELD.tif)");
+  add_crs_option(command, options->crs);
+  command.add_option("-o,--output", options->output,
+                     "File (CASE/export/FIELD.tif, with its time of a snapshot)");
   command.callback([options] {
     const CaseResults results(options->case_name);
-    options->output =
-        or_default(options->output, results.files.export_path(options->field + ".tif"));
     const MapField field =
         read_map_field(results, options->field, options->time, results.files.dry_depth);
+    options->output =
+        or_default(options->output, results.files.export_path(file_stem(field) + ".tif"));
     write_geotiff(results.mesh, field, *options);
+    field.below_zero.tell();
     tell(options->output);
   });
 }
@@ -193,7 +211,7 @@ void add_plot_command(CLI::App& app) {
   command.add_option("--threshold", options->dry_depth,
                      "Cells no deeper than this are drawn dry, m (the case's zero depth)");
   command.add_option("--format", options->format, "Kind of picture")
-      ->check(CLI::IsMember({"png", "svg"}))
+      ->check(CLI::IsMember(picture_formats()))
       ->capture_default_str();
   command.add_option("--title", options->title, "Title (name of the run, and what is shown)");
   command.add_option("-o,--output", options->output,
@@ -205,11 +223,7 @@ void add_plot_command(CLI::App& app) {
     if (options->dry_depth && (options->what == What::gauges || options->what == What::sections)) {
       throw CLI::ValidationError("--threshold", "is for maps");
     }
-    const std::string extension =
-        CLI::detail::to_lower(std::filesystem::path(options->output).extension().string());
-    if (options->what != What::all && (extension == ".png" || extension == ".svg")) {
-      options->format = extension.substr(1);
-    }
+    if (options->what != What::all) take_format_of_name(*options);
     const CaseResults results(options->case_name);
     for (const std::string& picture : plot(results, *options)) tell(picture);
   });

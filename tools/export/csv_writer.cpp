@@ -3,24 +3,59 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <span>
 
 #include "case/read_requests.hpp"
 #include "export/TableReader.hpp"
+#include "export/below_zero.hpp"
 #include "export/run_log.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
 #include "utils/TextBuffer.hpp"
 #include "utils/TextScanner.hpp"
+#include "utils/counted.hpp"
+#include "utils/number_text.hpp"
+#include "utils/stop.hpp"
 
 namespace exports {
 
 namespace {
 
-/// Copies the rows of a table, one after the other.
-void copy_rows(TableReader& table, std::size_t columns, std::ostream& out) {
+/// Depths of gauges below zero, which become zero.
+class LowDepths {
+ public:
+  void dry(std::span<double> row) {
+    for (std::size_t k = 1; k < row.size(); k += 3) {
+      if (row[k] < rounding_of_depth) note(row[0], k / 3 + 1, row[k]);
+      if (row[k] < 0.0) row[k] = 0.0;
+    }
+  }
+  void tell() const {
+    if (count_ == 0) return;
+    utils::warn("depths below zero count as dry: " + utils::counted(count_, "recording") +
+                " of gauges, the lowest " + utils::number_text(lowest_) + " m, of gauge " +
+                std::to_string(gauge_) + " at " + utils::number_text(time_) + " s.");
+  }
+
+ private:
+  void note(double time, std::size_t gauge, double depth) {
+    if (count_++ > 0 && depth >= lowest_) return;
+    lowest_ = depth;
+    gauge_ = gauge;
+    time_ = time;
+  }
+
+  std::size_t count_ = 0, gauge_ = 0;
+  double lowest_ = 0.0, time_ = 0.0;
+};
+
+/// Copies the rows of a table, one after the other, as `change` leaves them.
+template <class Change>
+void copy_rows(TableReader& table, std::size_t columns, std::ostream& out, const Change& change) {
   std::vector<double> row(columns);
   utils::TextBuffer line;
   while (table.next_row(row)) {
+    change(row);
     line.clear();
     for (std::size_t k = 0; k < columns; ++k) {
       if (k > 0) line << ',';
@@ -71,8 +106,11 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
                   << " unit discharge y (m2/s)";
   }
   file.stream() << '\n';
-  copy_rows(table, 1 + 3 * list.points.size(), file.stream());
+  LowDepths low;
+  copy_rows(table, 1 + 3 * list.points.size(), file.stream(),
+            [&low](std::span<double> row) { low.dry(row); });
   file.commit();
+  low.tell();
 }
 
 void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
@@ -96,7 +134,7 @@ void write_sections_csv(const CaseFiles& files, const std::string& output) {
     file.stream() << ",section " << s << " discharge (m3/s)";
   }
   file.stream() << '\n';
-  copy_rows(table, 1 + list.sections.size(), file.stream());
+  copy_rows(table, 1 + list.sections.size(), file.stream(), [](std::span<double>) {});
   file.commit();
 }
 

@@ -162,11 +162,49 @@ def draw_places(axes, terrain):
     halo = [patheffects.withStroke(linewidth=2.2, foreground="white")]
     for section in terrain.sections:
         axes.add_collection(LineCollection(section, colors="black", linewidths=0.9))
-    for number, (x, y) in enumerate(terrain.gauges, 1):
+    for x, y in terrain.gauges:
         axes.plot(x, y, "o", markersize=4.5, color="#D55E00", markeredgecolor="white",
                   markeredgewidth=0.7)
-        axes.annotate(str(number), (x, y), xytext=(4, 4), textcoords="offset points",
-                      fontsize=9, fontweight="bold", path_effects=halo)
+    # Places count from the middle of the picture, whose size in points is known before it is drawn.
+    figure = axes.get_figure()
+    figure.draw_without_rendering()
+    to_points = 72 / figure.dpi
+    points = axes.transData.transform(np.reshape(terrain.gauges, (-1, 2))) * to_points
+    offsets = label_offsets(points)
+    for place, offset in zip(terrain.gauges, offsets):
+        if np.hypot(*offset) > 15:
+            axes.annotate("", place, xytext=offset, textcoords="offset points",
+                          arrowprops={"arrowstyle": "-", "linewidth": 0.6, "shrinkA": 0,
+                                      "shrinkB": 2, "path_effects": halo})
+    for number, (place, offset) in enumerate(zip(terrain.gauges, offsets), 1):
+        axes.annotate(str(number), place, xytext=offset, textcoords="offset points", fontsize=9,
+                      fontweight="bold", path_effects=halo, ha="center", va="center_baseline")
+
+
+def label_offsets(points):
+    """Where the number of every gauge stands beside its point (both in points of print): at the
+    nearest of rings of places around it that no other gauge or number takes."""
+    half_height = 5.0
+    taken = [(x - 3, x + 3, y - 3, y + 3) for x, y in points]
+
+    def box_at(x, y, number):
+        half_width = 3.2 * len(str(number)) + 0.5
+        return x - half_width, x + half_width, y - half_height, y + half_height
+
+    def is_free(box):
+        return all(box[1] <= other[0] or other[1] <= box[0] or box[3] <= other[2] or
+                   other[3] <= box[2] for other in taken)
+
+    offsets = []
+    for number, (x, y) in enumerate(points, 1):
+        candidates = [(radius * np.cos(angle), radius * np.sin(angle))
+                      for radius in np.arange(10.0, 120.0, 6.0)
+                      for angle in np.pi / 4 + np.arange(16) * np.pi / 8]
+        offset = next((c for c in candidates if is_free(box_at(x + c[0], y + c[1], number))),
+                      candidates[0])
+        taken.append(box_at(x + offset[0], y + offset[1], number))
+        offsets.append(offset)
+    return offsets
 
 
 def draw_scale(axes, width):
@@ -189,7 +227,6 @@ def draw_map(job, terrain, entry, values, limits):
     figure, axes = plt.subplots(figsize=size, layout="constrained")
     colours, scale = colour_scale(entry["name"], *limits)
     draw_picture(axes, terrain, values, colours, scale)
-    draw_places(axes, terrain)
     axes.set_aspect("equal")
     margin = 0.01 * max(east - west, north - south)
     axes.set(xlim=(west - margin, east + margin), ylim=(south - margin, north + margin),
@@ -197,7 +234,7 @@ def draw_map(job, terrain, entry, values, limits):
     shown = entry["long_name"]
     if "time" in entry:
         shown += ", " + format_time(entry["time"])
-    axes.set_title(title_of(job, shown), loc="left")
+    axes.set_title(title_of(job, shown), loc="left", pad=24)  # above the bar of the scale
     axes.ticklabel_format(useOffset=False, style="plain")
     axes.xaxis.set_major_locator(MaxNLocator(6, integer=east - west > 10))
     axes.yaxis.set_major_locator(MaxNLocator(2 if ratio < 0.2 else 5, integer=east - west > 10))
@@ -211,6 +248,7 @@ def draw_map(job, terrain, entry, values, limits):
         figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30,
                         ticks=MaxNLocator(6))
     draw_scale(axes, east - west)
+    draw_places(axes, terrain)
     return figure
 
 
@@ -253,6 +291,21 @@ def draw_curves(axes, times, columns, kind):
     axes.margins(x=0)
 
 
+def draw_legend(axes, figure):
+    """Beside the axes, or below them where there are more names than fit there."""
+    names = axes.get_legend_handles_labels()
+    if len(names[0]) <= 12:
+        axes.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
+        return
+    columns = 7
+    rows = -(-len(names[0]) // columns)
+    below = 0.18 * rows + 0.15  # inches
+    height = figure.get_figheight() + below
+    figure.set_figheight(height)
+    figure.get_layout_engine().set(rect=(0, below / height, 1, 1 - below / height))
+    figure.legend(*names, loc="lower center", ncols=columns, frameon=False, fontsize=8)
+
+
 def draw_gauges(table, title):
     """Depth and unit discharge; the table has time, then depth, qx and qy of every gauge."""
     times, label = time_axis(table[:, 0])
@@ -262,7 +315,7 @@ def draw_gauges(table, title):
     draw_curves(lower, times, np.hypot(table[:, 2::3], table[:, 3::3]), "gauge")
     upper.set(ylabel="depth (m)", title=title, ylim=(0, None))
     lower.set(ylabel="unit discharge (m²/s)", xlabel=label, ylim=(0, None))
-    upper.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
+    draw_legend(upper, figure)
     return figure
 
 
@@ -272,7 +325,7 @@ def draw_sections(table, title):
     figure, axes = plt.subplots(figsize=(8.4, 4), layout="constrained")
     draw_curves(axes, times, table[:, 1:], "section")
     axes.set(ylabel="discharge (m³/s)", xlabel=label, title=title)
-    axes.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
+    draw_legend(axes, figure)
     return figure
 
 
@@ -291,9 +344,12 @@ def draw_all_curves(job):
 def save(figure, output):
     """PNG pictures get a palette of 256 colours, which makes them several times smaller."""
     try:
-        if output.lower().endswith(".svg"):
+        if output.endswith(".svg"):
             figure.savefig(output, format="svg", bbox_inches="tight", pad_inches=0.1,
                            metadata={"Date": None})
+        elif output.endswith(".pdf"):
+            figure.savefig(output, format="pdf", bbox_inches="tight", pad_inches=0.1,
+                           metadata={"CreationDate": None})
         else:
             save_png(figure, output)
     except OSError as error:

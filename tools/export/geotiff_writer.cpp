@@ -43,10 +43,10 @@ std::vector<float> row_of(const MapField& field, const Triangulation& triangles,
 
 void set_reference(GDALDataset& dataset, int epsg, const std::string& name) {
   OGRSpatialReference reference;
-  if (reference.importFromEPSG(epsg) != OGRERR_NONE) {
-    throw tools::Error("EPSG:" + std::to_string(epsg) + " is not known to GDAL.");
+  if (reference.importFromEPSG(epsg) != OGRERR_NONE ||
+      dataset.SetSpatialRef(&reference) != CE_None) {
+    refuse(name);
   }
-  if (dataset.SetSpatialRef(&reference) != CE_None) refuse(name);
 }
 
 }  // namespace
@@ -74,7 +74,7 @@ void write_geotiff(const Mesh& mesh, const MapField& field, const GeotiffOptions
     refuse(options.output);
   }
   band.SetDescription(field.long_name.c_str());
-  if (options.epsg) set_reference(*dataset, *options.epsg, options.output);
+  if (options.crs) set_reference(*dataset, options.crs->epsg, options.output);
   for (int row = 0; row < grid.rows; ++row) {
     std::vector<float> values = row_of(field, triangles, pixels, grid, row);
     if (band.RasterIO(GF_Write, 0, row, grid.columns, 1, values.data(), grid.columns, 1,

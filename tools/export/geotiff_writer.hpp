@@ -5,6 +5,7 @@
 #include <string>
 
 #include "export/Mesh.hpp"
+#include "export/crs.hpp"
 #include "export/quantities.hpp"
 
 namespace exports {
@@ -12,7 +13,7 @@ namespace exports {
 struct GeotiffOptions {
   std::string output;       ///< name of the file
   double resolution = 0.0;  ///< side of a pixel, m
-  std::optional<int> epsg;  ///< coordinate reference system
+  std::optional<Crs> crs;
 };
 
 /// Writes the field: a pixel has the value of the cell in which its centre lies; one outside the

@@ -131,11 +131,12 @@ class Job {
                 {"values", values},
                 {"picture", add_output(name)}};
     if (field.time) map["time"] = *field.time;
+    below_zero_.add(field.below_zero);
     job_["maps"].push_back(std::move(map));
   }
   void add_map(const std::string& field) {
     const MapField values = read_map_field(results_, field, options_.time, dry_depth_);
-    add_map(values, picture_name(values));
+    add_map(values, file_stem(values));
   }
   void add_gauges() {
     write_gauges_csv(results_.files, folder_.path("gauges.csv"));
@@ -157,7 +158,7 @@ class Job {
       for (const char* name : {"depth", "level", "velocity", "bed_change"}) {
         if (std::string(name) == "bed_change" && !results_.files.has_sediment) continue;
         const MapField field = map_field(results_, snapshot, name, dry_depth_);
-        add_map(field, picture_name(field));
+        add_map(field, file_stem(field));
       }
     }
     if (results_.files.gauges) add_gauges();
@@ -173,18 +174,11 @@ class Job {
     folder_.save("job.json", job_.dump(-1, ' ', false, json::error_handler_t::replace));
     run_script(folder_);
     for (std::size_t i = 0; i < outputs_.size(); ++i) put_in_place(picture(i), outputs_[i]);
+    below_zero_.tell();
     return outputs_;
   }
 
  private:
-  /// depth_600s.png for the depth at 600 s.
-  static std::string picture_name(const MapField& field) {
-    if (!field.time) return field.name;
-    json time = *field.time;
-    if (*field.time == std::floor(*field.time)) time = static_cast<long>(*field.time);
-    return field.name + "_" + time.dump() + "s";
-  }
-
   /// Name of the picture in the folder of the drawing.
   std::string picture(std::size_t index) const {
     return "picture_" + std::to_string(index) + "." + options_.format;
@@ -257,6 +251,7 @@ class Job {
   DrawingFolder folder_;
   json job_;
   std::vector<std::string> outputs_;
+  BelowZero below_zero_;
 };
 
 }  // namespace

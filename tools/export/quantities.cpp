@@ -4,6 +4,7 @@
 #include <cmath>
 #include <filesystem>
 #include <limits>
+#include <nlohmann/json.hpp>
 
 #include "support/Error.hpp"
 
@@ -93,7 +94,8 @@ bool has(const CaseFiles& files, const Row& row) {
 bool is_dry(float depth, double dry_depth) { return !(static_cast<double>(depth) > dry_depth); }
 
 MapField of_envelope(const CaseResults& results, const std::string& name, double dry_depth) {
-  std::optional<std::vector<float>> depth = results.max_depth();
+  MapField field{name, "largest depth", "m", std::nullopt, {}, {}};
+  std::optional<std::vector<float>> depth = results.max_depth(&field.below_zero);
   if (!depth) {
     const bool is_there = std::filesystem::exists(results.envelope_file());
     throw tools::Error("The file " + results.envelope_file() +
@@ -103,7 +105,6 @@ MapField of_envelope(const CaseResults& results, const std::string& name, double
   if (name == "max_level" && results.files.has_sediment) {
     throw tools::Error("max_level is not known where the bed moves: expected max_depth.");
   }
-  MapField field{name, "largest depth", "m", std::nullopt, {}};
   if (name == "max_level") {
     field.long_name = "largest water level";
     field.values = max_level(results, *depth);
@@ -113,6 +114,13 @@ MapField of_envelope(const CaseResults& results, const std::string& name, double
   for (std::size_t i = 0; i < depth->size(); ++i) {
     if (is_dry((*depth)[i], dry_depth)) field.values[i] = nothing;
   }
+  return field;
+}
+
+/// The bed of a case without sediment, which its snapshots do not have.
+MapField bed_at_rest(const CaseResults& results) {
+  MapField field{"bed", "bed elevation", "m", std::nullopt, {}, {}};
+  for (const double level : results.bed) field.values.push_back(static_cast<float>(level));
   return field;
 }
 
@@ -174,11 +182,22 @@ std::vector<std::string> snapshot_map_fields(const CaseFiles& files) {
   return names;
 }
 
+std::string file_stem(const MapField& field) {
+  if (!field.time) return field.name;
+  nlohmann::json time = *field.time;
+  if (*field.time == std::floor(*field.time)) time = static_cast<long>(*field.time);
+  return field.name + "_" + time.dump() + "s";
+}
+
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth) {
   if (name == "max_depth" || name == "max_level") {
     if (time) throw tools::Error(name + " is that of the whole run: it has no time.");
     return of_envelope(results, name, dry_depth);
+  }
+  if (name == "bed" && !results.files.has_sediment) {
+    if (time) throw tools::Error("The bed does not move: it has no time.");
+    return bed_at_rest(results);
   }
   Snapshot snapshot;
   read_snapshot(results, results.snapshot_at(time), snapshot);
@@ -196,7 +215,8 @@ MapField map_field(const CaseResults& results, const Snapshot& snapshot, const s
     throw tools::Error("The snapshots of " + results.files.folder + " have no " + name +
                        "; expected one of" + known.substr(1) + ".");
   }
-  MapField field{name, row->quantity.long_name, row->quantity.unit, snapshot.time, {}};
+  MapField field{name, row->quantity.long_name, row->quantity.unit, snapshot.time,
+                 {},   snapshot.below_zero};
   evaluate(row->quantity, results, snapshot, field.values);
   if (row->quantity.when_dry != WhenDry::shown) {
     for (std::size_t i = 0; i < field.values.size(); ++i) {

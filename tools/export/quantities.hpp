@@ -39,7 +39,11 @@ struct MapField {
   std::string name, long_name, unit;
   std::optional<double> time;  ///< s; none for the envelope of the largest values
   std::vector<float> values;
+  BelowZero below_zero;  ///< depths where it was read
 };
+
+/// Of the file of a field, without its ending: "depth_600s" for the depth at 600 s.
+std::string file_stem(const MapField& field);
 
 /// Names that `read_map_field` knows.
 std::vector<std::string> map_field_names();

@@ -49,6 +49,7 @@ class UgridWriter {
       }
     }
     file_.close();
+    snapshot.below_zero.tell();
   }
 
  private:
@@ -97,16 +98,20 @@ class UgridWriter {
     file_.add_text(variable, "standard_name", "projection_" + axis + "_coordinate");
     file_.add_text(variable, "long_name", axis + " of the " + where);
     file_.add_text(variable, "units", "m");
-    if (options_.epsg) file_.add_text(variable, "grid_mapping", "crs");
+    if (options_.crs) file_.add_text(variable, "grid_mapping", "crs");
     return variable;
   }
 
   void define_crs() {
-    if (!options_.epsg) return;
+    if (!options_.crs) return;
     crs_ = file_.add_variable("crs", NC_INT, {});
     file_.add_text(crs_, "long_name", "coordinate reference system");
-    file_.add_text(crs_, "EPSG_code", "EPSG:" + std::to_string(*options_.epsg));
-    file_.add_integer(crs_, "epsg", *options_.epsg);
+    file_.add_text(crs_, "EPSG_code", "EPSG:" + std::to_string(options_.crs->epsg));
+    file_.add_integer(crs_, "epsg", options_.crs->epsg);
+    for (const auto& [name, text] : options_.crs->texts) file_.add_text(crs_, name.c_str(), text);
+    for (const auto& [name, value] : options_.crs->numbers) {
+      file_.add_number(crs_, name.c_str(), value);
+    }
   }
 
   void define_results() {
@@ -164,7 +169,7 @@ class UgridWriter {
     file_.add_text(variable, "mesh", "Mesh2d");
     file_.add_text(variable, "location", location);
     file_.add_text(variable, "coordinates", "Mesh2d_" + location + "_x Mesh2d_" + location + "_y");
-    if (options_.epsg) file_.add_text(variable, "grid_mapping", "crs");
+    if (options_.crs) file_.add_text(variable, "grid_mapping", "crs");
   }
 
   void define_file() {

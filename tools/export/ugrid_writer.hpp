@@ -5,12 +5,13 @@
 #include <string>
 
 #include "export/CaseResults.hpp"
+#include "export/crs.hpp"
 
 namespace exports {
 
 struct UgridOptions {
   std::string output;                         ///< name of the file
-  std::optional<int> epsg;                    ///< coordinate reference system
+  std::optional<Crs> crs;                     ///< coordinate reference system
   std::string epoch = "1970-01-01 00:00:00";  ///< date and hour of the time 0 s
   bool is_compressed = false;                 ///< netCDF-4, deflated, in place of classic netCDF
 };

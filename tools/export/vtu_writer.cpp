@@ -205,9 +205,10 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
                  "\" group=\"\" part=\"0\" file=\"" + escaped(name.filename().string()) + "\"/>\n";
     write_collection(collection, data_sets);
   }
-  if (const auto max_depth = results.max_depth()) {
+  if (const auto max_depth = results.max_depth(&snapshot.below_zero)) {
     write_envelope(beside("_envelope"), results, *max_depth, options.has_relief);
   }
+  snapshot.below_zero.tell();
 }
 
 }  // namespace exports

@@ -41,7 +41,8 @@ TEST_F(CommandLine, WrongUsageHasAStatusOfItsOwn) {
            {"plot", ".", "--all", "--gauges"},
            {"plot", ".", "--all", "--time", "1"},
            {"plot", ".", "--gauges", "--threshold", "1"},
-           {"plot", ".", "--format", "gif"}}) {
+           {"plot", ".", "--format", "gif"},
+           {"plot", ".", "-o", "picture.jpg"}}) {
     const support::RunResult result = run(words);
     EXPECT_EQ(result.status, 2) << result.err;
     EXPECT_NE(result.err, "");
@@ -80,6 +81,20 @@ TEST_F(CommandLine, AMalformedMeshFileIsAnErrorWithItsPlace) {
       {"netcdf", "."},
       "Error in file ./nodes.txt, line 2, node 0 (of 0 to 0), z: found \"zero\", expected a "
       "finite number.");
+}
+
+TEST_F(CommandLine, AReferenceSystemThatThereIsNotIsRefusedByEveryFormat) {
+  support::Case c;
+  c.add_snapshots({0.0});
+  simulate(c);
+  for (std::vector<std::string> words : std::vector<std::vector<std::string>>{
+           {"netcdf", ".", "--crs", "EPSG:99999"},
+           {"geotiff", ".", "--resolution", "1", "--crs", "EPSG:99999"}}) {
+    expect_error(words,
+                 "--crs: EPSG:99999 is not known; expected the code of a coordinate reference "
+                 "system, as in EPSG:32632.");
+  }
+  EXPECT_FALSE(folder.has("export"));
 }
 
 TEST_F(CommandLine, TheEnvelopeHasNoTime) {

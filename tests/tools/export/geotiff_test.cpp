@@ -1,4 +1,6 @@
 // GeoTIFF, read back with GDAL for Python.
+#include <set>
+
 #include "tools/export/ExportTest.hpp"
 
 namespace {
@@ -88,6 +90,32 @@ TEST_F(Geotiff, AFieldOrATimeThatTheCaseDoesNotHaveIsRefused) {
   EXPECT_EQ(result.err,
             "quillmere-export: No snapshot is there for the time 7 s; those there are for 0, 0.5, "
             "1.25 s.\n");
+}
+
+TEST_F(Geotiff, RastersOfTwoTimesHaveTwoNames) {
+  simulate(flood_case());
+  const std::vector<std::string> depth = {"geotiff", ".", "--resolution", "1", "--field", "depth"};
+  EXPECT_EQ(run_well(depth).out, "./export/depth_1.25s.tif\n");
+  std::vector<std::string> early = depth;
+  early.insert(early.end(), {"--time", "0"});
+  EXPECT_EQ(run_well(early).out, "./export/depth_0s.tif\n");
+}
+
+TEST_F(Geotiff, TheBedIsThereAlsoWhereItDoesNotMove) {
+  simulate(flood_case());
+  const json raster = export_field({"--resolution", "0.25", "--field", "bed"});
+  EXPECT_EQ(raster["description"], "bed elevation");
+  std::set<double> found;
+  for (const auto& row : raster["values"]) {
+    for (const double value : row) {
+      if (value != -9999.0) found.insert(value);
+    }
+  }
+  EXPECT_GE(*found.begin(), 101.0);
+  EXPECT_LE(*found.rbegin(), 101.75);
+  EXPECT_GT(found.size(), 3u);
+  EXPECT_EQ(run({"geotiff", ".", "--resolution", "1", "--field", "bed", "--time", "1"}).err,
+            "quillmere-export: The bed does not move: it has no time.\n");
 }
 
 TEST_F(Geotiff, ARasterOfTooManyPixelsIsRefused) {

@@ -1,6 +1,7 @@
 // UGRID NetCDF, read back with netCDF4 for Python. Which rule of the format a reader insists on is
 // what the mesh library of QGIS (MDAL 0.9.4 and 1.3.1) was found to do with a file that breaks it.
 #include <set>
+#include <tuple>
 
 #include "tools/export/ExportTest.hpp"
 
@@ -207,6 +208,33 @@ TEST_F(Netcdf, TheReferenceSystemHangsOnTheCoordinatesOfTheNodes) {
   const json& crs = structure["variables"]["crs"]["attributes"];
   EXPECT_EQ(crs["EPSG_code"], "EPSG:32632");
   EXPECT_EQ(crs["epsg"], 32632);
+}
+
+TEST_F(Netcdf, TheReferenceSystemIsDescribedAsConventionsAskFor) {
+  json crs = structure_of(flood_case(), {"--crs", "EPSG:32632"})["variables"]["crs"]["attributes"];
+  if (!crs.contains("crs_wkt")) GTEST_SKIP() << "built without GDAL";
+  EXPECT_EQ(crs["grid_mapping_name"], "transverse_mercator");
+  EXPECT_EQ(crs["longitude_of_central_meridian"], 9.0);
+  EXPECT_EQ(crs["latitude_of_projection_origin"], 0.0);
+  EXPECT_EQ(crs["scale_factor_at_central_meridian"], 0.9996);
+  EXPECT_EQ(crs["false_easting"], 500000.0);
+  EXPECT_EQ(crs["false_northing"], 0.0);
+  EXPECT_EQ(crs["longitude_of_prime_meridian"], 0.0);
+  EXPECT_EQ(crs["semi_major_axis"], 6378137.0);
+  EXPECT_NEAR(crs["inverse_flattening"].get<double>(), 298.257223563, 1e-9);
+  EXPECT_EQ(crs["projected_crs_name"], "WGS 84 / UTM zone 32N");
+  EXPECT_TRUE(support::starts_with(crs["crs_wkt"], "PROJCRS[\"WGS 84 / UTM zone 32N\""));
+  for (const auto& [code, name, parameter, value] :
+       std::vector<std::tuple<std::string, std::string, std::string, double>>{
+           {"3035", "lambert_azimuthal_equal_area", "latitude_of_projection_origin", 52.0},
+           {"28992", "stereographic", "scale_factor_at_projection_origin", 0.9999079},
+           {"2056", "", "semi_major_axis", 6377397.155}}) {
+    run_well({"netcdf", ".", "--crs", "EPSG:" + code});
+    crs = json::parse(read_export({"netcdf-structure", file}))["variables"]["crs"]["attributes"];
+    EXPECT_EQ(crs.value("grid_mapping_name", ""), name) << code;
+    EXPECT_EQ(crs[parameter], value) << code;
+    EXPECT_TRUE(support::starts_with(crs["crs_wkt"], "PROJCRS[")) << code;
+  }
 }
 
 TEST_F(Netcdf, WithoutAReferenceSystemNoneIsClaimed) {

@@ -1,5 +1,6 @@
 // Pictures. SVG keeps its texts, so that a title, a unit and a scale bar can be looked for.
 #include <csignal>
+#include <map>
 #include <regex>
 #include <set>
 
@@ -174,6 +175,100 @@ TEST_F(Plot, TheEndingOfTheNameTellsTheFormat) {
   EXPECT_TRUE(support::contains(folder.read("upper.SVG"), "<svg"));
   run_well({"plot", ".", "-o", "none", "--format", "svg"});
   EXPECT_TRUE(support::contains(folder.read("none"), "<svg"));
+}
+
+TEST_F(Plot, APdfIsOneAndTheSameEveryTime) {
+  simulate(flood_case());
+  run_well({"plot", ".", "-o", "one.pdf"});
+  run_well({"plot", ".", "-o", "two", "--format", "pdf"});
+  EXPECT_TRUE(support::starts_with(folder.read("one.pdf"), "%PDF-"));
+  EXPECT_EQ(folder.read("one.pdf"), folder.read("two"));
+}
+
+TEST_F(Plot, TheBedIsDrawnAlsoWhereItDoesNotMove) {
+  simulate(flood_case());
+  EXPECT_TRUE(support::contains(svg_of({"--field", "bed"}), "bed elevation (m)"));
+}
+
+/// Where the texts of a class of words stand, from the left and from above, in points.
+std::map<std::string, std::pair<double, double>> places_of(const std::string& svg,
+                                                           const std::string& pattern) {
+  const std::regex text(
+      "<text[^>]*transform=\"(?:translate\\(|rotate\\([-0-9.]+ )([-0-9.]+) "
+      "([-0-9.]+)[^>]*>(" +
+      pattern + ")</text>");
+  std::map<std::string, std::pair<double, double>> places;
+  for (std::sregex_iterator i(svg.begin(), svg.end(), text), end; i != end; ++i) {
+    places[(*i)[3].str()] = {std::stod((*i)[1].str()), std::stod((*i)[2].str())};
+  }
+  return places;
+}
+
+TEST_F(Plot, ALongTitleStandsAboveTheScaleBar) {
+  simulate(flood_case());
+  const std::string map = svg_of({"--title", std::string(100, 'x')});
+  const auto bar = places_of(map, "1 m"), title = places_of(map, "x{100}");
+  ASSERT_EQ(bar.size() + title.size(), 2u) << map.substr(0, 2000);
+  EXPECT_LT(title.begin()->second.second + 2.0, bar.begin()->second.second - 9.0);
+}
+
+struct Box {
+  double west = HUGE_VAL, east = -HUGE_VAL, top = HUGE_VAL, bottom = -HUGE_VAL;
+  void add(double x, double y) {
+    west = std::min(west, x);
+    east = std::max(east, x);
+    top = std::min(top, y);
+    bottom = std::max(bottom, y);
+  }
+  bool overlaps(const Box& other) const {
+    return west < other.east && other.west < east && top < other.bottom && other.top < bottom;
+  }
+};
+
+/// Where the texts stand that are drawn with an outline: as paths, of which the first is the
+/// outline.
+std::vector<Box> boxes_of_outlined_texts(const std::string& svg) {
+  static const std::regex point("([-0-9.]+) ([-0-9.]+)");
+  const std::string opening = "<g id=\"text_";
+  std::vector<Box> boxes;
+  for (std::size_t at = svg.find(opening); at != std::string::npos;
+       at = svg.find(opening, at + 1)) {
+    const std::size_t path = svg.find("<path d=\"", at);
+    if (path == std::string::npos || path > svg.find('>', at) + 60) continue;
+    const std::string points = svg.substr(path + 9, svg.find('"', path + 9) - path - 9);
+    Box box;
+    for (std::sregex_iterator i(points.begin(), points.end(), point), end; i != end; ++i) {
+      box.add(std::stod((*i)[1].str()), std::stod((*i)[2].str()));
+    }
+    boxes.push_back(box);
+  }
+  return boxes;
+}
+
+TEST_F(Plot, ManyGaugesLeaveRoomForCurvesAndDoNotHideEachOther) {
+  support::Case c = flood_case();
+  std::vector<support::Point> gauges;
+  for (int i = 0; i < 28; ++i)
+    gauges.push_back({612002.3 + 0.02 * (i % 7), 5235001.5 + 0.02 * (i / 7)});
+  c.add_gauges(gauges, 0.5);
+  simulate(c);
+  const std::vector<Box> numbers = boxes_of_outlined_texts(svg_of({}));
+  ASSERT_EQ(numbers.size(), 28u);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    for (std::size_t k = 0; k < i; ++k) {
+      EXPECT_FALSE(numbers[i].overlaps(numbers[k])) << i + 1 << " and " << k + 1;
+    }
+  }
+  const std::string curves = svg_of({"--gauges"});
+  EXPECT_EQ(places_of(curves, "gauge [0-9]+").size(), 28u);
+  static const std::regex frame(
+      "id=\"patch_2\">\\s*<path d=\"M ([0-9.]+) ([0-9.]+)\\s*L ([0-9.]+) [0-9.]+\\s*L [0-9.]+ "
+      "([0-9.]+)");
+  std::smatch corners;
+  ASSERT_TRUE(std::regex_search(curves, corners, frame));
+  const auto corner = [&](std::size_t k) { return std::stod(corners[k].str()); };
+  EXPECT_GT(corner(3) - corner(1), 400.0);  // of a picture of 605 points
+  EXPECT_GT(corner(2) - corner(4), 100.0);
 }
 
 TEST_F(Plot, EndedFromOutsideItLeavesNothingBehind) {
