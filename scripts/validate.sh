@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
-# Validates the simulator: makes the meshes, runs it, compares with the exact solutions, draws the
-# figures and writes docs/validation.md. validate.sh CASE... does so for single cases, and
-# validate.sh --scheme HLL2 by that flux scheme, beside its runs in build/validation. The data of the
-# real flood are not in the repository: QUILLMERE_FLOOD_DATA names their folder; without it that case
-# is skipped.
+# Validates the simulator: makes the meshes, runs it by the flux schemes LHLLC and HLL2, compares with
+# the exact solutions, draws the figures and writes docs/validation.md. validate.sh CASE... does so for
+# single cases. The data of the real flood are not in the repository: QUILLMERE_FLOOD_DATA names their
+# folder; without it that case is skipped.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

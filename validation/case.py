@@ -1,24 +1,28 @@
 """What a validation case is, and how a case with an exact solution is measured."""
-import os
-
 import numpy as np
 
-from validation import figures, meshes, norms, runner
+from validation import figures, meshes, norms
+
+
+SCHEMES = ("LHLLC", "HLL2")
+POSITIVE = ("HLL2",)  # that promise no depth below zero
 
 
 class Table:
-    """Column titles and rows of texts."""
+    """Titles of the columns that name a row (`keys`) and of those that tell what a scheme gave
+    (`measures`), and rows of texts, the keys before the measures."""
 
-    def __init__(self, titles, rows):
-        self.titles, self.rows = titles, rows
+    def __init__(self, keys, measures, rows):
+        self.keys, self.measures, self.rows = keys, measures, rows
 
 
 class Result:
-    """What a case found: tables, remarks made of measured numbers, and the criteria it was held
-    against as (text, measured, bound, met)."""
+    """What a case found by one scheme: tables, remarks made of measured numbers, the criteria it
+    was held against as (text, measured, bound, met), and, for the figure, its runs and errors."""
 
     def __init__(self):
         self.tables, self.remarks, self.criteria = [], [], []
+        self.runs, self.measured = {}, {}
 
     def require_at_most(self, text, measured, allowed):
         self.criteria.append((text, measured, allowed, measured <= allowed))
@@ -32,18 +36,30 @@ class Result:
 
 class Case:
     """One case. Subclasses say what it tests (`tests`), where it comes from (`source`), what the
-    first-order scheme cannot do there (`limit`), and why a criterion is missed if it is
-    (`reason`); `evaluate` runs it, `draw` fills the figure. `evaluate` with `quick` runs the
-    coarse meshes only, for the tests."""
+    first-order scheme cannot do there (`limit`), what is to be known of the second-order one
+    (`second_order`), and why a scheme misses a criterion if it does (`reasons`, by scheme);
+    `measure` runs it, `draw` fills the figure."""
 
-    name = title = tests = source = limit = reason = ""
+    name = title = tests = source = limit = second_order = ""
+    reasons = {}
+    schemes = SCHEMES
 
-    def evaluate(self, folder, quick=False):
-        """Runs the case in sub-folders of `folder`; returns a Result."""
+    def evaluate(self, simulator, quick=False):
+        """Runs the case by the scheme of the simulator; returns a Result. With `quick` it runs the
+        coarse meshes only, for the tests."""
+        result = Result()
+        self.measure(simulator, result, quick)
+        if simulator.scheme in POSITIVE:
+            result.require_at_most("runs with a depth below zero in any cell at any look",
+                                   simulator.below_zero, 0)
+        return result
+
+    def measure(self, simulator, result, quick):
+        """Runs the case and puts what it found into the result."""
         raise NotImplementedError
 
-    def draw(self, figure):
-        """Draws what `evaluate` kept; returns the figure's description."""
+    def draw(self, figure, results):
+        """Draws the results, by scheme; returns the figure's description."""
         raise NotImplementedError
 
 
@@ -53,12 +69,15 @@ class AnalyticCase(Case):
     yardstick   {number of cells: norm of the depth} of a plain first-order scheme on squares
     tolerance   relative error of the depth that the finest mesh must not exceed: 5 %, what
                 Synolakis et al. (2007) allow against analytical solutions, where not said otherwise
+    bounds      {scheme: {(kind, n): relative error of the depth}} that a scheme must keep besides
     """
 
     sizes = (100, 200, 400)
     quick_sizes = 2
     kinds = ("structured", "irregular", "rotated")
+    quick_kind = "irregular"
     yardstick = {}
+    bounds = {}
     tolerance = 0.05
     times = ()
     discharge_matters = True
@@ -77,10 +96,9 @@ class AnalyticCase(Case):
         """Which cells are compared."""
         return slice(None)
 
-    def run(self, folder, n, kind):
+    def run(self, simulator, n, kind):
         mesh = self.mesh(n, kind)
-        return runner.simulate(os.path.join(folder, f"{kind}_{n}"), f"{self.title}, {n}", mesh,
-                               self.setup(mesh))
+        return simulator.simulate(f"{kind}_{n}", f"{self.title}, {n}", mesh, self.setup(mesh))
 
     def errors(self, run, state):
         at = self.compared(run.x, run.y)
@@ -91,47 +109,45 @@ class AnalyticCase(Case):
         discharge = norms.relative_l1(difference[at], np.hypot(qx, qy)[at], areas)
         return depth, discharge
 
-    def evaluate(self, folder, quick=False):
-        kinds = self.kinds[:1] if quick else self.kinds
-        self.runs, self.measured = {}, {}
-        result, rows = Result(), []
-        for kind in kinds:
+    def measure(self, simulator, result, quick):
+        rows = []
+        for kind in [self.quick_kind] if quick else self.kinds:
             sizes = self.sizes_of(kind, quick)
-            runs = [self.run(folder, n, kind) for n in sizes]
+            runs = [self.run(simulator, n, kind) for n in sizes]
             errors = [self.errors(run, run.states[-1]) for run in runs]
-            self.runs[kind] = dict(zip(sizes, runs))
-            self.measured[kind] = dict(zip(sizes, errors))
+            result.runs[kind] = dict(zip(sizes, runs))
+            result.measured[kind] = dict(zip(sizes, errors))
             rows += self.rows_of(kind, sizes, runs, errors)
             self.judge(result, kind, sizes, errors)
-        result.tables.append(Table(self.titles(), rows))
-        return result
+            self.judge_bounds(result, kind, self.bounds.get(simulator.scheme, {}))
+        keys = ["mesh", "n", "triangles", "side (m)"]
+        measures = ["L1(h)", "order"] + (["L1(q)", "order of q"] if self.discharge_matters else [])
+        if self.yardstick:
+            keys.append("L1(h), plain scheme")
+            measures += ["ratio", "ratio, equal area"]
+        result.tables.append(Table(keys, measures, rows))
 
     def sizes_of(self, kind, quick):
         """A rotated mesh only has to give the errors of the structured one: its coarse sizes do."""
         return self.sizes[:self.quick_sizes] if quick or kind == "rotated" else self.sizes
-
-    def titles(self):
-        titles = ["mesh", "n", "triangles", "side (m)", "L1(h)", "order", "L1(q)", "order"]
-        return titles + (["plain scheme", "ratio", "ratio, equal area"] if self.yardstick else [])
 
     def rows_of(self, kind, sizes, runs, errors):
         sides = [run.mesh.size for run in runs]
         orders = [norms.observed_orders(sides, [e[k] for e in errors]) for k in (0, 1)]
         rows = []
         for k, (n, run, (h, q)) in enumerate(zip(sizes, runs, errors)):
-            row = [kind, str(n), str(len(run.areas)), f"{run.mesh.size:.4g}", f"{h:.2e}",
-                   order_text(orders[0][k]), f"{q:.2e}" if self.discharge_matters else "–",
-                   order_text(orders[1][k]) if self.discharge_matters else "–"]
-            rows.append(row + self.yardstick_columns(n, h))
+            keys = [kind, str(n), str(len(run.areas)), f"{run.mesh.size:.4g}"]
+            measures = [f"{h:.2e}", order_text(orders[0][k])]
+            if self.discharge_matters:
+                measures += [f"{q:.2e}", order_text(orders[1][k])]
+            if self.yardstick:
+                # Two triangles share a square: at equal area the squares would be smaller.
+                same, equal_area = (norms.yardstick_at(self.yardstick, n * factor)
+                                    for factor in (1, 2 ** 0.5))
+                keys.append(f"{same:.2e}")
+                measures += [f"{h / same:.2g}", f"{h / equal_area:.2g}"]
+            rows.append(keys + measures)
         return rows
-
-    def yardstick_columns(self, n, h):
-        if not self.yardstick:
-            return []
-        # Two triangles share a square: at equal area of the cells the squares would be smaller.
-        equal_area = norms.yardstick_at(self.yardstick, n * 2 ** 0.5)
-        same = norms.yardstick_at(self.yardstick, n)
-        return [f"{same:.2e}", f"{h / same:.2f}", f"{h / equal_area:.2f}"]
 
     def judge(self, result, kind, sizes, errors):
         for n, (h, _) in zip(sizes, errors):
@@ -143,13 +159,20 @@ class AnalyticCase(Case):
         if self.tolerance:
             result.require_at_most(f"{kind}, n = {sizes[-1]}: L1(h), published tolerance",
                                    errors[-1][0], self.tolerance)
-        if len(sizes) > 1:
-            ends = [1 / sizes[0], 1 / sizes[-1]], [errors[0][0], errors[-1][0]]
+        ends = [1 / sizes[0], 1 / sizes[-1]], [errors[0][0], errors[-1][0]]
+        order = norms.observed_orders(*ends)[-1]
+        if len(sizes) > 2 and order is not None:  # two meshes tell no order
             result.require_at_least(f"{kind}: order of L1(h) from the coarsest to the finest mesh",
-                                    norms.observed_orders(*ends)[-1], norms.LOWEST_ORDER)
+                                    order, norms.LOWEST_ORDER)
 
-    def draw(self, figure):
-        return figures.profile_and_errors(figure, self)
+    def judge_bounds(self, result, kind, bounds):
+        for (bounded_kind, n), bound in bounds.items():
+            if bounded_kind == kind and n in result.measured[kind]:
+                depth, _ = result.measured[kind][n]
+                result.require_at_most(f"{kind}, n = {n}: L1(h)", depth, bound)
+
+    def draw(self, figure, results):
+        return figures.profile_and_errors(figure, self, results)
 
 
 def order_text(order):

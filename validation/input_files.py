@@ -34,6 +34,20 @@ def write_lines(folder, name, lines, count=False):
         file.writelines(f"{line}\n" for line in lines)
 
 
+def rain(n_cells, *intervals):
+    """The files of one rain on all cells, of intervals (start in s, intensity in m/s), and the keys
+    of the data file that name them."""
+    lines = ["1", f"1 {len(intervals)} 0"] + [f"{start} {value!r}" for start, value in intervals]
+    return ({"rain.txt": lines, "hyetocells.txt": ["1"] * n_cells},
+            {"rainfall": "rain.txt", "hyetocells": "hyetocells.txt"})
+
+
+def soil(n_cells, parameters):
+    """The same of one soil in all cells, of a type and its parameters."""
+    return ({"soils.txt": ["1", f"1 {parameters}"], "soilcells.txt": ["1"] * n_cells},
+            {"infiltration": "soils.txt", "infiltracells": "soilcells.txt"})
+
+
 def write_sections(folder, sections, interval):
     """The results' name counts from the case folder, not from the output folder."""
     lines = [f"{len(sections)} {interval:g} out/sections.txt"]

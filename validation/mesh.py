@@ -11,7 +11,7 @@ class Mesh:
 
     `along` gives every point its distance in the direction of the flow. Cells are numbered by it,
     so that neighbours in space are neighbours in the files. The left cell of an interior edge is
-    the one that comes first, until `point_edges_uphill` turns it.
+    the one that comes first, until `order_cells_of_edges` turns it.
     """
 
     def __init__(self, points, triangles, along):
@@ -41,14 +41,18 @@ class Mesh:
     def is_boundary(self):
         return self.right < 0
 
-    def point_edges_uphill(self):
-        """Makes the lower of its two cells the left one of every interior edge.
+    def order_cells_of_edges(self, first):
+        """Makes the "lower" or the "higher" of its two cells the left one of every interior edge,
+        or leaves them as they are, in "any" order.
 
-        The flux between a wet cell and a higher dry one is balanced, and water at rest on a shore
-        stays at rest, only if the wet cell is the left one.
+        With LHLLC the flux between a wet cell and a higher dry one is balanced, and water at rest
+        on a shore stays at rest, only if the wet cell is the left one.
         """
-        bed = self.bed()
-        turn = ~self.is_boundary() & (bed[self.left] > bed[self.right])
+        if first == "any":
+            return
+        sign = {"lower": 1, "higher": -1}[first]
+        rise = sign * (self.bed()[self.right] - self.bed()[self.left])
+        turn = ~self.is_boundary() & (rise < 0)
         self.left[turn], self.right[turn] = self.right[turn], self.left[turn]
         self.node1[turn], self.node2[turn] = self.node2[turn], self.node1[turn]
 

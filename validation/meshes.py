@@ -16,14 +16,17 @@ SIDES = ("west", "east", "south", "north")
 
 
 class Rectangle(Mesh):
-    """A rectangle [0, length] x [0, width] of nx by ny squares, in local coordinates."""
+    """A rectangle [0, length] x [0, width] of nx by ny squares, in local coordinates. `rows` gives
+    the rows of nodes other y than those of squares. Nodes of an irregular mesh stay where they are
+    along x = `kept`."""
 
-    def __init__(self, length, width, nx, ny, kind="structured", seed=1):
+    def __init__(self, length, width, nx, ny, kind="structured", seed=1, rows=None, kept=None):
         irregular = kind == "irregular"
         random = np.random.default_rng(seed)
-        points = grid_points(length, width, nx, ny)
+        rows = np.linspace(0, width, ny + 1) if rows is None else rows
+        points = grid_points(np.linspace(0, length, nx + 1), rows)
         if irregular:
-            move_nodes(points, length, width, length / nx, random)
+            move_nodes(points, length, width, length / nx, random, kept)
         triangles = cut_squares(nx, ny, random if irregular else None)
         super().__init__(points, triangles, along=points[:, 0])
         self.kind, self.length, self.width = kind, length, width
@@ -54,26 +57,28 @@ class Rectangle(Mesh):
         return mesh
 
 
-def strip(length, n, kind="structured"):
+def strip(length, n, kind="structured", kept=None):
     """A channel: one row of squares, or some where the nodes are moved."""
     rows = ROWS_OF_IRREGULAR_STRIP if kind == "irregular" else 1
-    return Rectangle(length, rows * length / n, n, rows, kind)
+    return Rectangle(length, rows * length / n, n, rows, kind, kept=kept)
 
 
 def square(length, n, kind="structured"):
     return Rectangle(length, length, n, n, kind)
 
 
-def grid_points(length, width, nx, ny):
-    x, y = np.meshgrid(np.linspace(0, length, nx + 1), np.linspace(0, width, ny + 1))
+def grid_points(columns, rows):
+    x, y = np.meshgrid(columns, rows)
     return np.column_stack((x.ravel(), y.ravel()))
 
 
-def move_nodes(points, length, width, side, random):
-    """Moves every node at random, those of the border not at all."""
+def move_nodes(points, length, width, side, random, kept):
+    """Moves every node at random, those of the border and of x = `kept` not at all."""
     x, y = points.T
     inside = (x > 0) & (x < length) & (y > 0) & (y < width)
     moves = random.uniform(-DISPLACEMENT, DISPLACEMENT, points.shape) * side
+    if kept is not None:
+        inside &= np.abs(x - kept) > 0.01 * side
     points[inside] += moves[inside]
 
 

@@ -11,7 +11,6 @@ from validation.meshes import SIDES, rotate
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 PROGRAM = os.environ.get("QUILLMERE_PROGRAM", os.path.join(ROOT, "build/release/bin/quillmere"))
-SCHEME = "LHLLC"  # what all runs ask for
 GRAVITY = 9.81
 COURANT = 0.9
 
@@ -32,12 +31,13 @@ class Setup:
     sediment        thickness of the erodible layer (a function), parameters (a dictionary)
     files           {name: lines} of further input files
     sections        lists of edge numbers
-    uphill          whether edges name their lower cell first, as the manual asks for at shores
+    first           which cell an edge names first: the "lower" one, as the manual asks for at
+                    shores, the "higher" one, or "any"
     """
 
     def __init__(self, level, times, bed=None, bed_by="nodes", qx=None, qy=None, boundaries=None,
                  manning=None, zero_depth=1e-6, sources=None, sediment=None, files=None,
-                 sections=None, interval=None, uphill=True):
+                 sections=None, interval=None, first="lower"):
         self.level, self.times = level, list(times)
         self.bed, self.bed_by = bed or constant(0), bed_by
         self.qx, self.qy = qx or constant(0), qy or constant(0)
@@ -46,7 +46,7 @@ class Setup:
         self.sources, self.sediment = sources or {}, sediment
         self.files, self.sections = files or {}, sections or []
         self.interval = interval or self.times[0]
-        self.uphill = uphill
+        self.first = first
 
 
 class State:
@@ -61,15 +61,21 @@ class State:
 
 
 class Run:
-    """Results: the states, and the series of the sections (column 0 is the clock)."""
+    """Results: the states, the series of the sections (column 0 is the clock), and the report."""
 
-    def __init__(self, mesh, states, sections):
+    def __init__(self, mesh, states, sections, report):
         self.mesh, self.states, self.sections = mesh, states, sections
+        self.report = report
         self.x, self.y = mesh.centres().T
         self.areas = mesh.areas
 
     def volume(self, state=-1):
         return float(np.sum(self.states[state].h * self.areas))
+
+    def volume_out(self):
+        """What has left through all boundaries by the end of the run, m3, after its books."""
+        boundaries = self.report["water"]["boundaries"].values()
+        return sum(passed["out_m3"] - passed["in_m3"] for passed in boundaries)
 
 
 def constant(value):
@@ -82,14 +88,13 @@ def snapshot_name(time):
     return f"pic_{whole}_{decimals[:2]}.txt"
 
 
-def write_case(folder, name, mesh, setup):
+def write_case(folder, name, mesh, setup, scheme):
     """Every input file of the case."""
     shutil.rmtree(folder, ignore_errors=True)
     os.makedirs(os.path.join(folder, "out"))
     x, y = mesh.centres().T
     bed = place_bed(mesh, setup, x, y)
-    if setup.uphill:
-        mesh.point_edges_uphill()
+    mesh.order_cells_of_edges(setup.first)
     codes, values = boundary_codes(mesh, setup)
     input_files.write_mesh(folder, mesh.turned(), codes, values)
 
@@ -109,7 +114,7 @@ def write_case(folder, name, mesh, setup):
         input_files.write_lines(folder, file_name, lines)
     input_files.write_lines(folder, "times.txt", [len(setup.times), *map(repr, setup.times)])
     input_files.write_sections(folder, setup.sections or [[0]], setup.interval)
-    write_data_file(folder, name, mesh, setup, conditions, level - bed)
+    write_data_file(folder, name, mesh, setup, scheme, conditions, level - bed)
 
 
 def place_bed(mesh, setup, x, y):
@@ -138,39 +143,42 @@ def write_columns(folder, name, *columns):
     np.savetxt(os.path.join(folder, name), np.column_stack(columns), fmt="%.17g")
 
 
-def write_data_file(folder, name, mesh, setup, conditions, depth):
+def write_data_file(folder, name, mesh, setup, scheme, conditions, depth):
     # No step is shortened to meet a time: the run must last some steps longer than its last output.
     # Where water gets thin, steps get long.
     last = setup.times[-1]
     step = mesh.shortest_length() / np.sqrt(GRAVITY * max(depth.max(), 0.01))
     output = {"time step enveloppe of results": 1e9, "snapshots of flow": "times.txt",
               "discharges": "sections.txt"}
-    input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT, SCHEME,
+    input_files.write_data_file(folder, name, last + max(4 * step, 0.05 * last), COURANT, scheme,
                                conditions, setup.sources, output, setup.zero_depth,
                                setup.sediment and setup.sediment[1])
 
 
-def ask_for_scheme(folder):
-    """Puts the scheme of all runs into a data file that is there already."""
+def ask_for_scheme(folder, scheme):
+    """Puts a flux scheme into a data file that is there already."""
     name = os.path.join(folder, "data.json")
     with open(name) as file:
         data = json.load(file)
-    data["model"]["flux scheme"] = SCHEME
+    data["model"]["flux scheme"] = scheme
     with open(name, "w") as file:
         json.dump(data, file, indent=2)
 
 
-def execute(folder, threads=1):
-    """Runs the program in a case folder. The results are the same on any number of threads; most of
-    the meshes are too small for a second one to gain much."""
+def execute(folder, threads):
+    """Runs the program in a case folder; returns its report. The results are the same on any number
+    of threads; most of the meshes are too small for a second one to gain much."""
     environment = dict(os.environ, OMP_NUM_THREADS=str(threads))
-    done = subprocess.run([PROGRAM, "-f", "data.json", "-nodisplay"], cwd=folder, env=environment,
-                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, text=True)
+    command = [PROGRAM, "-f", "data.json", "-nodisplay", "--report", "report.json"]
+    done = subprocess.run(command, cwd=folder, env=environment, stdout=subprocess.DEVNULL,
+                          stderr=subprocess.PIPE, text=True)
     if done.returncode != 0:
         raise RunError(f"The run in {folder} ended with {done.returncode}:\n{done.stderr}")
+    with open(os.path.join(folder, "report.json")) as file:
+        return json.load(file)
 
 
-def read_results(folder, mesh, times):
+def read_results(folder, mesh, times, report):
     sections = np.loadtxt(os.path.join(folder, "out/sections.txt"), ndmin=2)
     states = []
     for time in times:
@@ -182,11 +190,37 @@ def read_results(folder, mesh, times):
         # The sections file tells the clock of the step that wrote the snapshot.
         reached = sections[:, 0] >= time * (1 - 1e-5)
         states.append(State(sections[np.argmax(reached), 0], table, mesh.angle))
-    return Run(mesh, states, sections)
+    return Run(mesh, states, sections, report)
 
 
-def simulate(folder, name, mesh, setup, threads=1):
-    """Writes the case, runs it and returns its Run."""
-    write_case(folder, name, mesh, setup)
-    execute(folder, threads)
-    return read_results(folder, mesh, setup.times)
+class Simulator:
+    """Runs cases by one flux scheme, in sub-folders of `folder`, and counts the runs in which a
+    depth was below zero: at one of the looks that the report tells of, or in a snapshot."""
+
+    def __init__(self, folder, scheme):
+        self.folder, self.scheme = folder, scheme
+        self.below_zero = 0
+
+    def simulate(self, name, title, mesh, setup, threads=1):
+        """Writes a case into the sub-folder of that name, runs it and returns its Run."""
+        folder = os.path.join(self.folder, name)
+        write_case(folder, title, mesh, setup, self.scheme)
+        run = read_results(folder, mesh, setup.times, execute(folder, threads))
+        self.count_below_zero(run.report, min(state.h.min() for state in run.states))
+        return run
+
+    def simulate_files(self, source, names, snapshot, threads=2):
+        """Copies the files of a case that is there already, runs it and returns a snapshot."""
+        folder = os.path.join(self.folder, "run")
+        shutil.rmtree(folder, ignore_errors=True)
+        os.makedirs(os.path.join(folder, "out"))
+        for name in names:
+            shutil.copy(os.path.join(source, name), folder)
+        ask_for_scheme(folder, self.scheme)
+        report = execute(folder, threads)
+        table = np.loadtxt(os.path.join(folder, "out", snapshot), skiprows=1)
+        self.count_below_zero(report, table[:, 3].min())
+        return table
+
+    def count_below_zero(self, report, lowest):
+        self.below_zero += report["below_zero"]["first_seen"] is not None or lowest < 0

@@ -3,7 +3,8 @@ import unittest
 
 import numpy as np
 
-from validation.cases import dam_break, infiltration, rain, sinking_bed, steady, thacker
+from validation.cases import (catchment, dam_break, infiltration, rain, rain_slopes, sinking_bed,
+                              steady, step, thacker, vortex)
 
 g = 9.81
 
@@ -47,7 +48,7 @@ class DamBreak(unittest.TestCase):
         self.assertLess(abs(u_t + u * u_x + g * h_x + friction) / friction, 0.015)
 
 
-class Thacker(unittest.TestCase):
+class FrictionlessSolutions(unittest.TestCase):
     def residuals(self, solution, bed, x, y, t, d=1e-5):
         """Of continuity and of both momentum equations."""
         def state(x, y, t):
@@ -66,10 +67,17 @@ class Thacker(unittest.TestCase):
 
     def test_solutions_satisfy_their_equations(self):
         line = lambda x, y, t: (*thacker.line(x, t), 0.0)  # noqa: E731
+
+        def shelf(x, y, t):
+            h, qx, qy = step.DryingStep().exact(np.array([x]), None, 4 + t)
+            return h[0], qx[0] / h[0], qy[0]
+
         for solution, bed, place in ((thacker.planar, thacker.bowl, (2.3, 2.2)),
                                      (thacker.radial, thacker.bowl, (2.3, 1.8)),
-                                     (line, thacker.parabola, (1.8, 0.0))):
-            np.testing.assert_allclose(self.residuals(solution, bed, *place, 0.4), 0, atol=1e-8)
+                                     (line, thacker.parabola, (1.8, 0.0)),
+                                     (vortex.vortex, lambda x, y: 0.0, (0.95, 0.42)),
+                                     (shelf, lambda x, y: 0.0, (7.0, 0.0))):
+            np.testing.assert_allclose(self.residuals(solution, bed, *place, 0.4), 0, atol=5e-8)
 
     def test_periods(self):
         periods = 2 * np.pi / np.array([thacker.PLANAR_OMEGA, thacker.RADIAL_OMEGA,
@@ -115,13 +123,47 @@ class MacDonald(unittest.TestCase):
 
 class Rain(unittest.TestCase):
     def test_time_of_concentration(self):
-        self.assertAlmostEqual(rain.TIME_OF_CONCENTRATION, 1496.247, places=3)
+        self.assertAlmostEqual(rain.PLANE.time_of_concentration, 1496.247, places=3)
 
     def test_hydrograph(self):
-        outlet = np.array([rain.LENGTH])
-        q = [rain.discharge(outlet, t)[0] for t in (300, 600, 900, 1800, 2400, 3600)]
+        outlet = np.array([rain.PLANE.length])
+        q = [rain.PLANE.discharge(outlet, t)[0] for t in (300, 600, 900, 1800, 2400, 3600)]
         np.testing.assert_allclose(q, [1.7725e-4, 5.6274e-4, 1.1061e-3, 2.58064e-3, 1.27838e-3,
                                        3.2412e-4], rtol=3e-5)
+
+
+    def test_general_excess_of_rain_gives_the_same_volume(self):
+        excess = rain_slopes.excess_over(None)
+        for slope in (0.01, 0.5):
+            plane = rain.Plane(rain_slopes.LENGTH, slope, rain_slopes.MANNING,
+                               rain_slopes.INTENSITY, rain_slopes.DURATION)
+            for t in (300.0, 1800.0, 3000.0):
+                self.assertAlmostEqual(rain_slopes.kinematic_volume_out(slope, excess, t)
+                                       / plane.volume_out(t), 1, places=4)
+
+    def test_a_soil_holds_back_what_it_takes(self):
+        # Long after the rain all that is left of it has run off, or the soil has taken the rest.
+        horton = rain_slopes.SOILS["Horton"]
+        taken = horton.curve(np.array([float(rain_slopes.DURATION)]))[0]
+        most = (rain_slopes.INTENSITY * rain_slopes.DURATION - taken) * rain_slopes.LENGTH
+        volume = rain_slopes.kinematic_volume_out(0.2, rain_slopes.excess_over(horton), 3600.0)
+        self.assertLess(volume, most)
+        self.assertGreater(volume, 0.9 * most)
+
+    def test_v_shaped_catchment(self):
+        hillside = catchment.HILLSIDE
+        self.assertAlmostEqual(hillside.time_of_concentration, 1765.9, places=1)
+        self.assertAlmostEqual(hillside.discharge(np.array([800.0]), 5400.0)[0], 0.0024, places=12)
+        mesh = catchment.Catchment(20)
+        self.assertAlmostEqual(mesh.areas.sum(), 1.62e6, places=3)
+        self.assertEqual(len(mesh.edges_on("east")), 4)
+
+
+class Shelf(unittest.TestCase):
+    def test_critical_state_at_the_brink(self):
+        h, q, _ = step.DryingStep().exact(np.array([10.0]), None, 4.0)
+        self.assertAlmostEqual(h[0], 4 / 9 * 0.5, places=12)
+        self.assertAlmostEqual(q[0], 8 / 27 * np.sqrt(g) * 0.5 ** 1.5, places=12)
 
 
 class Infiltration(unittest.TestCase):

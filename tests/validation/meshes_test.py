@@ -20,11 +20,27 @@ class Meshes(unittest.TestCase):
         for kind in self.kinds:
             mesh = meshes.square(4.0, 8, kind)
             mesh.z = np.hypot(*mesh.xy.T)
-            mesh.point_edges_uphill()
+            mesh.order_cells_of_edges("lower")
             turned = mesh.turned()
             along = turned.xy[mesh.node2] - turned.xy[mesh.node1]
             outward = turned.edge_midpoints() - turned.centres()[mesh.left]
             self.assertTrue(np.all(along[:, 1] * outward[:, 0] - along[:, 0] * outward[:, 1] > 0))
+
+    def test_edges_name_first_the_cell_that_is_asked_for(self):
+        for first, sign in (("lower", 1), ("higher", -1)):
+            mesh = meshes.square(4.0, 8, "irregular")
+            mesh.z = np.hypot(*mesh.xy.T)
+            mesh.order_cells_of_edges(first)
+            inside = ~mesh.is_boundary()
+            rise = (mesh.bed()[mesh.right] - mesh.bed()[mesh.left])[inside]
+            self.assertTrue(np.all(sign * rise >= 0))
+            self.assertGreater(np.abs(rise).max(), 0)
+
+    def test_nodes_of_a_line_that_is_kept_stay_on_it(self):
+        mesh = meshes.strip(20.0, 20, "irregular", kept=10.0)
+        self.assertEqual(int((np.abs(mesh.xy[:, 0] - 10.0) < 1e-12).sum()), 5)
+        free = meshes.strip(20.0, 20, "irregular")
+        self.assertEqual(int((np.abs(free.xy[:, 0] - 10.0) < 1e-12).sum()), 2)
 
     def test_every_border_edge_lies_on_a_side(self):
         mesh = meshes.Rectangle(6.0, 3.0, 12, 6, "irregular")

@@ -17,6 +17,10 @@ class Norms(unittest.TestCase):
         self.assertIsNone(orders[0])
         np.testing.assert_allclose(orders[1:], 0.8)
 
+    def test_no_order_where_errors_are_those_of_the_digits(self):
+        orders = norms.observed_orders([0.4, 0.2, 0.1], [1e-3, 3e-7, 0.0])
+        self.assertEqual(orders, [None, None, None])
+
     def test_yardstick_between_and_beyond_its_meshes(self):
         yardstick = {n: 7 / n for n in (100, 200, 400)}
         for n in (50, 100, 141.4, 400, 800):

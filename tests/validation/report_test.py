@@ -1,4 +1,4 @@
-"""The document: what it says of a result, and that one case replaces its own section only."""
+"""The document: what it says of results, and that one case replaces its own section only."""
 import os
 import tempfile
 import unittest
@@ -9,13 +9,14 @@ from validation.case import Case, Result, Table
 
 def case_named(name):
     case = Case()
-    case.name, case.title, case.reason = name, f"Case {name}", "Because."
+    case.name, case.title, case.reasons = name, f"Case {name}", {"HLL2": "Because."}
     return case
 
 
-def result_with(measured):
+def result_with(measured, remark=""):
     result = Result()
-    result.tables.append(Table(["n", "error"], [["10", f"{measured:g}"]]))
+    result.tables.append(Table(["n"], ["error"], [["10", f"{measured:g}"]]))
+    result.remarks += ["Said by all.", *([remark] if remark else [])]
     result.require_at_most("error", measured, 0.5)
     return result
 
@@ -29,7 +30,8 @@ class Report(unittest.TestCase):
     def write(self, **measured):
         page = report.Page(self.path)
         for name, value in measured.items():
-            page.put(case_named(name), result_with(value), f"{name}.svg", "Caption.")
+            results = {"LHLLC": result_with(0.5), "HLL2": result_with(value)}
+            page.put(case_named(name), results, f"{name}.svg", "Caption.")
         page.write(["a", "b"])
         with open(self.path) as file:
             return file.read()
@@ -38,7 +40,8 @@ class Report(unittest.TestCase):
         text = self.write(a=0.75)
         self.assertIn("error: 0.75, bound 0.5", text)
         self.assertIn("Because.", text)
-        self.assertIn("| `a` | 0 of 1 |", text)
+        self.assertIn("| `a` | 1 of 1 | 0 of 1 |", text)
+        self.assertIn("*Criteria, LHLLC.* All 1 are met.", text)
 
     def test_a_met_criterion_gives_no_reason(self):
         text = self.write(a=0.25)
@@ -47,9 +50,31 @@ class Report(unittest.TestCase):
 
     def test_a_case_replaces_its_own_section_only(self):
         first = self.write(a=0.25, b=0.125)
-        self.assertIn("| 10 | 0.25 |", first)
+        self.assertIn("| 10 | 0.5 | 0.25 |", first)
         second = self.write(a=0.375)
         self.assertEqual(first.replace("0.25", "0.375"), second)
+
+    def test_schemes_stand_side_by_side(self):
+        measures = ["error", "order"]
+        tables = {"LHLLC": Table(["n"], measures, [["10", "0.5", ""], ["20", "0.3", "0.7"]]),
+                  "HLL2": Table(["n"], measures, [["20", "0.1", "2"]])}
+        titles, rows = report.side_by_side(tables)
+        self.assertEqual(titles, ["n", "error, LHLLC", "error, HLL2", "order, LHLLC",
+                                  "order, HLL2"])
+        self.assertEqual(rows, [["10", "0.5", "–", "", "–"], ["20", "0.3", "0.1", "0.7", "2"]])
+
+    def test_a_case_of_one_scheme_has_a_dash_for_the_other(self):
+        page = report.Page(self.path)
+        page.put(case_named("a"), {"LHLLC": result_with(0.25)}, "a.svg", "Caption.")
+        page.write(["a"])
+        with open(self.path) as file:
+            text = file.read()
+        self.assertIn("| `a` | 1 of 1 | – |", text)
+        self.assertIn("| n | error |", text)
+
+    def test_what_all_schemes_remark_is_said_once(self):
+        lines = report.remarks({"LHLLC": result_with(0.25), "HLL2": result_with(0.25, "Alone.")})
+        self.assertEqual(lines, ["Said by all.", "", "*HLL2.* Alone.", ""])
 
 
 if __name__ == "__main__":

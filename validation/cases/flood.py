@@ -1,11 +1,10 @@
 """A real flood: Merewether, Newcastle (Australia), 2007. Its data are not in the repository."""
 import os
-import shutil
 
 import numpy as np
 
-from validation import figures, runner
-from validation.case import Case, Result, Table
+from validation import figures
+from validation.case import Case, Table
 
 FOLDER_VARIABLE = "QUILLMERE_FLOOD_DATA"
 CASE_FILES = ("cells.txt", "edges.txt", "nodes.txt", "friction.txt", "gauges.txt", "initial.txt",
@@ -31,36 +30,34 @@ class Flood(Case):
     def folder_of_data(self):
         return os.environ.get(FOLDER_VARIABLE)
 
-    def evaluate(self, folder, quick=False):
-        data = self.folder_of_data()
-        folder = os.path.join(folder, "run")
-        shutil.rmtree(folder, ignore_errors=True)
-        os.makedirs(os.path.join(folder, "out"))
-        for name in CASE_FILES:
-            shutil.copy(os.path.join(data, "case", name), folder)
-        runner.ask_for_scheme(folder)
-        runner.execute(folder)
-        marks = np.loadtxt(os.path.join(data, "observations.csv"), delimiter=",", ndmin=2)
-        self.places, self.observed, self.published = marks[:, 2], marks[:, 3], marks[:, 4]
-        table = np.loadtxt(os.path.join(folder, "out", "pic_990_00.txt"), skiprows=1)
-        self.computed = np.array([level_near(table, x, y) for x, y in marks[:, :2]])
-        return self.compare()
+    def marks(self):
+        """x, y, number, observed level and that of another model, a row for each flood mark."""
+        path = os.path.join(self.folder_of_data(), "observations.csv")
+        return np.loadtxt(path, delimiter=",", ndmin=2)
 
-    def compare(self):
-        result = Result()
+    def measure(self, simulator, result, quick):
+        table = simulator.simulate_files(os.path.join(self.folder_of_data(), "case"), CASE_FILES,
+                                         "pic_990_00.txt")
+        x, y, _, observed, published = self.marks().T
+        computed = np.array([level_near(table, *place) for place in zip(x, y)])
+        result.measured = computed
         rows = [[title, f"{np.abs(d).mean():.3f}", f"{d.mean():+.3f}", f"{np.abs(d).max():.3f}"]
-                for title, d in (("computed less observed", self.computed - self.observed),
-                                 ("computed less the other model", self.computed - self.published),
-                                 ("other model less observed", self.published - self.observed))]
-        titles = ["five points (m)", "mean of absolute", "mean", "largest absolute"]
-        result.tables.append(Table(titles, rows))
+                for title, d in (("computed less observed", computed - observed),
+                                 ("computed less the other model", computed - published),
+                                 ("other model less observed", published - observed))]
+        result.tables.append(Table(["five points (m)"], ["mean of absolute", "mean",
+                                                         "largest absolute"], rows))
         result.remarks.append(f"A level is the mean of the {NEAREST} wet cells nearest to the "
                               "mark. No bound is set: the marks are too uncertain for one.")
-        return result
+        lowest = table[:, 3].min()
+        result.remarks.append(f"The lowest depth of any cell at the end is {lowest:.2g} m.")
 
-    def draw(self, figure):
-        return figures.marks(figure, self.places, self.observed, (
-            ("computed", self.computed), ("other 2-D model, published", self.published)))
+    def draw(self, figure, results):
+        _, _, places, observed, published = self.marks().T
+        series = [(scheme, figures.COLOURS[scheme], result.measured)
+                  for scheme, result in results.items()]
+        return figures.marks(figure, places, observed, [
+            *series, ("other 2-D model, published", figures.GREEN, published)])
 
 
 def level_near(table, x, y):

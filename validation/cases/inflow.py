@@ -1,10 +1,8 @@
 """Hydrograph and limnigraph: the volume that comes in against the volume that is stored."""
-import os
-
 import numpy as np
 
 from validation import figures, input_files, meshes, norms, runner
-from validation.case import Case, Result, Table
+from validation.case import Case, Table
 from validation.runner import Setup, constant
 
 LENGTH, WIDTH = 200.0, 40.0  # m, of a basin
@@ -26,25 +24,24 @@ class Inflow(Case):
     def bed(self, x, y):
         return self.slope * (LENGTH - x)
 
-    def simulate(self, folder, n):
+    def simulate(self, simulator, n, name):
         mesh = meshes.Rectangle(LENGTH, WIDTH, n, n // 5, "irregular")
         lines = [f"{len(self.series)}"] + [f"{t} {value!r}" for t, value in self.series]
         setup = Setup(lambda x, y: mesh.bed() + self.initial, self.times, bed=self.bed,
                       boundaries={"west": (self.code, "series.txt")},
                       manning=constant(self.friction), files={"series.txt": lines},
                       zero_depth=1e-4)
-        return runner.simulate(os.path.join(folder, str(n)), self.title, mesh, setup)
+        return simulator.simulate(name, self.title, mesh, setup)
 
     def expected(self, t):
         """Volume (m3) that should have come in by the times t."""
         raise NotImplementedError
 
-    def evaluate(self, folder, quick=False):
-        result, self.runs = Result(), {}
+    def measure(self, simulator, result, quick):
         sizes = self.sizes[:2] if quick else self.sizes
         rows, errors = [], []
         for n in sizes:
-            run = self.runs[n] = self.simulate(folder, n)
+            run = result.runs[n] = self.simulate(simulator, n, str(n))
             t, stored = self.stored(run)
             expected = self.expected(t)
             errors.append(abs(stored[-1] - expected[-1]) / expected.max())
@@ -54,27 +51,28 @@ class Inflow(Case):
                                    errors[-1], self.allowed)
         for row, order in zip(rows, norms.observed_orders([LENGTH / n for n in sizes], errors)):
             row.append("" if order is None else f"{order:.2f}")
-        result.tables.append(Table(["n", "triangles", "volume in (m³)", "stored (m³)",
-                                    "relative error", "order"], rows))
-        return result
+        result.tables.append(Table(["n", "triangles", "volume in (m³)"],
+                                   ["stored (m³)", "relative error", "order"], rows))
 
     def stored(self, run):
         t = np.array([state.time for state in run.states])
         volumes = np.array([run.volume(k) for k in range(len(t))])
         return t, volumes - self.initial * LENGTH * WIDTH
 
-    def draw(self, figure):
+    def draw(self, figure, results):
         t = np.linspace(0, self.times[-1], 300)
         lines, errors = [], []
-        for n, run in self.runs.items():
-            time, stored = self.stored(run)
-            if n == max(self.runs):
-                lines.append((f"stored, n = {n}", time, stored, False))
-            errors.append((f"n = {n}", time, (stored - self.expected(time)), False))
-        lines.append(("volume in", t, self.expected(t), True))
+        for scheme, result in results.items():
+            for n, run in result.runs.items():
+                time, stored = self.stored(run)
+                if n == max(result.runs):
+                    lines.append((f"stored, n = {n}", scheme, time, stored))
+                errors.append((f"n = {n}", scheme, time, stored - self.expected(time)))
+        lines.append(("volume in", None, t, self.expected(t)))
         figures.curves(figure, [("", "t (s)", "volume (m³)", lines),
                                 ("", "t (s)", "stored - in (m³)", errors)])
-        return "Left: volume over the time. Right: what is stored less what came in."
+        return ("Left: volume over the time. Right: what is stored less what came in. "
+                f"{figures.COLOUR_WORDS}.")
 
 
 class Hydrograph(Inflow):
@@ -83,11 +81,12 @@ class Hydrograph(Inflow):
     tests = ("A flood wave of 10 minutes runs into a dry valley that is closed at its lower end, "
              "and fills a lake there. It tests that the discharge of the series, times the length "
              "of the boundary, is what is stored.")
-    reason = ("The error arises in the first minute, as the figure shows: on dry ground the first "
-              "water is a film, and the time step, which follows the depth, is many seconds long. "
-              "On a finer mesh that step is shorter.")
+    reasons = {"LHLLC": "The error arises in the first minute, as the figure shows: on dry ground "
+               "the first water is a film, and the time step, which follows the depth, is many "
+               "seconds long. On a finer mesh that step is shorter."}
     limit = ("The series is read once a step and holds for that step; the clock that it is read at "
              "runs ahead or behind by the change of the time step.")
+    second_order = "It reads the series in the middle of a step, and the clock is that of the step."
     slope, initial, friction = 0.02, 0.0, 0.03
     code = input_files.HYDROGRAPH
     series = ((0, 0.0), (300, -0.5), (600, 0.0), (2000, 0.0))  # m2/s; negative enters
@@ -99,18 +98,17 @@ class Hydrograph(Inflow):
         volume = np.append(0, np.cumsum(0.5 * (rate[1:] + rate[:-1]) * np.diff(fine)))
         return np.interp(t, fine, volume)
 
-    def evaluate(self, folder, quick=False):
-        result = super().evaluate(folder, quick)
+    def measure(self, simulator, result, quick):
+        super().measure(simulator, result, quick)
         if not quick:
-            result.remarks.append(self.remark_on_returning_waves(folder))
-        return result
+            result.remarks.append(self.remark_on_returning_waves(simulator))
 
-    def remark_on_returning_waves(self, folder):
+    def remark_on_returning_waves(self, simulator):
         """What happens if the wave comes back: the same in a flat frictionless pond."""
         pond = Hydrograph()
         pond.slope, pond.initial, pond.friction = 0.0, INITIAL, 0.0
         try:
-            pond.simulate(os.path.join(folder, "pond"), self.sizes[0])
+            pond.simulate(simulator, self.sizes[0], "pond")
         except runner.RunError as error:
             return ("The same inflow into a flat, frictionless pond, whose waves come back to the "
                     f"boundary, ends with “{str(error).splitlines()[1]}”: an imposed discharge "
@@ -134,6 +132,7 @@ class Limnigraph(Inflow):
     limit = ("Only the end is exact: on the way the basin lags behind the boundary by the time of "
              "a wave. An imposed level reflects waves; a rise with a kink would leave the basin "
              "swinging.")
+    second_order = "The lag is the boundary's, not the scheme's: it does not depend on the mesh."
     code = input_files.LIMNIGRAPH
     sizes = (20, 40, 80)
     times = tuple(120.0 * k for k in range(1, 21))

@@ -5,36 +5,48 @@ from validation import figures, input_files, norms
 from validation.case import AnalyticCase
 from validation.runner import Setup, constant
 
-LENGTH, SLOPE, MANNING = 182.88, 0.0016, 0.025
-INTENSITY, DURATION = 50.8e-3 / 3600, 1800.0  # m/s, s
-ALPHA, M = np.sqrt(SLOPE) / MANNING, 5 / 3
-TIME_OF_CONCENTRATION = (LENGTH / (ALPHA * INTENSITY ** (M - 1))) ** (1 / M)
+M = 5 / 3  # the exponent of the depth in Manning's law
 
 
-def depth(x, t):
-    """Depth of the kinematic wave at distances x from the top, for a rain that lasts longer than
-    the time of concentration."""
-    rising = np.minimum(INTENSITY * min(t, DURATION), (INTENSITY * x / ALPHA) ** (1 / M))
-    if t <= DURATION:
-        return rising
-    # After the rain each depth h travels at alpha m h^(m-1) from where it was: bisection for h.
-    low, high = np.zeros_like(rising), (INTENSITY * x / ALPHA) ** (1 / M)
-    for _ in range(60):
-        h = 0.5 * (low + high)
-        reach = ALPHA * h ** M / INTENSITY + ALPHA * M * h ** (M - 1) * (t - DURATION)
-        low, high = np.where(reach < x, h, low), np.where(reach < x, high, h)
-    return high
+class Plane:
+    """The kinematic wave on a plane of a length (m) and slope under a rain (m/s) that lasts longer
+    (s) than the time of concentration: Henderson and Wooding (1964)."""
+
+    def __init__(self, length, slope, manning, intensity, duration):
+        self.length, self.intensity, self.duration = length, intensity, duration
+        self.alpha = np.sqrt(slope) / manning
+        self.time_of_concentration = (length / (self.alpha * intensity ** (M - 1))) ** (1 / M)
+
+    def depth(self, x, t):
+        """Depth (m) at distances x from the top."""
+        steady = (self.intensity * x / self.alpha) ** (1 / M)
+        if t <= self.duration:
+            return np.minimum(self.intensity * t, steady)
+        # After the rain each depth h travels at alpha m h^(m-1) from where it was: bisection for h.
+        low, high = np.zeros_like(steady), steady
+        for _ in range(60):
+            h = 0.5 * (low + high)
+            reach = (self.alpha * h ** M / self.intensity
+                     + self.alpha * M * h ** (M - 1) * (t - self.duration))
+            low, high = np.where(reach < x, h, low), np.where(reach < x, high, h)
+        return high
+
+    def discharge(self, x, t):
+        """Unit discharge, m2/s."""
+        return self.alpha * self.depth(x, t) ** M
+
+    def rain(self, t):
+        """What has fallen per metre of width by the times t, m2."""
+        return self.intensity * np.minimum(t, self.duration) * self.length
+
+    def volume_out(self, t):
+        """What has left per metre of width by the time t, m2."""
+        x = (np.arange(2000) + 0.5) * self.length / 2000
+        return self.rain(t) - self.depth(x, t).mean() * self.length
 
 
-def discharge(x, t):
-    """Unit discharge, m2/s."""
-    return ALPHA * depth(x, t) ** M
-
-
-def exact_volume_out(t):
-    """What has left per metre of width by the time t, m2."""
-    x = (np.arange(2000) + 0.5) * LENGTH / 2000
-    return INTENSITY * min(t, DURATION) * LENGTH - depth(x, t).mean() * LENGTH
+SLOPE, MANNING = 0.0016, 0.025
+PLANE = Plane(182.88, SLOPE, MANNING, 50.8e-3 / 3600, 1800.0)
 
 
 class Rain(AnalyticCase):
@@ -51,41 +63,42 @@ class Rain(AnalyticCase):
              "allows: the film is too thin and its rise too slow until the cells are small. The "
              "time step follows the depth before the rain: with a zero depth far below the 1 mm "
              "used here, a film is given minutes in one step, and rain falls in lumps.")
-    reason = ("The fall of one cell is not small against the depth; the error falls with the first "
-              "order.")
+    reasons = {"LHLLC": "The fall of one cell is not small against the depth; the error falls with "
+               "the first order.",
+               "HLL2": "What is left is no error of the scheme but what the kinematic wave leaves "
+               "out: the slope of the surface against that of the bed, by which the film is some "
+               "1.5 % deeper, and the drawdown before the free outflow, in the last 13 m."}
     sizes = (50, 100, 200, 400)
     quick_sizes = 4
     kinds = ("structured", "irregular")
     times = tuple(150.0 * k for k in range(1, 25))
-    length = LENGTH
+    length = PLANE.length
 
     def bed(self, x, y=None):
-        return SLOPE * (LENGTH - x)
+        return SLOPE * (PLANE.length - x)
 
     def setup(self, mesh):
-        count = len(mesh.cells)
-        files = {"rain.txt": ["1", "1 2 0", f"0 {INTENSITY!r}", f"{DURATION} 0"],
-                 "hyetocells.txt": ["1"] * count}
+        files, sources = input_files.rain(len(mesh.cells), (0, PLANE.intensity),
+                                          (PLANE.duration, 0))
         return Setup(lambda x, y: mesh.bed(), self.times, bed=self.bed,
                      manning=constant(MANNING), zero_depth=1e-3, files=files,
                      boundaries={"east": (input_files.TRANSMISSIVE, None)},
-                     sources={"rainfall": "rain.txt", "hyetocells": "hyetocells.txt"},
+                     sources=sources,
                      sections=[list(mesh.edges_on("east"))])
 
     def exact(self, x, y, t):
-        h = depth(x, t)
-        return h, ALPHA * h ** M, np.zeros_like(h)
+        return PLANE.depth(x, t), PLANE.discharge(x, t), np.zeros_like(x)
 
     def errors(self, run, state):
         return super().errors(run, self.steady(run))
 
     def steady(self, run):
-        return run.states[self.times.index(DURATION)]
+        return run.states[self.times.index(PLANE.duration)]
 
-    def evaluate(self, folder, quick=False):
-        result = super().evaluate(folder, quick)
-        runs = [run for runs in self.runs.values() for run in runs.values()]
-        result.tables[0].titles += ["hydrograph", "volume out"]
+    def measure(self, simulator, result, quick):
+        super().measure(simulator, result, quick)
+        runs = [run for runs in result.runs.values() for run in runs.values()]
+        result.tables[0].measures += ["hydrograph", "volume out"]
         for row, run in zip(result.tables[0].rows, runs):
             row += [f"{error:.2e}" for error in self.outlet_errors(run)]
         result.remarks.append(
@@ -94,7 +107,6 @@ class Rain(AnalyticCase):
             "the plane. The sections file takes the discharge from the state of the cells, and in "
             "a film on a slope that is less than what the flux carries: where they differ, trust "
             "the volume.")
-        return result
 
     def hydrograph(self, run):
         """Times, and the unit discharge at the outlet after the sections file."""
@@ -105,29 +117,31 @@ class Rain(AnalyticCase):
         """Times, and what has left per metre of width, m2: rain less what is there."""
         t = np.array([state.time for state in run.states])
         stored = np.array([run.volume(k) for k in range(len(t))]) / run.mesh.width
-        return t, INTENSITY * np.minimum(t, DURATION) * LENGTH - stored
+        return t, PLANE.rain(t) - stored
 
     def outlet_errors(self, run):
         t, q = self.hydrograph(run)
-        exact_q = np.array([discharge(np.array([LENGTH]), time)[0] for time in t])
+        exact_q = np.array([PLANE.discharge(np.array([PLANE.length]), time)[0] for time in t])
         t, out = self.volume_out(run)
-        exact_out = np.array([exact_volume_out(time) for time in t])
+        exact_out = np.array([PLANE.volume_out(time) for time in t])
         return [norms.relative_l1(a - b, b, np.ones_like(b)) for a, b in
                 ((q, exact_q), (out, exact_out))]
 
-    def draw(self, figure):
+    def draw(self, figure, results):
         outlet, plane = [], []
-        for kind, runs in self.runs.items():
-            run, label = runs[max(runs)], f"{kind}, n = {max(runs)}"
+        for scheme, result in results.items():
+            n = self.sizes[0]
+            run, label = result.runs["irregular"][n], f"irregular, n = {n}"
             order = np.argsort(run.x)
-            outlet.append((label, *self.volume_out(run), False))
-            plane.append((label, run.x[order], 1000 * self.steady(run).h[order], False))
-        t, x = np.linspace(1, self.times[-1], 200), np.linspace(0.5, LENGTH, 300)
-        outlet.append(("kinematic wave", t, [exact_volume_out(time) for time in t], True))
-        plane.append(("kinematic wave", x, 1000 * depth(x, DURATION), True))
+            outlet.append((label, scheme, *self.volume_out(run)))
+            plane.append((label, scheme, run.x[order], 1000 * self.steady(run).h[order]))
+        t, x = np.linspace(1, self.times[-1], 200), np.linspace(0.5, PLANE.length, 300)
+        outlet.append(("kinematic wave", None, t, [PLANE.volume_out(time) for time in t]))
+        plane.append(("kinematic wave", None, x, 1000 * PLANE.depth(x, PLANE.duration)))
         figures.curves(figure, [("", "t (s)", "volume out (m³ per m)", outlet),
-                                (f"t = {DURATION:.0f} s", "x (m)", "depth (mm)", plane)])
-        return "Left: what has left the plane. Right: depth along the plane at the end of the rain."
+                                (f"t = {PLANE.duration:.0f} s", "x (m)", "depth (mm)", plane)])
+        return ("Left: what has left the plane. Right: depth along the plane at the end of the "
+                f"rain. {figures.COLOUR_WORDS}.")
 
 
 CASES = [Rain()]
