@@ -1,6 +1,6 @@
 // A checksum of 64 bits, for damage and not against intent: eight lanes that take 64 bytes at a
-// time, each word by an exclusive or, an odd factor and a rotation, as in Fowler, Noll and Vo
-// (1991). Every step can be undone, so that a change within one word always shows.
+// time, each word by odd factors, a rotation and an exclusive or. Every step can be undone, so that
+// a change within one word always shows.
 #pragma once
 
 #include <algorithm>
@@ -69,14 +69,15 @@ class Checksum {
 
  private:
   static constexpr std::size_t stripe_size = 64;
-  static constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;  ///< 2^64 over the golden ratio
+  static constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;        ///< 2^64 over the golden ratio
+  static constexpr std::uint64_t other_odd = 0xB504F333F9DE6485U;  ///< 2^63 times the root of 2
   using Lanes = std::array<std::uint64_t, stripe_size / 8>;
 
   static void add_stripe(const unsigned char* bytes, Lanes& lanes) {
     for (std::size_t k = 0; k < lanes.size(); ++k) {
       std::uint64_t word = 0;
       std::memcpy(&word, bytes + 8 * k, sizeof word);
-      lanes[k] = std::rotl((lanes[k] ^ word) * odd, 29);
+      lanes[k] = (std::rotl(lanes[k], 27) ^ (word * odd)) * other_odd;
     }
   }
   /// The finaliser of splitmix64: Steele, Lea and Flood (2014), OOPSLA.
