@@ -6,7 +6,6 @@
 #include "fields/maxima_values.hpp"
 #include "fields/nothing_imposed.hpp"
 #include "globals/Globals.hpp"
-#include "interfaces/SedFluxCLHLLC.hpp"
 #include "model/SWE_Exner.hpp"
 
 namespace fields {
@@ -19,6 +18,7 @@ ModelObjects objects_of(const cases::Case& contents) {
   Globals::t = Globals_Params::tStart = contents.t_start;
   Globals_Params::tEnd = contents.t_end;
   Constants::ZERO_DEPTH = contents.zero_depth;
+  Globals_Sed::g_notHyperbolicIsTold = false;
   Globals_Sed::g_d50 = contents.sediment.d50;
   Globals_Sed::g_sedimentsDensity = contents.sediment.density;
   Globals_Sed::g_sedimentsManning = contents.sediment.manning;
@@ -175,7 +175,7 @@ void ObjectsFlow::save(engine::State& state) const {
       break;
     }
   }
-  state.has_told_not_hyperbolic = has_told_not_hyperbolic();
+  state.has_told_not_hyperbolic = Globals_Sed::g_notHyperbolicIsTold;
   if (maxima_) maxima_->save(state, has_sediments());
 }
 
@@ -200,7 +200,7 @@ void ObjectsFlow::load(const engine::State& state) {
       cell->param.rain_dt = clock.rain_dt;
     }
   }
-  if (state.has_told_not_hyperbolic) tell_not_hyperbolic_no_more();
+  if (state.has_told_not_hyperbolic) Globals_Sed::g_notHyperbolicIsTold = true;
   if (!maxima_) return;
   maxima_->load(state, has_sediments(), [&](cases::Number number, double depth) {
     return cell(number).bed_level + depth;

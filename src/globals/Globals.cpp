@@ -19,4 +19,5 @@ double g_d50 = 0.0;
 double g_sedimentsDensity = 0.0;
 double g_sedimentsManning = 0.0;
 double g_sedimentsPorosity = 0.0;
+bool g_notHyperbolicIsTold = false;
 }  // namespace Globals_Sed

@@ -20,4 +20,5 @@ extern double g_d50;                ///< mean grain diameter, m
 extern double g_sedimentsDensity;   ///< density of the sediment relative to water
 extern double g_sedimentsManning;   ///< friction coefficient, s/m^(1/3); reported, not used
 extern double g_sedimentsPorosity;  ///< porosity of the bed
+extern bool g_notHyperbolicIsTold;  ///< that the coupled system is not somewhere, said once per run
 }  // namespace Globals_Sed

@@ -1,26 +1,15 @@
 #include "interfaces/SedFluxCLHLLC.hpp"
 
-#include <atomic>
-
 #include "globals/Globals.hpp"
 #include "interfaces/cell_sediment.hpp"
 #include "utils/not_hyperbolic.hpp"
 #include "utils/stop.hpp"
 
-namespace {
-
-std::atomic<bool> has_warned = false;
-
-}  // namespace
-
 void warn_not_hyperbolic(int cell, double h, double qx, double qy) {
-  if (has_warned.exchange(true)) return;
+  if (Globals_Sed::g_notHyperbolicIsTold) return;
+  Globals_Sed::g_notHyperbolicIsTold = true;
   utils::warn(utils::not_hyperbolic(cell, Globals::t, h, qx, qy));
 }
-
-bool has_told_not_hyperbolic() { return has_warned; }
-
-void tell_not_hyperbolic_no_more() { has_warned = true; }
 
 namespace {
 

@@ -7,11 +7,6 @@
 /// depth h (m) and unit discharges qx, qy (m2/s).
 void warn_not_hyperbolic(int cell, double h, double qx, double qy);
 
-/// Whether that was said.
-bool has_told_not_hyperbolic();
-/// From now on it counts as said.
-void tell_not_hyperbolic_no_more();
-
 class SedFluxCLHLLC : public GenericInterface {
  public:
   using GenericInterface::GenericInterface;
