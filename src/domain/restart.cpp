@@ -4,6 +4,7 @@
 
 #include "domain/Domain.hpp"
 #include "report/RunReport.hpp"
+#include "utils/files.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 

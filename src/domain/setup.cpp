@@ -21,6 +21,8 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
   if (is_restarted()) require_same_results();
   set_other_parameters();
   if (is_restarted()) load_flow();
+  // The loop does not wait for the system to give memory.
+  if (keeper_) flow_->save(keeper_->contents().flow);
   warn_of_implausible_input();
 }
 
