@@ -238,8 +238,9 @@ TEST_F(RestartedRun, IsRefusedOnAnotherMeshOrModelWhateverIsSaid) {
   c.data["model"]["sources"].erase("infiltracells");
   c.write(folder);
   expect_refusal(anyway, text);
+  const std::vector<int> section = c.edges_across(10);
   c = support::full_case(31, 20);
-  c.add_sections({c.edges_across(10)}, 1e-9);
+  c.add_sections({section}, 1e-9);
   c.add_gauges({{10.3, 11.6}, {27.2, 14.7}}, 0.5);
   c.write(folder);
   expect_refusal(anyway, text);
@@ -262,7 +263,7 @@ TEST_F(RestartedRun, IsRefusedWhereItsLinesAreNotThereAnyMore) {
   folder.write("out/gauges.txt", edited);
   expect_refusal(words, "out/gauges.txt doesn't hold any more what it held at the checkpoint");
   folder.write("out/gauges.txt", gauges);
-  c.add_gauges({{1.0, 2.1}}, 0.5);
+  c.add_gauges({{1.3, 2.1}}, 0.5);
   c.write(folder);
   expect_refusal(words,
                  "Error. The gauges of out/gauges.txt have changed since the checkpoint: "
