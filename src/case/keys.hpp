@@ -63,7 +63,7 @@ inline constexpr auto keys = [] {
       {"model", section, always, "", "", "the model"},
       {"model/name", text, always, "", "", "Quillmere (water) or Bramsett (water and sediments)"},
       {"model/flux scheme", text, always, "", "",
-       "LHLLC, or HLL2 (second order, positive) or HLL1 (its first-order form)"},
+       "LHLLC, or HLL2 (second order, positive) or HLL1 (its first-order form, with sediments too)"},
       {"model/zero depth value", number, optional, "0.0001", "m",
        "depth up to which a cell counts as dry"},
       {"model/conditions", section, always, "", "", "fields of the cells"},

@@ -83,6 +83,38 @@ TEST_F(Schemes, TheReportBooksWhatIsTakenFromDrainingFilms) {
   EXPECT_FALSE(report()["velocity"].contains("momentum_taken_from_films_m4_per_s"));
 }
 
+/// A dam break over sand that runs out in the east, between a discharge, a level and an outlet.
+TEST_F(Schemes, TheFirstOrderOneMovesSandAndKeepsItsBooksClosed) {
+  c.nx = 12;
+  break_a_dam();
+  lay_sand(c, "0.2");
+  std::string layer;
+  for (int cell = 0; cell < c.n_cells(); ++cell) {
+    layer += c.center(cell).x < 6.0 ? "0.2\n" : "0.0001\n";
+  }
+  c.files["layer.txt"] = layer;
+  c.add_friction(c.per_cell("0.05"));
+  c.west = "-3 -1.5";
+  c.north = "-4 1.2";
+  c.east = "-2";
+  c.set_times(0.0, 20.0);
+  c.add_snapshots({10.0});
+  use("HLL1");
+  std::vector<std::string> results;
+  on_every_path([&] {
+    EXPECT_EQ(run_with_report().err, "");
+    const json sand = report()["sediment"];
+    EXPECT_LE(std::fabs(sand["relative_error"].get<double>()), 1e-13);
+    EXPECT_EQ(sand["created_by_clamps_m3"].get<double>(), 0.0);
+    EXPECT_LT(sand["final_m3"].get<double>(), 0.999 * sand["initial_m3"].get<double>());
+    EXPECT_LE(std::fabs(report()["water"]["relative_error"].get<double>()), 1e-13);
+    for (const std::string& hs : column("out/pic_10_00.txt", 6)) EXPECT_GE(std::stod(hs), 0.0);
+    results.push_back(folder.read("out/pic_10_00.txt"));
+  });
+  EXPECT_EQ(results[0], results[1]);
+  EXPECT_NE(column("out/pic_10_00.txt", 7)[0], "0");
+}
+
 TEST_F(Schemes, TheSecondOrderOneIsNotForSediments) {
   lay_sand(c, "1");
   use("HLL2");

@@ -62,6 +62,11 @@ TEST_F(StrangeWater, NoSchemeIsAdvisedThatTheModelDoesNotHave) {
   const RunResult result = run();
   EXPECT_TRUE(support::contains(result.err, " % of the water is missing")) << result.err;
   EXPECT_FALSE(support::contains(result.err, "HLL2")) << result.err;
+  EXPECT_TRUE(support::contains(result.err, "\"HLL1\" keeps depths at or above zero"))
+      << result.err;
+  c.data["model"]["flux scheme"] = "HLL1";
+  EXPECT_EQ(run_with_report().err, "");
+  EXPECT_EQ(report()["below_zero"]["missing_m3"], 0.0);
 }
 
 TEST_F(StrangeWater, BelowZeroIsInTheReport) {

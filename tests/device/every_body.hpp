@@ -8,6 +8,7 @@
 #include "kernels/columns.hpp"
 #include "kernels/edge.hpp"
 #include "kernels/hll.hpp"
+#include "kernels/hll_bed.hpp"
 #include "kernels/maxima.hpp"
 #include "kernels/soil.hpp"
 
@@ -121,7 +122,8 @@ struct TwoHllCells {
   double geometry[kernels::hll_block * kernels::HllCellColumns::numbers];
   float weights[kernels::hll_block * kernels::HllCellColumns::weights_per_cell];
   double edge_h[6], edge_e[6], edge_u[6], edge_v[6], cap[6], source_x[2], source_y[2];
-  double after_h[2], after_qx[2], after_qy[2], reciprocal_length[2];
+  double after_h[2], after_qx[2], after_qy[2], after_hs[2], after_bed[2], reciprocal_length[2];
+  double per_discharge[2], gain[2], reserve[2], hs[2];
 };
 
 QM_HD inline kernels::HllWaterColumns waters_of(TwoHllCells& c) {
@@ -130,6 +132,35 @@ QM_HD inline kernels::HllWaterColumns waters_of(TwoHllCells& c) {
 
 QM_HD inline kernels::HllEdgeColumns edges_of(TwoHllCells& c) {
   return {c.edge_h, c.edge_e, c.edge_u, c.edge_v, c.cap, c.source_x, c.source_y, 2};
+}
+
+QM_HD inline kernels::HllBedColumns beds_of(TwoHllCells& c) {
+  return {c.per_discharge, c.gain, c.reserve, c.hs};
+}
+
+QM_HD inline kernels::HllAfterColumns after_of(TwoHllCells& c) {
+  return {c.after_h, c.after_qx, c.after_qy, c.after_hs, c.after_bed, c.reciprocal_length};
+}
+
+/// After the fluxes of the water.
+QM_HD inline void add_hll_bed_fluxes(Results& results, TwoCells& cells, TwoHllCells& c,
+                                     const physics::Edge& edge, const kernels::StepValues& step) {
+  for (int i = 0; i < 2; ++i) {
+    kernels::store_hll_bed<true>(columns_of(cells, false), i, waters_of(c), c.geometry + i, i,
+                                 beds_of(c), step);
+    add(results, c.per_discharge[i] + c.gain[i] + c.hs[i]);
+    add(results, c.reserve[i]);
+  }
+  const kernels::SlotColumns slots = slots_of(cells, 0);
+  slots.bed[1] = kernels::hll_bed_discharge(edges_of(c), beds_of(c), 0, 3, edge, slots.mass[0]);
+  slots.bed[0] = -slots.bed[1];
+  const kernels::BoundaryEdge boundaries[] = {
+      {kernels::BoundaryKind::transmissive, 0, edge, 0.0, 0.0},
+      {kernels::BoundaryKind::discharge, 0, edge, -0.5, -1e-3}};
+  for (const kernels::BoundaryEdge& boundary : boundaries) {
+    kernels::hll_bed_flux_of_boundary(edges_of(c), 4, beds_of(c), boundary, step, slots, 2);
+    add_slots(results, cells);
+  }
 }
 
 QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cells,
@@ -154,11 +185,15 @@ QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cel
   const kernels::BoundaryEdge boundary = {kernels::BoundaryKind::discharge, 0, edge, -0.5, 0.0};
   kernels::hll_flux_of_boundary(edges_of(c), 4, boundary, step, slots_of(cells, 0), 2);
   add_slots(results, cells);
+  add_hll_bed_fluxes(results, cells, c, edge, step);
   const kernels::HllCellAfter after = kernels::advance_hll<true, true, true>(
       columns_of(cells, false), 1, 1, waters_of(c), edges_of(c), 1, 2, 0, slots_of(cells, 0), 1e-4,
-      {c.after_h, c.after_qx, c.after_qy, c.reciprocal_length}, step);
+      after_of(c), step);
   add(results, c.after_h[1] + c.after_qx[1] + c.after_qy[1]);
   add(results, after.crossing_rate + after.taken_discharge + after.max_h);
+  add(results, kernels::advance_hll_bed<true>(columns_of(cells, false), 1, 1, 2, 0,
+                                              slots_of(cells, 0), after_of(c), step));
+  add(results, c.after_hs[1] + c.after_bed[1] + cells.qsx[1] + cells.qsy[1]);
 }
 
 QM_HD inline void add_maxima_bodies(Results& results, TwoCells& c) {

@@ -20,6 +20,8 @@
 #include "physics/flux_clhllc.hpp"
 #include "physics/flux_lhllc.hpp"
 #include "physics/friction_manning.hpp"
+#include "physics/hll_bed_flux.hpp"
+#include "physics/hll_bed_load.hpp"
 #include "physics/hll_boundary.hpp"
 #include "physics/hll_cell_update.hpp"
 #include "physics/hll_edge_flux.hpp"
@@ -358,6 +360,30 @@ QM_HD inline void add_hll_boundaries(Results& results, Random& random,
   add(results, physics::wave_speed_of_level(level, side.bed));
 }
 
+QM_HD inline void add_hll_bed(Results& results, Random& random, const physics::HllCell& cell,
+                              const physics::PrimitiveWater& l, const physics::PrimitiveWater& r,
+                              const physics::Edge& edge) {
+  const double n = uniform(random, 0.0, 0.1);
+  const physics::Grains sand = {0.001, 2.65};
+  const physics::BedLoad load = physics::bed_load_in_water(l, n, sand, zero_depth);
+  const physics::HllBed bed_left =
+      physics::hll_bed(l, load, uniform(random, 0.0, 0.5), porosity, cell, 0.1);
+  const physics::HllBed bed_right =
+      physics::hll_bed(r, physics::bed_load_in_water(r, n, sand, zero_depth),
+                       uniform(random, -0.1, 0.5), porosity, cell, 0.1);
+  const physics::HllEdgeState left = {l.h, l.h + 0.1, l.u, l.v, 0.0};
+  const physics::HllEdgeState right = {r.h, r.h, r.u, r.v, 0.0};
+  const double passing = uniform(random, -5.0, 5.0);
+  add(results, bed_left.per_discharge + bed_left.gain);
+  add(results, bed_left.reserve);
+  add(results, physics::hll_bed_flux(left, bed_left, right, bed_right, edge, passing));
+  add(results, physics::hll_bed_flux_open(left, bed_left, edge, passing));
+  add(results,
+      physics::hll_bed_flux_imposed(right, bed_right, edge, passing, porosity, zero_depth));
+  const physics::BedLoad there = physics::bed_load_of_sediment(load, bed_left.hs);
+  add(results, physics::crossing_rate_with_bed(l, there, porosity, 0.5));
+}
+
 QM_HD inline void add_second_order(Results& results, Random& random, const physics::Edge& edge) {
   const RandomHllCell cell = random_hll_cell(random);
   const physics::HllNeighbour own = random_neighbour(random);
@@ -400,6 +426,7 @@ QM_HD inline void add_second_order(Results& results, Random& random, const physi
   add(results, after.infiltrated_depth);
   add(results, after.taken_discharge);
   add(results, physics::crossing_rate(w, uniform(random, 0.1, 10.0), zero_depth));
+  add_hll_bed(results, random, cell.cell, w, n0.water, edge);
 }
 
 /// Every formula on the state of that number.

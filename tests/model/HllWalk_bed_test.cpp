@@ -155,7 +155,8 @@ TEST(HllWalkBed, DryCellsAndSlowWaterMoveNone) {
   EXPECT_EQ(run.water().hs, contents.fields.sediment);
 }
 
-/// Sand from an even bed whose lower part is rock, under slow water and under fast.
+/// Sand from an even bed whose lower part is rock, under slow water and under fast, where loads
+/// taken from the side that the water comes from would pile it up.
 TEST(HllWalkBed, SandPassesBareRockAndDoesNotPileUpBeforeIt) {
   for (const double slope : {0.002, 0.04}) {
     const double q = 1.0, n = 0.025, depth = std::pow(n * q / std::sqrt(slope), 0.6);
@@ -199,9 +200,8 @@ double variation(const std::vector<double>& values, std::size_t from, std::size_
   return sum;
 }
 
-/// A bump of the bed under fast water wanders upstream and does not grow; from the side that the
-/// water comes from it would.
-TEST(HllWalkBed, ABumpUnderFastWaterDoesNotGrow) {
+/// Against the water, as the bed wave runs there.
+TEST(HllWalkBed, ABumpUnderFastWaterWandersUpstreamAndDoesNotGrow) {
   const double depth = 0.3, u = 4.0, n = 0.02;
   const double slope = n * n * u * u / std::pow(depth, 4.0 / 3.0);
   const auto layer = [](double x, double) {
