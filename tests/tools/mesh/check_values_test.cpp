@@ -318,4 +318,23 @@ TEST_F(CheckValues, DoesNotWarnOfSteepGroundWithoutRain) {
   EXPECT_TRUE(texts("warnings", "steep rain").empty());
 }
 
+TEST_F(CheckValues, WarnsOfASmallDryDepthOverSteepGroundUnderTheFirstScheme) {
+  const auto warnings = [&](double slope, double zero_depth, const std::string& scheme) {
+    c.bed = [slope](double x, double) { return slope * x; };
+    c.data["model"]["zero depth value"] = zero_depth;
+    c.data["model"]["flux scheme"] = scheme;
+    check();
+    return texts("warnings", "thin films");
+  };
+  EXPECT_EQ(
+      warnings(0.05, 1e-4, "LHLLC"),
+      std::vector<std::string>{
+          "\"zero depth value\" is 0.0001 m, and the ground falls by more than 1 % across 29 "
+          "edges of 29 (by 4.47 % between the cells 16 and 19): expected 0.001 m or more, as LHLLC "
+          "lets films that thin fall below zero there; \"HLL2\" does not"});
+  EXPECT_TRUE(warnings(0.009, 1e-4, "LHLLC").empty());
+  EXPECT_TRUE(warnings(0.05, 0.001, "LHLLC").empty());
+  EXPECT_TRUE(warnings(0.05, 1e-4, "HLL2").empty());
+}
+
 }  // namespace

@@ -10,7 +10,8 @@
 
 namespace tools::check {
 
-/// Reports rain on ground that is steeper than the first scheme bears; the mesh must be whole.
+/// Reports rain, and a small dry depth, on ground that is steeper than the first scheme bears; the
+/// mesh must be whole.
 void check_scheme(const DataFile& data, const CheckedCase& checked,
                   const std::vector<CellValues>& cells, Findings& findings);
 
