@@ -19,14 +19,15 @@ struct Request {
 };
 
 /// What a request gives: a number, or else a raster.
-void read_source(Request& request, const std::string& option, const std::string& source) {
+void read_source(Request& request, const std::string& option, const std::string& source,
+                 std::optional<int> epsg) {
   request.value = utils::parse_finite_number(source);
   if (request.value) return;
   if (!std::filesystem::is_regular_file(source)) {
     throw tools::Error(option + " " + request.text + ": found \"" + source +
                        "\", expected a number or the file of a raster.");
   }
-  request.raster.emplace(source);
+  request.raster.emplace(source, epsg);
 }
 
 Request parse_request(const Mesh& mesh, const std::string& option, const std::string& text) {
@@ -34,7 +35,7 @@ Request parse_request(const Mesh& mesh, const std::string& option, const std::st
   request.text = text;
   const std::size_t equals = text.find('=');
   if (equals == std::string::npos) {
-    read_source(request, option, text);
+    read_source(request, option, text, mesh.epsg);
     return request;
   }
   const std::string name = text.substr(0, equals);
@@ -45,7 +46,7 @@ Request parse_request(const Mesh& mesh, const std::string& option, const std::st
                        "\"; it has: " + list_of_names(names) + ".");
   }
   request.surface = static_cast<int>(found - names.begin());
-  read_source(request, option, text.substr(equals + 1));
+  read_source(request, option, text.substr(equals + 1), mesh.epsg);
   return request;
 }
 
@@ -130,7 +131,8 @@ int set_elevations(Mesh& mesh, const Raster& terrain, std::optional<double> fill
   if (n_missing > 0 && !fill) {
     throw tools::Error(terrain.path() + ": no data at " + std::to_string(n_missing) + " of " +
                        std::to_string(mesh.nodes.size()) + " nodes, the first one at " +
-                       shown_point(first->x, first->y) +
+                       shown_point(first->x, first->y) + "; the raster covers " +
+                       terrain.coverage() +
                        "; expected terrain under every node (--fill VALUE gives the others a "
                        "value).");
   }

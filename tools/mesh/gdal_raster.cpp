@@ -1,12 +1,14 @@
 // The rasters that GDAL reads.
 #include <cpl_error.h>
 #include <gdal.h>
+#include <ogr_srs_api.h>
 
 #include <limits>
 #include <memory>
 
 #include "mesh/raster.hpp"
 #include "support/Error.hpp"
+#include "utils/stop.hpp"
 
 namespace mesh_import {
 
@@ -28,9 +30,31 @@ struct CloseDataset {
   void operator()(void* dataset) const { GDALClose(dataset); }
 };
 
+struct DestroyReference {
+  void operator()(void* reference) const { OSRDestroySpatialReference(reference); }
+};
+
+/// `found` is null for a raster that does not tell its system.
+void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, int epsg) {
+  const std::unique_ptr<void, DestroyReference> expected(OSRNewSpatialReference(nullptr));
+  if (OSRImportFromEPSG(expected.get(), epsg) != OGRERR_NONE) {
+    throw tools::Error("--crs: EPSG:" + std::to_string(epsg) +
+                       " is not known; expected the code of a coordinate reference system.");
+  }
+  const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES",
+                                 "CRITERION=EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS", nullptr};
+  if (found == nullptr || OSRIsSameEx(found, expected.get(), options)) return;
+  const char* const name = OSRGetName(found);
+  utils::warn(
+      path + ": the raster is in " + (name != nullptr ? name : "another system") +
+      ", the mesh in " + OSRGetName(expected.get()) + " (EPSG:" + std::to_string(epsg) +
+      "): its values lie at other places. Expected a raster that is warped to the system of "
+      "the mesh.");
+}
+
 }  // namespace
 
-RasterData read_with_gdal(const std::string& path) {
+RasterData read_with_gdal(const std::string& path, std::optional<int> epsg) {
   const QuietGdal quiet;
   const auto refuse = [&path](const std::string& what) {
     const std::string reason = CPLGetLastErrorMsg();
@@ -47,6 +71,7 @@ RasterData read_with_gdal(const std::string& path) {
   if (GDALGetGeoTransform(dataset.get(), data.geometry.data()) != CE_None) {
     refuse("the raster has no coordinates; expected a georeferenced one");
   }
+  if (epsg) warn_of_other_system(path, GDALGetSpatialRef(dataset.get()), *epsg);
   const GDALRasterBandH band = GDALGetRasterBand(dataset.get(), 1);
   if (band == nullptr) refuse("the raster has no band of values");
   constexpr std::size_t most_pixels = std::size_t{1} << 28;

@@ -7,7 +7,9 @@
 #include "mesh/merge_nodes.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
+#include "support/GroundSurvey.hpp"
 #include "utils/counted.hpp"
+#include "utils/stop.hpp"
 
 namespace mesh_import {
 
@@ -15,6 +17,7 @@ namespace {
 
 Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
   Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
+  mesh.epsg = options.epsg;
   const CellChanges changes = prepare_cells(mesh);
   out << "Read " << options.mesh << " (" << mesh.format
       << "): " << utils::counted(mesh.nodes.size(), "node") << ", "
@@ -38,7 +41,7 @@ Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
 
 void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   if (!options.terrain.empty()) {
-    const int n_filled = set_elevations(mesh, Raster(options.terrain), options.fill);
+    const int n_filled = set_elevations(mesh, Raster(options.terrain, mesh.epsg), options.fill);
     if (n_filled > 0) {
       out << "No terrain under " << utils::counted(n_filled, "node") << ": filled with "
           << shown(*options.fill) << " m.\n";
@@ -49,11 +52,29 @@ void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   out << "Elevations run from " << shown(low->z) << " to " << shown(high->z) << " m.\n";
 }
 
+/// Where the cells have beds of their own, elevations of nodes mean nothing.
+void warn_of_odd_ground(const Mesh& mesh, bool has_bed) {
+  const auto point = [&](int node) {
+    const Node& at = mesh.nodes[static_cast<std::size_t>(node)];
+    return tools::GroundPoint{at.x, at.y, has_bed ? 0.0 : at.z};
+  };
+  tools::GroundSurvey survey;
+  for (int i = 0; i < static_cast<int>(mesh.nodes.size()); ++i) survey.add_node(point(i));
+  for (const Cell& cell : mesh.cells) {
+    survey.add_cell({point(cell.node(0)), point(cell.node(1)), point(cell.node(2))});
+  }
+  for (const auto& [kind, text] : survey.remarks()) {
+    if (has_bed && kind == "flat ground") continue;
+    utils::warn(text + (text.back() == '?' ? "" : "."));
+  }
+}
+
 }  // namespace
 
 Mesh import_mesh(const ImportOptions& options, std::ostream& out) {
   Mesh mesh = read_mesh(options, out);
   set_terrain(options, mesh, out);
+  warn_of_odd_ground(mesh, !options.bed.empty() || !mesh.bed_of_cell.empty());
   return mesh;
 }
 

@@ -4,6 +4,7 @@
 
 #include "case/schemes.hpp"
 #include "mesh/boundaries.hpp"
+#include "utils/number_text.hpp"
 
 namespace mesh_import {
 
@@ -17,6 +18,16 @@ std::vector<std::string> names_of_schemes() {
   std::vector<std::string> names;
   for (const cases::SchemeKind& kind : cases::schemes) names.emplace_back(kind.name);
   return names;
+}
+
+int parse_epsg(const std::string& text) {
+  const std::string prefix = "EPSG:";
+  const auto code = utils::parse_integer<int>(
+      std::string_view(text).substr(text.starts_with(prefix) ? prefix.size() : text.size()));
+  if (!code || *code <= 0) {
+    refuse_usage("--crs", "found \"" + text + "\", expected EPSG: and a number");
+  }
+  return *code;
 }
 
 }  // namespace
@@ -36,6 +47,12 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
                   "Join nodes of the boundary that lie no further apart, m: a crack between them "
                   "lets no water pass")
       ->type_name("DISTANCE");
+  command
+      .add_option_function<std::string>(
+          "--crs", [&options](const std::string& text) { options.epsg = parse_epsg(text); },
+          "Coordinate reference system of the mesh, as in EPSG:32632: rasters in another one are "
+          "told")
+      ->type_name("EPSG:n");
   command
       .add_option("--terrain", options.terrain,
                   "Elevation of the nodes from a raster: ESRI ASCII (.asc), GeoTIFF")

@@ -16,6 +16,7 @@ struct ImportOptions {
   std::string origin;
   std::string terrain;
   std::optional<double> merge_distance;
+  std::optional<int> epsg;  // coordinate reference system of the mesh
   std::optional<double> fill;
   std::vector<std::string> boundaries;
   std::vector<std::string> friction, level, bed, sediment, rain, soil;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,7 @@ struct Mesh {
   std::vector<std::string> surface_names;
   std::vector<std::string> line_names;
   std::vector<LinePiece> line_pieces;
+  std::optional<int> epsg;           // coordinate reference system, where the user tells it
   std::string format;                // what was read, for the user: "Gmsh 4.1, binary"
   std::vector<std::string> remarks;  // what the user should know about the reading
 

@@ -10,6 +10,9 @@ namespace mesh_import {
 /// A number for a message, with six significant digits.
 inline std::string shown(double value) { return utils::number_text(value + 0.0); }
 
+/// A coordinate for a message, with as many digits as it may have before the millimetre.
+inline std::string shown_coordinate(double value) { return utils::number_text(value + 0.0, 12); }
+
 /// A point for a message, to the millimetre.
 inline std::string shown_point(double x, double y) {
   return "(" + utils::fixed_text(x + 0.0, 3) + ", " + utils::fixed_text(y + 0.0, 3) + ")";

@@ -120,10 +120,10 @@ RasterData read_asc(const std::string& path) {
   return data;
 }
 
-Raster::Raster(const std::string& path) : path_(path) {
+Raster::Raster(const std::string& path, std::optional<int> epsg) : path_(path) {
   utils::note_input_file(path);  // which the case must not replace
   const auto extension = lower_case(std::filesystem::path(path).extension().string());
-  data_ = extension == ".asc" ? read_asc(path) : read_with_gdal(path);
+  data_ = extension == ".asc" ? read_asc(path) : read_with_gdal(path, epsg);
   const auto& g = data_.geometry;
   const double determinant = g[1] * g[5] - g[2] * g[4];
   if (!(std::abs(determinant) > 0.0) || !std::isfinite(determinant)) {
@@ -131,6 +131,18 @@ Raster::Raster(const std::string& path) : path_(path) {
   }
   inverse_ = {0.0, g[5] / determinant,  -g[2] / determinant,
               0.0, -g[4] / determinant, g[1] / determinant};
+}
+
+std::string Raster::coverage() const {
+  const auto& g = data_.geometry;
+  const auto range = [&](std::size_t first) {
+    const double origin = g[first], along = g[first + 1] * data_.n_columns,
+                 across = g[first + 2] * data_.n_rows;
+    const auto [low, high] =
+        std::minmax({origin, origin + along, origin + across, origin + along + across});
+    return shown_coordinate(low) + " to " + shown_coordinate(high);
+  };
+  return "x " + range(0) + ", y " + range(3);
 }
 
 Raster::Point Raster::locate(double x, double y) const {

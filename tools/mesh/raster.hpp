@@ -22,8 +22,12 @@ struct RasterData {
 
 class Raster {
  public:
-  /// Reads an ESRI ASCII grid (.asc), or else what GDAL reads. Throws tools::Error.
-  explicit Raster(const std::string& path);
+  /// Reads an ESRI ASCII grid (.asc), or else what GDAL reads, and warns of one that is in another
+  /// coordinate reference system than `epsg`. Throws tools::Error.
+  explicit Raster(const std::string& path, std::optional<int> epsg = std::nullopt);
+
+  /// "x 0 to 100 m, y 0 to 50 m", for messages.
+  std::string coverage() const;
 
   const std::string& path() const { return path_; }
 
@@ -58,8 +62,8 @@ class Raster {
 
 /// Reads an ESRI ASCII grid.
 RasterData read_asc(const std::string& path);
-/// Reads the first band of what GDAL knows; throws tools::Error also where this program was built
-/// without GDAL.
-RasterData read_with_gdal(const std::string& path);
+/// Reads the first band of what GDAL knows, and warns where it is in another coordinate reference
+/// system than `epsg`; throws tools::Error also where this program was built without GDAL.
+RasterData read_with_gdal(const std::string& path, std::optional<int> epsg);
 
 }  // namespace mesh_import

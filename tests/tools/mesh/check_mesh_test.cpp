@@ -183,6 +183,7 @@ TEST_F(CheckMesh, NamesShoreEdgesThatHaveTheHigherCellFirst) {
   // western, higher cell first.
   c.ny = 1;
   c.bed = [](double x, double) { return 4.0 - x; };
+  c.data["model"]["zero depth value"] = 0.001;  // else thin films are told
   c.initial = [](double, double) { return support::InitialState{1.8}; };
   check();
   // Centres at 1/3, 2/3, ... : the beds are 3.33 and 3.67, 2.33 and 2.67, 1.33 and 1.67, ...
@@ -196,6 +197,7 @@ TEST_F(CheckMesh, NamesShoreEdgesThatHaveTheHigherCellFirst) {
 TEST_F(CheckMesh, AcceptsShoreEdgesThatHaveTheLowerCellFirst) {
   c.ny = 1;
   c.bed = [](double x, double) { return x; };
+  c.data["model"]["zero depth value"] = 0.001;  // else thin films are told
   c.initial = [](double, double) { return support::InitialState{1.8}; };
   expect_clean();
 }
@@ -271,6 +273,25 @@ TEST_F(CheckMesh, NamesTheSharpestAngle) {
   c.files["edges.txt"] = "3\n0 -1 0 1 -5\n0 -1 1 2 -5\n0 -1 2 0 -5\n";
   expect_warning("sharp angle", {"cell 0", "an angle of 2 degrees"});
   EXPECT_NEAR(report["quality"]["smallest angle"].get<double>(), 2.0, 1e-6);
+}
+
+TEST_F(CheckMesh, WarnsOfGroundThatIsNoGround) {
+  const support::Case usual = c;
+  c.x0 = 50.0;
+  c.y0 = 46.0;
+  expect_warning("degrees", {"from (50, 46) to (54, 49): are they degrees?"});
+  c = usual;
+  c.size = 100.0;
+  c.x0 = 612000.0;
+  expect_warning("flat ground", {"all nodes lie at 0 m", "--terrain"});
+  c.add_fixed_bed(c.per_cell("0.5"));
+  expect_clean();
+  c = usual;
+  c.size = 10.0;
+  c.bed = [](double x, double) { return x > 15.0 ? 50.0 : 0.0; };
+  c.data["model"]["zero depth value"] = 0.001;  // else thin films are told
+  c.initial = [](double, double) { return support::InitialState{60.0}; };
+  expect_warning("slope", {"6 of 24 cells are steeper than 300 %, the steepest by 500 % at ("});
 }
 
 TEST_F(CheckMesh, WarnsOfACrackInsideAConnectedMesh) {

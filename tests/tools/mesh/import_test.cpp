@@ -12,6 +12,7 @@
 #include "support/run_program.hpp"
 #include "support/text.hpp"
 #include "tools/mesh/SampleMesh.hpp"
+#include "tools/mesh/geotiff.hpp"
 
 namespace {
 
@@ -215,14 +216,53 @@ TEST_F(Import, TakesElevationsFromTerrain) {
   }
 }
 
+TEST_F(Import, WarnsOfOddGroundOnce) {
+  sample.x0 = 7.0;
+  sample.y0 = 46.0;
+  folder.write("m.msh", sample.msh4(true));
+  const auto degrees = import({"m.msh", "case"});
+  EXPECT_EQ(degrees.status, 0);
+  EXPECT_EQ(degrees.err,
+            "Warning: the coordinates run from (7, 46) to (11, 49): are they degrees? metres of a "
+            "projected system are expected.\n");
+  sample.x0 = sample.y0 = 0.0;
+  sample.z = [](double x, double) { return 7.0 * x; };
+  folder.write("m.msh", sample.msh4(true));
+  const auto steep = import({"m.msh", "steep"});
+  EXPECT_TRUE(contains(steep.err, "are they degrees?")) << steep.err;
+  EXPECT_EQ(import({"m.msh", "bed", "--bed", "3"}).err, "");
+}
+
+#ifdef QUILLMERE_HAS_GDAL
+TEST_F(Import, WarnsOfARasterInAnotherSystem) {
+  support::write_geotiff(
+      folder.file("dem.tif"), 20, 20, -5.0, -5.0, 1.0, [](double x, double) { return 0.1 * x; },
+      25832);
+  const Words words = {"m.msh", "case", "--overwrite", "--terrain", "dem.tif"};
+  EXPECT_EQ(import(words).err, "");
+  Words same = words, other = words, unknown = words;
+  same.insert(same.end(), {"--crs", "EPSG:25832"});
+  other.insert(other.end(), {"--crs", "EPSG:32633"});
+  unknown.insert(unknown.end(), {"--crs", "EPSG:99999"});
+  EXPECT_EQ(import(same).err, "");
+  EXPECT_EQ(import(other).err,
+            "Warning: dem.tif: the raster is in ETRS89 / UTM zone 32N, the mesh in WGS 84 / UTM "
+            "zone 33N (EPSG:32633): its values lie at other places. Expected a raster that is "
+            "warped to the system of the mesh.\n");
+  EXPECT_EQ(import(unknown).status, 1);
+  EXPECT_EQ(import({"m.msh", "case", "--crs", "UTM"}).status, 2);
+}
+#endif
+
 TEST_F(Import, RefusesMissingTerrainUnlessItMayFillIt) {
   folder.write("dem.asc",
                support::asc_grid(3, 10, -1.0, -1.0, 1.0, [](double, double) { return 3.0; }));
   EXPECT_TRUE(contains(import_badly(1, {"--terrain", "dem.asc"}),
-                       "dem.asc: no data at 8 of 20 nodes, the first one at (3.000, 0.000)"));
-  EXPECT_TRUE(contains(import_well({"--terrain", "dem.asc", "--fill", "-7"}),
-                       "No terrain under 8 nodes: filled with -7 m.\n"));
-  EXPECT_EQ(column("nodes.txt", 2, 1).at(3), -7.0);
+                       "dem.asc: no data at 8 of 20 nodes, the first one at (3.000, 0.000); the "
+                       "raster covers x -1 to 2, y -1 to 9; expected"));
+  EXPECT_TRUE(contains(import_well({"--terrain", "dem.asc", "--fill", "2"}),
+                       "No terrain under 8 nodes: filled with 2 m.\n"));
+  EXPECT_EQ(column("nodes.txt", 2, 1).at(3), 2.0);
 }
 
 TEST_F(Import, GivesCellsTheValuesOfTheirSurfaces) {

@@ -10,6 +10,7 @@
 #include "mesh/check/check_values.hpp"
 #include "mesh/check/numbers.hpp"
 #include "support/Error.hpp"
+#include "support/GroundSurvey.hpp"
 #include "utils/counted.hpp"
 #include "utils/stop.hpp"
 
@@ -28,6 +29,26 @@ void check_first_step(CaseReport& report, const cases::CellFields& fields) {
   }
 }
 
+/// Reports degrees, and slopes and a terrain that was forgotten, unless a bed file counts and not
+/// the elevations of the nodes.
+void check_ground(const CheckedCase& checked, Findings& findings) {
+  const cases::Mesh& mesh = checked.contents.mesh;
+  const bool has_bed = !checked.contents.fields.bed.empty();
+  const auto point = [&](cases::Number node) {
+    const std::size_t i = cases::at(node);
+    return GroundPoint{mesh.x[i], mesh.y[i], has_bed ? 0.0 : mesh.z[i]};
+  };
+  GroundSurvey survey;
+  for (cases::Number node = 0; node < mesh.n_nodes(); ++node) survey.add_node(point(node));
+  for (cases::Number cell = 0; cell < mesh.n_cells(); ++cell) {
+    const std::span<const cases::Number> nodes = mesh.nodes_of(cell);
+    survey.add_cell({point(nodes[0]), point(nodes[1]), point(nodes[2])});
+  }
+  for (const auto& [kind, text] : survey.remarks()) {
+    if (!has_bed || kind != "flat ground") findings.warning(kind, text);
+  }
+}
+
 void check_mesh(CaseReport& report, const CheckedCase& checked) {
   Findings& findings = report.findings;
   const cases::Mesh& mesh = checked.contents.mesh;
@@ -43,6 +64,7 @@ void check_mesh(CaseReport& report, const CheckedCase& checked) {
     report.higher_cell_first = check_shores(mesh, report.cells, report.data.zero_depth, findings);
   }
   check_quality(*report.mesh, report.cells, findings);
+  check_ground(checked, findings);
   if (!fields.level.empty()) report.water = water_summary(report.data, report.cells);
   check_first_step(report, fields);
 }
