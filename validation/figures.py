@@ -56,13 +56,14 @@ def profile(axes, case, results):
         n = min(runs)
         run = runs[n]
         cells = thinned(middle_cells(run))
-        axes.plot(run.x[cells], run.states[-1].h[cells], marker, color=COLOURS[scheme],
-                  markersize=3.5, label=f"{scheme}, n = {n}")
+        state = run.states[case.judged_state]
+        axes.plot(run.x[cells], state.h[cells], marker, color=COLOURS[scheme], markersize=3.5,
+                  label=f"{scheme}, n = {n}")
     x = np.linspace(0, run.mesh.length, 501)[1:-1]
-    h = case.exact(x, np.full_like(x, run.mesh.width / 2), run.states[-1].time)[0]
+    h = case.exact(x, np.full_like(x, run.mesh.width / 2), state.time)[0]
     at = case.compared(x, np.full_like(x, run.mesh.width / 2))
     axes.plot(x[at], h[at], color=BLACK, linewidth=1, label="exact")
-    axes.set(xlabel="x (m)", ylabel="depth (m)", title=f"t = {run.states[-1].time:.4g} s")
+    axes.set(xlabel="x (m)", ylabel="depth (m)", title=f"t = {state.time:.4g} s")
     axes.legend()
 
 

@@ -12,6 +12,7 @@ HILL_SLOPE, CHANNEL_SLOPE, BANK = 0.05, 0.02, 1.0  # -, -, height of the bank at
 HILL_MANNING, CHANNEL_MANNING = 0.015, 0.15
 INTENSITY, DURATION = 10.8e-3 / 3600, 5400.0  # m/s, s
 ROWS_OF_CHANNEL = 4
+HIGHEST_SHOWN = 7.0  # discharge in the figure, m3/s
 HILLSIDE = Plane(HILL, HILL_SLOPE, HILL_MANNING, INTENSITY, DURATION)
 
 
@@ -137,7 +138,10 @@ class VCatchment(Case):
         outlet.append(("equilibrium", None, [0, DURATION / 60], [full, full]))
         figures.curves(figure, [("one hillside", "t (min)", "discharge (m³/s)", hillside),
                                 ("outlet of the channel", "t (min)", "discharge (m³/s)", outlet)])
-        return ("Left: discharge of one hillside. Right: discharge of the channel. "
+        for axes in figure.axes:
+            axes.set_ylim(-0.3, HIGHEST_SHOWN)
+        return ("Left: discharge of one hillside. Right: discharge of the channel. Values above "
+                f"{HIGHEST_SHOWN:g} m³/s, of LHLLC in the first minutes, lie outside. "
                 f"{figures.COLOUR_WORDS}.")
 
 

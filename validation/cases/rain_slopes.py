@@ -139,10 +139,12 @@ class RainOnSlopes(Case):
                     lines.append((label, scheme, [100 * slope for slope in SLOPES],
                                   [100 * self.excess_out(result.runs[slope, soil, self.sizes[-1]],
                                                          slope, soil) for slope in SLOPES]))
-            panels.append((title, "slope (%)", "volume out, over the kinematic wave's (%)", lines))
+            panels.append((title, "slope (%)", "volume out beyond the exact one (%)", lines))
         figures.curves(figure, panels)
-        return ("Volume that left the plane of n = 50, over that of the kinematic wave, by slope. "
-                f"{figures.COLOUR_WORDS}.")
+        for axes in figure.axes:
+            axes.set_yscale("symlog", linthresh=1)
+        return ("Volume that left the plane of n = 50, beyond that of the kinematic wave, by "
+                f"slope; the scale is logarithmic beyond 1 %. {figures.COLOUR_WORDS}.")
 
 
 CASES = [RainOnSlopes()]

@@ -281,9 +281,10 @@ class Frictionless(SteadyCase):
     source = "A uniform flow without friction over a flat bed is a steady solution."
     limit = "Nothing: a uniform flow is exact at any order."
     second_order = ("It is not stable at an imposed discharge on every mesh: see the reason.")
-    reasons = {"HLL2": "In single cells at the imposed discharge a disturbance grows until the "
-               "depth is wrong by a third, and stays so, however small it was. None was seen on "
-               "other meshes, nor at imposed levels."}
+    reasons = {"HLL2": "In single cells at the imposed discharge a disturbance grows, however "
+               "small it was, until the depth is wrong by a third. It depends on the shapes of "
+               "these cells: structured meshes and many irregular ones have none. Even still water "
+               "does it, beside a discharge of 0; walls and imposed levels do not."}
     sizes = (50, 100)
     length, times, outlet_level, q = 2.0, (2.0,), 1.0, 1.0
     tolerance = None

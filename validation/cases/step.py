@@ -27,7 +27,7 @@ class DryingStep(AnalyticCase):
                     "left at n = 400.")
     reasons = {"HLL2": "What the cells of the brink hold back: see above."}
     kinds = ("structured", "irregular")
-    times = (EARLY, END)
+    times, judged_state = (EARLY, END), 0
     length = LENGTH
     allowed_volume, allowed_rest = 0.01, 0.01
 
@@ -52,9 +52,6 @@ class DryingStep(AnalyticCase):
 
     def compared(self, x, y):
         return x < BRINK
-
-    def errors(self, run, state):
-        return super().errors(run, run.states[0])
 
     def shares(self, run):
         """What has left the shelf early, relative to the exact volume, and what is left of it in
