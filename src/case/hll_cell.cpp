@@ -33,16 +33,22 @@ Corners corners_of(const Mesh& mesh, Number cell) {
   return {{mesh.plan_node(n[0]), mesh.plan_node(n[1]), mesh.plan_node(n[2])}};
 }
 
-/// From the centre of a cell to that of its neighbour at side k, or to its own image behind a wall.
-/// Zero at other boundaries, across which no slope is known.
+/// Whether the slope of the level goes on beyond a boundary. Where a discharge is imposed nothing
+/// holds the level out there: it would feed itself.
+bool goes_on_beyond(const Mesh& mesh, Number edge) {
+  const BoundaryKind& kind = *boundary_kind(mesh.boundary_on(edge)->code);
+  return kind.code != edge_code::wall && !kind.imposes_discharge();
+}
+
+/// From the centre of a cell to that of its neighbour at side k, or to its own image behind a wall
+/// or an imposed discharge. Zero at other boundaries, across which no slope is known.
 physics::PlanVector offset_at_side(const Mesh& mesh, const TriangleSides& sides, Number cell, int k,
                                    const physics::PlanVector& r) {
   const TriangleSide& side = sides[at(k)];
   if (side.neighbour >= 0) {
     return physics::between_centers(corners_of(mesh, cell).of, corners_of(mesh, side.neighbour).of);
   }
-  const bool is_open = side.edge >= 0 && mesh.boundary_on(side.edge)->code != edge_code::wall;
-  if (is_open) return {0.0, 0.0};
+  if (side.edge >= 0 && goes_on_beyond(mesh, side.edge)) return {0.0, 0.0};
   return physics::to_mirror_image(r, edge_at_side(mesh, cell, k));
 }
 

@@ -87,10 +87,12 @@ TEST(HllCellOfCase, KnowsTheResistanceOfItsBed) {
   EXPECT_EQ(cells_of(contents)[0].resistance, 9.81 * 0.03 * 0.03);
 }
 
-TEST(HllCellOfCase, AWallCountsAsAMirrorAndAnOpenBoundaryNotAtAll) {
+TEST(HllCellOfCase, WallsAndImposedDischargesCountAsAMirrorAndOpenBoundariesNotAtAll) {
   TriangleGrid grid;
   const float mirrored = cells_of(grid.make())[0].weights.y0;
   EXPECT_NE(mirrored, 0.0f);
+  grid.south = {edge_code::discharge, 0.5};
+  EXPECT_EQ(cells_of(grid.make())[0].weights.y0, mirrored);
   grid.south = {edge_code::transmissive};
   const physics::SlopeWeights open = cells_of(grid.make())[0].weights;
   EXPECT_EQ(open.x0, 0.0f);

@@ -14,8 +14,6 @@ EXPECTED_MISSES = {
     ("rest_island_bed_file", "LHLLC"): ["irregular, n = 20: largest q (m²/s)"],
     ("thacker_parabola", "LHLLC"): ["irregular, n = 200: L1(h) against the plain scheme"],
     ("vortex", "LHLLC"): ["irregular: order of L1(q) between the two finest meshes"],
-    ("frictionless_flow", "HLL2"): [
-        "irregular, n = 100: largest error of the depth (m), against the hump's at first"],
     **{("drying_step", scheme): ["irregular, n = 200: error of the volume over the brink after 4 s"]
        for scheme in ("LHLLC", "HLL2")},
     ("draining_valley", "LHLLC"): ["n = 30: lowest depth in a snapshot, below zero (m)"],

@@ -236,9 +236,7 @@ class MacDonaldSupercritical(MacDonald):
     limit = ("An inflow is given by its discharge alone; for supercritical inflow a depth would be "
              "needed as well, and the first cells are too deep. Further down the depth is too "
              "small, as in the subcritical channel, and more so on the steeper bed.")
-    second_order = ("What is left is the inflow's. On one irregular mesh the error is larger than "
-                    "on the coarser one: see what an imposed discharge does to a uniform flow "
-                    "without friction.")
+    second_order = "What is left is the inflow's."
     bounds = {"HLL2": {("irregular", 100): 1.7e-3, ("irregular", 400): 7e-4}}
     q, n, shape = 2.5, 0.04, (-0.2, 36.0)
 
@@ -280,11 +278,9 @@ class Frictionless(SteadyCase):
              "open boundaries on triangles of any shape leave alone what is uniform.")
     source = "A uniform flow without friction over a flat bed is a steady solution."
     limit = "Nothing: a uniform flow is exact at any order."
-    second_order = ("It is not stable at an imposed discharge on every mesh: see the reason.")
-    reasons = {"HLL2": "In single cells at the imposed discharge a disturbance grows, however "
-               "small it was, until the depth is wrong by a third. It depends on the shapes of "
-               "these cells: structured meshes and many irregular ones have none. Even still water "
-               "does it, beside a discharge of 0; walls and imposed levels do not."}
+    second_order = ("A level that goes on beyond an imposed discharge, as it does beyond other open "
+                    "boundaries, would feed itself in single cells of irregular meshes until the "
+                    "depth is wrong by a third. It ends there as at a wall.")
     sizes = (50, 100)
     length, times, outlet_level, q = 2.0, (2.0,), 1.0, 1.0
     tolerance = None
