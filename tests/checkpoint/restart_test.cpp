@@ -88,11 +88,14 @@ class Restart : public testing::Test {
       EXPECT_EQ(run(folder, first, any_machine()), first);
       if (i % 4 == 3) run(folder, (first + steps_) / 2, any_machine());
       EXPECT_EQ(run(folder, {}, any_machine()), steps_);
-      const auto results = results_of(folder);
-      ASSERT_EQ(results.size(), whole_.size());
-      for (const auto& [name, text] : whole_) {
-        EXPECT_EQ(results.at(name), text) << name << ", stopped at step " << first;
-      }
+      expect_whole_results(folder, "stopped at step " + std::to_string(first));
+    }
+  }
+  void expect_whole_results(const support::TemporaryFolder& folder, const std::string& how) const {
+    const auto results = results_of(folder);
+    ASSERT_EQ(results.size(), whole_.size());
+    for (const auto& [name, text] : whole_) {
+      EXPECT_TRUE(results.at(name) == text) << name << ", " << how;
     }
   }
 
@@ -169,6 +172,24 @@ TEST_F(Restart, OfThePositiveSchemesLeavesTheSameFilesFromAnyStep) {
   Case sand = sand_case();
   sand.data["model"]["flux scheme"] = "HLL1";
   expect_the_same_from_any_step(sand, 5);
+}
+
+TEST_F(Restart, BeforeTheFirstStepKeepsTheFreeSurfaceThatWasGiven) {
+  Case c = water_case();
+  c.initial = [](double x, double y) {
+    return support::InitialState{0.3 * std::sin(0.4 * x) * std::cos(0.3 * y) > 0.2 ? 0.9 : -0.7};
+  };
+  c.set_times(0.0, 0.3);
+  run_whole(c);
+  for (const char* const first : {"objects", "tables"}) {
+    for (const char* const second : {"objects", "tables"}) {
+      const support::TemporaryFolder folder;
+      c.write(folder);
+      EXPECT_EQ(run(folder, 0, {.path = first}), 0);
+      EXPECT_EQ(run(folder, {}, {.path = second}), steps_);
+      expect_whole_results(folder, std::string(first) + ", then " + second);
+    }
+  }
 }
 
 TEST_F(Restart, OfACompleteRunChangesNothing) {
