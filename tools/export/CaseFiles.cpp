@@ -40,6 +40,7 @@ void read(CaseFiles& files, const utils::DataFileReader& data) {
   if (data.is_gauges()) files.gauges = path(data.get_gauges_file());
   if (data.is_discharge_check()) files.sections = path(data.get_discharge_file());
   files.output_prefix = data.get_output_folder_path();
+  if (data.is_maxima()) files.maxima = files.result(data.get_maxima_file());
 }
 
 /// No export takes the place of a file of the case, whether it reads that file or not.

@@ -29,7 +29,8 @@ struct CaseFiles {
   std::array<double, 2> origin{};  ///< what was taken from all coordinates, m
   std::optional<std::string> fixed_bed, sediment_thickness;
   std::optional<std::string> snapshot_times, gauges, sections;
-  std::string output_prefix;  ///< put in front of the names of results
+  std::optional<std::string> maxima;  ///< the result itself
+  std::string output_prefix;          ///< put in front of the names of results
 };
 
 }  // namespace exports

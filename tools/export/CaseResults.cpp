@@ -113,6 +113,10 @@ std::optional<std::vector<float>> CaseResults::max_depth(BelowZero* below_zero) 
   return depth;
 }
 
+bool CaseResults::has_maxima() const {
+  return files.maxima && std::filesystem::exists(*files.maxima) && !log.is_earlier(*files.maxima);
+}
+
 const SnapshotFile& CaseResults::snapshot_at(std::optional<double> time) const {
   if (snapshots.empty()) {
     if (!earlier_results.empty()) throw tools::Error("No snapshot of the last run is there.");

@@ -56,7 +56,7 @@ void tell(const std::string& output) { std::cout << output << "\n"; }
 
 /// Says what an export leaves out: the run may still go on, or have ended early.
 void warn_about_missing(const CaseResults& results) {
-  if (results.snapshots.empty() && !results.has_envelope()) {
+  if (results.snapshots.empty() && !results.has_envelope() && !results.has_maxima()) {
     results.snapshot_at(std::nullopt);  // refuses
   }
   if (!results.missing_snapshots.empty()) {
@@ -65,6 +65,9 @@ void warn_about_missing(const CaseResults& results) {
   }
   if (!std::filesystem::exists(results.envelope_file())) {
     utils::warn("the envelope " + results.envelope_file() + " is not there.");
+  }
+  if (results.files.maxima && !std::filesystem::exists(*results.files.maxima)) {
+    utils::warn("the maxima " + *results.files.maxima + " are not there.");
   }
 }
 
@@ -135,7 +138,7 @@ void add_vtu_command(CLI::App& app) {
 void add_geotiff_command(CLI::App& app) {
   struct Options : GeotiffOptions {
     std::string case_name, field = "max_depth";
-    std::optional<double> time;
+    std::optional<double> time, dry_depth;
   };
   auto options = std::make_shared<Options>();
   CLI::App& command = add_command(app, "geotiff", "One field as a raster", *options);
@@ -146,13 +149,15 @@ void add_geotiff_command(CLI::App& app) {
       ->required()
       ->check(CLI::PositiveNumber);
   command.add_option("--time", options->time, "Time of the snapshot, s (the last one)");
+  command.add_option("--threshold", options->dry_depth,
+                     "Cells no deeper than this have no data, m (the case's zero depth)");
   add_crs_option(command, options->crs);
   command.add_option("-o,--output", options->output,
                      "File (CASE/export/FIELD.tif, with its time of a snapshot)");
   command.callback([options] {
     const CaseResults results(options->case_name);
-    const MapField field =
-        read_map_field(results, options->field, options->time, results.files.dry_depth);
+    const MapField field = read_map_field(results, options->field, options->time,
+                                          options->dry_depth.value_or(results.files.dry_depth));
     options->output =
         or_default(options->output, results.files.export_path(file_stem(field) + ".tif"));
     write_geotiff(results.mesh, field, *options);
@@ -166,12 +171,13 @@ void add_csv_command(CLI::App& app) {
     std::string case_name, folder;
   };
   auto options = std::make_shared<Options>();
-  CLI::App& command = add_command(app, "csv", "Gauges and sections as tables with units", *options);
+  CLI::App& command =
+      add_command(app, "csv", "Gauges, sections and maxima as tables with units", *options);
   command.add_option("-o,--output", options->folder, "Folder (CASE/export)");
   command.callback([options] {
     const CaseFiles files(options->case_name);
-    if (!files.gauges && !files.sections) {
-      throw tools::Error(files.data_file + " asks for neither gauges nor discharges.");
+    if (!files.gauges && !files.sections && !files.maxima) {
+      throw tools::Error(files.data_file + " asks for neither gauges nor discharges nor maxima.");
     }
     const auto write = [&](auto writer, const char* name) {
       const std::string output = options->folder.empty()
@@ -185,6 +191,7 @@ void add_csv_command(CLI::App& app) {
       write(write_gauge_points_csv, "gauge_points.csv");
     }
     if (files.sections) write(write_sections_csv, "sections.csv");
+    if (files.maxima) write(write_maxima_csv, "maxima.csv");
   });
 }
 
@@ -210,6 +217,13 @@ void add_plot_command(CLI::App& app) {
   command.add_option("--time", options->time, "Time of the snapshot, s (the last one)");
   command.add_option("--threshold", options->dry_depth,
                      "Cells no deeper than this are drawn dry, m (the case's zero depth)");
+  command
+      .add_option(
+          "--classes", options->classes,
+          "Bounds of classes for the map of a field, increasing, in its unit: each class has "
+          "one colour")
+      ->delimiter(',')
+      ->type_name("B1,B2,...");
   command.add_option("--format", options->format, "Kind of picture")
       ->check(CLI::IsMember(picture_formats()))
       ->capture_default_str();
@@ -222,6 +236,13 @@ void add_plot_command(CLI::App& app) {
     }
     if (options->dry_depth && (options->what == What::gauges || options->what == What::sections)) {
       throw CLI::ValidationError("--threshold", "is for maps");
+    }
+    if (!options->classes.empty() && options->what != What::map) {
+      throw CLI::ValidationError("--classes", "are for the map of one field");
+    }
+    if (std::adjacent_find(options->classes.begin(), options->classes.end(),
+                           [](double a, double b) { return !(a < b); }) != options->classes.end()) {
+      throw CLI::ValidationError("--classes", "expected bounds that increase");
     }
     if (options->what != What::all) take_format_of_name(*options);
     const CaseResults results(options->case_name);

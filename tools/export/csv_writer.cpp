@@ -6,6 +6,7 @@
 #include <span>
 
 #include "case/read_requests.hpp"
+#include "export/MaximaTable.hpp"
 #include "export/TableReader.hpp"
 #include "export/below_zero.hpp"
 #include "export/run_log.hpp"
@@ -64,6 +65,12 @@ void copy_rows(TableReader& table, std::size_t columns, std::ostream& out, const
     line << '\n';
     out << line.text();
   }
+}
+
+/// "m2/s" for "m2 s-1".
+std::string plain_unit(std::string unit) {
+  const std::size_t per = unit.find(" s-1");
+  return per == std::string::npos ? unit : unit.replace(per, 4, "/s");
 }
 
 }  // namespace
@@ -135,6 +142,29 @@ void write_sections_csv(const CaseFiles& files, const std::string& output) {
   }
   file.stream() << '\n';
   copy_rows(table, 1 + list.sections.size(), file.stream(), [](std::span<double>) {});
+  file.commit();
+}
+
+void write_maxima_csv(const CaseFiles& files, const std::string& output) {
+  const CaseResults results(files.data_file);
+  const MaximaTable maxima = read_maxima(results);
+  tools::PartialStream file(output);
+  file.stream() << "cell,x (m),y (m)";
+  for (const MaximaQuantity& quantity : maxima_quantities) {
+    file.stream() << ',' << quantity.long_name << " (" << plain_unit(quantity.unit) << ')';
+  }
+  file.stream() << '\n';
+  file.stream().precision(15);
+  for (std::size_t i = 0; i < results.mesh.n_cells(); ++i) {
+    file.stream() << i << ',' << results.mesh.center_x[i] << ',' << results.mesh.center_y[i];
+    utils::TextBuffer values;
+    for (const MaximaQuantity& quantity : maxima_quantities) {
+      values << ',';
+      const float value = maxima[quantity][i];
+      if (!std::isnan(value)) values << static_cast<double>(value);
+    }
+    file.stream() << values.text() << '\n';
+  }
   file.commit();
 }
 

@@ -18,6 +18,8 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output);
 /// Number and coordinates of every gauge, as a layer of points.
 void write_gauge_points_csv(const CaseFiles& files, const std::string& output);
 /// Time and discharge of every section, counted from 1.
+/// The maxima of the flow, a row per cell; what has not been is empty.
+void write_maxima_csv(const CaseFiles& files, const std::string& output);
 void write_sections_csv(const CaseFiles& files, const std::string& output);
 
 }  // namespace exports

@@ -19,7 +19,7 @@ try:
     from matplotlib import colormaps, patheffects
     from matplotlib.cm import ScalarMappable
     from matplotlib.collections import LineCollection
-    from matplotlib.colors import ListedColormap, Normalize
+    from matplotlib.colors import BoundaryNorm, ListedColormap, Normalize
     from matplotlib.offsetbox import AnchoredOffsetbox, AuxTransformBox, TextArea, VPacker
     from matplotlib.patches import Rectangle
     from matplotlib.ticker import MaxNLocator
@@ -33,9 +33,11 @@ LINE_STYLES = ("-", "--", "-.", ":")
 # Colour maps for readers with any colour vision; pale ends would look like dry land.
 MAP_COLOURS = {"max_depth": "GnBu", "depth": "GnBu", "velocity": "YlOrRd", "bed": "cividis",
                "bed_change": "PuOr_r", "sediment_thickness": "YlOrBr",
-               "infiltrated_depth": "PuBu"}
+               "infiltrated_depth": "PuBu", "peak_depth": "GnBu", "peak_speed": "YlOrRd",
+               "hazard": "YlOrRd", "arrival_time": "viridis_r", "time_under_water": "PuBu"}
 PALE = ("GnBu", "YlOrRd", "YlOrBr", "PuBu")
-UNITS = {"m": "m", "m s-1": "m/s", "m2 s-1": "m²/s"}
+LINES = ("arrival_time",)  # drawn as lines of equal value, too
+UNITS = {"s": "s", "m": "m", "m s-1": "m/s", "m2 s-1": "m²/s"}
 
 
 class Terrain:
@@ -133,6 +135,25 @@ def colour_scale(name, lowest, highest):
     return colours, Normalize(lowest, highest)
 
 
+def class_scale(name, bounds):
+    """One colour for each class: below the first bound, between two, and from the last one on."""
+    colours = colormaps[MAP_COLOURS.get(name, "viridis")]
+    places = np.linspace(0.22 if MAP_COLOURS.get(name) in PALE else 0, 1, len(bounds) + 1)
+    return (ListedColormap(colours(places)),
+            BoundaryNorm(bounds, len(bounds) + 1, extend="both"))
+
+
+def draw_lines(axes, terrain, values):
+    """Lines of equal value, with their values."""
+    shown = values[~np.isnan(values)]
+    if not len(shown) or np.ptp(shown) == 0:
+        return
+    levels = MaxNLocator(8).tick_values(shown.min(), shown.max())
+    lines = axes.contour(terrain.on_pixels(values[terrain.cells]), levels=levels, colors="black",
+                         linewidths=0.6, extent=terrain.bounds, origin="upper")
+    axes.clabel(lines, fmt="%g", fontsize=8)
+
+
 def format_time(time):
     text = f"t = {time:g} s"
     if time < 3600:
@@ -225,8 +246,12 @@ def draw_map(job, terrain, entry, values, limits):
     ratio = max(north - south, 1e-9) / max(east - west, 1e-9)
     size = (9.6, max(9.6 * ratio + 1.2, 2.6)) if ratio < 1 else (7.2 / ratio + 2.2, 7.2)
     figure, axes = plt.subplots(figsize=size, layout="constrained")
-    colours, scale = colour_scale(entry["name"], *limits)
+    classes = entry.get("classes")
+    colours, scale = (class_scale(entry["name"], classes) if classes
+                      else colour_scale(entry["name"], *limits))
     draw_picture(axes, terrain, values, colours, scale)
+    if entry["name"] in LINES:
+        draw_lines(axes, terrain, values)
     axes.set_aspect("equal")
     margin = 0.01 * max(east - west, north - south)
     axes.set(xlim=(west - margin, east + margin), ylim=(south - margin, north + margin),
@@ -243,10 +268,10 @@ def draw_map(job, terrain, entry, values, limits):
     paint = ScalarMappable(scale, colours)
     if ratio > 0.4:  # as high as the map, and beside it
         beside = make_axes_locatable(axes).append_axes("right", size=0.16, pad=0.15)
-        figure.colorbar(paint, cax=beside, label=label)
+        figure.colorbar(paint, cax=beside, label=label, ticks=classes)
     else:
         figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30,
-                        ticks=MaxNLocator(6))
+                        ticks=classes or MaxNLocator(6))
     draw_scale(axes, east - west)
     draw_places(axes, terrain)
     return figure

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "export/MaximaTable.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/csv_writer.hpp"
 #include "export/quantities.hpp"
@@ -132,6 +133,7 @@ class Job {
                 {"picture", add_output(name)}};
     if (field.time) map["time"] = *field.time;
     below_zero_.add(field.below_zero);
+    if (!options_.classes.empty()) map["classes"] = options_.classes;
     job_["maps"].push_back(std::move(map));
   }
   void add_map(const std::string& field) {
@@ -151,6 +153,12 @@ class Job {
     if (results_.has_envelope()) {
       add_map("max_depth");
       if (!results_.files.has_sediment) add_map("max_level");
+    }
+    if (results_.has_maxima()) {
+      const MaximaTable maxima = read_maxima(results_);
+      for (const MaximaQuantity& quantity : maxima_quantities) {
+        add_map(map_field(maxima, quantity, dry_depth_), quantity.name);
+      }
     }
     Snapshot snapshot;
     for (const SnapshotFile& file : results_.snapshots) {

@@ -15,6 +15,7 @@ struct PlotOptions {
   std::string field = "max_depth";
   std::optional<double> time;       ///< of the snapshot, s; none for the last one
   std::optional<double> dry_depth;  ///< in place of the case's, m
+  std::vector<double> classes;      ///< bounds between colours, increasing; empty: no classes
   std::string format = "png";       ///< svg or pdf
   std::string output;               ///< file, or the folder of all; empty for the usual place
   std::string title;                ///< empty for the usual one

@@ -168,6 +168,7 @@ std::vector<float> max_level(const CaseResults& results, const std::vector<float
 
 std::vector<std::string> map_field_names() {
   std::vector<std::string> names = {"max_depth", "max_level"};
+  for (const MaximaQuantity& quantity : maxima_quantities) names.emplace_back(quantity.name);
   for (const Row& row : rows()) {
     if (row.use != For::datasets) names.push_back(row.quantity.name);
   }
@@ -191,9 +192,11 @@ std::string file_stem(const MapField& field) {
 
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth) {
-  if (name == "max_depth" || name == "max_level") {
+  const MaximaQuantity* const of_run = find_maxima_quantity(name);
+  if (of_run != nullptr || name == "max_depth" || name == "max_level") {
     if (time) throw tools::Error(name + " is that of the whole run: it has no time.");
-    return of_envelope(results, name, dry_depth);
+    return of_run != nullptr ? map_field(read_maxima(results), *of_run, dry_depth)
+                             : of_envelope(results, name, dry_depth);
   }
   if (name == "bed" && !results.files.has_sediment) {
     if (time) throw tools::Error("The bed does not move: it has no time.");
@@ -202,6 +205,15 @@ MapField read_map_field(const CaseResults& results, const std::string& name,
   Snapshot snapshot;
   read_snapshot(results, results.snapshot_at(time), snapshot);
   return map_field(results, snapshot, name, dry_depth);
+}
+
+MapField map_field(const MaximaTable& maxima, const MaximaQuantity& quantity, double dry_depth) {
+  MapField field{quantity.name, quantity.long_name, quantity.unit,
+                 std::nullopt,  maxima[quantity],   {}};
+  for (std::size_t i = 0; i < field.values.size(); ++i) {
+    if (is_dry(maxima.peak_depth()[i], dry_depth)) field.values[i] = nothing;
+  }
+  return field;
 }
 
 MapField map_field(const CaseResults& results, const Snapshot& snapshot, const std::string& name,

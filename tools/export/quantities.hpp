@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "export/CaseResults.hpp"
+#include "export/MaximaTable.hpp"
 #include "export/SnapshotReader.hpp"
 
 namespace exports {
@@ -37,7 +38,7 @@ std::vector<float> max_level(const CaseResults& results, const std::vector<float
 /// One value per cell, nan where there is nothing to show.
 struct MapField {
   std::string name, long_name, unit;
-  std::optional<double> time;  ///< s; none for the envelope of the largest values
+  std::optional<double> time;  ///< s; none for what is of the whole run
   std::vector<float> values;
   BelowZero below_zero;  ///< depths where it was read
 };
@@ -49,12 +50,16 @@ std::string file_stem(const MapField& field);
 std::vector<std::string> map_field_names();
 /// Names of those that this case's snapshots have.
 std::vector<std::string> snapshot_map_fields(const CaseFiles& files);
-/// A field of the envelope, or of the snapshot at a time (the last one without a time). Where the
-/// water is not deeper than `dry_depth` (m), it shows nothing. Refuses what the case does not have.
+/// A field of the envelope, of the maxima, or of the snapshot at a time (the last one without a
+/// time). Where the water is not deeper than `dry_depth` (m), it shows nothing. Refuses what the
+/// case does not have.
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth);
 /// The same of a snapshot that has been read.
 MapField map_field(const CaseResults& results, const Snapshot& snapshot, const std::string& name,
                    double dry_depth);
+
+/// The same of maxima that have been read.
+MapField map_field(const MaximaTable& maxima, const MaximaQuantity& quantity, double dry_depth);
 
 }  // namespace exports

@@ -4,6 +4,7 @@
 #include <limits>
 #include <vector>
 
+#include "export/MaximaTable.hpp"
 #include "export/NetcdfFile.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/quantities.hpp"
@@ -37,6 +38,12 @@ class UgridWriter {
     if (max_depth_) file_.put(max_depth_variable_, max_depth_->data());
     if (max_level_variable_ >= 0) {
       file_.put(max_level_variable_, max_level(results_, *max_depth_).data());
+    }
+    if (!maxima_variables_.empty()) {
+      const MaximaTable maxima = read_maxima(results_);
+      for (std::size_t k = 0; k < maxima_variables_.size(); ++k) {
+        file_.put(maxima_variables_[k], maxima[maxima_quantities[k]].data());
+      }
     }
     Snapshot snapshot;
     std::vector<float> values;
@@ -130,6 +137,12 @@ class UgridWriter {
       variables_.push_back(add_result("Mesh2d_" + variable_name(quantity), {time_, faces_}));
       describe(variables_.back(), long_name(quantity), quantity.unit);
     }
+    if (results_.has_maxima()) {
+      for (const MaximaQuantity& quantity : maxima_quantities) {
+        maxima_variables_.push_back(add_result("Mesh2d_" + std::string(quantity.name), {faces_}));
+        describe(maxima_variables_.back(), quantity.long_name, quantity.unit);
+      }
+    }
     if (!max_depth_) return;
     max_depth_variable_ = add_result("Mesh2d_max_depth", {faces_});
     describe(max_depth_variable_, "largest depth", "m");
@@ -207,7 +220,8 @@ class UgridWriter {
   int topology_ = 0, crs_ = -1;
   int node_x_ = 0, node_y_ = 0, node_z_ = 0, face_x_ = 0, face_y_ = 0, face_nodes_ = 0;
   int time_variable_ = 0, bed_ = -1, max_depth_variable_ = -1, max_level_variable_ = -1;
-  std::vector<int> variables_;  ///< of the quantities
+  std::vector<int> variables_;         ///< of the quantities
+  std::vector<int> maxima_variables_;  ///< empty without maxima
 };
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include <type_traits>
 #include <vector>
 
+#include "export/MaximaTable.hpp"
 #include "export/SnapshotReader.hpp"
 #include "export/quantities.hpp"
 #include "support/PartialFile.hpp"
@@ -165,6 +166,19 @@ void write_envelope(const fs::path& name, const CaseResults& results,
   file.write();
 }
 
+void write_maxima(const fs::path& name, const CaseResults& results, bool has_relief) {
+  const MaximaTable maxima = read_maxima(results);
+  VtuFile file(name, results.mesh.n_nodes(), results.mesh.n_cells());
+  add_mesh(file, results, has_relief);
+  file.begin("CellData");
+  for (const MaximaQuantity& quantity : maxima_quantities) {
+    file.add<float>(quantity.name, 1, results.mesh.n_cells(),
+                    [&](auto& values) { values = maxima[quantity]; });
+  }
+  file.end("CellData");
+  file.write();
+}
+
 /// A text as the value of an attribute.
 std::string escaped(const std::string& text) {
   std::string value;
@@ -208,6 +222,7 @@ void write_vtu(const CaseResults& results, const VtuOptions& options) {
   if (const auto max_depth = results.max_depth(&snapshot.below_zero)) {
     write_envelope(beside("_envelope"), results, *max_depth, options.has_relief);
   }
+  if (results.has_maxima()) write_maxima(beside("_maxima"), results, options.has_relief);
   snapshot.below_zero.tell();
 }
 

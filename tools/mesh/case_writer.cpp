@@ -98,6 +98,7 @@ cases::RunRequest request_of(const Case& imported) {
   run.output_folder = "out/";
   run.envelope_interval = imported.envelope_interval;
   if (imported.origin) run.origin = {imported.origin->x, imported.origin->y};
+  run.maxima = {"maxima.txt", as_written(imported.arrival_depth)};
   run.final_state = "final.txt";
   run.snapshots = {all_as_written(imported.snapshots)};
   const double interval = as_written(imported.recording_interval);

@@ -24,6 +24,7 @@ struct Case {
   double envelope_interval = 0.0;    // s
   double recording_interval = 0.0;   // of gauges and sections, s
   std::vector<double> snapshots;     // s
+  double arrival_depth = 0.0;        // of the maxima of the flow, m
   std::optional<double> zero_depth;  // m
   std::optional<Node> origin;        // what is taken from all coordinates
   Mesh mesh;

@@ -105,6 +105,12 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
   command.add_option("--snapshots", options.snapshots, "Times of the snapshots instead, s")
       ->type_name("T1,T2,...");
   command
+      .add_option("--maxima", options.maxima,
+                  "Depth from which on a cell counts as under water in the maxima of the flow, for "
+                  "the time of arrival and the duration, m")
+      ->capture_default_str()
+      ->type_name("DEPTH");
+  command
       .add_option("--zero-depth", options.zero_depth,
                   "Depth up to which a cell counts as dry, m; otherwise 0.0001. With --sediment "
                   "try 0.001 or more")
@@ -151,6 +157,9 @@ void check_usage(const ImportOptions& options) {
   }
   check_positive("--end", options.end.value_or(1.0));
   check_positive("--interval", options.interval.value_or(1.0));
+  if (cases::fault_of_arrival_depth(options.maxima)) {
+    refuse_usage("--maxima", "must be a depth that is not negative");
+  }
   check_positive("--cfl", options.courant);
   check_positive("--zero-depth", options.zero_depth.value_or(1.0));
 }

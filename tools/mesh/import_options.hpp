@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "case/keys.hpp"
+
 namespace mesh_import {
 
 /// Requests that may be repeated are kept as they were written.
@@ -28,6 +30,7 @@ struct ImportOptions {
   std::string name;
   std::vector<std::string> gauges;
   std::string snapshots;
+  double maxima = cases::default_number(cases::key("output/maxima of flow/arrival depth"));
   std::optional<double> end, interval, zero_depth;
   double courant = 0.9;
   std::string scheme;

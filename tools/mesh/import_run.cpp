@@ -139,6 +139,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
       options.name.empty() ? std::filesystem::path(options.mesh).stem().string() : options.name;
   contents.courant = options.courant;
   contents.zero_depth = options.zero_depth;
+  contents.arrival_depth = options.maxima;
   set_scheme(options, contents, out);
   set_times(options, contents, out);
   set_outputs(options, contents, out);

@@ -67,7 +67,8 @@ TEST_F(Csv, ACaseWithoutGaugesAndSectionsIsRefused) {
   simulate(support::Case());
   const support::RunResult result = run({"csv", "."});
   EXPECT_EQ(result.status, 1);
-  EXPECT_EQ(result.err, "quillmere-export: ./data.json asks for neither gauges nor discharges.\n");
+  EXPECT_EQ(result.err,
+            "quillmere-export: ./data.json asks for neither gauges nor discharges nor maxima.\n");
 }
 
 TEST_F(Csv, GaugesStandWhereTheyWereBeforeAnOriginWasTaken) {
@@ -87,6 +88,7 @@ TEST_F(Csv, AnOriginThatIsNoPointIsRefused) {
     simulate(c);
     const support::RunResult result = run({"csv", "."});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(support::contains(result.err, "incorrect format in the datafile: origin")) << origin;
+    EXPECT_TRUE(support::contains(result.err, "incorrect format in the datafile: origin"))
+        << origin;
   }
 }

@@ -113,9 +113,10 @@ TEST(ExportNames, AreKnownForEveryFieldAndFormat) {
     }
     EXPECT_TRUE(tools::is_export_name("pictures/" + field + "_600s.png"));
   }
-  for (const char* name : {"results.nc", "results.pvd", "results_0000.vtu", "results_envelope.vtu",
-                           "gauges.csv", "gauge_points.csv", "sections.csv", "gauges.png",
-                           "pictures/sections.svg", "results.nc.part"}) {
+  for (const char* name :
+       {"results.nc", "results.pvd", "results_0000.vtu", "results_envelope.vtu",
+        "results_maxima.vtu", "gauges.csv", "gauge_points.csv", "sections.csv", "maxima.csv",
+        "gauges.png", "pictures/sections.svg", "results.nc.part"}) {
     EXPECT_TRUE(tools::is_export_name(name)) << name;
   }
   for (const char* name : {"my.nc", "depth.txt", "notes.png", "results.xlsx", "depth_old.png",

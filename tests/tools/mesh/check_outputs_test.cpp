@@ -39,6 +39,26 @@ TEST_F(CheckOutputs, RefusesAFinalStateInPlaceOfAnotherResult) {
   expect_clean();
 }
 
+TEST_F(CheckOutputs, RefusesMaximaThatNoRunWouldWrite) {
+  auto& maxima = c.data["output"]["maxima of flow"];
+  maxima = {{"file", ""}};
+  expect_error("output", {"\"output/maxima of flow/file\" is empty"});
+  maxima = {{"file", "maxima.txt"}, {"arrival depth", -1}};
+  expect_error("output", {"\"output/maxima of flow/arrival depth\" is -1 m"});
+  maxima = {{"arrival depth", 0.1}};
+  expect_error("missing key", {"\"output/maxima of flow/file\" is missing"});
+  maxima = {{"file", "../log.txt"}};
+  expect_error("results", {"the maxima (out/../log.txt) would replace another result"});
+  maxima = {{"file", "maxima.txt"}};
+  expect_clean();
+  maxima["depth of arrival"] = 0.1;
+  expect_warning("unknown key", {"output/maxima of flow/depth of arrival"});
+  maxima = "maxima.txt";
+  check();
+  EXPECT_EQ(texts("errors", "missing key").size(), 1U);
+  EXPECT_EQ(texts("warnings", "wrong type").size(), 1U);
+}
+
 TEST_F(CheckOutputs, RefusesMalformedGauges) {
   c.add_gauges({{1.6, 1.3}}, 0.01);
   c.files["gauges_in.txt"] = "1 gauges.txt 0.5\n1.6 here 0\n";

@@ -438,6 +438,13 @@ TEST_F(Import, TakesSnapshotsWhenItIsTold) {
   EXPECT_FALSE(folder.has("case/out/pic_0_50.txt"));
 }
 
+TEST_F(Import, TakesTheArrivalDepthOfTheMaxima) {
+  import_well({"--level", "1.5", "--maxima", "0.3"});
+  EXPECT_EQ(data()["output"]["maxima of flow"],
+            nlohmann::json({{"file", "maxima.txt"}, {"arrival depth", 0.3}}));
+  EXPECT_EQ(import({"m.msh", "other", "--level", "1.5", "--maxima", "-1"}).status, 2);
+}
+
 TEST_F(Import, LosesNothingAtTheEndOfTheRun) {
   EXPECT_TRUE(contains(import_well({"--level", "1.5", "--end", "20", "--section", "gate"}),
                        "The run ends at 20 s, with snapshots every 2 s and at 19.9 s, and "
@@ -449,6 +456,8 @@ TEST_F(Import, LosesNothingAtTheEndOfTheRun) {
   run_case();
   EXPECT_TRUE(folder.has("case/out/pic_19_90.txt"));
   EXPECT_TRUE(folder.has("case/out/final.txt"));
+  EXPECT_EQ(data()["output"]["maxima of flow"]["arrival depth"], 0.05);
+  EXPECT_TRUE(folder.has("case/out/maxima.txt"));
   EXPECT_GE(column("out/gauges.txt", 0, 1).back(), 19.9);
   EXPECT_GE(column("out/sections.txt", 0, 0).back(), 19.9);
 }

@@ -182,6 +182,8 @@ DataFile values_of(const KeyCheck& keys) {
   data.porosity = keys.value<double>(key("model/parameters/sediments porosity"));
   data.folder = keys.value<std::string>(key("output/folder"));
   data.final_state = keys.value<std::string>(key("output/final state"));
+  data.maxima = keys.value<std::string>(key("output/maxima of flow/file"));
+  data.arrival_depth = keys.value<double>(key("output/maxima of flow/arrival depth"));
   data.envelope_interval = keys.value<double>(key("output/time step enveloppe of results"));
   return data;
 }
@@ -212,6 +214,11 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
                                         *data.envelope_interval));
   }
   check_result_name(data.final_state, key("output/final state"), findings);
+  check_result_name(data.maxima, key("output/maxima of flow/file"), findings);
+  if (data.arrival_depth) {
+    const auto fault = cases::fault_of_arrival_depth(*data.arrival_depth);
+    if (fault) findings.error("output", *fault);
+  }
 }
 
 }  // namespace

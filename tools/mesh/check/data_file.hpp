@@ -24,6 +24,8 @@ struct DataFile {
   std::optional<std::string> folder;
   std::optional<double> envelope_interval;  ///< s
   std::optional<std::string> final_state;   ///< in the folder
+  std::optional<std::string> maxima;        ///< in the folder
+  std::optional<double> arrival_depth;      ///< m
 
   bool has_sediments() const;
   /// Whether the run advances at all.
