@@ -4,6 +4,8 @@ import statistics
 import subprocess
 import sys
 
+import work_for_error
+
 # Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state read
 # and written, bed, largest depth, highest vertex, area and roughness read, three slots of 2 bytes,
 # and one and a half edges of 28 bytes. A new largest depth adds 8.
@@ -161,6 +163,14 @@ def main():
         "medians of the ratios. Steps are those of the scheme: HLL1 and HLL2 take larger ones where "
         "small cells are dry.",
         cost_of_schemes(bench, [(cells, "wet") for cells in sizes] + [(300000, "dry")]),
+        "## Work for a given error",
+        "[Validation cases](validation.md) on irregular meshes, n squares of two triangles along "
+        "their length, on one thread: relative L1 error of the depth, and the time of all steps, the "
+        f"shortest of {bench.repeats} runs. The finest mesh of LHLLC against the coarsest one on "
+        "which HLL2 is no worse.",
+        table(*work_for_error.measure(f"{bench.folder}/quillmere",
+                                      "docs/performance/work_for_error.svg", bench.repeats)),
+        "![Error of the depth over the time of the steps](performance/work_for_error.svg)",
         "## Files",
         "Reading and writing against formatted streams, and the location of points, on a mesh of "
         f"{min(sizes[-1], 1000000):,} triangles.",

@@ -1,16 +1,17 @@
 #!/usr/bin/env bash
 # Measures the speed of the simulator on generated meshes, of reading and writing, of the import of
-# meshes, of the pure formulas and of the export, and writes docs/performance.md.
+# meshes, of the pure formulas and of the export, and the work for a given error, and writes
+# docs/performance.md.
 # bench.sh [CELLS...] chooses the mesh sizes; REPEATS=n how often every run is repeated (3).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install_dependencies.sh build tools bench
+scripts/install_dependencies.sh build tools bench validation
 cmake --preset release -DQUILLMERE_BENCHMARKS=ON -DQUILLMERE_TESTS=OFF -B build/bench >/dev/null
 cmake --build build/bench
 bin=build/bench/bin
 
-python3 bench/report.py "$bin" "${REPEATS:-3}" "$@"
+/usr/bin/python3 bench/report.py "$bin" "${REPEATS:-3}" "$@"
 
 cells=${1:+${*: -1}}
 cells=${cells:-1000000}
