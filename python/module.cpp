@@ -35,7 +35,7 @@ struct NamedField {
   const char* name;
   quillmere::Field field;
 };
-constexpr std::array<NamedField, 9> fields = {
+constexpr std::array<NamedField, 16> fields = {
     {{"depth", quillmere::Field::depth},
      {"discharge_x", quillmere::Field::discharge_x},
      {"discharge_y", quillmere::Field::discharge_y},
@@ -44,7 +44,14 @@ constexpr std::array<NamedField, 9> fields = {
      {"bed_level", quillmere::Field::bed_level},
      {"sediment_thickness", quillmere::Field::sediment_thickness},
      {"bed_load_x", quillmere::Field::bed_load_x},
-     {"bed_load_y", quillmere::Field::bed_load_y}}};
+     {"bed_load_y", quillmere::Field::bed_load_y},
+     {"peak_depth", quillmere::Field::peak_depth},
+     {"peak_level", quillmere::Field::peak_level},
+     {"peak_speed", quillmere::Field::peak_speed},
+     {"peak_discharge", quillmere::Field::peak_discharge},
+     {"time_of_peak", quillmere::Field::time_of_peak},
+     {"arrival_time", quillmere::Field::arrival_time},
+     {"time_under_water", quillmere::Field::time_under_water}}};
 
 std::vector<std::string> field_names() {
   std::vector<std::string> names;
@@ -229,6 +236,8 @@ void bind_simulation(py::module_& module) {
            "The present values of all cells, of one of `fields`; into an array if one is given.")
       .def("inflow", &Simulation::inflow, py::arg("edge"),
            "What entered through a boundary edge in the last step, m3/s.")
+      .def("keep_maxima", &Simulation::keep_maxima, py::arg("arrival_depth") = 0.05,
+           "Keeps the maxima of the flow from the start on: the fields from peak_depth on.")
       .def("set_depth", &set_depth, py::arg("depths"), py::arg("cells") = py::none(),
            "Sets depths (m) of all cells, or of those given.")
       .def("set_discharges", &set_discharges, py::arg("qx"), py::arg("qy"),

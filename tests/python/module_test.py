@@ -40,11 +40,25 @@ class Simulations(unittest.TestCase):
 
     def test_every_field_has_a_value_for_every_cell(self):
         simulation = quillmere.Simulation(pool.case())
-        self.assertEqual(len(quillmere.fields), 9)
+        with self.assertRaisesRegex(quillmere.Error, "keep_maxima"):
+            simulation.read("peak_depth")
+        simulation.keep_maxima(0.5)
+        self.assertEqual(len(quillmere.fields), 16)
         for name in quillmere.fields:
             self.assertEqual(simulation.read(name).shape, (simulation.number_of_cells,))
         with self.assertRaisesRegex(quillmere.Error, 'Found the field "wind", expected one of depth'):
             simulation.read("wind")
+
+    def test_maxima_hold_from_the_start_to_the_present(self):
+        simulation = quillmere.Simulation(pool.wave())
+        start = simulation.read("depth")
+        simulation.keep_maxima(1.2)
+        simulation.run_until(2.0)
+        peak, arrival = simulation.read("peak_depth"), simulation.read("arrival_time")
+        self.assertTrue(np.all(peak >= np.maximum(start, simulation.read("depth"))))
+        np.testing.assert_array_equal(arrival[start > 1.2], 0.0)
+        np.testing.assert_array_equal(np.isnan(arrival), peak <= 1.2)
+        self.assertTrue(np.any(arrival > 0.0))
 
     def test_rain_fills_what_it_falls_on(self):
         simulation = quillmere.Simulation(pool.case())
