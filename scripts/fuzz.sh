@@ -45,6 +45,7 @@ seed_from snapshots_in $example/snapshots.txt example.txt
 fuzz() {
   local name=$1
   local log=$work/$name.log
+  mkdir -p "$work/$name"  # not every reader has seeds
   # A small quarantine: every input takes and frees large buffers.
   if ASAN_OPTIONS=quarantine_size_mb=8 "$bin/${name}_fuzzer" -max_total_time="$seconds" \
       -timeout=20 -rss_limit_mb=1024 -max_len=4096 -dict="$source_folder/tests/fuzz/words.dict" \
