@@ -8,11 +8,7 @@
 namespace engine {
 
 HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
-    : tables_(tables),
-      team_(team),
-      loops_(loops),
-      scratch_(at(team.size())),
-      rests_(tables.hll->patches.size(), 0) {
+    : tables_(tables), team_(team), loops_(loops), scratch_(at(team.size())) {
   std::size_t cells = 0, with_states = 0, all_cells = 0, slots = 0;
   for (const HllPatch& patch : tables.hll->patches) {
     cells = std::max(cells, at(patch.cells));
@@ -141,10 +137,8 @@ void HllBackend::boundary_fluxes(int number, const kernels::StepValues& step, Sc
 
 void HllBackend::finish_step(const Activity& activity) {
   HllTables& hll = *tables_.hll;
-  for (int p = 0; p < static_cast<int>(rests_.size()); ++p) {
-    const bool rests = !activity.takes_part(p);
-    if (rests && rests_[at(p)] == 0) hll.keep(tables_.cells, tables_.patches.patches[at(p)].cells);
-    rests_[at(p)] = rests ? 1 : 0;
+  for (const int p : activity.gone_to_rest()) {
+    hll.keep(tables_.cells, tables_.patches.patches[at(p)].cells);
   }
   hll.take_state_after(tables_.cells);
 }

@@ -53,8 +53,6 @@ class HllBackend : public Backend {
   ThreadTeam& team_;
   const Loops& loops_;
   std::vector<Scratch> scratch_;
-  /// Per patch: both buffers hold the state of its cells, which no step changes.
-  std::vector<char> rests_;
 };
 
 }  // namespace engine
