@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "fields/flow_survey.hpp"
-#include "fields/nothing_imposed.hpp"
 #include "fields/maxima_values.hpp"
+#include "fields/nothing_imposed.hpp"
 
 namespace fields {
 
@@ -12,6 +12,21 @@ using cases::at;
 using cases::Number;
 
 namespace {
+
+/// Calls visit(a column of a state, that of the walk) for those that the case has.
+template <class State, class Water, class Visit>
+void for_each_column(State& state, Water& water, bool has_soils, bool has_sediments,
+                     const Visit& visit) {
+  visit(state.h, water.h);
+  visit(state.qx, water.qx);
+  visit(state.qy, water.qy);
+  visit(state.max_h, water.max_h);
+  if (has_soils) visit(state.infiltrated, water.infiltrated);
+  if (!has_sediments) return;
+  visit(state.hs, water.hs);
+  visit(state.qsx, water.qsx);
+  visit(state.qsy, water.qsy);
+}
 
 double value_or_zero(const std::vector<double>& column, Number cell) {
   return column.empty() ? 0.0 : column[at(cell)];
@@ -130,17 +145,9 @@ UnseenDepth HllFlow::unseen_depth(Number cell) const {
 void HllFlow::save(engine::State& state) const {
   const HllWalk::Water& water = walk_.water();
   state = {};
-  state.h = water.h;
-  state.qx = water.qx;
-  state.qy = water.qy;
-  state.max_h = water.max_h;
-  if (has_soils()) state.infiltrated = water.infiltrated;
-  if (case_.has_sediments) {
-    state.hs = water.hs;
-    state.qsx = water.qsx;
-    state.qsy = water.qsy;
-    state.dqs_dh.assign(water.h.size(), 0.0);  // of the other scheme
-  }
+  for_each_column(state, water, has_soils(), case_.has_sediments,
+                  [](auto& to, const auto& from) { to = from; });
+  if (case_.has_sediments) state.dqs_dh.assign(water.h.size(), 0.0);  // of the other scheme
   if (maxima_) maxima_->save(state, case_.has_sediments);
   state.rain_clocks = walk_.rain_clocks();
 }
@@ -148,16 +155,8 @@ void HllFlow::save(engine::State& state) const {
 void HllFlow::load(const engine::State& state) {
   require_nothing_imposed(state);
   HllWalk::Water water = walk_.water();
-  water.h = state.h;
-  water.qx = state.qx;
-  water.qy = state.qy;
-  water.max_h = state.max_h;
-  if (has_soils()) water.infiltrated = state.infiltrated;
-  if (case_.has_sediments) {
-    water.hs = state.hs;
-    water.qsx = state.qsx;
-    water.qsy = state.qsy;
-  }
+  for_each_column(state, water, has_soils(), case_.has_sediments,
+                  [](const auto& from, auto& to) { to = from; });
   walk_.set_water(std::move(water), state.rain_clocks);
   if (!maxima_) return;
   maxima_->load(state, case_.has_sediments,
