@@ -2,10 +2,8 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "case/Case.hpp"
-#include "fields/Flow.hpp"
+#include "output/GatheredFields.hpp"
 #include "utils/WriterThread.hpp"
 
 class MaximaFile {
@@ -21,10 +19,7 @@ class MaximaFile {
   bool has_failed() const { return writer_.has_failed(); }
 
  private:
-  bool write() const;
-
   std::string name_;
-  const cases::Mesh& mesh_;
-  std::vector<double> values_;  ///< of the first column, of the second, ...
+  GatheredFields values_;       ///< of the columns
   utils::WriterThread writer_;  ///< uses all that stands above
 };

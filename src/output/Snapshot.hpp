@@ -2,11 +2,10 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "case/Case.hpp"
-#include "fields/Flow.hpp"
 #include "fields/snapshot_columns.hpp"
+#include "output/GatheredFields.hpp"
 
 class Snapshot {
  public:
@@ -14,12 +13,11 @@ class Snapshot {
   explicit Snapshot(const cases::Case& contents);
 
   /// Takes the present flow.
-  void gather(const fields::Flow& flow);
+  void gather(const fields::Flow& flow) { values_.gather(flow); }
   /// Writes what was gathered last; false if the run must end, which has been said.
   bool write(const std::string& name) const;
 
  private:
-  const cases::Mesh& mesh_;
   fields::SnapshotColumns columns_;
-  std::vector<double> values_;  ///< of the first field, of the second, ...
+  GatheredFields values_;  ///< of the columns
 };
