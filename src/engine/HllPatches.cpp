@@ -18,9 +18,6 @@ using kernels::Local;
 int blocks_of(int count) { return (count + kernels::hll_block - 1) / kernels::hll_block; }
 int whole_blocks(int count) { return blocks_of(count) * kernels::hll_block; }
 
-/// A patch of this size has fewer cells around it, edges and slots than Local can number.
-constexpr int most_cells_per_patch = 4096;
-
 Local as_local(int number) { return static_cast<Local>(number); }
 
 /// What all patches are built of.

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <string>
 
+#include "engine/runs.hpp"
 #include "engine/sorted_edges.hpp"
 
 namespace engine {
@@ -196,6 +197,14 @@ bool slots_fit(const Patches& patches) {
 }
 
 }  // namespace
+
+int cells_per_patch_for(int cells, int threads) {
+  constexpr int grain = cells_of_shortest;
+  const int most = std::clamp(cells / 128, 1024, most_cells_per_patch);
+  const int rounds = std::max(1, (cells + most * threads - 1) / (most * threads));
+  const int patches = rounds * threads;
+  return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
+}
 
 Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
                      int cells_per_patch, ThreadTeam& team) {

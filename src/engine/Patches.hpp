@@ -68,6 +68,14 @@ struct Patches {
   AlignedVector<kernels::Local> slots[3];    ///< of the cells, in the scratch of their patch
 };
 
+/// The most cells of a patch that are ever useful: its edges, states and slots stay in a core's
+/// second cache, and kernels::Local numbers them.
+inline constexpr int most_cells_per_patch = 4096;
+
+/// How many cells of a number of them a patch takes: as many patches for every thread; a multiple of
+/// a cache line of doubles, so that no two threads write to one.
+int cells_per_patch_for(int cells, int threads);
+
 /// Cuts cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
 /// where their edges cannot be numbered. `place` is where each cell of the mesh stands: below
 /// `owned` those that the patches hold, then their ghosts; -1: elsewhere. Throws std::length_error

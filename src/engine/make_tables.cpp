@@ -16,16 +16,6 @@ namespace {
 
 using cases::Number;
 
-/// Patches whose edges, states and slots stay in a core's second cache, and as many for every
-/// thread; a multiple of a cache line of doubles, so that no two threads write to one.
-int cells_per_patch_for(int cells, int threads) {
-  constexpr int grain = cells_of_shortest;
-  const int wanted = std::clamp(cells / 128, 1024, 4096);
-  const int rounds = std::max(1, (cells + wanted * threads / 2) / (wanted * threads));
-  const int patches = rounds * threads;
-  return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
-}
-
 /// The cells of the tables in their order, the ghosts behind the others.
 std::vector<int> order_of_cells(const cases::Mesh& mesh, const Subset& subset, int cells_per_patch,
                                 ThreadTeam& team) {

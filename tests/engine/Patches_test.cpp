@@ -24,6 +24,17 @@ class PatchesTest : public testing::Test {
 
 }  // namespace
 
+TEST(CellsPerPatch, AreNeverMoreThanTheTablesOfASchemeBear) {
+  for (const int threads : {1, 2, 3, 16, 128}) {
+    for (int cells = 1; cells < 20'000'000; cells += 1 + cells / 1000) {
+      const int in_patch = engine::cells_per_patch_for(cells, threads);
+      ASSERT_LE(in_patch, engine::most_cells_per_patch) << cells << " cells, " << threads;
+      ASSERT_EQ(in_patch % 64, 0) << cells << " cells, " << threads;
+    }
+  }
+  EXPECT_LE(engine::cells_per_patch_for(3'000'024, 1), engine::most_cells_per_patch);
+}
+
 TEST_F(PatchesTest, HoldEveryEdgeOnce) {
   const cases::Mesh mesh = support::strip_mesh(200);
   const engine::Patches patches = engine::make_patches(mesh, identity(200), 200, 64, team);
