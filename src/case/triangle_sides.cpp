@@ -94,6 +94,12 @@ std::array<Number, 3> nodes_counter_clockwise(const Mesh& mesh, Number cell) {
   return {n[0], n[1], n[2]};
 }
 
+int side_at_edge(const TriangleSides& sides, Number edge) {
+  int side = 0;
+  while (side < 2 && sides[at(side)].edge != edge) ++side;
+  return side;
+}
+
 std::vector<TriangleSides> sides_of_triangles(const Mesh& mesh, const char* scheme) {
   return SideFinder(mesh, scheme).find();
 }

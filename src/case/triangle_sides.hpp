@@ -18,6 +18,9 @@ struct TriangleSide {
 
 using TriangleSides = std::array<TriangleSide, 3>;
 
+/// The side of a triangle at which an edge of its lies.
+int side_at_edge(const TriangleSides& sides, Number edge);
+
 /// The nodes of a triangle, counter-clockwise from its first.
 std::array<Number, 3> nodes_counter_clockwise(const Mesh& mesh, Number cell);
 

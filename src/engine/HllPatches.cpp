@@ -25,6 +25,7 @@ struct Source {
   const cases::Case& contents;
   const std::vector<TriangleSides>& sides;
   const Tables& tables;
+  bool second_order;
   const std::vector<int>& order;  ///< cells of the case by their places
   Column& reciprocal_length;      ///< of the cells, 1/m
 
@@ -53,7 +54,7 @@ class Builder {
     std::vector<int> own(at(own_.size()));
     for (int i = 0; i < own_.size(); ++i) own[at(i)] = own_.begin + i;
     ring_ = cells_around(own, {});
-    second_ring_ = cells_around(ring_, ring_);
+    if (source_.second_order) second_ring_ = cells_around(ring_, ring_);
     patch_.cells = own_.size();
     patch_.ring = whole_blocks(patch_.cells);
     patch_.with_states = patch_.ring + whole_blocks(static_cast<int>(ring_.size()));
@@ -101,30 +102,45 @@ class Builder {
   void describe_cells() {
     using kernels::HllCellColumns;
     patch_.geometry.resize(at(patch_.with_states * HllCellColumns::numbers));
-    patch_.weights.resize(at(patch_.with_states * HllCellColumns::weights_per_cell));
-    for (AlignedVector<Local>& column : patch_.neighbours) column.resize(at(patch_.with_states));
+    if (source_.second_order) {
+      patch_.weights.resize(at(patch_.with_states * HllCellColumns::weights_per_cell));
+      for (AlignedVector<Local>& column : patch_.neighbours) column.resize(at(patch_.with_states));
+    }
     for (int k = 0; k < patch_.with_states; ++k) {
       const int place = place_at(k);
       const cases::HllCellOfCase of =
           cases::hll_cell_of(source_.contents, source_.sides, source_.order[at(place)]);
-      kernels::set_hll_cell(patch_.geometry.data(), patch_.weights.data(), k, of.cell, of.weights);
+      kernels::set_hll_cell(patch_.geometry.data(), k, of.cell);
       if (k < patch_.cells) source_.reciprocal_length[at(place)] = of.reciprocal_length;
-      for (std::size_t side = 0; side < 3; ++side) {
-        const Number neighbour = source_.sides_at(place)[side].neighbour;
-        // Across a boundary a cell sees itself.
-        const int other = neighbour < 0 ? place : source_.place_of(neighbour);
-        patch_.neighbours[side][at(k)] = as_local(local(other));
-      }
+      if (source_.second_order) describe_surroundings(k, place, of.weights);
     }
   }
 
-  int edge_state(int place, int side) const { return side * patch_.with_states + local(place); }
+  /// What the slopes of entry k need.
+  void describe_surroundings(int k, int place, const physics::SlopeWeights& weights) {
+    kernels::set_hll_weights(patch_.weights.data(), k, weights);
+    for (std::size_t side = 0; side < 3; ++side) {
+      const Number neighbour = source_.sides_at(place)[side].neighbour;
+      // Across a boundary a cell sees itself.
+      const int other = neighbour < 0 ? place : source_.place_of(neighbour);
+      patch_.neighbours[side][at(k)] = as_local(local(other));
+    }
+  }
+
+  /// Where an edge meets a cell.
+  struct Side {
+    int place, number;
+  };
+
+  int state_at(const Side& side) const {
+    return (source_.second_order ? side.number * patch_.with_states : 0) + local(side.place);
+  }
 
   /// The edges with two cells come along the first of their own cells.
   void place_edges() {
     struct Taken {
       physics::Edge edge;
-      int left, right;
+      Side left, right;
     };
     std::vector<Taken> taken;
     for (int place = own_.begin; place < own_.end; ++place) {
@@ -133,7 +149,7 @@ class Builder {
         if (side.neighbour < 0) continue;
         const int other = source_.place_of(side.neighbour);
         if (is_own(other) && other < place) continue;
-        const int here = edge_state(place, k), there = edge_state(other, side.neighbour_side);
+        const Side here = {place, k}, there = {other, side.neighbour_side};
         const Number left = source_.contents.mesh.left[at(side.edge)];
         const bool is_left = source_.place_of(left) == place;
         taken.push_back(
@@ -152,28 +168,26 @@ class Builder {
         continue;
       }
       const Taken& edge = taken[at(e)];
-      patch_.edges.set(at(e), as_local(edge.left), as_local(edge.right), edge.edge);
+      patch_.edges.set(at(e), as_local(state_at(edge.left)), as_local(state_at(edge.right)),
+                       edge.edge);
       set_slot(edge.left, e);
       set_slot(edge.right, patch_.right_slots() + e);
     }
   }
 
-  /// Where an own cell finds what passes the edge of a state.
-  void set_slot(int state, int slot) {
-    const int cell = state % patch_.with_states, side = state / patch_.with_states;
-    if (cell < patch_.cells) patch_.slots[side][at(cell)] = as_local(slot);
+  /// Where an own cell finds what passes at a side.
+  void set_slot(const Side& side, int slot) {
+    if (!is_own(side.place)) return;
+    patch_.slots[side.number][at(side.place - own_.begin)] = as_local(slot);
   }
 
   void place_boundaries() {
     for (int b = boundaries_.begin; b < boundaries_.end; ++b) {
       const Number edge = source_.tables.patches.boundary_edge[at(b)];
       const int place = source_.tables.boundaries[at(b)].cell;
-      const TriangleSides& sides = source_.sides_at(place);
-      const auto side =
-          std::find_if(sides.begin(), sides.end(), [&](const auto& of) { return of.edge == edge; });
-      const int state = edge_state(place, static_cast<int>(side - sides.begin()));
-      set_slot(state, patch_.first_boundary_slot() + (b - boundaries_.begin));
-      patch_.boundary_states.push_back(as_local(state));
+      const Side side = {place, cases::side_at_edge(source_.sides_at(place), edge)};
+      set_slot(side, patch_.first_boundary_slot() + (b - boundaries_.begin));
+      patch_.boundary_states.push_back(as_local(state_at(side)));
     }
   }
 
@@ -193,7 +207,8 @@ std::vector<HllPatch> make_hll_patches(const cases::Case& contents,
     throw std::length_error("Error. A patch of the flux scheme has at most " +
                             std::to_string(most_cells_per_patch) + " cells.");
   }
-  const Source source = {contents, sides, tables, order, reciprocal_length};
+  const Source source = {
+      contents, sides, tables, contents.scheme == cases::Scheme::hll2, order, reciprocal_length};
   std::vector<HllPatch> patches(tables.patches.patches.size());
   team.run([&](int member) {
     const Range share = share_of(member, team.size(), patches.size());

@@ -14,18 +14,19 @@ namespace engine {
 
 struct Tables;
 
-/// The cells of a patch come first, then the ring of cells across its border, whose edge states it
-/// computes anew, then the ring around these, of which it takes the states. The first two begin at
-/// multiples of a block, whose last entries repeat a cell.
+/// The cells of a patch come first, then the ring of cells across its border, whose states it
+/// computes anew, then in second order the ring around these, of which it takes the water. The
+/// first two begin at multiples of a block, whose last entries repeat a cell.
 struct HllPatch {
   int cells;                     ///< its own
   int ring;                      ///< where the first ring begins
-  int with_states;               ///< cells of which it computes edge states, with the gaps
+  int with_states;               ///< cells of which it computes states, with the gaps
   std::vector<int> around;       ///< places of the cells from `ring` on
   Column geometry;               ///< see kernels::HllCellColumns
-  AlignedVector<float> weights;  ///< the same
-  AlignedVector<kernels::Local> neighbours[3];  ///< of the cells that have edge states
-  /// Edges with two cells, of which at least one is its own; left and right are edge states.
+  AlignedVector<float> weights;  ///< the same; empty in first order
+  AlignedVector<kernels::Local> neighbours[3];  ///< of the cells that have states; the same
+  /// Edges with two cells, of which at least one is its own; left and right are states: edge states
+  /// in second order, cells in first order.
   EdgeTable<kernels::Local> edges;
   AlignedVector<kernels::Local> slots[3];       ///< of its own cells
   std::vector<kernels::Local> boundary_states;  ///< of its boundaries, in their order

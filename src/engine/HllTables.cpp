@@ -80,14 +80,11 @@ void make_hll_tables(const cases::Case& contents, const std::vector<int>& order,
     hll.bed.resize(order.size());
   }
   hll.patches = make_hll_patches(contents, sides, tables, order, team, hll.reciprocal_length);
-  for (std::size_t p = 0; p < hll.patches.size(); ++p) {
-    const Range boundaries = tables.patches.patches[p].boundaries;
-    for (int b = boundaries.begin; b < boundaries.end; ++b) {
-      kernels::BoundaryEdge& boundary = tables.boundaries[at(b)];
-      const int state = hll.patches[p].boundary_states[at(b - boundaries.begin)];
-      boundary.edge = cases::edge_at_side(contents.mesh, order[at(boundary.cell)],
-                                          state / hll.patches[p].with_states);
-    }
+  for (std::size_t b = 0; b < tables.patches.boundary_edge.size(); ++b) {
+    kernels::BoundaryEdge& boundary = tables.boundaries[b];
+    const cases::Number cell = order[at(boundary.cell)];
+    const int side = cases::side_at_edge(sides[at(cell)], tables.patches.boundary_edge[b]);
+    boundary.edge = cases::edge_at_side(contents.mesh, cell, side);
   }
   const bool moves = tables.has_bed && !tables.cells.manning.empty();
   team.run([&](int member) {

@@ -5,6 +5,7 @@
 
 #include "kernels/boundary.hpp"
 #include "physics/hll_boundary.hpp"
+#include "physics/hll_cell_state.hpp"
 #include "physics/hll_cell_update.hpp"
 #include "physics/hll_edge_flux.hpp"
 
@@ -27,11 +28,17 @@ struct HllCellColumns {
   const Local* neighbours[3];  ///< numbers within the patch
 };
 
-/// States of the edges: that of edge k of cell i is number k * stride + i.
+/// States of the edges in second order: that of edge k of cell i is number k * stride + i.
 struct HllEdgeColumns {
   double *h, *e, *u, *v, *cap;
   double *source_x, *source_y;  ///< of the cells, m2/s2
   int stride;
+};
+
+/// States of the cells in first order, which all their edges share.
+struct HllCellStates {
+  HllWaterColumns waters;
+  double *share, *celerity_length;  ///< see physics::HllCellState
 };
 
 /// Where the numbers of a cell begin in a column of so many per cell; they are hll_block apart.
@@ -39,18 +46,18 @@ QM_HD inline int hll_begin(int i, int numbers) {
   return i / hll_block * (hll_block * numbers) + i % hll_block;
 }
 
-QM_HD inline void set_hll_cell(double* geometry, float* weights, int i,
-                               const physics::HllCell& cell, const physics::SlopeWeights& w) {
+QM_HD inline void set_hll_cell(double* geometry, int i, const physics::HllCell& cell) {
   const double values[] = {cell.shape.r0.x,      cell.shape.r0.y,     cell.shape.r1.x,
                            cell.shape.r1.y,      cell.bed_slope.x,    cell.bed_slope.y,
                            cell.reciprocal_area, cell.third_perimeter};
-  const float of_slope[] = {w.x0, w.y0, w.x1, w.y1, w.x2, w.y2};
   double* const to = geometry + hll_begin(i, HllCellColumns::numbers);
-  float* const weights_to = weights + hll_begin(i, HllCellColumns::weights_per_cell);
   for (int k = 0; k < HllCellColumns::numbers; ++k) to[k * hll_block] = values[k];
-  for (int k = 0; k < HllCellColumns::weights_per_cell; ++k) {
-    weights_to[k * hll_block] = of_slope[k];
-  }
+}
+
+QM_HD inline void set_hll_weights(float* weights, int i, const physics::SlopeWeights& w) {
+  const float values[] = {w.x0, w.y0, w.x1, w.y1, w.x2, w.y2};
+  float* const to = weights + hll_begin(i, HllCellColumns::weights_per_cell);
+  for (int k = 0; k < HllCellColumns::weights_per_cell; ++k) to[k * hll_block] = values[k];
 }
 
 QM_HD inline physics::HllCell hll_cell(const double* from) {
@@ -93,26 +100,39 @@ QM_HD inline void store_hll_state(const HllEdgeColumns& edges, int k,
   edges.cap[k] = state.cap;
 }
 
-QM_HD inline physics::HllEdgeState hll_state(const HllEdgeColumns& edges, int k) {
+/// State k on an edge that leads out of its cell.
+QM_HD inline physics::HllEdgeState hll_state(const HllEdgeColumns& edges, int k,
+                                             const physics::Edge&) {
   return {edges.h[k], edges.e[k], edges.u[k], edges.v[k], edges.cap[k]};
+}
+QM_HD inline physics::HllEdgeState hll_state(const HllCellStates& cells, int k,
+                                             const physics::Edge& edge) {
+  const HllWaterColumns& w = cells.waters;
+  return physics::hll_edge_state(
+      {w.h[k], w.bed[k] + w.h[k], w.u[k], w.v[k], cells.share[k], cells.celerity_length[k]}, edge);
+}
+
+/// The state of cell i of the tables in first order, which is entry k of its patch; its geometry
+/// stands there.
+QM_HD inline void store_hll_cell_state(const CellColumns& cells, int i, const double* geometry,
+                                       int k, const HllCellStates& states, const StepValues& step) {
+  constexpr bool no_friction = false;  // drag is for the predictor of the second order
+  store_hll_water<no_friction>(cells, i, states.waters, k, step.zero_depth);
+  const physics::HllCellState state =
+      physics::hll_cell_state(hll_neighbour(states.waters, k), hll_cell(geometry), step.dt);
+  states.share[k] = state.share;
+  states.celerity_length[k] = state.celerity_length;
 }
 
 /// The edge states of cell i of a patch; its geometry and weights stand there, its neighbours are
 /// these.
-template <bool second_order>
 QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* geometry,
                                   const float* weights, int n0, int n1, int n2, int i,
                                   const HllEdgeColumns& edges, const StepValues& step) {
   const physics::HllCell cell = hll_cell(geometry);
-  const physics::HllNeighbour own = hll_neighbour(waters, i);
-  physics::HllCellEdges of_cell;
-  if constexpr (second_order) {
-    of_cell = physics::hll_edges_second_order(own, hll_neighbour(waters, n0),
-                                              hll_neighbour(waters, n1), hll_neighbour(waters, n2),
-                                              cell, hll_weights(weights), step.dt, step.zero_depth);
-  } else {
-    of_cell = physics::hll_edges_first_order(own, cell, step.dt);
-  }
+  const physics::HllCellEdges of_cell = physics::hll_edges(
+      hll_neighbour(waters, i), hll_neighbour(waters, n0), hll_neighbour(waters, n1),
+      hll_neighbour(waters, n2), cell, hll_weights(weights), step.dt, step.zero_depth);
   store_hll_state(edges, i, of_cell.k0);
   store_hll_state(edges, edges.stride + i, of_cell.k1);
   store_hll_state(edges, 2 * edges.stride + i, of_cell.k2);
@@ -136,11 +156,12 @@ QM_HD inline physics::BoundaryFlux hll_flux_of_kind(const BoundaryEdge& boundary
 }
 
 /// What passes a boundary, on whose edge stands a state, into slot k.
-QM_HD inline void hll_flux_of_boundary(const HllEdgeColumns& edges, int state,
+template <class States>
+QM_HD inline void hll_flux_of_boundary(const States& states, int state,
                                        const BoundaryEdge& boundary, const StepValues& step,
                                        const SlotColumns& slots, int k) {
-  const physics::HllBoundarySide side =
-      physics::hll_boundary_side(hll_state(edges, state), boundary.edge, step.zero_depth);
+  const physics::HllBoundarySide side = physics::hll_boundary_side(
+      hll_state(states, state, boundary.edge), boundary.edge, step.zero_depth);
   fill_slot(slots, k,
             physics::hll_boundary_slot(side, boundary.edge, hll_flux_of_kind(boundary, side)));
 }
@@ -154,6 +175,13 @@ struct HllCellAfter {
   bool may_change;         ///< in a step without inflow
 };
 
+/// What a cell of a patch knows from the begin of its step: velocity (m/s), and the gradient of the
+/// level as a sink of momentum (m2/s2), which is 0 in first order.
+struct HllBeforeColumns {
+  const double *u, *v;
+  const double *source_x, *source_y;
+};
+
 /// Where the state after a step goes, of the cells of the tables.
 struct HllAfterColumns {
   double *h, *qx, *qy;
@@ -164,23 +192,22 @@ struct HllAfterColumns {
 /// The step of cell i of the tables, which is number k of its patch, from its slots.
 template <bool friction, bool rain, bool soil>
 QM_HD inline HllCellAfter advance_hll(const CellColumns& cells, int i, int k,
-                                      const HllWaterColumns& waters, const HllEdgeColumns& edges,
-                                      int s0, int s1, int s2, const SlotColumns& slots,
-                                      double demand, const HllAfterColumns& to,
-                                      const StepValues& step) {
+                                      const HllBeforeColumns& before, int s0, int s1, int s2,
+                                      const SlotColumns& slots, double demand,
+                                      const HllAfterColumns& to, const StepValues& step) {
   const double resistance = friction ? physics::manning_resistance(cells.manning[i]) : 0.0;
   const physics::HllCellUpdate after = physics::update_hll<friction>(
       {.h = cells.h[i],
        .qx = cells.qx[i],
        .qy = cells.qy[i],
-       .u = waters.u[k],
-       .v = waters.v[k],
+       .u = before.u[k],
+       .v = before.v[k],
        .Fh = physics::sum_of_slots(slots.mass[s0], slots.mass[s1], slots.mass[s2]),
        .Fqx =
            physics::sum_of_slots(slots.momentum_x[s0], slots.momentum_x[s1], slots.momentum_x[s2]),
        .Fqy =
            physics::sum_of_slots(slots.momentum_y[s0], slots.momentum_y[s1], slots.momentum_y[s2]),
-       .source = {edges.source_x[k], edges.source_y[k]},
+       .source = {before.source_x[k], before.source_y[k]},
        .dt_over_area = step.dt * cells.reciprocal_area[i],
        .dt = step.dt,
        .rain = rain ? step.rain_depths[cells.rain[i]] : 0.0,

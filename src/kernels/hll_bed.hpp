@@ -40,38 +40,28 @@ QM_HD inline void store_hll_bed(const CellColumns& cells, int i, const HllWaterC
   beds.hs[k] = bed.hs;
 }
 
-/// The cell that an edge state belongs to, by its number within the patch.
-QM_HD inline int cell_of_state(int state, int stride) {
-  const int second = state >= stride ? stride : 0;
-  const int third = state >= 2 * stride ? stride : 0;
-  return state - second - third;
-}
-
 /// Water that passed an edge into a slot, out of the cell that the edge leads out of, m2/s. The
 /// edges that fill a block have no length.
 QM_HD inline double passing_out(const physics::Edge& edge, double slot) {
   return -slot / (edge.length > 0.0 ? edge.length : 1.0);
 }
 
-/// Bed that passes an edge between two states from left to right, m3/s, with the water that is in
+/// Bed that passes an edge between two cells from left to right, m3/s, with the water that is in
 /// the slot on the left already (m3/s).
-QM_HD inline double hll_bed_discharge(const HllEdgeColumns& edges, const HllBedColumns& beds,
+QM_HD inline double hll_bed_discharge(const HllCellStates& cells, const HllBedColumns& beds,
                                       int left, int right, const physics::Edge& edge, double slot) {
-  return edge.length * physics::hll_bed_flux(hll_state(edges, left),
-                                             hll_bed(beds, cell_of_state(left, edges.stride)),
-                                             hll_state(edges, right),
-                                             hll_bed(beds, cell_of_state(right, edges.stride)),
-                                             edge, passing_out(edge, slot));
+  return edge.length * physics::hll_bed_flux(hll_state(cells, left, edge), hll_bed(beds, left),
+                                             hll_state(cells, right, reversed(edge)),
+                                             hll_bed(beds, right), edge, passing_out(edge, slot));
 }
 
-/// Bed that passes a boundary, on whose edge stands a state, into slot k, where what passes of
-/// water is already.
-QM_HD inline void hll_bed_flux_of_boundary(const HllEdgeColumns& edges, int state,
+/// Bed that passes a boundary of a cell into slot k, where what passes of water is already.
+QM_HD inline void hll_bed_flux_of_boundary(const HllCellStates& cells, int cell,
                                            const HllBedColumns& beds, const BoundaryEdge& boundary,
                                            const StepValues& step, const SlotColumns& slots,
                                            int k) {
-  const physics::HllEdgeState water = hll_state(edges, state);
-  const physics::HllBed bed = hll_bed(beds, cell_of_state(state, edges.stride));
+  const physics::HllEdgeState water = hll_state(cells, cell, boundary.edge);
+  const physics::HllBed bed = hll_bed(beds, cell);
   double flux = 0.0;
   switch (boundary.kind) {
     case BoundaryKind::wall:

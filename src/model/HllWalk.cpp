@@ -8,6 +8,7 @@
 #include "physics/cell_update_exner.hpp"
 #include "physics/hll_bed_flux.hpp"
 #include "physics/hll_boundary.hpp"
+#include "physics/hll_cell_state.hpp"
 #include "physics/hll_cell_update.hpp"
 #include "physics/hll_edge_flux.hpp"
 #include "physics/stable_step.hpp"
@@ -50,9 +51,7 @@ HllWalk::HllWalk(const cases::Case& contents)
   }
   for (const cases::Boundary& boundary : contents.mesh.boundaries) {
     const cases::TriangleSides& sides = sides_[at(contents.mesh.left[at(boundary.edge)])];
-    const auto found = std::find_if(sides.begin(), sides.end(),
-                                    [&](const auto& side) { return side.edge == boundary.edge; });
-    boundary_side_.push_back(static_cast<int>(found - sides.begin()));
+    boundary_side_.push_back(cases::side_at_edge(sides, boundary.edge));
   }
   set_initial_water();
   primitive_.resize(at(n_cells));
@@ -141,10 +140,15 @@ physics::HllNeighbour HllWalk::neighbour(Number cell, int side) const {
 physics::HllCellEdges HllWalk::edges_of(Number cell, double dt) const {
   const cases::HllCellOfCase& of = cells_[at(cell)];
   const physics::HllNeighbour own = {primitive_[at(cell)], bed(cell)};
-  if (case_.scheme == cases::Scheme::hll1) return physics::hll_edges_first_order(own, of.cell, dt);
-  return physics::hll_edges_second_order(own, neighbour(cell, 0), neighbour(cell, 1),
-                                         neighbour(cell, 2), of.cell, of.weights, dt,
-                                         case_.zero_depth);
+  if (case_.scheme == cases::Scheme::hll2) {
+    return physics::hll_edges(own, neighbour(cell, 0), neighbour(cell, 1), neighbour(cell, 2),
+                              of.cell, of.weights, dt, case_.zero_depth);
+  }
+  const physics::HllCellState state = physics::hll_cell_state(own, of.cell, dt);
+  const auto at_side = [&](int k) {
+    return physics::hll_edge_state(state, cases::edge_at_side(case_.mesh, cell, k));
+  };
+  return {at_side(0), at_side(1), at_side(2), {0.0, 0.0}};
 }
 
 physics::HllBed HllWalk::bed_of_step(Number cell, double dt) const {

@@ -19,6 +19,9 @@ QM_HD inline Edge edge_between(PlanPoint a, PlanPoint b) {
   return {(b.y - a.y) / length, (a.x - b.x) / length, length};
 }
 
+/// The same edge out of its right cell.
+QM_HD inline Edge reversed(const Edge& edge) { return {-edge.nx, -edge.ny, edge.length}; }
+
 /// What a flux reads of a cell: depth (m), unit discharges (m2/s), bed and water level (m).
 struct CellWater {
   double h, qx, qy;

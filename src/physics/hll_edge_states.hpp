@@ -46,28 +46,24 @@ QM_HD inline double expected_outflow(double h, double o, double celerity_length)
   return h * larger(larger(o, o * (1.0 / 3.0) + (2.0 / 3.0) * c), 0.1 * c);
 }
 
+/// Share of the outflow that all edges expect (m3/s) which a cell of depth h can give in a step of
+/// dt, s: just short of all its water.
+QM_HD inline double share_of_outflow(const HllCell& cell, double h, double outflow, double dt) {
+  return (1.0 - 1e-12) * h / (dt * cell.reciprocal_area * outflow + 1e-300);
+}
+
 /// Sets what may leave through each edge: the water that the cell holds, in shares of the outflows
-/// to be expected, so that no depth ever falls below zero. c: celerity (m/s).
+/// to be expected, so that no depth ever falls below zero.
 QM_HD inline void share_water(HllCellEdges& edges, const HllCell& cell, double h, double dt) {
   const OutwardNormals n = outward_normals(cell.shape);
   const double c = std::sqrt(9.81 * h) * cell.third_perimeter;
   const double a0 = expected_outflow(edges.k0.h, edges.k0.u * n.k0.x + edges.k0.v * n.k0.y, c);
   const double a1 = expected_outflow(edges.k1.h, edges.k1.u * n.k1.x + edges.k1.v * n.k1.y, c);
   const double a2 = expected_outflow(edges.k2.h, edges.k2.u * n.k2.x + edges.k2.v * n.k2.y, c);
-  const double scale = (1.0 - 1e-12) * h / (dt * cell.reciprocal_area * (a0 + a1 + a2) + 1e-300);
-  edges.k0.cap = scale * a0;
-  edges.k1.cap = scale * a1;
-  edges.k2.cap = scale * a2;
-}
-
-/// First order: the cell's own water at every edge, over a bed that is level within the cell.
-QM_HD inline HllCellEdges hll_edges_first_order(const HllNeighbour& own, const HllCell& cell,
-                                                double dt) {
-  const PrimitiveWater& w = own.water;
-  const HllEdgeState state = {w.h, own.bed + w.h, w.u, w.v, 0.0};
-  HllCellEdges edges = {state, state, state, {0.0, 0.0}};
-  share_water(edges, cell, w.h, dt);
-  return edges;
+  const double share = share_of_outflow(cell, h, a0 + a1 + a2, dt);
+  edges.k0.cap = share * a0;
+  edges.k1.cap = share * a1;
+  edges.k2.cap = share * a2;
 }
 
 /// Slopes in a cell: of level and depth, and of both velocities.
@@ -162,7 +158,7 @@ QM_HD inline PlanVector level_gradient(const HllCell& cell, double h, const Plan
           9.81 * (h * s.y + half * (n.k0.y * p0 + n.k1.y * p1 + n.k2.y * p2))};
 }
 
-/// Second order, from limited slopes; dt: the step, s.
+/// From limited slopes; dt: the step, s.
 QM_HD inline HllCellEdges hll_edges_of_slopes(const HllNeighbour& own, const HllSlopes& s,
                                               const HllCell& cell, double dt, double zero_depth) {
   const EdgeValues dh = at_midpoints(cell.shape, s.h);
@@ -181,11 +177,11 @@ QM_HD inline HllCellEdges hll_edges_of_slopes(const HllNeighbour& own, const Hll
   return edges;
 }
 
-/// Second order, from a cell and the neighbours across its local edges.
-QM_HD inline HllCellEdges hll_edges_second_order(const HllNeighbour& own, const HllNeighbour& n0,
-                                                 const HllNeighbour& n1, const HllNeighbour& n2,
-                                                 const HllCell& cell, const SlopeWeights& weights,
-                                                 double dt, double zero_depth) {
+/// From a cell and the neighbours across its local edges.
+QM_HD inline HllCellEdges hll_edges(const HllNeighbour& own, const HllNeighbour& n0,
+                                    const HllNeighbour& n1, const HllNeighbour& n2,
+                                    const HllCell& cell, const SlopeWeights& weights, double dt,
+                                    double zero_depth) {
   const HllSlopes slopes = hll_slopes(own, n0, n1, n2, cell, weights, zero_depth);
   return hll_edges_of_slopes(own, slopes, cell, dt, zero_depth);
 }

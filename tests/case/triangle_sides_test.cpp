@@ -63,6 +63,13 @@ TEST(TriangleSides, KnowTheirEdgeAndWhatLiesAcross) {
   EXPECT_EQ(sides[1][1].edge, 3);
 }
 
+TEST(TriangleSides, TellAtWhichAnEdgeLies) {
+  const auto sides = cases::sides_of_triangles(two_triangles(), "HLL2");
+  EXPECT_EQ(cases::side_at_edge(sides[0], 1), 1);
+  EXPECT_EQ(cases::side_at_edge(sides[0], 2), 2);
+  EXPECT_EQ(cases::side_at_edge(sides[1], 2), 0);
+}
+
 TEST(TriangleSides, ABoundaryWithARightCellHasNoNeighbour) {
   Mesh mesh = two_triangles();
   mesh.boundaries.insert(mesh.boundaries.begin() + 2, {2, edge_code::wall, 0.0, -1});

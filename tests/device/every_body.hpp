@@ -122,6 +122,7 @@ struct TwoHllCells {
   double geometry[kernels::hll_block * kernels::HllCellColumns::numbers];
   float weights[kernels::hll_block * kernels::HllCellColumns::weights_per_cell];
   double edge_h[6], edge_e[6], edge_u[6], edge_v[6], cap[6], source_x[2], source_y[2];
+  double share[2], celerity_length[2];
   double after_h[2], after_qx[2], after_qy[2], after_hs[2], after_bed[2], reciprocal_length[2];
   double per_discharge[2], gain[2], reserve[2], hs[2];
 };
@@ -134,8 +135,16 @@ QM_HD inline kernels::HllEdgeColumns edges_of(TwoHllCells& c) {
   return {c.edge_h, c.edge_e, c.edge_u, c.edge_v, c.cap, c.source_x, c.source_y, 2};
 }
 
+QM_HD inline kernels::HllCellStates states_of(TwoHllCells& c) {
+  return {waters_of(c), c.share, c.celerity_length};
+}
+
 QM_HD inline kernels::HllBedColumns beds_of(TwoHllCells& c) {
   return {c.per_discharge, c.gain, c.reserve, c.hs};
+}
+
+QM_HD inline kernels::HllBeforeColumns before_of(const TwoHllCells& c) {
+  return {c.u, c.v, c.source_x, c.source_y};
 }
 
 QM_HD inline kernels::HllAfterColumns after_of(TwoHllCells& c) {
@@ -146,19 +155,22 @@ QM_HD inline kernels::HllAfterColumns after_of(TwoHllCells& c) {
 QM_HD inline void add_hll_bed_fluxes(Results& results, TwoCells& cells, TwoHllCells& c,
                                      const physics::Edge& edge, const kernels::StepValues& step) {
   for (int i = 0; i < 2; ++i) {
+    kernels::store_hll_cell_state(columns_of(cells, false), i, c.geometry + i, i, states_of(c),
+                                  step);
+    add(results, c.share[i] + c.celerity_length[i]);
     kernels::store_hll_bed<true>(columns_of(cells, false), i, waters_of(c), c.geometry + i, i,
                                  beds_of(c), step);
     add(results, c.per_discharge[i] + c.gain[i] + c.hs[i]);
     add(results, c.reserve[i]);
   }
   const kernels::SlotColumns slots = slots_of(cells, 0);
-  slots.bed[1] = kernels::hll_bed_discharge(edges_of(c), beds_of(c), 0, 3, edge, slots.mass[0]);
+  slots.bed[1] = kernels::hll_bed_discharge(states_of(c), beds_of(c), 0, 1, edge, slots.mass[0]);
   slots.bed[0] = -slots.bed[1];
   const kernels::BoundaryEdge boundaries[] = {
       {kernels::BoundaryKind::transmissive, 0, edge, 0.0, 0.0},
       {kernels::BoundaryKind::discharge, 0, edge, -0.5, -1e-3}};
   for (const kernels::BoundaryEdge& boundary : boundaries) {
-    kernels::hll_bed_flux_of_boundary(edges_of(c), 4, beds_of(c), boundary, step, slots, 2);
+    kernels::hll_bed_flux_of_boundary(states_of(c), 1, beds_of(c), boundary, step, slots, 2);
     add_slots(results, cells);
   }
 }
@@ -168,27 +180,29 @@ QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cel
   TwoHllCells c = {};
   for (int i = 0; i < 2; ++i) {
     const RandomHllCell of = random_hll_cell(random);
-    kernels::set_hll_cell(c.geometry, c.weights, i, of.cell, of.weights);
+    kernels::set_hll_cell(c.geometry, i, of.cell);
+    kernels::set_hll_weights(c.weights, i, of.weights);
     kernels::store_hll_water<true>(columns_of(cells, false), i, waters_of(c), i, zero_depth);
     c.reciprocal_length[i] = uniform(random, 0.1, 10.0);
     add(results, c.u[i] + c.v[i] + c.drag[i]);
   }
   for (int i = 0; i < 2; ++i) {
-    kernels::store_hll_edges<true>(waters_of(c), c.geometry + i, c.weights + i, 1 - i, i, 1 - i, i,
-                                   edges_of(c), step);
+    kernels::store_hll_edges(waters_of(c), c.geometry + i, c.weights + i, 1 - i, i, 1 - i, i,
+                             edges_of(c), step);
     add(results, c.source_x[i] + c.source_y[i]);
   }
-  const physics::SlotPair slots = physics::hll_edge_flux(
-      kernels::hll_state(edges_of(c), 0), kernels::hll_state(edges_of(c), 3), edge, zero_depth);
+  const physics::SlotPair slots =
+      physics::hll_edge_flux(kernels::hll_state(edges_of(c), 0, edge),
+                             kernels::hll_state(edges_of(c), 3, edge), edge, zero_depth);
   kernels::fill_slot(slots_of(cells, 0), 0, slots.left);
   kernels::fill_slot(slots_of(cells, 0), 1, slots.right);
   const kernels::BoundaryEdge boundary = {kernels::BoundaryKind::discharge, 0, edge, -0.5, 0.0};
   kernels::hll_flux_of_boundary(edges_of(c), 4, boundary, step, slots_of(cells, 0), 2);
   add_slots(results, cells);
   add_hll_bed_fluxes(results, cells, c, edge, step);
-  const kernels::HllCellAfter after = kernels::advance_hll<true, true, true>(
-      columns_of(cells, false), 1, 1, waters_of(c), edges_of(c), 1, 2, 0, slots_of(cells, 0), 1e-4,
-      after_of(c), step);
+  const kernels::HllCellAfter after =
+      kernels::advance_hll<true, true, true>(columns_of(cells, false), 1, 1, before_of(c), 1, 2, 0,
+                                             slots_of(cells, 0), 1e-4, after_of(c), step);
   add(results, c.after_h[1] + c.after_qx[1] + c.after_qy[1]);
   add(results, after.crossing_rate + after.taken_discharge + after.max_h);
   add(results, kernels::advance_hll_bed<true>(columns_of(cells, false), 1, 1, 2, 0,

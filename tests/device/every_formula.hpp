@@ -23,6 +23,7 @@
 #include "physics/hll_bed_flux.hpp"
 #include "physics/hll_bed_load.hpp"
 #include "physics/hll_boundary.hpp"
+#include "physics/hll_cell_state.hpp"
 #include "physics/hll_cell_update.hpp"
 #include "physics/hll_edge_flux.hpp"
 #include "physics/hll_edge_states.hpp"
@@ -391,13 +392,14 @@ QM_HD inline void add_second_order(Results& results, Random& random, const physi
                               n2 = random_neighbour(random);
   const double dt = uniform(random, 1e-3, 1.0);
   const physics::HllCellEdges edges =
-      physics::hll_edges_second_order(own, n0, n1, n2, cell.cell, cell.weights, dt, zero_depth);
-  const physics::HllCellEdges flat = physics::hll_edges_first_order(n0, cell.cell, dt);
+      physics::hll_edges(own, n0, n1, n2, cell.cell, cell.weights, dt, zero_depth);
+  const physics::HllCellState flat = physics::hll_cell_state(n0, cell.cell, dt);
+  const physics::HllEdgeState across = physics::hll_edge_state(flat, reversed(edge));
   add(results, edges.k0);
   add(results, edges.k1);
   add(results, edges.k2);
-  add(results, flat.k1.cap);
-  const physics::SlotPair slots = physics::hll_edge_flux(edges.k0, flat.k0, edge, zero_depth);
+  add(results, across.cap);
+  const physics::SlotPair slots = physics::hll_edge_flux(edges.k0, across, edge, zero_depth);
   add(results, slots.left);
   add(results, slots.right);
   add_hll_boundaries(results, random, edges.k1, edge);

@@ -36,8 +36,6 @@ class RandomStates {
   std::mt19937_64 generator_{20240229};
 };
 
-physics::Edge reversed(const physics::Edge& edge) { return {-edge.nx, -edge.ny, edge.length}; }
-
 void expect_near(const physics::WaterSlot& slot, const physics::WaterSlot& expected,
                  double tolerance) {
   EXPECT_NEAR(slot.h, expected.h, tolerance);

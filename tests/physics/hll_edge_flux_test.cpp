@@ -17,8 +17,6 @@ using physics::WaterSlot;
 constexpr int trials = 2000;
 constexpr double no_cap = 1e9;
 
-Edge reversed(const Edge& edge) { return {-edge.nx, -edge.ny, edge.length}; }
-
 TEST(HllEdgeFlux, EqualStatesGiveThePhysicalFluxLessTheirThrust) {
   Source random;
   for (int i = 0; i < trials; ++i) {

@@ -49,8 +49,7 @@ Patch linear_patch(double drag = 0.0) {
 }
 
 HllCellEdges edges_of(const Patch& p, double step) {
-  return physics::hll_edges_second_order(p.own, p.n0, p.n1, p.n2, p.cell, p.weights, step,
-                                         zero_depth);
+  return physics::hll_edges(p.own, p.n0, p.n1, p.n2, p.cell, p.weights, step, zero_depth);
 }
 
 std::vector<HllEdgeState> all(const HllCellEdges& edges) { return {edges.k0, edges.k1, edges.k2}; }
@@ -100,8 +99,8 @@ TEST(HllEdgeStates, ALakeAtRestIsLevelAndStillWhateverItsBed) {
     };
     const HllNeighbour own = lake(), n0 = lake(), n1 = lake(), n2 = lake();
     const double level = own.bed + own.water.h;
-    const HllCellEdges edges = physics::hll_edges_second_order(own, n0, n1, n2, random.cell(),
-                                                               random.weights(), dt, zero_depth);
+    const HllCellEdges edges =
+        physics::hll_edges(own, n0, n1, n2, random.cell(), random.weights(), dt, zero_depth);
     if (own.water.h <= zero_depth) continue;
     for (const HllEdgeState& state : all(edges)) {
       EXPECT_EQ(state.e, level);
@@ -117,9 +116,9 @@ TEST(HllEdgeStates, NoEdgeIsBelowItsBedAndNoneFallsDryWithinTheStep) {
   Source random;
   for (int i = 0; i < trials; ++i) {
     const HllNeighbour own = random.neighbour();
-    const HllCellEdges edges = physics::hll_edges_second_order(
-        own, random.neighbour(), random.neighbour(), random.neighbour(), random.cell(),
-        random.weights(), random.between(0.0, 1.0), zero_depth);
+    const HllCellEdges edges =
+        physics::hll_edges(own, random.neighbour(), random.neighbour(), random.neighbour(),
+                           random.cell(), random.weights(), random.between(0.0, 1.0), zero_depth);
     for (const HllEdgeState& state : all(edges)) {
       EXPECT_GE(state.h, 0.0);
       EXPECT_GE(state.cap, 0.0);
@@ -135,27 +134,24 @@ TEST(HllEdgeStates, TheSharesOfAllEdgesAreWhatTheCellHolds) {
     const HllNeighbour own = random.neighbour();
     const physics::HllCell cell = random.cell();
     const double step = random.between(0.01, 1.0);
-    for (const HllCellEdges& edges :
-         {physics::hll_edges_first_order(own, cell, step),
-          physics::hll_edges_second_order(own, random.neighbour(), random.neighbour(),
-                                          random.neighbour(), cell, random.weights(), step,
-                                          zero_depth)}) {
-      const double shared = (edges.k0.cap + edges.k1.cap + edges.k2.cap) * step;
-      const double held = own.water.h / cell.reciprocal_area;
-      EXPECT_LE(shared, held * (1.0 - 0.9e-12));
-      EXPECT_GE(shared, held * (1.0 - 1.1e-12));
-      wet += held > 0.0;
-    }
+    const HllCellEdges edges =
+        physics::hll_edges(own, random.neighbour(), random.neighbour(), random.neighbour(), cell,
+                           random.weights(), step, zero_depth);
+    const double shared = (edges.k0.cap + edges.k1.cap + edges.k2.cap) * step;
+    const double held = own.water.h / cell.reciprocal_area;
+    EXPECT_LE(shared, held * (1.0 - 0.9e-12));
+    EXPECT_GE(shared, held * (1.0 - 1.1e-12));
+    wet += held > 0.0;
   }
-  EXPECT_GT(wet, trials);
+  EXPECT_GT(wet, trials / 2);
 }
 
 TEST(HllEdgeStates, OfADryCellStandStill) {
   Source random;
   const HllNeighbour own{{0.5 * zero_depth, 0.0, 0.0, 0.0}, 1.0};
-  const HllCellEdges edges = physics::hll_edges_second_order(
-      own, random.neighbour(), random.neighbour(), random.neighbour(), random.cell(),
-      random.weights(), dt, zero_depth);
+  const HllCellEdges edges =
+      physics::hll_edges(own, random.neighbour(), random.neighbour(), random.neighbour(),
+                         random.cell(), random.weights(), dt, zero_depth);
   for (const HllEdgeState& state : all(edges)) {
     EXPECT_EQ(state.h, own.water.h);
     EXPECT_EQ(state.u, 0.0);
@@ -203,9 +199,9 @@ TEST(HllEdgeStates, MomentumIsKeptOverALevelBed) {
     if (own.water.h <= zero_depth) continue;
     physics::HllCell cell = random.cell();
     cell.bed_slope = {0.0, 0.0};
-    const HllCellEdges edges = physics::hll_edges_second_order(
-        own, random.neighbour(), random.neighbour(), random.neighbour(), cell, random.weights(),
-        0.0, zero_depth);
+    const HllCellEdges edges =
+        physics::hll_edges(own, random.neighbour(), random.neighbour(), random.neighbour(), cell,
+                           random.weights(), 0.0, zero_depth);
     const physics::OutwardNormals n = physics::outward_normals(cell.shape);
     const auto thrust = [](const HllEdgeState& state) { return 4.905 * state.h * state.h; };
     const double x =
@@ -215,19 +211,6 @@ TEST(HllEdgeStates, MomentumIsKeptOverALevelBed) {
     EXPECT_NEAR(edges.source.x, x * cell.reciprocal_area, 1e-9 * (1.0 + std::fabs(x)));
     EXPECT_NEAR(edges.source.y, y * cell.reciprocal_area, 1e-9 * (1.0 + std::fabs(y)));
   }
-}
-
-TEST(HllEdgeStatesOfFirstOrder, AreTheWaterOfTheCell) {
-  const HllNeighbour own = linear_water(0.0, 0.0);
-  const HllCellEdges edges = physics::hll_edges_first_order(own, linear_patch().cell, dt);
-  for (const HllEdgeState& state : all(edges)) {
-    EXPECT_EQ(state.h, own.water.h);
-    EXPECT_EQ(state.e, own.bed + own.water.h);
-    EXPECT_EQ(state.u, own.water.u);
-    EXPECT_EQ(state.v, own.water.v);
-  }
-  EXPECT_EQ(edges.source.x, 0.0);
-  EXPECT_EQ(edges.source.y, 0.0);
 }
 
 }  // namespace

@@ -18,8 +18,12 @@ HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
   }
   for (Scratch& scratch : scratch_) {
     for (Column& column : scratch.water) column.assign(all_cells, 0.0);
-    for (Column& column : scratch.edge) column.assign(3 * with_states, 0.0);
-    for (Column& column : scratch.source) column.assign(with_states, 0.0);
+    if (tables.hll->second_order) {
+      for (Column& column : scratch.edge) column.assign(3 * with_states, 0.0);
+    } else {
+      for (Column& column : scratch.giving) column.assign(with_states, 0.0);
+    }
+    for (Column& column : scratch.source) column.assign(with_states, 0.0);  // stays in first order
     if (tables.has_bed) {
       for (Column& column : scratch.bed) column.assign(with_states, 0.0);
     }
@@ -35,6 +39,14 @@ kernels::HllWaterColumns HllBackend::Scratch::waters() {
 kernels::HllEdgeColumns HllBackend::Scratch::edges(int stride) {
   return {edge[0].data(), edge[1].data(),   edge[2].data(),   edge[3].data(),
           edge[4].data(), source[0].data(), source[1].data(), stride};
+}
+
+kernels::HllCellStates HllBackend::Scratch::states() {
+  return {waters(), giving[0].data(), giving[1].data()};
+}
+
+kernels::HllBeforeColumns HllBackend::Scratch::before() const {
+  return {water[1].data(), water[2].data(), source[0].data(), source[1].data()};
 }
 
 kernels::HllBedColumns HllBackend::Scratch::beds() {
@@ -62,29 +74,14 @@ void HllBackend::note_maxima(const std::vector<int>& patches) {
 
 void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   note_maxima_of_patch(number, tables_, loops_);
+  if (tables_.hll->second_order) {
+    second_order_fluxes(number, step.values, scratch);
+  } else {
+    first_order_fluxes(number, step.values, scratch);
+  }
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const Range own = tables_.patches.patches[at(number)].cells;
   const kernels::CellColumns cells = tables_.columns();
-  const kernels::HllWaterColumns waters = scratch.waters();
-  const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
-  const kernels::SlotColumns slots = scratch.slots.columns();
-  const HllRange range = {own.begin, own.size(), patch.around.data(),
-                          static_cast<int>(patch.around.size()), patch.ring};
-  kernels::CellColumns seen = cells;
-  if (!tables_.hll->second_order) seen.manning = nullptr;  // drag is for the predictor alone
-  loops_.hll.waters(seen, range, waters, step.values.zero_depth);
-  (tables_.hll->second_order ? loops_.hll.edges_second_order : loops_.hll.edges_first_order)(
-      waters, patch.columns(), patch.with_states, edges, step.values);
-  loops_.hll.fluxes(patch.edges.columns(), patch.right_slots(), edges, slots,
-                    slots.from(patch.right_slots()), step.values.zero_depth);
-  if (tables_.has_bed) {
-    loops_.hll.beds(cells, range, waters, patch.columns(), patch.with_states, scratch.beds(),
-                    step.values);
-    loops_.hll.bed_fluxes(patch.edges.columns(), patch.right_slots(), edges, scratch.beds(), slots,
-                          slots.from(patch.right_slots()));
-  }
-  boundary_fluxes(number, step.values, scratch);
-
   physics::FlowExtremes* const extremes =
       step.notes != nullptr ? &step.notes->extremes[at(number)] : nullptr;
   // A bed of sediments lets no water in.
@@ -94,10 +91,9 @@ void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   const HllCellRange own_cells = {
       own.begin,
       own.size(),
-      waters,
-      edges,
+      scratch.before(),
       {patch.slots[0].data(), patch.slots[1].data(), patch.slots[2].data()},
-      slots,
+      scratch.slots.columns(),
       demand,
       tables_.hll->after(),
       extremes,
@@ -115,24 +111,71 @@ void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
   step.activity.set_can_change(number, !after.all_rest);
 }
 
-void HllBackend::boundary_fluxes(int number, const kernels::StepValues& step, Scratch& scratch) {
+HllRange HllBackend::range_of(int number) const {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const Range own = tables_.patches.patches[at(number)].cells;
+  return {own.begin, own.size(), patch.around.data(), static_cast<int>(patch.around.size()),
+          patch.ring};
+}
+
+void HllBackend::second_order_fluxes(int number, const kernels::StepValues& step,
+                                     Scratch& scratch) {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  loops_.hll.waters(tables_.columns(), range_of(number), scratch.waters(), step.zero_depth);
+  loops_.hll.edges(scratch.waters(), patch.columns(), patch.with_states, edges, step);
+  loops_.hll.fluxes_of_edges(patch.edges.columns(), patch.right_slots(), edges, slots,
+                             slots.from(patch.right_slots()), step.zero_depth);
+  boundary_fluxes(number, edges, step, scratch);
+}
+
+void HllBackend::first_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch) {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const kernels::HllCellStates states = scratch.states();
+  const kernels::SlotColumns slots = scratch.slots.columns(),
+                             right = slots.from(patch.right_slots());
+  const HllRange range = range_of(number);
+  loops_.hll.states(tables_.columns(), range, patch.columns(), states, step);
+  loops_.hll.fluxes_of_cells(patch.edges.columns(), patch.right_slots(), states, slots, right,
+                             step.zero_depth);
+  boundary_fluxes(number, states, step, scratch);
+  if (!tables_.has_bed) return;
+  loops_.hll.beds(tables_.columns(), range, scratch.waters(), patch.columns(), patch.with_states,
+                  scratch.beds(), step);
+  loops_.hll.bed_fluxes(patch.edges.columns(), patch.right_slots(), states, scratch.beds(), slots,
+                        right);
+  boundary_bed_fluxes(number, step, scratch);
+}
+
+template <class States>
+void HllBackend::boundary_fluxes(int number, const States& states, const kernels::StepValues& step,
+                                 Scratch& scratch) {
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const kernels::SlotColumns slots = scratch.slots.columns();
-  const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
   const int first = tables_.patches.patches[at(number)].boundaries.begin;
   for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
     const int slot = patch.first_boundary_slot() + b;
-    kernels::hll_flux_of_boundary(edges, patch.boundary_states[at(b)],
+    kernels::hll_flux_of_boundary(states, patch.boundary_states[at(b)],
                                   tables_.boundaries[at(first + b)], step, slots, slot);
-    const std::size_t outer = at(tables_.first_boundary_slot() + first + b);
-    tables_.outer.mass[outer] = slots.mass[slot];
-    if (!tables_.has_bed) continue;
-    kernels::hll_bed_flux_of_boundary(edges, patch.boundary_states[at(b)], scratch.beds(),
-                                      tables_.boundaries[at(first + b)], step, slots, slot);
-    tables_.outer.bed[outer] = slots.bed[slot];
+    tables_.outer.mass[at(tables_.first_boundary_slot() + first + b)] = slots.mass[slot];
   }
   kernels::fill_slot(slots, patch.empty_slot(), {0.0, 0.0, 0.0});
-  if (tables_.has_bed) slots.bed[patch.empty_slot()] = 0.0;
+}
+
+void HllBackend::boundary_bed_fluxes(int number, const kernels::StepValues& step,
+                                     Scratch& scratch) {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const kernels::SlotColumns slots = scratch.slots.columns();
+  const int first = tables_.patches.patches[at(number)].boundaries.begin;
+  for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
+    const int slot = patch.first_boundary_slot() + b;
+    kernels::hll_bed_flux_of_boundary(scratch.states(), patch.boundary_states[at(b)],
+                                      scratch.beds(), tables_.boundaries[at(first + b)], step,
+                                      slots, slot);
+    tables_.outer.bed[at(tables_.first_boundary_slot() + first + b)] = slots.bed[slot];
+  }
+  slots.bed[patch.empty_slot()] = 0.0;
 }
 
 void HllBackend::finish_step(const Activity& activity) {

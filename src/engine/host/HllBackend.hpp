@@ -33,8 +33,9 @@ class HllBackend : public Backend {
  private:
   /// What a thread needs for one patch at a time.
   struct Scratch {
-    Column water[5];  ///< of kernels::HllWaterColumns
-    Column edge[5];   ///< of kernels::HllEdgeColumns
+    Column water[5];   ///< of kernels::HllWaterColumns
+    Column edge[5];    ///< of kernels::HllEdgeColumns; empty in first order
+    Column giving[2];  ///< of kernels::HllCellStates; empty in second order
     Column source[2];
     Column bed[4];  ///< of kernels::HllBedColumns; empty without sediments
     Slots slots;
@@ -43,11 +44,20 @@ class HllBackend : public Backend {
 
     kernels::HllWaterColumns waters();
     kernels::HllEdgeColumns edges(int stride);
+    kernels::HllCellStates states();
+    kernels::HllBeforeColumns before() const;
     kernels::HllBedColumns beds();
   };
 
   void advance_patch(int number, const Step& step, Scratch& scratch);
-  void boundary_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+  HllRange range_of(int number) const;
+  /// What passes all edges of a patch, into its slots.
+  void second_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+  void first_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+  template <class States>
+  void boundary_fluxes(int number, const States& states, const kernels::StepValues& step,
+                       Scratch& scratch);
+  void boundary_bed_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
 
   Tables& tables_;
   ThreadTeam& team_;

@@ -42,7 +42,7 @@ void hll_beds_of_patch(const kernels::CellColumns& cells, const HllRange& range,
 
 /// Of all edges of a patch, whose count is a multiple of a block.
 [[gnu::flatten]] void hll_bed_fluxes(const kernels::EdgeColumns<kernels::Local>& given, int count,
-                                     kernels::HllEdgeColumns states, kernels::HllBedColumns beds,
+                                     kernels::HllCellStates states, kernels::HllBedColumns beds,
                                      kernels::SlotColumns left, kernels::SlotColumns right) {
   const kernels::EdgeColumns<kernels::Local> edges = given;
   constexpr int block = kernels::hll_block;

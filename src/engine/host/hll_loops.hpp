@@ -41,8 +41,48 @@ void hll_waters_of_patch(const kernels::CellColumns& cells, const HllRange& rang
   }
 }
 
-/// Edge states, block by block; what the memory has to bring is asked for some blocks ahead.
-template <bool second_order>
+/// States of first order: of consecutive cells of the tables, and of those at given places, into
+/// the entries from a multiple of a block on.
+[[gnu::flatten]] void hll_states(const kernels::CellColumns& given, int first_cell, int count,
+                                 kernels::HllCellColumns shapes, kernels::HllCellStates states,
+                                 kernels::StepValues step) {
+  const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
+  constexpr int block = kernels::hll_block;
+  for (int first = 0; first < count; first += block) {
+    const double* const geometry = shapes.geometry + first * kernels::HllCellColumns::numbers;
+    const int end = count - first < block ? count - first : block;
+#pragma omp simd
+    for (int k = 0; k < end; ++k) {
+      kernels::store_hll_cell_state(cells, first_cell + first + k, geometry + k, first + k, states,
+                                    step);
+    }
+  }
+}
+
+[[gnu::flatten]] void hll_states_at(const kernels::CellColumns& given, const int* places, int begin,
+                                    int count, kernels::HllCellColumns shapes,
+                                    kernels::HllCellStates states, kernels::StepValues step) {
+  const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
+  constexpr int block = kernels::hll_block;
+  for (int first = 0; first < count; first += block) {
+    const double* const geometry =
+        shapes.geometry + (begin + first) * kernels::HllCellColumns::numbers;
+#pragma omp simd
+    for (int k = 0; k < block; ++k) {
+      kernels::store_hll_cell_state(cells, places[first + k], geometry + k, begin + first + k,
+                                    states, step);
+    }
+  }
+}
+
+void hll_states_of_patch(const kernels::CellColumns& cells, const HllRange& range,
+                         const kernels::HllCellColumns& shapes,
+                         const kernels::HllCellStates& states, const kernels::StepValues& step) {
+  hll_states(cells, range.first_cell, range.cells, shapes, states, step);
+  hll_states_at(cells, range.around, range.ring, range.cells_around, shapes, states, step);
+}
+
+/// Edge states of second order, block by block.
 [[gnu::flatten]] void hll_edges(kernels::HllWaterColumns waters, kernels::HllCellColumns cells,
                                 int count, kernels::HllEdgeColumns edges,
                                 kernels::StepValues step) {
@@ -59,16 +99,16 @@ template <bool second_order>
     }
 #pragma omp simd
     for (int k = 0; k < block; ++k) {
-      kernels::store_hll_edges<second_order>(waters, geometry + k, weights + k, neighbours[0][k],
-                                             neighbours[1][k], neighbours[2][k], first + k, edges,
-                                             step);
+      kernels::store_hll_edges(waters, geometry + k, weights + k, neighbours[0][k],
+                               neighbours[1][k], neighbours[2][k], first + k, edges, step);
     }
   }
 }
 
 /// Fluxes of all edges of a patch, whose count is a multiple of a block, into its slots.
+template <class States>
 [[gnu::flatten]] void hll_fluxes(const kernels::EdgeColumns<kernels::Local>& given, int count,
-                                 kernels::HllEdgeColumns states, kernels::SlotColumns left,
+                                 States states, kernels::SlotColumns left,
                                  kernels::SlotColumns right, double zero_depth) {
   const kernels::EdgeColumns<kernels::Local> edges = given;
   constexpr int block = kernels::hll_block;
@@ -84,7 +124,8 @@ template <bool second_order>
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
       const physics::SlotPair slots = physics::hll_edge_flux(
-          kernels::hll_state(states, l[k]), kernels::hll_state(states, r[k]), edge, zero_depth);
+          kernels::hll_state(states, l[k], edge),
+          kernels::hll_state(states, r[k], physics::reversed(edge)), edge, zero_depth);
       left.mass[e] = slots.left.h;
       left.momentum_x[e] = slots.left.qx;
       left.momentum_y[e] = slots.left.qy;
@@ -103,7 +144,7 @@ struct HllBlock {
   double taken_discharge[size];
 };
 
-template <bool friction, bool rain, bool soil>
+template <bool friction, bool rain, bool soil, bool noted>
 [[gnu::flatten]] HllAdvance advance_hll_block(kernels::CellColumns cells, HllCellRange range,
                                               kernels::StepValues step, int first, int count,
                                               HllBlock& block) {
@@ -113,11 +154,10 @@ template <bool friction, bool rain, bool soil>
   for (int k = 0; k < count; ++k) {
     const double demand = soil ? range.demand[first + k] : 0.0;
     const kernels::HllCellAfter after = kernels::advance_hll<friction, rain, soil>(
-        cells, range.first_cell + first + k, first + k, range.waters, range.edges,
-        block.slots[0][k], block.slots[1][k], block.slots[2][k], range.slots_of_patch, demand,
-        range.to, step);
+        cells, range.first_cell + first + k, first + k, range.before, block.slots[0][k],
+        block.slots[1][k], block.slots[2][k], range.slots_of_patch, demand, range.to, step);
     block.max_h[k] = after.max_h;
-    block.taken_discharge[k] = after.taken_discharge;
+    if constexpr (noted) block.taken_discharge[k] = after.taken_discharge;
     rate = physics::larger(rate, after.crossing_rate);
     deeper_cells += after.is_deeper ? 1 : 0;
     changing_cells += after.may_change ? 1 : 0;
@@ -129,7 +169,7 @@ template <bool friction, bool rain, bool soil>
   if (range.hints != nullptr && deeper_cells > 0) {
     range.hints[first / cells_of_shortest].may_be_deeper = true;
   }
-  if (range.taken_discharge != nullptr) {
+  if constexpr (noted) {
     for (int k = 0; k < count; ++k) range.taken_discharge[first + k] += block.taken_discharge[k];
   }
   return {rate, changing_cells == 0};
@@ -138,6 +178,9 @@ template <bool friction, bool rain, bool soil>
 template <bool friction, bool rain, bool soil>
 HllAdvance advance_hll_cells(const kernels::CellColumns& cells, const HllCellRange& range,
                              const kernels::StepValues& step) {
+  const auto advance_block = range.taken_discharge != nullptr
+                                 ? advance_hll_block<friction, rain, soil, true>
+                                 : advance_hll_block<friction, rain, soil, false>;
   HllAdvance all = {0.0, true};
   for (int first = 0; first < range.cells; first += HllBlock::size) {
     const int count = range.cells - first < HllBlock::size ? range.cells - first : HllBlock::size;
@@ -146,8 +189,7 @@ HllAdvance advance_hll_cells(const kernels::CellColumns& cells, const HllCellRan
 #pragma omp simd
       for (int k = 0; k < count; ++k) block.slots[s][k] = range.slots[s][first + k];
     }
-    const HllAdvance of_block =
-        advance_hll_block<friction, rain, soil>(cells, range, step, first, count, block);
+    const HllAdvance of_block = advance_block(cells, range, step, first, count, block);
     all.crossing_rate = physics::larger(all.crossing_rate, of_block.crossing_rate);
     all.all_rest = all.all_rest && of_block.all_rest;
   }

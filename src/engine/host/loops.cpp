@@ -28,7 +28,8 @@ const Loops QUILLMERE_JOIN(loops_, QUILLMERE_ISA_NAME) = {
     .water = {fluxes<FluxesOfWater, Local>, fluxes<FluxesOfWater, int>, advance<AdvanceWater>},
     .water_and_bed = {fluxes<FluxesOfWaterAndBed, Local>, fluxes<FluxesOfWaterAndBed, int>,
                       advance<AdvanceWaterAndBed>},
-    .hll = {hll_waters_of_patch, hll_edges<false>, hll_edges<true>, hll_fluxes, advance_hll_patch,
-            hll_beds_of_patch, hll_bed_fluxes, advance_hll_bed_of_patch}};
+    .hll = {hll_states_of_patch, hll_fluxes<kernels::HllCellStates>, hll_waters_of_patch, hll_edges,
+            hll_fluxes<kernels::HllEdgeColumns>, advance_hll_patch, hll_beds_of_patch,
+            hll_bed_fluxes, advance_hll_bed_of_patch}};
 
 }  // namespace engine

@@ -68,8 +68,7 @@ struct HllRange {
 /// The cells of a patch at the end of its step.
 struct HllCellRange {
   int first_cell, cells;
-  kernels::HllWaterColumns waters;  ///< before the step
-  kernels::HllEdgeColumns edges;
+  kernels::HllBeforeColumns before;
   const kernels::Local* slots[3];
   kernels::SlotColumns slots_of_patch;
   const double* demand;  ///< of their soils, m; null: nothing
@@ -86,18 +85,25 @@ struct HllAdvance {
   bool all_rest;
 };
 
+/// Fluxes of so many edges, a multiple of a block, into the slots of their left and right sides.
+template <class States>
+using HllFluxes = void (*)(const kernels::EdgeColumns<kernels::Local>&, int count, States,
+                           kernels::SlotColumns left, kernels::SlotColumns right,
+                           double zero_depth);
+
 /// The loops of the HLL schemes, in the order of a step of a patch.
 struct HllLoops {
+  // First order.
+  void (*states)(const kernels::CellColumns&, const HllRange&, const kernels::HllCellColumns&,
+                 const kernels::HllCellStates&, const kernels::StepValues&);
+  HllFluxes<kernels::HllCellStates> fluxes_of_cells;
+  // Second order; edge states of so many cells, a multiple of a block.
   void (*waters)(const kernels::CellColumns&, const HllRange&, const kernels::HllWaterColumns&,
                  double zero_depth);
-  /// Edge states of so many cells, a multiple of a block: of first and of second order.
-  void (*edges_first_order)(kernels::HllWaterColumns, kernels::HllCellColumns, int count,
-                            kernels::HllEdgeColumns, kernels::StepValues);
-  void (*edges_second_order)(kernels::HllWaterColumns, kernels::HllCellColumns, int count,
-                             kernels::HllEdgeColumns, kernels::StepValues);
-  /// Fluxes of so many edges, a multiple of a block, into the slots of their left and right sides.
-  void (*fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count, kernels::HllEdgeColumns,
-                 kernels::SlotColumns left, kernels::SlotColumns right, double zero_depth);
+  void (*edges)(kernels::HllWaterColumns, kernels::HllCellColumns, int count,
+                kernels::HllEdgeColumns, kernels::StepValues);
+  HllFluxes<kernels::HllEdgeColumns> fluxes_of_edges;
+  // Both.
   HllAdvance (*advance)(const kernels::CellColumns&, const HllCellRange&,
                         const kernels::StepValues&);
   // The same of a bed that moves: of so many cells, a multiple of a block; into the slots of bed
@@ -105,9 +111,8 @@ struct HllLoops {
   void (*beds)(const kernels::CellColumns&, const HllRange&, const kernels::HllWaterColumns&,
                const kernels::HllCellColumns&, int count, const kernels::HllBedColumns&,
                const kernels::StepValues&);
-  void (*bed_fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count,
-                     kernels::HllEdgeColumns, kernels::HllBedColumns, kernels::SlotColumns left,
-                     kernels::SlotColumns right);
+  void (*bed_fluxes)(const kernels::EdgeColumns<kernels::Local>&, int count, kernels::HllCellStates,
+                     kernels::HllBedColumns, kernels::SlotColumns left, kernels::SlotColumns right);
   double (*advance_bed)(const kernels::CellColumns&, const HllCellRange&,
                         const kernels::StepValues&);
 };
