@@ -82,10 +82,18 @@ QM_HD inline EdgeValues continued(const EdgeValues& D, const SlopeWeights& w) {
           open2 ? -(D.k0 + D.k1) : D.k2};
 }
 
+/// How far the level of a neighbour lies below that of a cell whose water falls over a brink to it,
+/// m: below the bed of the cell, had that gone on for two cells at its steepest.
+QM_HD inline double fall_over_brink(double h, const HllCell& cell) {
+  const EdgeValues bed = at_midpoints(cell.shape, cell.bed_slope);
+  return h + 4.0 * larger(largest_of(bed), -smallest_of(bed));
+}
+
 /// Limited slopes from a cell and the neighbours across its local edges; where there is none, the
 /// cell itself stands in. A dry bank and what a dry neighbour holds do not count, and beside one
-/// the limiter is stricter. Velocities do not go on beyond open boundaries: that would feed itself
-/// where water enters.
+/// the limiter is stricter. Velocities do not go on beyond open boundaries, where they would feed
+/// themselves as water enters, nor over a brink: water is as fast as it falls deep, and the cells
+/// above would hold back one another's water.
 QM_HD inline HllSlopes hll_slopes(const HllNeighbour& own, const HllNeighbour& n0,
                                   const HllNeighbour& n1, const HllNeighbour& n2,
                                   const HllCell& cell, const SlopeWeights& weights,
@@ -104,13 +112,15 @@ QM_HD inline HllSlopes hll_slopes(const HllNeighbour& own, const HllNeighbour& n
   const double beta = among_wet ? 1.5 : 1.0;
   const EdgeValues De = {wet0 ? e0 : smaller(e0, 0.0), wet1 ? e1 : smaller(e1, 0.0),
                          wet2 ? e2 : smaller(e2, 0.0)};
-  const EdgeValues Du = {wet0 ? n0.water.u - w.u : 0.0, wet1 ? n1.water.u - w.u : 0.0,
-                         wet2 ? n2.water.u - w.u : 0.0};
-  const EdgeValues Dv = {wet0 ? n0.water.v - w.v : 0.0, wet1 ? n1.water.v - w.v : 0.0,
-                         wet2 ? n2.water.v - w.v : 0.0};
-  const EdgeValues on = continued(De, weights);
-  const EdgeValues levels = {among_wet ? on.k0 : De.k0, among_wet ? on.k1 : De.k1,
-                             among_wet ? on.k2 : De.k2};
+  const double fall = fall_over_brink(w.h, cell);
+  const bool on0 = wet0 & (e0 > -fall), on1 = wet1 & (e1 > -fall), on2 = wet2 & (e2 > -fall);
+  const EdgeValues Du = {on0 ? n0.water.u - w.u : 0.0, on1 ? n1.water.u - w.u : 0.0,
+                         on2 ? n2.water.u - w.u : 0.0};
+  const EdgeValues Dv = {on0 ? n0.water.v - w.v : 0.0, on1 ? n1.water.v - w.v : 0.0,
+                         on2 ? n2.water.v - w.v : 0.0};
+  const EdgeValues beyond = continued(De, weights);
+  const EdgeValues levels = {among_wet ? beyond.k0 : De.k0, among_wet ? beyond.k1 : De.k1,
+                             among_wet ? beyond.k2 : De.k2};
   const PlanVector s = limited_slope(levels, weights, cell.shape, beta);
   const PlanVector su = limited_slope(Du, weights, cell.shape, beta);
   const PlanVector sv = limited_slope(Dv, weights, cell.shape, beta);

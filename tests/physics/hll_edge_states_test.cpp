@@ -178,6 +178,21 @@ TEST(HllEdgeStates, WaterTiltsTowardsADryNeighbourThatLiesLower) {
   EXPECT_LT(edges_of(p, 0.0).k0.e, 1.0 - 0.1);
 }
 
+TEST(HllEdgeStates, VelocitiesAreNotSeenOverABrink) {
+  const auto slope_of_u = [](double bed_below, double bed_slope_of_cell) {
+    Patch p = linear_patch();
+    p.own.bed = p.n1.bed = p.n2.bed = 0.0;
+    p.own.water = {0.2, 1.0, 0.0, 0.0};
+    p.n1.water = p.n2.water = {0.2, 0.5, 0.0, 0.0};
+    p.n0 = {{0.1, 6.0, 0.0, 0.0}, bed_below};
+    p.cell.bed_slope = {bed_slope_of_cell, 0.0};
+    return edges_of(p, 0.0).k0.u - edges_of(p, 0.0).k1.u;
+  };
+  EXPECT_EQ(slope_of_u(-0.5, 0.0), 0.0);
+  EXPECT_GT(slope_of_u(-0.05, 0.0), 0.1);
+  EXPECT_GT(slope_of_u(-0.5, -0.4), 0.1);  // a slope, no brink
+}
+
 TEST(HllEdgeStates, TheLevelGoesOnBeyondAnOpenBoundary) {
   Patch p = linear_patch();
   const physics::HllTriangle& shape = p.cell.shape;
