@@ -20,11 +20,9 @@ class DryingStep(AnalyticCase):
     source = ("Until the wave reaches the wall, the simple wave of Ritter (1892) with the critical "
               "state at the brink: h = 4/9 h0, q = 8/27 sqrt(g) h0^(3/2).")
     limit = ("The wave is rounded at its head, and some percent too much leave at first.")
-    second_order = ("On irregular triangles some percent too little pass the brink, on finer "
-                    "meshes too, although their edges follow it. Tried besides, on n = 200: with a "
-                    "step of 0.5, 3 or 10 m in place of 1 m the volume was right within 1 %. Where "
-                    "the brink was a zigzag of cells, 15 % too little had passed at n = 400.")
-    reasons = {"HLL2": "Not known. The last cells of the shelf hold water back."}
+    second_order = ("Tried besides: with a step of 0.5 m the volume over the brink is as near. With one "
+                    "of 3 m 2.1 % too little pass at n = 400 on irregular triangles, and with a brink "
+                    "that is a zigzag of cells 0.2 % too much.")
     kinds = ("structured", "irregular")
     times, judged_state = (EARLY, END), 0
     length = LENGTH
