@@ -26,7 +26,8 @@ DATA = {
                     "initial infiltration": "infiltrated.txt"},
     },
     "output": {"folder": "out/", "snapshots of flow": "snapshots.txt", "gauges": "gauges_in.txt",
-               "discharges": "sections_in.txt"},
+               "discharges": "sections_in.txt", "final state": "final.txt",
+               "maxima of flow": {"file": "maxima.txt"}},
 }
 PILOT = 20.0  # s, of simulation
 SETTINGS = {

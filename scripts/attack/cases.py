@@ -94,6 +94,8 @@ class Case:
 
     def write_requests(self, output, gauges, sections, interval, snapshots):
         output["time step enveloppe of results"] = interval
+        output["final state"] = "final.txt"
+        output["maxima of flow"] = {"file": "maxima.txt"}
         output["snapshots of flow"] = "snapshots_in.txt"
         output["gauges"] = "gauges_in.txt"
         output["discharges"] = "sections_in.txt"
@@ -116,8 +118,9 @@ class Case:
 
     def results(self):
         """Name and kind of every result, snapshots apart."""
-        return {"out/enveloppe.txt": WHOLE, "out/gauges.txt": LINES, "sections.txt": LINES,
-                "log.txt": LOG, REPORT_FILE: REPORT}
+        return {"out/enveloppe.txt": WHOLE, "out/final.txt": WHOLE, "out/maxima.txt": WHOLE,
+                "out/gauges.txt": LINES, "sections.txt": LINES, "log.txt": LOG,
+                REPORT_FILE: REPORT}
 
     def write(self, folder):
         for name, text in self.inputs.items():

@@ -37,6 +37,21 @@ def number(text):
         return math.nan
 
 
+def is_complete_table(text, last):
+    """Whether the text tells of the same cells as that of the run whose last one is given, but of
+    another time."""
+    rows, last_rows = text.split(b"\n"), last.split(b"\n")
+    if len(rows) != len(last_rows) or rows[0] != last_rows[0] or rows[-1] != b"":
+        return False
+    for row, last_row in zip(rows[1:-1], last_rows[1:-1]):
+        values, last_values = row.split(b"\t"), last_row.split(b"\t")
+        if len(values) != len(last_values) or values[:2] != last_values[:2]:
+            return False
+        if not all(math.isfinite(number(value)) for value in values):
+            return False
+    return True
+
+
 def is_complete_envelope(text, last):
     """Whether the text is an envelope of the run whose last one is given: depths only grow."""
     rows, last_rows = text.split(b"\n"), last.split(b"\n")
@@ -74,6 +89,8 @@ def damage(name, kind, text, reference, may_cut_last_line):
         return None if is_right else "does not hold whole lines of the undisturbed run"
     if name.endswith("enveloppe.txt"):
         return None if is_complete_envelope(text, reference) else "is no complete envelope"
+    if name.endswith(("final.txt", "maxima.txt")):
+        return None if is_complete_table(text, reference) else "is no complete table"
     return None if text == reference else "differs from that of the undisturbed run"
 
 
