@@ -18,6 +18,12 @@ struct Series {
   std::string file;
   std::vector<double> times;   ///< s, increasing
   std::vector<double> values;  ///< m2/s or m
+
+  /// Here and below for utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.file, self.times, self.values);
+  }
 };
 
 /// Rain on the cells that name it.
@@ -32,6 +38,11 @@ struct Hyetogram {
     return {times.data(), intensities.data(), static_cast<int>(times.size()),
             static_cast<double>(step)};
   }
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.id, self.step, self.times, self.intensities);
+  }
 };
 
 /// Parameters of soils, in the order of their file.
@@ -42,16 +53,31 @@ struct GreenAmptParameters {
   physics::GreenAmptSoil soil() const {
     return physics::green_ampt_soil(Ks, psi, theta_i, theta_s, L, kr);
   }
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.Ks, self.psi, self.theta_i, self.theta_s, self.L, self.kr);
+  }
 };
 struct HortonParameters {
   double f0, fc, k, Fmax, kr;
 
   /// As the formulas take it.
   physics::HortonSoil soil() const { return {f0, fc, k, Fmax, kr}; }
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.f0, self.fc, self.k, self.Fmax, self.kr);
+  }
 };
 struct Soil {
   int id;
   std::variant<GreenAmptParameters, HortonParameters> parameters;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.id, self.parameters);
+  }
 };
 
 /// Fields of the cells.
@@ -63,6 +89,12 @@ struct CellFields {
   std::vector<int> rain;              ///< index into Case::rain, -1: none; empty: no rain
   std::vector<int> soil;              ///< index into Case::soils, -1: none; empty: no soil
   std::vector<double> infiltrated;    ///< at the start, m; empty: nothing
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.bed, self.sediment, self.manning, self.level, self.qx, self.qy, self.rain, self.soil,
+          self.infiltrated);
+  }
 };
 
 /// What the bed of the model with sediments is made of.
@@ -71,6 +103,11 @@ struct SedimentParameters {
   double density = 0.0;  ///< relative to water
   double manning = 0.0;  ///< s/m^(1/3); reported, not used
   double porosity = 0.0;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.d50, self.density, self.manning, self.porosity);
+  }
 };
 
 /// Points at which the flow is recorded.
@@ -111,6 +148,13 @@ struct Case {
   std::vector<Hyetogram> rain;
   std::vector<Soil> soils;
   bool has_infiltration = false;  ///< soils, or depths infiltrated before
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.has_sediments, self.scheme, self.t_start, self.t_end, self.cfl, self.zero_depth,
+          self.sediment, self.mesh, self.fields, self.series, self.rain, self.soils,
+          self.has_infiltration);
+  }
 };
 
 }  // namespace cases

@@ -21,6 +21,12 @@ struct Boundary {
   int code;      ///< see boundary_kinds
   double value;  ///< imposed unit discharge (m2/s, positive leaves) or level (m)
   int series;    ///< number of the time series that imposes it; -1: none
+
+  /// Here and below for utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.edge, self.code, self.value, self.series);
+  }
 };
 
 /// Geometry of a cell.
@@ -70,6 +76,12 @@ struct Mesh {
   bool points_into_left_cell(Number edge) const;
   /// The boundary condition on an edge; null on an interior one.
   const Boundary* boundary_on(Number edge) const;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.x, self.y, self.z, self.cell_nodes, self.first_node, self.left, self.right,
+          self.node1, self.node2, self.boundaries);
+  }
 };
 
 }  // namespace cases

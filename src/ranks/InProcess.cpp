@@ -1,27 +1,49 @@
 #include "ranks/InProcess.hpp"
 
-#include <map>
-#include <utility>
+#include <algorithm>
+#include <thread>
 
 namespace ranks {
 
 using cases::Number;
 using engine::at;
 
-/// The exchange of one rank.
-class InProcess::Rank : public engine::Exchange {
- public:
-  struct Neighbour {
-    Halo halo;
-    Mailbox *to, *from;
-  };
+/// What the ranks of a group have in common.
+struct InProcess::Shared {
+  explicit Shared(int ranks) : size(ranks), minimum(ranks), notes(ranks) {}
 
-  Rank(Reductions& reductions, std::vector<Neighbour> neighbours)
-      : reductions_(reductions), neighbours_(std::move(neighbours)) {}
+  /// That of the first members; `which` of those that were asked for, one after the other.
+  std::shared_ptr<Shared> part(int which, int members) {
+    const std::lock_guard lock(mutex);
+    std::shared_ptr<Shared>& found = parts[which];
+    if (!found) found = std::make_shared<Shared>(members);
+    return found;
+  }
+
+  const int size;
+  Mailboxes<std::byte> messages;
+  Mailboxes<double> halos;
+  Reduction<engine::StepMinimum> minimum;
+  Reduction<physics::StepNotes> notes;
+  std::mutex mutex;
+  std::map<int, std::shared_ptr<Shared>> parts;
+};
+
+/// The exchange of one rank.
+class InProcess::MemberExchange : public engine::Exchange {
+ public:
+  MemberExchange(std::shared_ptr<Shared> shared, int rank, std::vector<Halo> halos)
+      : shared_(std::move(shared)) {
+    for (Halo& halo : halos) {
+      const int other = halo.neighbour;
+      neighbours_.push_back({std::move(halo), shared_->halos.between(rank, other),
+                             shared_->halos.between(other, rank)});
+    }
+  }
 
   void start_halo(engine::Tables& tables) override {
     for (const Neighbour& neighbour : neighbours_) {
-      neighbour.to->post([&](std::vector<double>& values) {
+      neighbour.to.post([&](std::vector<double>& values) {
         engine::for_each_halo_column(tables.cells, [&](const engine::Column& column) {
           for (const Number cell : neighbour.halo.sent) {
             values.push_back(column[at(tables.place[at(cell)])]);
@@ -33,7 +55,7 @@ class InProcess::Rank : public engine::Exchange {
 
   void finish_halo(engine::Tables& tables) override {
     for (const Neighbour& neighbour : neighbours_) {
-      neighbour.from->take([&](const std::vector<double>& values) {
+      neighbour.from.take([&](const std::vector<double>& values) {
         auto value = values.begin();
         engine::for_each_halo_column(tables.cells, [&](engine::Column& column) {
           for (const Number cell : neighbour.halo.received) {
@@ -45,45 +67,72 @@ class InProcess::Rank : public engine::Exchange {
   }
 
   void start_minimum(const engine::StepMinimum& own) override {
-    reductions_.minimum.tell(own, engine::smallest_of);
+    shared_->minimum.tell(own, engine::smallest_of);
   }
-  engine::StepMinimum finish_minimum() override { return reductions_.minimum.wait(minima_++); }
+  engine::StepMinimum finish_minimum() override { return shared_->minimum.wait(minima_++); }
 
   physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
-    reductions_.notes.tell(
+    shared_->notes.tell(
         own, [&](const auto& a, const auto& b) { return engine::united(a, b, limited_before); });
-    return reductions_.notes.wait(notes_++);
+    return shared_->notes.wait(notes_++);
   }
 
  private:
-  Reductions& reductions_;
+  struct Neighbour {
+    Halo halo;
+    Mailbox<double>&to, &from;
+  };
+
+  std::shared_ptr<Shared> shared_;
   std::vector<Neighbour> neighbours_;
   long minima_ = 0, notes_ = 0;  ///< rounds that this rank has seen
 };
 
-InProcess::InProcess(const std::vector<engine::Subset>& subsets)
-    : reductions_{Reduction<engine::StepMinimum>(static_cast<int>(subsets.size())),
-                  Reduction<physics::StepNotes>(static_cast<int>(subsets.size()))} {
-  std::map<std::pair<int, int>, Mailbox*> from_to;
-  const auto mailbox = [&](int from, int to) {
-    Mailbox*& box = from_to[{from, to}];
-    if (box == nullptr) box = &mailboxes_.emplace_back();
-    return box;
-  };
-  int rank = 0;
-  for (std::vector<Halo>& halos : halos_of(subsets)) {
-    std::vector<Rank::Neighbour> neighbours;
-    for (Halo& halo : halos) {
-      const int other = halo.neighbour;
-      neighbours.push_back({std::move(halo), mailbox(rank, other), mailbox(other, rank)});
-    }
-    ranks_.push_back(std::make_unique<Rank>(reductions_, std::move(neighbours)));
-    ++rank;
+class InProcess::Member : public Group {
+ public:
+  Member(std::shared_ptr<Shared> shared, int rank) : shared_(std::move(shared)), rank_(rank) {}
+
+  int rank() const override { return rank_; }
+  int size() const override { return shared_->size; }
+  int cores() const override {
+    return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / size());
   }
-}
+
+  void broadcast(std::span<std::byte> bytes) override {
+    if (rank_ > 0) return receive(bytes, 0);
+    for (int other = 1; other < size(); ++other) send(bytes, other);
+  }
+  void send(std::span<const std::byte> bytes, int to) override {
+    shared_->messages.between(rank_, to).post(
+        [&](std::vector<std::byte>& message) { message.assign(bytes.begin(), bytes.end()); });
+  }
+  void receive(std::span<std::byte> bytes, int from) override {
+    shared_->messages.between(from, rank_).take([&](const std::vector<std::byte>& message) {
+      std::copy(message.begin(), message.end(), bytes.begin());
+    });
+  }
+
+  std::unique_ptr<Group> first(int members) override {
+    const int which = groups_++;
+    if (rank_ >= members) return nullptr;
+    return std::make_unique<Member>(shared_->part(which, members), rank_);
+  }
+  std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) override {
+    return std::make_unique<MemberExchange>(shared_, rank_, std::move(halos));
+  }
+
+ private:
+  std::shared_ptr<Shared> shared_;
+  int rank_;
+  int groups_ = 0;  ///< made of the first ranks of this one
+};
+
+InProcess::InProcess(int ranks) : shared_(std::make_shared<Shared>(ranks)) {}
 
 InProcess::~InProcess() = default;
 
-engine::Exchange& InProcess::exchange(int rank) { return *ranks_[at(rank)]; }
+std::unique_ptr<Group> InProcess::group(int rank) {
+  return std::make_unique<Member>(shared_, rank);
+}
 
 }  // namespace ranks

@@ -2,17 +2,18 @@
 #pragma once
 
 #include <condition_variable>
-#include <deque>
+#include <map>
 #include <memory>
 #include <mutex>
+#include <utility>
 #include <vector>
 
-#include "engine/Exchange.hpp"
-#include "ranks/halos.hpp"
+#include "ranks/Group.hpp"
 
 namespace ranks {
 
 /// Room for one message from one rank to another.
+template <class Value>
 class Mailbox {
  public:
   /// Calls write(values) on the empty message, as soon as the last one has been taken.
@@ -39,7 +40,21 @@ class Mailbox {
   std::mutex mutex_;
   std::condition_variable changed_;
   bool is_full_ = false;
-  std::vector<double> values_;
+  std::vector<Value> values_;
+};
+
+/// The mailboxes between ranks, made as they are asked for.
+template <class Value>
+class Mailboxes {
+ public:
+  Mailbox<Value>& between(int from, int to) {
+    const std::lock_guard lock(mutex_);
+    return boxes_[{from, to}];
+  }
+
+ private:
+  std::mutex mutex_;
+  std::map<std::pair<int, int>, Mailbox<Value>> boxes_;
 };
 
 /// What a number of ranks tell, made one, round by round.
@@ -75,26 +90,21 @@ class Reduction {
   Value present_{}, last_{};
 };
 
-/// One exchange for each of the ranks, which may then run in threads of their own.
+/// A number of ranks, which may then run in threads of their own.
 class InProcess {
  public:
-  /// The subsets must hold every cell of the case once.
-  explicit InProcess(const std::vector<engine::Subset>& subsets);
+  explicit InProcess(int ranks);
   ~InProcess();
 
-  engine::Exchange& exchange(int rank);
+  /// As one of the ranks sees them; once for each.
+  std::unique_ptr<Group> group(int rank);
 
  private:
-  class Rank;
+  class Member;
+  class MemberExchange;
+  struct Shared;
 
-  struct Reductions {
-    Reduction<engine::StepMinimum> minimum;
-    Reduction<physics::StepNotes> notes;
-  };
-
-  Reductions reductions_;
-  std::deque<Mailbox> mailboxes_;
-  std::vector<std::unique_ptr<Rank>> ranks_;
+  std::shared_ptr<Shared> shared_;
 };
 
 }  // namespace ranks

@@ -15,6 +15,7 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace utils {
@@ -89,6 +90,11 @@ class ByteWriter {
     write(value.has_value());
     if (value) write(*value);
   }
+  template <class... Kinds>
+  void write(const std::variant<Kinds...>& value) const {
+    write(static_cast<std::uint8_t>(value.index()));
+    std::visit([this](const auto& held) { write(held); }, value);
+  }
 
   ByteSink& sink_;
 };
@@ -147,6 +153,14 @@ class ByteReader {
     read(has_value);
     value.reset();
     if (has_value) read(value.emplace());
+  }
+  template <class... Kinds>
+  void read(std::variant<Kinds...>& value) const {
+    std::uint8_t index = 0;
+    read(index);
+    if (index >= sizeof...(Kinds)) throw BadBytes();
+    std::uint8_t kind = 0;
+    ((kind++ == index ? read(value.template emplace<Kinds>()) : void()), ...);
   }
 
   /// The number of values that follow, each of at least so many bytes.

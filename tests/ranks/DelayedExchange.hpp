@@ -2,8 +2,10 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <random>
 #include <thread>
+#include <utility>
 
 #include "engine/Exchange.hpp"
 
@@ -11,28 +13,28 @@ namespace test_ranks {
 
 class DelayedExchange final : public engine::Exchange {
  public:
-  DelayedExchange(engine::Exchange& exchange, unsigned seed)
-      : exchange_(exchange), generator_(seed) {}
+  DelayedExchange(std::unique_ptr<engine::Exchange> exchange, unsigned seed)
+      : exchange_(std::move(exchange)), generator_(seed) {}
 
   void start_halo(engine::Tables& tables) override {
     wait();
-    exchange_.start_halo(tables);
+    exchange_->start_halo(tables);
   }
   void finish_halo(engine::Tables& tables) override {
     wait();
-    exchange_.finish_halo(tables);
+    exchange_->finish_halo(tables);
   }
   void start_minimum(const engine::StepMinimum& own) override {
     wait();
-    exchange_.start_minimum(own);
+    exchange_->start_minimum(own);
   }
   engine::StepMinimum finish_minimum() override {
     wait();
-    return exchange_.finish_minimum();
+    return exchange_->finish_minimum();
   }
   physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
     wait();
-    return exchange_.unite(own, limited_before);
+    return exchange_->unite(own, limited_before);
   }
 
  private:
@@ -42,7 +44,7 @@ class DelayedExchange final : public engine::Exchange {
     std::this_thread::sleep_for(std::chrono::microseconds(generator_() % 200));
   }
 
-  engine::Exchange& exchange_;
+  std::unique_ptr<engine::Exchange> exchange_;
   std::mt19937 generator_;
 };
 

@@ -9,6 +9,7 @@
 
 #include "engine/Engine.hpp"
 #include "ranks/cut_along_curve.hpp"
+#include "ranks/share_of.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/basin.hpp"
 
@@ -57,14 +58,14 @@ class PartsOfCourse : public testing::Test {
     return course;
   }
 
-  static std::vector<engine::Subset> subsets_of(const cases::Mesh& mesh,
-                                                std::vector<std::vector<Number>> cells,
-                                                int rings = 1) {
-    std::vector<engine::Subset> subsets;
-    for (std::vector<Number>& of_rank : cells) {
-      subsets.push_back(engine::subset_of(mesh, std::move(of_rank), rings));
+  static std::vector<ranks::Share> shares_of(const cases::Mesh& mesh,
+                                             const std::vector<ranks::Cells>& cells,
+                                             int rings = 1) {
+    std::vector<ranks::Share> shares;
+    for (int rank = 0; rank < static_cast<int>(cells.size()); ++rank) {
+      shares.push_back(ranks::share_of(mesh, cells, rank, rings));
     }
-    return subsets;
+    return shares;
   }
 
   /// Parts along the curve, of which each has a third more cells than the one before or so.

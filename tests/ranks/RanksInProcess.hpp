@@ -11,16 +11,16 @@ namespace test_ranks {
 
 class RanksInProcess : public PartsOfCourse {
  protected:
-  /// Calls body(rank, engine) for every subset, each in a thread of its own.
+  /// Calls body(rank, engine) for every share, each in a thread of its own.
   template <class Body>
-  static void run_side_by_side(const cases::Case& contents,
-                               const std::vector<engine::Subset>& subsets, int threads,
-                               int cells_per_patch, const Body& body) {
-    ranks::InProcess group(subsets);
+  static void run_side_by_side(const cases::Case& contents, const std::vector<ranks::Share>& shares,
+                               int threads, int cells_per_patch, const Body& body) {
+    ranks::InProcess job(static_cast<int>(shares.size()));
     std::vector<std::thread> members;
-    for (int rank = 0; rank < static_cast<int>(subsets.size()); ++rank) {
+    for (int rank = 0; rank < static_cast<int>(shares.size()); ++rank) {
       members.emplace_back([&, rank] {
-        engine::Engine engine(contents, subsets[at(rank)], group.exchange(rank), threads,
+        const auto exchange = job.group(rank)->exchange(shares[at(rank)].halos);
+        engine::Engine engine(contents, shares[at(rank)].subset, *exchange, threads,
                               cells_per_patch);
         engine.keep_maxima(arrival_depth);
         body(rank, engine);
@@ -34,12 +34,12 @@ class RanksInProcess : public PartsOfCourse {
     int computed = 0, patches = 0;
   };
   static Work expect_same(const cases::Case& contents, const Course& expected,
-                          const std::vector<engine::Subset>& subsets, int threads = 1,
+                          const std::vector<ranks::Share>& shares, int threads = 1,
                           int cells_per_patch = 64) {
     std::atomic<int> computed = 0, patches = 0;
-    run_side_by_side(contents, subsets, threads, cells_per_patch,
+    run_side_by_side(contents, shares, threads, cells_per_patch,
                      [&](int rank, engine::Engine& engine) {
-                       expect_same_steps(contents, expected, subsets[at(rank)], engine, 0);
+                       expect_same_steps(contents, expected, shares[at(rank)].subset, engine, 0);
                        computed += engine.active_patches();
                        patches += static_cast<int>(engine.tables().patches.patches.size());
                      });
@@ -53,7 +53,7 @@ class RanksInProcess : public PartsOfCourse {
       const auto cells = ranks::cut_along_curve(contents.mesh, count);
       ASSERT_EQ(cells.size(), at(count));
       expect_same(contents, expected,
-                  subsets_of(contents.mesh, cells, engine::rings_of(contents.scheme)));
+                  shares_of(contents.mesh, cells, engine::rings_of(contents.scheme)));
     }
   }
 };

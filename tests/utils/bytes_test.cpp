@@ -26,11 +26,12 @@ struct Everything {
   std::array<Point, 2> pair{};
   std::optional<Point> perhaps;
   std::vector<std::pair<int, long>> counts;
+  std::variant<int, Point> either;
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.is_there, self.count, self.name, self.numbers, self.points, self.pair, self.perhaps,
-          self.counts);
+          self.counts, self.either);
   }
 };
 
@@ -44,6 +45,7 @@ Everything something() {
   all.pair = {Point{3.5, 4}, Point{4.5, 5}};
   all.perhaps = Point{5.5, 6};
   all.counts = {{1, 2}, {3, 4}};
+  all.either = Point{6.5, 7};
   return all;
 }
 
@@ -65,6 +67,7 @@ TEST(Bytes, GiveBackWhatWasPutIntoThem) {
   EXPECT_EQ(all.points[1].number, 3);
   EXPECT_EQ(all.perhaps->x, 5.5);
   EXPECT_EQ(all.counts[1].second, 4);
+  EXPECT_EQ(std::get<Point>(all.either).number, 7);
   utils::take_out_of(bytes_of({}), all);
   EXPECT_FALSE(all.perhaps);
   EXPECT_TRUE(all.numbers.empty() && all.points.empty() && all.name.empty());

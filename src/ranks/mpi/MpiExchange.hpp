@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "engine/Exchange.hpp"
-#include "ranks/halos.hpp"
+#include "ranks/share_of.hpp"
 
 namespace ranks {
 
@@ -17,7 +17,7 @@ namespace ranks {
 class MpiExchange final : public engine::Exchange {
  public:
   /// Between initialisation and end of MPI; every process of the communicator makes one, of its own
-  /// halos (see halos_of).
+  /// halos (see share_of).
   MpiExchange(MPI_Comm communicator, std::vector<Halo> halos);
   ~MpiExchange() override;
   MpiExchange(const MpiExchange&) = delete;

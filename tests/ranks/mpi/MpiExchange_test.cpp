@@ -28,15 +28,14 @@ class MpiExchange : public test_ranks::PartsOfCourse {
  protected:
   /// The subset of this process and its exchange with the others.
   struct Part {
-    explicit Part(const cases::Case& contents) {
-      auto subsets =
-          subsets_of(contents.mesh, ranks::cut_along_curve(contents.mesh, number_of_ranks()),
-                     engine::rings_of(contents.scheme));
-      auto halos = ranks::halos_of(subsets);
-      subset = std::move(subsets[engine::at(rank_here())]);
-      exchange = std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD,
-                                                      std::move(halos[engine::at(rank_here())]));
-    }
+    explicit Part(const cases::Case& contents)
+        : Part(ranks::share_of(contents.mesh,
+                               ranks::cut_along_curve(contents.mesh, number_of_ranks()),
+                               rank_here(), engine::rings_of(contents.scheme))) {}
+    explicit Part(ranks::Share share)
+        : subset(std::move(share.subset)),
+          exchange(std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD, std::move(share.halos))) {}
+
     engine::Subset subset;
     std::unique_ptr<ranks::MpiExchange> exchange;
   };

@@ -1,0 +1,37 @@
+// The ranks that share a run, as one of them sees them.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "engine/Exchange.hpp"
+#include "ranks/share_of.hpp"
+
+namespace ranks {
+
+/// Every rank calls the same functions in the same order, on one thread; to each send belongs a
+/// receive on the other side.
+class Group {
+ public:
+  virtual ~Group() = default;
+
+  /// From 0 on.
+  virtual int rank() const = 0;
+  virtual int size() const = 0;
+  /// Cores that this rank may use, at least 1: those of its machine, shared among the ranks there.
+  virtual int cores() const = 0;
+
+  /// Bytes of rank 0, for all others.
+  virtual void broadcast(std::span<std::byte> bytes) = 0;
+  virtual void send(std::span<const std::byte> bytes, int to) = 0;
+  virtual void receive(std::span<std::byte> bytes, int from) = 0;
+
+  /// The first ranks of this group as one of their own; null on the others.
+  virtual std::unique_ptr<Group> first(int members) = 0;
+  /// What the engines of these ranks exchange in their steps; to be called once.
+  virtual std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) = 0;
+};
+
+}  // namespace ranks

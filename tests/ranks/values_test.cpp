@@ -1,0 +1,90 @@
+// Values from rank to rank arrive as they were.
+#include "ranks/values.hpp"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <numeric>
+#include <thread>
+
+#include "ranks/InProcess.hpp"
+#include "support/TemporaryFolder.hpp"
+#include "support/basin.hpp"
+
+namespace {
+
+/// Calls body(group) on every rank.
+void on_ranks(int count, const std::function<void(ranks::Group&)>& body) {
+  ranks::InProcess job(count);
+  std::vector<std::thread> members;
+  for (int rank = 0; rank < count; ++rank) {
+    members.emplace_back([&, rank] { body(*job.group(rank)); });
+  }
+  for (std::thread& member : members) member.join();
+}
+
+template <class Value>
+utils::Bytes bytes_of(const Value& value) {
+  utils::Bytes bytes;
+  utils::put_into(bytes, value);
+  return bytes;
+}
+
+template <class Value>
+void expect_broadcast(const Value& value) {
+  on_ranks(3, [&](ranks::Group& group) {
+    if (group.rank() == 0) {
+      ranks::broadcast_out(group, value);
+      return;
+    }
+    Value received;
+    ranks::broadcast_in(group, received);
+    EXPECT_TRUE(bytes_of(received) == bytes_of(value)) << group.rank();
+  });
+}
+
+}  // namespace
+
+TEST(ValuesOfRanks, ABroadcastCaseIsTheCase) {
+  const support::TemporaryFolder folder;
+  for (const bool sediments : {false, true}) {
+    const cases::Case contents = support::basin({.sediments = sediments}, folder);
+    EXPECT_GT(bytes_of(contents).size(), 10000U);
+    expect_broadcast(contents);
+  }
+}
+
+TEST(ValuesOfRanks, ABroadcastTakesAnyNumberOfBlocks) {
+  const std::size_t in_a_block = ranks::BroadcastSink::block / sizeof(double);
+  for (const std::size_t count : {std::size_t{0}, in_a_block - 1, in_a_block, 3 * in_a_block + 5}) {
+    std::vector<double> values(count);  // behind their number, which is as long as one of them
+    std::iota(values.begin(), values.end(), 0.5);
+    expect_broadcast(values);
+  }
+}
+
+TEST(ValuesOfRanks, AValueIsSentToOneRank) {
+  on_ranks(3, [](ranks::Group& group) {
+    const std::string text = "for rank ";
+    if (group.rank() == 0) {
+      for (const int other : {1, 2}) ranks::send_value(group, text + std::to_string(other), other);
+    } else {
+      EXPECT_EQ(ranks::receive_value<std::string>(group, 0), text + std::to_string(group.rank()));
+    }
+  });
+}
+
+TEST(ValuesOfRanks, TheFirstRanksAreAGroupOfTheirOwn) {
+  on_ranks(5, [](ranks::Group& group) {
+    for (const int members : {2, 5, 3}) {
+      const auto first = group.first(members);
+      EXPECT_EQ(first != nullptr, group.rank() < members);
+      if (!first) continue;
+      EXPECT_EQ(first->size(), members);
+      EXPECT_EQ(first->rank(), group.rank());
+      int number = group.rank() == 0 ? 7 : 0;
+      ranks::broadcast_plain(*first, number);
+      EXPECT_EQ(number, 7);
+    }
+  });
+}
