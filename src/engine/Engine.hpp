@@ -84,6 +84,9 @@ class Engine {
   /// the rank that owns the cell. `place` is then the number of the cell in the case.
   const std::optional<NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
 
+  /// Whether that is told of the last step, on any rank.
+  bool any_rank_was_not_hyperbolic() const { return agreed_.not_hyperbolic != HUGE_VAL; }
+
   const Tables& tables() const { return tables_; }
   int threads() const { return backend_->threads(); }
   const char* instruction_set() const { return backend_->instruction_set(); }

@@ -37,11 +37,13 @@ struct UnseenDepth {
   double taken_discharge = 0.0;  ///< sizes of what bounds of draining films took, m2/s
 };
 
-/// What the steps run on: the name of the path, its threads, and its instruction set.
+/// What the steps run on: the name of the path, the threads of each rank, the instruction set of
+/// the first rank, and how many ranks there are.
 struct ExecutionPath {
   const char* name;
   int threads;
   const char* instruction_set;
+  int ranks = 1;
 };
 
 /// What the rule of the time step takes for cells without water.

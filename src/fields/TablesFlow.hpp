@@ -8,6 +8,7 @@
 #include "case/Diagnostics.hpp"
 #include "engine/Engine.hpp"
 #include "fields/Flow.hpp"
+#include "fields/TableFields.hpp"
 
 namespace fields {
 
@@ -23,10 +24,12 @@ class TablesFlow : public Flow {
   double stable_step(double t) override { return engine_.stable_step(t); }
   double advance(const StepTimes& times) override;
 
-  void read(Field field, std::span<double> values) const override;
+  void read(Field field, std::span<double> values) const override { fields_.read(field, values); }
   void read(Field field, std::span<const cases::Number> cells,
-            std::span<double> values) const override;
-  CellState state(cases::Number cell) const override;
+            std::span<double> values) const override {
+    fields_.read(field, cells, values);
+  }
+  CellState state(cases::Number cell) const override { return fields_.state(cell); }
   FlowSurvey survey() const override;
   ExecutionPath execution_path() const override;
 
@@ -47,13 +50,10 @@ class TablesFlow : public Flow {
   engine::Engine& engine() { return engine_; }
 
  private:
-  /// The column that holds a field; null: all cells have what the case says, or 0.
-  const engine::Column* column_of(Field field) const;
-  double of_maxima(Field field, cases::Number cell) const;
-
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;
-  mutable engine::Engine engine_;  ///< its threads read columns too
+  mutable engine::Engine engine_;
+  TableFields fields_;
 };
 
 }  // namespace fields

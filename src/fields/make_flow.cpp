@@ -5,6 +5,7 @@
 
 #include "fields/HllFlow.hpp"
 #include "fields/ObjectsFlow.hpp"
+#include "fields/missing_threads.hpp"
 
 namespace fields {
 
@@ -16,6 +17,11 @@ std::unique_ptr<Flow> make_walk(const cases::Case& contents) {
   return std::make_unique<ObjectsFlow>(contents);
 }
 
+bool has_several_ranks(const cases::Case& contents, const FlowRequest& request) {
+  const ranks::Group* const group = request.ranks.group;
+  return group != nullptr && group->size() > 1 && contents.mesh.n_cells() > 1;
+}
+
 }  // namespace
 
 std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
@@ -24,11 +30,7 @@ std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
   const int wanted = engine::threads_for(contents.mesh.n_cells(), request.most_threads);
   auto flow =
       std::make_unique<TablesFlow>(contents, diagnostics, wanted, 0, request.instruction_set);
-  const int got = flow->execution_path().threads;
-  if (got != wanted) {
-    diagnostics.warn("the system gives " + std::to_string(got) + " of " + std::to_string(wanted) +
-                     " threads: the run is slower, its results stay the same.");
-  }
+  warn_of_missing_threads(flow->execution_path().threads, wanted, diagnostics);
   return flow;
 }
 
@@ -41,6 +43,10 @@ std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics&
   }
   if (path == "objects") return make_walk(contents);
   try {
+    if (has_several_ranks(contents, request)) {
+      return std::make_unique<RanksFlow>(contents, diagnostics, request.ranks, request.most_threads,
+                                         request.instruction_set);
+    }
     return make_tables_flow(contents, diagnostics, request);
   } catch (const std::length_error&) {  // more edges of a cell than the tables can number
     if (path.empty()) return make_walk(contents);

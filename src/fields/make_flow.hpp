@@ -7,6 +7,7 @@
 
 #include "case/Case.hpp"
 #include "case/Diagnostics.hpp"
+#include "fields/RanksFlow.hpp"
 #include "fields/TablesFlow.hpp"
 
 namespace fields {
@@ -16,7 +17,8 @@ struct FlowRequest {
                           ///< tables have no room for a cell
   /// Of the tables: baseline, avx2 or avx512; without one the best of this machine.
   std::optional<std::string> instruction_set = {};
-  int most_threads = 0;  ///< of the tables; 0: one per core. A small mesh takes fewer.
+  int most_threads = 0;     ///< of the tables; 0: one per core. A small mesh takes fewer.
+  RanksRequest ranks = {};  ///< of the tables; the objects run on one rank, and the others wait
 };
 
 /// The flow of a case, which must outlive it, at its start. On objects there can be one flow in a

@@ -258,6 +258,7 @@ json RunReport::wall_times() const {
 json RunReport::execution() const {
   const fields::ExecutionPath path = flow_->execution_path();
   json result = {{"path", path.name},
+                 {"ranks", path.ranks},
                  {"threads", path.threads},
                  {"instruction_set", path.instruction_set},
                  {"flux_scheme", cases::kind_of(case_->scheme).name},

@@ -28,7 +28,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"model", {"physics", "case", "interfaces", "sources", "globals", "utils"}},
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},
-    {"fields", {"physics", "case", "engine", "model", "globals", "utils"}},
+    {"fields", {"physics", "case", "engine", "model", "ranks", "globals", "utils"}},
     {"output", {"physics", "case", "fields", "utils"}},
     {"report", {"physics", "case", "fields", "utils"}},
     {"checkpoint", {"physics", "case", "fields", "output", "utils"}},

@@ -10,6 +10,7 @@
 #include "engine/Engine.hpp"
 #include "ranks/cut_along_curve.hpp"
 #include "ranks/share_of.hpp"
+#include "ranks/uneven_parts.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/basin.hpp"
 
@@ -66,23 +67,6 @@ class PartsOfCourse : public testing::Test {
       shares.push_back(ranks::share_of(mesh, cells, rank, rings));
     }
     return shares;
-  }
-
-  /// Parts along the curve, of which each has a third more cells than the one before or so.
-  static std::vector<std::vector<Number>> uneven_parts(const cases::Mesh& mesh, int count) {
-    constexpr int pieces_of_all = 60;
-    const auto pieces = ranks::cut_along_curve(mesh, pieces_of_all);
-    std::vector<std::vector<Number>> parts(at(count));
-    double weight = 1.0, total = 0.0;
-    std::vector<double> ends;
-    for (int part = 0; part < count; ++part, weight *= 1.33) ends.push_back(total += weight);
-    std::size_t part = 0;
-    for (std::size_t k = 0; k < pieces.size(); ++k) {
-      while (static_cast<double>(k) >= ends[part] / total * pieces_of_all) ++part;
-      parts[part].insert(parts[part].end(), pieces[k].begin(), pieces[k].end());
-    }
-    for (std::vector<Number>& cells : parts) std::sort(cells.begin(), cells.end());
-    return parts;
   }
 
   static std::vector<double> entries_of(const std::vector<double>& column,

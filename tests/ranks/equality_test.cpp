@@ -3,7 +3,7 @@
 
 #include <random>
 
-#include "ranks/DelayedExchange.hpp"
+#include "ranks/DelayedGroup.hpp"
 #include "ranks/RanksInProcess.hpp"
 
 using namespace test_ranks;

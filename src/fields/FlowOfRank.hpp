@@ -1,0 +1,116 @@
+// The part of a flow that one of several ranks computes, and what all of them do together for the
+// whole flow.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "case/Case.hpp"
+#include "engine/Engine.hpp"
+#include "fields/Flow.hpp"
+#include "fields/TableFields.hpp"
+#include "ranks/Group.hpp"
+
+namespace fields {
+
+/// How the ranks share a case.
+struct RanksPlan {
+  std::vector<ranks::Cells> cells;  ///< of every rank
+  int threads = 1;                  ///< of each
+  std::optional<std::string> instruction_set = {};
+
+  /// For utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.cells, self.threads, self.instruction_set);
+  }
+};
+
+/// What became of the start of a rank.
+struct RankStart {
+  enum class Outcome { good, no_room_in_tables, failed };
+  Outcome outcome = Outcome::good;
+  std::string trouble = {};
+  int threads = 0;  ///< that the system gave
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.outcome, self.trouble, self.threads);
+  }
+};
+
+/// Every function is called on all ranks, in the same order. What it reads of the flow is there on
+/// rank 0; cells and boundaries are those of the whole case.
+class FlowOfRank {
+ public:
+  /// Case and group must outlive it. Where any rank could not start there is no flow on any, see
+  /// start().
+  FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group);
+
+  /// On rank 0 the worst of all ranks, with the fewest threads; elsewhere only its outcome.
+  const RankStart& start() const { return start_; }
+
+  // What engine::Engine does together.
+  double stable_step(double t) { return engine_->stable_step(t); }
+  /// `wishes_stop`: this rank asks that the run ends after the step.
+  double advance(const StepTimes& times, bool wishes_stop);
+  /// Whether any rank asked so in the last step.
+  bool stop_is_wished() const { return engine_->wishes().stop; }
+  void keep_maxima(double arrival_depth) { engine_->keep_maxima(arrival_depth); }
+  void note_maxima(double t) { engine_->note_maxima(t); }
+  void watch() { engine_->watch(case_.t_start); }
+
+  // What rank 0 gathers; the others give nothing to be filled.
+  void read(Field field, std::span<double> values);
+  void read(Field field, std::span<const cases::Number> cells, std::span<double> values);
+  CellState state(cases::Number cell);
+  void read_inflows(std::vector<BoundaryInflow>& inflows);
+  void save(engine::State& state);
+  void save_notes(engine::SavedNotes& notes);
+  /// On rank 0: where the last step was not hyperbolic, if that is to be told.
+  const std::optional<engine::NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
+
+  // What rank 0 hands out; it is not looked at on the others.
+  void load(const engine::State& state);
+  void load_notes(const engine::SavedNotes& notes);
+
+  /// Whether this rank computes a cell; on rank 0 without asking the others.
+  bool owns(cases::Number cell) const;
+  const engine::Engine& engine() const { return *engine_; }
+
+ private:
+  bool is_first() const { return group_.rank() == 0; }
+  RankStart start_engine(const RanksPlan& plan, engine::Subset subset);
+  /// Makes one start of those of all ranks.
+  void agree_on_start();
+  void list_boundaries(const std::vector<int>& owners);
+  void gather_not_hyperbolic();
+  /// Values of the own cells, put into those of all on rank 0.
+  void gather(std::span<const double> own, std::span<double> all);
+  template <class Value>
+  void gather_parts(const Value& own, Value& all);
+  template <class Value>
+  Value own_part_of(const Value& all);
+
+  const cases::Case& case_;
+  ranks::Group& group_;
+  std::unique_ptr<engine::Exchange> exchange_;
+  std::unique_ptr<engine::Engine> engine_;
+  std::unique_ptr<TableFields> fields_;
+  RankStart start_;
+  std::optional<engine::NotHyperbolic> not_hyperbolic_;
+
+  std::vector<std::vector<int>> boundaries_;  ///< of the cells of every rank
+  // On rank 0.
+  std::vector<ranks::Cells> cells_;  ///< of every rank
+  std::vector<int> owners_;          ///< of the cells
+
+  // Kept for their memory.
+  std::vector<double> own_values_, received_;
+  engine::State own_state_;
+};
+
+}  // namespace fields

@@ -1,0 +1,282 @@
+#include "fields/RanksFlow.hpp"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "fields/flow_survey.hpp"
+#include "fields/missing_threads.hpp"
+#include "ranks/values.hpp"
+#include "utils/not_hyperbolic.hpp"
+
+namespace fields {
+
+using cases::at;
+using cases::Number;
+
+namespace {
+
+/// What rank 0 calls all ranks for: a flow that the first of them make, or the end.
+struct Call {
+  int members = 0;  ///< of a flow; 0: the end
+  int number = 0;   ///< of the end
+};
+
+enum class Task {
+  stable_step,
+  advance,
+  keep_maxima,
+  note_maxima,
+  watch,
+  read,
+  read_some,
+  state,
+  read_inflows,
+  save,
+  save_notes,
+  load,
+  load_notes,
+  end
+};
+
+/// What the ranks of a flow do next, with what it takes.
+struct Order {
+  Task task;
+  Field field = Field::depth;
+  Number number = 0;  ///< a cell, or how many
+  double value = 0.0;
+  StepTimes times = {};
+};
+
+void tell(ranks::Group& group, Order order) { ranks::broadcast_plain(group, order); }
+
+void read_some(FlowOfRank& part, ranks::Group& group, const Order& order) {
+  std::vector<Number> cells(at(order.number));
+  group.broadcast(std::as_writable_bytes(std::span(cells)));
+  part.read(order.field, cells, {});
+}
+
+/// Does what rank 0 orders until it ends the flow.
+void serve_flow(FlowOfRank& part, ranks::Group& group,
+                const std::function<bool()>& is_interrupted) {
+  std::vector<BoundaryInflow> no_inflows;
+  engine::State no_state;
+  engine::SavedNotes no_notes;
+  while (true) {
+    Order order{};
+    ranks::broadcast_plain(group, order);
+    switch (order.task) {
+      case Task::stable_step:
+        part.stable_step(order.value);
+        break;
+      case Task::advance:
+        part.advance(order.times, is_interrupted());
+        break;
+      case Task::keep_maxima:
+        part.keep_maxima(order.value);
+        break;
+      case Task::note_maxima:
+        part.note_maxima(order.value);
+        break;
+      case Task::watch:
+        part.watch();
+        break;
+      case Task::read:
+        part.read(order.field, {});
+        break;
+      case Task::read_some:
+        read_some(part, group, order);
+        break;
+      case Task::state:
+        part.state(order.number);
+        break;
+      case Task::read_inflows:
+        part.read_inflows(no_inflows);
+        break;
+      case Task::save:
+        part.save(no_state);
+        break;
+      case Task::save_notes:
+        part.save_notes(no_notes);
+        break;
+      case Task::load:
+        part.load(no_state);
+        break;
+      case Task::load_notes:
+        part.load_notes(no_notes);
+        break;
+      case Task::end:
+        return;
+    }
+  }
+}
+
+/// Takes part in the next flow.
+void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interrupted) {
+  RanksPlan plan;
+  cases::Case contents;
+  ranks::broadcast_in(group, plan);
+  ranks::broadcast_in(group, contents);
+  FlowOfRank part(contents, plan, group);
+  if (part.start().outcome == RankStart::Outcome::good) serve_flow(part, group, is_interrupted);
+}
+
+}  // namespace
+
+int serve(ranks::Group& group, const std::function<bool()>& is_interrupted) {
+  while (true) {
+    Call call;
+    ranks::broadcast_plain(group, call);
+    if (call.members == 0) return call.number;
+    const auto members = group.first(call.members);
+    if (members) serve_next_flow(*members, is_interrupted);
+  }
+}
+
+void end_service(ranks::Group& group, int number) {
+  Call call{0, number};
+  ranks::broadcast_plain(group, call);
+}
+
+RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
+                     const RanksRequest& request, int most_threads,
+                     const std::optional<std::string>& instruction_set)
+    : case_(contents), diagnostics_(diagnostics), on_stop_(request.on_stop) {
+  RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, instruction_set};
+  const auto members = static_cast<int>(plan.cells.size());
+  plan.threads = engine::threads_for(contents.mesh.n_cells() / members,
+                                     most_threads > 0 ? most_threads : request.group->cores());
+  Call call{members, 0};
+  ranks::broadcast_plain(*request.group, call);
+  group_ = request.group->first(members);
+  ranks::broadcast_out(*group_, plan);
+  ranks::broadcast_out(*group_, contents);
+  part_ = std::make_unique<FlowOfRank>(contents, plan, *group_);
+  const RankStart& start = part_->start();
+  switch (start.outcome) {
+    case RankStart::Outcome::no_room_in_tables:
+      throw std::length_error(start.trouble);
+    case RankStart::Outcome::failed:
+      throw std::runtime_error(start.trouble);
+    case RankStart::Outcome::good:
+      break;
+  }
+  warn_of_missing_threads(start.threads, plan.threads, diagnostics);
+}
+
+RanksFlow::~RanksFlow() { tell(*group_, {Task::end}); }
+
+FlowScales RanksFlow::scales() const {
+  const engine::Tables& tables = part_->engine().tables();
+  return {tables.h0, tables.char_length_min};
+}
+
+double RanksFlow::stable_step(double t) {
+  tell(*group_, {.task = Task::stable_step, .value = t});
+  return part_->stable_step(t);
+}
+
+double RanksFlow::advance(const StepTimes& times) {
+  gathered_ = {};
+  tell(*group_, {.task = Task::advance, .times = times});
+  const double step = part_->advance(times, false);
+  if (const auto& found = part_->not_hyperbolic()) {
+    diagnostics_.warn(utils::not_hyperbolic(found->place, times.t, found->h, found->qx, found->qy));
+  }
+  if (part_->stop_is_wished() && on_stop_) on_stop_();
+  return step;
+}
+
+void RanksFlow::keep_maxima(double arrival_depth) {
+  tell(*group_, {.task = Task::keep_maxima, .value = arrival_depth});
+  part_->keep_maxima(arrival_depth);
+}
+
+void RanksFlow::note_maxima(double t) {
+  tell(*group_, {.task = Task::note_maxima, .value = t});
+  part_->note_maxima(t);
+}
+
+void RanksFlow::watch() {
+  tell(*group_, {Task::watch});
+  part_->watch();
+}
+
+void RanksFlow::read(Field field, std::span<double> values) const {
+  tell(*group_, {Task::read, field});
+  part_->read(field, values);
+}
+
+void RanksFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
+  tell(*group_, {Task::read_some, field, static_cast<Number>(cells.size())});
+  std::vector<Number> sent(cells.begin(), cells.end());
+  group_->broadcast(std::as_writable_bytes(std::span(sent)));
+  part_->read(field, cells, values);
+}
+
+CellState RanksFlow::state(Number cell) const {
+  if (!part_->owns(cell)) tell(*group_, {.task = Task::state, .number = cell});
+  return part_->state(cell);
+}
+
+FlowSurvey RanksFlow::survey() const {
+  const std::size_t n_cells = at(case_.mesh.n_cells());
+  std::vector<double> h(n_cells), qx(n_cells), qy(n_cells);
+  read(Field::depth, h);
+  read(Field::discharge_x, qx);
+  read(Field::discharge_y, qy);
+  const auto state_of = [&](Number cell) {
+    const std::size_t i = at(cell);
+    return SurveyedState{h[i], qx[i], qy[i], physics::depth_terms(h[i], case_.zero_depth)};
+  };
+  return survey_flow(case_.mesh.n_cells(), case_.zero_depth, state_of, state_of, [&](Number cell) {
+    const physics::SpacePoint center = case_.mesh.center_of(cell);
+    return physics::PlanPoint{center.x, center.y};
+  });
+}
+
+ExecutionPath RanksFlow::execution_path() const {
+  return {"tables", part_->start().threads, part_->engine().instruction_set(), group_->size()};
+}
+
+UnseenDepth RanksFlow::unseen_depth(Number cell) const {
+  if (!gathered_.notes) save_notes(gathered_.notes.emplace());
+  const engine::SavedNotes& notes = *gathered_.notes;
+  const auto value = [&](const std::vector<double>& column) {
+    return column.empty() ? 0.0 : column[at(cell)];
+  };
+  return {value(notes.recovered), value(notes.lifted), value(notes.taken_discharge)};
+}
+
+BoundaryInflow RanksFlow::boundary_inflow(int boundary) const {
+  if (!gathered_.inflows) {
+    tell(*group_, {Task::read_inflows});
+    part_->read_inflows(gathered_.inflows.emplace());
+  }
+  return (*gathered_.inflows)[at(boundary)];
+}
+
+void RanksFlow::save(engine::State& state) const {
+  tell(*group_, {Task::save});
+  part_->save(state);
+}
+
+void RanksFlow::load(const engine::State& state) {
+  gathered_ = {};
+  tell(*group_, {Task::load});
+  part_->load(state);
+}
+
+void RanksFlow::save_notes(engine::SavedNotes& notes) const {
+  tell(*group_, {Task::save_notes});
+  part_->save_notes(notes);
+}
+
+void RanksFlow::load_notes(const engine::SavedNotes& notes) {
+  gathered_ = {};
+  tell(*group_, {Task::load_notes});
+  part_->load_notes(notes);
+}
+
+}  // namespace fields

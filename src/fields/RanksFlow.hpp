@@ -1,0 +1,81 @@
+// The flow of a case that several ranks compute. Rank 0 runs the program and has the flow; the
+// others serve: they do what it asks of them, step by step, and know nothing of outputs.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "case/Diagnostics.hpp"
+#include "fields/FlowOfRank.hpp"
+#include "ranks/cut_along_curve.hpp"
+
+namespace fields {
+
+/// The ranks that share a flow.
+struct RanksRequest {
+  ranks::Group* group = nullptr;  ///< this is rank 0 of it; null: there is one rank
+  /// The cells of every rank.
+  std::function<std::vector<ranks::Cells>(const cases::Mesh& mesh, int ranks)> cut =
+      ranks::cut_along_curve;
+  /// Called after a step in which another rank was asked to end the run.
+  std::function<void()> on_stop = {};
+};
+
+class RanksFlow : public Flow {
+ public:
+  /// On rank 0, while the others serve; more ranks than cells take no part. Case, diagnostics and
+  /// group must outlive it. Throws as TablesFlow does, and std::runtime_error where a rank cannot
+  /// start. `most_threads` of each rank; 0: as many as it has cores.
+  RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
+            const RanksRequest& request, int most_threads,
+            const std::optional<std::string>& instruction_set);
+  ~RanksFlow() override;
+
+  FlowScales scales() const override;
+  double stable_step(double t) override;
+  double advance(const StepTimes& times) override;
+
+  void read(Field field, std::span<double> values) const override;
+  void read(Field field, std::span<const cases::Number> cells,
+            std::span<double> values) const override;
+  CellState state(cases::Number cell) const override;
+  FlowSurvey survey() const override;
+  ExecutionPath execution_path() const override;
+
+  void keep_maxima(double arrival_depth) override;
+  void note_maxima(double t) override;
+
+  void watch() override;
+  const physics::StepNotes& notes() const override { return part_->engine().notes(); }
+  UnseenDepth unseen_depth(cases::Number cell) const override;
+  BoundaryInflow boundary_inflow(int boundary) const override;
+
+  void save(engine::State& state) const override;
+  void load(const engine::State& state) override;
+  void save_notes(engine::SavedNotes& notes) const override;
+  void load_notes(const engine::SavedNotes& notes) override;
+
+ private:
+  struct Gathered {
+    std::optional<std::vector<BoundaryInflow>> inflows;
+    std::optional<engine::SavedNotes> notes;
+  };
+
+  const cases::Case& case_;
+  cases::Diagnostics& diagnostics_;
+  std::function<void()> on_stop_;
+  std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
+  std::unique_ptr<FlowOfRank> part_;
+  mutable Gathered gathered_;  ///< since the last step
+};
+
+/// On a rank that is not rank 0: takes part in the flows that rank 0 makes, until that ends the
+/// service; answers the number that it ends with. `is_interrupted` is asked in every step: whether
+/// this process was asked to end.
+int serve(ranks::Group& group, const std::function<bool()>& is_interrupted);
+/// On rank 0, without a flow.
+void end_service(ranks::Group& group, int number);
+
+}  // namespace fields

@@ -1,0 +1,135 @@
+// Runs on several ranks, which are threads of this process, leave the files of a run on one, byte
+// for byte: results, report, log, console and checkpoints.
+#include <thread>
+
+#include "checkpoint/RestartTest.hpp"
+#include "fields/RanksFlow.hpp"
+#include "ranks/DelayedGroup.hpp"
+#include "ranks/InProcess.hpp"
+#include "ranks/uneven_parts.hpp"
+
+using namespace test_restart;
+
+namespace {
+
+class RunOnRanks : public Restart {
+ protected:
+  struct Ranks {
+    int count;
+    bool is_uneven = false, is_late = false;
+  };
+
+  long run_on(const Ranks& how, const support::TemporaryFolder& folder,
+              std::optional<long> stop = {}, int threads = 1) {
+    ranks::InProcess job(how.count);
+    const auto group_of = [&](int rank) -> std::unique_ptr<ranks::Group> {
+      auto group = job.group(rank);
+      if (!how.is_late) return group;
+      return std::make_unique<test_ranks::DelayedGroup>(std::move(group), 5);
+    };
+    std::vector<std::thread> others;
+    for (int rank = 1; rank < how.count; ++rank) {
+      others.emplace_back(
+          [&, rank] { EXPECT_EQ(fields::serve(*group_of(rank), [] { return false; }), 7); });
+    }
+    const auto group = group_of(0);
+    fields::FlowRequest machine{.most_threads = threads};
+    machine.ranks.group = group.get();
+    if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
+    const long steps = run(folder, stop, machine);
+    fields::end_service(*group, 7);
+    for (std::thread& other : others) other.join();
+    return steps;
+  }
+
+  /// All files, checkpoints and log among them, but for what tells calls apart.
+  static std::map<std::string, std::string> all_of(const support::TemporaryFolder& folder) {
+    std::map<std::string, std::string> files = files_of(folder);
+    files.at("report.json") = results_of(folder).at("report.json");
+    return files;
+  }
+  static nlohmann::json execution_in(const support::TemporaryFolder& folder) {
+    return nlohmann::json::parse(folder.read("report.json")).at("execution");
+  }
+
+  void expect_the_same_on_ranks(const Case& c) {
+    const support::TemporaryFolder alone;
+    c.write(alone);
+    const long steps = run(alone, {}, {});
+    EXPECT_GT(steps, 50);
+    const auto expected = all_of(alone);
+    ASSERT_TRUE(expected.count("kept.a"));
+    for (const Ranks& how : {Ranks{1}, Ranks{2}, Ranks{3, true}, Ranks{5, false, true}, Ranks{7}}) {
+      const support::TemporaryFolder folder;
+      c.write(folder);
+      EXPECT_EQ(run_on(how, folder), steps);
+      EXPECT_EQ(execution_in(folder).at("ranks"), how.count);
+      const auto files = all_of(folder);
+      ASSERT_EQ(files.size(), expected.size());
+      for (const auto& [name, text] : expected) {
+        EXPECT_TRUE(files.at(name) == text) << name << " on " << how.count << " ranks";
+      }
+    }
+  }
+};
+
+}  // namespace
+
+TEST_F(RunOnRanks, OfWaterWithEverythingLeavesTheSameFiles) {
+  expect_the_same_on_ranks(water_case());
+}
+
+TEST_F(RunOnRanks, OfSandWithEverythingLeavesTheSameFiles) {
+  expect_the_same_on_ranks(sand_case());
+}
+
+TEST_F(RunOnRanks, OfThePositiveSchemesLeavesTheSameFiles) {
+  for (const char* const scheme : {"HLL2", "HLL1"}) {
+    Case c = water_case();
+    c.data["model"]["flux scheme"] = scheme;
+    expect_the_same_on_ranks(c);
+  }
+  Case sand = sand_case();
+  sand.data["model"]["flux scheme"] = "HLL1";
+  expect_the_same_on_ranks(sand);
+}
+
+TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {
+  for (Case c : {water_case(), sand_case()}) {
+    run_whole(c);
+    struct Calls {
+      long stop;
+      Ranks first, second;
+    };
+    for (const Calls& calls : {Calls{0, {3}, {2}}, Calls{30, {2}, {3}}, Calls{61, {5, true}, {1}},
+                               Calls{44, {1}, {4, true}}}) {
+      const support::TemporaryFolder folder;
+      c.write(folder);
+      EXPECT_EQ(run_on(calls.first, folder, calls.stop), calls.stop);
+      EXPECT_EQ(run_on(calls.second, folder), steps_);
+      expect_whole_results(folder, "stopped at step " + std::to_string(calls.stop));
+    }
+  }
+}
+
+TEST_F(RunOnRanks, GoesOnOnTheObjectsAndFromThem) {
+  const Case c = sand_case();
+  run_whole(c);
+  const support::TemporaryFolder folder;
+  c.write(folder);
+  run_on({3}, folder, 25);
+  run(folder, 50, {.path = "objects"});
+  run_on({2}, folder);
+  expect_whole_results(folder, "on ranks, objects and ranks");
+}
+
+TEST_F(RunOnRanks, LeavesRanksWithoutCellsOut) {
+  Case c = support::full_case(1, 1);  // of two cells
+  const support::TemporaryFolder alone, folder;
+  c.write(alone);
+  c.write(folder);
+  run(alone, {}, {});
+  run_on({5}, folder);
+  EXPECT_EQ(execution_in(folder).at("ranks"), 2);
+  EXPECT_EQ(all_of(folder), all_of(alone));
+}
