@@ -145,8 +145,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
     : case_(contents), diagnostics_(diagnostics), on_stop_(request.on_stop) {
   RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, instruction_set};
   const auto members = static_cast<int>(plan.cells.size());
-  plan.threads = engine::threads_for(contents.mesh.n_cells() / members,
-                                     most_threads > 0 ? most_threads : request.group->cores());
+  plan.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
   ranks::broadcast_plain(*request.group, call);
   group_ = request.group->first(members);

@@ -27,7 +27,7 @@ class RanksFlow : public Flow {
  public:
   /// On rank 0, while the others serve; more ranks than cells take no part. Case, diagnostics and
   /// group must outlive it. Throws as TablesFlow does, and std::runtime_error where a rank cannot
-  /// start. `most_threads` of each rank; 0: as many as it has cores.
+  /// start. `most_threads` of each rank, as in FlowRequest.
   RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
             const RanksRequest& request, int most_threads,
             const std::optional<std::string>& instruction_set);

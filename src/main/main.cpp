@@ -1,6 +1,7 @@
-// Start-up of a run.
+// A call of the program: its options, its log, its run and its end.
 #include <algorithm>
 #include <cctype>
+#include <csignal>
 #include <ctime>
 #include <fstream>
 #include <iostream>
@@ -17,6 +18,7 @@
 #include "domain/Domain.hpp"
 #include "main/credits.hpp"
 #include "main/environment.hpp"
+#include "main/program.hpp"
 #include "main/usage.hpp"
 #include "report/RunReport.hpp"
 #include "utils/InputParser.hpp"
@@ -121,6 +123,14 @@ struct Program {
   std::optional<checkpoint::Request> checkpoints = {};
   std::optional<RestartRequest> restart = {};
   std::optional<Domain> domain = {};
+  ranks::Group* group = nullptr;     ///< of the ranks that share the run; null: there is one
+  bool other_rank_is_ended = false;  ///< by a signal that did not come here
+
+  /// The signal that ends the run; 0: it goes on.
+  int interrupting_signal() const {
+    const int own = utils::interrupting_signal();
+    return own == 0 && other_rank_is_ended ? SIGTERM : own;
+  }
 
   /// Whether files may be written: not before a run that goes on is sure that it can.
   bool may_write() const { return !restart || domain; }
@@ -172,14 +182,15 @@ void close_log(Program& program) {
   utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
 }
 
-/// The signals, streams and memory of the process: nothing of theirs may end it without a word, or
-/// in the middle of a result.
-void secure_process() {
-  utils::open_standard_streams();
-  utils::let_writes_fail();
-  utils::end_between_lines();
-  utils::end_where_memory_is_missing();
-  utils::return_large_blocks();
+/// What the environment asks for, on the ranks that there are.
+fields::FlowRequest flow_request_of(Program& program) {
+  fields::FlowRequest request = flow_request_of_environment();
+  request.ranks.group = program.group;
+  if (program.group != nullptr && request.most_threads <= 0) {
+    request.most_threads = program.group->cores();
+  }
+  request.ranks.on_stop = [&program] { program.other_rank_is_ended = true; };
+  return request;
 }
 
 /// Answers the exit status.
@@ -194,7 +205,7 @@ int run(Program& program, const std::string& data_file) {
 
   const RunSettings settings{.log = log,
                              .console = program.console,
-                             .flow = flow_request_of_environment(),
+                             .flow = flow_request_of(program),
                              .progress = program.progress ? &*program.progress : nullptr,
                              .report = program.report ? &*program.report : nullptr,
                              .checkpoints = program.checkpoints ? &*program.checkpoints : nullptr,
@@ -205,14 +216,14 @@ int run(Program& program, const std::string& data_file) {
 
   const std::time_t start = std::time(nullptr);
   utils::listen_for_interruption();
-  domain.Update([] { return utils::interrupting_signal() == 0; });
+  domain.Update([&program] { return program.interrupting_signal() == 0; });
   const std::time_t end = std::time(nullptr);
   utils::write_and_display(
       log, program.console,
       "Total execution time: " + std::to_string(static_cast<long>(end - start)) + " sec. for " +
           std::to_string(whole_seconds(domain.simulated())) + " sec. of simulation.\n");
   close_log(program);
-  return domain.is_complete() ? 0 : 128 + utils::interrupting_signal();
+  return domain.is_complete() ? 0 : 128 + program.interrupting_signal();
 }
 
 /// Exit status of a call that only writes to the console.
@@ -259,9 +270,17 @@ std::string beyond_memory(const std::exception& error) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  secure_process();
+void secure_process() {
+  utils::open_standard_streams();
+  utils::let_writes_fail();
+  utils::end_between_lines();
+  utils::end_where_memory_is_missing();
+  utils::return_large_blocks();
+}
+
+int call_program(int argc, char** argv, ranks::Group* group) {
   Program program;
+  program.group = group;
   try {
     return serve(program, utils::InputParser(argc, argv));
   } catch (const utils::FatalError& error) {

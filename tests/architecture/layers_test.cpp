@@ -34,7 +34,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"checkpoint", {"physics", "case", "fields", "output", "utils"}},
     {"domain", {"physics", "case", "fields", "output", "report", "checkpoint", "utils"}},
     {"library", {"physics", "case", "fields", "quillmere", "utils"}},
-    {"main", {"case", "fields", "checkpoint", "domain", "report", "utils"}}};
+    {"main", {"case", "fields", "ranks", "checkpoint", "domain", "report", "utils"}}};
 
 std::string without_comments(const std::string& text) {
   return std::regex_replace(text, std::regex("//[^\n]*"), "");

@@ -10,7 +10,7 @@ namespace {
 using cases::Number;
 using engine::at;
 
-constexpr int tag = 1;
+constexpr int tag_of_halos = 1;
 
 int count_of(const std::vector<MPI_Request>& requests) { return static_cast<int>(requests.size()); }
 
@@ -40,8 +40,8 @@ void MpiExchange::make_requests(int columns) {
   const auto add = [&](auto make, std::vector<double>& values, std::size_t cells, int neighbour,
                        std::vector<MPI_Request>& requests) {
     values.resize(cells * at(columns));
-    make(values.data(), static_cast<int>(values.size()), MPI_DOUBLE, neighbour, tag, communicator_,
-         &requests.emplace_back());
+    make(values.data(), static_cast<int>(values.size()), MPI_DOUBLE, neighbour, tag_of_halos,
+         communicator_, &requests.emplace_back());
   };
   for (Neighbour& n : neighbours_) {
     add(MPI_Recv_init, n.received, n.halo.received.size(), n.halo.neighbour, receives_);
