@@ -3,6 +3,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "ranks/mpi/wait.hpp"
+
 namespace ranks {
 
 namespace {
@@ -66,7 +68,7 @@ void MpiExchange::start_halo(engine::Tables& tables) {
 
 void MpiExchange::finish_halo(engine::Tables& tables) {
   if (neighbours_.empty()) return;
-  MPI_Waitall(count_of(receives_), receives_.data(), MPI_STATUSES_IGNORE);
+  wait_for(receives_);
   for (const Neighbour& neighbour : neighbours_) {
     auto value = neighbour.received.begin();
     engine::for_each_halo_column(tables.cells, [&](engine::Column& column) {
@@ -75,7 +77,7 @@ void MpiExchange::finish_halo(engine::Tables& tables) {
       }
     });
   }
-  MPI_Waitall(count_of(sends_), sends_.data(), MPI_STATUSES_IGNORE);
+  wait_for(sends_);
 }
 
 void MpiExchange::start_minimum(const engine::StepMinimum& own) {
@@ -86,7 +88,7 @@ void MpiExchange::start_minimum(const engine::StepMinimum& own) {
 }
 
 engine::StepMinimum MpiExchange::finish_minimum() {
-  MPI_Wait(&minimum_, MPI_STATUS_IGNORE);
+  wait_for(minimum_);
   return {agreed_[0], agreed_[1], agreed_[2], agreed_[3]};
 }
 

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "ranks/mpi/MpiExchange.hpp"
+#include "ranks/mpi/wait.hpp"
 
 namespace ranks {
 
@@ -82,19 +83,25 @@ int MpiGroup::size() const {
 
 void MpiGroup::broadcast(std::span<std::byte> bytes) {
   for_each_piece(bytes, [this](std::byte* begin, int count) {
-    MPI_Bcast(begin, count, MPI_BYTE, 0, communicator_);
+    MPI_Request request = MPI_REQUEST_NULL;
+    MPI_Ibcast(begin, count, MPI_BYTE, 0, communicator_, &request);
+    wait_for(request);
   });
 }
 
 void MpiGroup::send(std::span<const std::byte> bytes, int to) {
   for_each_piece(bytes, [&](const std::byte* begin, int count) {
-    MPI_Send(begin, count, MPI_BYTE, to, tag_of_bytes, communicator_);
+    MPI_Request request = MPI_REQUEST_NULL;
+    MPI_Isend(begin, count, MPI_BYTE, to, tag_of_bytes, communicator_, &request);
+    wait_for(request);
   });
 }
 
 void MpiGroup::receive(std::span<std::byte> bytes, int from) {
   for_each_piece(bytes, [&](std::byte* begin, int count) {
-    MPI_Recv(begin, count, MPI_BYTE, from, tag_of_bytes, communicator_, MPI_STATUS_IGNORE);
+    MPI_Request request = MPI_REQUEST_NULL;
+    MPI_Irecv(begin, count, MPI_BYTE, from, tag_of_bytes, communicator_, &request);
+    wait_for(request);
   });
 }
 

@@ -1,0 +1,326 @@
+// The program over processes of an MPI job: the files of one process, one message for what is
+// wrong, and one end for all.
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <functional>
+#include <memory>
+
+#include "checkpoint/RestartTest.hpp"
+#include "support/left_behind.hpp"
+
+namespace {
+
+using support::Case;
+using support::comes_true;
+using support::contains;
+using support::lines;
+using support::occurrences;
+using support::RunningProgram;
+using support::RunResult;
+using support::TemporaryFolder;
+using Words = std::vector<std::string>;
+
+/// The environment of a job, by which its processes are found.
+constexpr const char* mark = "QUILLMERE_TEST_JOB";
+
+class MpiRuns : public testing::Test {
+ protected:
+  /// Lets Open MPI start more ranks than cores, for any user.
+  static void SetUpTestSuite() {
+    for (const char* const name :
+         {"OMPI_ALLOW_RUN_AS_ROOT", "OMPI_ALLOW_RUN_AS_ROOT_CONFIRM",
+          "OMPI_MCA_rmaps_base_oversubscribe", "OMPI_MCA_mpi_yield_when_idle"}) {
+      setenv(name, "1", 1);
+    }
+  }
+
+  static RunResult alone(const TemporaryFolder& folder, const Words& more = {}) {
+    return support::run_program(folder.path(), with({"-f", "data.json", "-nodisplay"}, more));
+  }
+  static Words job_of(int ranks, const Words& words) {
+    return with({"-n", std::to_string(ranks), QUILLMERE_MPI_PROGRAM}, words);
+  }
+  static support::RunOptions by_mpiexec() { return {.program = MPIEXEC}; }
+  static RunResult on(int ranks, const TemporaryFolder& folder, const Words& more = {}) {
+    return support::run_program(
+        folder.path(), job_of(ranks, with({"-f", "data.json", "-nodisplay"}, more)), by_mpiexec());
+  }
+  static Words with(Words words, const Words& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+  }
+
+  /// All files but for what tells calls apart.
+  static std::map<std::string, std::string> all_of(const TemporaryFolder& folder) {
+    std::map<std::string, std::string> files = files_of(folder);
+    if (!files.count("report.json")) return files;
+    nlohmann::json report = nlohmann::json::parse(files.at("report.json"));
+    report.erase("wall_time");
+    report.erase("execution");
+    files.at("report.json") = report.dump(1);
+    return files;
+  }
+  static int ranks_in_report(const TemporaryFolder& folder) {
+    return nlohmann::json::parse(folder.read("report.json")).at("execution").at("ranks");
+  }
+
+  template <class Prepare>
+  static void expect_the_files_of_one_process(const Prepare& prepare,
+                                              const std::vector<int>& numbers) {
+    const Words words = {"--report", "report.json", "--checkpoint", "kept"};
+    const TemporaryFolder one;
+    prepare(one);
+    const RunResult expected = alone(one, words);
+    ASSERT_EQ(expected.status, 0) << expected.err;
+    const auto expected_files = all_of(one);
+    for (const int ranks : numbers) {
+      const TemporaryFolder folder;
+      prepare(folder);
+      const RunResult result = on(ranks, folder, words);
+      EXPECT_EQ(result.status, 0) << result.err;
+      EXPECT_EQ(result.out, expected.out);
+      EXPECT_EQ(result.err, expected.err);
+      EXPECT_EQ(ranks_in_report(folder), ranks);
+      const auto files = all_of(folder);
+      ASSERT_EQ(files.size(), expected_files.size());
+      for (const auto& [name, text] : expected_files) {
+        EXPECT_TRUE(files.at(name) == text) << name << " on " << ranks << " ranks";
+      }
+    }
+  }
+
+  static std::size_t rows_of(const TemporaryFolder& folder, const std::string& file) {
+    return folder.has(file) ? lines(folder.read(file)).size() : 0;
+  }
+};
+
+/// A run that lasts until something ends it.
+class LongMpiRun : public MpiRuns {
+ protected:
+  LongMpiRun() {
+    c.data["output"]["time step enveloppe of results"] = 0.01;
+    c.add_sections({c.edges_across(10)}, 1e-9);
+    setenv(mark, folder.path().c_str(), 1);
+  }
+  ~LongMpiRun() override { unsetenv(mark); }
+
+  std::unique_ptr<RunningProgram> start(int ranks, const Words& more = {}) {
+    Case endless = c;
+    endless.set_times(0.0, 1e6);
+    endless.write(folder);
+    auto program = std::make_unique<RunningProgram>(
+        folder.path(), job_of(ranks, with({"-f", "data.json", "-nodisplay"}, more)), by_mpiexec());
+    EXPECT_TRUE(comes_true([&] { return rows_of(folder, "sections.txt") > 100; }));
+    return program;
+  }
+  bool has_left_processes() const {
+    return !support::processes_with(std::string(mark) + "=" + folder.path()).empty();
+  }
+  /// The process that is a rank of the job.
+  pid_t process_of(int rank) const {
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+      const std::string environment = zeros_to_lines(entry.path() / "environ");
+      const std::string command = zeros_to_lines(entry.path() / "cmdline");
+      if (!support::starts_with(command, QUILLMERE_MPI_PROGRAM "\n")) continue;
+      if (!contains(environment, std::string(mark) + "=" + folder.path() + "\n")) continue;
+      const std::string is_rank = "RANK=" + std::to_string(rank) + "\n";
+      if (contains(environment, "\nOMPI_COMM_WORLD_" + is_rank) ||
+          contains(environment, "\nPMI_" + is_rank)) {
+        return std::stoi(entry.path().filename());
+      }
+    }
+    return -1;
+  }
+  static std::string zeros_to_lines(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    std::string text(std::istreambuf_iterator<char>(stream), {});
+    std::replace(text.begin(), text.end(), '\0', '\n');
+    return text;
+  }
+  void expect_whole_results() const {
+    EXPECT_EQ(rows_of(folder, "out/enveloppe.txt"), static_cast<std::size_t>(c.n_cells()));
+    EXPECT_EQ(rows_of(folder, "out/pic_0_00.txt"), static_cast<std::size_t>(c.n_cells()) + 1);
+  }
+
+  TemporaryFolder folder;
+  Case c = support::full_case(30, 20);
+};
+
+}  // namespace
+
+TEST_F(MpiRuns, OfWaterWithEverythingLeaveTheFilesOfOneProcess) {
+  expect_the_files_of_one_process(
+      [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {1, 2, 4});
+}
+
+TEST_F(MpiRuns, OfSandWithEverythingLeaveTheFilesOfOneProcess) {
+  expect_the_files_of_one_process(
+      [](const TemporaryFolder& folder) { test_restart::sand_case().write(folder); }, {3});
+}
+
+TEST_F(MpiRuns, OfThePositiveSchemesLeaveTheFilesOfOneProcess) {
+  for (const char* const scheme : {"HLL1", "HLL2"}) {
+    expect_the_files_of_one_process(
+        [&](const TemporaryFolder& folder) {
+          Case c = scheme == std::string("HLL1") ? test_restart::sand_case()
+                                                 : test_restart::water_case();
+          c.data["model"]["flux scheme"] = scheme;
+          c.write(folder);
+        },
+        {2});
+  }
+}
+
+TEST_F(MpiRuns, OfTheExamplesLeaveTheFilesOfOneProcess) {
+  const std::filesystem::path examples = std::filesystem::path(QUILLMERE_SOURCE_DIR) / "examples";
+  for (const char* const name :
+       {"flume_dam_break", "lake_at_rest", "meandering_valley", "sand_bed_dam_break"}) {
+    SCOPED_TRACE(name);
+    expect_the_files_of_one_process(
+        [&](const TemporaryFolder& folder) {
+          for (const auto& file : std::filesystem::directory_iterator(examples / name)) {
+            if (file.is_regular_file()) std::filesystem::copy(file, folder.path());
+          }
+          std::filesystem::create_directory(folder.file("out"));
+          nlohmann::json data = nlohmann::json::parse(folder.read("data.json"));
+          data["tend"] = 0.1 * data["tend"].get<double>();
+          folder.write("data.json", data.dump());
+        },
+        {2});
+  }
+}
+
+TEST_F(MpiRuns, SayWhatIsWrongOnceAndEndWithTheStatusOfOneProcess) {
+  const auto expect_same_end = [](const std::function<void(Case&)>& spoil, const Words& more) {
+    Case c;
+    spoil(c);
+    const TemporaryFolder one, folder;
+    c.write(one);
+    c.write(folder);
+    const RunResult expected = alone(one, more), result = on(3, folder, more);
+    EXPECT_NE(expected.status, 0);
+    EXPECT_EQ(result.status, expected.status) << result.err;
+    EXPECT_EQ(result.out, expected.out);
+    if (!expected.err.empty()) {
+      EXPECT_EQ(occurrences(result.err, expected.err), 1) << result.err;
+    }
+    EXPECT_EQ(all_of(folder), all_of(one));
+  };
+  expect_same_end([](Case& c) { c.files["nodes.txt"] = "three\n"; }, {});
+  expect_same_end([](Case& c) { c.add_infiltration("1\n1 Sponge 1\n", c.per_cell("1")); }, {});
+  expect_same_end([](Case& c) { c.data.erase("tend"); }, {"--report", "report.json"});
+  expect_same_end([](Case&) {}, {"--restart", "nothing"});
+  expect_same_end(
+      [](Case& c) {  // collapses in the middle
+        c.west = "-33 surge.txt";
+        c.files["surge.txt"] = "2\n0 -0.1\n0.5 -1e14\n";
+        c.set_times(0.0, 100.0);
+      },
+      {"--report", "report.json"});
+}
+
+TEST_F(MpiRuns, AnswerQuestionsOnce) {
+  const TemporaryFolder folder;
+  const RunResult version =
+      support::run_program(folder.path(), job_of(3, {"--version"}), by_mpiexec());
+  EXPECT_EQ(version.status, 0);
+  EXPECT_EQ(version.out, support::run_program(folder.path(), {"--version"}).out);
+}
+
+TEST_F(MpiRuns, EndOnAllRanksWhereTheDiskIsFull) {
+  Case c = support::full_case();
+  c.set_times(0.0, 1000.0);  // far more than is computed
+  const TemporaryFolder folder;
+  c.write(folder);
+  std::filesystem::create_symlink("/dev/full", folder.file("out/enveloppe.txt"));
+  const RunResult result = on(3, folder);
+  EXPECT_EQ(result.status, 255);
+  EXPECT_EQ(occurrences(result.err,
+                        "Error. The file out/enveloppe.txt couldn't be written "
+                        "completely: No space left on device.\n"),
+            1)
+      << result.err;
+}
+
+TEST_F(MpiRuns, GoOnFromACheckpointOnAnotherNumberOfRanks) {
+  struct Call {
+    double t_end;
+    int ranks;  ///< 0: without MPI
+  };
+  // The same calls as on one process: not one call, as bursts of rain know the end of their run.
+  const auto results_of_calls = [](const std::vector<Call>& calls) {
+    const TemporaryFolder folder;
+    Words words = {"--report", "report.json", "--checkpoint", "kept"};
+    for (const Call& call : calls) {
+      Case c = test_restart::water_case();
+      c.set_times(0.0, call.t_end);
+      c.write(folder);
+      const RunResult result =
+          call.ranks > 0 ? on(call.ranks, folder, words) : alone(folder, words);
+      EXPECT_EQ(result.status, 0) << result.err;
+      if (&call == &calls.front()) words = with(words, {"--restart", "kept"});
+    }
+    return all_of(folder);
+  };
+  const auto expected = results_of_calls({{0.5, 0}, {1.2, 0}, {2.1, 0}, {3.0, 0}});
+  const auto results = results_of_calls({{0.5, 2}, {1.2, 3}, {2.1, 0}, {3.0, 2}});
+  ASSERT_EQ(results.size(), expected.size());
+  for (const auto& [name, text] : expected) EXPECT_TRUE(results.at(name) == text) << name;
+}
+
+TEST_F(LongMpiRun, EndsAfterItsStepWhenMpiexecIsAsked) {
+  const auto program = start(3, {"--checkpoint", "kept"});
+  program->send(SIGTERM);
+  const RunResult result = program->wait();
+  EXPECT_NE(result.status, 0);
+  EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
+  EXPECT_EQ(occurrences(folder.read("log.txt"), "Simulation interrupted at t = "), 1);
+  expect_whole_results();
+
+  const std::size_t rows = rows_of(folder, "sections.txt");
+  const TemporaryFolder whole;
+  c.set_times(0.0, 1e6);
+  std::filesystem::copy(
+      folder.path(), whole.path(),
+      std::filesystem::copy_options::recursive | std::filesystem::copy_options::overwrite_existing);
+  setenv(mark, whole.path().c_str(), 1);
+  RunningProgram second(whole.path(),
+                        job_of(2, {"-f", "data.json", "-nodisplay", "--restart", "kept"}),
+                        by_mpiexec());
+  EXPECT_TRUE(comes_true([&] { return rows_of(whole, "sections.txt") > rows + 10; }));
+}
+
+TEST_F(LongMpiRun, EndsWhenAnyOfItsRanksIsAsked) {
+  const auto program = start(3);
+  const pid_t process = process_of(2);
+  ASSERT_GT(process, 0);
+  kill(process, SIGTERM);
+  const RunResult result = program->wait();
+  EXPECT_EQ(result.status, 128 + SIGTERM) << result.err;
+  EXPECT_EQ(occurrences(result.err, "The run was interrupted at t = "), 1) << result.err;
+  expect_whole_results();
+}
+
+TEST_F(LongMpiRun, KeepsACheckpointWhenMpiexecIsAsked) {
+  const auto program = start(2, {"--checkpoint", "kept"});
+  EXPECT_FALSE(folder.has("kept.a"));
+  program->send(SIGUSR1);
+  EXPECT_TRUE(comes_true([&] { return folder.has("kept.a"); }));
+  EXPECT_TRUE(program->is_running());
+}
+
+TEST_F(LongMpiRun, EndsOnAllRanksWhenOneIsKilled) {
+  for (const int rank : {0, 2}) {
+    const auto program = start(3);
+    const pid_t process = process_of(rank);
+    ASSERT_GT(process, 0);
+    kill(process, SIGKILL);
+    const RunResult result = program->wait();
+    EXPECT_NE(result.status, 0);
+    EXPECT_FALSE(result.timed_out);
+    EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
+    expect_whole_results();
+    std::filesystem::remove(folder.file("sections.txt"));
+  }
+}
