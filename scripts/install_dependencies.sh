@@ -13,7 +13,7 @@ Groups:
   test        GoogleTest, numpy, and what reads exported files back
   coverage    gcovr
   python      what the Python module is built and packaged with
-  mpi         Open MPI and MPICH, for the tests of ranks that are processes
+  mpi         Open MPI and MPICH, for quillmere-mpi and its tests
   fuzz        Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
   validation  numpy and matplotlib for /usr/bin/python3

@@ -220,6 +220,15 @@ TEST_F(MpiRuns, SayWhatIsWrongOnceAndEndWithTheStatusOfOneProcess) {
       {"--report", "report.json"});
 }
 
+TEST_F(MpiRuns, AreNoMatterOfTheProgramForOneProcess) {
+  const auto names_mpi = [](const char* program) {
+    std::ifstream file(program, std::ios::binary);
+    return contains({std::istreambuf_iterator<char>(file), {}}, "MPI_Init");
+  };
+  EXPECT_FALSE(names_mpi(QUILLMERE_PROGRAM));
+  EXPECT_TRUE(names_mpi(QUILLMERE_MPI_PROGRAM));
+}
+
 TEST_F(MpiRuns, AnswerQuestionsOnce) {
   const TemporaryFolder folder;
   const RunResult version =
