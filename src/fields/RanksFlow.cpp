@@ -119,6 +119,7 @@ void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interr
   ranks::broadcast_in(group, plan);
   ranks::broadcast_in(group, contents);
   FlowOfRank part(contents, plan, group);
+  plan.cells = {};  // the lists of all ranks are as long as the mesh
   if (part.start().outcome == RankStart::Outcome::good) serve_flow(part, group, is_interrupted);
 }
 

@@ -1,11 +1,8 @@
 // Runs on several ranks, which are threads of this process, leave the files of a run on one, byte
 // for byte: results, report, log, console and checkpoints.
-#include <thread>
-
 #include "checkpoint/RestartTest.hpp"
-#include "fields/RanksFlow.hpp"
 #include "ranks/DelayedGroup.hpp"
-#include "ranks/InProcess.hpp"
+#include "ranks/as_first_of.hpp"
 #include "ranks/uneven_parts.hpp"
 
 using namespace test_restart;
@@ -21,24 +18,19 @@ class RunOnRanks : public Restart {
 
   long run_on(const Ranks& how, const support::TemporaryFolder& folder,
               std::optional<long> stop = {}, int threads = 1) {
-    ranks::InProcess job(how.count);
-    const auto group_of = [&](int rank) -> std::unique_ptr<ranks::Group> {
-      auto group = job.group(rank);
-      if (!how.is_late) return group;
-      return std::make_unique<test_ranks::DelayedGroup>(std::move(group), 5);
-    };
-    std::vector<std::thread> others;
-    for (int rank = 1; rank < how.count; ++rank) {
-      others.emplace_back(
-          [&, rank] { EXPECT_EQ(fields::serve(*group_of(rank), [] { return false; }), 7); });
+    test_ranks::OtherRanks others{how.count};
+    if (how.is_late) {
+      others.changed = [](std::unique_ptr<ranks::Group> group) -> std::unique_ptr<ranks::Group> {
+        return std::make_unique<test_ranks::DelayedGroup>(std::move(group), 5);
+      };
     }
-    const auto group = group_of(0);
-    fields::FlowRequest machine{.most_threads = threads};
-    machine.ranks.group = group.get();
-    if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
-    const long steps = run(folder, stop, machine);
-    fields::end_service(*group, 7);
-    for (std::thread& other : others) other.join();
+    long steps = 0;
+    test_ranks::as_first_of(others, [&](ranks::Group& group) {
+      fields::FlowRequest machine{.most_threads = threads};
+      machine.ranks.group = &group;
+      if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
+      steps = run(folder, stop, machine);
+    });
     return steps;
   }
 

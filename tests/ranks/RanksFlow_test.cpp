@@ -1,0 +1,142 @@
+// The flow of several ranks as rank 0 has it: what concerns them all, and how it begins.
+#include "fields/RanksFlow.hpp"
+
+#include <atomic>
+
+#include "fields/make_flow.hpp"
+#include "ranks/PartsOfCourse.hpp"
+#include "ranks/as_first_of.hpp"
+#include "support/RunGlobals.hpp"
+#include "support/Told.hpp"
+#include "support/polygon_mesh.hpp"
+
+using namespace test_ranks;
+
+namespace {
+
+class RanksFlow : public PartsOfCourse {
+ protected:
+  fields::FlowRequest on(ranks::Group& group) {
+    fields::FlowRequest request{.most_threads = 1};
+    request.ranks.group = &group;
+    request.ranks.on_stop = [this] { ++stops_; };
+    return request;
+  }
+
+  /// Adds a triangle between walls, beside everything else.
+  static void add_island(cases::Mesh& mesh) {
+    const Number first = mesh.n_nodes(), cell = mesh.n_cells();
+    for (const physics::PlanPoint point : {physics::PlanPoint{5.0, 0.0}, {6.0, 0.0}, {5.0, 1.0}}) {
+      mesh.x.push_back(point.x);
+      mesh.y.push_back(point.y);
+      mesh.z.push_back(0.0);
+    }
+    const Number nodes[] = {first, first + 1, first + 2};
+    mesh.add_cell(nodes);
+    for (const int side : {0, 1, 2}) {
+      mesh.boundaries.push_back({mesh.n_edges(), edge_code::wall, 0.0, -1});
+      mesh.left.push_back(cell);
+      mesh.right.push_back(-1);
+      mesh.node1.push_back(nodes[side]);
+      mesh.node2.push_back(nodes[(side + 1) % 3]);
+    }
+  }
+
+  support::Told told_;
+  int stops_ = 0;
+};
+
+}  // namespace
+
+TEST_F(RanksFlow, TellsOnceThatTheSystemIsNotHyperbolicWhereverThatIs) {
+  const cases::Case contents = basin({.sediments = true});
+  engine::State state;
+  const auto alone = fields::make_flow(contents, told_);
+  alone->save(state);
+  for (const std::size_t cell : {20, 300, 700}) {
+    engine::State odd = state;
+    odd.h[cell] = odd.eta[cell] = 0.5;
+    odd.dqs_dh[cell] = 1e3;
+    told_.warnings.clear();
+    const auto reference = fields::make_flow(contents, told_);
+    reference->load(odd);
+    reference->advance({0.0, 0.0, t_end, 1e-4});
+    const std::vector<std::string> expected = told_.warnings;
+    ASSERT_EQ(expected.size(), 1U);
+    as_first_of({3}, [&](ranks::Group& group) {
+      told_.warnings.clear();
+      const auto flow = fields::make_flow(contents, told_, on(group));
+      flow->load(odd);
+      for (int step = 0; step < 3; ++step) flow->advance({0.0, 0.0, t_end, 1e-4});
+      EXPECT_EQ(told_.warnings, expected);
+      EXPECT_EQ(flow->execution_path().ranks, 3);
+    });
+  }
+}
+
+TEST_F(RanksFlow, HearsAfterAStepThatAnotherRankWasAskedToEnd) {
+  const cases::Case contents = basin({});
+  std::atomic<bool> is_asked = false;
+  as_first_of({3, [&] { return is_asked.load(); }}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    flow->advance({0.0, 0.0, t_end, 1e-4});
+    EXPECT_EQ(stops_, 0);
+    is_asked = true;
+    flow->advance({0.0, 0.0, t_end, 1e-4});
+    EXPECT_EQ(stops_, 1);
+  });
+}
+
+TEST_F(RanksFlow, SurveysAllCells) {
+  cases::Case contents = basin({.soils = false, .mostly_dry = true});
+  for (const bool is_lost : {false, true}) {
+    if (is_lost) contents.fields.qx[500] = HUGE_VAL;
+    const fields::FlowSurvey expected = fields::make_flow(contents, told_)->survey();
+    as_first_of({3}, [&](ranks::Group& group) {
+      const fields::FlowSurvey survey = fields::make_flow(contents, told_, on(group))->survey();
+      EXPECT_EQ(survey.wet_cells, expected.wet_cells);
+      EXPECT_EQ(survey.largest_speed, expected.largest_speed);
+      EXPECT_EQ(survey.not_finite, expected.not_finite);
+      EXPECT_EQ(survey.a_cell_not_finite, expected.a_cell_not_finite);
+    });
+  }
+}
+
+TEST_F(RanksFlow, RunsOnTheObjectsWhereTheTablesOfAnyRankHaveNoRoom) {
+  cases::Case contents;
+  contents.mesh = support::polygon_mesh(66000);
+  add_island(contents.mesh);
+  contents.zero_depth = 1e-3;
+  contents.t_end = 1.0;
+  contents.fields.level = {1.0, 1.0};
+  contents.fields.qx = contents.fields.qy = {0.0, 0.0};
+  const support::RunGlobals globals(1e-3);  // objects set them
+  as_first_of({2}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    EXPECT_EQ(flow->execution_path().name, std::string("objects"));
+    EXPECT_EQ(flow->execution_path().ranks, 1);
+  });
+}
+
+TEST_F(RanksFlow, SaysWhyARankCannotStart) {
+  const cases::Case contents = basin({});
+  as_first_of({3}, [&](ranks::Group& group) {
+    fields::FlowRequest request = on(group);
+    request.instruction_set = "abacus";
+    std::string why_alone, why;
+    try {
+      fields::make_flow(contents, told_, {.instruction_set = "abacus"});
+    } catch (const std::runtime_error& error) {
+      why_alone = error.what();
+    }
+    try {
+      fields::make_flow(contents, told_, request);
+    } catch (const std::runtime_error& error) {
+      why = error.what();
+    }
+    EXPECT_EQ(why, why_alone);
+    EXPECT_NE(why, "");
+    // They are ready for another one.
+    EXPECT_EQ(fields::make_flow(contents, told_, on(group))->execution_path().ranks, 3);
+  });
+}
