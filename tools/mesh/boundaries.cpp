@@ -6,9 +6,10 @@
 #include <cmath>
 #include <set>
 
-#include "case/read_series.hpp"
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/series_table.hpp"
+#include "mesh/units.hpp"
 #include "support/Error.hpp"
 #include "utils/counted.hpp"
 #include "utils/number_text.hpp"
@@ -53,8 +54,11 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
     boundary.is_given = true;
     boundary.kind = request.kind;
     boundary.value = request.value;
+    boundary.is_total = request.is_total;
     if (request.kind->has_series()) {
-      boundary.series = cases::read_series(request.file);
+      ImposedSeries imposed = read_boundary_series(request.file, *request.kind);
+      boundary.series = std::move(imposed.series);
+      boundary.is_total = imposed.is_total;
       boundary.series.file = series_name(request.name, file_names);
       boundary.value = boundary.series.values.front();
     }
@@ -97,10 +101,12 @@ std::string right_aligned(const std::string& text, std::size_t width) {
 std::string first_value(const Boundary& boundary) {
   if (boundary.kind->imposes_level()) return shown(boundary.value) + " m";
   if (!boundary.kind->imposes_discharge()) return "-";
-  const std::string text = shown(boundary.value) + " m2/s";
+  const std::string text = shown(boundary.value) + (boundary.is_total ? " m3/s" : " m2/s");
   if (boundary.value == 0.0) return text;
+  const std::string way = boundary.value < 0.0 ? "in" : "out";
+  if (boundary.is_total) return text + " (" + way + ")";
   const double total = std::abs(boundary.value * boundary.length);
-  return text + " (" + shown(total) + " m3/s " + (boundary.value < 0.0 ? "in" : "out") + ")";
+  return text + " (" + shown(total) + " m3/s " + way + ")";
 }
 
 /// How the command line writes a kind, as in "level:V".
@@ -115,6 +121,20 @@ std::string form_of(const cases::BoundaryKind& kind) {
       return name + ":FILE";
   }
   return name;
+}
+
+/// Takes a value with its unit; false where it is none of the kind's.
+bool set_value(const std::string& text, BoundaryRequest& request) {
+  const auto measured = parse_measured(text);
+  if (!measured) return false;
+  request.value = measured->value;
+  if (measured->unit.empty()) return true;
+  const auto unit = parse_unit(measured->unit);
+  if (!unit) return false;
+  request.value *= unit->in_si;
+  request.is_total = unit->quantity == Quantity::discharge;
+  if (request.kind->imposes_level()) return unit->quantity == Quantity::length;
+  return request.is_total || unit->quantity == Quantity::unit_discharge;
 }
 
 }  // namespace
@@ -148,10 +168,9 @@ BoundaryRequest parse_boundary(const std::string& text) {
       if (colon != std::string::npos) refuse("nothing after \"" + kind + "\"");
       break;
     case Argument::value:
-      if (const auto value = utils::parse_finite_number(argument)) {
-        request.value = *value;
-      } else {
-        refuse("a number after \"" + kind + ":\"");
+      if (!set_value(argument, request)) {
+        refuse("a number after \"" + kind + ":\", " +
+               (request.kind->imposes_level() ? "in m" : "in m2/s, or in m3/s as in -40m3/s"));
       }
       break;
     case Argument::series:

@@ -16,8 +16,9 @@ namespace mesh_import {
 struct BoundaryRequest {
   std::string name;
   const cases::BoundaryKind* kind = nullptr;
-  double value = 0.0;  // of a discharge (m2/s) or a level (m)
-  std::string file;    // of its series, to be copied into the case
+  double value = 0.0;     // of a discharge (m2/s) or a level (m)
+  bool is_total = false;  // whether it is the discharge of the whole boundary, m3/s
+  std::string file;       // of its series, to be copied into the case
 };
 
 /// The kinds of a model as the command line writes them, as in "wall or level:V".
@@ -30,8 +31,9 @@ struct Boundary {
   std::string name;  // of the line; empty for edges without a name
   bool is_given = false;
   const cases::BoundaryKind* kind = cases::boundary_kind("wall");
-  double value = 0.0;    // m2/s or m; the first one of a series
-  cases::Series series;  // without a name where there is none
+  double value = 0.0;     // m2/s or m; the first one of a series
+  bool is_total = false;  // whether values are discharges of the whole boundary, m3/s
+  cases::Series series;   // without a name where there is none
   int n_edges = 0;
   double length = 0.0;  // m
 };
@@ -39,6 +41,8 @@ struct Boundary {
 struct Boundaries {
   std::vector<Boundary> list;
   std::vector<int> of_edge;  // index into list, -1 for an interior edge
+  /// Of the edges of a total discharge: the part of it that a metre takes, 1/m.
+  std::vector<double> share_of_edge;
 };
 
 /// Every boundary edge gets the boundary of its line; a line that no request names, and edges

@@ -29,7 +29,7 @@ constexpr char examples[] = R"(Examples:
       --boundary inflow=hydrograph:flood.txt --boundary outflow=transmissive
   quillmere-mesh import basin.geo basin --level reservoir=100 --section gate
   quillmere-mesh import river.2dm river --friction 0.06 --friction channel=0.03 \
-      --boundary 1=discharge:-2.5 --boundary 2=level:10
+      --boundary 1=discharge:-40m3/s --boundary 2=level:10
   cd valley && quillmere -f data.json
 
 )";
@@ -58,8 +58,9 @@ void check_folder(const ImportOptions& options) {
 /// Whatever is wrong usage is refused before a file is read.
 void import_case(const ImportOptions& options, std::ostream& out) {
   check_usage(options);
-  std::vector<BoundaryRequest> requests;
-  for (const auto& text : options.boundaries) requests.push_back(parse_boundary(text));
+  BoundaryRequests requests;
+  for (const auto& text : options.boundaries) requests.conditions.push_back(parse_boundary(text));
+  for (const auto& text : options.spreads) requests.spreads.push_back(parse_spread(text));
   Case contents;
   for (const auto& text : options.gauges) contents.gauges.push_back(parse_point("--gauge", text));
   if (!options.origin.empty()) contents.origin = parse_point("--origin", options.origin);

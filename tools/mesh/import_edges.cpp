@@ -62,12 +62,14 @@ void tell_section(const Section& section, const std::vector<Edge>& edges,
 
 }  // namespace
 
-void import_edges(const ImportOptions& options, const std::vector<BoundaryRequest>& requests,
-                  Case& contents, std::ostream& out) {
+void import_edges(const ImportOptions& options, const BoundaryRequests& requests, Case& contents,
+                  std::ostream& out) {
   contents.edges = make_edges(contents.mesh);
   const EdgeIndex index(contents.edges, contents.mesh.nodes.size());
-  contents.boundaries = assign_boundaries(contents.mesh, contents.edges, index, requests);
+  contents.boundaries =
+      assign_boundaries(contents.mesh, contents.edges, index, requests.conditions);
   check_sediment_boundaries(contents);
+  spread_discharges(requests.spreads, contents, out);
   const std::vector<bool> is_fixed = set_sections(options.sections, index, contents);
   const std::vector<double> bed = bed_of_cells(contents);
   const int n_turned = turn_edges_uphill(contents.edges, bed, is_fixed);

@@ -7,13 +7,20 @@
 #include "mesh/boundaries.hpp"
 #include "mesh/case_writer.hpp"
 #include "mesh/import_options.hpp"
+#include "mesh/spread.hpp"
 
 namespace mesh_import {
+
+/// What is asked for on named boundary lines.
+struct BoundaryRequests {
+  std::vector<BoundaryRequest> conditions;
+  std::vector<SpreadRequest> spreads;
+};
 
 /// Makes the edges of `contents.mesh`, which has its fields already, and gives those on the
 /// boundary their conditions. The normals of the edges of a section point in its direction; all
 /// other edges name the lower cell first. Throws tools::Error.
-void import_edges(const ImportOptions& options, const std::vector<BoundaryRequest>& requests,
-                  Case& contents, std::ostream& out);
+void import_edges(const ImportOptions& options, const BoundaryRequests& requests, Case& contents,
+                  std::ostream& out);
 
 }  // namespace mesh_import

@@ -66,7 +66,11 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("VALUE");
   repeated("--boundary", options.boundaries, "NAME=KIND",
            "Condition on a named line: " + forms_of_boundaries() +
-               "; discharges in m2/s, an inflow is negative. Lines not given are walls");
+               "; discharges in m2/s, or of the whole line as in -40m3/s, an inflow is negative. A "
+               "FILE with titles names its units. Lines not given are walls");
+  repeated("--spread", options.spreads, "NAME=LEVEL|even",
+           "How a discharge in m3/s is spread over the edges of its line: by the conveyance of "
+           "water up to a level, or evenly; otherwise by that of the initial water");
   repeated("--section", options.sections, "NAME[=reversed]",
            "Record the discharge through a named inner line");
   repeated("--gauge", options.gauges, "X,Y",

@@ -20,7 +20,7 @@ struct ImportOptions {
   std::optional<double> merge_distance;
   std::optional<int> epsg;  // coordinate reference system of the mesh
   std::optional<double> fill;
-  std::vector<std::string> boundaries;
+  std::vector<std::string> boundaries, spreads;
   std::vector<std::string> friction, level, bed, sediment, rain, soil;
   std::string hyetograms, soils;
   std::vector<std::string> sections;
