@@ -36,6 +36,8 @@ struct Boundary {
   cases::Series series;   // without a name where there is none
   int n_edges = 0;
   double length = 0.0;  // m
+
+  bool lets_water_pass() const { return kind->code != edge_code::wall && n_edges > 0; }
 };
 
 struct Boundaries {

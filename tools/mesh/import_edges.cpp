@@ -78,6 +78,12 @@ void import_edges(const ImportOptions& options, const BoundaryRequests& requests
   for (const Section& section : contents.sections) {
     tell_section(section, contents.edges, bed, out);
   }
+  if (options.no_boundary_sections) return;
+  for (Section& section : boundary_sections(contents.mesh, contents.edges, contents.boundaries)) {
+    out << "The discharge along the boundary " << section.name
+        << " is recorded, positive where it leaves.\n";
+    contents.sections.push_back(std::move(section));
+  }
 }
 
 }  // namespace mesh_import

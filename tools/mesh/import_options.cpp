@@ -73,6 +73,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
            "water up to a level, or evenly; otherwise by that of the initial water");
   repeated("--section", options.sections, "NAME[=reversed]",
            "Record the discharge through a named inner line");
+  command.add_flag("--no-boundary-sections", options.no_boundary_sections,
+                   "Do not record the discharges along the boundaries that water passes");
   repeated("--gauge", options.gauges, "X,Y",
            "Record the flow at a point; otherwise one gauge stands in the lowest cell");
   const char* form = "[NAME=]VALUE";

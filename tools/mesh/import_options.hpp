@@ -34,6 +34,7 @@ struct ImportOptions {
   std::optional<double> end, interval, zero_depth;
   double courant = 0.9;
   std::string scheme;
+  bool no_boundary_sections = false;
   bool overwrite = false;
   bool allow_commands = false;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 #include <set>
+#include <utility>
 
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
@@ -84,6 +85,23 @@ class Chain {
   std::set<int> known_;
 };
 
+/// Adds an edge, whose normal points in the direction of the section.
+void add_edge(const Mesh& mesh, const Edge& edge, int number, Section& section) {
+  const Node& a = mesh.nodes[static_cast<std::size_t>(edge.node1)];
+  const Node& b = mesh.nodes[static_cast<std::size_t>(edge.node2)];
+  section.edges.push_back(number);
+  section.length += std::hypot(b.x - a.x, b.y - a.y);
+  section.nx += b.y - a.y;
+  section.ny += a.x - b.x;
+}
+
+void normalize(Section& section) {
+  const double norm = std::hypot(section.nx, section.ny);
+  if (!(norm > 0.0)) return;
+  section.nx /= norm;
+  section.ny /= norm;
+}
+
 }  // namespace
 
 Section make_section(const Mesh& mesh, std::vector<Edge>& edges, const EdgeIndex& index,
@@ -113,7 +131,9 @@ Section make_section(const Mesh& mesh, std::vector<Edge>& edges, const EdgeIndex
     if (piece.line != line) continue;
     const int edge = index.find(piece.node1, piece.node2);
     if (edge < 0) refuse(piece, "is no edge of a cell");
-    if (edges[static_cast<std::size_t>(edge)].is_boundary()) refuse(piece, "is on the boundary");
+    if (edges[static_cast<std::size_t>(edge)].is_boundary()) {
+      refuse(piece, "is on the boundary, which is recorded by itself where it is open");
+    }
     chain.add(piece, edge);
     is_empty = false;
   }
@@ -125,19 +145,29 @@ Section make_section(const Mesh& mesh, std::vector<Edge>& edges, const EdgeIndex
   for (const auto& step : steps) {
     Edge& edge = edges[static_cast<std::size_t>(step.edge)];
     if (edge.node1 != step.from) edge.turn();
-    section.edges.push_back(step.edge);
-    const Node& a = mesh.nodes[static_cast<std::size_t>(step.from)];
-    const Node& b = mesh.nodes[static_cast<std::size_t>(step.to)];
-    section.length += std::hypot(b.x - a.x, b.y - a.y);
-    section.nx += b.y - a.y;
-    section.ny += a.x - b.x;
+    add_edge(mesh, edge, step.edge, section);
   }
-  const double norm = std::hypot(section.nx, section.ny);
-  if (norm > 0.0) {
-    section.nx /= norm;
-    section.ny /= norm;
-  }
+  normalize(section);
   return section;
+}
+
+std::vector<Section> boundary_sections(const Mesh& mesh, const std::vector<Edge>& edges,
+                                       const Boundaries& boundaries) {
+  std::vector<Section> of_boundary(boundaries.list.size());
+  for (std::size_t i = 0; i < edges.size(); ++i) {
+    const int boundary = boundaries.of_edge[i];
+    if (boundary < 0) continue;
+    add_edge(mesh, edges[i], static_cast<int>(i), of_boundary[static_cast<std::size_t>(boundary)]);
+  }
+  std::vector<Section> sections;
+  for (std::size_t i = 0; i < of_boundary.size(); ++i) {
+    const Boundary& boundary = boundaries.list[i];
+    if (boundary.name.empty() || !boundary.lets_water_pass()) continue;
+    of_boundary[i].name = boundary.name;
+    normalize(of_boundary[i]);
+    sections.push_back(std::move(of_boundary[i]));
+  }
+  return sections;
 }
 
 }  // namespace mesh_import

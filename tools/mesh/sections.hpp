@@ -1,9 +1,10 @@
-// Sections through which discharges are recorded, from named inner lines.
+// Sections through which discharges are recorded, from named lines.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "mesh/boundaries.hpp"
 #include "mesh/edges.hpp"
 #include "mesh/mesh.hpp"
 
@@ -21,5 +22,10 @@ struct Section {
 /// is unknown, branches, has gaps, or touches the boundary.
 Section make_section(const Mesh& mesh, std::vector<Edge>& edges, const EdgeIndex& index,
                      const std::string& request);
+
+/// The sections along the boundaries that water passes, which have a name and are no walls; their
+/// discharge is positive where it leaves.
+std::vector<Section> boundary_sections(const Mesh& mesh, const std::vector<Edge>& edges,
+                                       const Boundaries& boundaries);
 
 }  // namespace mesh_import
