@@ -53,13 +53,14 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
     }
     boundary.is_given = true;
     boundary.kind = request.kind;
-    boundary.value = request.value;
+    boundary.value = request.value * request.sign;
     boundary.is_total = request.is_total;
     if (request.kind->has_series()) {
       ImposedSeries imposed = read_boundary_series(request.file, *request.kind);
       boundary.series = std::move(imposed.series);
       boundary.is_total = imposed.is_total;
       boundary.series.file = series_name(request.name, file_names);
+      for (double& value : boundary.series.values) value *= request.sign;
       boundary.value = boundary.series.values.front();
     }
   }
@@ -147,6 +148,29 @@ std::string forms_of_boundaries(bool with_sediments) {
   return utils::alternatives(forms);
 }
 
+std::optional<std::string> set_condition(const std::string& kind,
+                                         const std::optional<std::string>& argument,
+                                         BoundaryRequest& request) {
+  request.kind = cases::boundary_kind(kind);
+  if (request.kind == nullptr) return "one of the kinds " + forms_of_boundaries();
+  switch (request.kind->argument) {
+    case Argument::none:
+      if (argument) return "nothing after \"" + kind + "\"";
+      break;
+    case Argument::value:
+      if (!set_value(argument.value_or(""), request)) {
+        return "a number after \"" + kind + ":\", " +
+               (request.kind->imposes_level() ? "in m" : "in m2/s, or in m3/s as in -40m3/s");
+      }
+      break;
+    case Argument::series:
+      if (argument.value_or("").empty()) return "a file after \"" + kind + ":\"";
+      request.file = *argument;
+      break;
+  }
+  return std::nullopt;
+}
+
 BoundaryRequest parse_boundary(const std::string& text) {
   const auto refuse = [&text](const std::string& expected) {
     throw CLI::ValidationError("--boundary", "found \"" + text + "\", expected " + expected);
@@ -158,26 +182,11 @@ BoundaryRequest parse_boundary(const std::string& text) {
   BoundaryRequest request;
   request.name = text.substr(0, equals);
   const std::size_t colon = text.find(':', equals);
-  const std::string kind =
-      text.substr(equals + 1, colon == std::string::npos ? colon : colon - equals - 1);
-  const std::string argument = colon == std::string::npos ? "" : text.substr(colon + 1);
-  request.kind = cases::boundary_kind(kind);
-  if (request.kind == nullptr) refuse("one of the kinds " + forms_of_boundaries());
-  switch (request.kind->argument) {
-    case Argument::none:
-      if (colon != std::string::npos) refuse("nothing after \"" + kind + "\"");
-      break;
-    case Argument::value:
-      if (!set_value(argument, request)) {
-        refuse("a number after \"" + kind + ":\", " +
-               (request.kind->imposes_level() ? "in m" : "in m2/s, or in m3/s as in -40m3/s"));
-      }
-      break;
-    case Argument::series:
-      if (argument.empty()) refuse("a file after \"" + kind + ":\"");
-      request.file = argument;
-      break;
-  }
+  std::optional<std::string> argument;
+  if (colon != std::string::npos) argument = text.substr(colon + 1);
+  const auto expected =
+      set_condition(text.substr(equals + 1, colon - (equals + 1)), argument, request);
+  if (expected) refuse(*expected);
   return request;
 }
 

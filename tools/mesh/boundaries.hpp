@@ -19,6 +19,7 @@ struct BoundaryRequest {
   double value = 0.0;     // of a discharge (m2/s) or a level (m)
   bool is_total = false;  // whether it is the discharge of the whole boundary, m3/s
   std::string file;       // of its series, to be copied into the case
+  double sign = 1.0;      // -1 where positive discharges flow in
 };
 
 /// The kinds of a model as the command line writes them, as in "wall or level:V".
@@ -26,6 +27,11 @@ std::string forms_of_boundaries(bool with_sediments = false);
 
 /// Reads one; throws CLI::ValidationError (wrong usage).
 BoundaryRequest parse_boundary(const std::string& text);
+
+/// Sets the kind and its argument; answers what was expected in their place, none if all is well.
+std::optional<std::string> set_condition(const std::string& kind,
+                                         const std::optional<std::string>& argument,
+                                         BoundaryRequest& request);
 
 struct Boundary {
   std::string name;  // of the line; empty for edges without a name

@@ -8,6 +8,7 @@
 #include "case/write_case.hpp"
 #include "mesh/earlier_results.hpp"
 #include "mesh/numbers.hpp"
+#include "support/CaseNames.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
 #include "utils/counted.hpp"
@@ -135,13 +136,26 @@ cases::RunRequest request_of(const Case& imported) {
   run.snapshots = {all_as_written(imported.snapshots)};
   const double interval = as_written(imported.recording_interval);
   run.gauges = {"gauges.txt", interval, {}};
-  for (const Node& gauge : imported.gauges) {
-    run.gauges->points.push_back({as_written(gauge.x), as_written(gauge.y)});
+  for (const Gauge& gauge : imported.gauges) {
+    run.gauges->points.push_back({as_written(gauge.place.x), as_written(gauge.place.y)});
   }
   if (imported.sections.empty()) return run;
   run.sections = {"out/sections.txt", interval, {}};
   for (const Section& section : imported.sections) run.sections->sections.push_back(section.edges);
   return run;
+}
+
+tools::CaseNames names_of(const Case& imported) {
+  tools::CaseNames names;
+  for (const Gauge& gauge : imported.gauges) names.gauges.push_back(gauge.name);
+  for (const Section& section : imported.sections) names.sections.push_back(section.name);
+  for (std::size_t edge = 0; edge < imported.edges.size(); ++edge) {
+    const int boundary = imported.boundaries.of_edge[edge];
+    if (boundary < 0) continue;
+    const std::string& name = imported.boundaries.list[cases::at(boundary)].name;
+    if (!name.empty()) names.boundaries[name].push_back(static_cast<int>(edge));
+  }
+  return names;
 }
 
 /// Files take their places together when all of them are complete, in the order in which they were
@@ -194,6 +208,9 @@ std::size_t write_case(const Case& imported, const std::string& path, Overwrite 
   Folder folder(path);
   cases::write_case(case_of(imported), request_of(imported),
                     [&](const std::string& name, const std::string& text) {
+                      if (name == cases::data_file_name) {
+                        folder.write(tools::names_file_name, tools::text_of(names_of(imported)));
+                      }
                       const auto given = imported.given_texts.find(name);
                       folder.write(name,
                                    given != imported.given_texts.end() ? given->second : text);

@@ -14,6 +14,12 @@
 
 namespace mesh_import {
 
+/// A point at which the flow is recorded.
+struct Gauge {
+  Node place;
+  std::string name;  // empty without one
+};
+
 /// Everything of a case, before its numbers are rounded to what its files hold. What is empty is
 /// left out of it.
 struct Case {
@@ -31,7 +37,7 @@ struct Case {
   std::vector<Edge> edges;
   Boundaries boundaries;
   std::vector<Section> sections;
-  std::vector<Node> gauges;
+  std::vector<Gauge> gauges;
 
   std::vector<double> level;  // a cell is dry where it is not above the bed
   std::vector<double> bed;

@@ -1,11 +1,8 @@
 // The rasters that GDAL reads.
-#include <cpl_error.h>
-#include <gdal.h>
-#include <ogr_srs_api.h>
-
 #include <limits>
 #include <memory>
 
+#include "mesh/quiet_gdal.hpp"
 #include "mesh/raster.hpp"
 #include "support/Error.hpp"
 #include "utils/stop.hpp"
@@ -14,33 +11,9 @@ namespace mesh_import {
 
 namespace {
 
-/// GDAL's messages go into our own errors, not to standard error.
-class QuietGdal {
- public:
-  QuietGdal() {
-    GDALAllRegister();
-    CPLPushErrorHandler(CPLQuietErrorHandler);
-  }
-  ~QuietGdal() { CPLPopErrorHandler(); }
-  QuietGdal(const QuietGdal&) = delete;
-  QuietGdal& operator=(const QuietGdal&) = delete;
-};
-
-struct CloseDataset {
-  void operator()(void* dataset) const { GDALClose(dataset); }
-};
-
-struct DestroyReference {
-  void operator()(void* reference) const { OSRDestroySpatialReference(reference); }
-};
-
 /// `found` is null for a raster that does not tell its system.
 void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, int epsg) {
-  const std::unique_ptr<void, DestroyReference> expected(OSRNewSpatialReference(nullptr));
-  if (OSRImportFromEPSG(expected.get(), epsg) != OGRERR_NONE) {
-    throw tools::Error("--crs: EPSG:" + std::to_string(epsg) +
-                       " is not known; expected the code of a coordinate reference system.");
-  }
+  const SpatialReference expected = reference_of(epsg);
   const char* const options[] = {"IGNORE_DATA_AXIS_TO_SRS_AXIS_MAPPING=YES",
                                  "CRITERION=EQUIVALENT_EXCEPT_AXIS_ORDER_GEOGCRS", nullptr};
   if (found == nullptr || OSRIsSameEx(found, expected.get(), options)) return;
@@ -53,6 +26,13 @@ void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, i
 }
 
 }  // namespace
+
+SpatialReference reference_of(int epsg) {
+  SpatialReference reference(OSRNewSpatialReference(nullptr));
+  if (OSRImportFromEPSG(reference.get(), epsg) == OGRERR_NONE) return reference;
+  throw tools::Error("--crs: EPSG:" + std::to_string(epsg) +
+                     " is not known; expected the code of a coordinate reference system.");
+}
 
 RasterData read_with_gdal(const std::string& path, std::optional<int> epsg) {
   const QuietGdal quiet;

@@ -6,11 +6,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "mesh/boundaries.hpp"
 #include "mesh/case_writer.hpp"
 #include "mesh/import_edges.hpp"
+#include "mesh/import_features.hpp"
 #include "mesh/import_fields.hpp"
 #include "mesh/import_mesh.hpp"
 #include "mesh/import_options.hpp"
@@ -56,19 +58,21 @@ void check_folder(const ImportOptions& options) {
 }
 
 /// Whatever is wrong usage is refused before a file is read.
-void import_case(const ImportOptions& options, std::ostream& out) {
+void import_case(ImportOptions options, std::ostream& out) {
   check_usage(options);
   BoundaryRequests requests;
   for (const auto& text : options.boundaries) requests.conditions.push_back(parse_boundary(text));
   for (const auto& text : options.spreads) requests.spreads.push_back(parse_spread(text));
   Case contents;
-  for (const auto& text : options.gauges) contents.gauges.push_back(parse_point("--gauge", text));
+  for (const auto& text : options.gauges) contents.gauges.push_back(parse_gauge(text));
   if (!options.origin.empty()) contents.origin = parse_point("--origin", options.origin);
   if (!options.snapshots.empty()) contents.snapshots = parse_snapshots(options.snapshots);
   check_folder(options);
   contents.mesh = import_mesh(options, out);
+  add_drawn_zones(options, contents.mesh, out);
+  check_usage(options);
   import_fields(options, contents, out);
-  import_edges(options, requests, contents, out);
+  import_edges(options, std::move(requests), contents, out);
   import_run(options, contents, out);
   move_to_origin(contents, out);
   const std::size_t n_removed =

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "mesh/edges.hpp"
+#include "mesh/import_features.hpp"
 #include "mesh/import_fields.hpp"
 #include "mesh/numbers.hpp"
 #include "mesh/sections.hpp"
@@ -62,15 +63,17 @@ void tell_section(const Section& section, const std::vector<Edge>& edges,
 
 }  // namespace
 
-void import_edges(const ImportOptions& options, const BoundaryRequests& requests, Case& contents,
+void import_edges(const ImportOptions& options, BoundaryRequests requests, Case& contents,
                   std::ostream& out) {
   contents.edges = make_edges(contents.mesh);
   const EdgeIndex index(contents.edges, contents.mesh.nodes.size());
+  add_drawn_boundaries(options, contents, requests, out);
   contents.boundaries =
       assign_boundaries(contents.mesh, contents.edges, index, requests.conditions);
   check_sediment_boundaries(contents);
   spread_discharges(requests.spreads, contents, out);
-  const std::vector<bool> is_fixed = set_sections(options.sections, index, contents);
+  std::vector<bool> is_fixed = set_sections(options.sections, index, contents);
+  add_drawn_sections(options, index, is_fixed, contents, out);
   const std::vector<double> bed = bed_of_cells(contents);
   const int n_turned = turn_edges_uphill(contents.edges, bed, is_fixed);
   out << "Turned " << utils::counted(n_turned, "edge")

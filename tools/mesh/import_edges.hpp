@@ -11,16 +11,10 @@
 
 namespace mesh_import {
 
-/// What is asked for on named boundary lines.
-struct BoundaryRequests {
-  std::vector<BoundaryRequest> conditions;
-  std::vector<SpreadRequest> spreads;
-};
-
 /// Makes the edges of `contents.mesh`, which has its fields already, and gives those on the
 /// boundary their conditions. The normals of the edges of a section point in its direction; all
 /// other edges name the lower cell first. Throws tools::Error.
-void import_edges(const ImportOptions& options, const BoundaryRequests& requests, Case& contents,
+void import_edges(const ImportOptions& options, BoundaryRequests requests, Case& contents,
                   std::ostream& out);
 
 }  // namespace mesh_import

@@ -4,6 +4,7 @@
 
 #include "case/schemes.hpp"
 #include "mesh/boundaries.hpp"
+#include "mesh/units.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -75,8 +76,24 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
            "Record the discharge through a named inner line");
   command.add_flag("--no-boundary-sections", options.no_boundary_sections,
                    "Do not record the discharges along the boundaries that water passes");
-  repeated("--gauge", options.gauges, "X,Y",
+  repeated("--gauge", options.gauges, "[NAME=]X,Y",
            "Record the flow at a point; otherwise one gauge stands in the lowest cell");
+  const auto drawn = [&command](const char* name, std::string& file, const char* meaning) {
+    command.add_option(name, file, meaning)->type_name("FILE");
+  };
+  drawn("--boundaries", options.drawn_boundaries,
+        "Boundaries drawn as lines along the mesh, or polygons around its edges, in GeoJSON, a "
+        "GeoPackage or a shapefile: attributes name, kind, value (and unit) or series, spread, "
+        "reversed");
+  drawn("--sections", options.drawn_sections, "Sections drawn as lines: name, reversed");
+  drawn("--gauges", options.drawn_gauges, "Gauges drawn as points: name");
+  drawn("--zones", options.drawn_zones,
+        "Zones drawn as polygons: name, friction, level, bed, sediment, rain, soil");
+  command
+      .add_option("--snap", options.snap,
+                  "How far the mesh may lie from what is drawn, m; otherwise the mean length of "
+                  "its edges")
+      ->type_name("DISTANCE");
   const char* form = "[NAME=]VALUE";
   repeated("--friction", options.friction, form, "Manning coefficient, s/m^(1/3)");
   repeated("--level", options.level, form, "Initial water level, m; the rest is dry");
@@ -99,15 +116,25 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("FILE");
   command.add_option("--name", options.name, "Title of the case; otherwise the mesh file's name")
       ->type_name("TEXT");
-  command
-      .add_option("--end", options.end,
-                  "End of the run, s; otherwise where the shortest series ends, or 3600")
-      ->type_name("SECONDS");
-  command
-      .add_option("--interval", options.interval,
-                  "Between snapshots, s; otherwise a tenth of the run. Envelopes come about as "
-                  "often, gauges and sections ten times, the last ones just before the end")
-      ->type_name("SECONDS");
+  const auto duration = [&command](const char* name, std::optional<double>& value,
+                                   const char* meaning) {
+    command
+        .add_option_function<std::string>(
+            name,
+            [name, &value](const std::string& text) {
+              value = parse_duration(text);
+              if (value) return;
+              refuse_usage(name, "found \"" + text + "\", expected a time, as in 600, 10min or 2h");
+            },
+            meaning)
+        ->type_name("TIME");
+  };
+  duration(
+      "--end", options.end,
+      "End of the run, in s, min, h or d; otherwise where the shortest series ends, or 3600 s");
+  duration("--interval", options.interval,
+           "Between snapshots; otherwise a tenth of the run. Envelopes come about as "
+           "often, gauges and sections ten times, the last ones just before the end");
   command.add_option("--snapshots", options.snapshots, "Times of the snapshots instead, s")
       ->type_name("T1,T2,...");
   command
@@ -161,6 +188,7 @@ void check_usage(const ImportOptions& options) {
   if (!(distance >= 0.0) || !std::isfinite(distance)) {
     refuse_usage("--merge-nodes", "must be a distance, m; 0 joins nodes at the same place");
   }
+  check_positive("--snap", options.snap.value_or(1.0));
   check_positive("--end", options.end.value_or(1.0));
   check_positive("--interval", options.interval.value_or(1.0));
   if (cases::fault_of_arrival_depth(options.maxima)) {

@@ -24,6 +24,8 @@ struct ImportOptions {
   std::vector<std::string> friction, level, bed, sediment, rain, soil;
   std::string hyetograms, soils;
   std::vector<std::string> sections;
+  std::string drawn_boundaries, drawn_sections, drawn_gauges, drawn_zones;  // files
+  std::optional<double> snap;                                               // m
   double grain_diameter = std::numeric_limits<double>::quiet_NaN();
   double grain_density = 2.65;
   double porosity = 0.4;

@@ -33,7 +33,7 @@ void warn_of_area_loss(const Mesh& mesh) {
 void move_to_origin(Case& contents, std::ostream& out) {
   if (contents.origin) {
     for (Node& node : contents.mesh.nodes) move(node, *contents.origin);
-    for (Node& gauge : contents.gauges) move(gauge, *contents.origin);
+    for (Gauge& gauge : contents.gauges) move(gauge.place, *contents.origin);
     out << "All coordinates of the case count from "
         << shown_point(contents.origin->x, contents.origin->y) << ".\n";
   }

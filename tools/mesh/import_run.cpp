@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "case/recorded_end.hpp"
+#include "mesh/import_features.hpp"
 #include "mesh/import_fields.hpp"
 #include "mesh/numbers.hpp"
 #include "mesh/run_options.hpp"
@@ -93,13 +94,13 @@ void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out)
   out << "The flux scheme is " << cases::kind_of(contents.scheme).name << ".\n";
 }
 
-void expect_all_inside(const std::vector<Node>& gauges,
+void expect_all_inside(const std::vector<Gauge>& gauges,
                        const std::vector<std::optional<Node>>& places) {
   std::string outside;
   std::size_t n_outside = 0;
   for (std::size_t i = 0; i < gauges.size(); ++i) {
     if (places[i]) continue;
-    outside += (n_outside++ > 0 ? ", " : "") + shown_point(gauges[i].x, gauges[i].y);
+    outside += (n_outside++ > 0 ? ", " : "") + shown_point(gauges[i].place.x, gauges[i].place.y);
   }
   if (n_outside == 0) return;
   throw tools::Error(
@@ -109,13 +110,15 @@ void expect_all_inside(const std::vector<Node>& gauges,
                 "; expected points inside of the mesh.");
 }
 
-/// Where the options say, or else in the lowest cell.
-void place_gauges(Case& contents, std::ostream& out) {
+/// Brings those of the command line into cells in which the simulator finds them.
+void settle_gauges(Case& contents, std::ostream& out) {
   std::vector<std::optional<Node>> places;
-  for (const Node& gauge : contents.gauges) places.push_back(place_gauge(contents.mesh, gauge));
+  for (const Gauge& gauge : contents.gauges) {
+    places.push_back(place_gauge(contents.mesh, gauge.place));
+  }
   expect_all_inside(contents.gauges, places);
   for (std::size_t i = 0; i < places.size(); ++i) {
-    Node& gauge = contents.gauges[i];
+    Node& gauge = contents.gauges[i].place;
     const Node& placed = *places[i];
     if (placed.x != gauge.x || placed.y != gauge.y) {
       out << "Moved the gauge at " << shown_point(gauge.x, gauge.y)
@@ -123,13 +126,19 @@ void place_gauges(Case& contents, std::ostream& out) {
     }
     gauge = placed;
   }
+}
+
+/// Where the options and the drawn points say, or else in the lowest cell.
+void place_gauges(const ImportOptions& options, Case& contents, std::ostream& out) {
+  settle_gauges(contents, out);
+  add_drawn_gauges(options, contents, out);
   if (!contents.gauges.empty()) return;
   const std::vector<double> levels = bed_of_cells(contents);
   const auto lowest = std::min_element(levels.begin(), levels.end()) - levels.begin();
   const Cell& cell = contents.mesh.cells[static_cast<std::size_t>(lowest)];
-  contents.gauges.push_back(point_inside(contents.mesh, cell));
-  out << "A gauge stands in the lowest cell, at "
-      << shown_point(contents.gauges.front().x, contents.gauges.front().y) << ".\n";
+  const Node place = point_inside(contents.mesh, cell);
+  contents.gauges.push_back({place, "lowest cell"});
+  out << "A gauge stands in the lowest cell, at " << shown_point(place.x, place.y) << ".\n";
 }
 
 }  // namespace
@@ -143,7 +152,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
   set_scheme(options, contents, out);
   set_times(options, contents, out);
   set_outputs(options, contents, out);
-  place_gauges(contents, out);
+  place_gauges(options, contents, out);
 }
 
 }  // namespace mesh_import

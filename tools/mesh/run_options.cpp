@@ -55,6 +55,12 @@ Node parse_point(const std::string& option, const std::string& text) {
   return {values->at(0), values->at(1), 0.0};
 }
 
+Gauge parse_gauge(const std::string& text) {
+  const std::size_t equals = text.rfind('=');
+  if (equals == std::string::npos) return {parse_point("--gauge", text), ""};
+  return {parse_point("--gauge", text.substr(equals + 1)), text.substr(0, equals)};
+}
+
 std::vector<double> parse_snapshots(const std::string& text) {
   const auto times = parse_list(text);
   if (!times) {

@@ -5,12 +5,16 @@
 #include <string>
 #include <vector>
 
+#include "mesh/case_writer.hpp"
 #include "mesh/mesh.hpp"
 
 namespace mesh_import {
 
 /// A point that an option gives as X,Y, in m; throws CLI::ValidationError (wrong usage).
 Node parse_point(const std::string& option, const std::string& text);
+
+/// A gauge given as X,Y or NAME=X,Y; throws CLI::ValidationError (wrong usage).
+Gauge parse_gauge(const std::string& text);
 
 /// Times given as T1,T2,..., in s, at least 0.01 s apart, as the names of snapshots are; throws
 /// CLI::ValidationError (wrong usage).

@@ -107,21 +107,24 @@ void check_requests(const std::vector<SpreadRequest>& requests, const Boundaries
 
 }  // namespace
 
+std::optional<SpreadRequest> read_spread(const std::string& name, const std::string& how) {
+  const SpreadRequest request{name, how == "even", utils::parse_finite_number(how)};
+  if (!request.is_even && !request.level) return std::nullopt;
+  return request;
+}
+
 SpreadRequest parse_spread(const std::string& text) {
   const std::size_t equals = text.rfind('=');
-  SpreadRequest request;
+  std::optional<SpreadRequest> request;
   if (equals != std::string::npos && equals > 0) {
-    const std::string how = text.substr(equals + 1);
-    request.name = text.substr(0, equals);
-    request.is_even = how == "even";
-    request.level = utils::parse_finite_number(how);
+    request = read_spread(text.substr(0, equals), text.substr(equals + 1));
   }
-  if (!request.is_even && !request.level) {
+  if (!request) {
     throw CLI::ValidationError("--spread", "found \"" + text +
                                                "\", expected NAME=even or NAME=LEVEL, as in "
                                                "inflow=101.5");
   }
-  return request;
+  return *request;
 }
 
 void spread_discharges(const std::vector<SpreadRequest>& requests, Case& contents,

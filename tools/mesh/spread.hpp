@@ -17,6 +17,15 @@ struct SpreadRequest {
   std::optional<double> level;  // m
 };
 
+/// What is asked for on named boundary lines.
+struct BoundaryRequests {
+  std::vector<BoundaryRequest> conditions;
+  std::vector<SpreadRequest> spreads;
+};
+
+/// Reads "even" or a level; none for anything else.
+std::optional<SpreadRequest> read_spread(const std::string& name, const std::string& how);
+
 /// Reads NAME=even or NAME=LEVEL; throws CLI::ValidationError (wrong usage).
 SpreadRequest parse_spread(const std::string& text);
 
