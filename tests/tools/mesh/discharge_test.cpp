@@ -130,6 +130,29 @@ TEST_F(Discharge, IsWhatFlowsIn) {
   EXPECT_NEAR(column("out/sections.txt", 1, 0).back(), 0.5, 0.03);
 }
 
+TEST_F(Discharge, IsOneRowOfTheCheck) {
+  folder.write("flood.csv", "time [s],discharge [m3/s]\n0,-2\n60,-3\n");
+  import_well({"--level", "0.2", "--boundary", "west=hydrograph:flood.csv", "--boundary",
+               "east=discharge:1m3/s", "--end", "90"});
+  support::RunOptions options;
+  options.program = QUILLMERE_MESH_PROGRAM;
+  const auto checked =
+      support::run_program(folder.path(), {"check", "case", "--quick", "--json"}, options);
+  const auto report = nlohmann::json::parse(checked.out);
+  std::map<std::string, double> discharges;
+  for (const auto& boundary : report["boundaries"]) {
+    if (boundary["name"].is_null()) continue;
+    const bool is_new =
+        discharges.insert({boundary["name"], boundary["discharge"].get<double>()}).second;
+    EXPECT_TRUE(is_new) << report["boundaries"];
+    EXPECT_EQ(boundary["edges"], 3);
+  }
+  ASSERT_EQ(discharges.size(), 2U);
+  EXPECT_NEAR(discharges["west"], -2.0, 1e-14);
+  EXPECT_NEAR(discharges["east"], 1.0, 1e-14);
+  EXPECT_EQ(report["warnings"].dump().find("boundary_west.2.txt ends"), std::string::npos);
+}
+
 TEST_F(Discharge, OfAnotherUnitIsRefused) {
   EXPECT_TRUE(contains(import_badly(2, {"--boundary", "west=discharge:-40m"}),
                        "found \"west=discharge:-40m\", expected a number after \"discharge:\", in "

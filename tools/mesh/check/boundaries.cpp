@@ -9,6 +9,7 @@
 #include "case/plausibility.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
+#include "support/CaseNames.hpp"
 #include "utils/counted.hpp"
 #include "utils/stop.hpp"
 
@@ -95,17 +96,45 @@ void check_plausible(const DataFile& data, const Boundary& boundary, Findings& f
   }
 }
 
+/// The names of the edges that have one.
+std::map<cases::Number, std::string> names_of_edges(Findings& findings) {
+  std::map<cases::Number, std::string> names;
+  try {
+    for (const auto& [name, edges] : tools::read_case_names(".").boundaries) {
+      for (const int edge : edges) names[edge] = name;
+    }
+  } catch (const utils::FatalError& error) {
+    findings.warning("names", finding_text(error.what()));
+  }
+  return names;
+}
+
+/// Adds an edge group to the boundary of its name, if its discharge is a part of that one's.
+bool joins(const Boundary& part, Boundary& whole) {
+  if (part.name.empty() || part.name != whole.name || part.kind != whole.kind) return false;
+  if (!part.kind->imposes_discharge() || !part.has_value || !whole.has_value) return false;
+  const double discharge = part.discharge() + whole.discharge();
+  whole.edges += part.edges;
+  whole.length += part.length;
+  whole.first_value = discharge / whole.length;
+  return true;
+}
+
 }  // namespace
 
 std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& contents,
                                        const std::vector<CellValues>& cells, Findings& findings) {
-  using Key = std::tuple<int, int, double>;
+  using Key = std::tuple<int, std::string, int, double>;
   std::map<Key, Boundary, std::greater<>> table;  // open ends, then walls, then series
   const cases::Mesh& mesh = contents.mesh;
+  const std::map<cases::Number, std::string> names = names_of_edges(findings);
   for (const cases::Boundary& imposed : mesh.boundaries) {
-    Boundary& boundary = table[{imposed.code, imposed.series, imposed.value}];
+    const auto named = names.find(imposed.edge);
+    const std::string name = named != names.end() ? named->second : "";
+    Boundary& boundary = table[{imposed.code, name, imposed.series, imposed.value}];
     const CellValues& cell = cells[cases::at(mesh.left[cases::at(imposed.edge)])];
     boundary.kind = cases::boundary_kind(imposed.code);
+    boundary.name = name;
     ++boundary.edges;
     boundary.length += mesh.edge_of(imposed.edge).length;
     boundary.lowest_bed = std::min(boundary.lowest_bed, cell.bed);
@@ -114,20 +143,19 @@ std::vector<Boundary> check_boundaries(const DataFile& data, const cases::Case& 
 
   std::vector<Boundary> boundaries;
   for (auto& [key, boundary] : table) {
-    const int series = std::get<1>(key);
+    const int series = std::get<2>(key);
     if (series >= 0) {
       boundary.series = contents.series[cases::at(series)].file;
       boundary.values = read_series(boundary.series, findings);
       boundary.has_value = boundary.values && data.t0;
-      if (boundary.has_value) {
-        boundary.first_value = value_at_start(*boundary.values, *data.t0);
-        check_coverage(data, boundary, findings);
-      }
+      if (boundary.has_value) boundary.first_value = value_at_start(*boundary.values, *data.t0);
     } else if (boundary.kind->has_value()) {
       boundary.has_value = true;
-      boundary.first_value = std::get<2>(key);
+      boundary.first_value = std::get<3>(key);
     }
     if (boundary.has_value) check_plausible(data, boundary, findings);
+    if (!boundaries.empty() && joins(boundary, boundaries.back())) continue;
+    if (boundary.has_value && boundary.values) check_coverage(data, boundary, findings);
     boundaries.push_back(boundary);
   }
   return boundaries;

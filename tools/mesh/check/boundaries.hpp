@@ -14,14 +14,16 @@
 
 namespace tools::check {
 
-/// All edges of one code with one imposed value or series.
+/// All edges of one code and name with one imposed value or series; those over which one discharge
+/// is spread count as one boundary.
 struct Boundary {
   const cases::BoundaryKind* kind = nullptr;
-  std::string series;  ///< file of its series; empty without one
+  std::string name;    ///< that the case gives it; empty without one
+  std::string series;  ///< file of its series, or of the first one; empty without one
   long edges = 0;
   double length = 0.0;  ///< m
   bool has_value = false;
-  double first_value = 0.0;                  ///< at the start: m2/s or m
+  double first_value = 0.0;                  ///< at the start: m2/s (on the mean) or m
   std::shared_ptr<const TimeSeries> values;  ///< null without a readable series
   double lowest_bed = 1e20;                  ///< of its cells, m
   double shallowest_water = 1e20;            ///< of its cells at the start, m

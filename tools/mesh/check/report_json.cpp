@@ -52,7 +52,8 @@ json quality_json(const CaseReport& report) {
 json boundaries_json(const std::vector<Boundary>& boundaries) {
   json list = json::array();
   for (const Boundary& boundary : boundaries) {
-    json entry = {{"kind", boundary.kind->name},
+    json entry = {{"name", boundary.name.empty() ? json() : json(boundary.name)},
+                  {"kind", boundary.kind->name},
                   {"code", boundary.kind->code},
                   {"edges", boundary.edges},
                   {"length", boundary.length},

@@ -1,5 +1,6 @@
 #include "mesh/check/report_text.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <ostream>
 
@@ -70,6 +71,13 @@ void write_boundaries(std::ostream& out, const std::vector<Boundary>& boundaries
                     boundary.has_value && boundary.kind->imposes_discharge()
                         ? number(boundary.discharge())
                         : "-"});
+  }
+  const bool has_names =
+      std::any_of(boundaries.begin(), boundaries.end(),
+                  [](const Boundary& boundary) { return !boundary.name.empty(); });
+  for (std::size_t i = 0; i < rows.size() && has_names; ++i) {
+    const std::string name = i == 0 ? "name" : boundaries[i - 1].name;
+    rows[i].insert(rows[i].begin(), name.empty() ? "-" : name);
   }
   write_table(out, rows);
 }
