@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "mesh/extent.hpp"
 #include "mesh/numbers.hpp"
 #include "support/Error.hpp"
 #include "utils/number_text.hpp"
@@ -132,7 +133,7 @@ int set_elevations(Mesh& mesh, const Raster& terrain, std::optional<double> fill
     throw tools::Error(terrain.path() + ": no data at " + std::to_string(n_missing) + " of " +
                        std::to_string(mesh.nodes.size()) + " nodes, the first one at " +
                        shown_point(first->x, first->y) + "; the raster covers " +
-                       terrain.coverage() +
+                       terrain.coverage() + ", the mesh " + extent_text(mesh.nodes) +
                        "; expected terrain under every node (--fill VALUE gives the others a "
                        "value).");
   }

@@ -1,12 +1,12 @@
 // The features that GDAL reads.
 #include <ogr_api.h>
 
-#include <cctype>
 #include <cmath>
 #include <filesystem>
 
 #include "mesh/features.hpp"
 #include "mesh/quiet_gdal.hpp"
+#include "mesh/small_letters.hpp"
 #include "support/Error.hpp"
 
 namespace mesh_import {
@@ -112,8 +112,7 @@ class Parts {
 void read_attributes(OGRFeatureH source, Feature& feature) {
   for (int i = 0; i < OGR_F_GetFieldCount(source); ++i) {
     if (!OGR_F_IsFieldSetAndNotNull(source, i)) continue;
-    std::string name = OGR_Fld_GetNameRef(OGR_F_GetFieldDefnRef(source, i));
-    for (char& c : name) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const std::string name = small_letters(OGR_Fld_GetNameRef(OGR_F_GetFieldDefnRef(source, i)));
     const std::string value = OGR_F_GetFieldAsString(source, i);
     if (!value.empty()) feature.attributes[name] = value;
   }

@@ -21,10 +21,12 @@ namespace mesh_import {
 
 namespace {
 
-constexpr const char* zone_values[] = {"friction", "level", "bed", "sediment", "rain", "soil"};
+constexpr const char* zone_values[] = {"friction", "strickler", "level", "bed",
+                                       "sediment", "rain",      "soil"};
 
 std::vector<std::string>& requests_for(const std::string& value, ImportOptions& options) {
   if (value == "friction") return options.friction;
+  if (value == "strickler") return options.strickler;
   if (value == "level") return options.level;
   if (value == "bed") return options.bed;
   if (value == "sediment") return options.sediment;

@@ -10,6 +10,7 @@
 #include "case/write_case.hpp"
 #include "mesh/fields.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/steady_rain.hpp"
 #include "support/Error.hpp"
 #include "support/read_file.hpp"
 #include "utils/TextScanner.hpp"
@@ -31,6 +32,29 @@ std::vector<double> bed_levels(const Mesh& mesh, const std::vector<std::string>&
     levels.push_back(as_written(given[i].value_or(usual)));
   }
   return levels;
+}
+
+/// Manning's coefficients are the inverse ones.
+std::vector<double> manning_of_strickler(const Mesh& mesh,
+                                         const std::vector<std::string>& requests) {
+  std::vector<double> values = values_of_all_cells(mesh, "--friction-strickler", requests);
+  for (double& value : values) {
+    if (!(value > 0.0)) {
+      throw tools::Error("--friction-strickler: found " + shown(value) + ", expected above 0.");
+    }
+    value = 1.0 / value;
+  }
+  return values;
+}
+
+/// Takes the thickness of the sediment from the bed, which was its surface.
+void lower_bed_to_rock(Case& contents) {
+  if (contents.bed.empty()) {
+    for (const Cell& cell : contents.mesh.cells) {
+      contents.bed.push_back(contents.mesh.center(cell).z);
+    }
+  }
+  for (std::size_t i = 0; i < contents.bed.size(); ++i) contents.bed[i] -= contents.sediment[i];
 }
 
 void set_sediments(const ImportOptions& options, Case& contents) {
@@ -106,7 +130,22 @@ std::vector<int> terms_of_cells(const Mesh& mesh, const std::string& option,
   return terms;
 }
 
+/// A hyetogram for every intensity that is asked for.
+void set_steady_rain(const ImportOptions& options, Case& contents) {
+  constexpr int burst = 10;  // s
+  std::vector<std::string> requests;
+  for (const std::string& request : options.rain) {
+    const SteadyRain rain = steady_rain(request);
+    const int id = static_cast<int>(contents.hyetograms.size()) + 1;
+    contents.hyetograms.push_back({id, burst, {0.0}, {as_written(rain.intensity)}});
+    requests.push_back(rain.target + std::to_string(id));
+  }
+  contents.rain = terms_of_cells(contents.mesh, "--rain", requests, "those of the command line",
+                                 cases::ids_of(contents.hyetograms));
+}
+
 void set_rain(const ImportOptions& options, Case& contents) {
+  if (options.hyetograms.empty()) return set_steady_rain(options, contents);
   const std::string file = utils::readable_again(options.hyetograms);
   utils::TextScanner scanner(file);
   contents.hyetograms = cases::read_hyetograms(scanner, [](const cases::Hyetogram&) {});
@@ -135,11 +174,19 @@ void import_fields(const ImportOptions& options, Case& contents, std::ostream& o
   }
   if (!options.friction.empty()) {
     contents.friction = values_of_all_cells(mesh, "--friction", options.friction);
+  } else if (!options.strickler.empty()) {
+    contents.friction = manning_of_strickler(mesh, options.strickler);
   } else {
     out << "No --friction: the bed is smooth.\n";
   }
   if (!options.sediment.empty()) {
     set_sediments(options, contents);
+    if (options.terrain_is_surface) {
+      lower_bed_to_rock(contents);
+    } else {
+      out << "Elevations are those of the rock under the sediment (--terrain-is surface takes them "
+             "for its surface).\n";
+    }
     if (!options.zero_depth) warn_of_thin_films(out);
   }
   set_water(options.level, contents, out);

@@ -1,9 +1,11 @@
 #include "mesh/import_options.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "case/schemes.hpp"
 #include "mesh/boundaries.hpp"
+#include "mesh/steady_rain.hpp"
 #include "mesh/units.hpp"
 #include "utils/number_text.hpp"
 
@@ -63,6 +65,14 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
                   "Take this point from all coordinates of the case, which keep more digits near "
                   "the origin; quillmere-export adds it again")
       ->type_name("X,Y");
+  command
+      .add_option_function<std::string>(
+          "--terrain-is",
+          [&options](const std::string& what) { options.terrain_is_surface = what == "surface"; },
+          "What the elevations of the mesh, the terrain and --bed mean with --sediment: the rock "
+          "below it, or its surface")
+      ->type_name("rock|surface")
+      ->check(CLI::IsMember({"rock", "surface"}));
   command.add_option("--fill", options.fill, "Elevation of nodes where the terrain has no data")
       ->type_name("VALUE");
   repeated("--boundary", options.boundaries, "NAME=KIND",
@@ -96,6 +106,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("DISTANCE");
   const char* form = "[NAME=]VALUE";
   repeated("--friction", options.friction, form, "Manning coefficient, s/m^(1/3)");
+  repeated("--friction-strickler", options.strickler, form,
+           "Strickler coefficient, m^(1/3)/s, in place of Manning's");
   repeated("--level", options.level, form, "Initial water level, m; the rest is dry");
   repeated("--bed", options.bed, form,
            "Bed level of cells, m, in place of the mean of their nodes");
@@ -108,7 +120,8 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
   command.add_option("--porosity", options.porosity, "Porosity of the bed")
       ->capture_default_str()
       ->type_name("VALUE");
-  repeated("--rain", options.rain, form, "ID of the hyetogram, -1 for none");
+  repeated("--rain", options.rain, form,
+           "Steady rain as in 20mm/h, or the ID of the hyetogram, -1 for none");
   command.add_option("--hyetograms", options.hyetograms, "Rain file that holds the hyetograms")
       ->type_name("FILE");
   repeated("--soil", options.soil, form, "ID of the soil, -1 for none");
@@ -169,8 +182,20 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
 
 void check_usage(const ImportOptions& options) {
   if (options.fill && options.terrain.empty()) refuse_usage("--fill", "needs --terrain");
-  if (!options.rain.empty() && options.hyetograms.empty()) {
-    refuse_usage("--rain", "gives IDs of hyetograms: name their file with --hyetograms");
+  const auto n_steady = std::count_if(options.rain.begin(), options.rain.end(), is_steady_rain);
+  if (n_steady < static_cast<std::ptrdiff_t>(options.rain.size()) && options.hyetograms.empty()) {
+    refuse_usage("--rain",
+                 "gives IDs of hyetograms: name their file with --hyetograms, or give rain as in "
+                 "20mm/h");
+  }
+  if (n_steady > 0 && !options.hyetograms.empty()) {
+    refuse_usage("--rain", "gives steady rain, in mm/h, which does not go with --hyetograms");
+  }
+  if (!options.friction.empty() && !options.strickler.empty()) {
+    refuse_usage("--friction", "does not go with --friction-strickler: give one of them");
+  }
+  if (options.terrain_is_surface && options.sediment.empty()) {
+    refuse_usage("--terrain-is surface", "needs --sediment");
   }
   if (!options.soil.empty() && options.soils.empty()) {
     refuse_usage("--soil", "gives IDs of soils: name their file with --soils");
@@ -178,7 +203,7 @@ void check_usage(const ImportOptions& options) {
   if (!options.sediment.empty() && !(options.grain_diameter > 0.0)) {
     refuse_usage("--sediment", "needs --grain-diameter, in m, above 0");
   }
-  if (!options.sediment.empty() && options.friction.empty()) {
+  if (!options.sediment.empty() && options.friction.empty() && options.strickler.empty()) {
     refuse_usage("--sediment", "needs --friction: the flow carries no sediment over a smooth bed");
   }
   const auto check_positive = [](const char* option, double value) {

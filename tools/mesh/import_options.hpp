@@ -17,11 +17,12 @@ struct ImportOptions {
   std::string folder;
   std::string origin;
   std::string terrain;
+  bool terrain_is_surface = false;  // of the sediment
   std::optional<double> merge_distance;
   std::optional<int> epsg;  // coordinate reference system of the mesh
   std::optional<double> fill;
   std::vector<std::string> boundaries, spreads;
-  std::vector<std::string> friction, level, bed, sediment, rain, soil;
+  std::vector<std::string> friction, strickler, level, bed, sediment, rain, soil;
   std::string hyetograms, soils;
   std::vector<std::string> sections;
   std::string drawn_boundaries, drawn_sections, drawn_gauges, drawn_zones;  // files

@@ -4,6 +4,7 @@
 
 #include "mesh/geo_mesher.hpp"
 #include "mesh/gmsh_reader.hpp"
+#include "mesh/small_letters.hpp"
 #include "mesh/sms_reader.hpp"
 #include "support/Error.hpp"
 #include "support/read_file.hpp"
@@ -12,11 +13,12 @@
 namespace mesh_import {
 
 Mesh read_mesh_file(const std::string& path, bool allows_commands) {
-  const std::string extension = std::filesystem::path(path).extension().string();
+  const std::string found = std::filesystem::path(path).extension().string();
+  const std::string extension = small_letters(found);
   if (extension == ".msh") return read_msh(path);
   if (extension == ".geo") return mesh_geo(path, allows_commands);
   if (extension == ".2dm") return read_2dm(path);
-  throw tools::Error(path + ": found the extension \"" + extension +
+  throw tools::Error(path + ": found the extension \"" + found +
                      "\", expected .msh, .geo or .2dm.");
 }
 

@@ -9,6 +9,7 @@
 
 #include "mesh/ForeignScanner.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/small_letters.hpp"
 #include "support/Error.hpp"
 #include "utils/files.hpp"
 #include "utils/number_text.hpp"
@@ -16,12 +17,6 @@
 namespace mesh_import {
 
 namespace {
-
-std::string lower_case(std::string_view text) {
-  std::string result(text);
-  for (char& c : result) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return result;
-}
 
 /// Barycentric coordinates and weights of the rule of degree five with seven points (Radon 1948).
 struct QuadraturePoint {
@@ -49,7 +44,7 @@ RasterData read_asc(const std::string& path) {
   std::map<std::string, double> header;
   std::string first_value;
   while (!in.at_end()) {
-    const std::string key = lower_case(in.word("header"));
+    const std::string key = small_letters(in.word("header"));
     if (!std::isalpha(static_cast<unsigned char>(key[0])) || key == "nan") {
       first_value = key;
       break;
@@ -62,7 +57,7 @@ RasterData read_asc(const std::string& path) {
     }
     const bool may_be_nan = key == "nodata_value";
     if (may_be_nan) {
-      const auto word = lower_case(in.word("NODATA_value"));
+      const auto word = small_letters(in.word("NODATA_value"));
       if (word == "nan" || word == "-nan") continue;  // NaN always means that there is no data
       const auto value = utils::parse_finite_number(word);
       if (!value) in.refuse("NODATA_value", "a number");
@@ -107,7 +102,7 @@ RasterData read_asc(const std::string& path) {
     const std::string_view word = i == 0 && !first_value.empty() ? std::string_view(first_value)
                                                                  : in.word("value of a pixel");
     const auto value = utils::parse_finite_number(word);
-    const bool is_nan = !value && lower_case(word) == "nan";
+    const bool is_nan = !value && small_letters(word) == "nan";
     if (!value && !is_nan) in.refuse("value of a pixel", "a finite number");
     const bool has_data =
         value && (no_data == header.end() ? *value != -9999.0 : *value != no_data->second);
@@ -122,7 +117,7 @@ RasterData read_asc(const std::string& path) {
 
 Raster::Raster(const std::string& path, std::optional<int> epsg) : path_(path) {
   utils::note_input_file(path);  // which the case must not replace
-  const auto extension = lower_case(std::filesystem::path(path).extension().string());
+  const auto extension = small_letters(std::filesystem::path(path).extension().string());
   data_ = extension == ".asc" ? read_asc(path) : read_with_gdal(path, epsg);
   const auto& g = data_.geometry;
   const double determinant = g[1] * g[5] - g[2] * g[4];
@@ -142,7 +137,7 @@ std::string Raster::coverage() const {
         std::minmax({origin, origin + along, origin + across, origin + along + across});
     return shown_coordinate(low) + " to " + shown_coordinate(high);
   };
-  return "x " + range(0) + ", y " + range(3);
+  return "x " + range(0) + " m, y " + range(3) + " m";
 }
 
 Raster::Point Raster::locate(double x, double y) const {

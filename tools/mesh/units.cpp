@@ -1,7 +1,6 @@
 #include "mesh/units.hpp"
 
-#include <cctype>
-
+#include "mesh/small_letters.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -41,10 +40,10 @@ std::string plain(std::string_view text) {
       word += pair == "\xC2\xB2" ? '2' : '3';
       ++i;
     } else if (text[i] != '^' && text[i] != ' ') {
-      word += static_cast<char>(std::tolower(static_cast<unsigned char>(text[i])));
+      word += text[i];
     }
   }
-  return word;
+  return small_letters(word);
 }
 
 std::string_view trimmed(std::string_view text) {

@@ -92,9 +92,10 @@ TEST_F(Features, LeadFromAMeshWithoutNamesToAnOutflowHydrograph) {
                               "101.5", "--friction", "0.03", "--end", "10min"});
   ASSERT_EQ(result.status, 0) << result.err;
   EXPECT_EQ(result.err, "");
-  EXPECT_TRUE(contains(result.out,
-                       "Boundary inflow (open.geojson, feature 1): 20 edges, no further than 0.45 m "
-                       "from the line.\n"))
+  EXPECT_TRUE(
+      contains(result.out,
+               "Boundary inflow (open.geojson, feature 1): 20 edges, no further than 0.45 m "
+               "from the line.\n"))
       << result.out;
   EXPECT_TRUE(contains(result.out, "-40 m3/s (in)")) << result.out;
   EXPECT_EQ(names()["sections"], (nlohmann::json{"inflow", "outflow"}));
@@ -176,7 +177,8 @@ TEST_F(Features, BecomeSectionsOfAChainOfEdges) {
   const std::string out =
       import_well({"--sections", "s.geojson", "--level", "1", "--boundary",
                    "west=discharge:-1.5m3/s", "--boundary", "east=transmissive", "--end", "100"});
-  EXPECT_TRUE(contains(out, "Section bridge (s.geojson, feature 1): 3 edges, no further than 0.075 m"))
+  EXPECT_TRUE(
+      contains(out, "Section bridge (s.geojson, feature 1): 3 edges, no further than 0.075 m"))
       << out;
   EXPECT_TRUE(contains(out, "Section bridge: 3 edges, 3 m, discharge positive towards (1, 0)"))
       << out;
@@ -241,7 +243,8 @@ TEST_F(Features, FarFromTheMeshAreRefusedWithBothExtents) {
 
 TEST_F(Features, ThatAreFaultyAreRefusedWithTheirNumber) {
   const std::map<std::string, std::string> faults = {
-      {line(R"("name": "a")", west_line), "found the kind \"\", expected one of the kinds transmissive"},
+      {line(R"("name": "a")", west_line),
+       "found the kind \"\", expected one of the kinds transmissive"},
       {line(R"("name": "a", "kind": "level", "value": "high")", west_line),
        "found the kind \"level\" with \"high\", expected a number after \"level:\", in m"},
       {line(R"("name": "a", "kind": "wall", "reversed": true)", west_line),

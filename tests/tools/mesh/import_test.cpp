@@ -198,9 +198,10 @@ TEST_F(Import, WarnsOfARasterInAnotherSystem) {
 TEST_F(Import, RefusesMissingTerrainUnlessItMayFillIt) {
   folder.write("dem.asc",
                support::asc_grid(3, 10, -1.0, -1.0, 1.0, [](double, double) { return 3.0; }));
-  EXPECT_TRUE(contains(import_badly(1, {"--terrain", "dem.asc"}),
-                       "dem.asc: no data at 8 of 20 nodes, the first one at (3.000, 0.000); the "
-                       "raster covers x -1 to 2, y -1 to 9; expected"));
+  EXPECT_TRUE(contains(
+      import_badly(1, {"--terrain", "dem.asc"}),
+      "dem.asc: no data at 8 of 20 nodes, the first one at (3.000, 0.000); the "
+      "raster covers x -1 to 2 m, y -1 to 9 m, the mesh x 0 to 4 m, y 0 to 3 m; expected"));
   EXPECT_TRUE(contains(import_well({"--terrain", "dem.asc", "--fill", "2"}),
                        "No terrain under 8 nodes: filled with 2 m.\n"));
   EXPECT_EQ(column("nodes.txt", 2, 1).at(3), 2.0);
