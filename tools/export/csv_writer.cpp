@@ -1,15 +1,18 @@
 #include "export/csv_writer.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
 #include <span>
+#include <utility>
 
 #include "case/read_requests.hpp"
 #include "export/MaximaTable.hpp"
 #include "export/TableReader.hpp"
 #include "export/below_zero.hpp"
 #include "export/run_log.hpp"
+#include "support/CaseNames.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
 #include "utils/TextBuffer.hpp"
@@ -73,6 +76,38 @@ std::string plain_unit(std::string unit) {
   return per == std::string::npos ? unit : unit.replace(per, 4, "/s");
 }
 
+/// What the columns of gauges or sections are called: "gauge 1", or "gauge 1 (pier)" where the case
+/// names all of them.
+class ColumnTitles {
+ public:
+  ColumnTitles(std::string kind, std::vector<std::string> names, std::size_t count)
+      : kind_(std::move(kind)), names_(std::move(names)) {
+    if (names_.size() != count) names_.assign(count, "");  // of another list
+  }
+
+  /// The title of a quantity at a place, counted from 0, in quotes where it needs them.
+  std::string of(std::size_t i, const std::string& quantity) const {
+    const std::string name = names_[i].empty() ? "" : " (" + names_[i] + ")";
+    return field(kind_ + " " + std::to_string(i + 1) + name + " " + quantity);
+  }
+  bool has_names() const {
+    return std::any_of(names_.begin(), names_.end(),
+                       [](const std::string& name) { return !name.empty(); });
+  }
+  std::string name(std::size_t i) const { return field(names_[i]); }
+
+ private:
+  static std::string field(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+    std::string quoted = "\"";
+    for (const char c : text) quoted += c == '"' ? "\"\"" : std::string(1, c);
+    return quoted + "\"";
+  }
+
+  std::string kind_;
+  std::vector<std::string> names_;
+};
+
 }  // namespace
 
 cases::GaugeRequest read_gauge_list(const CaseFiles& files) {
@@ -107,10 +142,13 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
   }
   tools::PartialStream file(output);
   file.stream() << "time (s)";
-  for (std::size_t i = 1; i <= list.points.size(); ++i) {
-    const std::string gauge = ",gauge " + std::to_string(i);
-    file.stream() << gauge << " depth (m)" << gauge << " unit discharge x (m2/s)" << gauge
-                  << " unit discharge y (m2/s)";
+  const ColumnTitles titles("gauge", tools::read_case_names(files.folder).gauges,
+                            list.points.size());
+  for (std::size_t i = 0; i < list.points.size(); ++i) {
+    for (const char* quantity :
+         {"depth (m)", "unit discharge x (m2/s)", "unit discharge y (m2/s)"}) {
+      file.stream() << ',' << titles.of(i, quantity);
+    }
   }
   file.stream() << '\n';
   LowDepths low;
@@ -123,10 +161,14 @@ void write_gauges_csv(const CaseFiles& files, const std::string& output) {
 void write_gauge_points_csv(const CaseFiles& files, const std::string& output) {
   const cases::GaugeRequest list = read_gauge_list(files);
   tools::PartialStream file(output);
-  file.stream() << "gauge,x (m),y (m)\n";
+  const ColumnTitles titles("gauge", tools::read_case_names(files.folder).gauges,
+                            list.points.size());
+  file.stream() << "gauge,x (m),y (m)" << (titles.has_names() ? ",name\n" : "\n");
   file.stream().precision(15);
   for (std::size_t i = 0; i < list.points.size(); ++i) {
-    file.stream() << i + 1 << ',' << list.points[i].x << ',' << list.points[i].y << '\n';
+    file.stream() << i + 1 << ',' << list.points[i].x << ',' << list.points[i].y;
+    if (titles.has_names()) file.stream() << ',' << titles.name(i);
+    file.stream() << '\n';
   }
   file.commit();
 }
@@ -137,8 +179,10 @@ void write_sections_csv(const CaseFiles& files, const std::string& output) {
   TableReader table(list.result);
   tools::PartialStream file(output);
   file.stream() << "time (s)";
-  for (std::size_t s = 1; s <= list.sections.size(); ++s) {
-    file.stream() << ",section " << s << " discharge (m3/s)";
+  const ColumnTitles titles("section", tools::read_case_names(files.folder).sections,
+                            list.sections.size());
+  for (std::size_t s = 0; s < list.sections.size(); ++s) {
+    file.stream() << ',' << titles.of(s, "discharge (m3/s)");
   }
   file.stream() << '\n';
   copy_rows(table, 1 + list.sections.size(), file.stream(), [](std::span<double>) {});

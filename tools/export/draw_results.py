@@ -5,6 +5,7 @@ folder, where the pictures go too.
 Beside the job lie arrays of the machine's own numbers: values of the cells, the triangles of the mesh,
 and the triangle in which every pixel of the map lies.
 """
+import csv
 import io
 import json
 import sys
@@ -306,11 +307,11 @@ def time_axis(times):
     return (times / 3600, "time (h)") if times[-1] > 7000 else (times, "time (s)")
 
 
-def draw_curves(axes, times, columns, kind):
-    for k, column in enumerate(columns.T):
+def draw_curves(axes, times, columns, labels):
+    for k, (column, label) in enumerate(zip(columns.T, labels)):
         axes.plot(times, column, color=CURVE_COLOURS[k % len(CURVE_COLOURS)], linewidth=1.6,
                   linestyle=LINE_STYLES[k // len(CURVE_COLOURS) % len(LINE_STYLES)],
-                  label=f"{kind} {k + 1}")
+                  label=label)
     axes.grid(color="0.9")
     axes.spines[["top", "right"]].set_visible(False)
     axes.margins(x=0)
@@ -331,24 +332,26 @@ def draw_legend(axes, figure):
     figure.legend(*names, loc="lower center", ncols=columns, frameon=False, fontsize=8)
 
 
-def draw_gauges(table, title):
+def draw_gauges(table, titles, title):
     """Depth and unit discharge; the table has time, then depth, qx and qy of every gauge."""
     times, label = time_axis(table[:, 0])
     figure, (upper, lower) = plt.subplots(2, 1, figsize=(8.4, 5.6), sharex=True,
                                           layout="constrained")
-    draw_curves(upper, times, table[:, 1::3], "gauge")
-    draw_curves(lower, times, np.hypot(table[:, 2::3], table[:, 3::3]), "gauge")
+    labels = [name.removesuffix(" depth (m)") for name in titles[1::3]]
+    draw_curves(upper, times, table[:, 1::3], labels)
+    draw_curves(lower, times, np.hypot(table[:, 2::3], table[:, 3::3]), labels)
     upper.set(ylabel="depth (m)", title=title, ylim=(0, None))
     lower.set(ylabel="unit discharge (m²/s)", xlabel=label, ylim=(0, None))
     draw_legend(upper, figure)
     return figure
 
 
-def draw_sections(table, title):
+def draw_sections(table, titles, title):
     """Discharge through every section."""
     times, label = time_axis(table[:, 0])
     figure, axes = plt.subplots(figsize=(8.4, 4), layout="constrained")
-    draw_curves(axes, times, table[:, 1:], "section")
+    labels = [name.removesuffix(" discharge (m3/s)") for name in titles[1:]]
+    draw_curves(axes, times, table[:, 1:], labels)
     axes.set(ylabel="discharge (m³/s)", xlabel=label, title=title)
     draw_legend(axes, figure)
     return figure
@@ -356,12 +359,14 @@ def draw_sections(table, title):
 
 def draw_all_curves(job):
     for entry in job["curves"]:
-        table = np.genfromtxt(entry["table"], delimiter=",", skip_header=1, ndmin=2)
+        with open(entry["table"], encoding="utf-8", newline="") as rows:
+            titles = [title.replace("$", r"\$") for title in next(csv.reader(rows))]
+            table = np.genfromtxt(rows, delimiter=",", ndmin=2)
         kind = entry["kind"]
         if table.size == 0 or table.shape[1] < 2:
             sys.exit(f"the case's {kind} hold nothing to draw.")
         draw = draw_gauges if kind == "gauges" else draw_sections
-        save(draw(table, title_of(job, kind)), entry["picture"])
+        save(draw(table, titles, title_of(job, kind)), entry["picture"])
 
 
 # --- pictures -------------------------------------------------------------------------------------

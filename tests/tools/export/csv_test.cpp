@@ -49,6 +49,31 @@ TEST_F(Csv, SectionsHaveAHeaderWithUnitsAndTheSameNumbers) {
                 with_commas(folder.read("sections.txt"), false));
 }
 
+TEST_F(Csv, TellsTheNamesThatTheCaseHas) {
+  simulate(flood_case());
+  folder.write("names.json",
+               R"({"gauges": ["pier, \"old\"", "", "quay"], "sections": ["bridge", "weir"]})");
+  run_well({"csv", "."});
+  const std::string gauges = folder.read("export/gauges.csv");
+  EXPECT_TRUE(gauges.starts_with("time (s),\"gauge 1 (pier, \"\"old\"\") depth (m)\",")) << gauges;
+  EXPECT_TRUE(support::contains(gauges, ",gauge 2 depth (m),gauge 2 unit"));
+  EXPECT_EQ(folder.read("export/gauge_points.csv"),
+            "gauge,x (m),y (m),name\n1,612000.35,5235000.55,\"pier, \"\"old\"\"\"\n"
+            "2,612005.2,5235002.45,\n3,0,0,quay\n");
+  EXPECT_TRUE(folder.read("export/sections.csv")
+                  .starts_with("time (s),section 1 (bridge) discharge (m3/s),section 2 (weir) "
+                               "discharge (m3/s)\n"));
+}
+
+TEST_F(Csv, LeavesOutTheNamesOfAnotherList) {
+  simulate(flood_case());
+  folder.write("names.json", R"({"gauges": ["pier"], "sections": []})");
+  run_well({"csv", "."});
+  EXPECT_FALSE(support::contains(folder.read("export/gauges.csv"), "pier"));
+  folder.write("names.json", "{");
+  EXPECT_TRUE(support::contains(run({"csv", "."}).err, "names.json: found no names of a case"));
+}
+
 TEST_F(Csv, ATableThatCannotBeReadToItsEndIsAnError) {
   simulate(flood_case());
   std::filesystem::remove(folder.file("out/gauges.txt"));

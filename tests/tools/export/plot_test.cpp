@@ -60,6 +60,14 @@ TEST_F(Plot, CurvesHaveTitleUnitsAndLegend) {
   }
 }
 
+TEST_F(Plot, CurvesTellTheNamesThatTheCaseHas) {
+  simulate(flood_case());
+  folder.write("names.json",
+               R"({"gauges": ["pier, $1$", "quay", ""], "sections": ["bridge", "weir"]})");
+  EXPECT_TRUE(support::contains(svg_of({"--gauges"}), "gauge 1 (pier, $1$)"));
+  EXPECT_TRUE(support::contains(svg_of({"--sections"}), "section 2 (weir)"));
+}
+
 TEST_F(Plot, AllMakesTheFolderOfAReport) {
   simulate(flood_case());
   std::set<std::string> expected = {"gauges", "sections", "max_depth", "max_level"};
