@@ -51,18 +51,7 @@ std::vector<Boundary> boundaries_of_lines(const Mesh& mesh,
     if (boundary.is_given) {
       throw tools::Error("--boundary " + request.name + ": given twice; expected it once.");
     }
-    boundary.is_given = true;
-    boundary.kind = request.kind;
-    boundary.value = request.value * request.sign;
-    boundary.is_total = request.is_total;
-    if (request.kind->has_series()) {
-      ImposedSeries imposed = read_boundary_series(request.file, *request.kind);
-      boundary.series = std::move(imposed.series);
-      boundary.is_total = imposed.is_total;
-      boundary.series.file = series_name(request.name, file_names);
-      for (double& value : boundary.series.values) value *= request.sign;
-      boundary.value = boundary.series.values.front();
-    }
+    boundary = boundary_of(request, file_names);
   }
   return list;
 }
@@ -146,6 +135,23 @@ std::string forms_of_boundaries(bool with_sediments) {
     if (kind.with_sediments || !with_sediments) forms.push_back(form_of(kind));
   }
   return utils::alternatives(forms);
+}
+
+Boundary boundary_of(const BoundaryRequest& request, std::set<std::string>& taken_files) {
+  Boundary boundary;
+  boundary.name = request.name;
+  boundary.is_given = true;
+  boundary.kind = request.kind;
+  boundary.value = request.value * request.sign;
+  boundary.is_total = request.is_total;
+  if (!request.kind->has_series()) return boundary;
+  ImposedSeries imposed = read_boundary_series(request.file, *request.kind);
+  boundary.series = std::move(imposed.series);
+  boundary.is_total = imposed.is_total;
+  boundary.series.file = series_name(request.name, taken_files);
+  for (double& value : boundary.series.values) value *= request.sign;
+  boundary.value = boundary.series.values.front();
+  return boundary;
 }
 
 std::optional<std::string> set_condition(const std::string& kind,

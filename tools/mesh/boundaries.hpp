@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,10 @@ struct Boundary {
 
   bool lets_water_pass() const { return kind->code != edge_code::wall && n_edges > 0; }
 };
+
+/// The boundary that a request asks for, without its edges; reads its series, whose file in the
+/// case gets a name that is not taken yet, and takes it. Throws tools::Error.
+Boundary boundary_of(const BoundaryRequest& request, std::set<std::string>& taken_files);
 
 struct Boundaries {
   std::vector<Boundary> list;

@@ -57,12 +57,11 @@ std::vector<double> snapshots_every(double interval, const Case& contents) {
   return times;
 }
 
-/// When the outputs are written. Snapshots have round times; envelopes, gauges and sections, of
-/// which only the interval can be chosen, come a little more often instead, so that the last one
-/// comes shortly before the end.
-void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out) {
+}  // namespace
+
+void set_outputs(std::optional<double> asked_interval, Case& contents, std::ostream& out) {
   constexpr double usual_intervals = 10.0, recordings_per_interval = 10.0;
-  const double interval = options.interval.value_or(contents.end / usual_intervals);
+  const double interval = asked_interval.value_or(contents.end / usual_intervals);
   contents.envelope_interval = cases::interval_up_to_the_end({0.0, contents.end}, interval);
   contents.recording_interval =
       cases::interval_up_to_the_end({0.0, contents.end}, interval / recordings_per_interval);
@@ -77,6 +76,8 @@ void set_outputs(const ImportOptions& options, Case& contents, std::ostream& out
   }
   out << " and the envelope every " << shown(contents.envelope_interval) << " s.\n";
 }
+
+namespace {
 
 /// The scheme that was asked for, or the usual one for the case.
 void set_scheme(const ImportOptions& options, Case& contents, std::ostream& out) {
@@ -151,7 +152,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
   contents.arrival_depth = options.maxima;
   set_scheme(options, contents, out);
   set_times(options, contents, out);
-  set_outputs(options, contents, out);
+  set_outputs(options.interval, contents, out);
   place_gauges(options, contents, out);
 }
 

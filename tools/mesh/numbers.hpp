@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "utils/number_text.hpp"
 
@@ -22,6 +23,11 @@ inline std::string shown_point(double x, double y) {
 inline double as_written(double value) {
   return utils::parse_finite_number(utils::number_text(value + 0.0, utils::input_digits))
       .value_or(value);
+}
+
+inline std::vector<double> all_as_written(std::vector<double> values) {
+  for (double& value : values) value = as_written(value);
+  return values;
 }
 
 }  // namespace mesh_import

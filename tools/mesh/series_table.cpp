@@ -46,7 +46,7 @@ class Lines {
   int number_ = 0;
 };
 
-std::string_view trimmed(std::string_view text) {
+std::string_view bare_word(std::string_view text) {
   constexpr char blanks[] = " \t\"";
   const std::size_t begin = text.find_first_not_of(blanks);
   if (begin == std::string_view::npos) return {};
@@ -63,7 +63,7 @@ std::vector<std::string_view> columns_of(std::string_view line) {
   std::vector<std::string_view> columns;
   for (std::size_t begin = 0; begin <= line.size();) {
     const std::size_t end = std::min(line.find(separator, begin), line.size());
-    const std::string_view column = trimmed(line.substr(begin, end - begin));
+    const std::string_view column = bare_word(line.substr(begin, end - begin));
     const bool is_unit = separator == ' ' && column.starts_with('[') && !columns.empty();
     if (is_unit) {
       const char* const title = columns.back().data();
@@ -82,7 +82,7 @@ std::optional<Unit> unit_of_title(std::string_view title) {
   if (open != std::string_view::npos) {
     const std::size_t close = title.find_first_of("])", open);
     if (close == std::string_view::npos) return std::nullopt;
-    return parse_unit(trimmed(title.substr(open + 1, close - open - 1)));
+    return parse_unit(bare_word(title.substr(open + 1, close - open - 1)));
   }
   const std::size_t mark = title.find_last_of(" _");
   return parse_unit(mark == std::string_view::npos ? title : title.substr(mark + 1));
