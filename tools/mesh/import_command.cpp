@@ -91,7 +91,9 @@ void import_case(ImportOptions options, std::ostream& out) {
 
 void add_import_command(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
-      "import", "Makes a case folder from a mesh of Gmsh (.msh 2.2 or 4.1, .geo) or SMS (.2dm).");
+      "import",
+      "Makes a case folder from a mesh of Gmsh (.msh 2.2 or 4.1, .geo), SMS (.2dm) or "
+      "in SELAFIN (.slf).");
   command->formatter_fn([](const CLI::App* self, std::string name, CLI::AppFormatMode mode) {
     return mesh_import::examples + CLI::Formatter().make_help(self, std::move(name), mode);
   });

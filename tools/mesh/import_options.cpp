@@ -43,7 +43,7 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
         ->type_size(1)
         ->allow_extra_args(false);
   };
-  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo or .2dm")->required();
+  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo, .2dm or .slf")->required();
   command.add_option("CASE", options.folder, "Folder of the case, made if needed")->required();
   command
       .add_option("--merge-nodes", options.merge_distance,

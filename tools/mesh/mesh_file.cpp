@@ -4,6 +4,7 @@
 
 #include "mesh/geo_mesher.hpp"
 #include "mesh/gmsh_reader.hpp"
+#include "mesh/selafin_reader.hpp"
 #include "mesh/small_letters.hpp"
 #include "mesh/sms_reader.hpp"
 #include "support/Error.hpp"
@@ -18,8 +19,9 @@ Mesh read_mesh_file(const std::string& path, bool allows_commands) {
   if (extension == ".msh") return read_msh(path);
   if (extension == ".geo") return mesh_geo(path, allows_commands);
   if (extension == ".2dm") return read_2dm(path);
+  if (extension == ".slf" || extension == ".sel") return read_selafin(path);
   throw tools::Error(path + ": found the extension \"" + found +
-                     "\", expected .msh, .geo or .2dm.");
+                     "\", expected .msh, .geo, .2dm, .slf or .sel.");
 }
 
 std::string read_whole_file(const std::string& path) {

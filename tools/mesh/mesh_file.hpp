@@ -7,7 +7,7 @@
 
 namespace mesh_import {
 
-/// Reads a mesh; its extension tells the format (.msh, .geo, .2dm). A .geo may run commands only if
+/// Reads a mesh; its extension tells the format (.msh, .geo, .2dm, .slf). A .geo may run commands only if
 /// they are allowed. Throws tools::Error.
 Mesh read_mesh_file(const std::string& path, bool allows_commands = false);
 
