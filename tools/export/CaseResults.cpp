@@ -91,18 +91,18 @@ bool CaseResults::has_envelope() const {
   return std::filesystem::exists(envelope_file()) && !log.is_earlier(envelope_file());
 }
 
-std::optional<std::vector<float>> CaseResults::max_depth(BelowZero* below_zero) const {
+std::optional<std::vector<double>> CaseResults::max_depth(BelowZero* below_zero) const {
   if (!has_envelope()) return std::nullopt;
   TableReader table(envelope_file());
   std::array<double, 4> row;
-  std::vector<float> depth;
+  std::vector<double> depth;
   depth.reserve(mesh.n_cells());
   while (table.next_row(row)) {
     if (depth.size() == mesh.n_cells()) {
       table.refuse(": found a row more than the " + std::to_string(depth.size()) +
                    " cells of the mesh. Is it a result of this case?");
     }
-    depth.push_back(static_cast<float>(row[3]));
+    depth.push_back(row[3]);
   }
   if (depth.size() < mesh.n_cells()) {
     table.refuse(": found the end of the file, expected " + std::to_string(mesh.n_cells()) +

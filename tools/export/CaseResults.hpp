@@ -30,7 +30,7 @@ struct CaseResults {
   std::vector<double> node_bed() const;
   /// Largest depths of the cells (m) from the envelope; none if the last run has written none.
   /// Depths below zero become zero, of which `below_zero` is told.
-  std::optional<std::vector<float>> max_depth(BelowZero* below_zero = nullptr) const;
+  std::optional<std::vector<double>> max_depth(BelowZero* below_zero = nullptr) const;
   /// Whether the last run has written the maxima of the flow.
   bool has_maxima() const;
   /// The snapshot for a time, or the last one; refuses when there is none, and says which there

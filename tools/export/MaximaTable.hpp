@@ -1,4 +1,4 @@
-// The maxima of the flow of a run, with names and units: one list for every format.
+// The table of the maxima of the flow of a run.
 #pragma once
 
 #include <array>
@@ -10,23 +10,8 @@
 
 namespace exports {
 
-/// A column of the table as exports call it. nan stands where something has not been.
-struct MaximaQuantity {
-  const char* name;  ///< "arrival_time"
-  const char* long_name;
-  const char* unit;
-  std::size_t column;  ///< of fields::maxima_columns
-};
-
-inline constexpr std::array<MaximaQuantity, 8> maxima_quantities = {
-    {{"peak_depth", "peak depth", "m", 1},
-     {"peak_level", "peak water level", "m", 2},
-     {"peak_speed", "peak speed", "m s-1", 3},
-     {"peak_discharge", "peak unit discharge", "m2 s-1", 4},
-     {"hazard", "peak product of depth and speed", "m2 s-1", 5},
-     {"time_of_peak", "time of the peak depth", "s", 6},
-     {"arrival_time", "time of arrival", "s", 7},
-     {"time_under_water", "time under water", "s", 8}}};
+using fields::maxima_quantities;
+using fields::MaximaQuantity;
 
 /// One value per cell in every column of fields::maxima_columns. Six significant digits survive in
 /// a float.

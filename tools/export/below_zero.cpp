@@ -18,13 +18,14 @@ void BelowZero::tell() const {
                     : " that never were deeper."));
 }
 
-BelowZero dry_below_zero(const Mesh& mesh, std::optional<double> time, std::vector<float>& depths) {
+BelowZero dry_below_zero(const Mesh& mesh, std::optional<double> time,
+                         std::vector<double>& depths) {
   BelowZero found;
   found.time = time;
   for (std::size_t i = 0; i < depths.size(); ++i) {
-    const auto depth = static_cast<double>(depths[i]);
+    const double depth = depths[i];
     if (!(depth < 0.0)) continue;
-    depths[i] = 0.0f;
+    depths[i] = 0.0;
     if (depth >= rounding_of_depth) continue;
     ++found.cells;
     found.volume -= depth * mesh.area_of(i);

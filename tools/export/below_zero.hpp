@@ -24,6 +24,6 @@ struct BelowZero {
 inline constexpr double rounding_of_depth = -1e-9;
 
 /// Sets depths of cells (m) that are below zero to zero, and tells what they lacked.
-BelowZero dry_below_zero(const Mesh& mesh, std::optional<double> time, std::vector<float>& depths);
+BelowZero dry_below_zero(const Mesh& mesh, std::optional<double> time, std::vector<double>& depths);
 
 }  // namespace exports

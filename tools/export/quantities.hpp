@@ -1,4 +1,4 @@
-// The quantities that a case's results give, with names and units: one list for every format.
+// The quantities that a case's results give, for data sets and for maps.
 #pragma once
 
 #include <optional>
@@ -8,32 +8,19 @@
 #include "export/CaseResults.hpp"
 #include "export/MaximaTable.hpp"
 #include "export/SnapshotReader.hpp"
+#include "fields/quantities.hpp"
 
 namespace exports {
 
-/// A quantity of a snapshot. Vectors have two, the x and after it the y component.
-struct Quantity {
-  enum class Part { scalar, x, y };
-  /// What a dry cell shows: its value; its value in data sets, but nothing on maps; or nothing.
-  enum class WhenDry { shown, left_off_maps, hidden };
-
-  std::string name;       ///< "velocity" for both components of the velocity
-  std::string long_name;  ///< as a legend says it
-  std::string unit;
-  Part part;
-  WhenDry when_dry;
-  float (*of_cell)(const CaseResults&, const Snapshot&, std::size_t cell);
-};
+using fields::Quantity;
 
 /// Those that go into data sets.
 std::vector<Quantity> dataset_quantities(const CaseFiles& files);
-/// velocity_x for the x component of the velocity.
-std::string variable_name(const Quantity& quantity);
 /// The values of all cells; nan where a dry cell hides them.
-void evaluate(const Quantity& quantity, const CaseResults& results, const Snapshot& snapshot,
+void evaluate(const Quantity& quantity, const CaseResults& results, const fields::Columns& columns,
               std::vector<float>& values);
 /// The level (m) of the largest depths over a bed that does not move; nan where dry.
-std::vector<float> max_level(const CaseResults& results, const std::vector<float>& max_depth);
+std::vector<float> max_level(const CaseResults& results, const std::vector<double>& max_depth);
 
 /// One value per cell, nan where there is nothing to show.
 struct MapField {

@@ -35,7 +35,9 @@ class UgridWriter {
   void write() {
     put_mesh();
     if (bed_ >= 0) file_.put(bed_, results_.bed.data());
-    if (max_depth_) file_.put(max_depth_variable_, max_depth_->data());
+    if (max_depth_)
+      file_.put(max_depth_variable_,
+                std::vector<float>(max_depth_->begin(), max_depth_->end()).data());
     if (max_level_variable_ >= 0) {
       file_.put(max_level_variable_, max_level(results_, *max_depth_).data());
     }
@@ -51,7 +53,7 @@ class UgridWriter {
       read_snapshot(results_, results_.snapshots[record], snapshot);
       file_.put_record(time_variable_, record, snapshot.time);
       for (std::size_t k = 0; k < quantities_.size(); ++k) {
-        evaluate(quantities_[k], results_, snapshot, values);
+        evaluate(quantities_[k], results_, snapshot.columns, values);
         file_.put_record(variables_[k], record, values);
       }
     }
@@ -134,7 +136,8 @@ class UgridWriter {
       describe(bed_, "bed elevation", "m");
     }
     for (const Quantity& quantity : quantities_) {
-      variables_.push_back(add_result("Mesh2d_" + variable_name(quantity), {time_, faces_}));
+      variables_.push_back(
+          add_result("Mesh2d_" + fields::variable_name(quantity), {time_, faces_}));
       describe(variables_.back(), long_name(quantity), quantity.unit);
     }
     if (results_.has_maxima()) {
@@ -214,7 +217,7 @@ class UgridWriter {
   const CaseResults& results_;
   const UgridOptions& options_;
   std::vector<Quantity> quantities_;
-  std::optional<std::vector<float>> max_depth_;
+  std::optional<std::vector<double>> max_depth_;
   NetcdfFile file_;
   int nodes_ = 0, faces_ = 0, corners_ = 0, time_ = 0;
   int topology_ = 0, crs_ = -1;

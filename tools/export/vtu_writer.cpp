@@ -121,7 +121,7 @@ void add_vector(VtuFile& file, const Quantity& x, const Quantity& y, const CaseR
     std::vector<float> component;
     values.assign(3 * n, 0.0f);
     for (std::size_t k = 0; k < 2; ++k) {
-      evaluate(k == 0 ? x : y, results, snapshot, component);
+      evaluate(k == 0 ? x : y, results, snapshot.columns, component);
       for (std::size_t i = 0; i < n; ++i) {
         if (!std::isnan(component[i])) values[3 * i + k] = component[i];
       }
@@ -143,7 +143,7 @@ void write_snapshot(const fs::path& name, const CaseResults& results, const Snap
       add_vector(file, quantity, quantities[k + 1], results, snapshot);
     } else if (quantity.part == Quantity::Part::scalar) {
       file.add<float>(quantity.name, 1, n,
-                      [&](auto& values) { evaluate(quantity, results, snapshot, values); });
+                      [&](auto& values) { evaluate(quantity, results, snapshot.columns, values); });
     }
   }
   file.end("CellData");
@@ -151,12 +151,13 @@ void write_snapshot(const fs::path& name, const CaseResults& results, const Snap
 }
 
 void write_envelope(const fs::path& name, const CaseResults& results,
-                    const std::vector<float>& max_depth, bool has_relief) {
+                    const std::vector<double>& max_depth, bool has_relief) {
   VtuFile file(name, results.mesh.n_nodes(), results.mesh.n_cells());
   add_mesh(file, results, has_relief);
   file.begin("CellData");
-  file.add<float>("max_depth", 1, max_depth.size(),
-                  [&max_depth](auto& values) { values = max_depth; });
+  file.add<float>("max_depth", 1, max_depth.size(), [&max_depth](auto& values) {
+    values.assign(max_depth.begin(), max_depth.end());
+  });
   if (!results.files.has_sediment) {
     add_bed(file, results);
     file.add<float>("max_level", 1, max_depth.size(),
