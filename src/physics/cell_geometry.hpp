@@ -49,6 +49,16 @@ QM_HD inline double twice_signed_area(PlanPoint a, PlanPoint b, PlanPoint c) {
   return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
 }
 
+/// Twice the area (m2) of a cell of n nodes; negative where they run clockwise.
+template <class NodeAt>
+QM_HD double twice_signed_cell_area(int n, const NodeAt& node_at) {
+  double sum = 0.0;
+  for (int i = 1; i + 1 < n; ++i) {
+    sum += twice_signed_area(node_at(0), node_at(i), node_at(i + 1));
+  }
+  return sum;
+}
+
 /// Area (m2) of a triangle, whichever way its corners run.
 QM_HD inline double triangle_area(PlanPoint a, PlanPoint b, PlanPoint c) {
   const double twice_area = a.x * b.y + b.x * c.y + c.x * a.y - b.x * a.y - a.x * c.y - c.x * b.y;

@@ -12,6 +12,18 @@ namespace utils {
 namespace {
 constexpr int writing = O_WRONLY | O_CREAT | O_CLOEXEC;
 constexpr mode_t for_everyone = 0666;  // less what the umask of the process takes away
+
+/// Calls write(begin, size, bytes done so far) until a whole text is written.
+template <class Write>
+int write_with(const Write& write, std::string_view text) {
+  for (std::size_t done = 0; done < text.size();) {
+    const ssize_t written = write(text.data() + done, text.size() - done, done);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return written < 0 ? errno : EIO;
+    done += static_cast<std::size_t>(written);
+  }
+  return 0;
+}
 }  // namespace
 
 int WritableFile::open(const std::string& name) {
@@ -45,13 +57,17 @@ bool WritableFile::is_regular() const {
 }
 
 int WritableFile::write(std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(descriptor_, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return written < 0 ? errno : EIO;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
+  return write_with([this](const char* begin, std::size_t size,
+                           std::size_t) { return ::write(descriptor_, begin, size); },
+                    text);
+}
+
+int WritableFile::write_at(std::uintmax_t place, std::string_view text) {
+  return write_with(
+      [&](const char* begin, std::size_t size, std::size_t done) {
+        return pwrite(descriptor_, begin, size, static_cast<off_t>(place + done));
+      },
+      text);
 }
 
 int WritableFile::cut_off(std::uintmax_t size) {

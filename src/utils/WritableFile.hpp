@@ -32,6 +32,8 @@ class WritableFile {
   bool is_regular() const;
   /// Writes the whole text, in one piece if the system takes it so.
   int write(std::string_view text);
+  /// Writes the whole text at a place (bytes from the beginning) of a file on a disk.
+  int write_at(std::uintmax_t place, std::string_view text);
   /// Cuts the file off at a size (bytes).
   int cut_off(std::uintmax_t size);
   /// Waits until all that was written lies on the disk.

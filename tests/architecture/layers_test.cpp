@@ -29,6 +29,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},
     {"fields", {"physics", "case", "engine", "model", "ranks", "globals", "utils"}},
+    {"ugrid", {"physics", "fields", "utils"}},
     {"output", {"physics", "case", "fields", "utils"}},
     {"report", {"physics", "case", "fields", "utils"}},
     {"checkpoint", {"physics", "case", "fields", "output", "utils"}},

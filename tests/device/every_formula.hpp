@@ -289,6 +289,7 @@ QM_HD inline void add_geometry(Results& results, Random& random) {
   const double accurate = physics::cell_area_of_differences(3, corner);
   add(results, area);
   add(results, accurate);
+  add(results, physics::twice_signed_cell_area(3, corner));
   add(results, physics::area_loss(area, accurate));
 }
 

@@ -44,6 +44,14 @@ TEST(CellArea, OfAHollowPolygonIsTheSameSumOfItsFanFromDifferences) {
   EXPECT_DOUBLE_EQ(physics::cell_area_of_differences(4, node_at), 6.0);
 }
 
+TEST(SignedCellArea, IsThatOfThePolygonAndNegativeWhereItRunsClockwise) {
+  const std::vector<PlanPoint> hollow = {{0, 0}, {4, 0}, {1, 1}, {0, 4}};
+  const auto node_at = [&](int i) { return hollow[static_cast<std::size_t>(i)]; };
+  const auto backwards = [&](int i) { return hollow[static_cast<std::size_t>(3 - i)]; };
+  EXPECT_EQ(physics::twice_signed_cell_area(4, node_at), 8.0);
+  EXPECT_EQ(physics::twice_signed_cell_area(4, backwards), -8.0);
+}
+
 TEST(AreaLoss, IsRelativeToTheAccurateAreaAndNothingWhereBothAreZero) {
   EXPECT_DOUBLE_EQ(physics::area_loss(1.5, 2.0), 0.25);
   EXPECT_DOUBLE_EQ(physics::area_loss(2.5, 2.0), 0.25);

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <string>
 
+#include "case/node_bed.hpp"
 #include "case/read_fields.hpp"
 #include "export/TableReader.hpp"
 #include "support/Error.hpp"
@@ -74,17 +75,7 @@ void CaseResults::find_snapshots() {
 
 std::vector<double> CaseResults::node_bed() const {
   if (!files.fixed_bed && !files.sediment_thickness) return mesh.z;
-  std::vector<double> sum(mesh.n_nodes(), 0.0), count(mesh.n_nodes(), 0.0);
-  for (std::size_t i = 0; i < mesh.n_cells(); ++i) {
-    for (const int node : mesh.nodes_of(i)) {
-      sum[static_cast<std::size_t>(node)] += bed[i];
-      ++count[static_cast<std::size_t>(node)];
-    }
-  }
-  for (std::size_t k = 0; k < sum.size(); ++k) {
-    sum[k] = count[k] > 0.0 ? sum[k] / count[k] : mesh.z[k];
-  }
-  return sum;
+  return cases::bed_at_nodes(mesh, bed);
 }
 
 bool CaseResults::has_envelope() const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "case/MeshReader.hpp"
+#include "physics/cell_geometry.hpp"
 #include "support/Error.hpp"
 
 namespace exports {
@@ -25,17 +26,11 @@ void read_nodes(Mesh& mesh, const std::string& file) {
 
 /// Twice the area of a polygon, positive if its nodes run counter-clockwise.
 double signed_double_area(const Mesh& mesh, std::span<const int> polygon) {
-  double sum = 0.0;
-  const auto at = [](const std::vector<double>& v, int i) {
-    return v[static_cast<std::size_t>(i)];
+  const auto node_at = [&](int i) {
+    const auto node = static_cast<std::size_t>(polygon[static_cast<std::size_t>(i)]);
+    return physics::PlanPoint{mesh.x[node], mesh.y[node]};
   };
-  const double x0 = at(mesh.x, polygon[0]), y0 = at(mesh.y, polygon[0]);
-  for (std::size_t k = 1; k + 1 < polygon.size(); ++k) {
-    const int a = polygon[k], b = polygon[k + 1];
-    sum +=
-        (at(mesh.x, a) - x0) * (at(mesh.y, b) - y0) - (at(mesh.x, b) - x0) * (at(mesh.y, a) - y0);
-  }
-  return sum;
+  return physics::twice_signed_cell_area(static_cast<int>(polygon.size()), node_at);
 }
 
 double mean(const std::vector<double>& values, std::span<const int> nodes) {
@@ -66,12 +61,6 @@ void read_cells(Mesh& mesh, const std::string& file) {
 }
 
 }  // namespace
-
-int Mesh::most_nodes_per_cell() const {
-  int most = 0;
-  for (std::size_t i = 0; i + 1 < first.size(); ++i) most = std::max(most, first[i + 1] - first[i]);
-  return most;
-}
 
 double Mesh::area_of(std::size_t cell) const {
   return 0.5 * signed_double_area(*this, nodes_of(cell));

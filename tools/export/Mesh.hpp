@@ -23,7 +23,6 @@ struct Mesh {
     return std::span(nodes).subspan(static_cast<std::size_t>(first[cell]),
                                     static_cast<std::size_t>(first[cell + 1] - first[cell]));
   }
-  int most_nodes_per_cell() const;
   double area_of(std::size_t cell) const;  ///< m2
 };
 

@@ -16,7 +16,8 @@ struct UgridOptions {
   bool is_compressed = false;                 ///< netCDF-4, deflated, in place of classic netCDF
 };
 
-/// Writes the file, one snapshot after the other. Without netCDF-C in the build it is refused.
+/// Writes the file, one snapshot after the other. Without netCDF-C in the build a compressed one is
+/// refused.
 void write_ugrid(const CaseResults& results, const UgridOptions& options);
 
 }  // namespace exports

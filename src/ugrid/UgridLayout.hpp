@@ -1,0 +1,95 @@
+// UGRID-1.0 in CF NetCDF: what a file of results is made of, as QGIS opens it as a mesh layer. One
+// text for the exports and for the runs that write results while they go on.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "fields/quantities.hpp"
+#include "ugrid/DataFile.hpp"
+#include "ugrid/Definitions.hpp"
+#include "ugrid/Mesh.hpp"
+
+namespace ugrid {
+
+/// A coordinate reference system.
+struct Crs {
+  int epsg = 0;
+  /// How CF describes it, as attributes of a grid mapping: Climate and Forecast Metadata
+  /// Conventions 1.8, appendix F. Empty where nothing but the code is known.
+  std::vector<std::pair<std::string, std::string>> texts;
+  std::vector<std::pair<std::string, double>> numbers;
+};
+
+/// What a file says of a run, but for the numbers.
+struct Contents {
+  std::string title;       ///< name of the run
+  std::optional<Crs> crs;  ///< none: none is claimed
+  std::string epoch;       ///< date and hour, UTC, of the time 0 s: "2026-05-01 06:00:00"
+  std::size_t n_nodes, n_faces;
+  std::size_t width;   ///< most nodes of a cell
+  bool has_sediments;  ///< the bed moves
+  bool has_infiltration;
+  bool has_maxima_of_flow;
+  bool has_largest_depths;
+  bool is_double;  ///< 64 bits for every value of a result, in place of 32
+};
+
+class UgridLayout {
+ public:
+  explicit UgridLayout(const Contents& contents);
+
+  const Definitions& definitions() const { return definitions_; }
+
+  /// Puts all that does not change while a run goes on. `bed` is that of the cells at the start, m.
+  void put_mesh(DataFile& file, const Mesh& mesh, const std::vector<double>& bed) const;
+  /// Puts the state of a time t (s) as a record.
+  void put_snapshot(DataFile& file, std::size_t record, double t,
+                    const fields::CellValues& cells) const;
+  /// Puts what is of the whole run.
+  void put_maxima(DataFile& file, const fields::CellValues& cells) const;
+  /// Puts that nothing is known of the whole run.
+  void put_no_maxima(DataFile& file) const;
+
+  const std::vector<fields::Quantity>& quantities_in_time() const { return in_time_.quantities; }
+  const std::vector<fields::Quantity>& maxima() const { return maxima_.quantities; }
+
+ private:
+  /// Quantities, of which the first is a variable of this number, and so on.
+  struct Results {
+    std::size_t first_variable = 0;
+    std::vector<fields::Quantity> quantities;
+  };
+
+  void define_mesh();
+  std::size_t add_coordinate(const char* name, std::size_t dimension, const std::string& axis,
+                             const std::string& where);
+  void define_crs(const std::optional<Crs>& crs);
+  void define_results(const Contents& contents);
+  void add_results(std::vector<fields::Quantity> quantities,
+                   const std::vector<std::size_t>& dimensions, Results& results);
+  std::size_t add_variable(const std::string& name, Type type, std::vector<std::size_t> dimensions);
+  void add_attribute(std::size_t variable, const char* name,
+                     std::variant<std::string, int, float, double> value);
+  void describe(std::size_t variable, const std::string& long_name, const std::string& unit);
+  void place(std::size_t variable, const std::string& location);
+  void add_grid_mapping(std::size_t variable);
+
+  template <class Real>
+  void put_results(DataFile& file, std::size_t record, const Results& results,
+                   const fields::CellValues& cells) const;
+
+  Definitions definitions_;
+  std::size_t n_faces_;
+  bool has_crs_, is_double_;
+  std::size_t topology_ = 0, crs_ = 0;
+  std::size_t node_x_ = 0, node_y_ = 0, node_z_ = 0, face_x_ = 0, face_y_ = 0, face_nodes_ = 0;
+  std::size_t time_ = 0;
+  std::optional<std::size_t> bed_;
+  Results in_time_, maxima_;
+};
+
+}  // namespace ugrid

@@ -1,0 +1,135 @@
+// What files hold, value by value. How readers take it is looked at in the tests of the exports.
+#include "ugrid/UgridLayout.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <map>
+
+#include "ugrid/square.hpp"
+
+namespace {
+
+using fields::Field;
+
+/// Keeps what it is given, by the names of the variables.
+class KeptFile : public ugrid::DataFile {
+ public:
+  explicit KeptFile(const ugrid::Definitions& definitions) : definitions_(definitions) {}
+
+  void put(std::size_t variable, std::size_t record, std::span<const int> values) override {
+    keep(variable, record, values, ugrid::Type::integer);
+  }
+  void put(std::size_t variable, std::size_t record, std::span<const float> values) override {
+    keep(variable, record, values, ugrid::Type::single_precision);
+  }
+  void put(std::size_t variable, std::size_t record, std::span<const double> values) override {
+    keep(variable, record, values, ugrid::Type::double_precision);
+  }
+  const std::vector<double>& of(const std::string& name, std::size_t record = 0) const {
+    return kept_.at({name, record});
+  }
+  bool has(const std::string& name) const { return kept_.count({name, 0}) > 0; }
+
+ private:
+  void keep(std::size_t variable, std::size_t record, auto values, ugrid::Type type) {
+    const ugrid::Variable& defined = definitions_.variables[variable];
+    EXPECT_EQ(defined.type, type) << defined.name;
+    EXPECT_EQ(definitions_.n_values(defined), values.size()) << defined.name;
+    kept_[{defined.name, record}].assign(values.begin(), values.end());
+  }
+
+  const ugrid::Definitions& definitions_;
+  std::map<std::pair<std::string, std::size_t>, std::vector<double>> kept_;
+};
+
+ugrid::Contents contents_of_square() {
+  return {.title = "Square",
+          .crs = std::nullopt,
+          .epoch = "1970-01-01 00:00:00",
+          .n_nodes = 4,
+          .n_faces = 2,
+          .width = 3,
+          .has_sediments = false,
+          .has_infiltration = false,
+          .has_maxima_of_flow = false,
+          .has_largest_depths = true,
+          .is_double = false};
+}
+
+/// The second cell is dry.
+fields::Columns water() {
+  fields::Columns columns;
+  columns[Field::depth] = {4.0, 0.0};
+  columns[Field::discharge_x] = {2.0, 0.0};
+  columns[Field::discharge_y] = {-1.0, 0.0};
+  columns[Field::largest_depth] = {5.0, 0.0};
+  return columns;
+}
+
+const ugrid::Variable& variable(const ugrid::UgridLayout& layout, const std::string& name) {
+  for (const ugrid::Variable& variable : layout.definitions().variables) {
+    if (variable.name == name) return variable;
+  }
+  throw std::out_of_range(name);
+}
+
+TEST(UgridLayout, PutsTheMeshTheFlowAndItsLargestDepths) {
+  for (const bool is_double : {false, true}) {
+    ugrid::Contents contents = contents_of_square();
+    contents.is_double = is_double;
+    const ugrid::UgridLayout layout(contents);
+    KeptFile file(layout.definitions());
+    const std::vector<double> bed{1.0, 3.0};
+    const fields::Columns columns = water();
+    layout.put_mesh(file, ugrid::mesh_of(support::square(), {0.0, 0.0}, support::square().z), bed);
+    layout.put_snapshot(file, 3, 60.0, {columns, bed, 0.001});
+    layout.put_maxima(file, {columns, bed, 0.001});
+    EXPECT_EQ(file.of("Mesh2d_node_z"), (std::vector<double>{0.0, 0.0, 3.0, 6.0}));
+    EXPECT_EQ(file.of("Mesh2d_face_nodes"), (std::vector<double>{0, 1, 2, 0, 2, 3}));
+    EXPECT_EQ(file.of("Mesh2d_bed"), bed);
+    EXPECT_EQ(file.of("time", 3), (std::vector<double>{60.0}));
+    EXPECT_EQ(file.of("Mesh2d_depth", 3), (std::vector<double>{4.0, 0.0}));
+    EXPECT_EQ(file.of("Mesh2d_level", 3)[0], 5.0);
+    EXPECT_EQ(file.of("Mesh2d_velocity_y", 3)[0], -0.25);
+    EXPECT_TRUE(std::isnan(file.of("Mesh2d_velocity_y", 3)[1]));
+    EXPECT_EQ(file.of("Mesh2d_max_depth"), (std::vector<double>{5.0, 0.0}));
+    EXPECT_EQ(file.of("Mesh2d_max_level")[0], 6.0);
+  }
+}
+
+TEST(UgridLayout, PutsNoNumbersWhereTheLargestDepthsAreNotKnown) {
+  const ugrid::UgridLayout layout(contents_of_square());
+  KeptFile file(layout.definitions());
+  layout.put_no_maxima(file);
+  for (const char* const name : {"Mesh2d_max_depth", "Mesh2d_max_level"}) {
+    EXPECT_TRUE(std::isnan(file.of(name)[0])) << name;
+    EXPECT_TRUE(std::isnan(file.of(name)[1])) << name;
+  }
+  EXPECT_FALSE(file.has("Mesh2d_depth"));
+}
+
+TEST(UgridLayout, NamesTheReferenceSystemWhereThereIsOne) {
+  ugrid::Contents contents = contents_of_square();
+  EXPECT_THROW(variable(ugrid::UgridLayout(contents), "crs"), std::out_of_range);
+  contents.crs = ugrid::Crs{32632, {{"grid_mapping_name", "transverse_mercator"}}, {{"k", 0.5}}};
+  const ugrid::UgridLayout layout(contents);
+  const auto& attributes = variable(layout, "crs").attributes;
+  ASSERT_EQ(attributes.size(), 5U);
+  EXPECT_EQ(std::get<std::string>(attributes[1].value), "EPSG:32632");
+  EXPECT_EQ(std::get<int>(attributes[2].value), 32632);
+  EXPECT_EQ(std::get<double>(attributes[4].value), 0.5);
+  EXPECT_EQ(variable(layout, "Mesh2d_depth").attributes.back().name, "grid_mapping");
+}
+
+TEST(UgridLayout, HasTheQuantitiesOfItsModel) {
+  ugrid::Contents contents = contents_of_square();
+  contents.has_sediments = contents.has_maxima_of_flow = true;
+  const ugrid::UgridLayout layout(contents);
+  EXPECT_TRUE(layout.definitions().grows(variable(layout, "Mesh2d_bed")));
+  EXPECT_FALSE(layout.definitions().grows(variable(layout, "Mesh2d_arrival_time")));
+  EXPECT_EQ(layout.maxima().size(), 9U);
+  EXPECT_EQ(layout.quantities_in_time().size(), 11U);
+}
+
+}  // namespace
