@@ -6,6 +6,7 @@
 
 #include "case/Case.hpp"
 #include "case/FileNames.hpp"
+#include "case/reference.hpp"
 
 namespace cases {
 
@@ -19,6 +20,9 @@ struct DataFile {
   FileNames cell_files;  ///< those with numbers for every cell
   std::optional<std::string> rainfall, hyetocells;
   std::optional<std::string> infiltration, infiltracells;
+
+  std::optional<int> epsg;          ///< code of the reference system of the mesh
+  std::string epoch = usual_epoch;  ///< date and hour of the time 0 s, UTC
 
   std::string output_folder;  ///< prefix of the names of results
   double dt_enveloppe = 0.0;  ///< between envelopes, s

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "case/nearest_key.hpp"
+#include "case/reference.hpp"
 #include "utils/json_file.hpp"
 
 namespace utils {
@@ -58,6 +59,17 @@ T DataFileReader::value_of(const Key& key) const {
   return section.at(name).get<T>();
 }
 
+template <class Read>
+auto DataFileReader::understood(const Key& key, const std::string& expected, const Read& read) const
+    -> decltype(read(std::string())) {
+  if (!has(key)) return {};
+  const auto text = value_of<std::string>(key);
+  auto value = read(text);
+  if (value) return value;
+  throw DataFileReaderException("Error. ", '"' + std::string(key.path) + "\": found \"" + text +
+                                               "\", expected " + expected + ".");
+}
+
 std::string DataFileReader::result_name(const Key& key) const {
   std::string name = value_of<std::string>(key);
   if (!name.empty()) return name;
@@ -93,6 +105,15 @@ double DataFileReader::get_start_time() const { return value_of<double>(key("t0"
 double DataFileReader::get_end_time() const { return value_of<double>(key("tend")); }
 
 double DataFileReader::get_CFL() const { return value_of<double>(key("CFL")); }
+
+std::optional<int> DataFileReader::get_epsg() const {
+  return understood(key("crs"), cases::expected_crs, cases::epsg_of);
+}
+
+std::string DataFileReader::get_epoch() const {
+  return understood(key("epoch"), cases::expected_epoch, cases::epoch_of)
+      .value_or(cases::usual_epoch);
+}
 
 // --- Mesh ---------------------------------------------------------------------------------------
 

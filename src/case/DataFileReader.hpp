@@ -51,6 +51,10 @@ class DataFileReader : public Reader {
   double get_start_time() const;  ///< s
   double get_end_time() const;    ///< s
   double get_CFL() const;         ///< Courant number
+  /// Code of the reference system of the mesh, where one is given.
+  std::optional<int> get_epsg() const;
+  /// Date and hour of the time 0 s, UTC, as in "2026-05-01 06:00:00".
+  std::string get_epoch() const;
 
   std::string get_nodes_file() const;
   std::string get_cells_file() const;
@@ -123,6 +127,11 @@ class DataFileReader : public Reader {
   bool has(const cases::Key& key) const;
   template <class T>
   T value_of(const cases::Key& key) const;
+  /// What `read` makes of the text under a key, if it stands there; a text of which it makes
+  /// nothing is refused.
+  template <class Read>
+  auto understood(const cases::Key& key, const std::string& expected, const Read& read) const
+      -> decltype(read(std::string()));
   /// The name of a file to write, which may not be empty.
   std::string result_name(const cases::Key& key) const;
   /// A number of the model with sediments.

@@ -81,6 +81,8 @@ std::string data_file_text(const Case& contents, const RunRequest& run) {
   data.set(key("t0"), contents.t_start);
   data.set(key("tend"), contents.t_end);
   data.set(key("CFL"), contents.cfl);
+  if (run.epsg) data.set(key("crs"), "EPSG:" + std::to_string(*run.epsg));
+  if (!run.epoch.empty()) data.set(key("epoch"), run.epoch);
   data.set(key("mesh/nodes"), nodes_file_name);
   data.set(key("mesh/cells"), cells_file_name);
   data.set(key("mesh/edges"), edges_file_name);

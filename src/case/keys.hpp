@@ -53,6 +53,11 @@ inline constexpr auto keys = [] {
       {"tend", number, always, "", "s", "end of the simulation"},
       {"CFL", number, always, "", "",
        "Courant number: the step is this times the stable step; 0.9 is a good value"},
+      {"crs", text, optional, "", "",
+       "coordinate reference system of the mesh, as in EPSG:32632, for results and exports"},
+      {"epoch", text, optional, "", "",
+       "date and hour of the time 0 s, UTC, as in 2026-05-01T06:00:00Z, for the same; otherwise "
+       "1970-01-01T00:00:00Z"},
       {"extensions", section, optional, "", "", "kept for later; no run uses it"},
       {"mesh", section, always, "", "", "the mesh"},
       {"mesh/nodes", file, always, "", "m", "nodes of the mesh"},
@@ -63,7 +68,8 @@ inline constexpr auto keys = [] {
       {"model", section, always, "", "", "the model"},
       {"model/name", text, always, "", "", "Quillmere (water) or Bramsett (water and sediments)"},
       {"model/flux scheme", text, always, "", "",
-       "LHLLC, or HLL2 (second order, positive) or HLL1 (its first-order form, with sediments too)"},
+       "LHLLC, or HLL2 (second order, positive) or HLL1 (its first-order form, with sediments "
+       "too)"},
       {"model/zero depth value", number, optional, "0.0001", "m",
        "depth up to which a cell counts as dry"},
       {"model/conditions", section, always, "", "", "fields of the cells"},

@@ -90,6 +90,8 @@ void read_data_file(const utils::DataFileReader& reader, DataFile& data, Case& c
       data.infiltration || data.cell_files.find(key("model/sources/initial infiltration"));
   read_sediment(reader, data, contents.sediment);
   read_outputs(reader, data);
+  data.epsg = reader.get_epsg();
+  data.epoch = reader.get_epoch();
 }
 
 }  // namespace cases

@@ -20,6 +20,8 @@ struct RunRequest {
   std::optional<SnapshotRequest> snapshots;
   std::optional<GaugeRequest> gauges;
   std::optional<SectionRequest> sections;
+  std::optional<int> epsg = {};  ///< code of the reference system of the mesh
+  std::string epoch = {};        ///< date and hour of the time 0 s, UTC
 };
 
 // Names of files of a case that is written.

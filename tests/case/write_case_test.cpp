@@ -216,6 +216,8 @@ TEST_F(WriteCase, WhatIsEmptyIsLeftOut) {
 
 TEST_F(WriteCase, RequestsReadBackToTheirBits) {
   run.origin = {far, -third};
+  run.epsg = 32632;
+  run.epoch = "2026-05-01T06:00:00Z";
   run.final_state = "end of \"it\".txt";
   run.maxima = {"largest.txt", third};
   run.snapshots = {{0.0, third, far}};
@@ -226,6 +228,8 @@ TEST_F(WriteCase, RequestsReadBackToTheirBits) {
   EXPECT_EQ(found.data.simulation_name, run.name);
   EXPECT_EQ(found.data.output_folder, run.output_folder);
   EXPECT_EQ(found.data.dt_enveloppe, run.envelope_interval);
+  EXPECT_EQ(found.data.epsg, 32632);
+  EXPECT_EQ(found.data.epoch, "2026-05-01 06:00:00");
   EXPECT_EQ(found.data.final_state, run.final_state);
   EXPECT_EQ(found.data.maxima->result, "largest.txt");
   expect_same({found.data.maxima->arrival_depth}, {third});

@@ -30,6 +30,8 @@ void read(CaseFiles& files, const utils::DataFileReader& data) {
   files.has_sediment = data.is_sediments();
   files.has_infiltration = data.is_infiltration() || data.is_initial_infiltration();
   files.dry_depth = data.get_zero_depth_value();
+  files.epsg = data.get_epsg();
+  files.epoch = data.get_epoch();
   files.nodes = path(data.get_nodes_file());
   files.cells = path(data.get_cells_file());
   files.edges = path(data.get_edges_file());

@@ -23,7 +23,9 @@ struct CaseFiles {
   std::string title;      ///< name of the run
   bool has_sediment = false;
   bool has_infiltration = false;
-  double dry_depth = 0.0;  ///< depth up to which a cell is dry, m
+  double dry_depth = 0.0;   ///< depth up to which a cell is dry, m
+  std::optional<int> epsg;  ///< code of the reference system of the mesh
+  std::string epoch;        ///< date and hour of the time 0 s
 
   std::string nodes, cells, edges;
   std::array<double, 2> origin{};  ///< what was taken from all coordinates, m

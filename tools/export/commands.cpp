@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+#include "case/keys.hpp"
+#include "case/reference.hpp"
 #include "export/CaseResults.hpp"
 #include "export/crs.hpp"
 #include "export/csv_writer.hpp"
@@ -32,20 +34,22 @@ CLI::App& add_command(CLI::App& app, const char* name, const char* summary, Opti
 }
 
 void add_crs_option(CLI::App& command, std::optional<Crs>& crs) {
-  constexpr std::size_t prefix = 5;  // "EPSG:"
   command
       .add_option_function<std::string>(
           "--crs",
-          [&crs](const std::string& text) { crs = find_crs(std::stoi(text.substr(prefix))); },
-          "Coordinate reference system, as in EPSG:32632")
+          [&crs](const std::string& text) { crs = find_crs(*cases::epsg_of(text), "--crs"); },
+          "Coordinate reference system, as in EPSG:32632 (that of the case)")
       ->check([](const std::string& text) {
-        const bool has_prefix = text.rfind("EPSG:", 0) == 0 || text.rfind("epsg:", 0) == 0;
-        const std::string digits = has_prefix ? text.substr(prefix) : "";
-        const bool is_number = !digits.empty() && digits.size() <= 8 &&
-                               digits.find_first_not_of("0123456789") == std::string::npos;
-        return is_number ? "" : "found \"" + text + "\", expected EPSG: and a number";
+        return cases::epsg_of(text) ? ""
+                                    : "found \"" + text + "\", expected " + cases::expected_crs;
       })
       ->type_name("EPSG:n");
+}
+
+/// Where the option was not given.
+void take_crs_of(const CaseFiles& files, std::optional<Crs>& crs) {
+  if (crs || !files.epsg) return;
+  crs = find_crs(*files.epsg, files.data_file + ": \"" + cases::key("crs").path + '"');
 }
 
 std::string or_default(const std::string& given, const std::string& usual) {
@@ -97,21 +101,23 @@ void add_netcdf_command(CLI::App& app) {
   CLI::App& command = add_command(
       app, "netcdf", "All snapshots and the envelope as UGRID NetCDF, for QGIS", *options);
   add_crs_option(command, options->crs);
-  command.add_option("--epoch", options->epoch, "Date and hour of the time 0 s")
+  command
+      .add_option_function<std::string>(
+          "--epoch",
+          [options](const std::string& text) { options->epoch = *cases::epoch_of(text); },
+          "Date and hour of the time 0 s, UTC, as in 2026-05-01T06:00:00Z (that of the case)")
       ->check([](const std::string& text) {
-        std::string shape = text;
-        for (char& c : shape) c = c >= '0' && c <= '9' ? '0' : c;
-        return shape == "0000-00-00 00:00:00"
-                   ? ""
-                   : "found \"" + text + "\", expected \"YYYY-MM-DD hh:mm:ss\"";
-      })
-      ->capture_default_str();
+        return cases::epoch_of(text) ? ""
+                                     : "found \"" + text + "\", expected " + cases::expected_epoch;
+      });
   command.add_flag("--compress", options->is_compressed, "Smaller, slower: netCDF-4, deflated");
   command.add_option("-o,--output", options->output, "File (CASE/export/results.nc)");
   command.callback([options] {
     const CaseResults results(options->case_name);
     warn_about_missing(results);
     options->output = or_default(options->output, results.files.export_path("results.nc"));
+    options->epoch = or_default(options->epoch, results.files.epoch);
+    take_crs_of(results.files, options->crs);
     write_ugrid(results, *options);
     tell(options->output);
   });
@@ -160,6 +166,7 @@ void add_geotiff_command(CLI::App& app) {
                                           options->dry_depth.value_or(results.files.dry_depth));
     options->output =
         or_default(options->output, results.files.export_path(file_stem(field) + ".tif"));
+    take_crs_of(results.files, options->crs);
     write_geotiff(results.mesh, field, *options);
     field.below_zero.tell();
     tell(options->output);

@@ -87,13 +87,13 @@ void describe_projection(const OGRSpatialReference& reference, Crs& crs) {
 
 }  // namespace
 
-Crs find_crs(int epsg) {
+Crs find_crs(int epsg, const std::string& who) {
   CPLPushErrorHandler(CPLQuietErrorHandler);
   OGRSpatialReference reference;
   const OGRErr error = reference.importFromEPSG(epsg);
   CPLPopErrorHandler();
   if (error != OGRERR_NONE) {
-    throw tools::Error("--crs: EPSG:" + std::to_string(epsg) +
+    throw tools::Error(who + ": EPSG:" + std::to_string(epsg) +
                        " is not known; expected the code of a coordinate reference system, as in "
                        "EPSG:32632.");
   }

@@ -3,6 +3,6 @@
 
 namespace exports {
 
-Crs find_crs(int epsg) { return {epsg, {}, {}}; }
+Crs find_crs(int epsg, const std::string&) { return {epsg, {}, {}}; }
 
 }  // namespace exports

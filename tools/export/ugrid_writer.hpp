@@ -10,10 +10,10 @@
 namespace exports {
 
 struct UgridOptions {
-  std::string output;                         ///< name of the file
-  std::optional<Crs> crs;                     ///< coordinate reference system
-  std::string epoch = "1970-01-01 00:00:00";  ///< date and hour of the time 0 s
-  bool is_compressed = false;                 ///< netCDF-4, deflated, in place of classic netCDF
+  std::string output;          ///< name of the file
+  std::optional<Crs> crs;      ///< coordinate reference system
+  std::string epoch;           ///< date and hour of the time 0 s
+  bool is_compressed = false;  ///< netCDF-4, deflated, in place of classic netCDF
 };
 
 /// Writes the file, one snapshot after the other. Without netCDF-C in the build a compressed one is

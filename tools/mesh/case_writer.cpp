@@ -74,6 +74,8 @@ cases::RunRequest request_of(const Case& imported) {
   run.name = imported.name;
   run.output_folder = "out/";
   run.envelope_interval = imported.envelope_interval;
+  run.epsg = imported.mesh.epsg;
+  run.epoch = imported.epoch;
   if (imported.origin) run.origin = {imported.origin->x, imported.origin->y};
   run.maxima = {"maxima.txt", as_written(imported.arrival_depth)};
   run.final_state = "final.txt";

@@ -24,6 +24,8 @@ struct Gauge {
 /// left out of it.
 struct Case {
   std::string name;
+  std::string
+      epoch;         // date and hour of the time 0 s, UTC; its reference system is that of the mesh
   double end = 0.0;  // s
   double courant = 0.0;
   cases::Scheme scheme = cases::Scheme::lhllc;

@@ -1,7 +1,9 @@
 // The rasters that GDAL reads.
 #include <limits>
 #include <memory>
+#include <string>
 
+#include "case/reference.hpp"
 #include "mesh/quiet_gdal.hpp"
 #include "mesh/raster.hpp"
 #include "support/Error.hpp"
@@ -10,6 +12,15 @@
 namespace mesh_import {
 
 namespace {
+
+/// None where it is not one of EPSG.
+std::optional<int> epsg_of(OGRSpatialReferenceH system) {
+  if (system == nullptr) return std::nullopt;
+  const char* const authority = OSRGetAuthorityName(system, nullptr);
+  const char* const code = OSRGetAuthorityCode(system, nullptr);
+  if (authority == nullptr || code == nullptr) return std::nullopt;
+  return cases::epsg_of(std::string(authority) + ":" + code);
+}
 
 /// `found` is null for a raster that does not tell its system.
 void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, int epsg) {
@@ -51,7 +62,9 @@ RasterData read_with_gdal(const std::string& path, std::optional<int> epsg) {
   if (GDALGetGeoTransform(dataset.get(), data.geometry.data()) != CE_None) {
     refuse("the raster has no coordinates; expected a georeferenced one");
   }
-  if (epsg) warn_of_other_system(path, GDALGetSpatialRef(dataset.get()), *epsg);
+  const OGRSpatialReferenceH system = GDALGetSpatialRef(dataset.get());
+  data.epsg = epsg_of(system);
+  if (epsg) warn_of_other_system(path, system, *epsg);
   const GDALRasterBandH band = GDALGetRasterBand(dataset.get(), 1);
   if (band == nullptr) refuse("the raster has no band of values");
   constexpr std::size_t most_pixels = std::size_t{1} << 28;
@@ -71,6 +84,11 @@ RasterData read_with_gdal(const std::string& path, std::optional<int> epsg) {
     value = is_missing ? std::numeric_limits<double>::quiet_NaN() : value * scale + offset;
   }
   return data;
+}
+
+void require_known_system(int epsg) {
+  const QuietGdal quiet;
+  reference_of(epsg);
 }
 
 }  // namespace mesh_import

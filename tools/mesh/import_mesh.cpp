@@ -41,7 +41,9 @@ Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
 
 void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   if (!options.terrain.empty()) {
-    const int n_filled = set_elevations(mesh, Raster(options.terrain, mesh.epsg), options.fill);
+    const Raster terrain(options.terrain, mesh.epsg);
+    if (!mesh.epsg) mesh.epsg = terrain.epsg();
+    const int n_filled = set_elevations(mesh, terrain, options.fill);
     if (n_filled > 0) {
       out << "No terrain under " << utils::counted(n_filled, "node") << ": filled with "
           << shown(*options.fill) << " m.\n";

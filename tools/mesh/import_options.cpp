@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "case/reference.hpp"
 #include "case/schemes.hpp"
 #include "mesh/boundaries.hpp"
 #include "mesh/steady_rain.hpp"
@@ -23,14 +24,13 @@ std::vector<std::string> names_of_schemes() {
   return names;
 }
 
-int parse_epsg(const std::string& text) {
-  const std::string prefix = "EPSG:";
-  const auto code = utils::parse_integer<int>(
-      std::string_view(text).substr(text.starts_with(prefix) ? prefix.size() : text.size()));
-  if (!code || *code <= 0) {
-    refuse_usage("--crs", "found \"" + text + "\", expected EPSG: and a number");
-  }
-  return *code;
+/// What `read` makes of the text of an option.
+template <class Read>
+auto understood(const char* option, const std::string& text, const std::string& expected,
+                const Read& read) {
+  const auto value = read(text);
+  if (!value) refuse_usage(option, "found \"" + text + "\", expected " + expected);
+  return *value;
 }
 
 }  // namespace
@@ -52,10 +52,22 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->type_name("DISTANCE");
   command
       .add_option_function<std::string>(
-          "--crs", [&options](const std::string& text) { options.epsg = parse_epsg(text); },
-          "Coordinate reference system of the mesh, as in EPSG:32632: rasters in another one are "
-          "told")
+          "--crs",
+          [&options](const std::string& text) {
+            options.epsg = understood("--crs", text, cases::expected_crs, cases::epsg_of);
+          },
+          "Coordinate reference system of the mesh, as in EPSG:32632, otherwise that of the "
+          "terrain, if it tells it: rasters in another one are told")
       ->type_name("EPSG:n");
+  command
+      .add_option_function<std::string>(
+          "--epoch",
+          [&options](const std::string& text) {
+            understood("--epoch", text, cases::expected_epoch, cases::epoch_of);
+            options.epoch = text;
+          },
+          "Date and hour of the time 0 s, UTC, as in 2026-05-01T06:00:00Z")
+      ->type_name("DATE");
   command
       .add_option("--terrain", options.terrain,
                   "Elevation of the nodes from a raster: ESRI ASCII (.asc), GeoTIFF")

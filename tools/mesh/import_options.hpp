@@ -31,6 +31,7 @@ struct ImportOptions {
   double grain_density = 2.65;
   double porosity = 0.4;
   std::string name;
+  std::string epoch;
   std::vector<std::string> gauges;
   std::string snapshots;
   double maxima = cases::default_number(cases::key("output/maxima of flow/arrival depth"));

@@ -11,6 +11,7 @@
 #include "mesh/import_features.hpp"
 #include "mesh/import_fields.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/raster.hpp"
 #include "mesh/run_options.hpp"
 #include "support/Error.hpp"
 #include "utils/counted.hpp"
@@ -142,6 +143,15 @@ void place_gauges(const ImportOptions& options, Case& contents, std::ostream& ou
   out << "A gauge stands in the lowest cell, at " << shown_point(place.x, place.y) << ".\n";
 }
 
+/// Where and when the case takes place, as far as it is known.
+void set_reference(const ImportOptions& options, Case& contents, std::ostream& out) {
+  if (options.epsg) require_known_system(*options.epsg);
+  contents.epoch = options.epoch;
+  if (!contents.mesh.epsg) return;
+  out << "The coordinate reference system is EPSG:" << *contents.mesh.epsg
+      << (options.epsg ? ".\n" : ", as of the terrain.\n");
+}
+
 }  // namespace
 
 void import_run(const ImportOptions& options, Case& contents, std::ostream& out) {
@@ -150,6 +160,7 @@ void import_run(const ImportOptions& options, Case& contents, std::ostream& out)
   contents.courant = options.courant;
   contents.zero_depth = options.zero_depth;
   contents.arrival_depth = options.maxima;
+  set_reference(options, contents, out);
   set_scheme(options, contents, out);
   set_times(options, contents, out);
   set_outputs(options.interval, contents, out);

@@ -42,7 +42,7 @@ struct Mesh {
   std::vector<std::string> surface_names;
   std::vector<std::string> line_names;
   std::vector<LinePiece> line_pieces;
-  std::optional<int> epsg;           // coordinate reference system, where the user tells it
+  std::optional<int> epsg;           // reference system, where the user or the terrain tells it
   std::string format;                // what was read, for the user: "Gmsh 4.1, binary"
   std::vector<std::string> remarks;  // what the user should know about the reading
 

@@ -18,6 +18,7 @@ struct RasterData {
   /// left corner of a pixel.
   std::array<double, 6> geometry{};
   std::vector<double> values;
+  std::optional<int> epsg;  ///< code of the reference system, where the file tells it
 };
 
 class Raster {
@@ -30,6 +31,8 @@ class Raster {
   std::string coverage() const;
 
   const std::string& path() const { return path_; }
+  /// Code of the reference system, where the file tells it.
+  std::optional<int> epsg() const { return data_.epsg; }
 
   /// Bilinear interpolation between the centres of the pixels; within half a pixel of the raster's
   /// border the outer pixels hold. Pixels without data are left out as long as the others have half
@@ -65,5 +68,8 @@ RasterData read_asc(const std::string& path);
 /// Reads the first band of what GDAL knows, and warns where it is in another coordinate reference
 /// system than `epsg`; throws tools::Error also where this program was built without GDAL.
 RasterData read_with_gdal(const std::string& path, std::optional<int> epsg);
+/// Refuses a reference system that GDAL does not know, with a tools::Error; a program without GDAL
+/// refuses none.
+void require_known_system(int epsg);
 
 }  // namespace mesh_import

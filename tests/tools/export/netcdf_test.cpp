@@ -237,6 +237,19 @@ TEST_F(Netcdf, TheReferenceSystemIsDescribedAsConventionsAskFor) {
   }
 }
 
+TEST_F(Netcdf, ThePlaceAndTheDateAreThoseOfTheDataFileUnlessTheyAreGiven) {
+  support::Case c = flood_case();
+  c.data["crs"] = "EPSG:25832";
+  c.data["epoch"] = "2026-05-01T06:00:00Z";
+  json variables = structure_of(c)["variables"];
+  EXPECT_EQ(variables["crs"]["attributes"]["EPSG_code"], "EPSG:25832");
+  EXPECT_EQ(variables["time"]["attributes"]["units"], "seconds since 2026-05-01 06:00:00");
+  run_well({"netcdf", ".", "--crs", "epsg:32632", "--epoch", "2021-07-14T06:00:00Z"});
+  variables = json::parse(read_export({"netcdf-structure", file}))["variables"];
+  EXPECT_EQ(variables["crs"]["attributes"]["EPSG_code"], "EPSG:32632");
+  EXPECT_EQ(variables["time"]["attributes"]["units"], "seconds since 2021-07-14 06:00:00");
+}
+
 TEST_F(Netcdf, WithoutAReferenceSystemNoneIsClaimed) {
   const json structure = structure_of(flood_case());
   EXPECT_FALSE(structure["variables"].contains("crs"));

@@ -9,6 +9,8 @@ class CheckDataFile : public CheckTest {
     c = support::full_case();
     c.west = "-3 -0.1";
     c.north = "-5";
+    c.data["crs"] = "EPSG:32632";
+    c.data["epoch"] = "2026-05-01T06:00:00Z";
     use_sediments(0.1);
   }
 };
@@ -174,6 +176,16 @@ TEST_F(CheckDataFile, WarnsOfANegativeAndOfALargeDryDepth) {
 TEST_F(CheckDataFile, WarnsOfAnEnvelopeAtEveryStep) {
   c.data["output"]["time step enveloppe of results"] = 0;
   expect_warning("envelope", {"is 0 s", "every step"});
+}
+
+TEST_F(CheckDataFile, RefusesAReferenceThatTheSimulatorRefuses) {
+  c.data["crs"] = "UTM 32";
+  expect_error("wrong value", {"\"crs\": found \"UTM 32\", expected EPSG: and a number"});
+  c.data["crs"] = "EPSG:32632";
+  c.data["epoch"] = "tomorrow";
+  expect_error("wrong value", {"\"epoch\": found \"tomorrow\", expected a date and hour"});
+  c.data["epoch"] = "2026-05-01T06:00:00Z";
+  expect_clean();
 }
 
 }  // namespace

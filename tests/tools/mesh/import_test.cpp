@@ -191,9 +191,47 @@ TEST_F(Import, WarnsOfARasterInAnotherSystem) {
             "zone 33N (EPSG:32633): its values lie at other places. Expected a raster that is "
             "warped to the system of the mesh.\n");
   EXPECT_EQ(import(unknown).status, 1);
-  EXPECT_EQ(import({"m.msh", "case", "--crs", "UTM"}).status, 2);
+}
+
+TEST_F(Import, TakesTheReferenceSystemOfTheTerrainUnlessItIsGiven) {
+  support::write_geotiff(
+      folder.file("dem.tif"), 20, 20, -5.0, -5.0, 1.0, [](double, double) { return 1.0; }, 25832);
+  EXPECT_TRUE(contains(import_well({"--terrain", "dem.tif"}),
+                       "The coordinate reference system is EPSG:25832, as of the terrain.\n"));
+  EXPECT_EQ(nlohmann::json::parse(folder.read("case/data.json"))["crs"], "EPSG:25832");
+  import({"m.msh", "other", "--terrain", "dem.tif", "--crs", "EPSG:32633"});
+  EXPECT_EQ(nlohmann::json::parse(folder.read("other/data.json"))["crs"], "EPSG:32633");
+}
+
+TEST_F(Import, RefusesACodeThatGdalDoesNotKnow) {
+  EXPECT_EQ(import_badly(1, {"--crs", "EPSG:99999"}),
+            "quillmere-mesh: --crs: EPSG:99999 is not known; expected the code of a coordinate "
+            "reference system.\n");
 }
 #endif
+
+TEST_F(Import, WritesWhereAndWhenTheCaseTakesPlace) {
+  const std::string said = import_well({"--crs", "epsg:32632", "--epoch", "2026-05-01T06:00:00Z"});
+  EXPECT_TRUE(contains(said, "The coordinate reference system is EPSG:32632.\n")) << said;
+  const auto data = nlohmann::json::parse(folder.read("case/data.json"));
+  EXPECT_EQ(data["crs"], "EPSG:32632");
+  EXPECT_EQ(data["epoch"], "2026-05-01T06:00:00Z");
+}
+
+TEST_F(Import, ClaimsNoPlaceAndDateThatNobodyGave) {
+  import_well({});
+  const auto data = nlohmann::json::parse(folder.read("case/data.json"));
+  EXPECT_FALSE(data.contains("crs"));
+  EXPECT_FALSE(data.contains("epoch"));
+}
+
+TEST_F(Import, RefusesAPlaceAndADateThatMakeNoSense) {
+  constexpr int wrong_usage = 2;
+  EXPECT_TRUE(contains(import_badly(wrong_usage, {"--crs", "UTM"}),
+                       "found \"UTM\", expected EPSG: and a number"));
+  EXPECT_TRUE(contains(import_badly(wrong_usage, {"--epoch", "2026-02-30T00:00:00Z"}),
+                       "expected a date and hour, UTC"));
+}
 
 TEST_F(Import, RefusesMissingTerrainUnlessItMayFillIt) {
   folder.write("dem.asc",

@@ -6,6 +6,7 @@
 #include "case/keys.hpp"
 #include "case/nearest_key.hpp"
 #include "case/plausibility.hpp"
+#include "case/reference.hpp"
 #include "mesh/check/checked_file.hpp"
 #include "mesh/check/numbers.hpp"
 #include "utils/json_file.hpp"
@@ -188,6 +189,16 @@ DataFile values_of(const KeyCheck& keys) {
   return data;
 }
 
+/// A text of which `read` must make something.
+template <class Read>
+void check_text(const KeyCheck& keys, const Key& known, const std::string& expected,
+                const Read& read, Findings& findings) {
+  const auto text = keys.value<std::string>(known);
+  if (!text || read(*text)) return;
+  findings.error("wrong value",
+                 quoted(known.path) + ": found " + quoted(*text) + ", expected " + expected);
+}
+
 void check_result_name(const std::optional<std::string>& name, const Key& key, Findings& findings) {
   if (name && name->empty()) findings.error("output", cases::empty_result_name(key));
 }
@@ -244,6 +255,8 @@ DataFile read_data_file(const std::string& path, Findings& findings) {
   }
   KeyCheck keys(document, findings);
   keys.check_all();
+  check_text(keys, key("crs"), cases::expected_crs, cases::epsg_of, findings);
+  check_text(keys, key("epoch"), cases::expected_epoch, cases::epoch_of, findings);
   const DataFile data = values_of(keys);
   check_run_parameters(data, findings);
   return data;
