@@ -1,6 +1,7 @@
 // What the data file of a case says besides its numbers: names, and what is to be written when.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -9,6 +10,13 @@
 #include "case/reference.hpp"
 
 namespace cases {
+
+/// A file of results that grows while the run goes on.
+struct ResultsRequest {
+  std::string name;                  ///< in the folder of the results
+  std::optional<std::string> times;  ///< file of the times of its snapshots; none: as text has them
+  bool is_double = false;            ///< 64 bits for every value, in place of 32
+};
 
 /// Names of files are those of the data file, as in FileNames.
 struct DataFile {
@@ -28,6 +36,8 @@ struct DataFile {
   double dt_enveloppe = 0.0;  ///< between envelopes, s
   std::optional<std::string> pictures, gauges, discharges;
   std::optional<MaximaRequest> maxima;
+  std::optional<ResultsRequest> results;
+  std::array<double, 2> origin{};  ///< taken from the coordinates of the mesh, m; for results
   std::optional<std::string> final_state;  ///< file, in the folder of the results
 };
 

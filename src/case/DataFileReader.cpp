@@ -291,6 +291,18 @@ std::string DataFileReader::get_pictures_file() const {
   return value_of<std::string>(key("output/snapshots of flow"));
 }
 
+std::optional<std::string> DataFileReader::get_results_file() const {
+  constexpr const Key& file = key("output/results");
+  if (!has(file)) return {};
+  return result_name(file);
+}
+
+bool DataFileReader::is_double_results() const {
+  return understood(key("output/results precision"), cases::expected_precision,
+                    cases::double_precision_of)
+      .value_or(false);
+}
+
 bool DataFileReader::is_gauges() const { return has(key("output/gauges")); }
 
 std::string DataFileReader::get_gauges_file() const {

@@ -59,8 +59,7 @@ class DataFileReader : public Reader {
   std::string get_nodes_file() const;
   std::string get_cells_file() const;
   std::string get_edges_file() const;
-  /// What was taken from the coordinates of the mesh, m; (0, 0) where nothing was. No run asks for
-  /// it.
+  /// What was taken from the coordinates of the mesh, m; (0, 0) where nothing was.
   std::array<double, 2> get_mesh_origin() const;
 
   std::string get_model_name() const;
@@ -107,6 +106,8 @@ class DataFileReader : public Reader {
   double get_arrival_depth() const;  ///< m; 0.05 when absent
   bool is_pictures() const;
   std::string get_pictures_file() const;
+  std::optional<std::string> get_results_file() const;
+  bool is_double_results() const;
   bool is_gauges() const;
   std::string get_gauges_file() const;
   bool is_discharge_check() const;

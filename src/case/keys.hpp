@@ -64,7 +64,7 @@ inline constexpr auto keys = [] {
       {"mesh/cells", file, always, "", "", "cells of the mesh"},
       {"mesh/edges", file, always, "", "", "edges of the mesh, and the boundary conditions"},
       {"mesh/origin", point, optional, "", "m",
-       "[x, y] that import --origin took from all coordinates, for exports; no run uses it"},
+       "[x, y] that import --origin took from all coordinates; exports and results in NetCDF add it"},
       {"model", section, always, "", "", "the model"},
       {"model/name", text, always, "", "", "Quillmere (water) or Bramsett (water and sediments)"},
       {"model/flux scheme", text, always, "", "",
@@ -111,6 +111,12 @@ inline constexpr auto keys = [] {
       {"output/maxima of flow/arrival depth", number, optional, "0.05", "m",
        "cells that are deeper are under water: it arrives then, and its time counts"},
       {"output/snapshots of flow", file, optional, "no snapshots", "s", "times of the snapshots"},
+      {"output/results", text, optional, "", "",
+       "NetCDF file that grows by every snapshot while the run goes on"},
+      {"output/results times", file, optional, "", "s",
+       "times of the snapshots in it; otherwise those of the snapshots of flow"},
+      {"output/results precision", text, optional, "", "",
+       "of the numbers in it: single or double; otherwise single"},
       {"output/gauges", file, optional, "no gauges", "s, m", "points whose flow is recorded"},
       {"output/discharges", file, optional, "no sections", "s",
        "sections whose discharge is recorded"},
@@ -149,6 +155,19 @@ double default_number(const Key& key);
 /// What is wrong with a key of a result whose name is empty.
 inline std::string empty_result_name(const Key& key) {
   return '"' + std::string(key.path) + "\" is empty, expected the name of a file";
+}
+
+/// Whether results are in double precision, of the text that asks for it; none of another text.
+inline std::optional<bool> double_precision_of(const std::string& text) {
+  if (text != "single" && text != "double") return std::nullopt;
+  return text == "double";
+}
+inline constexpr char expected_precision[] = "single or double";
+
+/// What is wrong with results that no key gives times.
+inline std::string results_without_times() {
+  return '"' + std::string(key("output/results").path) + "\" needs times: expected \"" +
+         key("output/results times").path + "\" or \"" + key("output/snapshots of flow").path + '"';
 }
 
 /// What is wrong with an arrival depth (m); nothing if it is well.

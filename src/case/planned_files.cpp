@@ -179,6 +179,8 @@ PlannedFiles plan_files(const std::string& data_file, const std::string& report,
   for (const std::string& name : snapshot_names(named(key("output/snapshots of flow")), prefix)) {
     files.results.push_back({"the snapshot", name, true});
   }
+  const std::string growing = text_at(document, key("output/results"));
+  if (!growing.empty()) files.results.push_back({"the results", prefix + growing, true});
   const std::string gauges =
       request_of(named(key("output/gauges")), read_gauges<CollectingSource>).result;
   if (!gauges.empty()) files.results.push_back({"the gauges", prefix + gauges, false});

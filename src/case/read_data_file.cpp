@@ -58,6 +58,15 @@ void read_sediment(const utils::DataFileReader& reader, DataFile& data,
   sediment.porosity = reader.get_sediments_porosity();
 }
 
+void read_results(const utils::DataFileReader& reader, DataFile& data) {
+  const std::optional<std::string> name = reader.get_results_file();
+  if (!name) return;
+  data.results = {*name, reader.file(key("output/results times")), reader.is_double_results()};
+  data.origin = reader.get_mesh_origin();
+  if (data.results->times || data.pictures) return;
+  utils::fatal("Error. " + results_without_times() + ".\n");
+}
+
 void read_outputs(const utils::DataFileReader& reader, DataFile& data) {
   data.output_folder = reader.get_output_folder_path();
   data.dt_enveloppe = reader.get_dt_enveloppe();
@@ -68,6 +77,7 @@ void read_outputs(const utils::DataFileReader& reader, DataFile& data) {
   data.pictures = reader.file(key("output/snapshots of flow"));
   data.gauges = reader.file(key("output/gauges"));
   data.discharges = reader.file(key("output/discharges"));
+  read_results(reader, data);
 }
 
 }  // namespace

@@ -21,6 +21,7 @@
 #include "output/CPicture.hpp"
 #include "output/Gauge.hpp"
 #include "output/MaximaFile.hpp"
+#include "output/ResultsFile.hpp"
 #include "report/PhaseClock.hpp"
 #include "report/WaterLooks.hpp"
 #include "utils/WriterThread.hpp"
@@ -73,6 +74,7 @@ class Domain {
   void set_outputs();
   void set_gauges();
   void set_pictures();
+  void set_results();
   void set_sections();
   void set_maxima();
   void set_other_parameters();
@@ -154,6 +156,7 @@ class Domain {
   std::unique_ptr<Gauge> gauge;
   std::unique_ptr<CPicture> picture;
   std::unique_ptr<MaximaFile> maxima_;
+  std::unique_ptr<ResultsFile> results_;
   std::unique_ptr<CMonitorSection> monitor_section;
 
   /// Null: no checkpoints. Its thread uses all that stands above.

@@ -32,6 +32,7 @@ OutputPositions Domain::output_positions() const {
   if (gauge) positions.gauges = gauge->position();
   if (monitor_section) positions.sections = monitor_section->position();
   if (picture) positions.snapshots = picture->position();
+  if (results_) positions.results = results_->position();
   positions.envelope_interval = data_.dt_enveloppe;
   positions.next_envelope = next_enveloppe_time;
   if (data_.maxima) positions.arrival_depth = data_.maxima->arrival_depth;
@@ -42,10 +43,12 @@ bool Domain::has_written_results(const OutputPositions& positions) {
   if (picture) picture->wait();
   envelope_writer_.wait();
   if (maxima_) maxima_->wait();
+  if (results_) results_->wait();
   for (const auto& recording : {positions.gauges, positions.sections}) {
     if (recording) utils::bring_to_disk(recording->lines);
   }
   return !envelope_writer_.has_failed() && !(maxima_ && maxima_->has_failed()) &&
          !(gauge && gauge->has_failed()) && !(picture && picture->has_failed()) &&
-         !(monitor_section && monitor_section->has_failed());
+         !(monitor_section && monitor_section->has_failed()) &&
+         !(results_ && results_->has_failed());
 }

@@ -63,6 +63,23 @@ void require_same_file(const std::optional<RecordingPosition>& before,
   utils::require_lines(before->lines);
 }
 
+/// Whether results go on in the file of the run before.
+bool goes_on_in_file(const std::optional<ResultsPosition>& before,
+                     const std::optional<ResultsPosition>& now) {
+  return before && now && before->records > 0 && before->name == now->name;
+}
+
+/// Says in the log how results in NetCDF go on.
+void say_changes(std::ostream& log, const std::optional<ResultsPosition>& before,
+                 const std::optional<ResultsPosition>& now) {
+  const auto tell = [&](const char* text) { log << "  Results in NetCDF are " << text << '\n'; };
+  if (before && !now) tell("written no more");
+  if (now && !before) tell("written from here on");
+  if (!now || !before) return;
+  if (now->name != before->name) tell("written to another file from here on");
+  if (now->snapshots.times != before->snapshots.times) tell("written at other times from here on");
+}
+
 /// Opens the file of a recording, at its beginning or where the run before had come to.
 template <class Recording, class... Log>
 void open_file(Recording& recording, const std::optional<RecordingPosition>& before, double done,
@@ -115,9 +132,11 @@ void Domain::require_same_results() const {
   require_same_file(before.gauges, now.gauges, "gauges");
   require_same_file(before.sections, now.sections, "sections");
   require_same_maxima(before.arrival_depth);
+  if (goes_on_in_file(before.results, now.results)) results_->require(*before.results);
   std::ostream& log = settings_.log;
   RecordingChanges(log, "Gauges").say(before.gauges, now.gauges);
   RecordingChanges(log, "Sections").say(before.sections, now.sections);
+  say_changes(log, before.results, now.results);
   if (before.envelope_interval != now.envelope_interval) {
     log << "  The envelope is recorded every " << now.envelope_interval << " s, no more every "
         << before.envelope_interval << " s\n";
@@ -188,6 +207,13 @@ void Domain::go_on_with_outputs() {
   if (monitor_section) open_file(*monitor_section, from.sections, from.done);
   if (picture) {
     picture->go_on(from.snapshots.value_or(SnapshotPosition{}), from.done);
+  }
+  if (results_) {
+    if (goes_on_in_file(from.results, results_->position())) {
+      results_->go_on(*from.results, from.done);
+    } else {
+      results_->begin_behind(from.done);
+    }
   }
   restart_.reset();
 }

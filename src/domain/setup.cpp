@@ -54,6 +54,7 @@ void Domain::set_outputs() {
   }
   set_gauges();
   set_pictures();
+  set_results();
   set_sections();
   utils::print_delimitator(log);
 }
@@ -92,6 +93,22 @@ void Domain::set_pictures() {
   log << "times read in " << *data_.pictures << '\n';
   utils::TextScanner file(*data_.pictures);
   picture = std::make_unique<CPicture>(cases::read_snapshots(file), data_.output_folder, case_);
+}
+
+void Domain::set_results() {
+  if (!data_.results) return;
+  const std::optional<std::string>& own_times = data_.results->times;
+  settings_.log << "  Results in NetCDF: written to " << data_.output_folder << data_.results->name
+                << ", times read in " << (own_times ? *own_times : *data_.pictures) << '\n';
+  std::vector<double> times;
+  if (own_times) {
+    utils::TextScanner file(*own_times);
+    times = cases::read_snapshots(file).times;
+  } else {
+    times = picture->times();
+  }
+  results_ = std::make_unique<ResultsFile>(data_, std::move(times), case_);
+  if (!is_restarted()) results_->begin();
 }
 
 void Domain::set_sections() {

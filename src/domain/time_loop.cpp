@@ -87,12 +87,14 @@ void Domain::end_progress() {
 void Domain::fire_outputs() {
   const bool gauge_due = gauge && gauge->CheckTime(clock_.t);
   const bool picture_due = picture && picture->CheckTime(clock_.t, fields::Clock::smallest_step);
+  const bool results_due = results_ && results_->CheckTime(clock_.t, fields::Clock::smallest_step);
   const bool section_due = monitor_section && monitor_section->CheckTime(clock_.t);
   const bool enveloppe_due = clock_.t > next_enveloppe_time;
 
-  if (picture_due || enveloppe_due) look_at_water();
+  if (picture_due || results_due || enveloppe_due) look_at_water();
   if (gauge_due) gauge->WriteMeasure(*flow_);
   if (picture_due) picture->WriteMeasure(*flow_);
+  if (results_due) results_->WriteMeasure(*flow_);
   if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);
   if (enveloppe_due) write_enveloppe();
   if (enveloppe_due && maxima_) maxima_->WriteMeasure(*flow_, clock_.t);
@@ -102,6 +104,7 @@ void Domain::fire_outputs() {
 void Domain::write_results_of_the_end() {
   if (std::isnan(clock_.t)) return;  // the flow is lost with its time
   if (maxima_) maxima_->WriteMeasure(*flow_, clock_.t);
+  if (results_) results_->finish(*flow_);
   if (!data_.final_state) return;
   Snapshot snapshot(case_);
   snapshot.gather(*flow_);
@@ -112,6 +115,7 @@ void Domain::wait_for_writers() {
   if (gauge) gauge->wait();
   if (picture) picture->wait();
   if (maxima_) maxima_->wait();
+  if (results_) results_->wait();
   if (monitor_section) monitor_section->wait();
   envelope_writer_.wait();
 }
@@ -119,7 +123,7 @@ void Domain::wait_for_writers() {
 bool Domain::has_lost_a_result() const {
   return has_lost_snapshot_ || envelope_writer_.has_failed() || (gauge && gauge->has_failed()) ||
          (picture && picture->has_failed()) || (monitor_section && monitor_section->has_failed()) ||
-         (maxima_ && maxima_->has_failed());
+         (maxima_ && maxima_->has_failed()) || (results_ && results_->has_failed());
 }
 
 void Domain::report_interruption() const {

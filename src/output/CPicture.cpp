@@ -1,6 +1,5 @@
 #include "output/CPicture.hpp"
 
-#include <algorithm>
 #include <set>
 
 #include "utils/snapshot_name.hpp"
@@ -41,14 +40,7 @@ CPicture::CPicture(const cases::SnapshotRequest& request, const std::string& pre
 }
 
 void CPicture::go_on(const SnapshotPosition& position, double done) {
-  const auto written =
-      static_cast<std::ptrdiff_t>(std::min<std::size_t>(position.next, position.times.size()));
-  const bool begins_alike =
-      position.next <= times_.size() &&
-      std::equal(times_.begin(), times_.begin() + written, position.times.begin());
-  next_ = begins_alike ? static_cast<std::size_t>(written) : 0;
-  if (times_ == position.times) return;
-  while (next_ < times_.size() && times_[next_] <= done) ++next_;
+  next_ = next_snapshot(times_, position, done);
 }
 
 void CPicture::WriteMeasure(const fields::Flow& flow) {

@@ -18,6 +18,7 @@ class CPicture {
   /// list of times than it had, what was due up to then is left out.
   void go_on(const SnapshotPosition& position, double done);
   SnapshotPosition position() const { return {times_, next_}; }
+  const std::vector<double>& times() const { return times_; }
 
   /// Whether the next snapshot is due at time t, within a tolerance (s).
   bool CheckTime(double t, double tolerance) const {

@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 #include <utility>
+
+#include "utils/Checksum.hpp"
 
 namespace ugrid {
 
@@ -34,7 +38,6 @@ void ClassicFile::show(std::uint64_t records) {
   if (error_ != 0) return;
   shown_ = records;
   write_count();
-  if (error_ == 0) error_ = file_.sync();
 }
 
 template <class Bits, class Value>
@@ -65,6 +68,50 @@ void ClassicFile::write_at(std::uint64_t place, std::string_view bytes) {
 void ClassicFile::write_count() {
   const std::uint32_t count = as_in_file(static_cast<std::uint32_t>(shown_));
   write_at(ClassicLayout::place_of_count, {reinterpret_cast<const char*>(&count), sizeof count});
+}
+
+std::string fault_of_start(const std::string& name, const ClassicLayout& layout,
+                           std::uint64_t records) {
+  std::error_code ignored;
+  if (!std::filesystem::exists(name, ignored)) return "isn't there any more";
+  if (!std::filesystem::is_regular_file(name, ignored)) return "is no regular file";
+  std::ifstream file(name, std::ios::binary);
+  std::string header(layout.header.size(), '\0');
+  file.read(header.data(), static_cast<std::streamsize>(header.size()));
+  const std::string count = header.substr(ClassicLayout::place_of_count, 4);
+  header.replace(ClassicLayout::place_of_count, 4, 4, '\0');
+  if (header != layout.header) {
+    return "describes other results than this run's (model, mesh, title, place, date, precision "
+           "and "
+           "maxima must be those at the checkpoint; or give it another name)";
+  }
+  const auto lacks = [](std::uint64_t found, std::uint64_t before, const std::string& what) {
+    return "has " + std::to_string(found) + " " + what + " of the " + std::to_string(before) +
+           " that it had at the checkpoint";
+  };
+  std::uint32_t found = 0;
+  std::memcpy(&found, count.data(), sizeof found);
+  if (as_in_file(found) < records) return lacks(as_in_file(found), records, "snapshots");
+  const std::uintmax_t size = std::filesystem::file_size(name, ignored);
+  const std::uint64_t end = layout.end_of_record(records);
+  return size < end ? lacks(size, end, "bytes") : "";
+}
+
+std::uint64_t checksum_of_record(const std::string& name, const ClassicLayout& layout,
+                                 std::uint64_t record) {
+  constexpr std::uint64_t piece_size = 1 << 20;  // bytes
+  std::ifstream file(name, std::ios::binary);
+  file.seekg(static_cast<std::streamoff>(layout.end_of_record(record)));  // of that before it
+  utils::Checksum sum;
+  std::vector<char> piece(std::min(piece_size, layout.record_size));
+  for (std::uint64_t left = layout.record_size; left > 0 && file;) {
+    file.read(piece.data(),
+              static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
+    const auto count = static_cast<std::size_t>(file.gcount());
+    sum.add(piece.data(), count);
+    left -= count;
+  }
+  return sum.value();
 }
 
 }  // namespace ugrid

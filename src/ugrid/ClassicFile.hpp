@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "ugrid/ClassicLayout.hpp"
@@ -43,5 +44,14 @@ class ClassicFile : public DataFile {
   int error_ = 0;
   std::vector<char> piece_;
 };
+
+/// Why a file cannot be continued behind so many records, as the end of a sentence that begins with
+/// its name; empty where it can.
+std::string fault_of_start(const std::string& name, const ClassicLayout& layout,
+                           std::uint64_t records);
+
+/// The checksum of a record of a file, by its number, as far as it is there.
+std::uint64_t checksum_of_record(const std::string& name, const ClassicLayout& layout,
+                                 std::uint64_t record);
 
 }  // namespace ugrid

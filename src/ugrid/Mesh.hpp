@@ -25,6 +25,16 @@ struct Mesh {
   std::size_t n_faces() const { return face_x.size(); }
 };
 
+/// Of a mesh that knows n_cells() and nodes_of(cell).
+template <class Source>
+std::size_t most_nodes_of_a_cell(const Source& source) {
+  std::size_t most = 0;
+  for (decltype(source.n_cells()) cell = 0; cell < source.n_cells(); ++cell) {
+    most = std::max(most, source.nodes_of(cell).size());
+  }
+  return most;
+}
+
 /// Of a mesh that knows x, y, n_cells() and nodes_of(cell). `origin` (m) is added to its
 /// coordinates. Cells whose nodes run clockwise are turned round.
 template <class Source>
@@ -34,9 +44,7 @@ Mesh mesh_of(const Source& source, physics::PlanPoint origin, std::vector<double
   for (const double x : source.x) mesh.node_x.push_back(x + origin.x);
   for (const double y : source.y) mesh.node_y.push_back(y + origin.y);
   const auto n_faces = static_cast<std::size_t>(source.n_cells());
-  for (decltype(source.n_cells()) cell = 0; cell < source.n_cells(); ++cell) {
-    mesh.width = std::max(mesh.width, source.nodes_of(cell).size());
-  }
+  mesh.width = most_nodes_of_a_cell(source);
   mesh.face_x.reserve(n_faces);
   mesh.face_y.reserve(n_faces);
   mesh.face_nodes.assign(mesh.width * n_faces, Mesh::no_node);

@@ -30,7 +30,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"sources", {"physics", "case", "model", "globals", "utils"}},
     {"fields", {"physics", "case", "engine", "model", "ranks", "globals", "utils"}},
     {"ugrid", {"physics", "fields", "utils"}},
-    {"output", {"physics", "case", "fields", "utils"}},
+    {"output", {"physics", "case", "fields", "ugrid", "utils"}},
     {"report", {"physics", "case", "fields", "utils"}},
     {"checkpoint", {"physics", "case", "fields", "output", "utils"}},
     {"domain", {"physics", "case", "fields", "output", "report", "checkpoint", "utils"}},

@@ -138,6 +138,9 @@ inline Case water_case() {
   c.data["output"]["time step enveloppe of results"] = 0.13;
   c.data["output"]["maxima of flow"] = {{"file", "maxima.txt"}, {"arrival depth", 0.4}};
   c.data["output"]["final state"] = "last.txt";
+  c.data["output"]["results"] = "results.nc";
+  c.data["output"]["results times"] = "results_times.txt";
+  c.files["results_times.txt"] = "6 0 0.3 0.31 0.9 1.7 2.5";
   return c;
 }
 

@@ -16,6 +16,7 @@ inline checkpoint::Checkpoint some_checkpoint(std::size_t cells = 20) {
   kept.outputs.done = 1.25;
   kept.outputs.gauges = RecordingPosition{{"gauges.txt", 12, 34}, 0.5, 1.5, 56};
   kept.outputs.snapshots = SnapshotPosition{{0.0, 1.0, 2.0}, 2};
+  kept.outputs.results = ResultsPosition{"results.nc", {{0.0, 1.0}, 1}, 1, {1, 78}};
   kept.looks.assign(33, std::byte{5});
   kept.report.assign(9, std::byte{6});
   kept.flow.h.assign(cells, 1.0);

@@ -74,8 +74,10 @@ TEST_F(Restart, TakesOtherOutputsFromThereOn) {
   c.write(folder);
   run(folder, 40, {});
   const std::string gauges = folder.read("out/gauges.txt"), sections = folder.read("sections.txt");
+  const std::string results = folder.read("out/results.nc");
   ASSERT_FALSE(folder.has("out/pic_2_50.txt"));
   c.add_snapshots({0.1, 2.9});
+  c.files["results_times.txt"] = "2 0 2.7";
   c.add_gauges({{10.3, 12.7}, {33.4, 25.2}, {-5.0, 0.0}}, 0.5);
   c.add_sections({c.edges_across(10)}, 0.3, "others.txt");
   c.data["output"]["time step enveloppe of results"] = 1.0;
@@ -87,6 +89,7 @@ TEST_F(Restart, TakesOtherOutputsFromThereOn) {
                                  "The times of the snapshots have changed"}) {
     EXPECT_TRUE(support::contains(log_, text)) << text << log_;
   }
+  EXPECT_TRUE(support::contains(log_, "Results in NetCDF are written at other times")) << log_;
   EXPECT_FALSE(folder.has("out/pic_0_10.txt"));
   EXPECT_FALSE(folder.has("out/pic_2_50.txt"));
   EXPECT_TRUE(folder.has("out/pic_2_90.txt"));
@@ -95,6 +98,9 @@ TEST_F(Restart, TakesOtherOutputsFromThereOn) {
   EXPECT_GE(support::lines(more).size(), support::lines(gauges).size() + 3);
   EXPECT_LE(support::lines(more).size(), support::lines(gauges).size() + 6);
   EXPECT_EQ(folder.read("sections.txt"), sections);
+  const std::string more_results = folder.read("out/results.nc");
+  EXPECT_EQ(more_results.at(7), results.at(7) + 1);  // the number of snapshots
+  EXPECT_GT(more_results.size(), results.size());
   const auto times = support::lines(folder.read("others.txt"));
   ASSERT_FALSE(times.empty());
   EXPECT_GT(std::stod(times.front()), std::stod(support::lines(sections).back()));
@@ -128,6 +134,9 @@ TEST_F(Restart, KeepsMaximaOnlyFromTheStartOnAndByOneDepth) {
   EXPECT_TRUE(support::contains(refusal(without), "it holds no maxima of the flow"));
 
   c.data["output"].erase("maxima of flow");
+  EXPECT_TRUE(support::contains(refusal(with_maxima),
+                                "out/results.nc describes other results than this run's"));
+  c.data["output"]["results"] = "more.nc";
   c.write(with_maxima);
   run(with_maxima, {}, {});
   EXPECT_TRUE(support::contains(log_, "Maxima of the flow are kept no more")) << log_;

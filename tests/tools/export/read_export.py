@@ -3,6 +3,7 @@
 
 read_export.py netcdf FILE VARIABLE [RECORD]    values, one a line, "nan" where there is none
 read_export.py netcdf-structure FILE            dimensions, variables and attributes as JSON
+read_export.py netcdf-beginnings WHOLE FILE...  numbers of times, all of which WHOLE begins with
 read_export.py vtu FILE NAME [COMPONENT]        values of an array; "points", "cells" or "types" too
 read_export.py geotiff FILE                     everything as JSON
 """
@@ -44,6 +45,23 @@ def netcdf_structure(path):
                           for name, v in file.variables.items()}}))
 
 
+def netcdf_beginnings(whole, *paths):
+    from netCDF4 import Dataset
+    from numpy import array_equal
+
+    with Dataset(whole) as expected:
+        expected.set_auto_mask(False)
+        for path in paths:
+            with Dataset(path) as file:
+                file.set_auto_mask(False)
+                count = len(file["time"])
+                for name, variable in file.variables.items():
+                    if variable.dimensions[:1] == ("time",):
+                        if not array_equal(variable[:], expected[name][:count], equal_nan=True):
+                            sys.exit(f"{path}: {name} differs")
+                print(count)
+
+
 def vtu(path, name, component=None):
     import meshio
 
@@ -76,5 +94,5 @@ def geotiff(path):
 
 
 if __name__ == "__main__":
-    {"netcdf": netcdf, "netcdf-structure": netcdf_structure, "vtu": vtu,
-     "geotiff": geotiff}[sys.argv[1]](*sys.argv[2:])
+    {"netcdf": netcdf, "netcdf-structure": netcdf_structure,
+     "netcdf-beginnings": netcdf_beginnings, "vtu": vtu, "geotiff": geotiff}[sys.argv[1]](*sys.argv[2:])

@@ -11,6 +11,10 @@ class CheckDataFile : public CheckTest {
     c.north = "-5";
     c.data["crs"] = "EPSG:32632";
     c.data["epoch"] = "2026-05-01T06:00:00Z";
+    c.data["output"]["results"] = "results.nc";
+    c.data["output"]["results times"] = "times.txt";
+    c.data["output"]["results precision"] = "double";
+    c.files["times.txt"] = "1 0";
     use_sediments(0.1);
   }
 };
@@ -186,6 +190,34 @@ TEST_F(CheckDataFile, RefusesAReferenceThatTheSimulatorRefuses) {
   expect_error("wrong value", {"\"epoch\": found \"tomorrow\", expected a date and hour"});
   c.data["epoch"] = "2026-05-01T06:00:00Z";
   expect_clean();
+}
+
+TEST_F(CheckDataFile, RefusesResultsThatTheSimulatorRefuses) {
+  c.data["output"]["results"] = "results.nc";
+  expect_error("output", {"\"output/results\" needs times", "\"output/results times\""});
+  c.data["output"]["results times"] = "times.txt";
+  c.files["times.txt"] = "2 0 0.1";
+  expect_clean();
+  c.data["output"]["results precision"] = "half";
+  expect_error("wrong value", {"found \"half\", expected single or double"});
+  c.data["output"]["results precision"] = "double";
+  c.files["times.txt"] = "2 0.1 0.1";
+  expect_error("snapshot", {"times.txt: snapshot 1 at 0.1 s does not come after the one before"});
+  c.files["times.txt"] = "2 0 0.1";
+  c.data["output"]["results"] = "no/results.nc";
+  expect_error("output", {"out/no/results.nc can't be created"});
+  c.data["output"]["results"] = "";
+  expect_error("output", {"\"output/results\" is empty"});
+  c.data["output"]["results"] = "results.nc";
+  c.data["mesh"]["origin"] = "612000,5235000";
+  expect_error("wrong type", {"\"mesh/origin\"", "expected two numbers in brackets"});
+}
+
+TEST_F(CheckDataFile, WarnsOfTimesOfResultsThatTheRunDoesNotReach) {
+  c.data["output"]["results"] = "results.nc";
+  c.data["output"]["results times"] = "times.txt";
+  c.files["times.txt"] = "2 0 1000";
+  expect_warning("snapshot", {"snapshot 1 at 1000 s is not written"});
 }
 
 }  // namespace

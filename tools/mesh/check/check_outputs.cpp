@@ -104,6 +104,39 @@ bool is_complete(const std::vector<cases::Number>& section) {
   return std::find(section.begin(), section.end(), -1) == section.end();
 }
 
+/// Of the times of snapshots in the file under a key. Results in NetCDF need times that increase.
+void check_times(const DataFile& data, const cases::Key& times_key, bool must_increase,
+                 Findings& findings) {
+  const std::string* const file_name = data.files.find(times_key);
+  if (file_name == nullptr) return;
+  CheckedFile file(*file_name, times_key.path, findings);
+  const std::vector<double> times = cases::read_snapshots(file).times;
+  double before = -std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < times.size() && !std::isnan(times[i]); ++i) {
+    const double time = times[i];
+    const std::string name = "snapshot " + std::to_string(i) + " at " + number(time) + " s ";
+    const bool increases = time > before;
+    before = time;
+    if (!increases && must_increase) {
+      findings.error("snapshot", *file_name + ": " + name +
+                                     "does not come after the one before, as results in NetCDF "
+                                     "need");
+      return;
+    }
+    if (!data.has_steps()) continue;
+    if (!increases) {
+      findings.warning("snapshot", name + "does not come after the one before: it is late");
+    }
+    if (time >= *data.tend) {
+      findings.warning("snapshot", name + "is not written: the run ends at " + number(*data.tend) +
+                                       " s, before the first step that reaches it");
+    } else if (time < *data.t0) {
+      findings.warning("snapshot", name + "lies before the run (" + number(*data.t0) +
+                                       " s): it shows a later state");
+    }
+  }
+}
+
 }  // namespace
 
 void check_envelope(const DataFile& data, const std::optional<double>& first_step,
@@ -160,27 +193,15 @@ void check_sections(const DataFile& data, const CheckedCase& checked,
 }
 
 void check_snapshots(const DataFile& data, Findings& findings) {
-  const std::string* const file_name = data.files.find(key("output/snapshots of flow"));
-  if (file_name == nullptr) return;
-  CheckedFile file(*file_name, key("output/snapshots of flow").path, findings);
-  const std::vector<double> times = cases::read_snapshots(file).times;
-  if (!data.has_steps()) return;
-  double before = -std::numeric_limits<double>::infinity();
-  for (std::size_t i = 0; i < times.size() && !std::isnan(times[i]); ++i) {
-    const double time = times[i];
-    const std::string name = "snapshot " + std::to_string(i) + " at " + number(time) + " s ";
-    if (!(time > before)) {
-      findings.warning("snapshot", name + "does not come after the one before: it is late");
-    }
-    if (time >= *data.tend) {
-      findings.warning("snapshot", name + "is not written: the run ends at " + number(*data.tend) +
-                                       " s, before the first step that reaches it");
-    } else if (time < *data.t0) {
-      findings.warning("snapshot", name + "lies before the run (" + number(*data.t0) +
-                                       " s): it shows a later state");
-    }
-    before = time;
-  }
+  const cases::Key& of_results = key("output/results times");
+  const bool results_have_times = data.files.find(of_results) != nullptr;
+  check_times(data, key("output/snapshots of flow"), data.results && !results_have_times, findings);
+  if (!data.results) return;
+  check_times(data, of_results, true, findings);
+  if (data.results->empty()) return;  // which has been said
+  if (!data.folder || can_be_written(*data.folder + *data.results)) return;
+  findings.error("output", "the results " + *data.folder + *data.results +
+                               " can't be created: the run does not begin");
 }
 
 void check_results(const std::string& data_file, Findings& findings) {

@@ -24,7 +24,8 @@ void check_gauges(const DataFile& data, const CheckedCase& checked,
 /// Reads the sections file; reports edges that do not exist, and normals on both sides.
 void check_sections(const DataFile& data, const CheckedCase& checked,
                     const std::optional<double>& first_step, Findings& findings);
-/// Reads the snapshots file; reports times that the run does not reach.
+/// Reads the times of the snapshots, as text and in NetCDF; reports those that the run does not
+/// reach, and those that results in NetCDF do not take.
 void check_snapshots(const DataFile& data, Findings& findings);
 /// Reports results that would destroy an input or each other, and those outside the folder of the
 /// case.

@@ -118,8 +118,11 @@ class KeyCheck {
     if (has_type(*value, known.kind)) return;
     const std::string text = quoted(known.path) + ": found " + shortened(value->dump()) +
                              ", expected " + name_of(known.kind);
-    // To the simulator a section that is no object is an empty one, and no run asks for a point.
-    if (known.kind == KeyKind::section || known.kind == KeyKind::point) {
+    // To the simulator a section that is no object is an empty one, and only runs that write
+    // results in NetCDF ask for a point.
+    const bool asks_for_points = value_at(document_, key("output/results").path) != nullptr;
+    const bool is_read = known.kind != KeyKind::point || asks_for_points;
+    if (known.kind == KeyKind::section || !is_read) {
       findings_.warning("wrong type", text);
     } else {
       findings_.error("wrong type", text);
@@ -184,6 +187,7 @@ DataFile values_of(const KeyCheck& keys) {
   data.folder = keys.value<std::string>(key("output/folder"));
   data.final_state = keys.value<std::string>(key("output/final state"));
   data.maxima = keys.value<std::string>(key("output/maxima of flow/file"));
+  data.results = keys.value<std::string>(key("output/results"));
   data.arrival_depth = keys.value<double>(key("output/maxima of flow/arrival depth"));
   data.envelope_interval = keys.value<double>(key("output/time step enveloppe of results"));
   return data;
@@ -226,6 +230,10 @@ void check_run_parameters(const DataFile& data, Findings& findings) {
   }
   check_result_name(data.final_state, key("output/final state"), findings);
   check_result_name(data.maxima, key("output/maxima of flow/file"), findings);
+  check_result_name(data.results, key("output/results"), findings);
+  const bool has_times = data.files.find(key("output/results times")) != nullptr ||
+                         data.files.find(key("output/snapshots of flow")) != nullptr;
+  if (data.results && !has_times) findings.error("output", cases::results_without_times());
   if (data.arrival_depth) {
     const auto fault = cases::fault_of_arrival_depth(*data.arrival_depth);
     if (fault) findings.error("output", *fault);
@@ -258,6 +266,10 @@ DataFile read_data_file(const std::string& path, Findings& findings) {
   check_text(keys, key("crs"), cases::expected_crs, cases::epsg_of, findings);
   check_text(keys, key("epoch"), cases::expected_epoch, cases::epoch_of, findings);
   const DataFile data = values_of(keys);
+  if (data.results) {
+    check_text(keys, key("output/results precision"), cases::expected_precision,
+               cases::double_precision_of, findings);
+  }
   check_run_parameters(data, findings);
   return data;
 }

@@ -25,6 +25,7 @@ struct DataFile {
   std::optional<double> envelope_interval;  ///< s
   std::optional<std::string> final_state;   ///< in the folder
   std::optional<std::string> maxima;        ///< in the folder
+  std::optional<std::string> results;       ///< in the folder, in NetCDF
   std::optional<double> arrival_depth;      ///< m
 
   bool has_sediments() const;

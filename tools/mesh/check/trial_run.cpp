@@ -63,7 +63,8 @@ std::optional<nlohmann::json> trial_data(const std::string& data_file, const std
   const auto folder_place = place_of(key("output/folder"));
   if (is_text(folder_place)) data[folder_place] = folder + "/";
   for (const cases::Key& request :
-       {key("output/snapshots of flow"), key("output/gauges"), key("output/discharges")}) {
+       {key("output/snapshots of flow"), key("output/results"), key("output/results times"),
+        key("output/gauges"), key("output/discharges")}) {
     const auto place = place_of(request);
     if (is_text(place)) data[place.parent_pointer()].erase(place.back());
   }

@@ -1,0 +1,228 @@
+#include "output/ResultsFile.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <set>
+#include <stdexcept>
+#include <system_error>
+#include <utility>
+
+#include "case/initial_state.hpp"
+#include "case/node_bed.hpp"
+#include "utils/files.hpp"
+#include "utils/number_text.hpp"
+#include "utils/stop.hpp"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<double> bed_of_cells(const cases::Case& contents) {
+  std::vector<double> bed;
+  bed.reserve(cases::at(contents.mesh.n_cells()));
+  for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+    bed.push_back(cases::bed_level_of(contents, cell));
+  }
+  return bed;
+}
+
+/// The nodes' own elevation, unless something else makes the bed of the cells.
+std::vector<double> bed_of_nodes(const cases::Case& contents, const std::vector<double>& bed) {
+  const bool is_own = contents.fields.bed.empty() && contents.fields.sediment.empty();
+  return is_own ? contents.mesh.z : cases::bed_at_nodes(contents.mesh, bed);
+}
+
+ugrid::Contents contents_of(const cases::DataFile& data, const cases::Case& contents) {
+  ugrid::Contents result;
+  result.title = data.simulation_name;
+  if (data.epsg) result.crs = ugrid::Crs{*data.epsg, {}, {}};
+  result.epoch = data.epoch;
+  result.n_nodes = cases::at(contents.mesh.n_nodes());
+  result.n_faces = cases::at(contents.mesh.n_cells());
+  result.width = ugrid::most_nodes_of_a_cell(contents.mesh);
+  result.has_sediments = contents.has_sediments;
+  result.has_infiltration = contents.has_infiltration;
+  result.has_maxima_of_flow = data.maxima.has_value();
+  result.has_largest_depths = true;
+  result.is_double = data.results->is_double;
+  return result;
+}
+
+/// Readers look for a time among those of a file.
+void require_order(const cases::DataFile& data, const std::vector<double>& times) {
+  const std::string file = data.results->times ? *data.results->times : *data.pictures;
+  for (std::size_t i = 1; i < times.size(); ++i) {
+    if (times[i] > times[i - 1]) continue;
+    utils::fatal("Error in file " + file + ": snapshot " + std::to_string(i) +
+                 " (counted from 0): found the time " + utils::number_text(times[i]) + " after " +
+                 utils::number_text(times[i - 1]) +
+                 ", expected times that increase, for the results in NetCDF.\n");
+  }
+}
+
+[[noreturn]] void refuse(const std::string& name, const std::string& trouble) {
+  utils::fatal("Error. The file " + name + " " + trouble + ".\n");
+}
+
+/// The file itself, or the one that a link leads to.
+std::string regular_file_at(const std::string& name) {
+  std::error_code ignored;
+  const bool is_linked = fs::is_symlink(name, ignored);
+  const fs::path target = is_linked ? fs::canonical(name, ignored) : fs::path();
+  const std::string place = target.empty() ? name : target.string();
+  const auto status = fs::symlink_status(place, ignored);
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    refuse(name, "couldn't be created: expected the name of a regular file, or a new one");
+  }
+  return place;
+}
+
+ugrid::ClassicLayout bytes_of(const std::string& name, const ugrid::UgridLayout& layout) {
+  try {
+    return ugrid::classic_layout(layout.definitions());
+  } catch (const std::length_error& error) {
+    refuse(name, std::string("couldn't be created: ") + error.what());
+  }
+}
+
+std::string reason_of(int error) { return std::generic_category().message(error); }
+
+std::string part_of(const std::string& place) { return place + ".part"; }
+
+}  // namespace
+
+ResultsFile::ResultsFile(const cases::DataFile& data, std::vector<double> times,
+                         const cases::Case& contents)
+    : case_(contents),
+      origin_{data.origin[0], data.origin[1]},
+      name_(data.output_folder + data.results->name),
+      place_(regular_file_at(name_)),
+      times_(std::move(times)),
+      bed_(bed_of_cells(contents)),
+      layout_(contents_of(data, contents)),
+      bytes_(bytes_of(name_, layout_)) {
+  require_order(data, times_);
+}
+
+ResultsFile::~ResultsFile() {
+  wait();
+  if (file_.is_open() && !is_in_place_) std::remove(part_of(place_).c_str());
+}
+
+void ResultsFile::begin() {
+  if (utils::is_input_file(place_) || utils::is_input_file(part_of(place_))) {
+    refuse(name_, "isn't written: it, or its name with .part, is an input file of this run");
+  }
+  if (const int error = file_.create_anew(part_of(place_)); error != 0) {
+    refuse(name_, "couldn't be created: " + reason_of(error));
+  }
+  classic_.emplace(file_, bytes_);
+  classic_->begin();
+  layout_.put_mesh(*classic_, ugrid::mesh_of(case_.mesh, origin_, bed_of_nodes(case_, bed_)), bed_);
+  layout_.put_no_maxima(*classic_);
+  if (classic_->error() == 0) return;
+  std::remove(part_of(place_).c_str());
+  refuse(name_, "couldn't be written completely: " + reason_of(classic_->error()));
+}
+
+void ResultsFile::begin_behind(double done) {
+  next_ = next_snapshot(times_, {}, done);
+  begin();
+}
+
+void ResultsFile::require(const ResultsPosition& position) const {
+  const auto cannot_go_on = [&](const std::string& trouble) {
+    utils::fatal("Error. The result file " + name_ + " " + trouble + ": it can't be continued.\n");
+  };
+  if (utils::is_input_file(place_)) cannot_go_on("is an input file of this run");
+  const std::string fault = ugrid::fault_of_start(place_, bytes_, position.records);
+  if (!fault.empty()) cannot_go_on(fault);
+  const WrittenRecords& known = position.written;
+  if (known.count == 0) return;
+  if (ugrid::checksum_of_record(place_, bytes_, known.count - 1) != known.checksum) {
+    cannot_go_on("doesn't hold any more what it held at the checkpoint");
+  }
+}
+
+void ResultsFile::go_on(const ResultsPosition& position, double done) {
+  next_ = next_snapshot(times_, position.snapshots, done);
+  int error = file_.open_as_it_is(place_);
+  is_in_place_ = true;
+  if (error == 0) {
+    records_ = position.records;
+    written_ = {records_, ugrid::checksum_of_record(place_, bytes_, records_ - 1)};
+    classic_.emplace(file_, bytes_);
+    classic_->go_on(records_);
+    layout_.put_no_maxima(*classic_);
+    error = classic_->error();
+  }
+  if (error != 0) refuse(name_, "couldn't be continued: " + reason_of(error));
+}
+
+ResultsPosition ResultsFile::position() const {
+  const std::lock_guard lock(mutex_);
+  return {name_, {times_, next_}, records_, written_};
+}
+
+void ResultsFile::WriteMeasure(const fields::Flow& flow) {
+  writer_.wait();
+  if (has_failed()) return;
+  gather(layout_.quantities_in_time(), flow);
+  ++records_;
+  writer_.hand_over([this, t = times_[next_++]] { return write_snapshot(t); });
+}
+
+void ResultsFile::finish(const fields::Flow& flow) {
+  writer_.wait();
+  if (has_failed()) return;
+  gather(layout_.maxima(), flow);
+  writer_.hand_over([this] { return write_maxima(); });
+}
+
+void ResultsFile::gather(const std::vector<fields::Quantity>& quantities,
+                         const fields::Flow& flow) {
+  std::set<fields::Field> needed;
+  for (const fields::Quantity& quantity : quantities) {
+    needed.insert({quantity.source, quantity.depth});
+  }
+  for (const fields::Field field : needed) {
+    columns_[field].resize(cases::at(case_.mesh.n_cells()));
+    flow.read(field, columns_[field]);
+  }
+}
+
+bool ResultsFile::write_snapshot(double t) {
+  const std::uint64_t record = written_.count;
+  layout_.put_snapshot(*classic_, record, t, gathered());
+  if (!show(record + 1)) return false;
+  const std::uint64_t checksum = ugrid::checksum_of_record(place_, bytes_, record);
+  const std::lock_guard lock(mutex_);
+  written_ = {record + 1, checksum};
+  return true;
+}
+
+bool ResultsFile::write_maxima() {
+  layout_.put_maxima(*classic_, gathered());
+  return show(written_.count);
+}
+
+bool ResultsFile::show(std::uint64_t records) {
+  classic_->show(records);
+  if (classic_->error() == 0) return put_in_place();
+  std::cerr << "Error. The file " + name_ +
+                   " couldn't be written completely: " + reason_of(classic_->error()) + ".\n";
+  return false;
+}
+
+bool ResultsFile::put_in_place() {
+  if (is_in_place_) return true;
+  is_in_place_ = std::rename(part_of(place_).c_str(), place_.c_str()) == 0;
+  if (!is_in_place_) {
+    std::cerr << "Error. The file " + name_ + " couldn't be put in its place: " + reason_of(errno) +
+                     ".\n";
+  }
+  return is_in_place_;
+}

@@ -1,0 +1,81 @@
+// The flow at listed times, and the largest values of the run, in one NetCDF file that grows while
+// the run goes on.
+#pragma once
+
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "case/Case.hpp"
+#include "case/DataFile.hpp"
+#include "fields/Flow.hpp"
+#include "output/OutputPositions.hpp"
+#include "ugrid/ClassicFile.hpp"
+#include "ugrid/UgridLayout.hpp"
+#include "utils/WritableFile.hpp"
+#include "utils/WriterThread.hpp"
+
+/// It takes its name with its first snapshot; an earlier file is there until then. Whoever opens it
+/// finds all snapshots that were written.
+class ResultsFile {
+ public:
+  /// Of the file that `data` asks for, with snapshots at `times` (s). Ends the run with a message
+  /// where these do not increase, or no file can be written. The case must outlive it. The file
+  /// comes by begin() or go_on().
+  ResultsFile(const cases::DataFile& data, std::vector<double> times, const cases::Case& contents);
+  /// Removes a file that has not got its name.
+  ~ResultsFile();
+  ResultsFile(const ResultsFile&) = delete;
+  ResultsFile& operator=(const ResultsFile&) = delete;
+
+  /// Creates the file, with all but results, or ends the run with a message.
+  void begin();
+  /// The same in the middle of a run, whose outputs are done up to a time (s).
+  void begin_behind(double done);
+  /// Ends the run with a message where the file of an earlier run is not there any more as it was.
+  void require(const ResultsPosition& position) const;
+  /// Goes on in the file of an earlier run, whose outputs are done up to a time (s).
+  void go_on(const ResultsPosition& position, double done);
+  ResultsPosition position() const;
+
+  /// Whether the next snapshot is due at time t, within a tolerance (s).
+  bool CheckTime(double t, double tolerance) const {
+    return next_ < times_.size() && t >= times_[next_] - tolerance;
+  }
+  /// Takes the present flow as the next snapshot and hands it to the writer.
+  void WriteMeasure(const fields::Flow& flow);
+  /// Takes the largest values of the run and hands them to the writer.
+  void finish(const fields::Flow& flow);
+  /// Waits until all is written.
+  void wait() { writer_.wait(); }
+  /// Whether the run must end, which has been said.
+  bool has_failed() const { return writer_.has_failed(); }
+
+ private:
+  void gather(const std::vector<fields::Quantity>& quantities, const fields::Flow& flow);
+  fields::CellValues gathered() const { return {columns_, bed_, case_.zero_depth}; }
+  bool write_snapshot(double t);
+  bool write_maxima();
+  /// Lets readers see so many snapshots, and all else that was put.
+  bool show(std::uint64_t records);
+  bool put_in_place();
+
+  const cases::Case& case_;
+  physics::PlanPoint origin_;  ///< taken from the coordinates of the mesh, m
+  std::string name_;
+  std::string place_;          ///< the name, or that of the file that a link of the name leads to
+  std::vector<double> times_;  ///< s
+  std::size_t next_ = 0;
+  std::vector<double> bed_;  ///< of the cells at the start, m
+  ugrid::UgridLayout layout_;
+  ugrid::ClassicLayout bytes_;
+  fields::Columns columns_;  ///< for the writer
+  utils::WritableFile file_;
+  std::optional<ugrid::ClassicFile> classic_;
+  bool is_in_place_ = false;
+  std::uint64_t records_ = 0;  ///< snapshots handed to the writer
+  mutable std::mutex mutex_;
+  WrittenRecords written_;      ///< by the writer
+  utils::WriterThread writer_;  ///< uses all that stands above
+};
