@@ -82,8 +82,7 @@ std::string fault_of_start(const std::string& name, const ClassicLayout& layout,
   header.replace(ClassicLayout::place_of_count, 4, 4, '\0');
   if (header != layout.header) {
     return "describes other results than this run's (model, mesh, title, place, date, precision "
-           "and "
-           "maxima must be those at the checkpoint; or give it another name)";
+           "and maxima must be those at the checkpoint; or give it another name)";
   }
   const auto lacks = [](std::uint64_t found, std::uint64_t before, const std::string& what) {
     return "has " + std::to_string(found) + " " + what + " of the " + std::to_string(before) +
