@@ -14,8 +14,7 @@ EXPECTED_MISSES = {
     ("rest_island_bed_file", "LHLLC"): ["irregular, n = 20: largest q (m²/s)"],
     ("thacker_parabola", "LHLLC"): ["irregular, n = 200: L1(h) against the plain scheme"],
     ("vortex", "LHLLC"): ["irregular: order of L1(q) between the two finest meshes"],
-    **{("drying_step", scheme): ["irregular, n = 200: error of the volume over the brink after 4 s"]
-       for scheme in ("LHLLC", "HLL2")},
+    ("drying_step", "LHLLC"): ["irregular, n = 200: error of the volume over the brink after 4 s"],
     ("draining_valley", "LHLLC"): ["n = 30: lowest depth in a snapshot, below zero (m)"],
     ("rain_on_plane", "HLL2"): [
         "structured: order of L1(h) from the coarsest to the finest mesh"],
@@ -25,6 +24,8 @@ EXPECTED_MISSES = {
     ("v_catchment", "LHLLC"): [
         f"n = 20: discharge of the {place} at the end of the rain, from that of equilibrium"
         for place in ("hillside", "outlet")],
+    ("v_catchment", "HLL2"): [
+        "n = 20: discharge of the outlet at the end of the rain, from that of equilibrium"],
     ("hydrograph", "LHLLC"): [f"n = {n}: error of the volume, relative to its largest change"
                               for n in (40, 80)],
 }
