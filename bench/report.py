@@ -129,7 +129,7 @@ def cost_of_schemes(bench, cases, rounds=5):
 
 def main():
     here = sys.stdout
-    bench = Bench(sys.argv[1], int(sys.argv[2]))
+    bench = Bench(os.path.abspath(sys.argv[1]), int(sys.argv[2]))
     sizes = [int(cells) for cells in sys.argv[3:]] or [3000, 30000, 300000, 3000000]
     before = machine()
     cases = [(cells, "wet") for cells in sizes]
