@@ -148,34 +148,38 @@ void HllBackend::first_order_fluxes(int number, const kernels::StepValues& step,
   boundary_bed_fluxes(number, step, scratch);
 }
 
+/// Calls visit(state, boundary, slot, its place among the outer slots) for those of a patch.
+template <class Visit>
+void HllBackend::for_each_boundary(int number, const Visit& visit) const {
+  const HllPatch& patch = tables_.hll->patches[at(number)];
+  const int first = tables_.patches.patches[at(number)].boundaries.begin;
+  for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
+    visit(patch.boundary_states[at(b)], tables_.boundaries[at(first + b)],
+          patch.first_boundary_slot() + b, at(tables_.first_boundary_slot() + first + b));
+  }
+}
+
 template <class States>
 void HllBackend::boundary_fluxes(int number, const States& states, const kernels::StepValues& step,
                                  Scratch& scratch) {
-  const HllPatch& patch = tables_.hll->patches[at(number)];
   const kernels::SlotColumns slots = scratch.slots.columns();
-  const int first = tables_.patches.patches[at(number)].boundaries.begin;
-  for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
-    const int slot = patch.first_boundary_slot() + b;
-    kernels::hll_flux_of_boundary(states, patch.boundary_states[at(b)],
-                                  tables_.boundaries[at(first + b)], step, slots, slot);
-    tables_.outer.mass[at(tables_.first_boundary_slot() + first + b)] = slots.mass[slot];
-  }
-  kernels::fill_slot(slots, patch.empty_slot(), {0.0, 0.0, 0.0});
+  for_each_boundary(number, [&](int state, const auto& boundary, int slot, std::size_t outer) {
+    kernels::hll_flux_of_boundary(states, state, boundary, step, slots, slot);
+    tables_.outer.mass[outer] = slots.mass[slot];
+  });
+  kernels::fill_slot(slots, tables_.hll->patches[at(number)].empty_slot(), {0.0, 0.0, 0.0});
 }
 
 void HllBackend::boundary_bed_fluxes(int number, const kernels::StepValues& step,
                                      Scratch& scratch) {
-  const HllPatch& patch = tables_.hll->patches[at(number)];
   const kernels::SlotColumns slots = scratch.slots.columns();
-  const int first = tables_.patches.patches[at(number)].boundaries.begin;
-  for (int b = 0; b < static_cast<int>(patch.boundary_states.size()); ++b) {
-    const int slot = patch.first_boundary_slot() + b;
-    kernels::hll_bed_flux_of_boundary(scratch.states(), patch.boundary_states[at(b)],
-                                      scratch.beds(), tables_.boundaries[at(first + b)], step,
-                                      slots, slot);
-    tables_.outer.bed[at(tables_.first_boundary_slot() + first + b)] = slots.bed[slot];
-  }
-  slots.bed[patch.empty_slot()] = 0.0;
+  const kernels::HllCellStates states = scratch.states();
+  const kernels::HllBedColumns beds = scratch.beds();
+  for_each_boundary(number, [&](int cell, const auto& boundary, int slot, std::size_t outer) {
+    kernels::hll_bed_flux_of_boundary(states, cell, beds, boundary, step, slots, slot);
+    tables_.outer.bed[outer] = slots.bed[slot];
+  });
+  slots.bed[tables_.hll->patches[at(number)].empty_slot()] = 0.0;
 }
 
 void HllBackend::finish_step(const Activity& activity) {

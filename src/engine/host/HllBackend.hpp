@@ -54,6 +54,8 @@ class HllBackend : public Backend {
   /// What passes all edges of a patch, into its slots.
   void second_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
   void first_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+  template <class Visit>
+  void for_each_boundary(int number, const Visit& visit) const;
   template <class States>
   void boundary_fluxes(int number, const States& states, const kernels::StepValues& step,
                        Scratch& scratch);
