@@ -1,7 +1,7 @@
 // The loops of the first-order HLL scheme over one patch that move its bed.
 #pragma once
 
-#include "engine/host/loops.hpp"
+#include "engine/host/hll_loops.hpp"
 
 // Names are internal to each build of loops.cpp, so that no build runs the instructions of another.
 namespace engine {
@@ -47,18 +47,13 @@ void hll_beds_of_patch(const kernels::CellColumns& cells, const HllRange& range,
   const kernels::EdgeColumns<kernels::Local> edges = given;
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
-    int l[block], r[block];
-#pragma omp simd
-    for (int k = 0; k < block; ++k) {
-      l[k] = edges.left[first + k];
-      r[k] = edges.right[first + k];
-    }
+    const HllEnds ends = ends_of_block(edges, first);
 #pragma omp simd
     for (int k = 0; k < block; ++k) {
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
       const double discharge =
-          kernels::hll_bed_discharge(states, beds, l[k], r[k], edge, left.mass[e]);
+          kernels::hll_bed_discharge(states, beds, ends.left[k], ends.right[k], edge, left.mass[e]);
       left.bed[e] = -discharge;
       right.bed[e] = discharge;
     }

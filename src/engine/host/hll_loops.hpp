@@ -105,6 +105,21 @@ void hll_states_of_patch(const kernels::CellColumns& cells, const HllRange& rang
   }
 }
 
+/// The states on both sides of a block of edges, in a type that gathers can use.
+struct HllEnds {
+  int left[kernels::hll_block], right[kernels::hll_block];
+};
+
+inline HllEnds ends_of_block(const kernels::EdgeColumns<kernels::Local>& edges, int first) {
+  HllEnds ends;
+#pragma omp simd
+  for (int k = 0; k < kernels::hll_block; ++k) {
+    ends.left[k] = edges.left[first + k];
+    ends.right[k] = edges.right[first + k];
+  }
+  return ends;
+}
+
 /// Fluxes of all edges of a patch, whose count is a multiple of a block, into its slots.
 template <class States>
 [[gnu::flatten]] void hll_fluxes(const kernels::EdgeColumns<kernels::Local>& given, int count,
@@ -113,19 +128,14 @@ template <class States>
   const kernels::EdgeColumns<kernels::Local> edges = given;
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
-    int l[block], r[block];
-#pragma omp simd
-    for (int k = 0; k < block; ++k) {
-      l[k] = edges.left[first + k];
-      r[k] = edges.right[first + k];
-    }
+    const HllEnds ends = ends_of_block(edges, first);
 #pragma omp simd
     for (int k = 0; k < block; ++k) {
       const int e = first + k;
       const physics::Edge edge = {edges.nx[e], edges.ny[e], edges.length[e]};
       const physics::SlotPair slots = physics::hll_edge_flux(
-          kernels::hll_state(states, l[k], edge),
-          kernels::hll_state(states, r[k], physics::reversed(edge)), edge, zero_depth);
+          kernels::hll_state(states, ends.left[k], edge),
+          kernels::hll_state(states, ends.right[k], physics::reversed(edge)), edge, zero_depth);
       left.mass[e] = slots.left.h;
       left.momentum_x[e] = slots.left.qx;
       left.momentum_y[e] = slots.left.qy;
