@@ -22,6 +22,14 @@ class Results : public OutputTest {
       file.WriteMeasure(flow);
     }
   }
+  /// Where a file stands that a run has left behind so many snapshots.
+  ResultsPosition position_behind(int snapshots) {
+    ResultsFile file(data, times, contents);
+    file.begin();
+    write_some(file, snapshots);
+    file.wait();
+    return file.position();
+  }
 
   cases::DataFile data;
   const std::vector<double> times{0.0, 1.0, 2.0, 3.0};
@@ -96,14 +104,7 @@ TEST_F(Results, GoOnWithTheSameBytesBehindTheSnapshotsOfThePosition) {
 }
 
 TEST_F(Results, OfAnotherListOfTimesGoOnBehindWhatIsDone) {
-  ResultsPosition position;
-  {
-    ResultsFile file(data, times, contents);
-    file.begin();
-    write_some(file, 2);
-    file.wait();
-    position = file.position();
-  }
+  const ResultsPosition position = position_behind(2);
   ResultsFile next(data, {0.5, 1.5, 1.75}, contents);
   next.go_on(position, 1.6);
   EXPECT_FALSE(next.CheckTime(1.7, 0.0));
@@ -111,14 +112,7 @@ TEST_F(Results, OfAnotherListOfTimesGoOnBehindWhatIsDone) {
 }
 
 TEST_F(Results, DoNotGoOnInAFileThatIsAnotherOne) {
-  ResultsPosition position;
-  {
-    ResultsFile file(data, times, contents);
-    file.begin();
-    write_some(file, 2);
-    file.wait();
-    position = file.position();
-  }
+  const ResultsPosition position = position_behind(2);
   const std::string whole = text();
   const auto refusal = [&] {
     const ResultsFile next(data, times, contents);
