@@ -124,15 +124,41 @@ QM_HD inline void store_hll_cell_state(const CellColumns& cells, int i, const do
   states.celerity_length[k] = state.celerity_length;
 }
 
-/// The edge states of cell i of a patch; its geometry and weights stand there, its neighbours are
-/// these.
-QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* geometry,
-                                  const float* weights, int n0, int n1, int n2, int i,
-                                  const HllEdgeColumns& edges, const StepValues& step) {
-  const physics::HllCell cell = hll_cell(geometry);
-  const physics::HllCellEdges of_cell = physics::hll_edges(
+/// Limited slopes of the cells of a block, see physics::HllSlopes.
+struct HllSlopesOfBlock {
+  double e_x[hll_block], e_y[hll_block], h_x[hll_block], h_y[hll_block];
+  double u_x[hll_block], u_y[hll_block], v_x[hll_block], v_y[hll_block];
+};
+
+/// The slopes of cell i of a patch, into entry k of its block; its geometry and weights stand there,
+/// its neighbours are these.
+QM_HD inline void store_hll_slopes(const HllWaterColumns& waters, const double* geometry,
+                                   const float* weights, int n0, int n1, int n2, int i,
+                                   HllSlopesOfBlock& slopes, int k, const StepValues& step) {
+  const physics::HllSlopes s = physics::hll_slopes(
       hll_neighbour(waters, i), hll_neighbour(waters, n0), hll_neighbour(waters, n1),
-      hll_neighbour(waters, n2), cell, hll_weights(weights), step.dt, step.zero_depth);
+      hll_neighbour(waters, n2), hll_cell(geometry), hll_weights(weights), step.zero_depth);
+  slopes.e_x[k] = s.e.x;
+  slopes.e_y[k] = s.e.y;
+  slopes.h_x[k] = s.h.x;
+  slopes.h_y[k] = s.h.y;
+  slopes.u_x[k] = s.u.x;
+  slopes.u_y[k] = s.u.y;
+  slopes.v_x[k] = s.v.x;
+  slopes.v_y[k] = s.v.y;
+}
+
+/// The edge states of cell i of a patch, of the slopes in entry k of its block; its geometry stands
+/// there.
+QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* geometry,
+                                  const HllSlopesOfBlock& slopes, int k, int i,
+                                  const HllEdgeColumns& edges, const StepValues& step) {
+  const physics::HllSlopes s = {{slopes.e_x[k], slopes.e_y[k]},
+                                {slopes.h_x[k], slopes.h_y[k]},
+                                {slopes.u_x[k], slopes.u_y[k]},
+                                {slopes.v_x[k], slopes.v_y[k]}};
+  const physics::HllCellEdges of_cell = physics::hll_edges_of_slopes(
+      hll_neighbour(waters, i), s, hll_cell(geometry), step.dt, step.zero_depth);
   store_hll_state(edges, i, of_cell.k0);
   store_hll_state(edges, edges.stride + i, of_cell.k1);
   store_hll_state(edges, 2 * edges.stride + i, of_cell.k2);

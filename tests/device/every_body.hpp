@@ -187,8 +187,10 @@ QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cel
     add(results, c.u[i] + c.v[i] + c.drag[i]);
   }
   for (int i = 0; i < 2; ++i) {
-    kernels::store_hll_edges(waters_of(c), c.geometry + i, c.weights + i, 1 - i, i, 1 - i, i,
-                             edges_of(c), step);
+    kernels::HllSlopesOfBlock slopes;
+    kernels::store_hll_slopes(waters_of(c), c.geometry + i, c.weights + i, 1 - i, i, 1 - i, i,
+                              slopes, 0, step);
+    kernels::store_hll_edges(waters_of(c), c.geometry + i, slopes, 0, i, edges_of(c), step);
     add(results, c.source_x[i] + c.source_y[i]);
   }
   const physics::SlotPair slots =

@@ -17,41 +17,34 @@ HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
     slots = std::max(slots, at(patch.empty_slot()) + 1);
   }
   for (Scratch& scratch : scratch_) {
-    for (Column& column : scratch.water) column.assign(all_cells, 0.0);
+    scratch.water.assign(all_cells);
     if (tables.hll->second_order) {
-      for (Column& column : scratch.edge) column.assign(3 * with_states, 0.0);
+      scratch.edge.assign(3 * with_states);
     } else {
-      for (Column& column : scratch.giving) column.assign(with_states, 0.0);
+      scratch.giving.assign(with_states);
     }
-    for (Column& column : scratch.source) column.assign(with_states, 0.0);  // stays in first order
-    if (tables.has_bed) {
-      for (Column& column : scratch.bed) column.assign(with_states, 0.0);
-    }
+    scratch.source.assign(with_states);  // stays in first order
+    if (tables.has_bed) scratch.bed.assign(with_states);
     scratch.slots.assign(slots, tables.has_bed);
     scratch.demand.resize(tables, cells);
   }
 }
 
 kernels::HllWaterColumns HllBackend::Scratch::waters() {
-  return {water[0].data(), water[1].data(), water[2].data(), water[3].data(), water[4].data()};
+  return {water[0], water[1], water[2], water[3], water[4]};
 }
 
 kernels::HllEdgeColumns HllBackend::Scratch::edges(int stride) {
-  return {edge[0].data(), edge[1].data(),   edge[2].data(),   edge[3].data(),
-          edge[4].data(), source[0].data(), source[1].data(), stride};
+  return {edge[0], edge[1], edge[2], edge[3], edge[4], source[0], source[1], stride};
 }
 
-kernels::HllCellStates HllBackend::Scratch::states() {
-  return {waters(), giving[0].data(), giving[1].data()};
-}
+kernels::HllCellStates HllBackend::Scratch::states() { return {waters(), giving[0], giving[1]}; }
 
 kernels::HllBeforeColumns HllBackend::Scratch::before() const {
-  return {water[1].data(), water[2].data(), source[0].data(), source[1].data()};
+  return {water[1], water[2], source[0], source[1]};
 }
 
-kernels::HllBedColumns HllBackend::Scratch::beds() {
-  return {bed[0].data(), bed[1].data(), bed[2].data(), bed[3].data()};
-}
+kernels::HllBedColumns HllBackend::Scratch::beds() { return {bed[0], bed[1], bed[2], bed[3]}; }
 
 double HllBackend::advance(const std::vector<int>& patches, const kernels::StepValues& values,
                            const std::vector<physics::SoilStep>& soil_steps, Activity& activity,

@@ -5,6 +5,7 @@
 
 #include "engine/Backend.hpp"
 #include "engine/HllPatches.hpp"
+#include "engine/SpreadColumns.hpp"
 #include "engine/ThreadTeam.hpp"
 #include "engine/host/SoilDemand.hpp"
 #include "engine/host/loops.hpp"
@@ -33,11 +34,11 @@ class HllBackend : public Backend {
  private:
   /// What a thread needs for one patch at a time.
   struct Scratch {
-    Column water[5];   ///< of kernels::HllWaterColumns
-    Column edge[5];    ///< of kernels::HllEdgeColumns; empty in first order
-    Column giving[2];  ///< of kernels::HllCellStates; empty in second order
-    Column source[2];
-    Column bed[4];  ///< of kernels::HllBedColumns; empty without sediments
+    SpreadColumns<5> water;   ///< of kernels::HllWaterColumns
+    SpreadColumns<5> edge;    ///< of kernels::HllEdgeColumns; empty in first order
+    SpreadColumns<2> giving;  ///< of kernels::HllCellStates; empty in second order
+    SpreadColumns<2> source;
+    SpreadColumns<4> bed;  ///< of kernels::HllBedColumns; empty without sediments
     Slots slots;
     SoilDemand demand;
     double crossing_rate = 0.0;  ///< largest so far, 1/s

@@ -82,7 +82,8 @@ void hll_states_of_patch(const kernels::CellColumns& cells, const HllRange& rang
   hll_states_at(cells, range.around, range.ring, range.cells_around, shapes, states, step);
 }
 
-/// Edge states of second order, block by block.
+/// Edge states of second order, block by block. Slopes and states each have a loop of their own:
+/// together they need more registers than there are.
 [[gnu::flatten]] void hll_edges(kernels::HllWaterColumns waters, kernels::HllCellColumns cells,
                                 int count, kernels::HllEdgeColumns edges,
                                 kernels::StepValues step) {
@@ -97,10 +98,15 @@ void hll_states_of_patch(const kernels::CellColumns& cells, const HllRange& rang
 #pragma omp simd
       for (int k = 0; k < block; ++k) neighbours[s][k] = cells.neighbours[s][first + k];
     }
+    kernels::HllSlopesOfBlock slopes;
 #pragma omp simd
     for (int k = 0; k < block; ++k) {
-      kernels::store_hll_edges(waters, geometry + k, weights + k, neighbours[0][k],
-                               neighbours[1][k], neighbours[2][k], first + k, edges, step);
+      kernels::store_hll_slopes(waters, geometry + k, weights + k, neighbours[0][k],
+                                neighbours[1][k], neighbours[2][k], first + k, slopes, k, step);
+    }
+#pragma omp simd
+    for (int k = 0; k < block; ++k) {
+      kernels::store_hll_edges(waters, geometry + k, slopes, k, first + k, edges, step);
     }
   }
 }
