@@ -27,7 +27,7 @@ DATA = {
     },
     "output": {"folder": "out/", "snapshots of flow": "snapshots.txt", "gauges": "gauges_in.txt",
                "discharges": "sections_in.txt", "final state": "final.txt",
-               "maxima of flow": {"file": "maxima.txt"}},
+               "maxima of flow": {"file": "maxima.txt"}, "results": "results.nc"},
 }
 PILOT = 20.0  # s, of simulation
 SETTINGS = {

@@ -29,7 +29,7 @@ MOST_LATE = 4  # runs of a kind
 
 def without_names(words):
     """What tells one cause from another: neither numbers nor what files and fields are called."""
-    words = re.sub(r"[^\s\"]+\.(txt|json)(\.part)?", "FILE", words)
+    words = re.sub(r"[^\s\"]+\.(txt|json|nc)(\.part)?", "FILE", words)
     return re.sub(r"\d+", "#", re.sub(r", line .*: found ", ": found ", words))
 
 

@@ -4,6 +4,7 @@ from pathlib import Path
 
 WHOLE = "whole"  # a result that has its name only when it is complete
 LINES = "lines"  # a result that grows line by line
+RECORDS = "records"  # a NetCDF file that grows record by record
 LOG = "log"
 REPORT = "report"
 REPORT_FILE = "report.json"
@@ -96,6 +97,7 @@ class Case:
         output["time step enveloppe of results"] = interval
         output["final state"] = "final.txt"
         output["maxima of flow"] = {"file": "maxima.txt"}
+        output["results"] = "results.nc"
         output["snapshots of flow"] = "snapshots_in.txt"
         output["gauges"] = "gauges_in.txt"
         output["discharges"] = "sections_in.txt"
@@ -119,8 +121,8 @@ class Case:
     def results(self):
         """Name and kind of every result, snapshots apart."""
         return {"out/enveloppe.txt": WHOLE, "out/final.txt": WHOLE, "out/maxima.txt": WHOLE,
-                "out/gauges.txt": LINES, "sections.txt": LINES, "log.txt": LOG,
-                REPORT_FILE: REPORT}
+                "out/results.nc": RECORDS, "out/gauges.txt": LINES, "sections.txt": LINES,
+                "log.txt": LOG, REPORT_FILE: REPORT}
 
     def write(self, folder):
         for name, text in self.inputs.items():

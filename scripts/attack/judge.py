@@ -6,7 +6,8 @@ import math
 import re
 import signal
 
-from cases import LINES, LOG, REPORT, WHOLE
+from cases import LINES, LOG, RECORDS, REPORT, WHOLE
+from netcdf import damage_of_records
 
 ALLOWED_STATUSES = (0, 255)
 LAST_WORDS = re.compile(rb"^(Simulation interrupted|Total execution time).*\n", re.MULTILINE)
@@ -79,6 +80,8 @@ def damage(name, kind, text, reference, may_cut_last_line):
         return None if is_json(text) else "is no complete report"
     if reference is None:
         return None
+    if kind == RECORDS:
+        return damage_of_records(text, reference)
     if kind in (LINES, LOG):
         if may_cut_last_line:
             text = text[:text.rfind(b"\n") + 1]

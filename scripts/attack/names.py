@@ -21,7 +21,7 @@ WORDS = {
 }
 OF_NAMES = ("log.txt",)  # tells the names
 RESULTS = ("log.txt", "report.json", "gauges.txt", "sections.txt", "enveloppe.txt", "pic_0_50.txt",
-           "final.txt", "maxima.txt")
+           "final.txt", "maxima.txt", "results.nc")
 SPELLINGS = {"plain": "{}", "dot": "./{}", "round": "out/../{}"}
 PLAIN_CASE = Case()
 UNDISTURBED = Attack("undisturbed", PLAIN_CASE, WITH_REPORT)
@@ -44,7 +44,7 @@ def of_folders():
     for word, name in FOLDERS.items():
         there = word not in ("missing", "input", "root")
         in_out = ("gauges.txt", "enveloppe.txt", "pic_0_00.txt", "pic_0_50.txt", "pic_0_90.txt",
-                  "final.txt", "maxima.txt")
+                  "final.txt", "maxima.txt", "results.nc")
         renamed = {f"out/{result}": os.path.normpath(name + result)
                    if "\0" not in name else result for result in in_out}
         yield Attack(f"names/folder/{word}", with_output_folder(name), PLAIN, renamed=renamed,

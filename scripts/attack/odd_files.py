@@ -11,9 +11,9 @@ from run import Attack
 
 MEMORY = 512 * MIB  # for those that read a file without an end
 RESULTS = ("log.txt", "report.json", "sections.txt", "out/gauges.txt", "out/enveloppe.txt",
-           "out/pic_0_50.txt", "out/final.txt", "out/maxima.txt")
+           "out/pic_0_50.txt", "out/final.txt", "out/maxima.txt", "out/results.nc")
 WHOLE_RESULTS = ("report.json", "out/enveloppe.txt", "out/pic_0_50.txt", "out/final.txt",
-                 "out/maxima.txt")
+                 "out/maxima.txt", "out/results.nc")
 
 
 def bound_memory():

@@ -153,7 +153,9 @@ void ResultsFile::go_on(const ResultsPosition& position, double done) {
   is_in_place_ = true;
   if (error == 0) {
     records_ = position.records;
-    written_ = {records_, ugrid::checksum_of_record(place_, bytes_, records_ - 1)};
+    const auto checksum = ugrid::checksum_of_record(place_, bytes_, records_ - 1);
+    if (!checksum) refuse(name_, "couldn't be read");
+    written_ = {records_, *checksum};
     classic_.emplace(file_, bytes_);
     classic_->go_on(records_);
     layout_.put_no_maxima(*classic_);
@@ -198,9 +200,13 @@ bool ResultsFile::write_snapshot(double t) {
   const std::uint64_t record = written_.count;
   layout_.put_snapshot(*classic_, record, t, gathered());
   if (!show(record + 1)) return false;
-  const std::uint64_t checksum = ugrid::checksum_of_record(place_, bytes_, record);
+  const auto checksum = ugrid::checksum_of_record(place_, bytes_, record);
+  if (!checksum) {
+    std::cerr << "Error. The file " + name_ + " couldn't be read again.\n";
+    return false;
+  }
   const std::lock_guard lock(mutex_);
-  written_ = {record + 1, checksum};
+  written_ = {record + 1, *checksum};
   return true;
 }
 

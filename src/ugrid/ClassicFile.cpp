@@ -96,16 +96,17 @@ std::string fault_of_start(const std::string& name, const ClassicLayout& layout,
   return size < end ? lacks(size, end, "bytes") : "";
 }
 
-std::uint64_t checksum_of_record(const std::string& name, const ClassicLayout& layout,
-                                 std::uint64_t record) {
+std::optional<std::uint64_t> checksum_of_record(const std::string& name,
+                                                const ClassicLayout& layout, std::uint64_t record) {
   constexpr std::uint64_t piece_size = 1 << 20;  // bytes
   std::ifstream file(name, std::ios::binary);
   file.seekg(static_cast<std::streamoff>(layout.end_of_record(record)));  // of that before it
   utils::Checksum sum;
   std::vector<char> piece(std::min(piece_size, layout.record_size));
-  for (std::uint64_t left = layout.record_size; left > 0 && file;) {
+  for (std::uint64_t left = layout.record_size; left > 0;) {
     file.read(piece.data(),
               static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
+    if (!file) return {};
     const auto count = static_cast<std::size_t>(file.gcount());
     sum.add(piece.data(), count);
     left -= count;

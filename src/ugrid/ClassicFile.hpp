@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -50,8 +51,8 @@ class ClassicFile : public DataFile {
 std::string fault_of_start(const std::string& name, const ClassicLayout& layout,
                            std::uint64_t records);
 
-/// The checksum of a record of a file, by its number, as far as it is there.
-std::uint64_t checksum_of_record(const std::string& name, const ClassicLayout& layout,
-                                 std::uint64_t record);
+/// The checksum of a record of a file, by its number; none where it cannot be read as a whole.
+std::optional<std::uint64_t> checksum_of_record(const std::string& name,
+                                                const ClassicLayout& layout, std::uint64_t record);
 
 }  // namespace ugrid

@@ -73,6 +73,22 @@ TEST_F(ClassicFile, GoesOnBehindItsFirstRecords) {
   EXPECT_EQ(text(), expected);
 }
 
+TEST_F(ClassicFile, HasTheChecksumOfARecordThatIsWhole) {
+  ugrid::ClassicFile file(bytes_, layout);
+  file.begin();
+  for (int record = 0; record < 2; ++record) put_record(file, record);
+  file.show(2);
+  const std::string name = folder.file("a.nc");
+  const auto first = ugrid::checksum_of_record(name, layout, 0);
+  ASSERT_TRUE(first.has_value());
+  ASSERT_TRUE(ugrid::checksum_of_record(name, layout, 1).has_value());
+  EXPECT_NE(ugrid::checksum_of_record(name, layout, 1), first);
+  bytes_.cut_off(layout.end_of_record(2) - 1);
+  EXPECT_EQ(ugrid::checksum_of_record(name, layout, 0), first);
+  EXPECT_FALSE(ugrid::checksum_of_record(name, layout, 1).has_value());
+  EXPECT_FALSE(ugrid::checksum_of_record(folder.file("none.nc"), layout, 0).has_value());
+}
+
 TEST_F(ClassicFile, WritesNothingMoreAfterAnError) {
   utils::WritableFile full;
   full.open("/dev/full");
