@@ -1,5 +1,5 @@
-// Rates of reading and writing, next to those of formatted streams on the same files, and of point
-// location: bench_files CELLS.
+// Rates of reading and writing, next to those of formatted streams on the same files, of a snapshot
+// in NetCDF, next to one as text, and of point location: bench_files CELLS.
 #include <unistd.h>
 
 #include <chrono>
@@ -19,6 +19,8 @@
 #include "channel_case.hpp"
 #include "domain/Domain.hpp"
 #include "model/MeshNode.hpp"
+#include "ugrid/ClassicFile.hpp"
+#include "ugrid/UgridLayout.hpp"
 #include "utils/CellTable.hpp"
 
 namespace {
@@ -191,6 +193,42 @@ void compare_writing(int n_cells) {
   }
 }
 
+/// A snapshot in single precision, until it lies on the disk.
+void time_snapshot_in_netcdf(int n_cells) {
+  using fields::Field;
+  fields::Columns columns;
+  for (const State& s : states_of(n_cells)) {
+    columns[Field::depth].push_back(s.h);
+    columns[Field::discharge_x].push_back(s.qx);
+    columns[Field::discharge_y].push_back(s.qy);
+  }
+  const std::vector<double> bed(columns[Field::depth].size(), 10.0);
+  const ugrid::UgridLayout layout({.title = "",
+                                   .crs = {},
+                                   .epoch = "2026-05-01 00:00:00",
+                                   .n_nodes = 3,
+                                   .n_faces = bed.size(),
+                                   .width = 3,
+                                   .has_sediments = false,
+                                   .has_infiltration = false,
+                                   .has_maxima_of_flow = false,
+                                   .has_largest_depths = false,
+                                   .is_double = false});
+  const ugrid::ClassicLayout bytes = ugrid::classic_layout(layout.definitions());
+  utils::WritableFile file;
+  refuse(file.create_anew("snapshots.nc") != 0);
+  ugrid::ClassicFile classic(file, bytes);
+  classic.begin();
+  std::size_t records = 0;
+  const double seconds = seconds_of([&] {
+    layout.put_snapshot(classic, records++, 0.0, {columns, bed, 0.001});
+    classic.show(records);
+  });
+  refuse(classic.error() != 0);
+  std::printf("\nA snapshot in NetCDF: %.1f MB, %.0f ms\n",
+              1e-6 * static_cast<double>(bytes.record_size), 1e3 * seconds);
+}
+
 // --- Point location ---------------------------------------------------------------------------
 
 void time_point_location(const Channel& channel) {
@@ -233,6 +271,7 @@ int main(int argc, char** argv) {
   std::printf("%-22s %10s %12s %12s %10s\n", "file", "MB", "MB/s", "stream MB/s", "ratio");
   compare_reading(channel);
   compare_writing(channel.cells());
+  time_snapshot_in_netcdf(channel.cells());
   time_point_location(channel);
   std::filesystem::current_path("/");
   std::filesystem::remove_all(folder);

@@ -130,8 +130,8 @@ struct HllSlopesOfBlock {
   double u_x[hll_block], u_y[hll_block], v_x[hll_block], v_y[hll_block];
 };
 
-/// The slopes of cell i of a patch, into entry k of its block; its geometry and weights stand there,
-/// its neighbours are these.
+/// The slopes of cell i of a patch, into entry k of its block; its geometry and weights stand
+/// there, its neighbours are these.
 QM_HD inline void store_hll_slopes(const HllWaterColumns& waters, const double* geometry,
                                    const float* weights, int n0, int n1, int n2, int i,
                                    HllSlopesOfBlock& slopes, int k, const StepValues& step) {
