@@ -15,30 +15,6 @@ namespace mesh_import {
 
 namespace {
 
-Mesh read_mesh(const ImportOptions& options, std::ostream& out) {
-  Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
-  mesh.epsg = options.epsg;
-  const CellChanges changes = prepare_cells(mesh);
-  out << "Read " << options.mesh << " (" << mesh.format
-      << "): " << utils::counted(mesh.nodes.size(), "node") << ", "
-      << utils::counted(mesh.cells.size(), "triangle") << ".\n";
-  for (const auto& remark : mesh.remarks) out << remark << "\n";
-  if (changes.n_split > 0) {
-    out << "Split " << utils::counted(changes.n_split, "quadrilateral")
-        << " into triangles, along the shorter diagonal.\n";
-  }
-  if (changes.n_repeated_cells > 0) {
-    out << "Joined " << utils::counted(changes.n_repeated_cells, "cell")
-        << " that the file repeats.\n";
-  }
-  if (changes.n_unused_nodes > 0) {
-    out << "Left out " << utils::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
-  }
-  out << "Turned " << utils::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
-  merge_boundary_nodes(mesh, options.merge_distance, out);
-  return mesh;
-}
-
 void set_terrain(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   if (!options.terrain.empty()) {
     const Raster terrain(options.terrain, mesh.epsg);
@@ -73,11 +49,33 @@ void warn_of_odd_ground(const Mesh& mesh, bool has_bed) {
 
 }  // namespace
 
-Mesh import_mesh(const ImportOptions& options, std::ostream& out) {
-  Mesh mesh = read_mesh(options, out);
+Mesh read_mesh(ImportOptions& options, std::ostream& out) {
+  Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
+  mesh.epsg = options.epsg;
+  const CellChanges changes = prepare_cells(mesh);
+  out << "Read " << options.mesh << " (" << mesh.format
+      << "): " << utils::counted(mesh.nodes.size(), "node") << ", "
+      << utils::counted(mesh.cells.size(), "triangle") << ".\n";
+  for (const auto& remark : mesh.remarks) out << remark << "\n";
+  if (changes.n_split > 0) {
+    out << "Split " << utils::counted(changes.n_split, "quadrilateral")
+        << " into triangles, along the shorter diagonal.\n";
+  }
+  if (changes.n_repeated_cells > 0) {
+    out << "Joined " << utils::counted(changes.n_repeated_cells, "cell")
+        << " that the file repeats.\n";
+  }
+  if (changes.n_unused_nodes > 0) {
+    out << "Left out " << utils::counted(changes.n_unused_nodes, "node") << " that no cell has.\n";
+  }
+  out << "Turned " << utils::counted(changes.n_turned, "cell") << " to run counter-clockwise.\n";
+  merge_boundary_nodes(mesh, options.merge_distance, out);
+  return mesh;
+}
+
+void set_ground(const ImportOptions& options, Mesh& mesh, std::ostream& out) {
   set_terrain(options, mesh, out);
   warn_of_odd_ground(mesh, !options.bed.empty() || !mesh.bed_of_cell.empty());
-  return mesh;
 }
 
 }  // namespace mesh_import

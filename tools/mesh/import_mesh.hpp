@@ -8,8 +8,12 @@
 
 namespace mesh_import {
 
-/// Reads the mesh, makes its cells such that the simulator can use them, and sets the elevation of
-/// its nodes; `out` is told what was read and changed. Throws tools::Error.
-Mesh import_mesh(const ImportOptions& options, std::ostream& out);
+/// Reads the mesh and makes its cells such that the simulator can use them; `out` is told what was
+/// read and changed. Throws tools::Error.
+Mesh read_mesh(ImportOptions& options, std::ostream& out);
+
+/// Gives the nodes the elevation of the terrain, and warns of ground that looks odd. Throws
+/// tools::Error.
+void set_ground(const ImportOptions& options, Mesh& mesh, std::ostream& out);
 
 }  // namespace mesh_import

@@ -35,7 +35,19 @@ auto understood(const char* option, const std::string& text, const std::string& 
 
 }  // namespace
 
-void add_import_options(CLI::App& command, ImportOptions& options) {
+void add_mesh_options(CLI::App& command, ImportOptions& options) {
+  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo, .2dm or .slf")->required();
+  command
+      .add_option("--merge-nodes", options.merge_distance,
+                  "Join nodes of the boundary that lie no further apart, m: a crack between them "
+                  "lets no water pass")
+      ->type_name("DISTANCE");
+  command.add_flag("--allow-commands", options.allow_commands,
+                   "Let a .geo run commands of the shell: it is a program, and is refused where it "
+                   "runs others. It may write files either way");
+}
+
+void add_case_options(CLI::App& command, ImportOptions& options) {
   const auto repeated = [&command](const char* name, std::vector<std::string>& values,
                                    const char* form, const std::string& meaning) {
     command.add_option(name, values, meaning)
@@ -43,13 +55,7 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
         ->type_size(1)
         ->allow_extra_args(false);
   };
-  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo, .2dm or .slf")->required();
   command.add_option("CASE", options.folder, "Folder of the case, made if needed")->required();
-  command
-      .add_option("--merge-nodes", options.merge_distance,
-                  "Join nodes of the boundary that lie no further apart, m: a crack between them "
-                  "lets no water pass")
-      ->type_name("DISTANCE");
   command
       .add_option_function<std::string>(
           "--crs",
@@ -183,9 +189,6 @@ void add_import_options(CLI::App& command, ImportOptions& options) {
       ->check(CLI::IsMember(names_of_schemes()));
   command.add_flag("--overwrite", options.overwrite,
                    "Replace a case that is there, and remove its results");
-  command.add_flag("--allow-commands", options.allow_commands,
-                   "Let a .geo run commands of the shell: it is a program, and is refused where it "
-                   "runs others. It may write files either way");
   command.footer(
       "VALUE may also be a raster file: a cell takes the mean of its pixels (for IDs the most "
       "frequent one). With NAME= it holds for a named surface, without for all cells; the named "

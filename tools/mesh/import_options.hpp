@@ -1,4 +1,4 @@
-// What the command line of `import` says.
+// What the command lines of `import` and `make` say.
 #pragma once
 
 #include <CLI/CLI.hpp>
@@ -43,8 +43,12 @@ struct ImportOptions {
   bool allow_commands = false;
 };
 
-/// Adds the arguments and options of the command; `options` lives as long as the command.
-void add_import_options(CLI::App& command, ImportOptions& options);
+/// Adds the mesh file and what is about it alone; `options` lives as long as the command.
+void add_mesh_options(CLI::App& command, ImportOptions& options);
+
+/// Adds the folder of the case and all that makes a case of a mesh; `options` lives as long as the
+/// command.
+void add_case_options(CLI::App& command, ImportOptions& options);
 
 /// Refuses what needs no file to be seen as wrong: throws CLI::ValidationError (wrong usage).
 void check_usage(const ImportOptions& options);
