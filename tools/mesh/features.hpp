@@ -24,6 +24,15 @@ struct Feature {
 /// Throws tools::Error, also where this program was built without GDAL.
 std::vector<Feature> read_features(const std::string& path, std::optional<int> epsg);
 
+/// The coordinate reference system of a file of features.
+struct FeatureSystem {
+  std::optional<int> epsg;     // none where it is unknown, or in degrees
+  bool is_in_degrees = false;  // false for a GeoJSON that names none, whose unit nobody knows
+};
+
+/// That of the first layer. Throws tools::Error as read_features() does.
+FeatureSystem system_of_features(const std::string& path);
+
 /// The attributes of a feature, and which of them mean something.
 class Attributes {
  public:

@@ -118,17 +118,34 @@ void read_attributes(OGRFeatureH source, Feature& feature) {
   }
 }
 
-}  // namespace
-
-std::vector<Feature> read_features(const std::string& path, std::optional<int> epsg) {
-  const QuietGdal quiet;
+std::unique_ptr<void, CloseDataset> open_features(const std::string& path) {
   if (!std::filesystem::exists(path)) throw tools::Error(path + ": the file cannot be opened.");
-  const std::unique_ptr<void, CloseDataset> dataset(
+  std::unique_ptr<void, CloseDataset> dataset(
       GDALOpenEx(path.c_str(), GDAL_OF_VECTOR | GDAL_OF_READONLY, nullptr, nullptr, nullptr));
   if (!dataset) {
     throw tools::Error(path + ": no features can be read (" + CPLGetLastErrorMsg() +
                        "); expected GeoJSON, a GeoPackage or a shapefile.");
   }
+  return dataset;
+}
+
+}  // namespace
+
+FeatureSystem system_of_features(const std::string& path) {
+  const QuietGdal quiet;
+  const auto dataset = open_features(path);
+  if (GDALDatasetGetLayerCount(dataset.get()) == 0) return {};
+  const OGRLayerH layer = GDALDatasetGetLayer(dataset.get(), 0);
+  const OGRSpatialReferenceH system = OGR_L_GetSpatialRef(layer);
+  if (system == nullptr) return {};
+  if (!OSRIsGeographic(system)) return {epsg_of(system), false};
+  const std::string format = GDALGetDriverShortName(GDALGetDatasetDriver(dataset.get()));
+  return {std::nullopt, format != "GeoJSON" && looks_like_degrees(layer)};
+}
+
+std::vector<Feature> read_features(const std::string& path, std::optional<int> epsg) {
+  const QuietGdal quiet;
+  const auto dataset = open_features(path);
   std::vector<Feature> features;
   const int n_layers = GDALDatasetGetLayerCount(dataset.get());
   for (int i = 0; i < n_layers; ++i) {

@@ -3,6 +3,8 @@
 
 namespace mesh_import {
 
+FeatureSystem system_of_features(const std::string&) { return {}; }
+
 std::vector<Feature> read_features(const std::string& path, std::optional<int>) {
   throw tools::Error(path +
                      ": this quillmere-mesh was built without GDAL and reads no drawn features. "

@@ -13,15 +13,6 @@ namespace mesh_import {
 
 namespace {
 
-/// None where it is not one of EPSG.
-std::optional<int> epsg_of(OGRSpatialReferenceH system) {
-  if (system == nullptr) return std::nullopt;
-  const char* const authority = OSRGetAuthorityName(system, nullptr);
-  const char* const code = OSRGetAuthorityCode(system, nullptr);
-  if (authority == nullptr || code == nullptr) return std::nullopt;
-  return cases::epsg_of(std::string(authority) + ":" + code);
-}
-
 /// `found` is null for a raster that does not tell its system.
 void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, int epsg) {
   const SpatialReference expected = reference_of(epsg);
@@ -37,6 +28,14 @@ void warn_of_other_system(const std::string& path, OGRSpatialReferenceH found, i
 }
 
 }  // namespace
+
+std::optional<int> epsg_of(OGRSpatialReferenceH system) {
+  if (system == nullptr) return std::nullopt;
+  const char* const authority = OSRGetAuthorityName(system, nullptr);
+  const char* const code = OSRGetAuthorityCode(system, nullptr);
+  if (authority == nullptr || code == nullptr) return std::nullopt;
+  return cases::epsg_of(std::string(authority) + ":" + code);
+}
 
 SpatialReference reference_of(int epsg) {
   SpatialReference reference(OSRNewSpatialReference(nullptr));

@@ -6,6 +6,7 @@
 #include <ogr_srs_api.h>
 
 #include <memory>
+#include <optional>
 
 namespace mesh_import {
 
@@ -33,5 +34,8 @@ using SpatialReference = std::unique_ptr<void, DestroyReference>;
 
 /// The reference system of --crs; throws tools::Error for an unknown code.
 SpatialReference reference_of(int epsg);
+
+/// None where it is not one of EPSG, or null.
+std::optional<int> epsg_of(OGRSpatialReferenceH system);
 
 }  // namespace mesh_import

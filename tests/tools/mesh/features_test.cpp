@@ -1,57 +1,21 @@
 // Boundaries, sections, gauges and zones that are drawn, not named in the mesh.
-#include <gdal.h>
-#include <gdal_utils.h>
-
 #include <cmath>
 #include <map>
 #include <numeric>
 #include <set>
-#include <stdexcept>
 
 #include "tools/mesh/ImportTest.hpp"
+#include "tools/mesh/geojson.hpp"
 
 namespace {
 
 using support::contains;
+using support::convert;
+using support::feature;
+using support::geojson;
+using support::line;
+using support::polygon;
 using support::Words;
-
-/// A feature of GeoJSON; the properties as they stand between braces.
-std::string feature(const std::string& properties, const std::string& kind,
-                    const std::string& coordinates) {
-  return R"({"type": "Feature", "properties": {)" + properties + R"(}, "geometry": {"type": ")" +
-         kind + R"(", "coordinates": )" + coordinates + "}}";
-}
-
-std::string line(const std::string& properties, const std::string& points) {
-  return feature(properties, "LineString", "[" + points + "]");
-}
-
-std::string polygon(const std::string& properties, const std::string& points) {
-  return feature(properties, "Polygon", "[[" + points + "]]");
-}
-
-std::string geojson(const std::vector<std::string>& features) {
-  std::string list;
-  for (const auto& text : features) list += (list.empty() ? "" : ",\n") + text;
-  return R"({"type": "FeatureCollection", "features": [)" + list + "]}\n";
-}
-
-/// Converts a file, as ogr2ogr does.
-void convert(const std::string& from, const std::string& to, Words words) {
-  GDALAllRegister();
-  std::vector<char*> arguments;
-  for (std::string& word : words) arguments.push_back(word.data());
-  arguments.push_back(nullptr);
-  GDALDatasetH source = GDALOpenEx(from.c_str(), GDAL_OF_VECTOR, nullptr, nullptr, nullptr);
-  GDALVectorTranslateOptions* const options =
-      GDALVectorTranslateOptionsNew(arguments.data(), nullptr);
-  const GDALDatasetH converted =
-      GDALVectorTranslate(to.c_str(), nullptr, 1, &source, options, nullptr);
-  GDALVectorTranslateOptionsFree(options);
-  GDALClose(source);
-  if (converted == nullptr) throw std::runtime_error("no features can be converted");
-  GDALClose(converted);
-}
 
 class Features : public support::ImportTest {
  protected:
