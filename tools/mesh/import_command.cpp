@@ -26,8 +26,8 @@ constexpr char import_examples[] = R"(Examples:
 void add_import_command(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
       "import",
-      "Makes a case folder from a mesh of Gmsh (.msh 2.2 or 4.1, .geo), SMS (.2dm) or "
-      "in SELAFIN (.slf).");
+      "Makes a case folder from a mesh of Gmsh (.msh 2.2 or 4.1, .geo), SMS (.2dm), "
+      "in SELAFIN (.slf) or UGRID (.nc).");
   command->formatter_fn([](const CLI::App* self, std::string name, CLI::AppFormatMode mode) {
     return import_examples + CLI::Formatter().make_help(self, std::move(name), mode);
   });

@@ -51,6 +51,7 @@ void warn_of_odd_ground(const Mesh& mesh, bool has_bed) {
 
 Mesh read_mesh(ImportOptions& options, std::ostream& out) {
   Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
+  if (!options.epsg) options.epsg = mesh.epsg;
   mesh.epsg = options.epsg;
   const CellChanges changes = prepare_cells(mesh);
   out << "Read " << options.mesh << " (" << mesh.format

@@ -36,7 +36,7 @@ auto understood(const char* option, const std::string& text, const std::string& 
 }  // namespace
 
 void add_mesh_options(CLI::App& command, ImportOptions& options) {
-  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo, .2dm or .slf")->required();
+  command.add_option("MESH", options.mesh, "Mesh file: .msh, .geo, .2dm, .slf or .nc")->required();
   command
       .add_option("--merge-nodes", options.merge_distance,
                   "Join nodes of the boundary that lie no further apart, m: a crack between them "
@@ -62,8 +62,8 @@ void add_case_options(CLI::App& command, ImportOptions& options) {
           [&options](const std::string& text) {
             options.epsg = understood("--crs", text, cases::expected_crs, cases::epsg_of);
           },
-          "Coordinate reference system of the mesh, as in EPSG:32632, otherwise that of the "
-          "terrain, if it tells it: rasters in another one are told")
+          "Coordinate reference system of the mesh, as in EPSG:32632, otherwise that of its file, "
+          "or of the terrain, where these tell it: rasters in another one are told")
       ->type_name("EPSG:n");
   command
       .add_option_function<std::string>(

@@ -7,6 +7,7 @@
 #include "mesh/selafin_reader.hpp"
 #include "mesh/small_letters.hpp"
 #include "mesh/sms_reader.hpp"
+#include "mesh/ugrid_reader.hpp"
 #include "support/Error.hpp"
 #include "support/read_file.hpp"
 #include "utils/text_encoding.hpp"
@@ -20,8 +21,9 @@ Mesh read_mesh_file(const std::string& path, bool allows_commands) {
   if (extension == ".geo") return mesh_geo(path, allows_commands);
   if (extension == ".2dm") return read_2dm(path);
   if (extension == ".slf" || extension == ".sel") return read_selafin(path);
+  if (extension == ".nc") return read_ugrid(path);
   throw tools::Error(path + ": found the extension \"" + found +
-                     "\", expected .msh, .geo, .2dm, .slf or .sel.");
+                     "\", expected .msh, .geo, .2dm, .slf, .sel or .nc.");
 }
 
 std::string read_whole_file(const std::string& path) {

@@ -1,5 +1,6 @@
 #include "support/child_process.hpp"
 
+#include <fcntl.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,6 +26,21 @@ pid_t fork_child(const std::string& purpose) {
   if (getppid() != parent) _exit(1);  // it has ended already
   std::signal(SIGINT, SIG_IGN);
   return 0;
+}
+
+bool survives(const std::string& purpose, const std::function<void()>& action) {
+  const pid_t child = fork_child(purpose);
+  if (child == 0) {
+    const int nothing = open("/dev/null", O_WRONLY);
+    dup2(nothing, STDOUT_FILENO);
+    dup2(nothing, STDERR_FILENO);
+    try {
+      action();
+    } catch (...) {
+    }
+    _exit(0);
+  }
+  return wait_for(child) == 0;
 }
 
 int wait_for(pid_t child) {
