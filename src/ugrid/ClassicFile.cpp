@@ -5,6 +5,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <string>
 #include <utility>
 
 #include "utils/Checksum.hpp"
@@ -31,6 +32,12 @@ void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const 
 }
 void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const double> values) {
   put_values<std::uint64_t>(variable, record, values);
+}
+
+void ClassicFile::put(std::size_t variable, std::string_view characters) {
+  std::string filled_up(characters);
+  filled_up.append((4 - characters.size() % 4) % 4, '\0');
+  write_at(layout_.place(variable, 0), filled_up);
 }
 
 void ClassicFile::show(std::uint64_t records) {

@@ -26,6 +26,7 @@ class ClassicFile : public DataFile {
   void put(std::size_t variable, std::size_t record, std::span<const int> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const float> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const double> values) override;
+  void put(std::size_t variable, std::string_view characters) override;
   /// Lets readers see so many records, once all that was put lies on the disk.
   void show(std::uint64_t records);
 

@@ -12,6 +12,8 @@ constexpr std::uint32_t characters = 2, integers = 4, floats = 5, doubles = 6;
 
 std::uint32_t type_number(Type type) {
   switch (type) {
+    case Type::character:
+      return characters;
     case Type::integer:
       return integers;
     case Type::single_precision:
@@ -22,7 +24,9 @@ std::uint32_t type_number(Type type) {
   return 0;
 }
 
+/// Characters are filled up to a multiple of four.
 std::uint64_t bytes_of(const Definitions& definitions, const Variable& variable) {
+  if (variable.type == Type::character) return (definitions.n_values(variable) + 3) / 4 * 4;
   const std::uint64_t of_a_value = variable.type == Type::double_precision ? 8 : 4;
   return of_a_value * definitions.n_values(variable);
 }

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string_view>
 
 namespace ugrid {
 
@@ -14,6 +15,8 @@ class DataFile {
   virtual void put(std::size_t variable, std::size_t record, std::span<const int> values) = 0;
   virtual void put(std::size_t variable, std::size_t record, std::span<const float> values) = 0;
   virtual void put(std::size_t variable, std::size_t record, std::span<const double> values) = 0;
+  /// All characters of a variable that does not grow.
+  virtual void put(std::size_t variable, std::string_view characters) = 0;
 };
 
 }  // namespace ugrid

@@ -22,7 +22,7 @@ struct Dimension {
   std::size_t length;  ///< 0: it grows, record by record; there is at most one such
 };
 
-enum class Type { integer, single_precision, double_precision };
+enum class Type { character, integer, single_precision, double_precision };
 
 struct Variable {
   std::string name;

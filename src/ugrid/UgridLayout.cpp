@@ -1,5 +1,6 @@
 #include "ugrid/UgridLayout.hpp"
 
+#include <algorithm>
 #include <limits>
 
 namespace ugrid {
@@ -25,6 +26,23 @@ std::string long_name_of(const Quantity& quantity) {
   return quantity.long_name;
 }
 
+std::size_t longest(const std::vector<std::string>& names) {
+  std::size_t length = 1;
+  for (const std::string& name : names) length = std::max(length, name.size());
+  return length;
+}
+
+/// The names one after the other, each filled up to the longest.
+std::string rows_of(const std::vector<std::string>& names) {
+  const std::size_t length = longest(names);
+  std::string rows;
+  for (std::string name : names) {
+    name.resize(length, '\0');
+    rows += name;
+  }
+  return rows;
+}
+
 }  // namespace
 
 // What a reader of UGRID looks for. Readers differ in what they insist on; the comments say what
@@ -40,6 +58,7 @@ UgridLayout::UgridLayout(const Contents& contents)
   define_mesh();
   define_crs(contents.crs);
   define_results(contents);
+  define_stations(contents.stations);
 }
 
 void UgridLayout::define_mesh() {
@@ -111,6 +130,42 @@ void UgridLayout::define_results(const Contents& contents) {
   if (contents.has_maxima_of_flow) add(fields::dataset_maxima_of_flow());
   if (contents.has_largest_depths) add(fields::dataset_largest_depths(contents.has_sediments));
   add_results(std::move(maxima), {faces}, maxima_);
+}
+
+/// A row of characters for each name, and the dimensions of both, which are new: the variable.
+std::size_t UgridLayout::add_names(const std::string& kind, const std::vector<std::string>& names) {
+  const std::size_t dimension = definitions_.dimensions.size();
+  definitions_.dimensions.push_back({kind, names.size()});
+  definitions_.dimensions.push_back({kind + "_name_length", longest(names)});
+  const std::size_t variable =
+      add_variable(kind + "_name", Type::character, {dimension, dimension + 1});
+  add_attribute(variable, "_Encoding", "utf-8");
+  return variable;
+}
+
+/// Gauges are stations by the conventions CF 1.8, section 9: readers find their names by the role.
+void UgridLayout::define_stations(const Stations& stations) {
+  if (!stations.gauges.empty()) {
+    const std::size_t dimension = definitions_.dimensions.size();
+    station_names_ = add_names("station", stations.gauges);
+    add_attribute(*station_names_, "cf_role", "timeseries_id");
+    add_attribute(*station_names_, "long_name", "names of the gauges");
+    station_x_ = add_coordinate("station_x", dimension, "x", "gauges");
+    station_y_ = add_coordinate("station_y", dimension, "y", "gauges");
+  }
+  if (!stations.sections.empty()) {
+    section_names_ = add_names("section", stations.sections);
+    add_attribute(*section_names_, "long_name", "names of the sections");
+  }
+}
+
+void UgridLayout::put_stations(DataFile& file, const Stations& stations) const {
+  if (station_names_) {
+    file.put(*station_names_, rows_of(stations.gauges));
+    file.put(station_x_, 0, std::span<const double>(stations.x));
+    file.put(station_y_, 0, std::span<const double>(stations.y));
+  }
+  if (section_names_) file.put(*section_names_, rows_of(stations.sections));
 }
 
 void UgridLayout::add_results(std::vector<Quantity> quantities,

@@ -24,6 +24,13 @@ struct Crs {
   std::vector<std::pair<std::string, double>> numbers;
 };
 
+/// What a run recorded and how it is called; empty where nothing has a name.
+struct Stations {
+  std::vector<std::string> gauges;
+  std::vector<double> x, y;  ///< of the gauges, m
+  std::vector<std::string> sections;
+};
+
 /// What a file says of a run, but for the numbers.
 struct Contents {
   std::string title;       ///< name of the run
@@ -36,6 +43,7 @@ struct Contents {
   bool has_maxima_of_flow;
   bool has_largest_depths;
   bool is_double;  ///< 64 bits for every value of a result, in place of 32
+  Stations stations = {};
 };
 
 class UgridLayout {
@@ -46,6 +54,8 @@ class UgridLayout {
 
   /// Puts all that does not change while a run goes on. `bed` is that of the cells at the start, m.
   void put_mesh(DataFile& file, const Mesh& mesh, const std::vector<double>& bed) const;
+  /// Puts the names of what the run recorded, and the places of the gauges.
+  void put_stations(DataFile& file, const Stations& stations) const;
   /// Puts the state of a time t (s) as a record.
   void put_snapshot(DataFile& file, std::size_t record, double t,
                     const fields::CellValues& cells) const;
@@ -68,6 +78,8 @@ class UgridLayout {
   std::size_t add_coordinate(const char* name, std::size_t dimension, const std::string& axis,
                              const std::string& where);
   void define_crs(const std::optional<Crs>& crs);
+  void define_stations(const Stations& stations);
+  std::size_t add_names(const std::string& kind, const std::vector<std::string>& names);
   void define_results(const Contents& contents);
   void add_results(std::vector<fields::Quantity> quantities,
                    const std::vector<std::size_t>& dimensions, Results& results);
@@ -88,7 +100,8 @@ class UgridLayout {
   std::size_t topology_ = 0, crs_ = 0;
   std::size_t node_x_ = 0, node_y_ = 0, node_z_ = 0, face_x_ = 0, face_y_ = 0, face_nodes_ = 0;
   std::size_t time_ = 0;
-  std::optional<std::size_t> bed_;
+  std::optional<std::size_t> bed_, station_names_, section_names_;
+  std::size_t station_x_ = 0, station_y_ = 0;
   Results in_time_, maxima_;
 };
 

@@ -113,4 +113,18 @@ TEST_F(ClassicFile, HoldsManyValues) {
   EXPECT_EQ(text().substr(text().size() - 8, 2), "\x3f\xf0");
 }
 
+TEST(ClassicFileOfNames, FillsCharactersUpToFour) {
+  const support::TemporaryFolder folder;
+  utils::WritableFile bytes;
+  bytes.open(folder.file("a.nc"));
+  const ugrid::ClassicLayout layout =
+      ugrid::classic_layout({.dimensions = {{"name", 5}},
+                             .attributes = {},
+                             .variables = {{"n", Type::character, {0}, {}}}});
+  ugrid::ClassicFile file(bytes, layout);
+  file.begin();
+  file.put(0, "weirs");
+  EXPECT_EQ(folder.read("a.nc"), layout.header + std::string("weirs\0\0\0", 8));
+}
+
 }  // namespace

@@ -60,4 +60,12 @@ TEST(ClassicLayout, RefusesAVariableOfMoreThan4GiB) {
   EXPECT_THROW(ugrid::classic_layout(large), std::length_error);
 }
 
+TEST(ClassicLayout, FillsCharactersUpToFour) {
+  const ugrid::ClassicLayout layout = ugrid::classic_layout(
+      {.dimensions = {{"name", 5}},
+       .attributes = {},
+       .variables = {{"n", Type::character, {0}, {}}, {"m", Type::integer, {}, {}}}});
+  EXPECT_EQ(layout.place(1, 0), layout.place(0, 0) + 8);
+}
+
 }  // namespace

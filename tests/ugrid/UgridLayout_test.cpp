@@ -26,6 +26,11 @@ class KeptFile : public ugrid::DataFile {
   void put(std::size_t variable, std::size_t record, std::span<const double> values) override {
     keep(variable, record, values, ugrid::Type::double_precision);
   }
+  void put(std::size_t variable, std::string_view characters) override {
+    keep(variable, 0, characters, ugrid::Type::character);
+    texts_[definitions_.variables[variable].name] = characters;
+  }
+  const std::string& text_of(const std::string& name) const { return texts_.at(name); }
   const std::vector<double>& of(const std::string& name, std::size_t record = 0) const {
     return kept_.at({name, record});
   }
@@ -41,6 +46,7 @@ class KeptFile : public ugrid::DataFile {
 
   const ugrid::Definitions& definitions_;
   std::map<std::pair<std::string, std::size_t>, std::vector<double>> kept_;
+  std::map<std::string, std::string> texts_;
 };
 
 ugrid::Contents contents_of_square() {
@@ -130,6 +136,25 @@ TEST(UgridLayout, HasTheQuantitiesOfItsModel) {
   EXPECT_FALSE(layout.definitions().grows(variable(layout, "Mesh2d_arrival_time")));
   EXPECT_EQ(layout.maxima().size(), 9U);
   EXPECT_EQ(layout.quantities_in_time().size(), 11U);
+}
+
+TEST(UgridLayout, NamesGaugesAndSectionsInRowsOfOneLength) {
+  ugrid::Contents contents = contents_of_square();
+  contents.stations = {{"pier", "br\u00fccke"}, {1.5, 2.5}, {3.5, 4.5}, {"weir"}};
+  const ugrid::UgridLayout layout(contents);
+  KeptFile file(layout.definitions());
+  layout.put_stations(file, contents.stations);
+  EXPECT_EQ(file.text_of("station_name"), std::string("pier\0\0\0br\u00fccke", 14));
+  EXPECT_EQ(file.of("station_x"), (std::vector<double>{1.5, 2.5}));
+  EXPECT_EQ(file.of("station_y"), (std::vector<double>{3.5, 4.5}));
+  EXPECT_EQ(file.text_of("section_name"), "weir");
+}
+
+TEST(UgridLayout, HasNoStationsWithoutNames) {
+  const ugrid::UgridLayout layout(contents_of_square());
+  EXPECT_THROW(variable(layout, "station_name"), std::out_of_range);
+  EXPECT_THROW(variable(layout, "section_name"), std::out_of_range);
+  EXPECT_EQ(layout.definitions().dimensions.size(), 4U);
 }
 
 }  // namespace

@@ -13,6 +13,8 @@ namespace {
 
 nc_type type_of(ugrid::Type type) {
   switch (type) {
+    case ugrid::Type::character:
+      return NC_CHAR;
     case ugrid::Type::integer:
       return NC_INT;
     case ugrid::Type::single_precision:
@@ -104,6 +106,10 @@ void DeflatedFile::put(std::size_t variable, std::size_t record, std::span<const
 }
 void DeflatedFile::put(std::size_t variable, std::size_t record, std::span<const double> values) {
   put_record(variable, record, values, nc_put_vara_double);
+}
+
+void DeflatedFile::put(std::size_t variable, std::string_view characters) {
+  check(nc_put_var_text(id_, static_cast<int>(variable), characters.data()));
 }
 
 void DeflatedFile::close() {

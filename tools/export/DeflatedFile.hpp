@@ -22,6 +22,7 @@ class DeflatedFile : public ugrid::DataFile {
   void put(std::size_t variable, std::size_t record, std::span<const int> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const float> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const double> values) override;
+  void put(std::size_t variable, std::string_view characters) override;
   void close();
 
  private:

@@ -1,5 +1,7 @@
 #include "export/ugrid_writer.hpp"
 
+#include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <vector>
@@ -7,6 +9,8 @@
 #include "export/DeflatedFile.hpp"
 #include "export/MaximaTable.hpp"
 #include "export/SnapshotReader.hpp"
+#include "export/csv_writer.hpp"
+#include "support/CaseNames.hpp"
 #include "support/Error.hpp"
 #include "support/PartialFile.hpp"
 #include "ugrid/ClassicFile.hpp"
@@ -28,11 +32,46 @@ fields::Columns whole_run(const CaseResults& results) {
   return columns;
 }
 
+/// Names, of which there are as many as things to name, and one for each that has none; empty where
+/// nothing has one.
+std::vector<std::string> all_named(std::vector<std::string> names, std::size_t count,
+                                   const std::string& kind) {
+  const auto is_named = [](const std::string& name) { return !name.empty(); };
+  if (names.size() != count || std::none_of(names.begin(), names.end(), is_named)) return {};
+  for (std::size_t i = 0; i < count; ++i) {
+    if (names[i].empty()) names[i] = kind + " " + std::to_string(i + 1);
+  }
+  return names;
+}
+
+ugrid::Stations stations_of(const CaseFiles& files) {
+  const tools::CaseNames names = tools::read_case_names(files.folder);
+  ugrid::Stations stations;
+  const auto is_there = [](const std::optional<std::string>& list) {
+    std::error_code ignored;
+    return list && std::filesystem::exists(*list, ignored);
+  };
+  if (is_there(files.gauges) && !names.gauges.empty()) {
+    const cases::GaugeRequest list = read_gauge_list(files);
+    stations.gauges = all_named(names.gauges, list.points.size(), "gauge");
+    for (const physics::PlanPoint& point : list.points) {
+      stations.x.push_back(point.x);
+      stations.y.push_back(point.y);
+    }
+  }
+  if (is_there(files.sections) && !names.sections.empty()) {
+    const cases::SectionRequest list = read_section_list(files);
+    stations.sections = all_named(names.sections, list.sections.size(), "section");
+  }
+  return stations;
+}
+
 /// A file of the results of a case, for either kind of file.
 class UgridWriter {
  public:
   UgridWriter(const CaseResults& results, const UgridOptions& options)
       : results_(results),
+        stations_(stations_of(results.files)),
         mesh_(ugrid::mesh_of(results.mesh, {0.0, 0.0}, results.node_bed())),
         layout_({.title = results.files.title,
                  .crs = options.crs,
@@ -44,13 +83,15 @@ class UgridWriter {
                  .has_infiltration = results.files.has_infiltration,
                  .has_maxima_of_flow = results.has_maxima(),
                  .has_largest_depths = results.has_envelope(),
-                 .is_double = false}) {}
+                 .is_double = false,
+                 .stations = stations_}) {}
 
   const ugrid::Definitions& definitions() const { return layout_.definitions(); }
 
   /// Puts everything; what `tell` is told then is that of the snapshots.
   void put_into(ugrid::DataFile& file, BelowZero& below_zero) const {
     layout_.put_mesh(file, mesh_, results_.bed);
+    layout_.put_stations(file, stations_);
     const fields::Columns of_run = whole_run(results_);
     layout_.put_maxima(file, values_of(of_run));
     Snapshot snapshot;
@@ -67,6 +108,7 @@ class UgridWriter {
   }
 
   const CaseResults& results_;
+  ugrid::Stations stations_;
   ugrid::Mesh mesh_;
   ugrid::UgridLayout layout_;
 };

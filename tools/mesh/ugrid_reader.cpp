@@ -181,9 +181,9 @@ class UgridReader {
     const auto is_missing = [](double value) { return !std::isfinite(value); };
     const auto n_missing = std::count_if(values.begin(), values.end(), is_missing);
     if (n_missing > 0) {
-      mesh_.remarks.push_back("The variable " + name +
-                              " is left out: " + utils::counted(n_missing, "value") + " of " +
-                              std::to_string(values.size()) + " are missing.");
+      mesh_.remarks.push_back("The variable " + name + " is left out: it lacks " +
+                              std::to_string(n_missing) + " of " +
+                              utils::counted(values.size(), "value") + ".");
       return {};
     }
     if (file_.text(name, "positive") == "down") {

@@ -320,3 +320,35 @@ TEST_F(Netcdf, AnExportThatFailsLeavesTheEarlierFileAsItWas) {
   EXPECT_EQ(folder.read(file), before);
   EXPECT_FALSE(folder.has(file + ".part"));
 }
+
+TEST_F(Netcdf, TellsTheNamesOfGaugesAndSections) {
+  simulate(flood_case());
+  folder.write("names.json",
+               R"({"gauges": ["pier", "", "Brücke"], "sections": ["bridge", "old weir"]})");
+  for (const std::vector<std::string>& options :
+       std::vector<std::vector<std::string>>{{}, {"--compress"}}) {
+    std::vector<std::string> arguments = {"netcdf", "."};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    run_well(arguments);
+    EXPECT_EQ(read_export({"netcdf-names", file, "station_name"}), "pier\ngauge 2\nBrücke\n");
+    EXPECT_EQ(read_export({"netcdf-names", file, "section_name"}), "bridge\nold weir\n");
+    EXPECT_EQ(values("station_x"), (std::vector<std::string>{"612000", "612005", "0"}));
+    EXPECT_EQ(values("Mesh2d_depth", "1"), column("out/pic_0_50.txt", 3, true));
+    const json structure = json::parse(read_export({"netcdf-structure", file}));
+    const json& names = structure["variables"]["station_name"];
+    EXPECT_EQ(names["attributes"]["cf_role"], "timeseries_id");
+    EXPECT_EQ(names["dimensions"], json({"station", "station_name_length"}));
+  }
+}
+
+TEST_F(Netcdf, LeavesOutNamesThatAreNoneOrOfAnotherList) {
+  simulate(flood_case());
+  run_well({"netcdf", "."});
+  const std::string without = folder.read(file);
+  for (const char* names : {R"({"gauges": ["pier"], "sections": []})",
+                            R"({"gauges": ["", "", ""], "sections": ["", ""]})"}) {
+    folder.write("names.json", names);
+    run_well({"netcdf", "."});
+    EXPECT_EQ(folder.read(file), without);
+  }
+}

@@ -2,6 +2,7 @@
 """Prints what independent readers find in an exported file.
 
 read_export.py netcdf FILE VARIABLE [RECORD]    values, one a line, "nan" where there is none
+read_export.py netcdf-names FILE VARIABLE       names, one a line
 read_export.py netcdf-structure FILE            dimensions, variables and attributes as JSON
 read_export.py netcdf-beginnings WHOLE FILE...  numbers of times, all of which WHOLE begins with
 read_export.py vtu FILE NAME [COMPONENT]        values of an array; "points", "cells" or "types" too
@@ -22,6 +23,13 @@ def netcdf(path, name, record=None):
     with Dataset(path) as file:
         values = file[name][:] if record is None else file[name][int(record)]
         print_values(values.astype(float).filled(float("nan")).ravel())
+
+
+def netcdf_names(path, name):
+    from netCDF4 import Dataset
+
+    with Dataset(path) as file:
+        print("\n".join(file[name][:]))
 
 
 def netcdf_structure(path):
@@ -94,5 +102,5 @@ def geotiff(path):
 
 
 if __name__ == "__main__":
-    {"netcdf": netcdf, "netcdf-structure": netcdf_structure,
+    {"netcdf": netcdf, "netcdf-names": netcdf_names, "netcdf-structure": netcdf_structure,
      "netcdf-beginnings": netcdf_beginnings, "vtu": vtu, "geotiff": geotiff}[sys.argv[1]](*sys.argv[2:])

@@ -201,7 +201,7 @@ TEST_F(Ugrid, LeavesOutAnElevationWithGaps) {
   file.elevations[0].values[2] = nan;
   const Mesh mesh = read(file);
   EXPECT_EQ(mesh.nodes[4].z, 0.0);
-  EXPECT_EQ(mesh.remarks.at(0), "The variable mesh_node_z is left out: 1 value of 5 are missing.");
+  EXPECT_EQ(mesh.remarks.at(0), "The variable mesh_node_z is left out: it lacks 1 of 5 values.");
 }
 
 TEST_F(Ugrid, ThatIsFaultyIsRefusedWithFileAndVariable) {
