@@ -114,15 +114,6 @@ void limit_memory() {
 #endif
 }
 
-std::string read_all(int descriptor) {
-  std::string text;
-  char buffer[4096];
-  for (ssize_t n = 0; (n = ::read(descriptor, buffer, sizeof buffer)) > 0;) {
-    text.append(buffer, static_cast<std::size_t>(n));
-  }
-  return text;
-}
-
 }  // namespace
 
 // Intended: a process of its own, since some faulty geometries crash Gmsh, and so that the system
@@ -141,7 +132,7 @@ Mesh mesh_with_gmsh(const GmshTask& task) {
     report_and_exit(run_gmsh(task, folder.path(), msh));
   }
   close(ends[1]);
-  const std::string errors = read_all(ends[0]);
+  const std::string errors = tools::read_all(ends[0]);
   close(ends[0]);
   const int status = tools::wait_for(child);
   if (WIFSIGNALED(status) && WTERMSIG(status) == SIGSYS) throw tools::Error(task.on_forbidden_call);

@@ -237,10 +237,13 @@ class UgridReader {
 // Intended: read twice, at first in a process of its own, since the netCDF library crashes on some
 // damaged files.
 Mesh read_ugrid(const std::string& path) {
-  if (!tools::survives("to read NetCDF", [&path] { UgridReader(path).read(); })) {
+  const auto read = [&path] { return UgridReader(path).read(); };
+  const auto fault = tools::try_apart("to read NetCDF", read);
+  if (!fault) {
     throw tools::Error(path + ": the netCDF library crashes on this file; expected a whole one.");
   }
-  return UgridReader(path).read();
+  if (!fault->empty()) throw tools::Error(*fault);
+  return read();
 }
 
 }  // namespace mesh_import

@@ -28,7 +28,19 @@ pid_t fork_child(const std::string& purpose) {
   return 0;
 }
 
-bool survives(const std::string& purpose, const std::function<void()>& action) {
+std::string read_all(int descriptor) {
+  std::string text;
+  char buffer[4096];
+  for (ssize_t n = 0; (n = ::read(descriptor, buffer, sizeof buffer)) > 0;) {
+    text.append(buffer, static_cast<std::size_t>(n));
+  }
+  return text;
+}
+
+std::optional<std::string> try_apart(const std::string& purpose,
+                                     const std::function<void()>& action) {
+  int ends[2];
+  if (pipe(ends) != 0) throw Error("no pipe can be made " + purpose + ".");
   const pid_t child = fork_child(purpose);
   if (child == 0) {
     const int nothing = open("/dev/null", O_WRONLY);
@@ -36,11 +48,20 @@ bool survives(const std::string& purpose, const std::function<void()>& action) {
     dup2(nothing, STDERR_FILENO);
     try {
       action();
+    } catch (const Error& error) {
+      const std::string message = error.what();
+      const bool is_said = write(ends[1], message.data(), message.size()) >= 0;
+      _exit(is_said ? 0 : 1);
     } catch (...) {
+      _exit(1);
     }
     _exit(0);
   }
-  return wait_for(child) == 0;
+  close(ends[1]);
+  const std::string message = read_all(ends[0]);
+  close(ends[0]);
+  if (wait_for(child) != 0) return std::nullopt;
+  return message;
 }
 
 int wait_for(pid_t child) {

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tools {
@@ -12,9 +13,14 @@ namespace tools {
 /// it. Throws Error, with `purpose` ("for Gmsh"), if no process can be started.
 pid_t fork_child(const std::string& purpose);
 
-/// Whether an action ends well or by an exception where it is done in a process of its own,
-/// silently, and does not crash there. Throws Error, with `purpose`, if no process can be started.
-bool survives(const std::string& purpose, const std::function<void()>& action);
+/// All that comes out of a pipe until its other end is closed.
+std::string read_all(int descriptor);
+
+/// Tries an action in a process of its own, silently: the message of the Error that it throws
+/// there, empty without one, or none where it crashes. Throws Error, with `purpose`, if no process
+/// can be started.
+std::optional<std::string> try_apart(const std::string& purpose,
+                                     const std::function<void()>& action);
 
 /// Waits for the end of a child: its status as waitpid() tells it.
 int wait_for(pid_t child);
