@@ -3,11 +3,11 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <numbers>
 
 #include "mesh/numbers.hpp"
 #include "physics/cell_geometry.hpp"
 #include "physics/stable_step.hpp"
+#include "support/smallest_angle.hpp"
 #include "utils/number_text.hpp"
 
 namespace mesh_import {
@@ -29,19 +29,6 @@ physics::PlanPoint corner(const Mesh& mesh, const Cell& cell, int k) {
   return {node.x, node.y};
 }
 
-/// Degrees.
-double smallest_angle_of(const Mesh& mesh, const Cell& cell) {
-  double smallest = std::numeric_limits<double>::infinity();
-  for (int k = 0; k < cell.size(); ++k) {
-    const physics::PlanPoint here = corner(mesh, cell, k), next = corner(mesh, cell, k + 1),
-                             before = corner(mesh, cell, k + cell.size() - 1);
-    const double ax = next.x - here.x, ay = next.y - here.y;
-    const double bx = before.x - here.x, by = before.y - here.y;
-    smallest = std::fmin(smallest, std::atan2(std::fabs(ax * by - ay * bx), ax * bx + ay * by));
-  }
-  return smallest * 180.0 / std::numbers::pi;
-}
-
 double characteristic_length_of(const Mesh& mesh, const Cell& cell) {
   const auto node_at = [&](int k) { return corner(mesh, cell, k); };
   return physics::characteristic_length(physics::cell_area_of_differences(cell.size(), node_at),
@@ -58,7 +45,8 @@ std::string center_text(const Mesh& mesh, const Cell& cell) {
 void tell_quality(const Mesh& mesh, std::ostream& out) {
   Extreme angle, length;
   for (const Cell& cell : mesh.cells) {
-    angle.note(smallest_angle_of(mesh, cell), cell);
+    const auto node_at = [&](int k) { return corner(mesh, cell, k); };
+    angle.note(tools::smallest_angle(cell.size(), node_at), cell);
     length.note(characteristic_length_of(mesh, cell), cell);
   }
   constexpr double hour = 3600.0, depth = 1.0;  // s, m

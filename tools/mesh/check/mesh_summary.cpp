@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -10,27 +9,11 @@
 #include "case/AreaLoss.hpp"
 #include "case/finite_geometry.hpp"
 #include "mesh/check/numbers.hpp"
+#include "support/smallest_angle.hpp"
 
 namespace tools::check {
 
 namespace {
-
-/// Smallest angle between neighbouring sides of a cell, degrees.
-double smallest_angle_of(const cases::Mesh& mesh, int cell) {
-  double smallest = 180.0;
-  const std::span<const cases::Number> nodes = mesh.nodes_of(cell);
-  const std::size_t size = nodes.size();
-  for (std::size_t i = 0; i < size; ++i) {
-    const physics::PlanPoint here = mesh.plan_node(nodes[i]);
-    const physics::PlanPoint next = mesh.plan_node(nodes[(i + 1) % size]);
-    const physics::PlanPoint before = mesh.plan_node(nodes[(i + size - 1) % size]);
-    const double ax = next.x - here.x, ay = next.y - here.y;
-    const double bx = before.x - here.x, by = before.y - here.y;
-    const double angle = std::atan2(std::fabs(ax * by - ay * bx), ax * bx + ay * by);
-    smallest = std::min(smallest, angle * 180.0 / std::numbers::pi);
-  }
-  return smallest;
-}
 
 std::vector<int> smallest_cells_of(const std::vector<CellValues>& cells) {
   constexpr std::size_t shown = 10;
@@ -64,7 +47,10 @@ MeshSummary mesh_summary(const cases::Mesh& mesh, const std::vector<CellValues>&
   }
   for (int c = 0; c < mesh.n_cells(); ++c) {
     summary.area += cells[static_cast<std::size_t>(c)].area;
-    const double angle = smallest_angle_of(mesh, c);
+    const std::span<const cases::Number> nodes = mesh.nodes_of(c);
+    const double angle = smallest_angle(static_cast<int>(nodes.size()), [&](int k) {
+      return mesh.plan_node(nodes[static_cast<std::size_t>(k)]);
+    });
     if (angle < summary.smallest_angle) {
       summary.smallest_angle = angle;
       summary.sharpest_cell = c;
