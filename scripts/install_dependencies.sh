@@ -24,7 +24,7 @@ packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
-    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal ;;
+    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal python3-jsonschema ;;
     coverage) echo gcovr ;;
     python) echo python3-dev pybind11-dev python3-numpy python3-pip python3-setuptools python3-wheel ;;
     mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;

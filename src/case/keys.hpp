@@ -58,6 +58,8 @@ inline constexpr auto keys = [] {
       {"epoch", text, optional, "", "",
        "date and hour of the time 0 s, UTC, as in 2026-05-01T06:00:00Z, for the same; otherwise "
        "1970-01-01T00:00:00Z"},
+      {"$schema", text, optional, "", "",
+       "address of the schema of data files, for editors; no run uses it"},
       {"extensions", section, optional, "", "", "kept for later; no run uses it"},
       {"mesh", section, always, "", "", "the mesh"},
       {"mesh/nodes", file, always, "", "m", "nodes of the mesh"},

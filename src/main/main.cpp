@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "case/data_file_schema.hpp"
 #include "case/planned_files.hpp"
 #include "checkpoint/checkpoint_pair.hpp"
 #include "domain/Domain.hpp"
@@ -240,6 +241,10 @@ int serve(Program& program, const utils::InputParser& parser) {
   }
   if (parser.cmdOptionExists("--version")) {
     print_version(std::cout);
+    return status_of_words(program);
+  }
+  if (parser.cmdOptionExists("--schema")) {
+    std::cout << cases::data_file_schema();
     return status_of_words(program);
   }
   warn_of_strange_options(parser);

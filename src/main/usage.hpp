@@ -10,7 +10,7 @@ inline const std::vector<utils::CmdOption> known_options = {
     {"-f", true},        {"-nodisplay", false},       {"--progress", false},
     {"--report", true},  {"--checkpoint", true},      {"--checkpoint-every", true},
     {"--restart", true}, {"--restart-anyway", false}, {"--help", false},
-    {"--version", false}};
+    {"--schema", false}, {"--version", false}};
 
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
@@ -48,6 +48,7 @@ inline void print_usage(std::ostream& out) {
          "  --restart-anyway\n"
          "                 go on although something else has changed too\n"
          "  --help         print this help and exit\n"
+         "  --schema       print the JSON schema of data files, for editors, and exit\n"
          "  --version      print the version and exit\n"
          "\n"
          "Results go to the output folder named in the data file, the log to log.txt in the\n"

@@ -86,6 +86,10 @@ TEST_F(StandardStreams, MustTakeWhatIsOnlyMeantForThem) {
     EXPECT_EQ(result.status, 255) << option;
     EXPECT_EQ(result.err, warning("No space left on device")) << option;
   }
+  // A longer text fails before the last of it is flushed.
+  const RunResult result = support::run_program(folder.path(), {"--schema"}, {.out = full});
+  EXPECT_EQ(result.status, 255);
+  EXPECT_TRUE(support::contains(result.err, "nothing more can be written to standard output"));
   close(full);
 }
 

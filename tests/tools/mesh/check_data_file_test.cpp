@@ -83,6 +83,13 @@ TEST_F(CheckDataFile, KnowsTheOriginOfTheMesh) {
   expect_warning("wrong type", {"\"mesh/origin\"", "expected two numbers in brackets"});
 }
 
+TEST_F(CheckDataFile, KnowsTheSchemaThatAFileNames) {
+  c.data["$schema"] = "quillmere.schema.json";
+  expect_clean();
+  c.data["$schema"] = 7;
+  expect_warning("wrong type", {"\"$schema\": found 7, expected text"});
+}
+
 TEST_F(CheckDataFile, TellsThatASectionIsNoObject) {
   c.data["model"]["sources"] = 5;
   expect_warning("wrong type", {"\"model/sources\": found 5, expected an object"});

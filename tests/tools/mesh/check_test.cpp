@@ -40,6 +40,20 @@ TEST_F(Check, PutsErrorsBeforeWarnings) {
   EXPECT_LT(error, warning);
 }
 
+TEST_F(Check, NamesTheSchemaWhereItWouldHaveToldASlip) {
+  const auto has_hint = [this] {
+    c.write(folder);
+    const std::string text = mesh_tool({"check", ".", "--quick"}).out;
+    return support::contains(text, "\nHint: ") && support::contains(text, "quillmere --schema");
+  };
+  EXPECT_FALSE(has_hint());
+  c.data["tend"] = "1";
+  EXPECT_TRUE(has_hint());
+  c.data["tend"] = 1;
+  c.data["CLF"] = 0.9;
+  EXPECT_TRUE(has_hint());
+}
+
 TEST_F(Check, CountsFindingsFromTheEleventhOfAKindOn) {
   c.add_friction(c.per_cell("0.03"));
   std::string edges = c.edges_text();

@@ -98,6 +98,12 @@ class KeyCheck {
     if (known.use != Use::with_other) return true;
     return value_at(document_, known.other) != nullptr;
   }
+  /// Whether a run takes its value: only those that write results in NetCDF ask for a point.
+  bool is_read(const Key& known) const {
+    if (&known == &key("$schema")) return false;
+    return known.kind != KeyKind::point ||
+           value_at(document_, key("output/results").path) != nullptr;
+  }
   bool is_needed(const Key& known) const { return known.use != Use::optional && is_used(known); }
 
   void check(const Key& known) {
@@ -118,14 +124,11 @@ class KeyCheck {
     if (has_type(*value, known.kind)) return;
     const std::string text = quoted(known.path) + ": found " + shortened(value->dump()) +
                              ", expected " + name_of(known.kind);
-    // To the simulator a section that is no object is an empty one, and only runs that write
-    // results in NetCDF ask for a point.
-    const bool asks_for_points = value_at(document_, key("output/results").path) != nullptr;
-    const bool is_read = known.kind != KeyKind::point || asks_for_points;
-    if (known.kind == KeyKind::section || !is_read) {
-      findings_.warning("wrong type", text);
+    // To the simulator a section that is no object is an empty one.
+    if (known.kind == KeyKind::section || !is_read(known)) {
+      findings_.warning(wrong_type, text);
     } else {
-      findings_.error("wrong type", text);
+      findings_.error(wrong_type, text);
     }
   }
 
@@ -153,8 +156,8 @@ class KeyCheck {
       const Key* const found = cases::find_key(section, name);
       if (found == nullptr) {
         const std::string suggestion = suggestion_for(section, name);
-        findings_.warning("unknown key", quoted(path) + " is unknown, and ignored" +
-                                             (suggestion.empty() ? "" : "; " + suggestion));
+        findings_.warning(unknown_key, quoted(path) + " is unknown, and ignored" +
+                                           (suggestion.empty() ? "" : "; " + suggestion));
       } else if (found->kind == KeyKind::section && value.is_object() &&
                  found != &key("extensions")) {
         find_unknown(value, path);

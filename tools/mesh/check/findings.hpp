@@ -10,6 +10,10 @@ namespace tools::check {
 /// An error is what the simulator refuses; after a warning it runs, and the result may be wrong.
 enum class Severity { error, warning };
 
+// Kinds that a report has a hint for.
+inline constexpr char unknown_key[] = "unknown key";
+inline constexpr char wrong_type[] = "wrong type";
+
 struct Finding {
   Severity severity;
   std::string kind;  ///< a few words that name the diagnosis, the same for all of a kind

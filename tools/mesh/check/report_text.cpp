@@ -14,14 +14,26 @@ namespace {
 
 std::string range(double low, double high) { return coordinate(low) + " to " + coordinate(high); }
 
+/// Whether the data file differs from its schema in what can be told while it is typed.
+bool has_slips_of_keys(const std::vector<Finding>& findings) {
+  return std::any_of(findings.begin(), findings.end(), [](const Finding& finding) {
+    return finding.kind == unknown_key || finding.kind == wrong_type;
+  });
+}
+
 void write_findings(std::ostream& out, const Findings& findings) {
   const long errors = findings.count(Severity::error);
   const long warnings = findings.count(Severity::warning);
   out << (errors > 0 ? "The simulator refuses this case: " : "The simulator accepts this case: ")
       << utils::counted(errors, "error") << ", " << utils::counted(warnings, "warning") << ".\n";
-  for (const Finding& finding : findings.in_order()) {
+  const std::vector<Finding> in_order = findings.in_order();
+  for (const Finding& finding : in_order) {
     out << (finding.severity == Severity::error ? "Error: " : "Warning: ") << finding.text
         << (finding.text.back() == '?' ? "\n" : ".\n");
+  }
+  if (has_slips_of_keys(in_order)) {
+    out << "Hint: editors tell such slips as you type, by the schema that \"quillmere --schema\" "
+           "prints.\n";
   }
 }
 
