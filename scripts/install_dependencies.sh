@@ -10,12 +10,14 @@ Usage: install_dependencies.sh GROUP...
 Groups:
   build       compiler, CMake, Ninja and the JSON library
   tools       what the companion tools build on, and matplotlib for their pictures
-  test        GoogleTest, numpy, and what reads exported files back
+  test        GoogleTest, numpy, and what reads exported files, schemas and packages back
   coverage    gcovr
   python      what the Python module is built and packaged with
   mpi         Open MPI and MPICH, for quillmere-mpi and its tests
   fuzz        Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
+  package     what makes and checks Debian packages
+  try         mmdebstrap, to try them in a bare system
   validation  numpy and matplotlib for /usr/bin/python3
 TEXT
 }
@@ -24,12 +26,14 @@ packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
-    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal python3-jsonschema ;;
+    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal python3-jsonschema dpkg-dev file ;;
     coverage) echo gcovr ;;
     python) echo python3-dev pybind11-dev python3-numpy python3-pip python3-setuptools python3-wheel ;;
     mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;
     fuzz) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
+    package) echo dpkg-dev file lintian ;;
+    try) echo mmdebstrap mount ;;
     validation) echo python3-numpy python3-matplotlib ;;
     *) return 1 ;;
   esac
