@@ -6,19 +6,17 @@
 #include <vector>
 
 #include "export/CaseResults.hpp"
+#include "export/DrawingJob.hpp"
 
 namespace exports {
 
-struct PlotOptions {
+struct PlotOptions : DrawingStyle {
   enum class What { map, gauges, sections, all };
   What what = What::map;
   std::string field = "max_depth";
-  std::optional<double> time;       ///< of the snapshot, s; none for the last one
-  std::optional<double> dry_depth;  ///< in place of the case's, m
-  std::vector<double> classes;      ///< bounds between colours, increasing; empty: no classes
-  std::string format = "png";       ///< svg or pdf
-  std::string output;               ///< file, or the folder of all; empty for the usual place
-  std::string title;                ///< empty for the usual one
+  std::optional<double> time;  ///< of the snapshot, s; none for the last one
+  std::string format = "png";  ///< svg or pdf
+  std::string output;          ///< file, or the folder of all; empty for the usual place
 };
 
 /// Draws, and returns the names of the pictures. Needs Python with matplotlib.

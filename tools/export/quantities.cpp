@@ -148,4 +148,19 @@ MapField map_field(const CaseResults& results, const Snapshot& snapshot, const s
   return field;
 }
 
+std::vector<std::array<float, 2>> velocities(const CaseResults& results, const Snapshot& snapshot,
+                                             double dry_depth) {
+  std::vector<std::array<float, 2>> vectors(results.mesh.n_cells(), {nothing, nothing});
+  std::vector<float> values;
+  for (const Quantity& quantity : dataset_quantities(results.files)) {
+    if (quantity.name != "velocity") continue;
+    evaluate(quantity, results, snapshot.columns, values);
+    const std::size_t part = quantity.part == Quantity::Part::y ? 1 : 0;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      if (!is_dry(snapshot.columns[Field::depth][i], dry_depth)) vectors[i][part] = values[i];
+    }
+  }
+  return vectors;
+}
+
 }  // namespace exports

@@ -1,6 +1,7 @@
 // The quantities that a case's results give, for data sets and for maps.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,11 @@ MapField read_map_field(const CaseResults& results, const std::string& name,
 /// The same of a snapshot that has been read.
 MapField map_field(const CaseResults& results, const Snapshot& snapshot, const std::string& name,
                    double dry_depth);
+
+/// The velocity (m/s) in the cells of a snapshot; nan where the water is not deeper than
+/// `dry_depth`.
+std::vector<std::array<float, 2>> velocities(const CaseResults& results, const Snapshot& snapshot,
+                                             double dry_depth);
 
 /// The same of maxima that have been read.
 MapField map_field(const MaximaTable& maxima, const MaximaQuantity& quantity, double dry_depth);

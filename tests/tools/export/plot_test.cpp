@@ -1,4 +1,5 @@
 // Pictures. SVG keeps its texts, so that a title, a unit and a scale bar can be looked for.
+#include <algorithm>
 #include <csignal>
 #include <map>
 #include <regex>
@@ -12,7 +13,7 @@ namespace {
 class Plot : public ExportTest {
  protected:
   std::string svg_of(const std::vector<std::string>& options) {
-    std::vector<std::string> arguments = {"plot", ".", "-o", "picture.svg"};
+    std::vector<std::string> arguments = {"plot", ".", "-o", "picture.svg", "--dpi", "50"};
     arguments.insert(arguments.end(), options.begin(), options.end());
     run_well(arguments);
     return folder.read("picture.svg");
@@ -28,6 +29,39 @@ std::vector<std::string> texts_beside_colours(const std::string& svg) {
     texts.push_back((*i)[1].str());
   }
   return texts;
+}
+
+struct Box {
+  double west = HUGE_VAL, east = -HUGE_VAL, top = HUGE_VAL, bottom = -HUGE_VAL;
+  void add(double x, double y) {
+    west = std::min(west, x);
+    east = std::max(east, x);
+    top = std::min(top, y);
+    bottom = std::max(bottom, y);
+  }
+  bool overlaps(const Box& other) const {
+    return west < other.east && other.west < east && top < other.bottom && other.top < bottom;
+  }
+};
+
+/// Where the texts stand that are drawn with an outline: as paths, of which the first is the
+/// outline.
+std::vector<Box> boxes_of_outlined_texts(const std::string& svg) {
+  static const std::regex point("([-0-9.]+) ([-0-9.]+)");
+  const std::string opening = "<g id=\"text_";
+  std::vector<Box> boxes;
+  for (std::size_t at = svg.find(opening); at != std::string::npos;
+       at = svg.find(opening, at + 1)) {
+    const std::size_t path = svg.find("<path d=\"", at);
+    if (path == std::string::npos || path > svg.find('>', at) + 60) continue;
+    const std::string points = svg.substr(path + 9, svg.find('"', path + 9) - path - 9);
+    Box box;
+    for (std::sregex_iterator i(points.begin(), points.end(), point), end; i != end; ++i) {
+      box.add(std::stod((*i)[1].str()), std::stod((*i)[2].str()));
+    }
+    boxes.push_back(box);
+  }
+  return boxes;
 }
 
 bool is_png(const std::string& bytes) {
@@ -66,6 +100,134 @@ TEST_F(Plot, CurvesTellTheNamesThatTheCaseHas) {
                R"({"gauges": ["pier, $1$", "quay", ""], "sections": ["bridge", "weir"]})");
   EXPECT_TRUE(support::contains(svg_of({"--gauges"}), "gauge 1 (pier, $1$)"));
   EXPECT_TRUE(support::contains(svg_of({"--sections"}), "section 2 (weir)"));
+}
+
+TEST_F(Plot, GaugesShowTheLevelOverTheBedOfTheirCells) {
+  support::Case c;
+  c.bed = [](double, double) { return 7.0; };
+  c.initial = [](double, double) { return support::InitialState{8.5}; };
+  c.add_gauges({{1.3, 1.6}, {100.0, 100.0}}, 0.5);
+  simulate(c);
+  const std::string gauges = svg_of({"--gauges"});
+  EXPECT_TRUE(support::contains(gauges, "water level (m)"));
+  EXPECT_TRUE(support::contains(gauges, ">8.6<") && !support::contains(gauges, ">1.6<")) << gauges;
+}
+
+TEST_F(Plot, WhereTheBedMovesGaugesShowNoLevel) {
+  support::Case c = sand_case();
+  c.add_gauges({{1.3, 1.6}}, 0.1);
+  simulate(c);
+  const std::string gauges = svg_of({"--gauges"});
+  EXPECT_TRUE(support::contains(gauges, "depth (m)"));
+  EXPECT_FALSE(support::contains(gauges, "water level"));
+}
+
+TEST_F(Plot, AMapSaysWhereItsGaugesAndSectionsAre) {
+  simulate(flood_case());
+  const auto labels = [&](const std::vector<std::string>& options) {
+    return boxes_of_outlined_texts(svg_of(options)).size();
+  };
+  EXPECT_EQ(labels({}), 2u + 2u);  // the third gauge lies outside of the mesh
+  EXPECT_EQ(labels({"--no-gauges"}), 0u);
+  // Of what lies outside of the map nothing is told: the second gauge and the second section.
+  EXPECT_EQ(labels({"--extent", "612000,5235000,612003.5,5235003"}), 1u + 1u);
+}
+
+TEST_F(Plot, TheNamesOfSectionsStandOnMaps) {
+  support::Case c = flood_case();
+  simulate(c);
+  const auto width_of_last = [&] {
+    const Box box = boxes_of_outlined_texts(svg_of({})).back();
+    return box.east - box.west;
+  };
+  const double usual = width_of_last();  // "section 2"
+  folder.write("names.json", R"({"sections": ["bridge", "the weir of the old mill"]})");
+  EXPECT_GT(width_of_last(), 2.0 * usual);
+  folder.write("names.json", R"({"sections": ["one name for two sections"]})");
+  EXPECT_EQ(width_of_last(), usual);
+}
+
+TEST_F(Plot, TheColoursTakeTheRangeThatIsGiven) {
+  simulate(flood_case());
+  const auto numbers = texts_beside_colours(svg_of({"--range", "0:80"}));
+  EXPECT_TRUE(std::find(numbers.begin(), numbers.end(), "80") != numbers.end());
+  EXPECT_NE(svg_of({"--range", "0:0.5"}), svg_of({"--range", "0:0.6"}));
+}
+
+TEST_F(Plot, LogarithmicClassesAreOneTwoAndFiveTimesPowersOfTen) {
+  simulate(flood_case());
+  const auto numbers = texts_beside_colours(svg_of({"--classes", "log", "--range", "0.01:2"}));
+  EXPECT_EQ(numbers, (std::vector<std::string>{"0.01", "0.02", "0.05", "0.1", "0.2", "0.5", "1",
+                                               "2", "largest depth (m)"}));
+  const auto usual = texts_beside_colours(svg_of({"--classes", "log"}));
+  EXPECT_EQ(usual.at(usual.size() - 2), "1");  // of a largest depth below 2 m
+  const support::RunResult narrow = run({"plot", ".", "--classes", "log", "--range", "3:4"});
+  EXPECT_EQ(narrow.status, 1);
+  EXPECT_TRUE(support::contains(narrow.err, "found a range from 3 to 4, expected one that holds"));
+}
+
+TEST_F(Plot, AMapShowsTheExtentThatIsGiven) {
+  simulate(flood_case());
+  run_well({"plot", ".", "-o", "whole.png"});
+  run_well({"plot", ".", "-o", "part.png", "--extent", "612001,5235001,612004,5235002"});
+  EXPECT_NE(folder.read("part.png"), folder.read("whole.png"));
+  EXPECT_TRUE(support::contains(svg_of({"--extent", "612001,5235001,612004,5235002"}), ">0.5 m<"));
+  const support::RunResult beside = run({"plot", ".", "--extent", "0,0,1,1"});
+  EXPECT_EQ(beside.status, 1);
+  EXPECT_TRUE(support::contains(beside.err, "[612000.0,5235000.0,612006.0,5235003.0]"))
+      << beside.err;
+}
+
+TEST_F(Plot, ArrowsShowTheFlowOfASnapshot) {
+  simulate(flood_case());
+  const std::string map = svg_of({"--field", "depth", "--time", "0.5", "--arrows"});
+  EXPECT_TRUE(support::contains(map, "arrows: velocity, the longest "));
+  EXPECT_TRUE(support::contains(map, "id=\"Quiver_1\""));
+  EXPECT_FALSE(support::contains(svg_of({"--field", "depth"}), "arrows"));
+  EXPECT_EQ(run({"plot", ".", "--arrows"}).err,
+            "quillmere-export: Arrows show the flow of a snapshot: max_depth has none.\n");
+}
+
+TEST_F(Plot, ArrowsPointWhereTheWaterGoes) {
+  support::Case c;  // a uniform flow to the east, over its first moment
+  c.initial = [](double, double) { return support::InitialState{1.0, 0.5, 0.0}; };
+  c.add_snapshots({0.0});
+  simulate(c);
+  const std::string map = svg_of({"--field", "depth", "--time", "0", "--arrows"});
+  EXPECT_TRUE(support::contains(map, "the longest 0.5 m/s<"));
+  const std::size_t quiver = map.find("id=\"Quiver_1\"");
+  ASSERT_NE(quiver, std::string::npos);
+  const std::size_t path = map.find("<path d=\"M ", quiver);
+  const std::string points = map.substr(path + 9, map.find('"', path + 9) - path - 9);
+  static const std::regex point("([-0-9.]+) ([-0-9.]+)");
+  Box arrow;
+  for (std::sregex_iterator i(points.begin(), points.end(), point), end; i != end; ++i) {
+    arrow.add(std::stod((*i)[1].str()), std::stod((*i)[2].str()));
+  }
+  EXPECT_GT(arrow.east - arrow.west, 2.0 * (arrow.bottom - arrow.top));
+}
+
+TEST_F(Plot, NorthIsShownWhereTheReferenceSystemIsKnown) {
+  support::Case c = flood_case();
+  simulate(c);
+  EXPECT_FALSE(support::contains(svg_of({}), ">N<"));
+  const std::string by_option = svg_of({"--crs", "EPSG:32632"});
+  EXPECT_TRUE(support::contains(by_option, ">N<"));
+  EXPECT_TRUE(support::contains(by_option, "x (m) · EPSG:32632"));
+  c.data["crs"] = "EPSG:32632";
+  folder.write("data.json", c.data.dump());
+  EXPECT_EQ(svg_of({}), by_option);
+}
+
+TEST_F(Plot, MoreDotsPerInchMakeALargerPicture) {
+  simulate(flood_case());
+  const auto width_at = [&](const std::string& dpi) {
+    run_well({"plot", ".", "-o", "picture.png", "--dpi", dpi});
+    const std::string bytes = folder.read("picture.png");
+    return 256 * static_cast<unsigned char>(bytes.at(18)) +
+           static_cast<unsigned char>(bytes.at(19));
+  };
+  EXPECT_NEAR(width_at("200"), 2 * width_at("100"), 3);
 }
 
 TEST_F(Plot, AllMakesTheFolderOfAReport) {
@@ -156,7 +318,7 @@ TEST_F(Plot, NothingInTheWorkingFolderChangesIt) {
   const auto result = support::run_program(
       folder.path(),
       {"PYTHONPATH=.", "PYTHONSTARTUP=numpy.py", "MPLBACKEND=nonsense", "MATPLOTLIBRC=matplotlibrc",
-       QUILLMERE_EXPORT_PROGRAM, "plot", ".", "-o", "picture.svg"},
+       QUILLMERE_EXPORT_PROGRAM, "plot", ".", "-o", "picture.svg", "--dpi", "50"},
       options);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(result.err, "");
@@ -220,39 +382,6 @@ TEST_F(Plot, ALongTitleStandsAboveTheScaleBar) {
   EXPECT_LT(title.begin()->second.second + 2.0, bar.begin()->second.second - 9.0);
 }
 
-struct Box {
-  double west = HUGE_VAL, east = -HUGE_VAL, top = HUGE_VAL, bottom = -HUGE_VAL;
-  void add(double x, double y) {
-    west = std::min(west, x);
-    east = std::max(east, x);
-    top = std::min(top, y);
-    bottom = std::max(bottom, y);
-  }
-  bool overlaps(const Box& other) const {
-    return west < other.east && other.west < east && top < other.bottom && other.top < bottom;
-  }
-};
-
-/// Where the texts stand that are drawn with an outline: as paths, of which the first is the
-/// outline.
-std::vector<Box> boxes_of_outlined_texts(const std::string& svg) {
-  static const std::regex point("([-0-9.]+) ([-0-9.]+)");
-  const std::string opening = "<g id=\"text_";
-  std::vector<Box> boxes;
-  for (std::size_t at = svg.find(opening); at != std::string::npos;
-       at = svg.find(opening, at + 1)) {
-    const std::size_t path = svg.find("<path d=\"", at);
-    if (path == std::string::npos || path > svg.find('>', at) + 60) continue;
-    const std::string points = svg.substr(path + 9, svg.find('"', path + 9) - path - 9);
-    Box box;
-    for (std::sregex_iterator i(points.begin(), points.end(), point), end; i != end; ++i) {
-      box.add(std::stod((*i)[1].str()), std::stod((*i)[2].str()));
-    }
-    boxes.push_back(box);
-  }
-  return boxes;
-}
-
 TEST_F(Plot, ManyGaugesLeaveRoomForCurvesAndDoNotHideEachOther) {
   support::Case c = flood_case();
   std::vector<support::Point> gauges;
@@ -261,7 +390,7 @@ TEST_F(Plot, ManyGaugesLeaveRoomForCurvesAndDoNotHideEachOther) {
   c.add_gauges(gauges, 0.5);
   simulate(c);
   const std::vector<Box> numbers = boxes_of_outlined_texts(svg_of({}));
-  ASSERT_EQ(numbers.size(), 28u);
+  ASSERT_EQ(numbers.size(), 28u + 2u);  // and the names of the sections
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     for (std::size_t k = 0; k < i; ++k) {
       EXPECT_FALSE(numbers[i].overlaps(numbers[k])) << i + 1 << " and " << k + 1;

@@ -42,18 +42,32 @@ def draw_legend(axes, figure):
     figure.legend(*names, loc="lower center", ncols=columns, frameon=False, fontsize=8)
 
 
-def draw_gauges(table, titles, title):
-    """Depth and unit discharge; the table has time, then depth, qx and qy of every gauge."""
+def draw_gauges(table, titles, title, beds, dry_depth):
+    """Depth, level and unit discharge; the table has time, then depth, qx and qy of every gauge. Where
+    the bed (m) of no gauge is known, there are no levels."""
     times, label = time_axis(table[:, 0])
-    figure, (upper, lower) = plt.subplots(2, 1, figsize=(8.4, 5.6), sharex=True,
-                                          layout="constrained")
+    depths, qx, qy = table[:, 1::3], table[:, 2::3], table[:, 3::3]
     labels = [name.removesuffix(" depth (m)") for name in titles[1::3]]
-    draw_curves(upper, times, table[:, 1::3], labels)
-    draw_curves(lower, times, np.hypot(table[:, 2::3], table[:, 3::3]), labels)
-    upper.set(ylabel="depth (m)", title=title, ylim=(0, None))
-    lower.set(ylabel="unit discharge (m²/s)", xlabel=label, ylim=(0, None))
-    draw_legend(upper, figure)
+    curves = [(depths, {"ylabel": "depth (m)", "ylim": (0, None)}),
+              (np.hypot(qx, qy), {"ylabel": "unit discharge (m²/s)", "ylim": (0, None)})]
+    if any(bed is not None for bed in beds):
+        curves.insert(1, (levels_of(depths, beds, dry_depth), {"ylabel": "water level (m)"}))
+    figure, panels = plt.subplots(len(curves), 1, figsize=(8.4, 0.8 + 2.4 * len(curves)),
+                                  sharex=True, layout="constrained")
+    for axes, (columns, texts) in zip(panels, curves):
+        draw_curves(axes, times, columns, labels)
+        axes.set(**texts)
+        axes.ticklabel_format(axis="y", useOffset=False)
+    panels[0].set_title(title)
+    panels[-1].set_xlabel(label)
+    draw_legend(panels[0], figure)
     return figure
+
+
+def levels_of(depths, beds, dry_depth):
+    """Bed and depth together, nothing where a gauge is dry or its bed is not known (m)."""
+    beds = np.array([np.nan if bed is None else bed for bed in beds])
+    return np.where(depths > dry_depth, beds + depths, np.nan)
 
 
 def draw_sections(table, titles, title):
@@ -75,5 +89,7 @@ def draw_all_curves(job):
         kind = entry["kind"]
         if table.size == 0 or table.shape[1] < 2:
             sys.exit(f"the case's {kind} hold nothing to draw.")
-        draw = draw_gauges if kind == "gauges" else draw_sections
-        save(draw(table, titles, title_of(job, kind)), entry["picture"])
+        title = title_of(job, kind)
+        figure = (draw_gauges(table, titles, title, entry["beds"], entry["dry_depth"]) if kind == "gauges"
+                  else draw_sections(table, titles, title))
+        save(figure, entry["picture"], job["dpi"])

@@ -3,14 +3,14 @@ import matplotlib.pyplot as plt
 import numpy as np
 from matplotlib.cm import ScalarMappable
 from matplotlib.collections import LineCollection
-from matplotlib.offsetbox import AnchoredOffsetbox, AuxTransformBox, TextArea, VPacker
-from matplotlib.patches import Rectangle
 from matplotlib.ticker import MaxNLocator
 from mpl_toolkits.axes_grid1 import make_axes_locatable
 
+from drawing.arrows import draw_arrows
 from drawing.pictures import save, title_of
 from drawing.places import draw_places
-from drawing.scales import class_scale, colour_scale
+from drawing.scales import over_the_ends, scale_of
+from drawing.surroundings import draw_scale_and_north
 from drawing.terrain import Terrain
 
 LINES = ("arrival_time",)  # drawn as lines of equal value, too
@@ -52,60 +52,58 @@ def draw_picture(axes, terrain, values, colours, scale):
     axes.add_collection(LineCollection(terrain.outline, colors="0.35", linewidths=0.7))
 
 
-def draw_scale(axes, width):
-    """A bar of a round length, about a sixth of the map, above its right end."""
-    power = 10.0 ** np.floor(np.log10(width / 6))
-    length = max(factor * power for factor in (1, 2, 5) if factor * power <= width / 6)
-    bar = AuxTransformBox(axes.transData)
-    bar.add_artist(Rectangle((0, 0), length, 0, edgecolor="black", linewidth=2))
-    text = f"{length / 1000:g} km" if length >= 1000 else f"{length:g} m"
-    packed = VPacker(children=[bar, TextArea(text, textprops={"fontsize": 9})], align="center",
-                     pad=0, sep=3)
-    axes.add_artist(AnchoredOffsetbox("lower right", child=packed, frameon=False, borderpad=0.2,
-                                      bbox_to_anchor=(1, 1), bbox_transform=axes.transAxes))
-
-
 def draw_map(job, terrain, entry, values, limits):
     west, east, south, north = terrain.extent
     ratio = max(north - south, 1e-9) / max(east - west, 1e-9)
     size = (9.6, max(9.6 * ratio + 1.2, 2.6)) if ratio < 1 else (7.2 / ratio + 2.2, 7.2)
     figure, axes = plt.subplots(figsize=size, layout="constrained")
-    classes = entry.get("classes")
-    colours, scale = (class_scale(entry["name"], classes) if classes
-                      else colour_scale(entry["name"], *limits))
+    colours, scale, ticks = scale_of(entry, limits)
     draw_picture(axes, terrain, values, colours, scale)
     if entry["name"] in LINES:
         draw_lines(axes, terrain, values)
-    axes.set_aspect("equal")
-    margin = 0.01 * max(east - west, north - south)
-    axes.set(xlim=(west - margin, east + margin), ylim=(south - margin, north + margin),
-             xlabel="x (m)", ylabel="y (m)")
+    if "velocity" in entry:
+        draw_arrows(axes, terrain, np.fromfile(entry["velocity"], np.float32).reshape(-1, 2))
+    draw_frame(axes, terrain, ratio)
     shown = entry["long_name"]
     if "time" in entry:
         shown += ", " + format_time(entry["time"])
     axes.set_title(title_of(job, shown), loc="left", pad=24)  # above the bar of the scale
-    axes.ticklabel_format(useOffset=False, style="plain")
-    axes.xaxis.set_major_locator(MaxNLocator(6, integer=east - west > 10))
-    axes.yaxis.set_major_locator(MaxNLocator(2 if ratio < 0.2 else 5, integer=east - west > 10))
-    axes.spines[["top", "right"]].set_visible(False)
     label = f"{entry['long_name']} ({UNITS[entry['unit']]})"
+    extend = over_the_ends(entry, scale, limits)
     paint = ScalarMappable(scale, colours)
     if ratio > 0.4:  # as high as the map, and beside it
         beside = make_axes_locatable(axes).append_axes("right", size=0.16, pad=0.15)
-        figure.colorbar(paint, cax=beside, label=label, ticks=classes)
+        bar = figure.colorbar(paint, cax=beside, label=label, ticks=ticks, extend=extend)
     else:
-        figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30,
-                        ticks=classes or MaxNLocator(6))
-    draw_scale(axes, east - west)
-    draw_places(axes, terrain)
+        bar = figure.colorbar(paint, ax=axes, label=label, location="bottom", shrink=0.5, aspect=30,
+                              ticks=ticks or MaxNLocator(6), extend=extend)
+    if ticks:
+        bar.set_ticks(ticks, labels=[f"{tick:g}" for tick in ticks])
+    draw_scale_and_north(axes, east - west, has_north=bool(terrain.crs))
+    if job["has_places"]:
+        draw_places(axes, terrain)
     return figure
 
 
-def limits_of(fields):
+def draw_frame(axes, terrain, ratio):
+    """The coordinates along the map, `ratio` times as high as wide, and their reference system."""
+    west, east, south, north = terrain.extent
+    margin = 0 if terrain.is_cropped else 0.01 * max(east - west, north - south)
+    axes.set_aspect("equal")
+    axes.set(xlim=(west - margin, east + margin), ylim=(south - margin, north + margin),
+             xlabel=f"x (m) · {terrain.crs}" if terrain.crs else "x (m)", ylabel="y (m)")
+    axes.ticklabel_format(useOffset=False, style="plain")
+    axes.xaxis.set_major_locator(MaxNLocator(6, integer=east - west > 10))
+    axes.yaxis.set_major_locator(MaxNLocator(2 if ratio < 0.2 else 5, integer=east - west > 10))
+    axes.spines[["top", "right"]].set_visible(terrain.is_cropped)
+
+
+def limits_of(fields, terrain):
     """Least and largest value of each quantity, so that its maps share one scale."""
     limits = {}
     for entry, values in fields:
-        shown = values[~np.isnan(values)]
+        shown = values[terrain.cells] if terrain.is_cropped else values
+        shown = shown[~np.isnan(shown)]
         if len(shown):
             low, high = limits.get(entry["name"], (np.inf, -np.inf))
             limits[entry["name"]] = (min(low, shown.min()), max(high, shown.max()))
@@ -117,7 +115,7 @@ def draw_maps(job):
         return
     terrain = Terrain(job["mesh"])
     fields = [(entry, np.memmap(entry["values"], np.float32, "r")) for entry in job["maps"]]
-    limits = limits_of(fields)
+    limits = limits_of(fields, terrain)
     for entry, values in fields:
         save(draw_map(job, terrain, entry, values, limits.get(entry["name"], (0, 0))),
-             entry["picture"])
+             entry["picture"], job["dpi"])

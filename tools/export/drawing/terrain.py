@@ -13,7 +13,8 @@ class Terrain:
         rows, columns, size = grid["rows"], grid["columns"], grid["resolution"]
         self.bounds = (grid["west"], grid["west"] + columns * size,
                        grid["north"] - rows * size, grid["north"])
-        self.extent = mesh["extent"]
+        self.grid, self.extent = grid, mesh["extent"]
+        self.is_cropped, self.crs = mesh["is_cropped"], mesh["crs"]
         self.outline, self.sections = mesh["outline"], mesh["sections"]
         self.gauges = mesh["gauges"]
 
@@ -24,6 +25,11 @@ class Terrain:
         x, y, z = load("x", float), load("y", float), load("terrain", float)
         triangles = load("triangles", np.int32).reshape(-1, 3)
         self.ground = self.draw_ground(x, y, z, triangles, triangle, grid)
+
+    def shows(self, x, y):
+        """Whether a place is on the map."""
+        west, east, south, north = self.extent
+        return not self.is_cropped or (west <= x <= east and south <= y <= north)
 
     def on_pixels(self, values, nothing=np.nan):
         image = np.full(self.inside.shape, nothing)
