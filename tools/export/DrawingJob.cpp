@@ -17,7 +17,24 @@ using nlohmann::json;
 
 constexpr double inches_along_a_map = 8.0;
 
-/// Coordinates x1 y1 x2 y2 of edges.
+json line_of(std::size_t edge, const Edges& edges, const Mesh& mesh) {
+  json line = json::array();
+  for (const int node : edges.nodes[edge]) {
+    const auto n = static_cast<std::size_t>(node);
+    line.push_back({mesh.x[n], mesh.y[n]});
+  }
+  return line;
+}
+
+json outline_of(const Edges& edges, const Mesh& mesh) {
+  json lines = json::array();
+  for (const BoundaryEdge& boundary : edges.boundary) {
+    lines.push_back(line_of(static_cast<std::size_t>(boundary.edge), edges, mesh));
+  }
+  return lines;
+}
+
+/// The lines of a section.
 json lines_of(const std::vector<int>& numbers, const Edges& edges, const CaseResults& results) {
   json lines = json::array();
   for (const int number : numbers) {
@@ -26,12 +43,7 @@ json lines_of(const std::vector<int>& numbers, const Edges& edges, const CaseRes
                          std::to_string(number) + ", expected an index from 0 to " +
                          std::to_string(static_cast<long>(edges.nodes.size()) - 1) + ".");
     }
-    json line = json::array();
-    for (const int node : edges.nodes[static_cast<std::size_t>(number)]) {
-      const auto n = static_cast<std::size_t>(node);
-      line.push_back({results.mesh.x[n], results.mesh.y[n]});
-    }
-    lines.push_back(std::move(line));
+    lines.push_back(line_of(static_cast<std::size_t>(number), edges, results.mesh));
   }
   return lines;
 }
@@ -96,7 +108,7 @@ json describe_mesh(const CaseResults& results, const DrawingStyle& style,
   folder.save("pixels", pixels);
 
   const Edges edges = read_edges(results.files.edges, mesh);
-  return {{"outline", lines_of(edges.boundary, edges, results)},
+  return {{"outline", outline_of(edges, mesh)},
           {"sections", describe_sections(results, edges)},
           {"gauges", describe_gauges(results.files)},
           {"grid",
@@ -134,6 +146,7 @@ DrawingJob::DrawingJob(const CaseResults& results, const DrawingStyle& style)
       style_(style),
       job_({{"case", results.files.title},
             {"title", style.title},
+            {"has_titles", style.has_titles},
             {"dpi", style.dpi},
             {"has_places", style.has_places},
             {"maps", json::array()},

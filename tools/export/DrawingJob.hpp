@@ -27,6 +27,7 @@ struct DrawingStyle {
   bool has_places = true;   ///< gauges and sections, on maps
   int dpi = 200;            ///< pixels per inch
   std::string title;        ///< empty for the usual one
+  bool has_titles = true;
 };
 
 class DrawingJob {

@@ -82,7 +82,7 @@ Edges read_edges(const std::string& edges_file, const Mesh& mesh) {
     const auto [left, right, node1, node2, code, value, file] =
         reader.read_next_edge(static_cast<int>(mesh.n_nodes()), static_cast<int>(mesh.n_cells()));
     edges.nodes.push_back({node1, node2});
-    if (right < 0) edges.boundary.push_back(i);
+    if (right < 0) edges.boundary.push_back({i, code, value, file});
   }
   return edges;
 }

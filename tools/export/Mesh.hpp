@@ -31,9 +31,17 @@ struct Mesh {
 Mesh read_mesh(const std::string& nodes_file, const std::string& cells_file,
                const std::array<double, 2>& origin = {});
 
+/// An edge that bounds the domain, with its condition.
+struct BoundaryEdge {
+  int edge;            ///< its number
+  int code;            ///< see cases::boundary_kinds
+  double value;        ///< imposed unit discharge (m2/s, positive leaves) or level (m)
+  std::string series;  ///< file of the series that imposes it; empty: none
+};
+
 struct Edges {
   std::vector<std::array<int, 2>> nodes;  ///< of every edge
-  std::vector<int> boundary;              ///< numbers of the edges that bound the domain
+  std::vector<BoundaryEdge> boundary;
 };
 /// Reads the edges file.
 Edges read_edges(const std::string& edges_file, const Mesh& mesh);

@@ -10,5 +10,6 @@ void add_vtu_command(CLI::App& app);
 void add_geotiff_command(CLI::App& app);
 void add_csv_command(CLI::App& app);
 void add_plot_command(CLI::App& app);
+void add_report_command(CLI::App& app);
 
 }  // namespace exports

@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Draws the maps and curves that "quillmere-export plot" asks for in the file job.json of the working
-folder, where the pictures go too.
+"""Draws the maps and curves that "quillmere-export plot" and "report" ask for in the file job.json of
+the working folder, where the pictures go too, and writes the page of a report.
 
 Beside the job lie arrays of the machine's own numbers: values of the cells, the triangles of the mesh,
 and the triangle in which every pixel of the map lies.
@@ -15,6 +15,7 @@ try:
     import matplotlib
     matplotlib.use("Agg")
     from drawing import curves, maps
+    from report import page
 except ImportError as error:
     sys.exit(f"matplotlib was not found ({error}): install it (Debian: python3-matplotlib).")
 
@@ -22,10 +23,16 @@ except ImportError as error:
 def main():
     with open("job.json", encoding="utf-8") as file:
         job = json.load(file)
-    matplotlib.rcParams["svg.fonttype"] = "none"  # texts stay texts
+    is_report = "report" in job
+    # Texts stay texts; within a report they are drawn, since its readers may lack the font.
+    matplotlib.rcParams["svg.fonttype"] = "path" if is_report else "none"
     matplotlib.rcParams["svg.hashsalt"] = "quillmere"  # the same picture has the same bytes
+    if is_report:
+        page.prepare(job)
     maps.draw_maps(job)
     curves.draw_all_curves(job)
+    if is_report:
+        page.write_page(job)
 
 
 if __name__ == "__main__":

@@ -6,6 +6,7 @@
 #include "export/common_options.hpp"
 #include "export/drawing_options.hpp"
 #include "export/plot_command.hpp"
+#include "export/report_command.hpp"
 
 namespace exports {
 
@@ -90,6 +91,26 @@ void add_plot_command(CLI::App& app) {
     const CaseResults results(options->case_name);
     take_crs_of(results.files, options->crs);
     for (const std::string& picture : plot(results, *options)) tell(picture);
+  });
+}
+
+void add_report_command(CLI::App& app) {
+  struct Options : ReportOptions {
+    std::string case_name;
+  };
+  auto options = std::make_shared<Options>();
+  CLI::App& command = add_command(
+      app, "report", "One HTML file: the case, its run, maps and curves", options->case_name);
+  command.add_option("FILE", options->output, "The report (CASE/export/report.html)");
+  command.add_option("--run-report", options->run_report,
+                     "What the run wrote by --report (CASE/report.json, where it is there)");
+  add_map_options(command, *options);
+  command.callback([options] {
+    options->has_arrows = true;
+    options->has_titles = false;  // captions tell more
+    const CaseResults results(options->case_name);
+    take_crs_of(results.files, options->crs);
+    tell(write_report(results, *options));
   });
 }
 

@@ -11,7 +11,8 @@ int main(int argc, char** argv) {
       "  quillmere-export geotiff my_case --field max_depth --resolution 5\n"
       "  quillmere-export csv my_case                           gauges and sections\n"
       "  quillmere-export plot my_case --field velocity --time 3600\n"
-      "  quillmere-export plot my_case --all                    pictures for a report\n"
+      "  quillmere-export plot my_case --all                    a folder of pictures\n"
+      "  quillmere-export report my_case                        a report in one HTML file\n"
       "\n"
       "Files go to my_case/export unless --output names another place; their names\n"
       "are printed. \"quillmere-export COMMAND --help\" lists the options.\n");
@@ -20,5 +21,6 @@ int main(int argc, char** argv) {
   exports::add_geotiff_command(tool.app());
   exports::add_csv_command(tool.app());
   exports::add_plot_command(tool.app());
+  exports::add_report_command(tool.app());
   return tool.run(argc, argv);
 }

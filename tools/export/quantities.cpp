@@ -48,13 +48,6 @@ MapField of_envelope(const CaseResults& results, const std::string& name, double
   return field;
 }
 
-/// The bed of a case without sediment, which its snapshots do not have.
-MapField bed_at_rest(const CaseResults& results) {
-  MapField field{"bed", "bed elevation", "m", std::nullopt, {}, {}};
-  for (const double level : results.bed) field.values.push_back(static_cast<float>(level));
-  return field;
-}
-
 }  // namespace
 
 std::vector<Quantity> dataset_quantities(const CaseFiles& files) {
@@ -99,6 +92,12 @@ std::string file_stem(const MapField& field) {
   return field.name + "_" + time.dump() + "s";
 }
 
+MapField bed_at_start(const CaseResults& results) {
+  MapField field{"bed", "bed elevation", "m", std::nullopt, {}, {}};
+  for (const double level : results.bed) field.values.push_back(static_cast<float>(level));
+  return field;
+}
+
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth) {
   const MaximaQuantity* const of_run = find_maxima_quantity(name);
@@ -109,7 +108,7 @@ MapField read_map_field(const CaseResults& results, const std::string& name,
   }
   if (name == "bed" && !results.files.has_sediment) {
     if (time) throw tools::Error("The bed does not move: it has no time.");
-    return bed_at_rest(results);
+    return bed_at_start(results);
   }
   Snapshot snapshot;
   read_snapshot(results, results.snapshot_at(time), snapshot);

@@ -43,7 +43,9 @@ std::vector<std::string> snapshot_map_fields(const CaseFiles& files);
 /// case does not have.
 MapField read_map_field(const CaseResults& results, const std::string& name,
                         std::optional<double> time, double dry_depth);
-/// The same of a snapshot that has been read.
+/// The bed of the cells at the start of a run.
+MapField bed_at_start(const CaseResults& results);
+/// The same as read_map_field() of a snapshot that has been read.
 MapField map_field(const CaseResults& results, const Snapshot& snapshot, const std::string& name,
                    double dry_depth);
 

@@ -33,6 +33,7 @@ RunLog::RunLog(const CaseFiles& files) : name_((fs::path(files.folder) / "log.tx
   if (!fs::is_regular_file(name_, error)) return;
   const std::string log = tools::read_file(name_);
   if (!is_of_run(log, files.title)) return;
+  text_ = log;
   const fs::file_time_type last_line = fs::last_write_time(name_, error);
   if (error) return;
 

@@ -17,6 +17,8 @@ class RunLog {
   explicit RunLog(const CaseFiles& files);
 
   const std::string& name() const { return name_; }
+  /// What the log says; empty without one of this case.
+  const std::string& text() const { return text_; }
   /// Whether a result is of an earlier run: it was written before the run of the log began.
   bool is_earlier(const std::string& result) const;
   /// The same of a snapshot for a time (s), which may lie beyond what the run reached.
@@ -27,7 +29,7 @@ class RunLog {
  private:
   bool is_before(const std::string& result, std::filesystem::file_time_type::duration span) const;
 
-  std::string name_;
+  std::string name_, text_;
   std::optional<std::filesystem::file_time_type> begin_;  ///< nothing of the run is older
   std::optional<double> reached_;                         ///< where the run ended early, s
 };

@@ -2,7 +2,7 @@
 import numpy as np
 
 ALONG_A_MAP = 34  # arrows along its longer side
-LEAST_WATER = 0.3  # of a square of the grid that has an arrow
+LEAST_WATER = 0.15  # of a square of the grid that has an arrow
 
 
 def draw_arrows(axes, terrain, velocity):

@@ -7,6 +7,7 @@ from matplotlib.ticker import MaxNLocator
 from mpl_toolkits.axes_grid1 import make_axes_locatable
 
 from drawing.arrows import draw_arrows
+from drawing.marks import draw_marks
 from drawing.pictures import save, title_of
 from drawing.places import draw_places
 from drawing.scales import over_the_ends, scale_of
@@ -80,8 +81,9 @@ def draw_map(job, terrain, entry, values, limits):
     if ticks:
         bar.set_ticks(ticks, labels=[f"{tick:g}" for tick in ticks])
     draw_scale_and_north(axes, east - west, has_north=bool(terrain.crs))
-    if job["has_places"]:
+    if entry.get("has_places", job["has_places"]):
         draw_places(axes, terrain)
+    draw_marks(axes, terrain, entry)
     return figure
 
 

@@ -9,6 +9,8 @@ import matplotlib.pyplot as plt
 def title_of(job, shown):
     """The user's title, or what is shown of the case, letter by letter: without the signs that no
     font has, a dollar sign begins no formula, and a long text takes several lines."""
+    if not job["has_titles"]:
+        return ""
     text = job["title"] or f"{job['case']}: {shown}"
     lines = [part for line in text.split("\n")
              for part in textwrap.wrap(plain_text(line), 110) or [""]]
