@@ -48,8 +48,8 @@ class Workflow(unittest.TestCase):
                 if re.match(r"--?[a-z]", word):
                     self.assertIn(word, known, " ".join(words))
         self.assertEqual(seen, {"quillmere", "quillmere-mesh import", "quillmere-mesh check",
-                                "quillmere-export plot", "quillmere-export netcdf",
-                                "quillmere-export geotiff"})
+                                "quillmere-export plot", "quillmere-export report",
+                                "quillmere-export netcdf", "quillmere-export geotiff"})
 
     def test_its_programs_are_python(self):
         programs = blocks("python")

@@ -1,6 +1,9 @@
 // The commands that draw.
+#include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "export/commands.hpp"
 #include "export/common_options.hpp"

@@ -23,6 +23,7 @@ class Report {
       : results_(results), options_(options), job_(results, options) {
     job_.document()["report"] = json{{"page", page},
                                      {"version", QUILLMERE_VERSION},
+                                     {"dry_depth", job_.dry_depth()},
                                      {"case", case_facts(results)},
                                      {"log", results.log.text()},
                                      {"earlier_results", results.earlier_results},

@@ -12,7 +12,7 @@ bool is_export_name(const std::filesystem::path& name) {
   static const std::string time = "(_[-+.e0-9]+s)?";
   static const std::regex known(
       "(results\\.(nc|pvd)|results_([0-9]{4,}|envelope|maxima)\\.vtu|"
-      "(gauges|gauge_points|sections|maxima)\\.csv|"
+      "(gauges|gauge_points|sections|maxima)\\.csv|report\\.html|"
       "(pictures/)?((" +
       fields + ")" + time + "|gauges|sections)\\.(png|svg|pdf)|(" + fields + ")" + time +
       "\\.tif)(\\.part)?");

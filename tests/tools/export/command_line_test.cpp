@@ -17,7 +17,7 @@ class CommandLine : public ExportTest {
 TEST_F(CommandLine, HelpBeginsWithExamples) {
   const support::RunResult result = run_well({"--help"});
   EXPECT_TRUE(support::starts_with(result.out, "Examples:\n  quillmere-export netcdf "));
-  for (const char* command : {"netcdf", "vtu", "geotiff", "csv", "plot"}) {
+  for (const char* command : {"netcdf", "vtu", "geotiff", "csv", "plot", "report"}) {
     EXPECT_TRUE(support::contains(result.out, std::string("\n  ") + command + " ")) << command;
     EXPECT_TRUE(support::contains(run_well({command, "--help"}).out, "CASE")) << command;
   }
@@ -56,6 +56,8 @@ TEST_F(CommandLine, WrongUsageHasAStatusOfItsOwn) {
            {"plot", ".", "--classes", "logarithmic"},
            {"plot", ".", "--dpi", "0"},
            {"plot", ".", "--crs", "UTM32"},
+           {"report"},
+           {"report", ".", "--time", "1"},
            {"plot", ".", "--format", "gif"},
            {"plot", ".", "-o", "picture.jpg"}}) {
     const support::RunResult result = run(words);

@@ -116,11 +116,12 @@ TEST(ExportNames, AreKnownForEveryFieldAndFormat) {
   for (const char* name :
        {"results.nc", "results.pvd", "results_0000.vtu", "results_envelope.vtu",
         "results_maxima.vtu", "gauges.csv", "gauge_points.csv", "sections.csv", "maxima.csv",
-        "gauges.png", "pictures/sections.svg", "results.nc.part"}) {
+        "gauges.png", "pictures/sections.svg", "report.html", "results.nc.part"}) {
     EXPECT_TRUE(tools::is_export_name(name)) << name;
   }
-  for (const char* name : {"my.nc", "depth.txt", "notes.png", "results.xlsx", "depth_old.png",
-                           "pictures/results.nc", "other/depth.png", "results_1.vtu"}) {
+  for (const char* name :
+       {"my.nc", "depth.txt", "notes.png", "results.xlsx", "depth_old.png", "pictures/results.nc",
+        "other/depth.png", "results_1.vtu", "notes.html"}) {
     EXPECT_FALSE(tools::is_export_name(name)) << name;
   }
 }

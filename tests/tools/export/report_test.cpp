@@ -105,8 +105,7 @@ TEST_F(Report, GivesDischargesAsTotalsIntoTheMesh) {
   c.north = "-4 1.25";
   c.write(folder);
   const std::string text = text_of(report());
-  expect_texts(text,
-               {"0.3 m³/s in", "0.15 m³/s out", "1.25 m", "imposed water level"});
+  expect_texts(text, {"0.3 m³/s in", "0.15 m³/s out", "1.25 m", "imposed water level"});
 }
 
 TEST_F(Report, PutsTheEdgesOfANameTogether) {
@@ -182,6 +181,18 @@ TEST_F(Report, StandsAmongTheExportsUnlessAskedOtherwise) {
   EXPECT_EQ(folder.read("again.html"), folder.read("export/report.html"));
   const support::RunResult result = run({"report", ".", "data.json"});
   EXPECT_EQ(result.status, 1) << "a file of the case";
+}
+
+TEST_F(Report, TellsHowMuchWasEverDeeperThanTheThreshold) {
+  support::Case c;  // 3 m2 of 12 under 1.5 m of water, at rest behind a sill
+  std::string bed;
+  for (int cell = 0; cell < c.n_cells(); ++cell) bed += c.center(cell).x < 1.0 ? "0\n" : "3\n";
+  c.add_fixed_bed(bed);
+  c.initial = [](double x, double) { return support::InitialState{x < 1.0 ? 1.5 : 0.0}; };
+  simulate(c);
+  const auto area = [](const std::string& depth) { return "Ever deeper than " + depth + " m\n"; };
+  expect_texts(text_of(report()), {area("0.0001") + "3 m²"});
+  expect_texts(text_of(report({"--threshold", "2"})), {area("2") + "0 m²"});
 }
 
 TEST_F(Report, ABrowserShowsIt) {

@@ -62,16 +62,24 @@ def largest_depth(job):
 def summary(job):
     """The few numbers that are asked for first."""
     run, model = job["report"].get("run"), job["report"]["case"]["model"]
-    wet = area_under_water(job)
     shown = [("Run", status_of(run) if run else ("Run, without books" if job["report"]["log"]
                                                  else "Not run")),
              ("Simulated", simulated(model["t_end"] - model["t_start"])),
              ("Cells", count(job["report"]["case"]["mesh"]["cells"])),
              ("Largest depth", number(largest_depth(job), "m", 3)),
              ("Largest velocity", number(find_number(run, "velocity/largest/m_per_s"), "m/s", 3)),
-             ("Ever under water", number(wet / 1e4, "ha") if wet is not None else "–")]
+             (f"Ever deeper than {job['report']['dry_depth']:g} m",
+              wet_area(job))]
     tiles = "".join(f"<div><dt>{escape(name)}</dt><dd>{value}</dd></div>\n" for name, value in shown)
     return f'<dl class="summary">\n{tiles}</dl>\n'
+
+
+def wet_area(job):
+    square_metres = area_under_water(job)
+    if square_metres is None:
+        return "–"
+    return (number(square_metres, "m²") if square_metres < 1e4 else
+            number(square_metres / 1e4, "ha"))
 
 
 def simulated(seconds):
