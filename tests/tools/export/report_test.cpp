@@ -149,11 +149,14 @@ TEST_F(Report, PartsOfARunReportMayBeMissingOrStrange) {
   simulate(flood_case());
   folder.write("report.json",
                R"({"outcome": 3, "steps": [1, {"x": null}], "water": {"boundaries": 5,
-      "initial_m3": "much"}, "time": null, "velocity": {"largest": []}, "failure": {"last_steps": [{}]},
+      "initial_m3": "much"}, "time": null, "velocity": {"largest": {"m_per_s": 1, "cell": "<script>"}}, "failure": {"last_steps": [{}]},
       "keys": {"ignored": [3, {"key": null}]}, "not_a_number": {"cells_at_end": true}})");
-  expect_texts(text_of(report()), {"Books of the water", "–"});
+  const json strange = report();
+  expect_texts(text_of(strange), {"Books of the water", "1 m/s, at – in cell –"});
+  EXPECT_FALSE(support::contains(strange["elements"].dump(), "script"));
   folder.write("report.json", R"({"outcome": {"status": ["x"]}, "steps": {"set": 3,
-      "set_most_often_by": [{"cell": 99, "steps": 3}, {"cell": -1, "steps": 1}, {"cell": 1.5}]}})");
+      "set_most_often_by": [{"cell": 99, "steps": 3}, {"cell": -1, "steps": 1}, {"cell": 1.5},
+      {"cell": 1, "steps": 0}]}})");
   EXPECT_FALSE(support::contains(text_of(report()), "set most of the time steps"));
 }
 
@@ -190,7 +193,7 @@ TEST_F(Report, TellsHowMuchWasEverDeeperThanTheThreshold) {
   c.add_fixed_bed(bed);
   c.initial = [](double x, double) { return support::InitialState{x < 1.0 ? 1.5 : 0.0}; };
   simulate(c);
-  const auto area = [](const std::string& depth) { return "Ever deeper than " + depth + " m\n"; };
+  const auto area = [](const std::string& depth) { return "Deeper than " + depth + " m\n"; };
   expect_texts(text_of(report()), {area("0.0001") + "3 m²"});
   expect_texts(text_of(report({"--threshold", "2"})), {area("2") + "0 m²"});
 }

@@ -68,7 +68,7 @@ def summary(job):
              ("Cells", count(job["report"]["case"]["mesh"]["cells"])),
              ("Largest depth", number(largest_depth(job), "m", 3)),
              ("Largest velocity", number(find_number(run, "velocity/largest/m_per_s"), "m/s", 3)),
-             (f"Ever deeper than {job['report']['dry_depth']:g} m",
+             (f"Deeper than {job['report']['dry_depth']:g} m",
               wet_area(job))]
     tiles = "".join(f"<div><dt>{escape(name)}</dt><dd>{value}</dd></div>\n" for name, value in shown)
     return f'<dl class="summary">\n{tiles}</dl>\n'

@@ -53,7 +53,7 @@ def with_place(run, path, name, unit):
     if value is None:
         return "–"
     return (f"{number(value, unit, 3)}, at {number(find_number(run, path + '/time_s'), 's')} in cell "
-            f"{find(run, path + '/cell')} in a depth of "
+            f"{count(find(run, path + '/cell'))} in a depth of "
             f"{number(find_number(run, path + '/depth_m'), 'm', 3)}")
 
 
@@ -133,7 +133,7 @@ def limiting_entries(run, job):
     n_cells = job["report"]["case"]["mesh"]["cells"]
     return [entry for entry in find_list(run, "steps/set_most_often_by")
             if isinstance(entry.get("cell"), int) and 0 <= entry["cell"] < n_cells
-            and is_number(entry.get("steps"))]
+            and is_number(entry.get("steps")) and entry["steps"] > 0]
 
 
 def last_steps(run):
