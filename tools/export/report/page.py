@@ -64,12 +64,11 @@ def summary(job):
     run, model = job["report"].get("run"), job["report"]["case"]["model"]
     shown = [("Run", status_of(run) if run else ("Run, without books" if job["report"]["log"]
                                                  else "Not run")),
-             ("Simulated", simulated(model["t_end"] - model["t_start"])),
+             ("Simulated", simulated(run, model)),
              ("Cells", count(job["report"]["case"]["mesh"]["cells"])),
              ("Largest depth", number(largest_depth(job), "m", 3)),
              ("Largest velocity", number(find_number(run, "velocity/largest/m_per_s"), "m/s", 3)),
-             (f"Deeper than {job['report']['dry_depth']:g} m",
-              wet_area(job))]
+             (f"Deeper than {job['report']['dry_depth']:g} m", wet_area(job))]
     tiles = "".join(f"<div><dt>{escape(name)}</dt><dd>{value}</dd></div>\n" for name, value in shown)
     return f'<dl class="summary">\n{tiles}</dl>\n'
 
@@ -82,7 +81,10 @@ def wet_area(job):
             number(square_metres / 1e4, "ha"))
 
 
-def simulated(seconds):
+def simulated(run, model):
+    """How far the run came, or without its books how far the case is to be run."""
+    reached = find_number(run, "time/reached_s")
+    seconds = (model["t_end"] if reached is None else reached) - model["t_start"]
     return number(seconds / 3600, "h", 3) if seconds >= 7200 else number(seconds, "s")
 
 
