@@ -25,13 +25,13 @@ struct CellAfter {
   bool may_change;    ///< in a step without inflow
 };
 
-QM_HD inline double balance(const CellSlots& cell, const double* slots) {
+template <class Column>
+QM_HD inline double balance(const CellSlots& cell, Column slots) {
   return physics::sum_of_slots(slots[cell.first], slots[cell.second], slots[cell.third]);
 }
 
-template <bool friction>
-QM_HD inline physics::MomentumSource friction_of(const CellColumns& cells, int i,
-                                                 double zero_depth) {
+template <bool friction, class Cells>
+QM_HD inline physics::MomentumSource friction_of(const Cells& cells, int i, double zero_depth) {
   if constexpr (!friction) return {0.0, 0.0};
   const double h = cells.h[i];
   const bool wet = physics::is_wet(h, zero_depth);
@@ -41,14 +41,16 @@ QM_HD inline physics::MomentumSource friction_of(const CellColumns& cells, int i
 }
 
 /// Stores the terms of the depth of a cell.
-QM_HD inline void store_terms(const CellColumns& cells, int i, double zero_depth) {
+template <class Cells>
+QM_HD inline void store_terms(const Cells& cells, int i, double zero_depth) {
   const physics::DepthTerms depth = physics::depth_terms(cells.h[i], zero_depth);
   cells.reciprocal[i] = depth.reciprocal;
   cells.celerity[i] = depth.celerity;
 }
 
 /// Stores the new depth and discharges of a cell, and what follows from them.
-QM_HD inline CellAfter store_water(const CellColumns& cells, int i, double h, double qx, double qy,
+template <class Cells>
+QM_HD inline CellAfter store_water(const Cells& cells, int i, double h, double qx, double qy,
                                    double zero_depth) {
   const physics::DepthTerms depth = physics::depth_terms(h, zero_depth);
   const double max_h = cells.max_h[i];
@@ -62,10 +64,9 @@ QM_HD inline CellAfter store_water(const CellColumns& cells, int i, double h, do
 }
 
 /// A step of a cell of the hydrodynamic model, whose soil asks for a depth (m).
-template <bool friction, bool rain, bool soil>
-QM_HD inline CellAfter advance_water(const CellColumns& cells, int i, const CellSlots& cell,
-                                     const SlotColumns& slots, double demand,
-                                     const StepValues& step) {
+template <bool friction, bool rain, bool soil, class Cells, class Slots>
+QM_HD inline CellAfter advance_water(const Cells& cells, int i, const CellSlots& cell,
+                                     const Slots& slots, double demand, const StepValues& step) {
   const physics::MomentumSource source = friction_of<friction>(cells, i, step.zero_depth);
   const physics::SweCellUpdate after =
       physics::update_swe({.h = cells.h[i],
@@ -92,9 +93,9 @@ QM_HD inline CellAfter advance_water(const CellColumns& cells, int i, const Cell
 }
 
 /// A step of a cell of the model with sediments.
-template <bool friction, bool rain>
-QM_HD inline CellAfter advance_water_and_bed(const CellColumns& cells, int i, const CellSlots& cell,
-                                             const SlotColumns& slots, const StepValues& step) {
+template <bool friction, bool rain, class Cells, class Slots>
+QM_HD inline CellAfter advance_water_and_bed(const Cells& cells, int i, const CellSlots& cell,
+                                             const Slots& slots, const StepValues& step) {
   const physics::MomentumSource source = friction_of<friction>(cells, i, step.zero_depth);
   const physics::ExnerCellUpdate after =
       physics::update_exner({.h = cells.h[i],
@@ -127,8 +128,9 @@ QM_HD inline CellAfter advance_water_and_bed(const CellColumns& cells, int i, co
 }
 
 /// Sediment (m) that the limit at the bed rock will create in a cell in this step.
-QM_HD inline double lifted_sediment(const CellColumns& cells, int i, const CellSlots& cell,
-                                    const SlotColumns& slots, const StepValues& step) {
+template <class Cells, class Slots>
+QM_HD inline double lifted_sediment(const Cells& cells, int i, const CellSlots& cell,
+                                    const Slots& slots, const StepValues& step) {
   const double hs = physics::balanced_sediment(cells.hs[i], balance(cell, slots.bed),
                                                step.dt * cells.reciprocal_area[i]);
   return hs < 0.0 ? -hs : 0.0;

@@ -12,11 +12,13 @@ namespace kernels {
 /// Number of a cell within its patch, or of a slot within the scratch of a patch.
 using Local = std::uint16_t;
 
-/// Cells, in the engine's own order. Columns that a run does not need are null.
-struct CellColumns {
+/// Cells, in the engine's own order. Columns that a run does not need are null. Those in the
+/// scratch of a patch are plain pointers, or a type that watches over their use.
+template <class ScratchColumn>
+struct CellColumnsWith {
   double *h, *qx, *qy;  ///< state: m, m2/s
   /// Terms of the depth at the start of a step, 1/m and m/s: of the patch that is being computed.
-  double *reciprocal, *celerity;
+  ScratchColumn reciprocal, celerity;
   double* bed;                      ///< level of the bed under the water, m
   const double* eta;                ///< free-surface level before the first step, m; else null
   double* max_h;                    ///< largest depth so far, m
@@ -31,6 +33,7 @@ struct CellColumns {
   const double* rock;               ///< level of the bed under the sediment, m
   const Local* slots[3];            ///< first three slots of the cell in the scratch of its patch
 };
+using CellColumns = CellColumnsWith<double*>;
 
 /// Edges with a cell on either side; cells are numbered within their patch, or among all cells.
 template <class Index>
@@ -40,13 +43,15 @@ struct EdgeColumns {
 };
 
 /// Flux slots as their cells receive them: m3/s, m4/s2, and m3/s of bed (null without sediments).
-struct SlotColumns {
-  double *mass, *momentum_x, *momentum_y, *bed;
+template <class Column>
+struct SlotColumnsWith {
+  Column mass, momentum_x, momentum_y, bed;
 
-  SlotColumns from(int k) const {
+  SlotColumnsWith from(int k) const {
     return {mass + k, momentum_x + k, momentum_y + k, bed != nullptr ? bed + k : nullptr};
   }
 };
+using SlotColumns = SlotColumnsWith<double*>;
 
 /// Scalars of a step.
 struct StepValues {

@@ -17,8 +17,8 @@ struct Given {
 };
 
 /// A cell in the frame of an edge.
-template <class given>
-QM_HD inline physics::EdgeSide side_of(const CellColumns& cells, int i, const physics::Edge& edge,
+template <class given, class Cells>
+QM_HD inline physics::EdgeSide side_of(const Cells& cells, int i, const physics::Edge& edge,
                                        double zero_depth) {
   const double h = cells.h[i];
   const double bed = cells.bed[i];
@@ -32,21 +32,23 @@ QM_HD inline physics::EdgeSide side_of(const CellColumns& cells, int i, const ph
   }
 }
 
-QM_HD inline physics::CellSediment sediment_of(const CellColumns& cells, int i) {
+template <class Cells>
+QM_HD inline physics::CellSediment sediment_of(const Cells& cells, int i) {
   return {cells.hs[i], cells.qsx[i], cells.qsy[i], cells.dqs_dh[i]};
 }
 
-QM_HD inline void fill_slot(const SlotColumns& slots, int k, const physics::WaterSlot& slot) {
+template <class Slots>
+QM_HD inline void fill_slot(const Slots& slots, int k, const physics::WaterSlot& slot) {
   slots.mass[k] = slot.h;
   slots.momentum_x[k] = slot.qx;
   slots.momentum_y[k] = slot.qy;
 }
 
 /// Water between the cells l and r, into slot k of both sides.
-template <class given>
-QM_HD inline void flux_of_water(const CellColumns& cells, int l, int r, const physics::Edge& edge,
-                                const StepValues& step, const SlotColumns& left,
-                                const SlotColumns& right, int k) {
+template <class given, class Cells, class Slots>
+QM_HD inline void flux_of_water(const Cells& cells, int l, int r, const physics::Edge& edge,
+                                const StepValues& step, const Slots& left, const Slots& right,
+                                int k) {
   const physics::SlotPair slots =
       physics::flux_lhllc(side_of<given>(cells, l, edge, step.zero_depth),
                           side_of<given>(cells, r, edge, step.zero_depth), edge);
@@ -61,11 +63,10 @@ struct Radicands {
 };
 
 /// Water and bed between the cells l and r, into slot k of both sides.
-template <class given>
-QM_HD inline Radicands flux_of_water_and_bed(const CellColumns& cells, int l, int r,
+template <class given, class Cells, class Slots>
+QM_HD inline Radicands flux_of_water_and_bed(const Cells& cells, int l, int r,
                                              const physics::Edge& edge, const StepValues& step,
-                                             const SlotColumns& left, const SlotColumns& right,
-                                             int k) {
+                                             const Slots& left, const Slots& right, int k) {
   const physics::CoupledSlotPair slots =
       physics::flux_clhllc(side_of<given>(cells, l, edge, step.zero_depth), sediment_of(cells, l),
                            side_of<given>(cells, r, edge, step.zero_depth), sediment_of(cells, r),
