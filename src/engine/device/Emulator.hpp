@@ -1,0 +1,117 @@
+// A device that the processor plays: the same kernels, in a worse order than a card may choose.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "engine/Range.hpp"
+#include "engine/ThreadTeam.hpp"
+#include "engine/aligned_vector.hpp"
+#include "engine/device/WatchedScratch.hpp"
+#include "engine/device/launch.hpp"
+
+namespace engine::device {
+
+/// Values in the memory of the device, which is a piece of its own here too: what is not copied is
+/// not there.
+template <class Value>
+class EmulatedArray {
+ public:
+  std::size_t size() const { return size_; }
+  /// Null without values.
+  Value* data() const { return values_.get(); }
+
+  /// Other values, which are not set.
+  void resize(std::size_t size) {
+    if (size == size_) return;
+    values_ = size > 0 ? std::make_unique_for_overwrite<Value[]>(size) : nullptr;
+    size_ = size;
+  }
+  /// Copies from the host, as many as there are there.
+  void take(std::span<const Value> values) {
+    resize(values.size());
+    std::copy(values.begin(), values.end(), values_.get());
+  }
+  /// Copies the first of them to the host.
+  void give(std::span<Value> values) const {
+    std::copy_n(values_.get(), values.size(), values.begin());
+  }
+
+ private:
+  std::unique_ptr<Value[]> values_;
+  std::size_t size_ = 0;
+};
+
+/// Blocks run in random order on the threads of a team, the threads of a block in reverse, each
+/// block in scratch of exactly its size that holds nothing yet.
+class Emulator {
+ public:
+  template <class Value>
+  using Array = EmulatedArray<Value>;
+  enum class Mode { plain, watching };
+
+  /// The team must outlive it. Where it is `watching`, a launch throws std::logic_error if threads
+  /// of a block misuse their scratch, see WatchedScratch; that takes longer.
+  explicit Emulator(ThreadTeam& team, Mode mode = Mode::plain) : team_(team), mode_(mode) {}
+
+  /// Returns when all blocks have run.
+  template <class Kernel>
+  void launch(const Kernel& kernel, std::size_t blocks) {
+    order_.resize(blocks);
+    std::iota(order_.begin(), order_.end(), 0);
+    std::shuffle(order_.begin(), order_.end(), random_);
+    complaints_.assign(mode_ == Mode::watching ? blocks : 0, {});
+    team_.run([&](int member) {
+      const Range share = share_of(member, team_.size(), blocks);
+      for (int k = share.begin; k < share.end; ++k) run_block(kernel, order_[at(k)]);
+    });
+    for (std::size_t block = 0; block < complaints_.size(); ++block) {
+      if (complaints_[block].empty()) continue;
+      throw std::logic_error("block " + std::to_string(block) + ", " + complaints_[block]);
+    }
+  }
+
+  int threads() const { return team_.size(); }
+
+ private:
+  template <class Kernel>
+  void run_block(const Kernel& kernel, int block) {
+    if (mode_ == Mode::watching) {
+      WatchedScratch scratch(kernel.scratch_words());
+      run_phases<0>(kernel, block, WatchedColumn(scratch),
+                    [&](int phase, int thread) { scratch.enter(phase, thread); });
+      complaints_[at(block)] = scratch.complaint();
+      return;
+    }
+    const auto words = static_cast<std::size_t>(kernel.scratch_words());
+    const auto scratch = std::make_unique_for_overwrite<double[]>(words);
+    std::fill_n(scratch.get(), words, NAN);
+    run_phases<0>(kernel, block, scratch.get(), [](int, int) {});
+  }
+
+  template <int phase, class Kernel, class Scratch, class Enter>
+  static void run_phases(const Kernel& kernel, int block, Scratch scratch, const Enter& enter) {
+    if constexpr (phase < Kernel::phases) {
+      for (int thread = Kernel::threads - 1; thread >= 0; --thread) {
+        enter(phase, thread);
+        Kernel::run(Phase<phase>{}, kernel, {block, thread, Kernel::threads}, scratch);
+      }
+      run_phases<phase + 1>(kernel, block, scratch, enter);
+    }
+  }
+
+  ThreadTeam& team_;
+  Mode mode_;
+  std::mt19937 random_;  // the same order in every run
+  std::vector<int> order_;
+  std::vector<std::string> complaints_;  ///< of the blocks
+};
+
+}  // namespace engine::device

@@ -1,0 +1,26 @@
+// What a kernel of a device is. It runs as blocks of threads; those of a block share a scratch of
+// numbers and go through the phases of the kernel together, with a barrier behind each. Blocks know
+// nothing of each other.
+//
+// A kernel is a value with
+//   static constexpr int phases, threads;  threads of a block
+//   int scratch_words() const;             of a block
+//   template <class Scratch>               of each phase, from 0 on; Scratch is indexed as a
+//   double* QM_HD void run(Phase<0>, const Kernel&, const Thread&, Scratch);
+// What a thread leaves in the scratch is there for others in the phases after; so within a phase a
+// word has one writer, and no other reads it then. No barrier stands within a phase.
+#pragma once
+
+namespace engine::device {
+
+/// A thread of a block. Those of a block share a list by taking every `count`-th entry.
+struct Thread {
+  int block;   ///< of the launch
+  int number;  ///< in its block
+  int count;   ///< of the threads of the block
+};
+
+template <int number>
+struct Phase {};
+
+}  // namespace engine::device
