@@ -29,7 +29,7 @@ class Backend {
  public:
   virtual ~Backend() = default;
 
-  /// Fluxes over the cut edges and boundaries of patches, in ascending order.
+  /// Begins a step: fluxes over the cut edges and boundaries of patches, in ascending order.
   virtual void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) = 0;
   /// The rest of the step of patches: the fluxes within them, sources, balance and dry rules. Tells
   /// `activity` which of them may change again, and `notes` (null: nobody asks) what is to be

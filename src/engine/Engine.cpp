@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "engine/device/make_device_backend.hpp"
 #include "engine/host/HllBackend.hpp"
 #include "engine/host/HostBackend.hpp"
 #include "physics/stable_step.hpp"
@@ -13,25 +14,36 @@ namespace engine {
 
 namespace {
 
-std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team, const Loops& loops) {
+std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team,
+                                      const Processor& processor) {
+  if (processor.device != Device::none) {
+    return device::make_device_backend(processor.device, tables, team);
+  }
+  const Loops& loops = loops_for(processor.instruction_set);
   if (tables.hll) return std::make_unique<HllBackend>(tables, team, loops);
   return std::make_unique<HostBackend>(tables, team, loops);
+}
+
+int cells_per_patch_for(const Processor& processor) {
+  return processor.device != Device::none ? device::cells_per_patch : 0;
 }
 
 }  // namespace
 
 Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch,
-               const std::optional<std::string>& instruction_set)
-    : Engine(contents, {}, alone_, threads, cells_per_patch, instruction_set) {}
+               const Processor& processor)
+    : Engine(contents, {}, alone_, threads, cells_per_patch, processor) {}
 
 Engine::Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-               int cells_per_patch, const std::optional<std::string>& instruction_set)
+               int cells_per_patch, const Processor& processor)
     : exchange_(exchange),
       team_(threads),
-      tables_(make_tables(contents, std::move(subset), team_, cells_per_patch)),
+      tables_(make_tables(contents, std::move(subset), team_,
+                          cells_per_patch > 0 ? cells_per_patch : cells_per_patch_for(processor))),
       forcing_(contents, tables_),
       activity_(tables_),
-      backend_(make_backend(tables_, team_, loops_for(instruction_set))) {
+      is_on_device_(processor.device != Device::none),
+      backend_(make_backend(tables_, team_, processor)) {
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;

@@ -6,10 +6,10 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 
 #include "engine/Backend.hpp"
 #include "engine/Exchange.hpp"
+#include "engine/Processor.hpp"
 #include "engine/State.hpp"
 #include "engine/ThreadTeam.hpp"
 #include "physics/initial_water.hpp"
@@ -27,12 +27,13 @@ struct Wishes {
 class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
-  /// least 1, by loops as loops_for() chooses them. Throws std::length_error as make_tables does.
+  /// least 1, by loops as loops_for() chooses them, or on a device. Throws std::length_error as
+  /// make_tables does, std::runtime_error as loops_for() and make_device_backend() do.
   Engine(const cases::Case& contents, int threads, int cells_per_patch = 0,
-         const std::optional<std::string>& instruction_set = {});
+         const Processor& processor = {});
   /// The same for a subset of its cells, with an exchange that must outlive the engine.
   Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-         int cells_per_patch = 0, const std::optional<std::string>& instruction_set = {});
+         int cells_per_patch = 0, const Processor& processor = {});
 
   /// Together: stable step of the present states of all ranks before the Courant factor, s.
   double stable_step(double t);
@@ -90,6 +91,8 @@ class Engine {
   const Tables& tables() const { return tables_; }
   int threads() const { return backend_->threads(); }
   const char* instruction_set() const { return backend_->instruction_set(); }
+  /// What a report calls the path: tables, or device.
+  const char* path() const { return is_on_device_ ? "device" : "tables"; }
   /// Patches that the last step computed.
   int active_patches() const { return static_cast<int>(activity_.patches().size()); }
 
@@ -113,6 +116,7 @@ class Engine {
   Tables tables_;
   Forcing forcing_;
   Activity activity_;
+  bool is_on_device_;
   std::unique_ptr<Backend> backend_;
   std::unique_ptr<StepNotes> notes_;  ///< null: nobody asks for notes
   kernels::StepValues step_{};

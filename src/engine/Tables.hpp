@@ -9,9 +9,9 @@
 #include "engine/HllTables.hpp"
 #include "engine/MaximaTable.hpp"
 #include "engine/Patches.hpp"
+#include "engine/Soil.hpp"
 #include "engine/Subset.hpp"
 #include "kernels/boundary.hpp"
-#include "physics/infiltration.hpp"
 
 namespace engine {
 
@@ -43,12 +43,6 @@ struct Slots {
 
   void assign(std::size_t count, bool has_bed);
   kernels::SlotColumns columns();
-};
-
-struct Soil {
-  bool is_green_ampt;
-  physics::GreenAmptSoil green_ampt;
-  physics::HortonSoil horton;
 };
 
 struct Tables {

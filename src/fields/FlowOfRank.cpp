@@ -69,7 +69,7 @@ FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks
 RankStart FlowOfRank::start_engine(const RanksPlan& plan, engine::Subset subset) {
   try {
     engine_ = std::make_unique<engine::Engine>(case_, std::move(subset), *exchange_, plan.threads,
-                                               0, plan.instruction_set);
+                                               0, plan.processor);
     fields_ = std::make_unique<TableFields>(case_, *engine_);
     return {.threads = engine_->threads()};
   } catch (const std::length_error& error) {

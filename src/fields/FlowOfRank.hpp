@@ -20,12 +20,12 @@ namespace fields {
 struct RanksPlan {
   std::vector<ranks::Cells> cells;  ///< of every rank
   int threads = 1;                  ///< of each
-  std::optional<std::string> instruction_set = {};
+  engine::Processor processor = {};
 
   /// For utils/bytes.hpp.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.cells, self.threads, self.instruction_set);
+    visit(self.cells, self.threads, self.processor.instruction_set, self.processor.device);
   }
 };
 

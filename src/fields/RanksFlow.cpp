@@ -142,9 +142,9 @@ void end_service(ranks::Group& group, int number) {
 
 RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
                      const RanksRequest& request, int most_threads,
-                     const std::optional<std::string>& instruction_set)
+                     const engine::Processor& processor)
     : case_(contents), diagnostics_(diagnostics), on_stop_(request.on_stop) {
-  RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, instruction_set};
+  RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, processor};
   const auto members = static_cast<int>(plan.cells.size());
   plan.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
@@ -237,7 +237,8 @@ FlowSurvey RanksFlow::survey() const {
 }
 
 ExecutionPath RanksFlow::execution_path() const {
-  return {"tables", part_->start().threads, part_->engine().instruction_set(), group_->size()};
+  return {part_->engine().path(), part_->start().threads, part_->engine().instruction_set(),
+          group_->size()};
 }
 
 UnseenDepth RanksFlow::unseen_depth(Number cell) const {

@@ -29,8 +29,7 @@ class RanksFlow : public Flow {
   /// group must outlive it. Throws as TablesFlow does, and std::runtime_error where a rank cannot
   /// start. `most_threads` of each rank, as in FlowRequest.
   RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
-            const RanksRequest& request, int most_threads,
-            const std::optional<std::string>& instruction_set);
+            const RanksRequest& request, int most_threads, const engine::Processor& processor);
   ~RanksFlow() override;
 
   FlowScales scales() const override;

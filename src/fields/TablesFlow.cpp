@@ -6,10 +6,10 @@
 namespace fields {
 
 TablesFlow::TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
-                       int cells_per_patch, const std::optional<std::string>& instruction_set)
+                       int cells_per_patch, const engine::Processor& processor)
     : case_(contents),
       diagnostics_(diagnostics),
-      engine_(contents, threads, cells_per_patch, instruction_set),
+      engine_(contents, threads, cells_per_patch, processor),
       fields_(contents, engine_) {}
 
 double TablesFlow::advance(const StepTimes& times) {
@@ -37,7 +37,7 @@ FlowSurvey TablesFlow::survey() const {
 }
 
 ExecutionPath TablesFlow::execution_path() const {
-  return {"tables", engine_.threads(), engine_.instruction_set()};
+  return {engine_.path(), engine_.threads(), engine_.instruction_set()};
 }
 
 UnseenDepth TablesFlow::unseen_depth(cases::Number cell) const {

@@ -1,9 +1,6 @@
 // The flow of a case on the tables of the engine.
 #pragma once
 
-#include <optional>
-#include <string>
-
 #include "case/Case.hpp"
 #include "case/Diagnostics.hpp"
 #include "engine/Engine.hpp"
@@ -16,7 +13,7 @@ class TablesFlow : public Flow {
  public:
   /// The case must outlive the flow. Throws std::length_error where the tables have no room for it.
   TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
-             int cells_per_patch = 0, const std::optional<std::string>& instruction_set = {});
+             int cells_per_patch = 0, const engine::Processor& processor = {});
 
   FlowScales scales() const override {
     return {engine_.tables().h0, engine_.tables().char_length_min};

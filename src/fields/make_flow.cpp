@@ -22,6 +22,20 @@ bool has_several_ranks(const cases::Case& contents, const FlowRequest& request) 
   return group != nullptr && group->size() > 1 && contents.mesh.n_cells() > 1;
 }
 
+engine::Processor processor_for(const FlowRequest& request) {
+  using engine::Device;
+  if (request.path != "device") return {request.instruction_set, Device::none};
+  if (request.device == "emulated") return {{}, Device::emulated};
+  if (request.device == "watched") return {{}, Device::watched};
+  if (!request.device.empty()) {
+    throw std::runtime_error("Error. QUILLMERE_DEVICE is \"" + request.device +
+                             "\", expected emulated or watched.");
+  }
+  throw std::runtime_error(
+      "Error. QUILLMERE_ENGINE asks for a device, but this program was built without support for "
+      "cards; QUILLMERE_DEVICE=emulated runs what a card would run on the processor.");
+}
+
 }  // namespace
 
 std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
@@ -29,7 +43,7 @@ std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
                                              const FlowRequest& request) {
   const int wanted = engine::threads_for(contents.mesh.n_cells(), request.most_threads);
   auto flow =
-      std::make_unique<TablesFlow>(contents, diagnostics, wanted, 0, request.instruction_set);
+      std::make_unique<TablesFlow>(contents, diagnostics, wanted, 0, processor_for(request));
   warn_of_missing_threads(flow->execution_path().threads, wanted, diagnostics);
   return flow;
 }
@@ -37,21 +51,22 @@ std::unique_ptr<TablesFlow> make_tables_flow(const cases::Case& contents,
 std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics& diagnostics,
                                 const FlowRequest& request) {
   const std::string& path = request.path;
-  if (!path.empty() && path != "tables" && path != "objects") {
+  if (!path.empty() && path != "tables" && path != "device" && path != "objects") {
     throw std::runtime_error("Error. QUILLMERE_ENGINE is \"" + path +
-                             "\", expected objects or tables.");
+                             "\", expected objects, tables or device.");
   }
   if (path == "objects") return make_walk(contents);
   try {
     if (has_several_ranks(contents, request)) {
       return std::make_unique<RanksFlow>(contents, diagnostics, request.ranks, request.most_threads,
-                                         request.instruction_set);
+                                         processor_for(request));
     }
     return make_tables_flow(contents, diagnostics, request);
   } catch (const std::length_error&) {  // more edges of a cell than the tables can number
     if (path.empty()) return make_walk(contents);
-    throw std::runtime_error(
-        "Error. QUILLMERE_ENGINE asks for tables, but the model holds what they do not know.");
+    throw std::runtime_error("Error. QUILLMERE_ENGINE asks for " +
+                             std::string(path == "device" ? "a device" : "tables") +
+                             ", but the model holds what they do not know.");
   }
 }
 

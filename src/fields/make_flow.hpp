@@ -13,8 +13,9 @@
 namespace fields {
 
 struct FlowRequest {
-  std::string path = {};  ///< "tables", "objects"; empty: the tables, or the objects where the
-                          ///< tables have no room for a cell
+  std::string path = {};    ///< "tables", "device", "objects"; empty: the tables, or the objects
+                            ///< where the tables have no room for a cell
+  std::string device = {};  ///< "emulated" or "watched", see engine::Device
   /// Of the tables: baseline, avx2 or avx512; without one the best of this machine.
   std::optional<std::string> instruction_set = {};
   int most_threads = 0;     ///< of the tables; 0: one per core. A small mesh takes fewer.

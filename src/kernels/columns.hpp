@@ -35,6 +35,34 @@ struct CellColumnsWith {
 };
 using CellColumns = CellColumnsWith<double*>;
 
+/// The same columns, with terms of the depth in scratch.
+template <class ScratchColumn>
+QM_HD inline CellColumnsWith<ScratchColumn> with_terms(const CellColumns& c,
+                                                       ScratchColumn reciprocal,
+                                                       ScratchColumn celerity) {
+  return {c.h,
+          c.qx,
+          c.qy,
+          reciprocal,
+          celerity,
+          c.bed,
+          c.eta,
+          c.max_h,
+          c.max_node,
+          c.reciprocal_area,
+          c.char_length,
+          c.manning,
+          c.infiltrated,
+          c.rain,
+          c.soil,
+          c.hs,
+          c.qsx,
+          c.qsy,
+          c.dqs_dh,
+          c.rock,
+          {c.slots[0], c.slots[1], c.slots[2]}};
+}
+
 /// Edges with a cell on either side; cells are numbered within their patch, or among all cells.
 template <class Index>
 struct EdgeColumns {

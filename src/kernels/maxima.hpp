@@ -85,4 +85,14 @@ QM_HD inline void note_time_under_water(const CellColumns& cells, const MaximaCo
   maxima.time_under_water[i] = after.sum;
 }
 
+/// Notes all of a state, whatever it may change.
+QM_HD inline void note_state(const CellColumns& cells, const MaximaColumns& maxima, int i,
+                             const MaximaValues& values) {
+  note_depth(cells, maxima, i, values.t);
+  if (maxima.level != nullptr) note_level(cells, maxima, i, values.zero_depth);
+  note_discharge(cells, maxima, i, values.zero_depth);
+  note_speed(cells, maxima, i, values.zero_depth);
+  note_time_under_water(cells, maxima, i, values);
+}
+
 }  // namespace kernels

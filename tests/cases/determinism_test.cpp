@@ -45,22 +45,31 @@ TEST_F(Determinism, EveryPathWritesTheSameBytesOnAnyNumberOfThreads) {
   const support::RunResult first = run();  // its shallow end races, and that is told
   EXPECT_EQ(first.status, 0);
   const auto files = files_of(folder);
-  const Setting tables("QUILLMERE_ENGINE", "tables");
-  for (const char* threads : {"1", "2", "3", "7"}) {
-    const Setting count("OMP_NUM_THREADS", threads);
-    const support::RunResult result = run();
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, first.err);
-    EXPECT_EQ(files_of(folder), files) << threads;
+  const Setting emulated("QUILLMERE_DEVICE", "emulated");
+  for (const char* path : {"tables", "device"}) {
+    const Setting tables("QUILLMERE_ENGINE", path);
+    for (const char* threads : {"1", "2", "3", "7"}) {
+      const Setting count("OMP_NUM_THREADS", threads);
+      const support::RunResult result = run();
+      EXPECT_EQ(result.status, 0);
+      EXPECT_EQ(result.err, first.err);
+      EXPECT_EQ(files_of(folder), files) << path << ", " << threads;
+    }
   }
 }
 
 TEST_F(Determinism, AForcedPathThatCannotRunIsRefused) {
   c = support::full_case();
-  const Setting tables("QUILLMERE_ENGINE", "fables");
-  const support::RunResult result = run();
-  EXPECT_EQ(result.status, 255);
-  EXPECT_EQ(result.err, "Error. QUILLMERE_ENGINE is \"fables\", expected objects or tables.\n");
+  {
+    const Setting fables("QUILLMERE_ENGINE", "fables");
+    expect_stop("Error. QUILLMERE_ENGINE is \"fables\", expected objects, tables or device.\n");
+  }
+  const Setting device("QUILLMERE_ENGINE", "device");
+  expect_stop(
+      "Error. QUILLMERE_ENGINE asks for a device, but this program was built without support for "
+      "cards; QUILLMERE_DEVICE=emulated runs what a card would run on the processor.\n");
+  const Setting abacus("QUILLMERE_DEVICE", "abacus");
+  expect_stop("Error. QUILLMERE_DEVICE is \"abacus\", expected emulated or watched.\n");
 }
 
 TEST_F(Determinism, ARunOverTheResultsOfAnotherWritesTheSameBytes) {

@@ -192,15 +192,20 @@ TEST_F(Report, IsTheSameOnEveryPathAndNumberOfThreads) {
     setenv("QUILLMERE_ENGINE", "objects", 1);
     EXPECT_EQ(run_with_report().status, 0);
     const json of_objects = report();
-    setenv("QUILLMERE_ENGINE", "tables", 1);
-    for (int threads = 1; threads <= 3; ++threads) {
-      setenv("OMP_NUM_THREADS", std::to_string(threads).c_str(), 1);
-      EXPECT_EQ(run_with_report().status, 0);
-      const json of_tables = report();
-      EXPECT_EQ(of_tables["execution"]["threads"], threads);
-      EXPECT_EQ(without_machine(of_tables), without_machine(of_objects))
-          << json::diff(without_machine(of_objects), without_machine(of_tables));
+    setenv("QUILLMERE_DEVICE", "emulated", 1);
+    for (const char* const path : {"tables", "device"}) {
+      setenv("QUILLMERE_ENGINE", path, 1);
+      for (int threads = 1; threads <= 3; ++threads) {
+        setenv("OMP_NUM_THREADS", std::to_string(threads).c_str(), 1);
+        EXPECT_EQ(run_with_report().status, 0);
+        const json of_tables = report();
+        EXPECT_EQ(of_tables["execution"]["path"], path);
+        EXPECT_EQ(of_tables["execution"]["threads"], threads);
+        EXPECT_EQ(without_machine(of_tables), without_machine(of_objects))
+            << json::diff(without_machine(of_objects), without_machine(of_tables));
+      }
     }
+    unsetenv("QUILLMERE_DEVICE");
     unsetenv("OMP_NUM_THREADS");
     unsetenv("QUILLMERE_ENGINE");
     EXPECT_GT(of_objects["steps"]["computed"].get<int>(), 5);

@@ -104,9 +104,11 @@ TEST_F(RestartedRun, EndedByASignalLeavesTheFilesOfOneThatNeverStopped) {
     clear();
     const RunResult first = interrupted({"--checkpoint", "kept"}, signal, 10);
     EXPECT_EQ(first.status, 128 + signal);
-    setenv("QUILLMERE_ENGINE", "objects", 1);
+    setenv("QUILLMERE_DEVICE", "emulated", 1);
+    setenv("QUILLMERE_ENGINE", signal == SIGINT ? "device" : "objects", 1);
     const RunResult second = call({"--restart", "kept"});
     unsetenv("QUILLMERE_ENGINE");
+    unsetenv("QUILLMERE_DEVICE");
     EXPECT_EQ(second.status, 0) << second.err;
     EXPECT_EQ(second.err, "");
     EXPECT_EQ(results(), expected);

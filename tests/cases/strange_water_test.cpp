@@ -85,7 +85,7 @@ TEST_F(StrangeWater, BelowZeroIsInTheReport) {
     EXPECT_NEAR(below_zero["first_seen"]["time_s"], 13.0983, 1e-4);
     on_paths.push_back({all["below_zero"], all["films"], all["looks"]});
   });
-  EXPECT_EQ(on_paths.at(0), on_paths.at(1));
+  EXPECT_EQ(on_paths, std::vector<json>(on_paths.size(), on_paths.front()));
 }
 
 TEST_F(StrangeWater, WhatSoilsGiveOutIsTold) {
@@ -148,7 +148,7 @@ TEST_F(StrangeWater, FilmsAreCountedAfterEveryStep) {
       EXPECT_GT(on_paths.back()["steps_with_any"], 2) << on_paths.back();
       EXPECT_LT(on_paths.back()["steps_with_any"], report()["steps"]["computed"]);
     });
-    EXPECT_EQ(on_paths.at(0), on_paths.at(1));
+    EXPECT_EQ(on_paths, std::vector<json>(on_paths.size(), on_paths.front()));
   }
 }
 

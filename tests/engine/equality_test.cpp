@@ -134,8 +134,9 @@ class Equality : public testing::Test {
     const auto model = build<Model>(options);
     const cases::Case contents = support::case_of(*model);
     fields::ObjectsFlow objects(*model);
-    fields::TablesFlow tables(contents, told_, threads, cells_per_patch, instruction_set_);
-    EXPECT_TRUE(!instruction_set_ || tables.execution_path().instruction_set == *instruction_set_);
+    fields::TablesFlow tables(contents, told_, threads, cells_per_patch, processor_);
+    const auto& set = processor_.instruction_set;
+    EXPECT_TRUE(!set || tables.execution_path().instruction_set == *set);
     tables.engine().set_state(support::state_of(*model, contents));
     return expect_same_steps(objects, *model, tables, options.watched, steps);
   }
@@ -253,12 +254,12 @@ class Equality : public testing::Test {
       } catch (const std::runtime_error&) {
         continue;  // this machine does not have it
       }
-      instruction_set_ = set;
+      processor_.instruction_set = set;
       expect_same<Model>({}, 2, 80);
       expect_same<Model>({.watched = true}, 2, 20);
       ++run;
     }
-    instruction_set_.reset();
+    processor_ = {};
     EXPECT_GE(run, 1);
   }
 
@@ -273,8 +274,8 @@ class Equality : public testing::Test {
   support::TemporaryFolder folder_;
   Sources sources_;
   support::Told told_;
-  std::optional<std::string> instruction_set_;  ///< of the tables; without one the best
-  double arrival_depth_ = 0.3;                  ///< m; some cells come to it and some go below
+  engine::Processor processor_;  ///< of the tables; without more the best instruction set
+  double arrival_depth_ = 0.3;   ///< m; some cells come to it and some go below
 };
 
 }  // namespace
@@ -347,6 +348,34 @@ TEST_F(Equality, HoldsForEveryInstructionSetOfTheMachine) {
   expect_same_for_every_instruction_set<SWE_Exner>();
 }
 
+TEST_F(Equality, HoldsOnADevice) {
+  processor_.device = engine::Device::emulated;
+  for (const int threads : {1, 3}) {
+    expect_same<SWE>({}, threads, 150);
+    expect_same<SWE_Exner>({}, threads, 150);
+  }
+  expect_same_for_every_combination_of_sources<SWE>(Water::in_the_west);
+  expect_same_for_every_combination_of_sources<SWE_Exner>(Water::in_the_west);
+}
+
+TEST_F(Equality, ADeviceTakesTheSameNotesAndSkipsTheSamePatches) {
+  for (const Water water : {Water::everywhere, Water::in_the_west}) {
+    const Options options{.water = water, .watched = true};
+    processor_.device = engine::Device::none;
+    const Work water_on_host = expect_same<SWE>(options, 2, 60);
+    const Work bed_on_host = expect_same<SWE_Exner>(options, 2, 60);
+    processor_.device = engine::Device::emulated;
+    EXPECT_EQ(expect_same<SWE>(options, 2, 60).fewest_patches, water_on_host.fewest_patches);
+    EXPECT_EQ(expect_same<SWE_Exner>(options, 2, 60).fewest_patches, bed_on_host.fewest_patches);
+  }
+}
+
+TEST_F(Equality, ThreadsOfABlockOnADeviceDoNotRace) {
+  processor_.device = engine::Device::watched;
+  expect_same<SWE>({.watched = true}, 2, 12);
+  expect_same<SWE_Exner>({.watched = true}, 2, 12);
+}
+
 TEST_F(Equality, TheTablesTakeAtMost160BytesPerCell) {
   const support::RunGlobals globals(1e-3);
   const auto model = support::build_rectangle<SWE>({200, 100, 200.0, 100.0});
@@ -409,13 +438,16 @@ TEST_F(NotHyperbolic, BothPathsWarnOnceOfTheFirstCell) {
 
   const auto model = build_not_hyperbolic();
   const cases::Case contents = support::case_of(*model);
-  fields::TablesFlow tables(contents, told_, 2, cells_per_patch);
-  for (int step = 0; step < 2; ++step) {
-    tables.engine().set_state(support::state_of(*model, contents));
-    tables.advance({0.0, 0.0, t_end, 1e-4});
+  for (const engine::Device device : {engine::Device::none, engine::Device::emulated}) {
+    support::Told told;
+    fields::TablesFlow tables(contents, told, 2, cells_per_patch, {.device = device});
+    for (int step = 0; step < 2; ++step) {
+      tables.engine().set_state(support::state_of(*model, contents));
+      tables.advance({0.0, 0.0, t_end, 1e-4});
+    }
+    ASSERT_EQ(told.warnings.size(), 1U);
+    EXPECT_EQ(told.warnings.front().rfind("in cell 200 (counted from 0) at t = 0 s", 0), 0U);
   }
-  ASSERT_EQ(told_.warnings.size(), 1U);
-  EXPECT_EQ(told_.warnings.front().rfind("in cell 200 (counted from 0) at t = 0 s", 0), 0U);
 }
 
 TEST_F(NotHyperbolic, IsNotWarnedOfAgainByARunThatGoesOn) {

@@ -37,7 +37,7 @@ class HllEquality : public testing::Test {
   int expect_same(const cases::Case& contents, int threads, int steps, bool watched = false,
                   int patch = cells_of_patch) {
     fields::HllFlow walk(contents);
-    fields::TablesFlow tables(contents, told_, threads, patch, instruction_set_);
+    fields::TablesFlow tables(contents, told_, threads, patch, {instruction_set_});
     walk.keep_maxima(arrival_depth_);
     tables.keep_maxima(arrival_depth_);
     double t = 0.0, next = 0.8 * walk.stable_step(t);

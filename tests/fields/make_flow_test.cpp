@@ -35,6 +35,11 @@ class MakeFlow : public testing::Test {
   std::string path_of(const cases::Case& contents, const std::string& path) {
     return fields::make_flow(contents, told, {.path = path})->execution_path().name;
   }
+  /// That of a request for an emulated device.
+  fields::ExecutionPath path_on_device(const cases::Case& contents) {
+    return fields::make_flow(contents, told, {.path = "device", .device = "emulated"})
+        ->execution_path();
+  }
 
   const support::RunGlobals globals{1e-3};  // objects set them
   support::Told told;
@@ -52,6 +57,18 @@ TEST_F(MakeFlow, ACellOfMoreEdgesThanTheTablesNumberRunsOnTheObjects) {
   EXPECT_EQ(path_of(pond(65000), ""), "tables");
   EXPECT_EQ(path_of(pond(66000), ""), "objects");
   EXPECT_THROW(path_of(pond(66000), "tables"), std::runtime_error);
+}
+
+TEST_F(MakeFlow, TakesADeviceWhereItIsAskedForOne) {
+  EXPECT_STREQ(path_on_device(pond(6)).name, "device");
+  EXPECT_STREQ(path_on_device(pond(6)).instruction_set, "emulated");
+  EXPECT_THROW(path_of(pond(6), "device"), std::runtime_error);  // of which there is none
+  EXPECT_THROW(path_on_device(pond(66000)), std::runtime_error);
+  cases::Case contents = support::TriangleGrid{}.make();
+  for (const cases::Scheme scheme : {cases::Scheme::hll1, cases::Scheme::hll2}) {
+    contents.scheme = scheme;
+    EXPECT_THROW(path_on_device(contents), std::runtime_error);
+  }
 }
 
 TEST_F(MakeFlow, ThePositiveSchemesHaveAWalkInPlaceOfTheObjects) {

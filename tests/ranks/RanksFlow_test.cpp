@@ -63,14 +63,20 @@ TEST_F(RanksFlow, TellsOnceThatTheSystemIsNotHyperbolicWhereverThatIs) {
     reference->advance({0.0, 0.0, t_end, 1e-4});
     const std::vector<std::string> expected = told_.warnings;
     ASSERT_EQ(expected.size(), 1U);
-    as_first_of({3}, [&](ranks::Group& group) {
-      told_.warnings.clear();
-      const auto flow = fields::make_flow(contents, told_, on(group));
-      flow->load(odd);
-      for (int step = 0; step < 3; ++step) flow->advance({0.0, 0.0, t_end, 1e-4});
-      EXPECT_EQ(told_.warnings, expected);
-      EXPECT_EQ(flow->execution_path().ranks, 3);
-    });
+    for (const std::string path : {"tables", "device"}) {
+      as_first_of({3}, [&](ranks::Group& group) {
+        told_.warnings.clear();
+        fields::FlowRequest request = on(group);
+        request.path = path;
+        request.device = "emulated";
+        const auto flow = fields::make_flow(contents, told_, request);
+        flow->load(odd);
+        for (int step = 0; step < 3; ++step) flow->advance({0.0, 0.0, t_end, 1e-4});
+        EXPECT_EQ(told_.warnings, expected);
+        EXPECT_EQ(flow->execution_path().name, path);
+        EXPECT_EQ(flow->execution_path().ranks, 3);
+      });
+    }
   }
 }
 

@@ -14,14 +14,15 @@ class RanksInProcess : public PartsOfCourse {
   /// Calls body(rank, engine) for every share, each in a thread of its own.
   template <class Body>
   static void run_side_by_side(const cases::Case& contents, const std::vector<ranks::Share>& shares,
-                               int threads, int cells_per_patch, const Body& body) {
+                               int threads, int cells_per_patch, const Body& body,
+                               const engine::Processor& processor = {}) {
     ranks::InProcess job(static_cast<int>(shares.size()));
     std::vector<std::thread> members;
     for (int rank = 0; rank < static_cast<int>(shares.size()); ++rank) {
       members.emplace_back([&, rank] {
         const auto exchange = job.group(rank)->exchange(shares[at(rank)].halos);
         engine::Engine engine(contents, shares[at(rank)].subset, *exchange, threads,
-                              cells_per_patch);
+                              cells_per_patch, processor);
         engine.keep_maxima(arrival_depth);
         body(rank, engine);
       });
@@ -35,14 +36,16 @@ class RanksInProcess : public PartsOfCourse {
   };
   static Work expect_same(const cases::Case& contents, const Course& expected,
                           const std::vector<ranks::Share>& shares, int threads = 1,
-                          int cells_per_patch = 64) {
+                          int cells_per_patch = 64, const engine::Processor& processor = {}) {
     std::atomic<int> computed = 0, patches = 0;
-    run_side_by_side(contents, shares, threads, cells_per_patch,
-                     [&](int rank, engine::Engine& engine) {
-                       expect_same_steps(contents, expected, shares[at(rank)].subset, engine, 0);
-                       computed += engine.active_patches();
-                       patches += static_cast<int>(engine.tables().patches.patches.size());
-                     });
+    run_side_by_side(
+        contents, shares, threads, cells_per_patch,
+        [&](int rank, engine::Engine& engine) {
+          expect_same_steps(contents, expected, shares[at(rank)].subset, engine, 0);
+          computed += engine.active_patches();
+          patches += static_cast<int>(engine.tables().patches.patches.size());
+        },
+        processor);
     return {computed, patches};
   }
 

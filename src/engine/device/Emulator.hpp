@@ -56,6 +56,7 @@ class Emulator {
   template <class Value>
   using Array = EmulatedArray<Value>;
   enum class Mode { plain, watching };
+  static constexpr const char* name = "emulated";
 
   /// The team must outlive it. Where it is `watching`, a launch throws std::logic_error if threads
   /// of a block misuse their scratch, see WatchedScratch; that takes longer.

@@ -1,0 +1,255 @@
+// The kernel of the step of patches, a block to a patch: what the host does patch by patch, with
+// fluxes and terms of the depth in the scratch of the block.
+#pragma once
+
+#include "engine/device/PatchFindings.hpp"
+#include "engine/device/launch.hpp"
+#include "kernels/cell.hpp"
+#include "kernels/soil.hpp"
+
+namespace engine::device {
+
+/// What is noted of a step for a report; columns over the cells, null where nothing of the kind
+/// happens in them.
+struct NotesView {
+  bool are_taken;
+  double *recovered, *lifted;  ///< m
+};
+
+/// What the scratch of a block has room for.
+struct PatchScratch {
+  int slots, cells;  ///< of a patch
+  int demands;       ///< of its soils
+  FindingsInScratch findings;
+};
+
+template <bool has_bed>
+struct AdvancePatches {
+  static constexpr int phases = 5, threads = 256;
+  static constexpr int groups = 16;  ///< of threads, whose findings are united first
+
+  TableView tables;
+  const int* patches;  ///< of the blocks
+  kernels::StepValues step;
+  const physics::SoilStep* soil_steps;
+  kernels::MaximaValues maxima;
+  NotesView notes;
+  PatchScratch room;
+  PatchFindings* findings;  ///< of the blocks
+
+  int scratch_words() const {
+    constexpr int columns = has_bed ? 4 : 3;
+    return columns * room.slots + 2 * room.cells + room.demands + room.findings.words();
+  }
+
+  /// 0: what follows from the states before the step.
+  template <class Scratch>
+  QM_HD void run(Phase<0>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
+    const PatchView& patch = patch_of(kernel, thread);
+    const Words<Scratch> words = words_of(kernel, scratch);
+    const auto cells = cells_of(kernel, patch, words);
+    for (int k = thread.number; k < patch.cells; k += thread.count) {
+      const int i = patch.first_cell + k;
+      if (kernel.tables.maxima.depth != nullptr) {
+        kernels::note_state(kernel.tables.cells, kernel.tables.maxima, i, kernel.maxima);
+      }
+      kernels::store_terms(cells, i, kernel.step.zero_depth);
+      if (patch.has_soil) words.demand[k] = demand_of(kernel, i);
+    }
+  }
+
+  /// 1: all slots of the patch.
+  template <class Scratch>
+  QM_HD void run(Phase<1>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
+    const PatchView& patch = patch_of(kernel, thread);
+    const Words<Scratch> words = words_of(kernel, scratch);
+    const EdgeFound first = kernel.tables.cells.eta != nullptr
+                                ? over_edges<true>(kernel, patch, words, thread)
+                                : over_edges<false>(kernel, patch, words, thread);
+    FindingsInScratch::store_edge(kernel.room.findings, words.findings, thread.number, first);
+    take_outer_slots(kernel, patch, words, thread);
+  }
+
+  /// 2: the cells.
+  template <class Scratch>
+  QM_HD void run(Phase<2>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
+    const PatchView& patch = patch_of(kernel, thread);
+    const Words<Scratch> words = words_of(kernel, scratch);
+    PatchFindings own;
+    for (int k = thread.number; k < patch.cells; k += thread.count) {
+      own = united(own, advance_cell(kernel, patch, words, patch.first_cell + k));
+    }
+    FindingsInScratch::store_cells(kernel.room.findings, words.findings, thread.number, own);
+  }
+
+  /// 3 and 4: what the threads of the block have found, by groups of them, then all.
+  template <class Scratch>
+  QM_HD void run(Phase<3>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
+    if (thread.number >= groups) return;
+    const FindingsInScratch& layout = kernel.room.findings;
+    const Scratch words = words_of(kernel, scratch).findings;
+    const PatchFindings of_group =
+        FindingsInScratch::of_threads(layout, words, thread.number, thread.count, groups);
+    FindingsInScratch::store_cells(layout, words, thread.number, of_group);
+    FindingsInScratch::store_edge(layout, words, thread.number, of_group.not_hyperbolic);
+  }
+  template <class Scratch>
+  QM_HD void run(Phase<4>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
+    if (thread.number > 0) return;
+    kernel.findings[thread.block] = FindingsInScratch::of_threads(
+        kernel.room.findings, words_of(kernel, scratch).findings, 0, groups, 1);
+  }
+
+ private:
+  /// The parts of the scratch of a block.
+  template <class Scratch>
+  struct Words {
+    kernels::SlotColumnsWith<Scratch> slots;
+    Scratch reciprocal, celerity, demand, findings;
+  };
+
+  template <class Scratch>
+  QM_HD Words<Scratch> words_of(const AdvancePatches& kernel, Scratch scratch) {
+    const PatchScratch& room = kernel.room;
+    const Scratch terms = scratch + (has_bed ? 4 : 3) * room.slots;
+    return {{scratch, scratch + room.slots, scratch + 2 * room.slots, bed_slots(room, scratch)},
+            terms,
+            terms + room.cells,
+            terms + 2 * room.cells,
+            terms + (2 * room.cells + room.demands)};
+  }
+  template <class Scratch>
+  QM_HD Scratch bed_slots(const PatchScratch& room, Scratch scratch) {
+    if constexpr (has_bed) return scratch + 3 * room.slots;
+    return {};
+  }
+
+  QM_HD const PatchView& patch_of(const AdvancePatches& kernel, const Thread& thread) {
+    return kernel.tables.patches[kernel.patches[thread.block]];
+  }
+
+  /// All columns, with the terms of the depth of a patch.
+  template <class Scratch>
+  QM_HD auto cells_of(const AdvancePatches& kernel, const PatchView& patch,
+                      const Words<Scratch>& words) {
+    return kernels::with_terms(kernel.tables.cells, words.reciprocal - patch.first_cell,
+                               words.celerity - patch.first_cell);
+  }
+
+  /// What the soil of a cell asks for, m; 0 without one.
+  QM_HD double demand_of(const AdvancePatches& kernel, int i) {
+    const kernels::CellColumns& cells = kernel.tables.cells;
+    const int number = cells.soil[i];
+    if (number < 0) return 0.0;
+    const Soil& soil = kernel.tables.soils[number];
+    const physics::SoilStep& step = kernel.soil_steps[number];
+    const double before = cells.infiltrated[i];
+    const double demand =
+        soil.is_green_ampt ? kernels::demand_of_soil(cells, i, number, soil.green_ampt, step, 0.0)
+                           : kernels::demand_of_soil(cells, i, number, soil.horton, step, 0.0);
+    if (kernel.notes.are_taken) kernel.notes.recovered[i] += before - cells.infiltrated[i];
+    return demand;
+  }
+
+  template <bool eta_given, class Scratch>
+  QM_HD EdgeFound over_edges(const AdvancePatches& kernel, const PatchView& patch,
+                             const Words<Scratch>& words, const Thread& thread) {
+    using Given = kernels::Given<eta_given, true>;
+    const TableView& tables = kernel.tables;
+    const auto cells = cells_of(kernel, patch, words);
+    const auto right = slots_from<has_bed>(words.slots, patch.right_slots);
+    EdgeFound first;
+    for (int k = thread.number; k < patch.edges; k += thread.count) {
+      const int e = patch.first_edge + k;
+      const physics::Edge edge = edge_of(tables.edges, e);
+      const int l = patch.first_cell + tables.edges.left[e];
+      const int r = patch.first_cell + tables.edges.right[e];
+      if constexpr (has_bed) {
+        const kernels::Radicands radicands = kernels::flux_of_water_and_bed<Given>(
+            cells, l, r, edge, kernel.step, words.slots, right, k);
+        if (kernel.room.findings.with_not_hyperbolic && may_not_be_hyperbolic(radicands)) {
+          first = first_of(first, tables.cells, l, r, edge, tables.edge_number[e], kernel.step);
+        }
+      } else {
+        kernels::flux_of_water<Given>(cells, l, r, edge, kernel.step, words.slots, right, k);
+      }
+    }
+    return first;
+  }
+
+  /// What passes the edges around the patch; and the slot that never carries anything.
+  template <class Scratch>
+  QM_HD void take_outer_slots(const AdvancePatches& kernel, const PatchView& patch,
+                              const Words<Scratch>& words, const Thread& thread) {
+    const kernels::SlotColumns& outer = kernel.tables.outer;
+    const auto taken = slots_from<has_bed>(words.slots, 2 * patch.right_slots);
+    for (int k = thread.number; k < patch.outer_slots; k += thread.count) {
+      const int slot = kernel.tables.outer_slots[patch.first_outer_slot + k];
+      taken.mass[k] = outer.mass[slot];
+      taken.momentum_x[k] = outer.momentum_x[slot];
+      taken.momentum_y[k] = outer.momentum_y[slot];
+      if constexpr (has_bed) taken.bed[k] = outer.bed[slot];
+    }
+    if (thread.number > 0) return;
+    kernels::fill_slot(taken, patch.outer_slots, {0.0, 0.0, 0.0});
+    if constexpr (has_bed) taken.bed[patch.outer_slots] = 0.0;
+  }
+
+  template <class Scratch>
+  QM_HD PatchFindings advance_cell(const AdvancePatches& kernel, const PatchView& patch,
+                                   const Words<Scratch>& words, int i) {
+    const kernels::CellColumns& cells = kernel.tables.cells;
+    const kernels::StepValues& step = kernel.step;
+    const kernels::CellSlots slots = {cells.slots[0][i], cells.slots[1][i], cells.slots[2][i]};
+    if constexpr (has_bed) {
+      if (kernel.notes.are_taken) {
+        kernel.notes.lifted[i] += kernels::lifted_sediment(cells, i, slots, words.slots, step);
+      }
+    }
+    const kernels::CellAfter after = after_step(kernel, patch, words, i, slots);
+    if (after.is_deeper) cells.max_h[i] = after.max_h;
+    PatchFindings findings;
+    if (after.wave_speed > 0.0) findings.smallest_step = cells.char_length[i] / after.wave_speed;
+    if (after.is_dry) {
+      findings.smallest_step = physics::smaller(findings.smallest_step, step.dry_step);
+    }
+    findings.changing_cells = after.may_change ? 1 : 0;
+    if (kernel.notes.are_taken) {
+      findings.extremes = physics::extremes_of_state(
+          cells.h[i], cells.qx[i], cells.qy[i], physics::depth_terms(cells.h[i], step.zero_depth));
+    }
+    return findings;
+  }
+
+  template <class Scratch>
+  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const PatchView& patch,
+                                      const Words<Scratch>& words, int i,
+                                      const kernels::CellSlots& slots) {
+    const bool friction = kernel.tables.cells.manning != nullptr;
+    if (kernel.step.rain_depths != nullptr) {
+      return friction ? after_step<true, true>(kernel, patch, words, i, slots)
+                      : after_step<false, true>(kernel, patch, words, i, slots);
+    }
+    return friction ? after_step<true, false>(kernel, patch, words, i, slots)
+                    : after_step<false, false>(kernel, patch, words, i, slots);
+  }
+
+  template <bool friction, bool rain, class Scratch>
+  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const PatchView& patch,
+                                      const Words<Scratch>& words, int i,
+                                      const kernels::CellSlots& slots) {
+    const auto cells = cells_of(kernel, patch, words);
+    if constexpr (has_bed) {  // which lets no water in
+      return kernels::advance_water_and_bed<friction, rain>(cells, i, slots, words.slots,
+                                                            kernel.step);
+    } else if (patch.has_soil) {
+      return kernels::advance_water<friction, rain, true>(
+          cells, i, slots, words.slots, words.demand[i - patch.first_cell], kernel.step);
+    } else {
+      return kernels::advance_water<friction, rain, false>(cells, i, slots, words.slots, 0.0,
+                                                           kernel.step);
+    }
+  }
+};
+
+}  // namespace engine::device

@@ -1,0 +1,215 @@
+// The tables of a run in the memory of a device, and the copies between the two. Machine is the
+// device: Emulator, say.
+#pragma once
+
+#include <algorithm>
+#include <vector>
+
+#include "engine/StepNotes.hpp"
+#include "engine/Tables.hpp"
+#include "engine/device/TableView.hpp"
+
+namespace engine::device {
+
+template <class Machine>
+class DeviceTables {
+ public:
+  /// Copies what never changes.
+  explicit DeviceTables(const Tables& tables) : patches_(views_of(tables)) {
+    const CellTable& c = tables.cells;
+    max_node_.take(c.max_node);
+    reciprocal_area_.take(c.reciprocal_area);
+    char_length_.take(c.char_length);
+    manning_.take(c.manning);
+    rock_.take(c.rock);
+    soil_.take(c.soil);
+    const Patches& p = tables.patches;
+    patch_views_.take(patches_);
+    outer_slots_.take(p.outer_slots);
+    for (std::size_t k = 0; k < 3; ++k) slots_[k].take(p.slots[k]);
+    edges_.take(p.edges);
+    cut_edges_.take(p.cut_edges);
+    edge_number_.take(p.edge_number);
+    cut_edge_number_.take(p.cut_edge_number);
+    soils_.take(tables.soils);
+    for_each_outer_column(tables.outer,
+                          [](Numbers& own, const Column& of_host) { own.resize(of_host.size()); });
+  }
+
+  const std::vector<PatchView>& patches() const { return patches_; }
+
+  // What changes, in whole columns. The host may have changed all of it between two steps.
+  void take_state(const Tables& tables) {
+    for_each_column(tables.cells, [](Numbers& own, const Column& of_host) { own.take(of_host); });
+    rain_.take(tables.cells.rain);
+    boundaries_.take(tables.boundaries);
+    if (tables.maxima) {
+      for_each_maximum(*tables.maxima,
+                       [](Numbers& own, const Column& of_host) { own.take(of_host); });
+    }
+  }
+  void give_state(Tables& tables) {
+    const auto give = [](const Numbers& own, Column& of_host) { own.give(of_host); };
+    for_each_column(tables.cells, give);
+    for_each_outer_column(tables.outer, give);
+    give_maxima(tables);
+  }
+  void give_maxima(Tables& tables) {
+    if (!tables.maxima) return;
+    for_each_maximum(*tables.maxima,
+                     [](const Numbers& own, Column& of_host) { own.give(of_host); });
+    tables.maxima->forget_hints();
+  }
+
+  TableView view() {
+    return {.cells = cells(),
+            .patches = patch_views_.data(),
+            .outer_slots = outer_slots_.data(),
+            .edges = edges_.columns(),
+            .cut_edges = cut_edges_.columns(),
+            .edge_number = edge_number_.data(),
+            .cut_edge_number = cut_edge_number_.data(),
+            .cut_edge_count = static_cast<int>(cut_edges_.left.size()),
+            .boundaries = boundaries_.data(),
+            .outer = {outer_.mass.data(), outer_.momentum_x.data(), outer_.momentum_y.data(),
+                      outer_.bed.data()},
+            .soils = soils_.data(),
+            .maxima = {.depth = maxima_.depth.data(),
+                       .time_of_depth = maxima_.time_of_depth.data(),
+                       .level = maxima_.level.data(),
+                       .speed_squared = maxima_.speed_squared.data(),
+                       .discharge_squared = maxima_.discharge_squared.data(),
+                       .arrival = maxima_.arrival.data(),
+                       .under_water_since = maxima_.under_water_since.data(),
+                       .time_under_water = maxima_.time_under_water.data()}};
+  }
+
+ private:
+  template <class Value>
+  using Array = typename Machine::template Array<Value>;
+  using Numbers = Array<double>;
+
+  template <class Index>
+  struct Edges {
+    Array<Index> left, right;
+    Numbers nx, ny, length;
+
+    void take(const EdgeTable<Index>& edges) {
+      left.take(edges.left);
+      right.take(edges.right);
+      nx.take(edges.nx);
+      ny.take(edges.ny);
+      length.take(edges.length);
+    }
+    kernels::EdgeColumns<Index> columns() const {
+      return {left.data(), right.data(), nx.data(), ny.data(), length.data()};
+    }
+  };
+  struct OuterSlots {
+    Numbers mass, momentum_x, momentum_y, bed;
+  };
+  /// See MaximaTable.
+  struct Maxima {
+    Numbers depth, time_of_depth, level, speed_squared, discharge_squared;
+    Numbers arrival, under_water_since, time_under_water;
+  };
+
+  static std::vector<PatchView> views_of(const Tables& tables) {
+    std::vector<PatchView> views;
+    for (std::size_t p = 0; p < tables.patches.patches.size(); ++p) {
+      const Patch& patch = tables.patches.patches[p];
+      const bool has_soil = !tables.soils_of_patch.empty() && !tables.soils_of_patch[p].empty();
+      views.push_back({.first_cell = patch.cells.begin,
+                       .cells = patch.cells.size(),
+                       .first_edge = patch.edges.begin,
+                       .edges = patch.edges.size(),
+                       .first_cut_edge = patch.cut_edges.begin,
+                       .cut_edges = patch.cut_edges.size(),
+                       .first_boundary = patch.boundaries.begin,
+                       .boundaries = patch.boundaries.size(),
+                       .first_outer_slot = patch.outer_slots.begin,
+                       .outer_slots = patch.outer_slots.size(),
+                       .right_slots = patch.right_slots(),
+                       .has_soil = has_soil});
+    }
+    return views;
+  }
+
+  /// Calls visit(a column here, that of the host) for what a step changes of the cells, and the
+  /// free surface, which is given only at first.
+  template <class Cells, class Visit>
+  void for_each_column(Cells& c, const Visit& visit) {
+    visit(h_, c.h);
+    visit(qx_, c.qx);
+    visit(qy_, c.qy);
+    visit(eta_, c.eta);
+    visit(max_h_, c.max_h);
+    visit(bed_, c.bed);
+    visit(infiltrated_, c.infiltrated);
+    visit(hs_, c.hs);
+    visit(qsx_, c.qsx);
+    visit(qsy_, c.qsy);
+    visit(dqs_dh_, c.dqs_dh);
+  }
+  template <class OfHost, class Visit>
+  void for_each_outer_column(OfHost& of_host, const Visit& visit) {
+    visit(outer_.mass, of_host.mass);
+    visit(outer_.momentum_x, of_host.momentum_x);
+    visit(outer_.momentum_y, of_host.momentum_y);
+    visit(outer_.bed, of_host.bed);
+  }
+  template <class OfHost, class Visit>
+  void for_each_maximum(OfHost& of_host, const Visit& visit) {
+    visit(maxima_.depth, of_host.depth);
+    visit(maxima_.time_of_depth, of_host.time_of_depth);
+    visit(maxima_.level, of_host.level);
+    visit(maxima_.speed_squared, of_host.speed_squared);
+    visit(maxima_.discharge_squared, of_host.discharge_squared);
+    visit(maxima_.arrival, of_host.arrival);
+    visit(maxima_.under_water_since, of_host.under_water_since);
+    visit(maxima_.time_under_water, of_host.time_under_water);
+  }
+
+  kernels::CellColumns cells() {
+    return {.h = h_.data(),
+            .qx = qx_.data(),
+            .qy = qy_.data(),
+            .reciprocal = nullptr,
+            .celerity = nullptr,
+            .bed = bed_.data(),
+            .eta = eta_.data(),
+            .max_h = max_h_.data(),
+            .max_node = max_node_.data(),
+            .reciprocal_area = reciprocal_area_.data(),
+            .char_length = char_length_.data(),
+            .manning = manning_.data(),
+            .infiltrated = infiltrated_.data(),
+            .rain = rain_.data(),
+            .soil = soil_.data(),
+            .hs = hs_.data(),
+            .qsx = qsx_.data(),
+            .qsy = qsy_.data(),
+            .dqs_dh = dqs_dh_.data(),
+            .rock = rock_.data(),
+            .slots = {slots_[0].data(), slots_[1].data(), slots_[2].data()}};
+  }
+
+  // See CellTable.
+  Numbers h_, qx_, qy_, eta_, max_h_, bed_, max_node_, reciprocal_area_, char_length_, manning_;
+  Numbers infiltrated_, hs_, qsx_, qsy_, dqs_dh_, rock_;
+  Array<int> rain_, soil_;
+
+  std::vector<PatchView> patches_;  ///< on the host
+  Array<PatchView> patch_views_;
+  Array<int> outer_slots_;
+  Array<kernels::Local> slots_[3];
+  Edges<kernels::Local> edges_;
+  Edges<int> cut_edges_;
+  Array<int> edge_number_, cut_edge_number_;
+  Array<kernels::BoundaryEdge> boundaries_;
+  OuterSlots outer_;
+  Array<Soil> soils_;
+  Maxima maxima_;
+};
+
+}  // namespace engine::device

@@ -1,0 +1,29 @@
+// The kernel that notes the present states of patches in what is kept of their largest flow. A
+// block to a patch.
+#pragma once
+
+#include "engine/device/TableView.hpp"
+#include "engine/device/launch.hpp"
+
+namespace engine::device {
+
+struct NoteMaxima {
+  static constexpr int phases = 1, threads = 256;
+
+  TableView tables;
+  const int* patches;  ///< of the blocks
+  kernels::MaximaValues values;
+
+  static int scratch_words() { return 0; }
+
+  template <class Scratch>
+  QM_HD void run(Phase<0>, const NoteMaxima& kernel, const Thread& thread, Scratch) {
+    const PatchView& patch = kernel.tables.patches[kernel.patches[thread.block]];
+    for (int k = thread.number; k < patch.cells; k += thread.count) {
+      kernels::note_state(kernel.tables.cells, kernel.tables.maxima, patch.first_cell + k,
+                          kernel.values);
+    }
+  }
+};
+
+}  // namespace engine::device
