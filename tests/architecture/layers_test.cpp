@@ -75,6 +75,17 @@ TEST(Layers, OneFolderKnowsMpi) {
   }
 }
 
+TEST(Layers, OneFolderKnowsCuda) {
+  const std::regex cuda("cuda_runtime|__global__|__syncthreads|__shared__");
+  int files = 0;
+  for (const fs::path& file : files_below(source)) {
+    if (!std::regex_search(without_comments(text_of(file)), cuda)) continue;
+    ++files;
+    EXPECT_EQ(fs::relative(file, source).parent_path(), fs::path("engine") / "device") << file;
+  }
+  EXPECT_GT(files, 0);
+}
+
 TEST(Layers, OnlyTheWalkOfTheObjectsKnowsTheGlobals) {
   const std::set<std::string> walk = {"globals", "model", "interfaces", "sources"};
   const std::set<std::string> flow_on_objects = {"ObjectsFlow.cpp", "StepWatch.cpp"};

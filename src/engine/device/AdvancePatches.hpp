@@ -25,7 +25,7 @@ struct PatchScratch {
 
 template <bool has_bed>
 struct AdvancePatches {
-  static constexpr int phases = 5, threads = 256;
+  static constexpr int phases = 5, threads = 256, blocks_at_once = 0;
   static constexpr int groups = 16;  ///< of threads, whose findings are united first
 
   TableView tables;
@@ -37,10 +37,11 @@ struct AdvancePatches {
   PatchScratch room;
   PatchFindings* findings;  ///< of the blocks
 
-  int scratch_words() const {
+  static int words_of(const PatchScratch& room) {
     constexpr int columns = has_bed ? 4 : 3;
     return columns * room.slots + 2 * room.cells + room.demands + room.findings.words();
   }
+  int scratch_words() const { return words_of(room); }
 
   /// 0: what follows from the states before the step.
   template <class Scratch>

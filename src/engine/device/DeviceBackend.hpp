@@ -16,6 +16,17 @@
 
 namespace engine::device {
 
+/// What the largest patch takes of its scratch, without what the threads find in it.
+inline PatchScratch room_of(const Tables& tables) {
+  PatchScratch room = {};
+  for (const Patch& patch : tables.patches.patches) {
+    room.slots = std::max(room.slots, patch.empty_slot() + 1);
+    room.cells = std::max(room.cells, patch.cells.size());
+  }
+  if (!tables.soils.empty()) room.demands = room.cells;
+  return room;
+}
+
 template <class Machine>
 class DeviceBackend : public Backend {
  public:
@@ -65,17 +76,6 @@ class DeviceBackend : public Backend {
  private:
   template <class Value>
   using Array = typename Machine::template Array<Value>;
-
-  /// Of the largest patch.
-  static PatchScratch room_of(const Tables& tables) {
-    PatchScratch room = {};
-    for (const Patch& patch : tables.patches.patches) {
-      room.slots = std::max(room.slots, patch.empty_slot() + 1);
-      room.cells = std::max(room.cells, patch.cells.size());
-    }
-    if (!tables.soils.empty()) room.demands = room.cells;
-    return room;
-  }
 
   kernels::MaximaValues maxima_values() const {
     if (!tables_.maxima) return {};

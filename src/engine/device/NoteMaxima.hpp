@@ -8,7 +8,7 @@
 namespace engine::device {
 
 struct NoteMaxima {
-  static constexpr int phases = 1, threads = 256;
+  static constexpr int phases = 1, threads = 256, blocks_at_once = 0;
 
   TableView tables;
   const int* patches;  ///< of the blocks

@@ -11,6 +11,7 @@ template <bool has_bed>
 struct OuterFluxes {
   static constexpr int phases = has_bed ? 2 : 1;
   static constexpr int threads = 64;
+  static constexpr int blocks_at_once = has_bed ? 8 : 12;
 
   TableView tables;
   const int* patches;  ///< of the blocks

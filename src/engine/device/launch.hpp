@@ -4,6 +4,8 @@
 //
 // A kernel is a value with
 //   static constexpr int phases, threads;  threads of a block
+//   static constexpr int blocks_at_once;   of a multiprocessor: there are registers for so many; 0:
+//                                          for as many as the compiler thinks best
 //   int scratch_words() const;             of a block
 //   template <class Scratch>               of each phase, from 0 on; Scratch is indexed as a
 //   double* QM_HD void run(Phase<0>, const Kernel&, const Thread&, Scratch);

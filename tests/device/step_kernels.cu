@@ -1,0 +1,15 @@
+// The kernels of a step as a card runs them.
+#include "engine/device/AdvancePatches.hpp"
+#include "engine/device/NoteMaxima.hpp"
+#include "engine/device/OuterFluxes.hpp"
+#include "engine/device/card_launch.hpp"
+
+namespace engine::device {
+
+template __global__ void run_on_card(const OuterFluxes<false>, int);
+template __global__ void run_on_card(const OuterFluxes<true>, int);
+template __global__ void run_on_card(const AdvancePatches<false>, int);
+template __global__ void run_on_card(const AdvancePatches<true>, int);
+template __global__ void run_on_card(const NoteMaxima, int);
+
+}  // namespace engine::device

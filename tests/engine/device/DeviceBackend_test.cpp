@@ -1,0 +1,92 @@
+// The tables on a device: their size, and what the host changes between steps.
+#include "engine/device/DeviceBackend.hpp"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "engine/Engine.hpp"
+#include "engine/device/make_device_backend.hpp"
+#include "support/TriangleGrid.hpp"
+
+namespace {
+
+using engine::Device;
+using engine::Engine;
+
+/// Triangles with friction and open boundaries, wet in the west.
+cases::Case valley(int nx, int ny) {
+  support::TriangleGrid grid{.nx = nx, .ny = ny, .seed = 3};
+  grid.level = [nx](double x, double) { return x < 0.4 * nx ? 1.0 : -1.0; };
+  grid.west = {edge_code::discharge, -0.5};
+  grid.east = {edge_code::transmissive};
+  grid.zero_depth = 1e-3;
+  cases::Case contents = grid.make();
+  contents.scheme = cases::Scheme::lhllc;
+  contents.fields.manning.assign(static_cast<std::size_t>(contents.mesh.n_cells()), 0.03);
+  return contents;
+}
+
+void expect_same(const engine::State& a, const engine::State& b) {
+  for (const engine::StateColumn column : engine::columns_of_flow) {
+    const std::vector<double>&x = a.*column, &y = b.*column;
+    ASSERT_EQ(x.size(), y.size());
+    EXPECT_TRUE(x.empty() || std::memcmp(x.data(), y.data(), x.size() * sizeof(double)) == 0);
+  }
+}
+
+}  // namespace
+
+TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
+  using engine::device::AdvancePatches;
+  constexpr int bytes_of_multiprocessor = 228 * 1024, bytes_of_every_block = 1024;
+  const Engine engine(valley(100, 100), 1, 0, {.device = Device::emulated});
+  ASSERT_GT(engine.tables().patches.patches.size(), 20U);
+  engine::device::PatchScratch room = engine::device::room_of(engine.tables());
+  ASSERT_EQ(room.cells, engine::device::cells_per_patch);
+  const auto most_blocks = [&](int words) {
+    const int bytes = words * static_cast<int>(sizeof(double)) + bytes_of_every_block;
+    return bytes_of_multiprocessor / bytes;
+  };
+  for (const bool notes : {false, true}) {
+    room.findings = {AdvancePatches<false>::threads, notes, false};
+    EXPECT_GE(most_blocks(AdvancePatches<false>::words_of(room)), 3);
+    room.findings.with_not_hyperbolic = true;
+    EXPECT_GE(most_blocks(AdvancePatches<true>::words_of(room)), 2);
+  }
+}
+
+TEST(DeviceBackend, StepsOnFromWhatTheHostChanges) {
+  const cases::Case contents = valley(24, 10);
+  Engine host(contents, 2, 64);
+  Engine device(contents, 2, 64, {.device = Device::emulated});
+  const cases::Number cells[] = {7, 90, 430, 431};
+  double t = 0.0;
+  for (int step = 0; step < 40; ++step) {
+    for (Engine* engine : {&host, &device}) {
+      const double rain[] = {1e-4, 2e-4, 1e-4, 0.0};
+      const physics::InitialWater water[] = {
+          {0.2, 0.1, 0.0}, {0.7, 0.0, 0.2}, {0.5, 0.3, 0.3}, {1.0, -0.1, 0.0}};
+      if (step == 10) engine->impose_rain(cells, rain);
+      if (step == 20) engine->set_water(cells, water);
+      if (step == 25) engine->keep_maxima(0.1);
+      if (step == 30) engine->impose_on_boundary(0, -2.0);
+    }
+    const double stable = host.stable_step(t);
+    EXPECT_EQ(device.stable_step(t), stable);
+    const engine::StepTimes times = {t, 0.0, 1e9, 0.4 * stable};
+    EXPECT_EQ(device.advance(times), host.advance(times));
+    EXPECT_EQ(device.active_patches(), host.active_patches());
+    expect_same(device.state(), host.state());
+    for (int b = 0; b < static_cast<int>(contents.mesh.boundaries.size()); ++b) {
+      EXPECT_EQ(device.boundary_inflow(b).water, host.boundary_inflow(b).water);
+    }
+    t += times.dt;
+  }
+}
+
+TEST(DeviceBackend, RefusesSchemesThatItDoesNotRun) {
+  cases::Case contents = valley(8, 8);
+  contents.scheme = cases::Scheme::hll2;
+  EXPECT_THROW(Engine(contents, 1, 0, {.device = Device::emulated}), std::runtime_error);
+}
