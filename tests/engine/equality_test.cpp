@@ -351,8 +351,8 @@ TEST_F(Equality, HoldsForEveryInstructionSetOfTheMachine) {
 TEST_F(Equality, HoldsOnADevice) {
   processor_.device = engine::Device::emulated;
   for (const int threads : {1, 3}) {
-    expect_same<SWE>({}, threads, 150);
-    expect_same<SWE_Exner>({}, threads, 150);
+    expect_same<SWE>({}, threads, 60);
+    expect_same<SWE_Exner>({}, threads, 60);
   }
   expect_same_for_every_combination_of_sources<SWE>(Water::in_the_west);
   expect_same_for_every_combination_of_sources<SWE_Exner>(Water::in_the_west);

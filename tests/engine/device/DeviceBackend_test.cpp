@@ -35,6 +35,28 @@ void expect_same(const engine::State& a, const engine::State& b) {
   }
 }
 
+/// Steps of the host and of a device side by side; change(engine, step) comes before each.
+template <class Change>
+void expect_same_steps(const cases::Case& contents, int steps, const Change& change) {
+  Engine host(contents, 2, 64);
+  Engine device(contents, 2, 64, {.device = Device::emulated});
+  double t = 0.0;
+  for (int step = 0; step < steps; ++step) {
+    change(host, step);
+    change(device, step);
+    const double stable = host.stable_step(t);
+    EXPECT_EQ(device.stable_step(t), stable);
+    const engine::StepTimes times = {t, 0.0, 1e9, 0.4 * stable};
+    EXPECT_EQ(device.advance(times), host.advance(times));
+    EXPECT_EQ(device.active_patches(), host.active_patches());
+    expect_same(device.state(), host.state());
+    for (int b = 0; b < static_cast<int>(contents.mesh.boundaries.size()); ++b) {
+      EXPECT_EQ(device.boundary_inflow(b).water, host.boundary_inflow(b).water);
+    }
+    t += times.dt;
+  }
+}
+
 }  // namespace
 
 TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
@@ -57,31 +79,36 @@ TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
 }
 
 TEST(DeviceBackend, StepsOnFromWhatTheHostChanges) {
-  const cases::Case contents = valley(24, 10);
-  Engine host(contents, 2, 64);
-  Engine device(contents, 2, 64, {.device = Device::emulated});
   const cases::Number cells[] = {7, 90, 430, 431};
-  double t = 0.0;
-  for (int step = 0; step < 40; ++step) {
-    for (Engine* engine : {&host, &device}) {
-      const double rain[] = {1e-4, 2e-4, 1e-4, 0.0};
-      const physics::InitialWater water[] = {
-          {0.2, 0.1, 0.0}, {0.7, 0.0, 0.2}, {0.5, 0.3, 0.3}, {1.0, -0.1, 0.0}};
-      if (step == 10) engine->impose_rain(cells, rain);
-      if (step == 20) engine->set_water(cells, water);
-      if (step == 25) engine->keep_maxima(0.1);
-      if (step == 30) engine->impose_on_boundary(0, -2.0);
+  const double rain[] = {1e-4, 2e-4, 1e-4, 0.0};
+  const physics::InitialWater water[] = {
+      {0.2, 0.1, 0.0}, {0.7, 0.0, 0.2}, {0.5, 0.3, 0.3}, {1.0, -0.1, 0.0}};
+  expect_same_steps(valley(60, 10), 40, [&](Engine& engine, int step) {
+    if (step == 10) engine.impose_rain(std::span(cells).first(2), std::span(rain).first(2));
+    if (step == 15) engine.impose_rain(cells, rain);
+    if (step == 20) engine.set_water(cells, water);
+    if (step == 25) engine.keep_maxima(0.1);
+    if (step == 30) engine.impose_on_boundary(0, -2.0);
+  });
+}
+
+TEST(DeviceBackend, ABoundaryConditionBetweenCellsLeavesTheRightOneWithoutAFlux) {
+  for (const bool has_sediments : {false, true}) {
+    cases::Case contents = valley(24, 10);
+    std::vector<cases::Boundary>& boundaries = contents.mesh.boundaries;
+    for (cases::Number edge = 100; edge < 600; edge += 50) {
+      if (contents.mesh.right[static_cast<std::size_t>(edge)] >= 0) {
+        boundaries.push_back({edge, edge_code::wall, 0.0, -1});
+      }
     }
-    const double stable = host.stable_step(t);
-    EXPECT_EQ(device.stable_step(t), stable);
-    const engine::StepTimes times = {t, 0.0, 1e9, 0.4 * stable};
-    EXPECT_EQ(device.advance(times), host.advance(times));
-    EXPECT_EQ(device.active_patches(), host.active_patches());
-    expect_same(device.state(), host.state());
-    for (int b = 0; b < static_cast<int>(contents.mesh.boundaries.size()); ++b) {
-      EXPECT_EQ(device.boundary_inflow(b).water, host.boundary_inflow(b).water);
+    std::sort(boundaries.begin(), boundaries.end(),
+              [](const auto& a, const auto& b) { return a.edge < b.edge; });
+    contents.has_sediments = has_sediments;
+    if (has_sediments) {
+      contents.sediment = {0.8e-3, 2.65, 0.03, 0.42};
+      contents.fields.sediment.assign(contents.fields.manning.size(), 0.05);
     }
-    t += times.dt;
+    expect_same_steps(contents, 20, [](Engine&, int) {});
   }
 }
 
