@@ -16,6 +16,7 @@
 #include "case/data_file_text.hpp"
 #include "case/read_case.hpp"
 #include "case/read_requests.hpp"
+#include "case/schemes.hpp"
 #include "case/write_case.hpp"
 #include "mesh/boundaries.hpp"
 #include "mesh/case_writer.hpp"
@@ -38,13 +39,14 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr char keys_text[] =
-    "end=TIME, interval=TIME, cfl=NUMBER, zero-depth=DEPTH, friction=NUMBER, name=TEXT, "
-    "boundary.NAME=KIND and spread.NAME=LEVEL|even, as import takes them";
+    "end=TIME, interval=TIME, cfl=NUMBER, zero-depth=DEPTH, friction=NUMBER, scheme=NAME, "
+    "name=TEXT, boundary.NAME=KIND and spread.NAME=LEVEL|even, as import takes them";
 
 /// What the command line asks for.
 struct Changes {
   std::optional<double> end, interval;  // s
   std::optional<double> courant, zero_depth, friction;
+  const cases::SchemeKind* scheme = nullptr;
   std::optional<std::string> name;
   BoundaryRequests boundaries;
 };
@@ -58,6 +60,14 @@ BoundaryRequest boundary_of_text(const std::string& text) {
   BoundaryRequest request = parse_boundary(text);
   if (!request.file.empty()) request.file = fs::absolute(request.file).string();
   return request;
+}
+
+const cases::SchemeKind* parse_scheme(const std::string& text, const std::string& name) {
+  const cases::SchemeKind* const scheme = cases::find_scheme(name);
+  if (scheme != nullptr) return scheme;
+  std::vector<std::string> names;
+  for (const cases::SchemeKind& kind : cases::schemes) names.emplace_back(kind.name);
+  refuse_change(text, "one of " + list_of_names(names));
 }
 
 void parse_change(const std::string& text, Changes& changes) {
@@ -85,6 +95,8 @@ void parse_change(const std::string& text, Changes& changes) {
     changes.zero_depth = number();
   } else if (key == "friction") {
     changes.friction = number();
+  } else if (key == "scheme") {
+    changes.scheme = parse_scheme(text, value);
   } else if (key == "name") {
     changes.name = value;
   } else if (key.starts_with(boundary)) {
@@ -123,6 +135,7 @@ class ChangedCase {
     if (changes.courant) set("CFL", *changes.courant);
     if (changes.zero_depth) set("model/zero depth value", *changes.zero_depth);
     if (changes.friction) set_friction(*changes.friction);
+    if (changes.scheme != nullptr) set_scheme(*changes.scheme);
     set_boundaries(changes.boundaries, out);
     if (changes.end || changes.interval) set_times(changes, out);
   }
@@ -156,6 +169,15 @@ class ChangedCase {
   template <class T>
   void set(const std::string& path, const T& value) {
     data_[nlohmann::ordered_json::json_pointer("/" + path)] = value;
+  }
+
+  void set_scheme(const cases::SchemeKind& scheme) {
+    if (read_.contents.has_sediments && !scheme.with_sediments) {
+      throw tools::Error(std::string("scheme=") + scheme.name +
+                         ": the model with sediments has no such scheme; expected LHLLC or " +
+                         cases::positive_scheme(true).name + ".");
+    }
+    set("model/flux scheme", scheme.name);
   }
 
   void set_friction(double value) {

@@ -43,15 +43,23 @@ TEST_F(Set, GivesTheCaseThatAnImportWithTheValuesGives) {
   folder.write("flood.csv", "t [min], Q [m3/s]\n0, -1\n2, -2\n");
   const std::string out =
       set_well({"boundary.west=hydrograph:flood.csv", "boundary.east=transmissive", "end=2min",
-                "interval=20", "friction=0.05", "cfl=0.8", "name=Another flood"});
+                "interval=20", "friction=0.05", "cfl=0.8", "scheme=HLL1", "name=Another flood"});
   EXPECT_TRUE(
       contains(out, "west        hydrograph                   3           3 m  -1 m3/s (in)"))
       << out;
   const auto changed = files();
   const auto document = data();
-  import_well({"--level", "0.8", "--friction", "0.05", "--boundary", "west=hydrograph:flood.csv",
-               "--boundary", "east=transmissive", "--end", "120", "--interval", "20", "--section",
-               "gate", "--cfl", "0.8", "--name", "Another flood", "--overwrite"});
+  import_well({"--level",    "0.8",
+               "--friction", "0.05",
+               "--boundary", "west=hydrograph:flood.csv",
+               "--boundary", "east=transmissive",
+               "--end",      "120",
+               "--interval", "20",
+               "--section",  "gate",
+               "--cfl",      "0.8",
+               "--scheme",   "HLL1",
+               "--name",     "Another flood",
+               "--overwrite"});
   EXPECT_EQ(data(), document);
   auto expected = files();
   for (const auto& [name, text] : expected) {
@@ -88,6 +96,17 @@ TEST_F(Set, GivesFrictionToASmoothBed) {
   run_case();
 }
 
+TEST_F(Set, KeepsToTheSchemesOfTheModel) {
+  import_well({"--level", "0.8", "--sediment", "0.2", "--grain-diameter", "0.001", "--friction",
+               "0.03", "--zero-depth", "0.001", "--overwrite"});
+  EXPECT_TRUE(contains(set({"scheme=HLL2"}).err,
+                       "scheme=HLL2: the model with sediments has no such "
+                       "scheme; expected LHLLC or HLL1."));
+  EXPECT_EQ(data()["model"]["flux scheme"], "LHLLC");
+  set_well({"scheme=HLL1"});
+  EXPECT_EQ(data()["model"]["flux scheme"], "HLL1");
+}
+
 TEST_F(Set, RefusesWhatItDoesNotKnowAndChangesNothing) {
   const auto before = files();
   const std::map<std::string, std::string> faults = {
@@ -95,6 +114,7 @@ TEST_F(Set, RefusesWhatItDoesNotKnowAndChangesNothing) {
       {"end", "found \"end\", expected one of"},
       {"end=never", "found \"end=never\", expected a time above 0"},
       {"cfl=-1", "expected a number above 0"},
+      {"scheme=Roe", "found \"scheme=Roe\", expected one of "},
       {"boundary.west=discharge:-1m", "expected a number after \"discharge:\""},
       {"spread.west=wet", "expected NAME=even or NAME=LEVEL"}};
   for (const auto& [text, message] : faults) {
