@@ -39,7 +39,7 @@ def text_of(page):
     with open(page, encoding="utf-8") as file:
         text = file.read().replace("\\-", "-").replace("\\ ", " ")
     text = re.sub(r"^\.nf\n.*?^\.fi\n", "", text, flags=re.DOTALL | re.MULTILINE)
-    return re.sub(r"\\f[BIRP]|quillmere-\w+ \w+ --[\w-]+", "", text)
+    return re.sub(r"\\f[BIRP]|quillmere(-\w+ \w+)? --[\w-]+", "", text)
 
 
 def options_in(page):

@@ -74,8 +74,9 @@ void add_map_options(CLI::App& command, DrawingStyle& style) {
   command.add_option("--dpi", style.dpi, "Pixels per inch")
       ->check(CLI::Range(30, 1200))
       ->capture_default_str();
-  command.add_flag("--no-gauges{false}", style.has_places,
-                   "Maps without the gauges and the sections");
+  command.add_flag_callback(
+      "--no-gauges", [&style] { style.has_places = false; },
+      "Maps without the gauges and the sections");
   add_crs_option(command, style.crs);
 }
 
