@@ -1,7 +1,7 @@
 # Completion in bash of quillmere, quillmere-mpi, quillmere-mesh and quillmere-export. Commands, options
 # and their values are those of the programs' own --help, which is asked once per shell.
 
-declare -A _quillmere_helps
+declare -gA _quillmere_helps
 
 # Puts the help of a program, or of one of its commands, into "help".
 _quillmere_ask() {

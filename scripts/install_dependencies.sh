@@ -10,7 +10,8 @@ Usage: install_dependencies.sh GROUP...
 Groups:
   build       compiler, CMake, Ninja and the JSON library
   tools       what the companion tools build on, and matplotlib for their pictures
-  test        GoogleTest, numpy, what reads exported files, schemas and packages back, and a browser for reports
+  test        GoogleTest, numpy, what reads exported files, schemas and packages back
+  browser     Chromium, to look at reports
   coverage    gcovr
   python      what the Python module is built and packaged with
   mpi         Open MPI and MPICH, for quillmere-mpi and its tests
@@ -26,7 +27,8 @@ packages_of() {
   case "$1" in
     build) echo g++ cmake ninja-build nlohmann-json3-dev ;;
     tools) echo libcli11-dev libgmsh-dev libgdal-dev libnetcdf-dev python3-matplotlib ;;
-    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal python3-jsonschema dpkg-dev file chromium ;;
+    test) echo libgtest-dev python3-numpy python3-netcdf4 python3-meshio python3-gdal python3-jsonschema dpkg-dev file ;;
+    browser) echo chromium ;;
     coverage) echo gcovr ;;
     python) echo python3-dev pybind11-dev python3-numpy python3-pip python3-setuptools python3-wheel ;;
     mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;

@@ -15,6 +15,7 @@ for option in "$@"; do
 done
 
 scripts/install_dependencies.sh build tools python test
+scripts/install_dependencies.sh browser || echo "No pictures of reports: there is no Chromium here."
 for preset in release "${sanitizers[@]}"; do
   echo "== $preset"
   cmake --preset "$preset" -DQUILLMERE_TESTS=ON >/dev/null

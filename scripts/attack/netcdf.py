@@ -17,7 +17,7 @@ class Variable:
 
 
 class Header:
-    """Throws ValueError or IndexError where the text is no whole header."""
+    """Throws ValueError or LookupError where the text is no whole header."""
 
     def __init__(self, text):
         if text[:4] != b"CDF\x02":
@@ -73,7 +73,7 @@ def damage_of_records(text, whole):
     None if nothing is. They may hold fewer records, and maxima of an earlier moment."""
     try:
         header = Header(text)
-    except (ValueError, KeyError):
+    except (ValueError, LookupError):
         return "has no whole header"
     if text[8:header.end] != whole[8:header.end]:
         return "has another header than that of the undisturbed run"

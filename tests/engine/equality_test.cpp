@@ -9,6 +9,7 @@
 #include <random>
 
 #include "case/boundary_kinds.hpp"
+#include "engine/device/make_device_backend.hpp"
 #include "engine/host/loops.hpp"
 #include "fields/ObjectsFlow.hpp"
 #include "fields/TablesFlow.hpp"
@@ -42,16 +43,18 @@ struct Sources {
 
 enum class Water { everywhere, in_the_west };
 
+constexpr int cells_per_patch = 64;  // so that a small mesh has many
+
 struct Options {
   bool friction = true, rain = true, infiltration = true;
   Water water = Water::everywhere;
   double recovery = 1e-3;  ///< of one of the soils, 1/s
   bool films = true;       ///< on cells without water
   bool watched = false;    ///< with notes for a report
+  int per_patch = cells_per_patch;
 };
 
-constexpr int cells_per_patch = 64;  // so that a small mesh has many
-constexpr double t_end = 5.0;        // s
+constexpr double t_end = 5.0;  // s
 
 class Equality : public testing::Test {
  protected:
@@ -134,7 +137,7 @@ class Equality : public testing::Test {
     const auto model = build<Model>(options);
     const cases::Case contents = support::case_of(*model);
     fields::ObjectsFlow objects(*model);
-    fields::TablesFlow tables(contents, told_, threads, cells_per_patch, processor_);
+    fields::TablesFlow tables(contents, told_, threads, options.per_patch, processor_);
     const auto& set = processor_.instruction_set;
     EXPECT_TRUE(!set || tables.execution_path().instruction_set == *set);
     tables.engine().set_state(support::state_of(*model, contents));
@@ -356,6 +359,15 @@ TEST_F(Equality, HoldsOnADevice) {
   }
   expect_same_for_every_combination_of_sources<SWE>(Water::in_the_west);
   expect_same_for_every_combination_of_sources<SWE_Exner>(Water::in_the_west);
+}
+
+TEST_F(Equality, HoldsOnADeviceWherePatchesHaveMoreCellsThanABlockHasThreads) {
+  for (const engine::Device device : {engine::Device::emulated, engine::Device::watched}) {
+    processor_.device = device;
+    const Options options{.watched = true, .per_patch = engine::device::cells_per_patch};
+    expect_same<SWE>(options, 2, 12);
+    expect_same<SWE_Exner>(options, 2, 12);
+  }
 }
 
 TEST_F(Equality, ADeviceTakesTheSameNotesAndSkipsTheSamePatches) {

@@ -14,7 +14,8 @@ FOLDER = os.environ["QUILLMERE_PROGRAMS"]
 SCRIPT = os.path.abspath("packaging/completion.bash")
 # Completes every line that it reads, as readline would ask for it, and ends each answer with an empty
 # line. One shell answers all, and asks a program for its help once.
-COMPLETE = """source "$1"
+COMPLETE = """load() { source "$1"; }  # as the completion of bash does, in a function
+load "$1"
 while IFS= read -r COMP_LINE; do
   COMP_POINT=${#COMP_LINE}
   _quillmere_complete "$2/${COMP_LINE%% *}"

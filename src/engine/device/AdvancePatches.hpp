@@ -25,6 +25,7 @@ struct PatchScratch {
 
 template <bool has_bed>
 struct AdvancePatches {
+  // With a bound on the registers the compiler spills some of them.
   static constexpr int phases = 5, threads = 256, blocks_at_once = 0;
   static constexpr int groups = 16;  ///< of threads, whose findings are united first
 
@@ -47,7 +48,7 @@ struct AdvancePatches {
   template <class Scratch>
   QM_HD void run(Phase<0>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     const PatchView& patch = patch_of(kernel, thread);
-    const Words<Scratch> words = words_of(kernel, scratch);
+    const Words<Scratch> words = parts_of(kernel, scratch);
     const auto cells = cells_of(kernel, patch, words);
     for (int k = thread.number; k < patch.cells; k += thread.count) {
       const int i = patch.first_cell + k;
@@ -63,7 +64,7 @@ struct AdvancePatches {
   template <class Scratch>
   QM_HD void run(Phase<1>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     const PatchView& patch = patch_of(kernel, thread);
-    const Words<Scratch> words = words_of(kernel, scratch);
+    const Words<Scratch> words = parts_of(kernel, scratch);
     const EdgeFound first = kernel.tables.cells.eta != nullptr
                                 ? over_edges<true>(kernel, patch, words, thread)
                                 : over_edges<false>(kernel, patch, words, thread);
@@ -75,7 +76,7 @@ struct AdvancePatches {
   template <class Scratch>
   QM_HD void run(Phase<2>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     const PatchView& patch = patch_of(kernel, thread);
-    const Words<Scratch> words = words_of(kernel, scratch);
+    const Words<Scratch> words = parts_of(kernel, scratch);
     PatchFindings own;
     for (int k = thread.number; k < patch.cells; k += thread.count) {
       own = united(own, advance_cell(kernel, patch, words, patch.first_cell + k));
@@ -88,7 +89,7 @@ struct AdvancePatches {
   QM_HD void run(Phase<3>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     if (thread.number >= groups) return;
     const FindingsInScratch& layout = kernel.room.findings;
-    const Scratch words = words_of(kernel, scratch).findings;
+    const Scratch words = parts_of(kernel, scratch).findings;
     const PatchFindings of_group =
         FindingsInScratch::of_threads(layout, words, thread.number, thread.count, groups);
     FindingsInScratch::store_cells(layout, words, thread.number, of_group);
@@ -98,7 +99,7 @@ struct AdvancePatches {
   QM_HD void run(Phase<4>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     if (thread.number > 0) return;
     kernel.findings[thread.block] = FindingsInScratch::of_threads(
-        kernel.room.findings, words_of(kernel, scratch).findings, 0, groups, 1);
+        kernel.room.findings, parts_of(kernel, scratch).findings, 0, groups, 1);
   }
 
  private:
@@ -110,7 +111,7 @@ struct AdvancePatches {
   };
 
   template <class Scratch>
-  QM_HD Words<Scratch> words_of(const AdvancePatches& kernel, Scratch scratch) {
+  QM_HD Words<Scratch> parts_of(const AdvancePatches& kernel, Scratch scratch) {
     const PatchScratch& room = kernel.room;
     const Scratch terms = scratch + (has_bed ? 4 : 3) * room.slots;
     return {{scratch, scratch + room.slots, scratch + 2 * room.slots, bed_slots(room, scratch)},

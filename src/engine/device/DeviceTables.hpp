@@ -15,7 +15,7 @@ template <class Machine>
 class DeviceTables {
  public:
   /// Copies what never changes.
-  explicit DeviceTables(const Tables& tables) : patches_(views_of(tables)) {
+  explicit DeviceTables(const Tables& tables) {
     const CellTable& c = tables.cells;
     max_node_.take(c.max_node);
     reciprocal_area_.take(c.reciprocal_area);
@@ -24,7 +24,7 @@ class DeviceTables {
     rock_.take(c.rock);
     soil_.take(c.soil);
     const Patches& p = tables.patches;
-    patch_views_.take(patches_);
+    patch_views_.take(views_of(tables));
     outer_slots_.take(p.outer_slots);
     for (std::size_t k = 0; k < 3; ++k) slots_[k].take(p.slots[k]);
     edges_.take(p.edges);
@@ -33,10 +33,8 @@ class DeviceTables {
     cut_edge_number_.take(p.cut_edge_number);
     soils_.take(tables.soils);
     for_each_outer_column(tables.outer,
-                          [](Numbers& own, const Column& of_host) { own.resize(of_host.size()); });
+                          [](Numbers& own, const Column& of_host) { own.take(of_host); });
   }
-
-  const std::vector<PatchView>& patches() const { return patches_; }
 
   // What changes, in whole columns. The host may have changed all of it between two steps.
   void take_state(const Tables& tables) {
@@ -199,7 +197,6 @@ class DeviceTables {
   Numbers infiltrated_, hs_, qsx_, qsy_, dqs_dh_, rock_;
   Array<int> rain_, soil_;
 
-  std::vector<PatchView> patches_;  ///< on the host
   Array<PatchView> patch_views_;
   Array<int> outer_slots_;
   Array<kernels::Local> slots_[3];

@@ -2,6 +2,8 @@
 // the threads of a block look for it: each among its own edges.
 #pragma once
 
+#include <cmath>
+
 #include "engine/device/TableView.hpp"
 
 namespace engine::device {

@@ -7,8 +7,9 @@
 //   static constexpr int blocks_at_once;   of a multiprocessor: there are registers for so many; 0:
 //                                          for as many as the compiler thinks best
 //   int scratch_words() const;             of a block
-//   template <class Scratch>               of each phase, from 0 on; Scratch is indexed as a
-//   double* QM_HD void run(Phase<0>, const Kernel&, const Thread&, Scratch);
+//   template <class Scratch>               of each phase, from 0 on
+//   QM_HD void run(Phase<0>, const Kernel&, const Thread&, Scratch);
+// where a Scratch is indexed as a double*.
 // What a thread leaves in the scratch is there for others in the phases after; so within a phase a
 // word has one writer, and no other reads it then. No barrier stands within a phase.
 #pragma once

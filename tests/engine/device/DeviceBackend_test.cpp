@@ -3,7 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
+#include <span>
 
 #include "engine/Engine.hpp"
 #include "engine/device/make_device_backend.hpp"
@@ -52,6 +54,7 @@ void expect_same_steps(const cases::Case& contents, int steps, const Change& cha
     expect_same(device.state(), host.state());
     for (int b = 0; b < static_cast<int>(contents.mesh.boundaries.size()); ++b) {
       EXPECT_EQ(device.boundary_inflow(b).water, host.boundary_inflow(b).water);
+      EXPECT_EQ(device.boundary_inflow(b).bed, host.boundary_inflow(b).bed);
     }
     t += times.dt;
   }
@@ -61,6 +64,7 @@ void expect_same_steps(const cases::Case& contents, int steps, const Change& cha
 
 TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
   using engine::device::AdvancePatches;
+  // Of compute capability 9.0 and 10.0.
   constexpr int bytes_of_multiprocessor = 228 * 1024, bytes_of_every_block = 1024;
   const Engine engine(valley(100, 100), 1, 0, {.device = Device::emulated});
   ASSERT_GT(engine.tables().patches.patches.size(), 20U);
@@ -83,12 +87,23 @@ TEST(DeviceBackend, StepsOnFromWhatTheHostChanges) {
   const double rain[] = {1e-4, 2e-4, 1e-4, 0.0};
   const physics::InitialWater water[] = {
       {0.2, 0.1, 0.0}, {0.7, 0.0, 0.2}, {0.5, 0.3, 0.3}, {1.0, -0.1, 0.0}};
-  expect_same_steps(valley(60, 10), 40, [&](Engine& engine, int step) {
+  const cases::Case contents = valley(60, 10);
+  int inlet = 0;
+  const auto& boundaries = contents.mesh.boundaries;
+  while (boundaries.at(static_cast<std::size_t>(inlet)).code != edge_code::discharge) ++inlet;
+  double before = 0.0;
+  expect_same_steps(contents, 40, [&](Engine& engine, int step) {
     if (step == 10) engine.impose_rain(std::span(cells).first(2), std::span(rain).first(2));
     if (step == 15) engine.impose_rain(cells, rain);
     if (step == 20) engine.set_water(cells, water);
     if (step == 25) engine.keep_maxima(0.1);
-    if (step == 30) engine.impose_on_boundary(0, -2.0);
+    if (step == 30) {
+      before = engine.boundary_inflow(inlet).water;
+      engine.impose_on_boundary(inlet, -2.0);
+    }
+    if (step == 31) {
+      EXPECT_NE(engine.boundary_inflow(inlet).water, before);
+    }
   });
 }
 

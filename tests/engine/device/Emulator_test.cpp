@@ -121,7 +121,12 @@ TEST(Emulator, RunsEveryThreadOfEveryPhaseOfEveryBlock) {
 TEST(Emulator, LaunchesNothingWithoutBlocks) {
   ThreadTeam team(1);
   Emulator device(team);
-  device.launch(Sums{nullptr, nullptr}, 0);
+  Emulator::Array<double> sums;
+  sums.take(std::vector<double>{7.0});
+  device.launch(Sums{nullptr, sums.data()}, 0);
+  std::vector<double> kept(1);
+  sums.give(kept);
+  EXPECT_EQ(kept, std::vector<double>{7.0});
 }
 
 TEST(Emulator, FindsMisuseOfTheScratch) {
