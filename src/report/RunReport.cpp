@@ -268,6 +268,12 @@ json RunReport::execution() const {
 }
 
 json RunReport::steps() const {
+  json begins = json::array(), smallest = json::array(), largest = json::array();
+  for (const StepCourse::Span& span : history_.course().spans()) {
+    begins.push_back(span.begin);
+    smallest.push_back(span.smallest);
+    largest.push_back(span.largest);
+  }
   json often = json::array();
   for (const StepHistory::CellCount& count : history_.most_frequent()) {
     often.push_back({{"steps", count.steps}});
@@ -280,7 +286,8 @@ json RunReport::steps() const {
           {"last_s", history_.newest()},
           {"smallest", step_json(history_.smallest())},
           {"set_by_dry_cells", history_.set_by_dry_cells()},
-          {"set_most_often_by", often}};
+          {"set_most_often_by", often},
+          {"course", {{"from_s", begins}, {"smallest_s", smallest}, {"largest_s", largest}}}};
 }
 
 json RunReport::velocity() const {

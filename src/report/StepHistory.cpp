@@ -7,6 +7,7 @@ void StepHistory::add(const StepRecord& step) {
   if (count_ == 0 || step.dt < smallest_.dt) smallest_ = step;
   largest_ = std::max(largest_, step.dt);
   sum_ += step.dt;
+  course_.add(step.t, step.dt);
   if (step.cell >= 0) {
     ++set_by_[step.cell];
   } else {

@@ -1,4 +1,5 @@
-// The steps of a run: how many, the smallest, the cells that set most of them, and the last ones.
+// The steps of a run: how many, the smallest, their course, the cells that set most of them, and
+// the last ones.
 #pragma once
 
 #include <array>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "fields/Flow.hpp"
+#include "report/StepCourse.hpp"
 
 /// A step, and the state that set it.
 struct StepRecord {
@@ -40,6 +42,7 @@ class StepHistory {
   double largest() const { return largest_; }  ///< s
   double newest() const;                       ///< s
   double mean() const;                         ///< s
+  const StepCourse& course() const { return course_; }
   /// The cells that set most steps, most often first.
   std::vector<CellCount> most_frequent() const;
   /// The last steps, the newest at the end.
@@ -47,8 +50,8 @@ class StepHistory {
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.last_, self.count_, self.set_by_dry_cells_, self.smallest_, self.largest_,
-          self.sum_);
+    visit(self.last_, self.count_, self.set_by_dry_cells_, self.smallest_, self.largest_, self.sum_,
+          self.course_);
     std::vector<std::pair<int, long>> set_by(self.set_by_.begin(), self.set_by_.end());
     visit(set_by);
     if constexpr (!std::is_const_v<Self>) self.set_by_ = {set_by.begin(), set_by.end()};
@@ -59,6 +62,7 @@ class StepHistory {
   long count_ = 0;
   long set_by_dry_cells_ = 0;
   StepRecord smallest_{};
-  double largest_ = 0.0, sum_ = 0.0;      ///< s
+  double largest_ = 0.0, sum_ = 0.0;  ///< s
+  StepCourse course_;
   std::unordered_map<int, long> set_by_;  ///< steps by cell
 };

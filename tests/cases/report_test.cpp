@@ -100,6 +100,12 @@ TEST_F(Report, SaysHowTheRunWentAndEnded) {
       EXPECT_NEAR(all["steps"][step], step_at_rest(), 1e-14);
     }
     EXPECT_NEAR(all["steps"]["smallest"]["step_s"], step_at_rest(), 1e-14);
+    const json& course = all["steps"]["course"];
+    ASSERT_EQ(course["from_s"].size(), all["steps"]["set"].get<std::size_t>());
+    EXPECT_EQ(course["from_s"][0], 0.0);
+    EXPECT_NEAR(course["from_s"][1], step_at_rest(), 1e-14);
+    EXPECT_EQ(course["smallest_s"], course["largest_s"]);
+    EXPECT_NEAR(course["largest_s"][1], step_at_rest(), 1e-14);
     double total = 0.0;
     for (const char* const phase : {"set_up_s", "steps_s", "outputs_s"}) {
       EXPECT_GE(all["wall_time"][phase].get<double>(), 0.0);
