@@ -71,6 +71,17 @@ def draw_rain(hyetograms, model, picture):
     save(figure, picture, DPI)
 
 
+def draw_course(begins, smallest, largest, end, picture):
+    """Between which steps a run went, span by span, up to an end (s)."""
+    edges, label = time_axis(np.array([*begins, end]))
+    figure, axes = new_diagram()
+    axes.stairs(largest, edges, baseline=smallest, fill=True, color=CURVE_COLOURS[0], alpha=0.35)
+    axes.stairs(smallest, edges, baseline=None, color=CURVE_COLOURS[0], linewidth=1.2)
+    axes.set(xlabel=label, ylabel="time step (s)", yscale="log")
+    axes.margins(x=0)
+    save(figure, picture, DPI)
+
+
 def draw_last_steps(times, steps, picture):
     """The steps before a run failed."""
     figure, axes = new_diagram()

@@ -16,6 +16,13 @@ def find_number(document, path):
     return value if is_number(value) else None
 
 
+def find_numbers(document, path):
+    """The numbers of a list; none of them where it holds anything else."""
+    value = find(document, path)
+    is_list = isinstance(value, list) and all(is_number(part) for part in value)
+    return value if is_list else []
+
+
 def find_list(document, path):
     """The objects of a list; none of them where there is no list."""
     value = find(document, path)

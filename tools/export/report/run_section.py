@@ -1,6 +1,6 @@
 """The run: how it ended, its steps, its books, and what has to be known about it."""
-from report.diagrams import draw_last_steps, draw_shares
-from report.found import find, find_list, find_number, find_objects
+from report.diagrams import draw_course, draw_last_steps, draw_shares
+from report.found import find, find_list, find_number, find_numbers, find_objects
 from report.html import (count, duration, escape, facts, figure, heading, is_number, number,
                          paragraph, section, table)
 
@@ -114,7 +114,23 @@ def steps(run, job):
                 value += f", set by {escape(find(run, 'steps/smallest/set_by'))}"
         rows.append((title, value))
     rows.append(("Set by dry cells", count(find_number(run, "steps/set_by_dry_cells"))))
-    return facts(rows) + limiting_cells(run, job) + last_steps(run)
+    return facts(rows) + course_of_steps(run) + limiting_cells(run, job) + last_steps(run)
+
+
+def course_of_steps(run):
+    """The time step over the run."""
+    begins, smallest, largest = (find_numbers(run, f"steps/course/{name}")
+                                 for name in ("from_s", "smallest_s", "largest_s"))
+    end = find_number(run, "time/reached_s")
+    if not begins or end is None or not len(begins) == len(smallest) == len(largest):
+        return ""
+    begins = [time for time in begins if time < end]  # a step that was not computed begins there
+    kept = len(begins)
+    if kept == 0 or sorted(set(begins)) != begins or min(smallest[:kept]) <= 0.0:
+        return ""
+    draw_course(begins, smallest[:kept], largest[:kept], end, "course.svg")
+    return figure("course.svg", "The time step over the run: from the smallest to the largest of "
+                                "consecutive steps")
 
 
 def limiting_cells(run, job):
