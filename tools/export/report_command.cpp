@@ -16,6 +16,12 @@ using nlohmann::json;
 
 constexpr char page[] = "report.html";
 
+/// A member of a part of a document; null where there is none.
+json member_of(const json& document, const char* part, const std::string& name) {
+  const auto found = document.find(part);
+  return found != document.end() && found->is_object() ? found->value(name, json()) : json();
+}
+
 /// Collects what the page shows.
 class Report {
  public:
@@ -98,11 +104,14 @@ class Report {
         (std::filesystem::path(results_.files.folder) / "report.json").string();
     std::error_code ignored;
     if (!std::filesystem::exists(usual, ignored)) return;
-    if (results_.log.is_earlier(usual)) {
-      report()["missing"]["run"] = usual + " is of an earlier run.";
-      return;
-    }
-    try_part("run", [&] { report()["run"] = read_run(usual); });
+    try_part("run", [&] {
+      if (results_.log.is_earlier_report(usual)) {
+        throw tools::Error(usual + " is of an earlier run.");
+      }
+      const json run = read_run(usual);
+      expect_times_of_case(run, usual);
+      report()["run"] = run;
+    });
   }
   json read_run(const std::string& file) const {
     const json run = json::parse(tools::read_file(file), nullptr, false);
@@ -111,12 +120,24 @@ class Report {
                          ": found no report of a run, expected what the simulator writes "
                          "by --report.");
     }
-    const json cells = run.value("/execution/cells"_json_pointer, json());
+    const json cells = member_of(run, "execution", "cells");
     if (!cells.is_null() && cells != results_.mesh.n_cells()) {
       throw tools::Error(file + " is of a run with " + cells.dump() + " cells, expected " +
                          std::to_string(results_.mesh.n_cells()) + ".");
     }
     return run;
+  }
+
+  /// Refuses the report of a run before the case got another start or end.
+  void expect_times_of_case(const json& run, const std::string& file) {
+    const json& model = report()["case"]["model"];
+    for (const auto& [name, of_case] :
+         {std::pair{"start", model["t_start"]}, std::pair{"end", model["t_end"]}}) {
+      const json time = member_of(run, "time", name + std::string("_s"));
+      if (!time.is_number() || time == of_case) continue;
+      throw tools::Error(file + " is of an earlier run, whose " + name + " is at " + time.dump() +
+                         " s: that of the case is at " + of_case.dump() + " s.");
+    }
   }
 
   const CaseResults& results_;

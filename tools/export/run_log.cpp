@@ -26,6 +26,14 @@ bool is_of_run(std::string_view log, const std::string& name) {
   return log.find("Name of the simulation:\n" + name + "\n") != std::string_view::npos;
 }
 
+/// Whether a file was written more than a span of time before a moment, where that is known.
+bool is_before(const std::string& file, const std::optional<fs::file_time_type>& moment,
+               fs::file_time_type::duration span) {
+  std::error_code error;
+  const fs::file_time_type written = fs::last_write_time(file, error);
+  return moment && !error && written < *moment - span;
+}
+
 }  // namespace
 
 RunLog::RunLog(const CaseFiles& files) : name_((fs::path(files.folder) / "log.txt").string()) {
@@ -36,6 +44,7 @@ RunLog::RunLog(const CaseFiles& files) : name_((fs::path(files.folder) / "log.tx
   text_ = log;
   const fs::file_time_type last_line = fs::last_write_time(name_, error);
   if (error) return;
+  last_line_ = last_line;
 
   const std::optional<double> stopped = number_behind(log, "Simulation stopped at t = ");
   const std::optional<double> interrupted = number_behind(log, "Simulation interrupted at t = ");
@@ -52,14 +61,7 @@ RunLog::RunLog(const CaseFiles& files) : name_((fs::path(files.folder) / "log.tx
   }  // a complete run has written every result
 }
 
-/// Whether a result was written more than a span of time before the run began.
-bool RunLog::is_before(const std::string& result, fs::file_time_type::duration span) const {
-  std::error_code error;
-  const fs::file_time_type written = fs::last_write_time(result, error);
-  return begin_ && !error && written < *begin_ - span;
-}
-
-bool RunLog::is_earlier(const std::string& result) const { return is_before(result, {}); }
+bool RunLog::is_earlier(const std::string& result) const { return is_before(result, begin_, {}); }
 
 bool RunLog::is_earlier(const std::string& snapshot, double time) const {
   constexpr double rounding = 1e-5;  // of the six digits of the log
@@ -67,9 +69,15 @@ bool RunLog::is_earlier(const std::string& snapshot, double time) const {
   return is_beyond || is_earlier(snapshot);
 }
 
+bool RunLog::is_earlier_report(const std::string& report) const {
+  // The files of a copied case have the times of the copy, in any order.
+  constexpr std::chrono::seconds of_a_copy{2};
+  return is_before(report, last_line_, of_a_copy) || is_earlier(report);
+}
+
 void RunLog::expect_of_run(const std::string& table) const {
   // A run begins its tables during the set-up, a moment before the last line of that in the log.
-  if (!is_before(table, std::chrono::seconds(1))) return;
+  if (!is_before(table, begin_, std::chrono::seconds(1))) return;
   throw tools::Error("The file " + table + " is older than " + name_ +
                      ": it is of an earlier run. Let the last one go on to its end.");
 }

@@ -23,15 +23,16 @@ class RunLog {
   bool is_earlier(const std::string& result) const;
   /// The same of a snapshot for a time (s), which may lie beyond what the run reached.
   bool is_earlier(const std::string& snapshot, double time) const;
+  /// Whether the report of a run is of an earlier one: every run writes it when its log has ended.
+  bool is_earlier_report(const std::string& report) const;
   /// Refuses a table of gauges or sections of an earlier run.
   void expect_of_run(const std::string& table) const;
 
  private:
-  bool is_before(const std::string& result, std::filesystem::file_time_type::duration span) const;
-
   std::string name_, text_;
-  std::optional<std::filesystem::file_time_type> begin_;  ///< nothing of the run is older
-  std::optional<double> reached_;                         ///< where the run ended early, s
+  std::optional<std::filesystem::file_time_type> last_line_;  ///< when it was written
+  std::optional<std::filesystem::file_time_type> begin_;      ///< nothing of the run is older
+  std::optional<double> reached_;                             ///< where the run ended early, s
 };
 
 }  // namespace exports

@@ -1,4 +1,5 @@
 // Reports: one HTML file, as an HTML parser and a browser see it.
+#include <chrono>
 #include <filesystem>
 
 #include "tools/export/ExportTest.hpp"
@@ -149,8 +150,9 @@ TEST_F(Report, TellsWhatARunHasToTell) {
 
 TEST_F(Report, PartsOfARunReportMayBeMissingOrStrange) {
   simulate(flood_case());
-  folder.write("report.json",
-               R"({"outcome": 3, "steps": [1, {"x": null}], "water": {"boundaries": 5,
+  folder.write(
+      "report.json",
+      R"({"outcome": 3, "steps": [1, {"x": null}], "execution": [1], "water": {"boundaries": 5,
       "initial_m3": "much"}, "time": null, "velocity": {"largest": {"m_per_s": 1, "cell": "<script>"}}, "failure": {"last_steps": [{}]},
       "keys": {"ignored": [3, {"key": null}]}, "not_a_number": {"cells_at_end": true}})");
   const json strange = report();
@@ -180,6 +182,29 @@ TEST_F(Report, ARunReportThatIsNoneIsToldOrRefused) {
   folder.write("other.json", R"({"outcome": {}, "execution": {"cells": 7}})");
   EXPECT_EQ(refusal("other.json"),
             "quillmere-export: other.json is of a run with 7 cells, expected 36.\n");
+}
+
+TEST_F(Report, TellsNothingOfTheBooksOfAnEarlierRun) {
+  support::Case c = flood_case();
+  simulate_with_report(c);
+  const auto written = std::filesystem::last_write_time(folder.file("report.json"));
+  std::filesystem::last_write_time(folder.file("log.txt"), written + std::chrono::minutes(1));
+  const std::string old = text_of(report());
+  expect_texts(old, {"./report.json is of an earlier run."});
+  EXPECT_FALSE(support::contains(old, "Books of the water"));
+  EXPECT_TRUE(
+      support::contains(text_of(report({"--run-report", "report.json"})), "Books of the water"))
+      << "as one that is named";
+
+  c.set_times(0.0, 1.0);
+  simulate(c);
+  const auto ended = std::filesystem::last_write_time(folder.file("log.txt"));
+  std::filesystem::last_write_time(folder.file("report.json"), ended);  // the ages tell nothing
+  const std::string other = text_of(report());
+  expect_texts(other,
+               {"./report.json is of an earlier run, whose end is at 2.5 s: that of the case "
+                "is at 1.0 s."});
+  EXPECT_FALSE(support::contains(other, "Books of the water"));
 }
 
 TEST_F(Report, StandsAmongTheExportsUnlessAskedOtherwise) {
