@@ -67,6 +67,7 @@ json rain_facts(const CaseFiles& files, const utils::DataFileReader& data) {
   json rain = json::array();
   for (const cases::Hyetogram& hyetogram :
        cases::read_rain(in_folder(files, data.get_rainfall_file()), diagnostics)) {
+    if (hyetogram.times.empty()) continue;  // no rain
     rain.push_back(
         {{"id", hyetogram.id}, {"times", hyetogram.times}, {"intensities", hyetogram.intensities}});
   }

@@ -3,9 +3,13 @@
 
 read_report.py page FILE      what an HTML parser finds: the title, the sections, the texts, which
                               elements there are, those that nobody closed, and what leads outside
+read_report.py curves FILE CAPTION   the texts of a diagram, and the corners of its curves by their
+                                     colours
 read_report.py picture FILE   size and colours of a PNG picture
 """
+import base64
 import json
+import re
 import sys
 from html.parser import HTMLParser
 
@@ -64,6 +68,31 @@ def page(path):
         "text": "\n".join(parser.texts)}))
 
 
+def curves(path, caption):
+    """In the picture's own coordinates. Its texts are drawn, with themselves as comments before."""
+    with open(path, encoding="utf-8") as file:
+        page_text = file.read()
+    source = re.search(rf'src="data:image/svg\+xml;base64,([^"]*)" alt="{caption}"', page_text)
+    text = base64.b64decode(source[1]).decode("utf-8")
+    lines = {}
+    for points, colour in re.findall(r'<path d="([^"]*)" clip-path="[^"]*" '
+                                     r'style="fill: none; stroke: (#\w{6}); stroke-width: 1.6', text):
+        lines[colour] = corners([[float(x), float(y)]
+                                 for x, y in re.findall(r"[ML] (\S+) (\S+)", points)])
+    print(json.dumps({"texts": re.findall("<!-- (.*) -->", text), "lines": lines}))
+
+
+def corners(points):
+    """The points of a line along two axes without those between two others of a straight piece."""
+    kept = []
+    for point in points:
+        if len(kept) > 1 and any(kept[-2][k] == kept[-1][k] == point[k] for k in (0, 1)):
+            kept.pop()
+        if not kept or kept[-1] != point:
+            kept.append(point)
+    return kept
+
+
 def picture(path):
     from PIL import Image
 
@@ -74,4 +103,4 @@ def picture(path):
 
 
 if __name__ == "__main__":
-    {"page": page, "picture": picture}[sys.argv[1]](sys.argv[2])
+    {"page": page, "curves": curves, "picture": picture}[sys.argv[1]](*sys.argv[2:])

@@ -1,4 +1,5 @@
 // Reports: one HTML file, as an HTML parser and a browser see it.
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 
@@ -16,12 +17,13 @@ class Report : public ExportTest {
         folder.path(), {"-f", "data.json", "-nodisplay", "--report", "report.json"});
     ASSERT_EQ(result.status, 0) << result.err;
   }
-  json read(const std::string& what, const std::string& file) {
+  json read(const std::string& what, const std::string& file, const std::string& part = {}) {
     support::RunOptions options;
     options.program = QUILLMERE_PYTHON;
-    const support::RunResult result = support::run_program(
-        folder.path(), {QUILLMERE_SOURCE_DIR "/tests/tools/export/read_report.py", what, file},
-        options);
+    std::vector<std::string> words = {QUILLMERE_SOURCE_DIR "/tests/tools/export/read_report.py",
+                                      what, file};
+    if (!part.empty()) words.push_back(part);
+    const support::RunResult result = support::run_program(folder.path(), words, options);
     EXPECT_EQ(result.status, 0) << result.err;
     return json::parse(result.out, nullptr, false);
   }
@@ -108,6 +110,43 @@ TEST_F(Report, GivesDischargesAsTotalsIntoTheMesh) {
   c.write(folder);
   const std::string text = text_of(report());
   expect_texts(text, {"0.3 m³/s in", "0.15 m³/s out", "1.25 m", "imposed water level"});
+}
+
+TEST_F(Report, DrawsTheRainOfTheRunAsTheSimulatorTakesIt) {
+  support::Case c;
+  c.set_times(0.0, 9000.0);
+  c.add_rain(
+      "4\n1 3 60\n0 1e-6\n3600 2e-6\n20000 3e-6\n2 2 60\n30 1e-6\n60 2e-6\n3 0 60\n"
+      "4 3 60\n0 1e-6\n5000 2e-6\n2000 3e-6\n",
+      c.per_cell("1"));
+  c.write(folder);
+  ASSERT_EQ(run({"report", ".", "report.html", "--dpi", "40"}).status, 0);  // warns of the rain
+  const json diagram = read("curves", "report.html", "Intensity of the rain");
+  const auto has = [&](const char* text) {
+    return std::ranges::find(diagram["texts"], json(text)) != diagram["texts"].end();
+  };
+  EXPECT_TRUE(has("time (h)"));
+  EXPECT_TRUE(has("hyetogram 1") && has("hyetogram 2") && has("hyetogram 4"));
+  EXPECT_FALSE(has("hyetogram 3")) << "which has no interval";
+
+  const json& lines = diagram["lines"];
+  ASSERT_EQ(lines.size(), 3u);
+  const json& first = lines["#0072b2"];
+  const double low = first.front()[1], middle = first.back()[1];  // 1e-6 and 2e-6 m/s
+  const double high = 2.0 * middle - low;                         // 3e-6 m/s
+  const double begin = first.front()[0], hour = (first.back()[0].get<double>() - begin) / 2.5;
+  const auto expect_line = [&](const char* colour, double change, double after) {
+    const std::vector<std::pair<double, double>> expected = {
+        {0.0, low}, {change, low}, {change, after}, {2.5, after}};
+    ASSERT_EQ(lines[colour].size(), expected.size()) << lines[colour];
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+      EXPECT_NEAR(lines[colour][i][0], begin + expected[i].first * hour, 1e-3) << lines[colour];
+      EXPECT_NEAR(lines[colour][i][1], expected[i].second, 1e-3) << lines[colour];
+    }
+  };
+  expect_line("#0072b2", 1.0, middle);            // what comes after the run is not shown
+  expect_line("#d55e00", 60.0 / 3600.0, middle);  // from the first intensity on, in the same unit
+  expect_line("#009e73", 2000.0 / 3600.0, high);  // the last that has started counts
 }
 
 TEST_F(Report, PutsTheEdgesOfANameTogether) {

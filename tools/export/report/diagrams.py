@@ -19,11 +19,8 @@ def new_diagram():
 
 def draw_imposed(boundary, series, model, picture):
     """The discharge (m³/s, positive into the mesh) or the levels of a boundary over the run."""
-    times = sorted({model["t_start"], model["t_end"]} |
-                   {time for part in boundary["parts"] if isinstance(part["imposed"], str)
-                    for time in series[part["imposed"]]["times"]
-                    if model["t_start"] < time < model["t_end"]})
-    times = np.array(times)
+    times = times_of_run([time for part in boundary["parts"] if isinstance(part["imposed"], str)
+                          for time in series[part["imposed"]]["times"]], model)
 
     def values_of(part):
         if not isinstance(part["imposed"], str):
@@ -46,6 +43,12 @@ def draw_imposed(boundary, series, model, picture):
     save(figure, picture, DPI)
 
 
+def times_of_run(times, model):
+    """Start and end of the run, and those of some times that lie between, in order and once each."""
+    ends = model["t_start"], model["t_end"]
+    return np.array(sorted({*ends, *(time for time in times if ends[0] < time < ends[1])}))
+
+
 def value_at(times, series):
     """As the simulator takes it: linear, on from the first interval before it, the last value after."""
     known, values = np.array(series["times"]), np.array(series["values"])
@@ -55,20 +58,27 @@ def value_at(times, series):
 
 
 def draw_rain(hyetograms, model, picture):
-    """Intensities, which hold from one time to the next."""
+    """Intensities over the run, which hold from one time to the next."""
     figure, axes = new_diagram()
-    label = "time (s)"
     for k, hyetogram in enumerate(hyetograms):
-        times = np.append(hyetogram["times"], max(model["t_end"], hyetogram["times"][-1]))
+        times = times_of_run(hyetogram["times"], model)
         shown, label = time_axis(times)
-        intensities = np.array(hyetogram["intensities"]) * 3.6e6
-        axes.stairs(intensities, shown, baseline=None, linewidth=1.6,
-                    color=CURVE_COLOURS[k % len(CURVE_COLOURS)],
-                    label=f"hyetogram {hyetogram['id']}")
+        axes.step(shown, intensities_at(times, hyetogram) * 3.6e6, where="post", linewidth=1.6,
+                  color=CURVE_COLOURS[k % len(CURVE_COLOURS)],
+                  label=f"hyetogram {hyetogram['id']}")
     axes.set(xlabel=label, ylabel="intensity (mm/h)", ylim=(0, None))
     axes.margins(x=0)
     axes.legend(loc="center left", bbox_to_anchor=(1, 0.5), frameon=False)
     save(figure, picture, DPI)
+
+
+def intensities_at(times, hyetogram):
+    """As the simulator takes them: of the intervals that have started, the last in the list; the first
+    of all before any."""
+    started = np.array(hyetogram["times"]) <= times[:, None]
+    started[:, 0] = True
+    last = started.shape[1] - 1 - np.argmax(started[:, ::-1], axis=1)
+    return np.array(hyetogram["intensities"])[last]
 
 
 def draw_course(begins, smallest, largest, end, picture):
