@@ -172,6 +172,8 @@ TEST_F(Report, TellsWhatARunHasToTell) {
   simulate(flood_case());
   json run = {{"outcome", {{"status", "failed"}, {"reason", "dt too <small>!"}}},
               {"time", {{"reached_s", 1.125}}},
+              {"books_since_s", 0.75},
+              {"water", {{"initial_m3", 4.5}}},
               {"below_zero", {{"cells_at_end", 12}, {"missing_m3", 3.5}, {"share", 0.25}}},
               {"not_a_number", {{"cells_at_end", 3}}},
               {"given_out_by_soils_m3", 7.25},
@@ -181,7 +183,8 @@ TEST_F(Report, TellsWhatARunHasToTell) {
                  {{{"time_s", 1.0}, {"step_s", 0.1}}, {{"time_s", 1.1}, {"step_s", 1e-7}}}}}}};
   folder.write("other.json", run.dump());
   expect_texts(text_of(report({"--run-report", "other.json"})),
-               {"Simulated\n1.125 s\n", "Failed: dt too <small>!", "The run is not complete.",
+               {"Simulated\n1.125 s\n", "At t = 0.75 s\n4.5\n", "Failed: dt too <small>!",
+                "The run is not complete.",
                 "the depth of 12 cells is below zero: 3.5 m³ are missing there, 25 %",
                 "the state of 3 cells is not a number", "Soils gave out 7.25 m³", "nmae",
                 "The last time steps before the run failed"});

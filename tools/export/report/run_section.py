@@ -168,7 +168,9 @@ def books(run, kind, title):
     if not isinstance(find(run, kind), dict):
         return ""
     volume = lambda name: number(find_number(run, f"{kind}/{name}"), digits=6)
-    rows = [("At the start", volume("initial_m3"), "–")]
+    since = find_number(run, "books_since_s")  # of a report that began after a restart
+    begin = "At the start" if since is None else f"At t = {number(since, 's')}"
+    rows = [(begin, volume("initial_m3"), "–")]
     for name, passed in find_objects(run, f"{kind}/boundaries"):
         rows.append((f"Boundaries: {escape(name.replace('_', ' '))}",
                      number(passed.get("in_m3"), digits=6), number(passed.get("out_m3"), digits=6)))
