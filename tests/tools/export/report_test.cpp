@@ -162,6 +162,25 @@ TEST_F(Report, PutsTheEdgesOfANameTogether) {
   EXPECT_FALSE(support::contains(named, "inflow.txt"));
 }
 
+TEST_F(Report, MarksBoundariesOfEveryName) {
+  support::RunOptions options;
+  options.program = QUILLMERE_PYTHON;
+  const char* const legend =
+      "import sys; sys.path.insert(0, sys.argv[1])\n"
+      "import matplotlib; matplotlib.use('Agg')\n"
+      "import matplotlib.pyplot as plt\n"
+      "from drawing.marks import draw_lines\n"
+      "axes = plt.figure().add_subplot()\n"
+      "lines = [[(0, 0), (1, 1)]]\n"
+      "draw_lines(axes, [{'label': name, 'lines': lines} for name in ('_sea', 'a $ b', '')])\n"
+      "axes.figure.canvas.draw()\n"
+      "print([text.get_text() for text in axes.get_legend().get_texts()])\n";
+  const support::RunResult result = support::run_program(
+      folder.path(), {"-B", "-c", legend, QUILLMERE_SOURCE_DIR "/tools/export"}, options);
+  EXPECT_EQ(result.out, "['_sea', 'a \\\\$ b', '']\n") << result.err;
+  EXPECT_EQ(result.err, "");
+}
+
 TEST_F(Report, OverSandShowsTheChangeOfTheBed) {
   simulate_with_report(sand_case());
   expect_texts(text_of(report()), {"Bed change at t = 0.25 s", "Books of the sediment",

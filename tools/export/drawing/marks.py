@@ -14,14 +14,17 @@ def draw_marks(axes, terrain, entry):
 
 def draw_lines(axes, kinds):
     """Lines of several kinds, of which the legend tells the labels."""
+    samples = []
     for k, kind in enumerate(kinds):
         colour = CURVE_COLOURS[(k + 1) % len(CURVE_COLOURS)]
-        label = plain_text(kind["label"]).replace("$", r"\$")
         axes.add_collection(LineCollection(kind["lines"], colors=colour, linewidths=3.5,
                                            capstyle="round", zorder=3))
-        axes.add_line(plt.Line2D([], [], color=colour, linewidth=3.5, label=label))
-    if kinds:
-        axes.legend(loc="best", fontsize=8, framealpha=0.9)
+        samples.append(plt.Line2D([], [], color=colour, linewidth=3.5))
+    if not kinds:
+        return
+    legend = axes.legend(samples, [" "] * len(samples), loc="best", fontsize=8, framealpha=0.9)
+    for text, kind in zip(legend.get_texts(), kinds):  # afterwards: a legend refuses labels like "_sea"
+        text.set_text(plain_text(kind["label"]).replace("$", r"\$"))
 
 
 def draw_points(axes, terrain, points):
