@@ -296,6 +296,7 @@ TEST_F(Report, ABrowserShowsIt) {
   report();
   support::RunOptions options;
   options.program = "/usr/bin/env";
+  options.time_limit = 240.0;  // a browser takes minutes to start on a busy machine
   const support::RunResult result = support::run_program(
       folder.path(),
       {"HOME=" + folder.path(), browser, "--headless=new", "--no-sandbox", "--disable-gpu",
@@ -303,10 +304,12 @@ TEST_F(Report, ABrowserShowsIt) {
        "--user-data-dir=" + folder.file("browser"), "--window-size=1000,1600",
        "--screenshot=" + folder.file("page.png"), "file://" + folder.file("report.html")},
       options);
+  ASSERT_FALSE(result.timed_out) << result.err;
   ASSERT_TRUE(folder.has("page.png")) << result.err;
   const json picture = read("picture", "page.png");
-  EXPECT_EQ(picture["size"], (json{1000, 1600}));
-  EXPECT_GT(picture["colours"].size(), 100u);                 // of the map of the bed
+  EXPECT_EQ(picture["size"][0], 1000);
+  EXPECT_GE(picture["size"][1], 1400);         // some browsers count their own bars to the window
+  EXPECT_GT(picture["colours"].size(), 100u);  // of the map of the bed
   EXPECT_GT(picture["colours"].value("#0b5a8a", 0), 50);      // headings in the colour of the style
   EXPECT_GT(picture["colours"].value("#ffffff", 0), 800000);  // on white paper
 }
