@@ -99,6 +99,7 @@ class UgridReader {
                              ", expected one");
     }
     std::vector<double> values = file_.values(name);
+    if (values.empty()) file_.refuse(name, "found no node");
     const auto odd = std::find_if(values.begin(), values.end(),
                                   [](double value) { return !std::isfinite(value); });
     if (odd != values.end()) {
@@ -118,6 +119,7 @@ class UgridReader {
     const bool is_turned = file_.text(topology_, "face_dimension") == dimensions[1];
     const std::size_t n_faces = shape[is_turned], width = shape[!is_turned];
     face_dimension_ = dimensions[is_turned];
+    if (n_faces == 0) file_.refuse(name, "found no face");
     const double start = file_.number(name, "start_index").value_or(0.0);
     if (start != 0.0 && start != 1.0) {
       file_.refuse(name, "found the start_index " + shown(start) + ", expected 0 or 1");

@@ -216,6 +216,13 @@ TEST_F(Ugrid, ThatIsFaultyIsRefusedWithFileAndVariable) {
       << fault(file);
   file.face_nodes = {0, 1, -9, -9, 1, 4, 2, -9};
   EXPECT_TRUE(contains(fault(file), "face 0 (counted from 0): found 2 nodes, expected 3 or 4"));
+  file.face_nodes = {};
+  EXPECT_TRUE(contains(fault(file), "m.nc, variable mesh_face_nodes: found no face; expected a "))
+      << fault(file);
+  file = {};
+  file.x = {};
+  EXPECT_TRUE(contains(fault(file), "m.nc, variable mesh_node_x: found no node; expected a mesh"))
+      << fault(file);
   file = {};
   file.start = 2;
   EXPECT_TRUE(contains(fault(file), "mesh_face_nodes: found the start_index 2, expected 0 or 1"));
