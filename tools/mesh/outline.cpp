@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <deque>
 #include <map>
 #include <optional>
 #include <utility>
@@ -58,6 +57,43 @@ void expect_polygon(const Feature& feature) {
   for (const Ring& ring : feature.parts) expect_ring(feature, ring);
 }
 
+/// The inside of one ring.
+class RingArea {
+ public:
+  explicit RingArea(const Ring& ring) : extent_(extent_of(ring)), polygon_({ring}) {}
+
+  bool holds(const Node& point) const {
+    return extent_.holds(point) && polygon_.holds(point.x, point.y);
+  }
+  bool is_on_border(const Node& point, double tolerance) const {
+    return extent_.holds(point, tolerance) && polygon_.is_on_side(point.x, point.y, tolerance);
+  }
+
+ private:
+  Extent extent_;
+  Polygon polygon_;
+};
+
+/// How much of a ring lies in another one, which it may touch.
+enum class Inside { nothing, a_part, all };
+
+/// By the corners of the ring and the middles of its sides, less those where it touches the other.
+Inside inside_of(const Ring& ring, const RingArea& area, double tolerance) {
+  std::size_t n_inside = 0, n_outside = 0;
+  const auto look_at = [&](const Node& point) {
+    const bool is_inside = area.holds(point);
+    if (area.is_on_border(point, tolerance)) return;
+    ++(is_inside ? n_inside : n_outside);
+  };
+  for (std::size_t i = 1; i < ring.size(); ++i) {
+    const Node &a = ring[i - 1], &b = ring[i];
+    look_at(a);
+    look_at({0.5 * (a.x + b.x), 0.5 * (a.y + b.y), 0.0});
+  }
+  if (n_inside == 0) return Inside::nothing;
+  return n_outside == 0 ? Inside::all : Inside::a_part;
+}
+
 /// A side of the border or of a breakline, its ends in increasing order.
 using Ends = std::pair<int, int>;
 
@@ -68,19 +104,15 @@ struct Border {
   const Feature* feature;
   int line;                             // of the linework
   std::vector<Linework::Piece> pieces;  // joined
-  std::vector<Ring> ring;               // one, joined
-  std::optional<Polygon> polygon;       // the same
-  Node low, high;                       // its extent
+  std::optional<RingArea> area;         // what they enclose
 
-  bool holds(const Node& point) const {
-    return point.x >= low.x && point.x <= high.x && point.y >= low.y && point.y <= high.y &&
-           polygon->holds(point.x, point.y);
-  }
+  bool holds(const Node& point) const { return area->holds(point); }
 };
 
 class OutlineBuilder {
  public:
-  OutlineBuilder(const DrawnOutline& drawn, double tolerance) : drawn_(drawn), lines_(tolerance) {}
+  OutlineBuilder(const DrawnOutline& drawn, double tolerance)
+      : drawn_(drawn), tolerance_(tolerance), lines_(tolerance) {}
 
   Outline build() {
     add_outline();
@@ -111,16 +143,16 @@ class OutlineBuilder {
     }
     const Feature& feature = drawn_.outline.front();
     expect_polygon(feature);
-    const std::vector<Ring> outer = {feature.parts.front()};
-    const Polygon polygon(outer);
+    const Ring& outer = feature.parts.front();
+    const RingArea area(outer);
     for (std::size_t i = 1; i < feature.parts.size(); ++i) {
-      const Node& point = feature.parts[i].front();
-      if (!polygon.holds(point.x, point.y)) {
-        throw tools::Error(feature.place + ": found a second ring" + place_of(point) +
+      const Ring& ring = feature.parts[i];
+      if (inside_of(ring, area, tolerance_) == Inside::nothing) {
+        throw tools::Error(feature.place + ": found a second ring" + place_of(ring.front()) +
                            " outside of the first; expected one polygon, with holes at most.");
       }
     }
-    add_border(feature, outer.front(), true);
+    add_border(feature, outer, true);
     for (std::size_t i = 1; i < feature.parts.size(); ++i) {
       add_border(feature, feature.parts[i], false);
     }
@@ -137,13 +169,12 @@ class OutlineBuilder {
   void add_holes() {
     for (const Feature& feature : drawn_.holes) {
       expect_polygon(feature);
-      std::deque<Polygon> polygons;
-      for (const Ring& ring : feature.parts) polygons.emplace_back(std::vector<Ring>{ring});
+      std::vector<RingArea> areas;
+      for (const Ring& ring : feature.parts) areas.emplace_back(ring);
       for (std::size_t i = 0; i < feature.parts.size(); ++i) {
-        const Node& point = feature.parts[i].front();
         bool is_courtyard = false;
-        for (std::size_t k = 0; k < polygons.size(); ++k) {
-          is_courtyard = is_courtyard || (k != i && polygons[k].holds(point.x, point.y));
+        for (std::size_t k = 0; k < areas.size() && !is_courtyard; ++k) {
+          is_courtyard = k != i && inside_of(feature.parts[i], areas[k], tolerance_) == Inside::all;
         }
         outline_.n_courtyards += is_courtyard;
         if (!is_courtyard) add_border(feature, feature.parts[i], false);
@@ -198,13 +229,7 @@ class OutlineBuilder {
                            "; expected one that does not.");
       }
       ring.push_back(ring.front());
-      border.low = border.high = ring.front();
-      for (const Node& node : ring) {
-        border.low = {std::min(border.low.x, node.x), std::min(border.low.y, node.y), 0.0};
-        border.high = {std::max(border.high.x, node.x), std::max(border.high.y, node.y), 0.0};
-      }
-      border.ring = {std::move(ring)};
-      border.polygon.emplace(border.ring);
+      border.area.emplace(ring);
     }
   }
 
@@ -330,6 +355,7 @@ class OutlineBuilder {
   }
 
   const DrawnOutline& drawn_;
+  double tolerance_;
   Linework lines_;
   std::vector<Border> borders_;  // in the order of their lines; the first is the outer one
   std::vector<std::pair<const Feature*, int>> breaklines_;  // with the number of their name

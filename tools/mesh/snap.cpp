@@ -180,6 +180,20 @@ bool Polygon::holds(double x, double y) const {
   return is_inside;
 }
 
+bool Polygon::is_on_side(double x, double y, double distance) const {
+  const std::size_t last = row_of(y + distance);
+  for (std::size_t row = row_of(y - distance); row <= last; ++row) {
+    for (const int i : rows_[row]) {
+      const Side& side = sides_[static_cast<std::size_t>(i)];
+      const auto [west, east] = std::minmax(side.a.x, side.b.x);
+      if (x < west - distance || x > east + distance) continue;
+      const std::vector<Node> line = {side.a, side.b};
+      if (Polyline(line).nearest(x, y).distance <= distance) return true;
+    }
+  }
+  return false;
+}
+
 double mean_length(const Mesh& mesh, const std::vector<Edge>& edges) {
   double sum = 0.0;
   for (const Edge& edge : edges) sum += length_of(mesh, edge);

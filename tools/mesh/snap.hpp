@@ -33,6 +33,8 @@ class Polygon {
  public:
   explicit Polygon(const std::vector<std::vector<Node>>& rings);
   bool holds(double x, double y) const;
+  /// Whether a point lies no further from a side than `distance`, m.
+  bool is_on_side(double x, double y, double distance) const;
 
  private:
   struct Side {

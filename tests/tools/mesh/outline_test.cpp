@@ -81,6 +81,27 @@ TEST_F(OutlineOf, HousesThatTouchInACornerAreTwoHoles) {
   EXPECT_EQ(outline.rings[2].size(), 4U);
 }
 
+TEST_F(OutlineOf, HousesOfOneFeatureThatTouchWhereTheirRingsBeginAreTwoHoles) {
+  drawn.holes = {polygon(
+      "houses", {box(6, 6, 2, 2), {{6, 6, 0}, {4, 6, 0}, {4, 4, 0}, {6, 4, 0}, {6, 6, 0}}})};
+  EXPECT_EQ(join().area, 200.0 - 8.0);
+  EXPECT_EQ(join().n_courtyards, 0U);
+  drawn.holes = {polygon("row", {box(6, 4, 2, 2), box(8, 4, 2, 2)})};
+  EXPECT_EQ(join().area, 200.0 - 8.0);
+}
+
+TEST_F(OutlineOf, ACourtyardMayTouchItsHouseWhereItsRingBegins) {
+  const Points courtyard = {{8, 8, 0}, {7, 7.5, 0}, {7.5, 7, 0}, {8, 8, 0}};
+  drawn.holes = {polygon("house", {box(4, 4, 4, 4), courtyard})};
+  EXPECT_EQ(join().area, 200.0 - 16.0);
+  EXPECT_EQ(join().n_courtyards, 1U);
+}
+
+TEST_F(OutlineOf, AHoleOfItsOwnMayTouchItWhereItsRingBegins) {
+  drawn.outline[0].parts.push_back({{20, 10, 0}, {18, 9, 0}, {19, 8, 0}, {20, 10, 0}});
+  EXPECT_EQ(join().area, 200.0 - 1.5);
+}
+
 TEST_F(OutlineOf, AHouseOnTheBorderGoesAroundIt) {
   add_hole(box(0, 0, 2, 2));
   add_hole(box(8, 8, 2, 2));
@@ -127,6 +148,9 @@ TEST_F(OutlineOf, SeveralPolygonsIsRefused) {
   drawn.outline[0].parts.push_back(box(30, 0, 5, 5));
   EXPECT_TRUE(contains(fault(), "found a second ring at (30.000, 0.000) outside of the first"))
       << fault();
+  drawn.outline[0].parts[1] = box(20, 0, 5, 5);
+  EXPECT_TRUE(contains(fault(), "found a second ring at (20.000, 0.000) outside of the first"))
+      << fault();
   drawn.outline[0].parts.pop_back();
   drawn.outline.push_back(polygon("other", {box(30, 0, 5, 5)}));
   EXPECT_EQ(fault(), "other: found a second feature, expected one polygon.");
@@ -148,6 +172,8 @@ TEST_F(OutlineOf, HolesThatOverlapIsRefused) {
     add_hole(ring);
     EXPECT_TRUE(contains(fault(), "the hole overlaps with that of hole ")) << fault();
   }
+  drawn.holes = {polygon("house", {box(4, 4, 2, 2), box(5, 5, 2, 2)})};
+  EXPECT_TRUE(contains(fault(), "house: the hole overlaps with that of house at (")) << fault();
 }
 
 TEST_F(OutlineOf, HolesThatCutItInPartsIsRefused) {
