@@ -47,12 +47,10 @@ std::optional<int> system_of_mesh(const MakeOptions& options) {
 }
 
 void expect_room_for_an_edge(const Feature& outline, double size) {
+  if (outline.shape != Feature::Shape::polygons) return;  // which join_outline() refuses
   const std::vector<Node>& ring = outline.parts.front();
-  for (const Node& a : ring) {
-    for (const Node& b : {ring.front(), a}) {
-      if (std::hypot(a.x - b.x, a.y - b.y) >= size) return;
-    }
-  }
+  const auto [low, high] = extent_of(ring);
+  if (std::hypot(high.x - low.x, high.y - low.y) >= size) return;
   throw tools::Error(outline.place + ": it covers " + extent_text(ring) +
                      ", less than an edge of " + shown(size) +
                      " m; expected metres, a shorter --size, or, where these are degrees, the "

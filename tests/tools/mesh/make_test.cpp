@@ -208,6 +208,13 @@ TEST_F(Make, TakesTheReferenceSystemOfTheOutline) {
   EXPECT_EQ(moved.status, 0) << moved.err;
 }
 
+/// Its first corner lies in its middle, nearer to all others than an edge is long.
+TEST_F(Make, LooksForRoomForAnEdgeBetweenAllCorners) {
+  folder.write("o.geojson", geojson({polygon("", "[0,1], [-6,0], [6,0], [0,1]")}));
+  make_well({"--size", "8"});
+  EXPECT_NEAR(area(), 6.0, 1e-9);
+}
+
 TEST_F(Make, RefusesWhatCannotBeMeshed) {
   const auto with = [](Words more) {
     Words words = {"o.geojson", "case", "--size", "8"};
@@ -222,6 +229,8 @@ TEST_F(Make, RefusesWhatCannotBeMeshed) {
       contains(outline(polygon("", "[0,0], [200,100], [200,0], [0,100], [-9,0], [0,0]")),
                "f.geojson, feature 1: its ring crosses or touches itself at (100.000, 50.000)"));
   EXPECT_TRUE(contains(outline(line("", "[0,0], [200,100]")), "found a line, expected a polygon"));
+  EXPECT_TRUE(contains(outline(support::feature("", "Point", "[7.1,50.1]")),
+                       "found a point, expected a polygon"));
   EXPECT_TRUE(contains(outline(support::feature("", "Polygon", "[]")), "it has no shape"));
   EXPECT_TRUE(
       contains(outline(polygon("", "[7.1,50.1], [7.2,50.1], [7.2,50.2], [7.1,50.1]")),
