@@ -43,7 +43,8 @@ class OutlineGeometry {
       gmsh::model::setPhysicalName(1, group, outline_.line_names[static_cast<std::size_t>(name)]);
     }
     gmsh::option::setNumber("Mesh.MeshSizeExtendFromBoundary", 0);  // sizes grow as they say
-    gmsh::model::mesh::setSizeCallback([this](int, int, double x, double y, double) {
+    // From Gmsh 4.9 on, the callback takes the size so far, too.
+    gmsh::model::mesh::setSizeCallback([this](int, int, double x, double y, double, auto...) {
       return size_.at(x + origin_.x, y + origin_.y);
     });
   }
