@@ -94,6 +94,14 @@ std::string NetcdfInput::text(const std::string& variable, const std::string& at
   return text.substr(0, text.find('\0'));
 }
 
+bool NetcdfInput::has_number(const std::string& variable, const std::string& attribute) const {
+  const int id = number_of(variable);
+  nc_type type = NC_NAT;
+  std::size_t length = 0;
+  if (nc_inq_att(id_, id, attribute.c_str(), &type, &length) != NC_NOERR) return false;
+  return length == 1 && type != NC_CHAR && type < NC_STRING;
+}
+
 std::optional<double> NetcdfInput::number(const std::string& variable,
                                           const std::string& attribute) const {
   const int id = number_of(variable);

@@ -24,7 +24,9 @@ class NetcdfInput {
   std::vector<std::size_t> shape(const std::string& variable) const;
   /// An attribute that is a text; empty without one.
   std::string text(const std::string& variable, const std::string& attribute) const;
-  /// An attribute that is a number.
+  /// Whether an attribute is there, and one number.
+  bool has_number(const std::string& variable, const std::string& attribute) const;
+  /// An attribute that must be a number, if there is one.
   std::optional<double> number(const std::string& variable, const std::string& attribute) const;
   /// All values, the last dimension first: unpacked, and no numbers where the file has none.
   std::vector<double> values(const std::string& variable) const;

@@ -37,10 +37,10 @@ std::optional<int> epsg_of(OGRSpatialReferenceH system) {
   return cases::epsg_of(std::string(authority) + ":" + code);
 }
 
-SpatialReference reference_of(int epsg) {
+SpatialReference reference_of(int epsg, const std::string& source) {
   SpatialReference reference(OSRNewSpatialReference(nullptr));
   if (OSRImportFromEPSG(reference.get(), epsg) == OGRERR_NONE) return reference;
-  throw tools::Error("--crs: EPSG:" + std::to_string(epsg) +
+  throw tools::Error(source + ": EPSG:" + std::to_string(epsg) +
                      " is not known; expected the code of a coordinate reference system.");
 }
 
@@ -85,9 +85,9 @@ RasterData read_with_gdal(const std::string& path, std::optional<int> epsg) {
   return data;
 }
 
-void require_known_system(int epsg) {
+void require_known_system(int epsg, const std::string& source) {
   const QuietGdal quiet;
-  reference_of(epsg);
+  reference_of(epsg, source);
 }
 
 }  // namespace mesh_import

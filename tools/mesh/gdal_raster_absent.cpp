@@ -10,6 +10,6 @@ RasterData read_with_gdal(const std::string& path, std::optional<int>) {
                      "libgdal-dev).");
 }
 
-void require_known_system(int) {}
+void require_known_system(int, const std::string&) {}
 
 }  // namespace mesh_import

@@ -7,6 +7,7 @@
 #include "mesh/merge_nodes.hpp"
 #include "mesh/mesh_file.hpp"
 #include "mesh/numbers.hpp"
+#include "mesh/raster.hpp"
 #include "support/GroundSurvey.hpp"
 #include "utils/counted.hpp"
 #include "utils/stop.hpp"
@@ -51,7 +52,10 @@ void warn_of_odd_ground(const Mesh& mesh, bool has_bed) {
 
 Mesh read_mesh(ImportOptions& options, std::ostream& out) {
   Mesh mesh = read_mesh_file(options.mesh, options.allow_commands);
-  if (!options.epsg) options.epsg = mesh.epsg;
+  if (!options.epsg && mesh.epsg) {
+    require_known_system(*mesh.epsg, options.mesh);
+    options.epsg = mesh.epsg;
+  }
   mesh.epsg = options.epsg;
   const CellChanges changes = prepare_cells(mesh);
   out << "Read " << options.mesh << " (" << mesh.format

@@ -145,7 +145,7 @@ void place_gauges(const ImportOptions& options, Case& contents, std::ostream& ou
 
 /// Where and when the case takes place, as far as it is known.
 void set_reference(const ImportOptions& options, Case& contents, std::ostream& out) {
-  if (options.epsg) require_known_system(*options.epsg);
+  if (options.epsg) require_known_system(*options.epsg, "--crs");
   contents.epoch = options.epoch;
   if (!contents.mesh.epsg) return;
   out << "The coordinate reference system is EPSG:" << *contents.mesh.epsg

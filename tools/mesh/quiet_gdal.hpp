@@ -7,6 +7,7 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace mesh_import {
 
@@ -32,8 +33,9 @@ struct DestroyReference {
 
 using SpatialReference = std::unique_ptr<void, DestroyReference>;
 
-/// The reference system of --crs; throws tools::Error for an unknown code.
-SpatialReference reference_of(int epsg);
+/// The reference system of --crs, or of another source; throws tools::Error, which names that, for
+/// an unknown code.
+SpatialReference reference_of(int epsg, const std::string& source = "--crs");
 
 /// None where it is not one of EPSG, or null.
 std::optional<int> epsg_of(OGRSpatialReferenceH system);

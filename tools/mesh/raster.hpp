@@ -68,8 +68,8 @@ RasterData read_asc(const std::string& path);
 /// Reads the first band of what GDAL knows, and warns where it is in another coordinate reference
 /// system than `epsg`; throws tools::Error also where this program was built without GDAL.
 RasterData read_with_gdal(const std::string& path, std::optional<int> epsg);
-/// Refuses a reference system that GDAL does not know, with a tools::Error; a program without GDAL
-/// refuses none.
-void require_known_system(int epsg);
+/// Refuses a reference system that GDAL does not know, with a tools::Error that names its source
+/// (an option or a file); a program without GDAL refuses none.
+void require_known_system(int epsg, const std::string& source);
 
 }  // namespace mesh_import

@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "case/reference.hpp"
 #include "mesh/NetcdfInput.hpp"
 #include "mesh/numbers.hpp"
 #include "mesh/small_letters.hpp"
@@ -221,9 +222,14 @@ class UgridReader {
     return true;
   }
 
+  /// The code may be a number, or "EPSG:32632", or "32632"; another hint says nothing.
   void read_system() {
     const std::string name = file_.text(x_name_, "grid_mapping");
     if (!file_.has(name)) return;
+    const std::string words = file_.text(name, "epsg");
+    mesh_.epsg = cases::epsg_of(words);
+    if (!mesh_.epsg) mesh_.epsg = cases::epsg_of("EPSG:" + words);
+    if (!file_.has_number(name, "epsg")) return;
     const auto epsg = file_.number(name, "epsg");
     if (epsg && *epsg >= 1.0 && *epsg < 1e6) mesh_.epsg = static_cast<int>(*epsg);
   }

@@ -21,7 +21,8 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 /// A square of 2 m beside a triangle, 1 km east and 2 km north of the origin.
 struct UgridFile {
   bool is_netcdf4 = false, names_y_first = false, is_turned = false, has_fill = true;
-  int topologies = 1, dimension = 2, start = 0;
+  int topologies = 1, dimension = 2, start = 0, epsg = 32632;
+  std::string epsg_words;  // in place of the number
   nc_type connectivity = NC_INT;
   std::vector<double> face_nodes = {0, 1, 2, 3, 1, 4, 2, -9};
   std::vector<double> x = {1000, 1002, 1002, 1000, 1004};
@@ -52,8 +53,11 @@ struct UgridFile {
     text(ny, "standard_name", "projection_y_coordinate");
     text(nx, "grid_mapping", "crs");
     const int crs = variable("crs", NC_INT, {});
-    const int epsg = 32632;
-    well(nc_put_att_int(id, crs, "epsg", NC_INT, 1, &epsg));
+    if (epsg_words.empty()) {
+      well(nc_put_att_int(id, crs, "epsg", NC_INT, 1, &epsg));
+    } else {
+      text(crs, "epsg", epsg_words);
+    }
     const int table =
         variable("mesh_face_nodes", connectivity,
                  is_turned ? std::vector<int>{corners, faces} : std::vector<int>{faces, corners});
@@ -204,6 +208,21 @@ TEST_F(Ugrid, LeavesOutAnElevationWithGaps) {
   EXPECT_EQ(mesh.remarks.at(0), "The variable mesh_node_z is left out: it lacks 1 of 5 values.");
 }
 
+TEST_F(Ugrid, MayTellItsReferenceSystemInWords) {
+  for (const bool is_netcdf4 : {false, true}) {
+    UgridFile file;
+    file.is_netcdf4 = is_netcdf4;
+    for (const char* words : {"EPSG:25832", "epsg:25832", "25832"}) {
+      file.epsg_words = words;
+      EXPECT_EQ(read(file).epsg, 25832) << words;
+    }
+    for (const char* words : {"UTM 32", "-1", "none", "x"}) {
+      file.epsg_words = words;
+      EXPECT_EQ(read(file).epsg, std::nullopt) << words;
+    }
+  }
+}
+
 TEST_F(Ugrid, ThatIsFaultyIsRefusedWithFileAndVariable) {
   UgridFile file;
   file.face_nodes[5] = 5;
@@ -288,6 +307,20 @@ TEST_F(Ugrid, OnWhichTheLibraryCrashesIsRefused) {
 }
 
 using ImportUgrid = support::ImportTest;
+
+#ifdef QUILLMERE_HAS_GDAL
+TEST_F(ImportUgrid, OfAnUnknownReferenceSystemIsRefusedUnlessAnotherOneIsGiven) {
+  UgridFile file;
+  file.epsg = 999999;
+  file.write(folder.file("m.nc"));
+  const auto result = import({"m.nc", "case"});
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(contains(result.err, "m.nc: EPSG:999999 is not known; expected the code of a "))
+      << result.err;
+  const auto told = import({"m.nc", "case", "--crs", "EPSG:32632"});
+  EXPECT_EQ(told.status, 0) << told.err;
+}
+#endif
 
 TEST_F(ImportUgrid, OfItsOwnResultsGivesTheMeshBack) {
   import_well({"--level", "left=1", "--end", "1", "--crs", "EPSG:32632"});
