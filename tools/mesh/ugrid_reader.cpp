@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -245,7 +246,13 @@ class UgridReader {
 // Intended: read twice, at first in a process of its own, since the netCDF library crashes on some
 // damaged files.
 Mesh read_ugrid(const std::string& path) {
-  const auto read = [&path] { return UgridReader(path).read(); };
+  const auto read = [&path] {
+    try {
+      return UgridReader(path).read();
+    } catch (const std::bad_alloc&) {
+      throw tools::Error(path + ": there is not enough memory for this mesh.");
+    }
+  };
   const auto fault = tools::try_apart("to read NetCDF", read);
   if (!fault) {
     throw tools::Error(path + ": the netCDF library crashes on this file; expected a whole one.");

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <exception>
 #include <iostream>
 
 #include "support/Error.hpp"
@@ -48,7 +49,7 @@ std::optional<std::string> try_apart(const std::string& purpose,
     dup2(nothing, STDERR_FILENO);
     try {
       action();
-    } catch (const Error& error) {
+    } catch (const std::exception& error) {
       const std::string message = error.what();
       const bool is_said = write(ends[1], message.data(), message.size()) >= 0;
       _exit(is_said ? 0 : 1);

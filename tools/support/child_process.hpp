@@ -16,9 +16,9 @@ pid_t fork_child(const std::string& purpose);
 /// All that comes out of a pipe until its other end is closed.
 std::string read_all(int descriptor);
 
-/// Tries an action in a process of its own, silently: the message of the Error that it throws
-/// there, empty without one, or none where it crashes. Throws Error, with `purpose`, if no process
-/// can be started.
+/// Tries an action in a process of its own, silently: the message of the std::exception that it
+/// throws there, empty without one, or none where it crashes. Throws Error, with `purpose`, if no
+/// process can be started.
 std::optional<std::string> try_apart(const std::string& purpose,
                                      const std::function<void()>& action);
 

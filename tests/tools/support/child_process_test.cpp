@@ -4,13 +4,15 @@
 
 #include <csignal>
 #include <iostream>
+#include <new>
 
 #include "support/Error.hpp"
 
 namespace {
 
-TEST(TryApart, TellsTheMessageOfAnError) {
+TEST(TryApart, TellsTheMessageOfAnException) {
   EXPECT_EQ(tools::try_apart("for a test", [] { throw tools::Error("no mesh"); }), "no mesh");
+  EXPECT_EQ(tools::try_apart("for a test", [] { throw std::bad_alloc(); }), "std::bad_alloc");
 }
 
 TEST(TryApart, IsSilentWhereAllIsWell) {
@@ -21,7 +23,7 @@ TEST(TryApart, IsSilentWhereAllIsWell) {
 
 TEST(TryApart, TellsThatAnActionCrashed) {
   EXPECT_EQ(tools::try_apart("for a test", [] { std::raise(SIGSEGV); }), std::nullopt);
-  EXPECT_EQ(tools::try_apart("for a test", [] { throw std::bad_alloc(); }), std::nullopt);
+  EXPECT_EQ(tools::try_apart("for a test", [] { throw 1; }), std::nullopt);
 }
 
 }  // namespace
