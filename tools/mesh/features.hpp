@@ -53,8 +53,7 @@ class Attributes {
   std::vector<std::string> known_;
 };
 
-/// The features of a file, and a word on the
-/// attributes that mean nothing.
+/// The features of a file, and a word on the attributes that mean nothing.
 class FeatureFile {
  public:
   FeatureFile(const std::string& path, std::optional<int> epsg)
