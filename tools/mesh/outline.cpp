@@ -102,6 +102,7 @@ Ends ends_of(const Linework::Piece& piece) { return std::minmax({piece.from, pie
 /// A closed line of the border.
 struct Border {
   const Feature* feature;
+  Node start;                           // as it was drawn
   int line;                             // of the linework
   std::vector<Linework::Piece> pieces;  // joined
   std::optional<RingArea> area;         // what they enclose
@@ -161,6 +162,7 @@ class OutlineBuilder {
   void add_border(const Feature& feature, const Ring& ring, bool is_outer) {
     Border border;
     border.feature = &feature;
+    border.start = ring.front();
     border.line = lines_.add(turned(ring, is_outer));
     borders_.push_back(std::move(border));
   }
@@ -214,7 +216,10 @@ class OutlineBuilder {
     for (Border& border : borders_) {
       const std::string& place = border.feature->place;
       if (border.pieces.size() < 3) {
-        throw tools::Error(place + ": a ring is too small for edges of this size; expected none.");
+        throw tools::Error(place + ": its ring" + place_of(border.start) +
+                           " has fewer than three corners that lie further apart than " +
+                           shown(tolerance_) +
+                           " m; expected a larger one, or shorter edges (--size, --refine).");
       }
       std::vector<int> starts;
       Ring ring;

@@ -144,6 +144,13 @@ TEST_F(OutlineOf, WhatIsNoPolygonIsRefused) {
   EXPECT_EQ(fault(), "outline: found a line, expected a polygon.");
 }
 
+TEST_F(OutlineOf, RingsThatAreTooSmallIsRefusedWithTheirPlace) {
+  add_hole(box(5, 6, 0.0005, 0.0005));
+  EXPECT_EQ(fault(),
+            "hole 1: its ring at (5.000, 6.000) has fewer than three corners that lie further "
+            "apart than 0.001 m; expected a larger one, or shorter edges (--size, --refine).");
+}
+
 TEST_F(OutlineOf, SeveralPolygonsIsRefused) {
   drawn.outline[0].parts.push_back(box(30, 0, 5, 5));
   EXPECT_TRUE(contains(fault(), "found a second ring at (30.000, 0.000) outside of the first"))
