@@ -246,12 +246,14 @@ class OutlineBuilder {
     }
   }
 
+  /// The pieces of borders between two points, with the number of their border.
+  using BordersAt = std::vector<std::pair<Linework::Piece, std::size_t>>;
+
   /// Whether a border runs along a piece, in the same direction, or against it.
   enum class Shared { no, along, against };
-  Shared shared_with(std::size_t border, const Linework::Piece& piece) const {
-    const auto found = borders_at_.find(ends_of(piece));
-    if (found == borders_at_.end()) return Shared::no;
-    for (const auto& [other, number] : found->second) {
+  static Shared shared_with(std::size_t border, const Linework::Piece& piece,
+                            const BordersAt& borders_at_piece) {
+    for (const auto& [other, number] : borders_at_piece) {
       if (number != border) continue;
       return other.from == piece.from ? Shared::along : Shared::against;
     }
@@ -262,7 +264,7 @@ class OutlineBuilder {
   void expect_holes_inside() const {
     for (std::size_t i = 1; i < borders_.size(); ++i) {
       for (const Linework::Piece& piece : borders_[i].pieces) {
-        const Shared shared = shared_with(0, piece);
+        const Shared shared = shared_with(0, piece, borders_at_.at(ends_of(piece)));
         if (shared == Shared::against) continue;
         if (shared == Shared::no && borders_[0].holds(middle(piece))) continue;
         throw tools::Error(borders_[i].feature->place + ": the hole lies outside of the outline" +
@@ -275,9 +277,10 @@ class OutlineBuilder {
     for (std::size_t i = 1; i < borders_.size(); ++i) {
       for (const Linework::Piece& piece : borders_[i].pieces) {
         const Node point = middle(piece);
+        const BordersAt& borders_at_piece = borders_at_.at(ends_of(piece));
         for (std::size_t k = 1; k < borders_.size(); ++k) {
           if (k == i) continue;
-          const Shared shared = shared_with(k, piece);
+          const Shared shared = shared_with(k, piece, borders_at_piece);
           if (shared == Shared::against) continue;
           if (shared == Shared::no && !borders_[k].holds(point)) continue;
           throw tools::Error(borders_[i].feature->place + ": the hole overlaps with that of " +
@@ -364,7 +367,7 @@ class OutlineBuilder {
   Linework lines_;
   std::vector<Border> borders_;  // in the order of their lines; the first is the outer one
   std::vector<std::pair<const Feature*, int>> breaklines_;  // with the number of their name
-  std::map<Ends, std::vector<std::pair<Linework::Piece, std::size_t>>> borders_at_;
+  std::map<Ends, BordersAt> borders_at_;
   Outline outline_;
 };
 
