@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "export/common_options.hpp"
 #include "utils/number_text.hpp"
@@ -22,6 +25,18 @@ void add_understood(CLI::App& command, const std::string& name, const std::strin
         return take(text) ? "" : "found \"" + text + "\", expected " + expected;
       })
       ->type_name(type);
+}
+
+/// The finite numbers that a text separates by a sign; none if it is something else.
+std::optional<std::vector<double>> numbers_of(const std::string& text, char separator) {
+  std::vector<double> numbers;
+  std::istringstream parts(text + separator);
+  for (std::string part; std::getline(parts, part, separator);) {
+    const std::optional<double> number = utils::parse_finite_number(part);
+    if (!number) return std::nullopt;
+    numbers.push_back(*number);
+  }
+  return numbers;
 }
 
 bool increases(const std::vector<double>& numbers) {
@@ -53,17 +68,6 @@ bool take_classes(const std::string& text, DrawingStyle& style) {
 }
 
 }  // namespace
-
-std::optional<std::vector<double>> numbers_of(const std::string& text, char separator) {
-  std::vector<double> numbers;
-  std::istringstream parts(text + separator);
-  for (std::string part; std::getline(parts, part, separator);) {
-    const std::optional<double> number = utils::parse_finite_number(part);
-    if (!number) return std::nullopt;
-    numbers.push_back(*number);
-  }
-  return numbers;
-}
 
 void add_map_options(CLI::App& command, DrawingStyle& style) {
   command.add_option("--threshold", style.dry_depth,
