@@ -53,8 +53,8 @@ json describe_sections(const CaseResults& results, const Edges& edges) {
   json described = json::array();
   if (!results.files.sections) return described;
   const auto sections = read_section_list(results.files).sections;
-  std::vector<std::string> names = tools::read_case_names(results.files.folder).sections;
-  if (names.size() != sections.size()) names.assign(sections.size(), "");  // of another list
+  const std::vector<std::string> names =
+      tools::names_of_each(tools::read_case_names(results.files.folder).sections, sections.size());
   for (std::size_t s = 0; s < sections.size(); ++s) {
     described.push_back({{"name", names[s]}, {"lines", lines_of(sections[s], edges, results)}});
   }

@@ -81,9 +81,7 @@ std::string plain_unit(std::string unit) {
 class ColumnTitles {
  public:
   ColumnTitles(std::string kind, std::vector<std::string> names, std::size_t count)
-      : kind_(std::move(kind)), names_(std::move(names)) {
-    if (names_.size() != count) names_.assign(count, "");  // of another list
-  }
+      : kind_(std::move(kind)), names_(tools::names_of_each(std::move(names), count)) {}
 
   /// The title of a quantity at a place, counted from 0, in quotes where it needs them.
   std::string of(std::size_t i, const std::string& quantity) const {

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "export/DeflatedFile.hpp"
@@ -32,12 +33,13 @@ fields::Columns whole_run(const CaseResults& results) {
   return columns;
 }
 
-/// Names, of which there are as many as things to name, and one for each that has none; empty where
-/// nothing has one.
+/// Names of the case and, for each thing that has none, one by its number; empty where nothing has
+/// one.
 std::vector<std::string> all_named(std::vector<std::string> names, std::size_t count,
                                    const std::string& kind) {
   const auto is_named = [](const std::string& name) { return !name.empty(); };
-  if (names.size() != count || std::none_of(names.begin(), names.end(), is_named)) return {};
+  names = tools::names_of_each(std::move(names), count);
+  if (std::none_of(names.begin(), names.end(), is_named)) return {};
   for (std::size_t i = 0; i < count; ++i) {
     if (names[i].empty()) names[i] = kind + " " + std::to_string(i + 1);
   }

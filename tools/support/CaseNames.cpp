@@ -34,4 +34,9 @@ CaseNames read_case_names(const std::string& folder) {
   }
 }
 
+std::vector<std::string> names_of_each(std::vector<std::string> names, std::size_t count) {
+  if (names.size() != count) names.assign(count, "");
+  return names;
+}
+
 }  // namespace tools

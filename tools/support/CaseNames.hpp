@@ -2,6 +2,7 @@
 // simulator does not read.
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,5 +22,9 @@ std::string text_of(const CaseNames& names);
 /// The names of the case in a folder, none where it has no such file. Throws Error for a file that
 /// is malformed.
 CaseNames read_case_names(const std::string& folder);
+
+/// A name for each of so many things; all empty where the names are not as many, as those of
+/// another list are.
+std::vector<std::string> names_of_each(std::vector<std::string> names, std::size_t count);
 
 }  // namespace tools

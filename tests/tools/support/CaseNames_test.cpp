@@ -22,6 +22,14 @@ TEST(CaseNames, AreNoneWithoutTheirFile) {
   EXPECT_TRUE(tools::read_case_names(folder.path()).gauges.empty());
 }
 
+TEST(CaseNames, ThatAreNotAsManyAsTheThingsAreNone) {
+  const std::vector<std::string> names = {"pier", ""};
+  EXPECT_EQ(tools::names_of_each(names, 2), names);
+  EXPECT_EQ(tools::names_of_each(names, 3), std::vector<std::string>(3));
+  EXPECT_EQ(tools::names_of_each(names, 1), std::vector<std::string>(1));
+  EXPECT_EQ(tools::names_of_each({}, 0), std::vector<std::string>());
+}
+
 TEST(CaseNames, ThatAreMalformedAreRefused) {
   const support::TemporaryFolder folder;
   for (const char* text : {"", "[]", "{\"gauges\": 3}", "{\"sections\": [1]}"}) {
