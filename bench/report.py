@@ -92,13 +92,13 @@ def roofline(bench, runs):
     return table(["threads", "streams reach (GB/s)", "the step moves (GB/s)", "share"], rows)
 
 
-def cost_of(option, bench, cells, steps=1500, pairs=5):
+def cost_of(option, bench, cells, steps=1500):
     """Time of a step with an option over that without. So many steps hide the start of the watch for
     a report, which costs as much as about ten."""
     rows = []
     for threads in (1, bench.cores):
         runs = [[bench.run("tables", threads, cells, "wet", steps, *options)
-                 for options in ((), (option,))] for _ in range(pairs)]
+                 for options in ((), (option,))] for _ in range(bench.repeats)]
         without, having = ([run[3] for run in column] for column in zip(*runs))
         ratio = statistics.median(b / a for a, b in zip(without, having))
         rows.append([str(threads), minimum_and_median(without), minimum_and_median(having),
@@ -110,14 +110,14 @@ def steps_for(cells):
     return max(50, min(4000, 60_000_000 // cells))
 
 
-def cost_of_schemes(bench, cases, rounds=5):
+def cost_of_schemes(bench, cases):
     """Times of the flux schemes side by side, and the medians of their ratios to the first."""
     rows = []
     for threads in (1, bench.cores):
         for cells, kind in cases:
             steps = steps_for(cells)
             runs = [[bench.run("tables", threads, cells, kind, steps, scheme)
-                     for scheme in SCHEMES] for _ in range(rounds)]
+                     for scheme in SCHEMES] for _ in range(bench.repeats)]
             columns = [[run[3] for run in column] for column in zip(*runs)]
             ratios = [statistics.median(b / a for a, b in zip(columns[0], column))
                       for column in columns[1:]]
@@ -127,8 +127,13 @@ def cost_of_schemes(bench, cases, rounds=5):
     return table(head, rows)
 
 
+def shown(part):
+    """The part, which is printed as soon as it is measured."""
+    print(part, flush=True)
+    return part
+
+
 def main():
-    here = sys.stdout
     bench = Bench(os.path.abspath(sys.argv[1]), int(sys.argv[2]))
     sizes = [int(cells) for cells in sys.argv[3:]] or [3000, 30000, 300000, 3000000]
     before = machine()
@@ -137,7 +142,7 @@ def main():
     measured = {}
     for case in cases:
         measured[case] = bench.compare(*case)
-        print("  ".join(row_of(measured[case], case[1])), file=here, flush=True)
+        print("  ".join(row_of(measured[case], case[1])), flush=True)
     largest = measured[(sizes[-1], "wet")]
     parts = [
         "# Performance",
@@ -157,15 +162,15 @@ def main():
         "## With a report",
         "The same times on 299,924 wet triangles with and without `--report`, in pairs; the ratio is "
         "the median of theirs.",
-        cost_of("report", bench, 300000),
+        shown(cost_of("report", bench, 300000)),
         "## With results in NetCDF",
         "The same with ten snapshots in `results.nc`, which a thread of its own writes and syncs.",
-        cost_of("results", bench, 300000),
+        shown(cost_of("results", bench, 300000)),
         "## Flux schemes",
-        "The same runs by each scheme, in turns: ns per cell and step, minimum / median of 5, and the "
-        "medians of the ratios. Steps are those of the scheme: HLL1 and HLL2 take larger ones where "
-        "small cells are dry.",
-        cost_of_schemes(bench, [(cells, "wet") for cells in sizes] + [(300000, "dry")]),
+        "The same runs by each scheme, in turns: ns per cell and step, minimum / median of "
+        f"{bench.repeats}, and the medians of the ratios. Steps are those of the scheme: HLL1 and HLL2 "
+        "take larger ones where small cells are dry.",
+        shown(cost_of_schemes(bench, [(cells, "wet") for cells in sizes] + [(300000, "dry")])),
         "## Work for a given error",
         "[Validation cases](validation.md) on irregular meshes, n squares of two triangles along "
         "their length, on one thread: relative L1 error of the depth, and the time of all steps, the "
