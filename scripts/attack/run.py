@@ -50,9 +50,8 @@ class End:
     changed_inputs: list
 
 
-def wait(process, seconds):
-    """Whether the process ended in time; it is killed if not."""
-    handle = os.pidfd_open(process.pid)
+def wait(process, handle, seconds):
+    """Whether the process of a handle ended in time; it is killed if not. Closes the handle."""
     try:
         poll = select.poll()
         poll.register(handle, select.POLLIN)
@@ -112,10 +111,11 @@ class Bench:
         streams.update(attack.streams)
         process = subprocess.Popen([self.program, *attack.arguments], cwd=folder, env=environment,
                                    preexec_fn=attack.in_child, user=attack.user, **streams)
+        handle = os.pidfd_open(process.pid)  # before anybody beside sees that it has ended
         if attack.during:
             beside = threading.Thread(target=attack.during, args=(process, folder), daemon=True)
             beside.start()
-        is_in_time = wait(process, TIME_LIMIT)
+        is_in_time = wait(process, handle, TIME_LIMIT)
         if attack.during:
             beside.join()
         texts = []
