@@ -1,4 +1,4 @@
-// What a set of points covers.
+// What points cover: their extent, and the area within a line.
 #pragma once
 
 #include <algorithm>
@@ -28,6 +28,21 @@ inline Extent extent_of(const std::vector<Node>& points) {
     extent.high = {std::max(extent.high.x, point.x), std::max(extent.high.y, point.y), 0.0};
   }
   return extent;
+}
+
+inline Extent united(const Extent& a, const Extent& b) {
+  return extent_of({a.low, a.high, b.low, b.high});
+}
+
+/// Twice the area within a closed line, positive where it runs counter-clockwise; of differences to
+/// its first point, which lose no digits.
+inline double twice_area_of(const std::vector<Node>& ring) {
+  double sum = 0.0;
+  for (std::size_t i = 1; i < ring.size(); ++i) {
+    const Node &a = ring[i - 1], &b = ring[i], &origin = ring.front();
+    sum += (a.x - origin.x) * (b.y - origin.y) - (b.x - origin.x) * (a.y - origin.y);
+  }
+  return sum;
 }
 
 /// "x 0 to 100 m, y 0 to 50 m"; there is a point.

@@ -15,19 +15,14 @@ constexpr double growth = 0.2;  // of the length of edges, m per m
 MeshSize::Region::Region(const Refinement& refinement)
     : size(refinement.size),
       polygon(refinement.rings),
-      low(refinement.rings.front().front()),
-      high(low) {
+      extent(extent_of(refinement.rings.front())) {
   for (const std::vector<Node>& ring : refinement.rings) {
     sides.emplace_back(ring);
-    double twice_area = 0.0;
-    for (std::size_t i = 0; i < ring.size(); ++i) {
-      const Node &a = ring[i], &b = ring[(i + 1) % ring.size()], &origin = ring.front();
-      twice_area += (a.x - origin.x) * (b.y - origin.y) - (b.x - origin.x) * (a.y - origin.y);
-      perimeter += std::hypot(b.x - a.x, b.y - a.y);
-      low = {std::min(low.x, a.x), std::min(low.y, a.y), 0.0};
-      high = {std::max(high.x, a.x), std::max(high.y, a.y), 0.0};
+    area += 0.5 * std::fabs(twice_area_of(ring));
+    for (std::size_t i = 1; i < ring.size(); ++i) {
+      perimeter += std::hypot(ring[i].x - ring[i - 1].x, ring[i].y - ring[i - 1].y);
     }
-    area += 0.5 * std::fabs(twice_area);
+    extent = united(extent, extent_of(ring));
   }
 }
 
@@ -58,10 +53,7 @@ double MeshSize::at(double x, double y) const {
   double least = size_;
   for (const Region& region : regions_) {
     const double reach = (least - region.size) / growth;
-    if (x < region.low.x - reach || x > region.high.x + reach || y < region.low.y - reach ||
-        y > region.high.y + reach) {
-      continue;
-    }
+    if (!region.extent.holds({x, y, 0.0}, reach)) continue;
     least = std::min(least, region.size + growth * region.distance(x, y));
   }
   const auto [column, row] = square_of(x, y);

@@ -5,14 +5,15 @@
 #include <utility>
 #include <vector>
 
+#include "mesh/extent.hpp"
 #include "mesh/snap.hpp"
 
 namespace mesh_import {
 
 /// A region whose edges are to be shorter than elsewhere.
 struct Refinement {
-  std::vector<std::vector<Node>> rings;
-  double size;  // of edges, m
+  std::vector<std::vector<Node>> rings;  // closed
+  double size;                           // of edges, m
 };
 
 class MeshSize {
@@ -40,7 +41,7 @@ class MeshSize {
     std::vector<Polyline> sides;
     Polygon polygon;
     double area = 0.0, perimeter = 0.0;
-    Node low, high;
+    Extent extent;
   };
 
   struct ShortSide {

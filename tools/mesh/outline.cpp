@@ -19,16 +19,6 @@ namespace {
 
 using Ring = std::vector<Node>;
 
-/// Twice the area of a closed ring, positive where it runs counter-clockwise.
-double twice_area_of(const Ring& ring) {
-  double sum = 0.0;
-  for (std::size_t i = 1; i < ring.size(); ++i) {
-    const Node &a = ring[i - 1], &b = ring[i], &origin = ring.front();
-    sum += (a.x - origin.x) * (b.y - origin.y) - (b.x - origin.x) * (a.y - origin.y);
-  }
-  return sum;
-}
-
 Ring turned(Ring ring, bool counter_clockwise) {
   if ((twice_area_of(ring) > 0.0) != counter_clockwise) std::reverse(ring.begin(), ring.end());
   return ring;
