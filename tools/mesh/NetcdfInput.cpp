@@ -28,7 +28,7 @@ NetcdfInput::NetcdfInput(const std::string& path) : path_(path) {
   }
   int format = 0, n_variables = 0;
   check(nc_inq_format(id_, &format), "");
-  format_ = format == NC_FORMAT_NETCDF4 || format == NC_FORMAT_NETCDF4_CLASSIC ? "NetCDF-4"
+  format_ = format == NC_FORMAT_NETCDF4 || format == NC_FORMAT_NETCDF4_CLASSIC ? netcdf4
                                                                                : "classic NetCDF";
   check(nc_inq_nvars(id_, &n_variables), "");
   for (int i = 0; i < n_variables; ++i) {
