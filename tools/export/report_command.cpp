@@ -35,6 +35,8 @@ class Report {
                                      {"earlier_results", results.earlier_results},
                                      {"missing_snapshots", results.missing_snapshots},
                                      {"missing", json::object()}};
+    job_.folder().save("center_x", results.mesh.center_x);
+    job_.folder().save("center_y", results.mesh.center_y);
   }
 
   void add_everything() {

@@ -18,23 +18,14 @@ def prepare(job):
     entries = limiting_entries(run, job)
     if entries:
         total = sum(entry["steps"] for entry in entries)
+        centres = np.stack([np.fromfile("center_x", float), np.fromfile("center_y", float)], axis=1)
         job["maps"].append(bed | {
             "picture": "limiting.png", "has_places": False,
-            "marked_points": [{"place": center_of(entry["cell"]), "label": str(rank),
+            "marked_points": [{"place": centres[entry["cell"]].tolist(), "label": str(rank),
                                "share": entry["steps"] / total}
                               for rank, entry in enumerate(entries, 1)]})
     bed["marked_lines"] = [{"label": label_of(boundary), "lines": boundary["lines"]}
                            for boundary in case["boundaries"] if boundary["kind"] != "wall"]
-
-
-def center_of(cell):
-    """Mean of the triangles of a cell, weighed by their areas."""
-    x, y = np.fromfile("x", float), np.fromfile("y", float)
-    triangles = np.fromfile("triangles", np.int32).reshape(-1, 3)
-    nodes = triangles[np.fromfile("triangle_cells", np.int32) == cell]
-    weights = areas(x, y, nodes)
-    return [float(np.average(x[nodes].mean(axis=1), weights=weights)),
-            float(np.average(y[nodes].mean(axis=1), weights=weights))]
 
 
 def areas(x, y, nodes):
