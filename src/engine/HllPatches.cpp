@@ -101,7 +101,8 @@ class Builder {
 
   void describe_cells() {
     using kernels::HllCellColumns;
-    patch_.geometry.resize(at(patch_.with_states * HllCellColumns::numbers));
+    const int numbers = numbers_of_cells(source_.second_order);
+    patch_.geometry.resize(at(patch_.with_states * numbers));
     if (source_.second_order) {
       patch_.weights.resize(at(patch_.with_states * HllCellColumns::weights_per_cell));
       for (AlignedVector<Local>& column : patch_.neighbours) column.resize(at(patch_.with_states));
@@ -110,7 +111,7 @@ class Builder {
       const int place = place_at(k);
       const cases::HllCellOfCase of =
           cases::hll_cell_of(source_.contents, source_.sides, source_.order[at(place)]);
-      kernels::set_hll_cell(patch_.geometry.data(), k, of.cell);
+      kernels::set_hll_cell(patch_.geometry.data(), numbers, k, of.cell);
       if (k < patch_.cells) source_.reciprocal_length[at(place)] = of.reciprocal_length;
       if (source_.second_order) describe_surroundings(k, place, of.weights);
     }

@@ -14,6 +14,12 @@ namespace engine {
 
 struct Tables;
 
+/// Of the geometry of a cell, see kernels::HllCellColumns.
+constexpr int numbers_of_cells(bool second_order) {
+  using kernels::HllCellColumns;
+  return second_order ? HllCellColumns::numbers : HllCellColumns::numbers_in_first_order;
+}
+
 /// The cells of a patch come first, then the ring of cells across its border, whose states it
 /// computes anew, then in second order the ring around these, of which it takes the water. The
 /// first two begin at multiples of a block, whose last entries repeat a cell.

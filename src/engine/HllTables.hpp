@@ -16,6 +16,8 @@ struct HllTables {
   Column h, qx, qy;               ///< the state after the step that is being computed: m, m2/s
   Column hs, bed;                 ///< the same with sediments, m; else empty
 
+  /// Of the geometry of a cell, see kernels::HllCellColumns.
+  int numbers() const { return numbers_of_cells(second_order); }
   kernels::HllAfterColumns after();
   /// Cells that a step leaves alone have the state after it already.
   void keep(const CellTable& cells, const Range& range);

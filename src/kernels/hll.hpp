@@ -19,10 +19,10 @@ struct HllWaterColumns {
   double *h, *u, *v, *drag, *bed;  ///< see physics::HllNeighbour
 };
 
-/// Static columns of the cells with edge states, interleaved block by block: all eight numbers of
+/// Static columns of the cells with edge states, interleaved block by block: all numbers of
 /// hll_block cells, then those of the next; the weights likewise.
 struct HllCellColumns {
-  static constexpr int numbers = 8, weights_per_cell = 6;
+  static constexpr int numbers_in_first_order = 6, numbers = 8, weights_per_cell = 6;
   const double* geometry;
   const float* weights;
   const Local* neighbours[3];  ///< numbers within the patch
@@ -46,12 +46,13 @@ QM_HD inline int hll_begin(int i, int numbers) {
   return i / hll_block * (hll_block * numbers) + i % hll_block;
 }
 
-QM_HD inline void set_hll_cell(double* geometry, int i, const physics::HllCell& cell) {
-  const double values[] = {cell.shape.r0.x,      cell.shape.r0.y,     cell.shape.r1.x,
-                           cell.shape.r1.y,      cell.bed_slope.x,    cell.bed_slope.y,
-                           cell.reciprocal_area, cell.third_perimeter};
-  double* const to = geometry + hll_begin(i, HllCellColumns::numbers);
-  for (int k = 0; k < HllCellColumns::numbers; ++k) to[k * hll_block] = values[k];
+/// The first numbers of a cell, as many as its scheme has.
+QM_HD inline void set_hll_cell(double* geometry, int numbers, int i, const physics::HllCell& cell) {
+  const double values[] = {cell.shape.r0.x,  cell.shape.r0.y,      cell.shape.r1.x,
+                           cell.shape.r1.y,  cell.reciprocal_area, cell.third_perimeter,
+                           cell.bed_slope.x, cell.bed_slope.y};
+  double* const to = geometry + hll_begin(i, numbers);
+  for (int k = 0; k < numbers; ++k) to[k * hll_block] = values[k];
 }
 
 QM_HD inline void set_hll_weights(float* weights, int i, const physics::SlopeWeights& w) {
@@ -63,9 +64,14 @@ QM_HD inline void set_hll_weights(float* weights, int i, const physics::SlopeWei
 QM_HD inline physics::HllCell hll_cell(const double* from) {
   constexpr int b = hll_block;
   return {{{from[0], from[b]}, {from[2 * b], from[3 * b]}},
-          {from[4 * b], from[5 * b]},
-          from[6 * b],
-          from[7 * b]};
+          {from[6 * b], from[7 * b]},
+          from[4 * b],
+          from[5 * b]};
+}
+/// In first order the bed is level within the cell.
+QM_HD inline physics::HllCell hll_level_cell(const double* from) {
+  constexpr int b = hll_block;
+  return {{{from[0], from[b]}, {from[2 * b], from[3 * b]}}, {0.0, 0.0}, from[4 * b], from[5 * b]};
 }
 
 QM_HD inline physics::SlopeWeights hll_weights(const float* from) {
@@ -119,7 +125,7 @@ QM_HD inline void store_hll_cell_state(const CellColumns& cells, int i, const do
   constexpr bool no_friction = false;  // drag is for the predictor of the second order
   store_hll_water<no_friction>(cells, i, states.waters, k, step.zero_depth);
   const physics::HllCellState state =
-      physics::hll_cell_state(hll_neighbour(states.waters, k), hll_cell(geometry), step.dt);
+      physics::hll_cell_state(hll_neighbour(states.waters, k), hll_level_cell(geometry), step.dt);
   states.share[k] = state.share;
   states.celerity_length[k] = state.celerity_length;
 }

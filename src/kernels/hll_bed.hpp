@@ -33,7 +33,7 @@ QM_HD inline void store_hll_bed(const CellColumns& cells, int i, const HllWaterC
   const physics::PrimitiveWater water = hll_neighbour(waters, k).water;
   const physics::HllBed bed = physics::hll_bed(
       water, carried_bed_load<friction>(cells, i, water, step.grains, step.zero_depth), cells.hs[i],
-      step.porosity, hll_cell(geometry), step.dt);
+      step.porosity, hll_level_cell(geometry), step.dt);
   beds.per_discharge[k] = bed.per_discharge;
   beds.gain[k] = bed.gain;
   beds.reserve[k] = bed.reserve;

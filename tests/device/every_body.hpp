@@ -180,7 +180,7 @@ QM_HD inline void add_hll_bodies(Results& results, Random& random, TwoCells& cel
   TwoHllCells c = {};
   for (int i = 0; i < 2; ++i) {
     const RandomHllCell of = random_hll_cell(random);
-    kernels::set_hll_cell(c.geometry, i, of.cell);
+    kernels::set_hll_cell(c.geometry, kernels::HllCellColumns::numbers, i, of.cell);
     kernels::set_hll_weights(c.weights, i, of.weights);
     kernels::store_hll_water<true>(columns_of(cells, false), i, waters_of(c), i, zero_depth);
     c.reciprocal_length[i] = uniform(random, 0.1, 10.0);

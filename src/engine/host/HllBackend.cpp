@@ -54,7 +54,11 @@ double HllBackend::advance(const std::vector<int>& patches, const kernels::StepV
     Scratch& scratch = scratch_[at(member)];
     scratch.crossing_rate = 0.0;
     const Range share = share_of(member, team_.size(), patches.size());
-    for (int k = share.begin; k < share.end; ++k) advance_patch(patches[at(k)], step, scratch);
+    for (int k = share.begin; k < share.end; ++k) {
+      const bool is_last = k + 1 == share.end;
+      advance_patch(patches[at(k)], step, is_last ? HllAhead{} : ahead(patches[at(k + 1)]),
+                    scratch);
+    }
   });
   double rate = 0.0;
   for (const Scratch& scratch : scratch_) rate = physics::larger(rate, scratch.crossing_rate);
@@ -65,12 +69,22 @@ void HllBackend::note_maxima(const std::vector<int>& patches) {
   note_maxima_of_patches(patches, tables_, team_, loops_);
 }
 
-void HllBackend::advance_patch(int number, const Step& step, Scratch& scratch) {
+HllAhead HllBackend::ahead(int number) const {
+  const Range own = tables_.patches.patches[at(number)].cells;
+  const kernels::CellColumns cells = tables_.columns();
+  return {{cells.h + own.begin, cells.qx + own.begin, cells.qy + own.begin, cells.bed + own.begin},
+          tables_.hll->patches[at(number)].geometry.data(),
+          tables_.hll->numbers(),
+          own.size()};
+}
+
+void HllBackend::advance_patch(int number, const Step& step, const HllAhead& next,
+                               Scratch& scratch) {
   note_maxima_of_patch(number, tables_, loops_);
   if (tables_.hll->second_order) {
-    second_order_fluxes(number, step.values, scratch);
+    second_order_fluxes(number, step.values, next, scratch);
   } else {
-    first_order_fluxes(number, step.values, scratch);
+    first_order_fluxes(number, step.values, next, scratch);
   }
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const Range own = tables_.patches.patches[at(number)].cells;
@@ -112,18 +126,19 @@ HllRange HllBackend::range_of(int number) const {
 }
 
 void HllBackend::second_order_fluxes(int number, const kernels::StepValues& step,
-                                     Scratch& scratch) {
+                                     const HllAhead& next, Scratch& scratch) {
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const kernels::HllEdgeColumns edges = scratch.edges(patch.with_states);
   const kernels::SlotColumns slots = scratch.slots.columns();
   loops_.hll.waters(tables_.columns(), range_of(number), scratch.waters(), step.zero_depth);
   loops_.hll.edges(scratch.waters(), patch.columns(), patch.with_states, edges, step);
   loops_.hll.fluxes_of_edges(patch.edges.columns(), patch.right_slots(), edges, slots,
-                             slots.from(patch.right_slots()), step.zero_depth);
+                             slots.from(patch.right_slots()), step.zero_depth, next);
   boundary_fluxes(number, edges, step, scratch);
 }
 
-void HllBackend::first_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch) {
+void HllBackend::first_order_fluxes(int number, const kernels::StepValues& step,
+                                    const HllAhead& next, Scratch& scratch) {
   const HllPatch& patch = tables_.hll->patches[at(number)];
   const kernels::HllCellStates states = scratch.states();
   const kernels::SlotColumns slots = scratch.slots.columns(),
@@ -131,7 +146,7 @@ void HllBackend::first_order_fluxes(int number, const kernels::StepValues& step,
   const HllRange range = range_of(number);
   loops_.hll.states(tables_.columns(), range, patch.columns(), states, step);
   loops_.hll.fluxes_of_cells(patch.edges.columns(), patch.right_slots(), states, slots, right,
-                             step.zero_depth);
+                             step.zero_depth, next);
   boundary_fluxes(number, states, step, scratch);
   if (!tables_.has_bed) return;
   loops_.hll.beds(tables_.columns(), range, scratch.waters(), patch.columns(), patch.with_states,

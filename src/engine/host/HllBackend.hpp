@@ -50,11 +50,14 @@ class HllBackend : public Backend {
     kernels::HllBedColumns beds();
   };
 
-  void advance_patch(int number, const Step& step, Scratch& scratch);
+  HllAhead ahead(int number) const;
+  void advance_patch(int number, const Step& step, const HllAhead& next, Scratch& scratch);
   HllRange range_of(int number) const;
   /// What passes all edges of a patch, into its slots.
-  void second_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
-  void first_order_fluxes(int number, const kernels::StepValues& step, Scratch& scratch);
+  void second_order_fluxes(int number, const kernels::StepValues& step, const HllAhead& next,
+                           Scratch& scratch);
+  void first_order_fluxes(int number, const kernels::StepValues& step, const HllAhead& next,
+                          Scratch& scratch);
   template <class Visit>
   void for_each_boundary(int number, const Visit& visit) const;
   template <class States>

@@ -21,7 +21,8 @@ template <bool friction>
   const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
-    const double* const geometry = shapes.geometry + first * kernels::HllCellColumns::numbers;
+    const double* const geometry =
+        shapes.geometry + first * kernels::HllCellColumns::numbers_in_first_order;
     int places[block];
     for (int k = 0; k < block; ++k) places[k] = place_at(range, first + k);
 #pragma omp simd

@@ -49,7 +49,8 @@ void hll_waters_of_patch(const kernels::CellColumns& cells, const HllRange& rang
   const kernels::CellColumns cells = given;  // a copy, which the loop cannot change
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
-    const double* const geometry = shapes.geometry + first * kernels::HllCellColumns::numbers;
+    const double* const geometry =
+        shapes.geometry + first * kernels::HllCellColumns::numbers_in_first_order;
     const int end = count - first < block ? count - first : block;
 #pragma omp simd
     for (int k = 0; k < end; ++k) {
@@ -66,7 +67,7 @@ void hll_waters_of_patch(const kernels::CellColumns& cells, const HllRange& rang
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
     const double* const geometry =
-        shapes.geometry + (begin + first) * kernels::HllCellColumns::numbers;
+        shapes.geometry + (begin + first) * kernels::HllCellColumns::numbers_in_first_order;
 #pragma omp simd
     for (int k = 0; k < block; ++k) {
       kernels::store_hll_cell_state(cells, places[first + k], geometry + k, begin + first + k,
@@ -126,14 +127,29 @@ inline HllEnds ends_of_block(const kernels::EdgeColumns<kernels::Local>& edges, 
   return ends;
 }
 
+/// Fetches what the next patch reads of a block of its cells.
+inline void fetch(const HllAhead& ahead, int block) {
+  constexpr int cells = kernels::hll_block, cells_of_line = 8;  // numbers in 64 bytes of the cache
+  if (block * cells >= ahead.cells) return;
+  const double* const geometry = ahead.geometry + block * cells * ahead.numbers;
+  for (int line = 0; line < cells / cells_of_line; ++line) {
+    const int first = block * cells + line * cells_of_line;
+    for (const double* column : ahead.columns) __builtin_prefetch(column + first, 0, 2);
+    for (int k = 0; k < ahead.numbers; ++k) {
+      __builtin_prefetch(geometry + k * cells + line * cells_of_line, 0, 2);
+    }
+  }
+}
+
 /// Fluxes of all edges of a patch, whose count is a multiple of a block, into its slots.
 template <class States>
 [[gnu::flatten]] void hll_fluxes(const kernels::EdgeColumns<kernels::Local>& given, int count,
                                  States states, kernels::SlotColumns left,
-                                 kernels::SlotColumns right, double zero_depth) {
+                                 kernels::SlotColumns right, double zero_depth, HllAhead ahead) {
   const kernels::EdgeColumns<kernels::Local> edges = given;
   constexpr int block = kernels::hll_block;
   for (int first = 0; first < count; first += block) {
+    fetch(ahead, first / block);
     const HllEnds ends = ends_of_block(edges, first);
 #pragma omp simd
     for (int k = 0; k < block; ++k) {

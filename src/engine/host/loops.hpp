@@ -85,11 +85,21 @@ struct HllAdvance {
   bool all_rest;
 };
 
+/// What the next patch reads first, from its first cell on.
+struct HllAhead {
+  const double* columns[4] = {};
+  const double* geometry = nullptr;  ///< see kernels::HllCellColumns
+  int numbers = 0;                   ///< of the geometry of a cell
+  int cells = 0;                     ///< 0: there is no next one
+};
+
 /// Fluxes of so many edges, a multiple of a block, into the slots of their left and right sides.
+/// What lies ahead comes into the cache meanwhile: fluxes leave the memory idle, and a patch has
+/// fewer cells than edges.
 template <class States>
 using HllFluxes = void (*)(const kernels::EdgeColumns<kernels::Local>&, int count, States,
-                           kernels::SlotColumns left, kernels::SlotColumns right,
-                           double zero_depth);
+                           kernels::SlotColumns left, kernels::SlotColumns right, double zero_depth,
+                           HllAhead);
 
 /// The loops of the HLL schemes, in the order of a step of a patch.
 struct HllLoops {
