@@ -8,8 +8,6 @@
 #include <string>
 #include <utility>
 
-#include "utils/Checksum.hpp"
-
 namespace ugrid {
 
 ClassicFile::ClassicFile(utils::WritableFile& file, ClassicLayout layout)
@@ -68,8 +66,11 @@ void ClassicFile::put_values(std::size_t variable, std::size_t record,
 void ClassicFile::write_at(std::uint64_t place, std::string_view bytes) {
   if (error_ != 0) return;
   error_ = file_.write_at(place, bytes);
-  const bool is_in_a_record = place >= layout_.begin_of_records;
-  if (error_ != 0 && is_in_a_record) file_.cut_off(layout_.end_of_record(shown_));
+  if (place < layout_.begin_of_records) return;
+  if (error_ != 0) file_.cut_off(layout_.end_of_record(shown_));
+  const bool begins_a_record = (place - layout_.begin_of_records) % layout_.record_size == 0;
+  if (begins_a_record) sum_ = utils::Checksum();
+  sum_.add(bytes.data(), bytes.size());
 }
 
 void ClassicFile::write_count() {

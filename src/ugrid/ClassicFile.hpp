@@ -9,6 +9,7 @@
 
 #include "ugrid/ClassicLayout.hpp"
 #include "ugrid/DataFile.hpp"
+#include "utils/Checksum.hpp"
 #include "utils/WritableFile.hpp"
 
 namespace ugrid {
@@ -27,6 +28,9 @@ class ClassicFile : public DataFile {
   void put(std::size_t variable, std::size_t record, std::span<const float> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const double> values) override;
   void put(std::size_t variable, std::string_view characters) override;
+  /// Of the record that was put last, whose variables were put in their order: what
+  /// checksum_of_record() finds, without reading it again.
+  std::uint64_t checksum() const { return sum_.value(); }
   /// Lets readers see so many records, once all that was put lies on the disk.
   void show(std::uint64_t records);
 
@@ -45,6 +49,7 @@ class ClassicFile : public DataFile {
   std::uint64_t shown_ = 0;  ///< records
   int error_ = 0;
   std::vector<char> piece_;
+  utils::Checksum sum_;  ///< of the last record so far
 };
 
 /// Why a file cannot be continued behind so many records, as the end of a sentence that begins with

@@ -76,9 +76,13 @@ TEST_F(ClassicFile, GoesOnBehindItsFirstRecords) {
 TEST_F(ClassicFile, HasTheChecksumOfARecordThatIsWhole) {
   ugrid::ClassicFile file(bytes_, layout);
   file.begin();
-  for (int record = 0; record < 2; ++record) put_record(file, record);
-  file.show(2);
   const std::string name = folder.file("a.nc");
+  for (int record = 0; record < 2; ++record) {
+    put_record(file, record);
+    EXPECT_EQ(ugrid::checksum_of_record(name, layout, static_cast<std::uint64_t>(record)),
+              file.checksum());
+  }
+  file.show(2);
   const auto first = ugrid::checksum_of_record(name, layout, 0);
   ASSERT_TRUE(first.has_value());
   ASSERT_TRUE(ugrid::checksum_of_record(name, layout, 1).has_value());
