@@ -8,7 +8,11 @@
 namespace engine {
 
 HllBackend::HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
-    : tables_(tables), team_(team), loops_(loops), scratch_(at(team.size())) {
+    : tables_(tables),
+      team_(team),
+      loops_(loops),
+      scratch_(at(team.size())),
+      untaken_(team.size()) {
   std::size_t cells = 0, with_states = 0, all_cells = 0, slots = 0;
   for (const HllPatch& patch : tables.hll->patches) {
     cells = std::max(cells, at(patch.cells));
@@ -50,13 +54,14 @@ double HllBackend::advance(const std::vector<int>& patches, const kernels::StepV
                            const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                            StepNotes* notes) {
   const Step step = {values, soil_steps, activity, notes};
+  untaken_.deal(patches.size());
   team_.run([&](int member) {
     Scratch& scratch = scratch_[at(member)];
     scratch.crossing_rate = 0.0;
-    const Range share = share_of(member, team_.size(), patches.size());
-    for (int k = share.begin; k < share.end; ++k) {
-      const bool is_last = k + 1 == share.end;
-      advance_patch(patches[at(k)], step, is_last ? HllAhead{} : ahead(patches[at(k + 1)]),
+    for (int k = untaken_.take(member); k >= 0; k = untaken_.take(member)) {
+      // Most likely the next one; another is right as well.
+      const bool is_last = at(k) + 1 == patches.size();
+      advance_patch(patches[at(k)], step, is_last ? HllAhead{} : ahead(patches[at(k) + 1]),
                     scratch);
     }
   });

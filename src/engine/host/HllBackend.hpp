@@ -7,6 +7,7 @@
 #include "engine/HllPatches.hpp"
 #include "engine/SpreadColumns.hpp"
 #include "engine/ThreadTeam.hpp"
+#include "engine/host/SharedList.hpp"
 #include "engine/host/SoilDemand.hpp"
 #include "engine/host/loops.hpp"
 
@@ -69,6 +70,7 @@ class HllBackend : public Backend {
   ThreadTeam& team_;
   const Loops& loops_;
   std::vector<Scratch> scratch_;
+  SharedList untaken_;  ///< of the patches of a step
 };
 
 }  // namespace engine

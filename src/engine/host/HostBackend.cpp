@@ -26,7 +26,8 @@ HostBackend::HostBackend(Tables& tables, ThreadTeam& team, const Loops& loops)
       loops_(loops),
       model_(tables.has_bed ? loops_.water_and_bed : loops_.water),
       watches_hyperbolicity_(tables.has_bed),
-      scratch_(at(team.size())) {
+      scratch_(at(team.size())),
+      untaken_(team.size()) {
   std::size_t slots = 0, cells = 0;
   for (const Patch& patch : tables.patches.patches) {
     slots = std::max(slots, at(patch.empty_slot()) + 1);
@@ -77,11 +78,13 @@ double HostBackend::advance(const std::vector<int>& patches, const kernels::Step
                             StepNotes* notes) {
   if (patches.empty()) return physics::unbounded_step;  // no thread need wake up for nothing
   const Step step = {values, soil_steps, activity, notes};
+  untaken_.deal(patches.size());
   team_.run([&](int member) {
     Scratch& scratch = scratch_[at(member)];
     scratch.smallest_step = physics::unbounded_step;
-    const Range share = share_of(member, team_.size(), patches.size());
-    for (int k = share.begin; k < share.end; ++k) advance_patch(patches[at(k)], step, scratch);
+    for (int k = untaken_.take(member); k >= 0; k = untaken_.take(member)) {
+      advance_patch(patches[at(k)], step, scratch);
+    }
   });
   double smallest = physics::unbounded_step;
   for (const Scratch& scratch : scratch_) {

@@ -3,6 +3,7 @@
 
 #include "engine/Backend.hpp"
 #include "engine/ThreadTeam.hpp"
+#include "engine/host/SharedList.hpp"
 #include "engine/host/SoilDemand.hpp"
 #include "engine/host/loops.hpp"
 
@@ -57,6 +58,7 @@ class HostBackend : public Backend {
   const ModelLoops& model_;
   bool watches_hyperbolicity_;
   std::vector<Scratch> scratch_;  ///< one per thread
+  SharedList untaken_;            ///< of the patches of a step
 };
 
 }  // namespace engine
