@@ -8,8 +8,15 @@
 
 #include "engine/Exchange.hpp"
 #include "ranks/share_of.hpp"
+#include "utils/bytes.hpp"
 
 namespace ranks {
+
+/// Bytes and the other rank: where they go to, or where they came from.
+struct Message {
+  int rank;
+  utils::Bytes bytes;
+};
 
 /// Every rank calls the same functions in the same order, on one thread; to each send belongs a
 /// receive on the other side.
@@ -27,6 +34,12 @@ class Group {
   virtual void broadcast(std::span<std::byte> bytes) = 0;
   virtual void send(std::span<const std::byte> bytes, int to) = 0;
   virtual void receive(std::span<std::byte> bytes, int from) = 0;
+
+  /// Bytes to some ranks, at most one message to each; answers what was sent to this one, by
+  /// ascending senders. All ranks call it, also those with nothing to send.
+  virtual std::vector<Message> send_to_some(std::vector<Message> sent) = 0;
+  /// As many bytes from every rank, in the order of the ranks, on every one.
+  virtual void gather_all(std::span<const std::byte> own, std::span<std::byte> all) = 0;
 
   /// The first ranks of this group as one of their own; null on the others.
   virtual std::unique_ptr<Group> first(int members) = 0;

@@ -1,6 +1,7 @@
 #include "ranks/InProcess.hpp"
 
 #include <algorithm>
+#include <optional>
 #include <thread>
 
 namespace ranks {
@@ -22,6 +23,7 @@ struct InProcess::Shared {
 
   const int size;
   Mailboxes<std::byte> messages;
+  Mailboxes<std::optional<utils::Bytes>> parcels;  ///< that go to some: of the others each is empty
   Mailboxes<double> halos;
   Reduction<engine::StepMinimum> minimum;
   Reduction<physics::StepNotes> notes;
@@ -110,6 +112,29 @@ class InProcess::Member : public Group {
     shared_->messages.between(from, rank_).take([&](const std::vector<std::byte>& message) {
       std::copy(message.begin(), message.end(), bytes.begin());
     });
+  }
+
+  std::vector<Message> send_to_some(std::vector<Message> sent) override {
+    std::vector<std::optional<utils::Bytes>> parcels(at(size()));
+    for (Message& message : sent) parcels[at(message.rank)] = std::move(message.bytes);
+    for (int other = 0; other < size(); ++other) {
+      shared_->parcels.between(rank_, other).post([&](auto& values) {
+        values.push_back(std::move(parcels[at(other)]));
+      });
+    }
+    std::vector<Message> received;
+    for (int other = 0; other < size(); ++other) {
+      shared_->parcels.between(other, rank_).take([&](auto& values) {
+        if (values.front()) received.push_back({other, *std::move(values.front())});
+      });
+    }
+    return received;
+  }
+  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
+    for (int other = 0; other < size(); ++other) send(own, other);
+    for (int other = 0; other < size(); ++other) {
+      receive(all.subspan(at(other) * own.size(), own.size()), other);
+    }
   }
 
   std::unique_ptr<Group> first(int members) override {

@@ -7,6 +7,7 @@
 #include <limits>
 #include <span>
 #include <type_traits>
+#include <vector>
 
 #include "ranks/Group.hpp"
 #include "utils/bytes.hpp"
@@ -18,6 +19,15 @@ template <class Value>
 void broadcast_plain(Group& group, Value& value) {
   static_assert(std::is_trivially_copyable_v<Value>);
   group.broadcast(std::as_writable_bytes(std::span(&value, 1)));
+}
+
+/// A value of every rank that is its bytes, by rank, on all of them.
+template <class Value>
+std::vector<Value> gather_all_plain(Group& group, const Value& own) {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  std::vector<Value> all(static_cast<std::size_t>(group.size()));
+  group.gather_all(std::as_bytes(std::span(&own, 1)), std::as_writable_bytes(std::span(all)));
+  return all;
 }
 
 /// Gathers bytes to blocks, each of which all other ranks get; rank 0 has one.

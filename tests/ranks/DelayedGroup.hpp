@@ -77,6 +77,14 @@ class DelayedGroup final : public ranks::Group {
     wait_();
     group_->receive(bytes, from);
   }
+  std::vector<ranks::Message> send_to_some(std::vector<ranks::Message> sent) override {
+    wait_();
+    return group_->send_to_some(std::move(sent));
+  }
+  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
+    wait_();
+    group_->gather_all(own, all);
+  }
   std::unique_ptr<ranks::Group> first(int members) override {
     auto group = group_->first(members);
     return group ? std::make_unique<DelayedGroup>(std::move(group), seed_ + 1) : nullptr;

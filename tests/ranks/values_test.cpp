@@ -7,7 +7,9 @@
 #include <numeric>
 #include <thread>
 
+#include "ranks/DelayedGroup.hpp"
 #include "ranks/InProcess.hpp"
+#include "ranks/expect_collectives.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/basin.hpp"
 
@@ -72,6 +74,25 @@ TEST(ValuesOfRanks, AValueIsSentToOneRank) {
       EXPECT_EQ(ranks::receive_value<std::string>(group, 0), text + std::to_string(group.rank()));
     }
   });
+}
+
+TEST(RanksInOneProcess, SendToSomeAndGatherInAnyOrderOfArrival) {
+  for (const int count : {1, 2, 3, 5, 7}) {
+    on_ranks(count, [](ranks::Group& group) {
+      test_ranks::expect_messages_to_some(group);
+      test_ranks::expect_gathered_by_all(group);
+    });
+    ranks::InProcess job(count);
+    std::vector<std::thread> members;
+    for (int rank = 0; rank < count; ++rank) {
+      members.emplace_back([&, rank] {
+        test_ranks::DelayedGroup group(job.group(rank), 3);
+        test_ranks::expect_messages_to_some(group);
+        test_ranks::expect_gathered_by_all(group);
+      });
+    }
+    for (std::thread& member : members) member.join();
+  }
 }
 
 TEST(ValuesOfRanks, TheFirstRanksAreAGroupOfTheirOwn) {

@@ -23,9 +23,12 @@ class MpiSession {
 
 class MpiGroup final : public Group {
  public:
+  /// MPI counts with an int, and some libraries fail well below its largest.
+  static constexpr std::size_t largest_piece = 1 << 30;
+
   /// Within a session; every process of the communicator makes one. Any failure of MPI ends the
-  /// job.
-  explicit MpiGroup(MPI_Comm communicator = MPI_COMM_WORLD);
+  /// job. No call moves more bytes than a piece; to be the same on all processes.
+  explicit MpiGroup(MPI_Comm communicator = MPI_COMM_WORLD, std::size_t piece = largest_piece);
   ~MpiGroup() override;
   MpiGroup(const MpiGroup&) = delete;
   MpiGroup& operator=(const MpiGroup&) = delete;
@@ -36,11 +39,21 @@ class MpiGroup final : public Group {
   void broadcast(std::span<std::byte> bytes) override;
   void send(std::span<const std::byte> bytes, int to) override;
   void receive(std::span<std::byte> bytes, int from) override;
+  std::vector<Message> send_to_some(std::vector<Message> sent) override;
+  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override;
   std::unique_ptr<Group> first(int members) override;
   std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) override;
 
  private:
+  /// Calls move(begin, count) for all bytes, piece by piece.
+  template <class Bytes, class Move>
+  void for_each_piece(Bytes bytes, const Move& move) const;
+  /// The sizes of what others send to this rank, which tell theirs.
+  std::vector<Message> receive_sizes(const std::vector<Message>& sent);
+
   MPI_Comm communicator_ = MPI_COMM_NULL;  ///< its own
+  std::size_t piece_;
+  int rounds_ = 0;  ///< of messages to some
   int cores_;
 };
 
