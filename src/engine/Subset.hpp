@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "case/Mesh.hpp"
-#include "case/schemes.hpp"
 
 namespace engine {
 
@@ -16,10 +15,6 @@ struct Subset {
 
   bool is_whole() const { return owned.empty(); }
 };
-
-/// How far a scheme looks across the rim of its cells: that of second order computes edge states of
-/// neighbours anew, from the neighbours of these.
-constexpr int rings_of(cases::Scheme scheme) { return scheme == cases::Scheme::hll2 ? 2 : 1; }
 
 /// The subset of these cells (ascending), with so many rings of ghosts around them: the first are
 /// the neighbours of owned cells, the second the neighbours of those.

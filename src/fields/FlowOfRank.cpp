@@ -55,7 +55,7 @@ Value part_of(const Value& all, const ranks::Cells& cells) {
 FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
     : case_(contents), group_(group) {
   ranks::Share share =
-      ranks::share_of(contents.mesh, plan.cells, group.rank(), engine::rings_of(contents.scheme));
+      ranks::share_of(contents.mesh, plan.cells, group.rank(), cases::rings_of(contents.scheme));
   exchange_ = group.exchange(std::move(share.halos));
   std::vector<int> owners = ranks::owners_of(plan.cells);
   list_boundaries(owners);

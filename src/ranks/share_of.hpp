@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "case/Part.hpp"
 #include "engine/Subset.hpp"
 
 namespace ranks {

@@ -56,7 +56,7 @@ class RanksInProcess : public PartsOfCourse {
       const auto cells = ranks::cut_along_curve(contents.mesh, count);
       ASSERT_EQ(cells.size(), at(count));
       expect_same(contents, expected,
-                  shares_of(contents.mesh, cells, engine::rings_of(contents.scheme)));
+                  shares_of(contents.mesh, cells, cases::rings_of(contents.scheme)));
     }
   }
 };

@@ -102,7 +102,7 @@ TEST_F(RanksInProcess, GiveTheSameBitsHoweverLateTheirMessagesCome) {
     const Course expected = run_alone(contents, 20);
     for (const int count : {2, 3, 5, 7}) {
       const auto shares =
-          shares_of(contents.mesh, uneven_parts(contents.mesh, count), engine::rings_of(scheme));
+          shares_of(contents.mesh, uneven_parts(contents.mesh, count), cases::rings_of(scheme));
       ranks::InProcess job(count);
       std::vector<std::thread> members;
       for (int rank = 0; rank < count; ++rank) {
@@ -131,7 +131,7 @@ TEST_F(RanksInProcess, GoOnFromAnyState) {
     if (k == 2) contents.scheme = cases::Scheme::hll1;
     const Course expected = run_alone(contents, 40);
     const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3),
-                                  engine::rings_of(contents.scheme));
+                                  cases::rings_of(contents.scheme));
     for (const int first : {0, 25}) {
       run_side_by_side(contents, shares, 1, 64, [&](int rank, engine::Engine& engine) {
         const engine::Subset& subset = shares[at(rank)].subset;

@@ -40,7 +40,7 @@ class NotesOfRanks : public RanksInProcess {
     const Notes expected = notes_alone(contents, steps);
     for (const int count : {2, 3, 5}) {
       const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, count),
-                                    engine::rings_of(contents.scheme));
+                                    cases::rings_of(contents.scheme));
       run_side_by_side(contents, shares, 1, 64, [&](int rank, engine::Engine& engine) {
         const std::vector<physics::StepNotes> notes = notes_of_steps(engine, steps);
         for (std::size_t i = 0; i < notes.size(); ++i)

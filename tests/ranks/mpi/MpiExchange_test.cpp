@@ -31,7 +31,7 @@ class MpiExchange : public test_ranks::PartsOfCourse {
     explicit Part(const cases::Case& contents)
         : Part(ranks::share_of(contents.mesh,
                                ranks::cut_along_curve(contents.mesh, number_of_ranks()),
-                               rank_here(), engine::rings_of(contents.scheme))) {}
+                               rank_here(), cases::rings_of(contents.scheme))) {}
     explicit Part(ranks::Share share)
         : subset(std::move(share.subset)),
           exchange(std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD, std::move(share.halos))) {}
