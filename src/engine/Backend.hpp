@@ -12,7 +12,7 @@ namespace engine {
 
 /// Where the coupled system of water and bed was found not to be hyperbolic.
 struct NotHyperbolic {
-  int edge;   ///< of the model
+  int edge;   ///< its number in the whole case
   int place;  ///< of the cell
   double h, qx, qy;
 };

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <numeric>
 #include <stdexcept>
-#include <utility>
 
 #include "engine/device/make_device_backend.hpp"
 #include "engine/host/HllBackend.hpp"
@@ -24,22 +23,29 @@ std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team,
   return std::make_unique<HostBackend>(tables, team, loops);
 }
 
-int cells_per_patch_for(const Processor& processor) {
-  return processor.device != Device::none ? device::cells_per_patch : 0;
+Tables make_tables(const cases::Case& contents, const cases::Part* part, ThreadTeam& team,
+                   int cells_per_patch, const Processor& processor) {
+  const bool is_on_device = processor.device != Device::none;
+  if (cells_per_patch == 0 && is_on_device) cells_per_patch = device::cells_per_patch;
+  return part != nullptr ? make_tables(*part, team, cells_per_patch)
+                         : make_tables(contents, team, cells_per_patch);
 }
 
 }  // namespace
 
 Engine::Engine(const cases::Case& contents, int threads, int cells_per_patch,
                const Processor& processor)
-    : Engine(contents, {}, alone_, threads, cells_per_patch, processor) {}
+    : Engine(contents, nullptr, alone_, threads, cells_per_patch, processor) {}
 
-Engine::Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-               int cells_per_patch, const Processor& processor)
+Engine::Engine(const cases::Part& part, Exchange& exchange, int threads, int cells_per_patch,
+               const Processor& processor)
+    : Engine(part.contents, &part, exchange, threads, cells_per_patch, processor) {}
+
+Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& exchange,
+               int threads, int cells_per_patch, const Processor& processor)
     : exchange_(exchange),
       team_(threads),
-      tables_(make_tables(contents, std::move(subset), team_,
-                          cells_per_patch > 0 ? cells_per_patch : cells_per_patch_for(processor))),
+      tables_(make_tables(contents, part, team_, cells_per_patch, processor)),
       forcing_(contents, tables_),
       activity_(tables_),
       is_on_device_(processor.device != Device::none),
@@ -120,10 +126,10 @@ void Engine::find_not_hyperbolic() {
   const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
   ignore_not_hyperbolic();
   // An edge between two ranks is found on both.
-  if (!found || found->edge != agreed_.not_hyperbolic || !tables_.is_owned(found->place)) return;
+  if (!found || found->edge != agreed_.not_hyperbolic || found->place >= tables_.owned) return;
   not_hyperbolic_ = found;
   const auto cell = std::find(tables_.place.begin(), tables_.place.end(), found->place);
-  not_hyperbolic_->place = static_cast<int>(cell - tables_.place.begin());
+  not_hyperbolic_->place = tables_.number_of(static_cast<int>(cell - tables_.place.begin()));
 }
 
 void Engine::ignore_not_hyperbolic() {
@@ -200,7 +206,7 @@ void Engine::set_state(const State& state) {
 
 void Engine::load_column(const std::vector<double>& values, Column& column) const {
   for (int k = 0; k < static_cast<int>(values.size()); ++k) {
-    column[at(tables_.place[at(tables_.owned_cell(k))])] = values[at(k)];
+    column[at(tables_.place[at(k)])] = values[at(k)];
   }
 }
 
@@ -232,7 +238,7 @@ void Engine::read(const Column& column, std::span<double> values) {
   team_.run([&](int member) {
     const Range share = share_of(member, team_.size(), values.size());
     for (int k = share.begin; k < share.end; ++k) {
-      values[at(k)] = column[at(tables_.place[at(tables_.owned_cell(k))])];
+      values[at(k)] = column[at(tables_.place[at(k)])];
     }
   });
 }

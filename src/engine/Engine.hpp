@@ -21,9 +21,10 @@ struct Wishes {
   bool stop = false, checkpoint = false;
 };
 
-/// Cells and boundaries are named by their numbers in the case. An engine of a subset computes its
-/// owned cells and is one of several ranks: what is marked "together" is to be called on all of
-/// them, in the same order.
+/// Cells and boundaries are named by their numbers in the case or part that it is made of; but what
+/// ranks tell each other, notes and not_hyperbolic(), by those in the whole case. An engine of a
+/// part computes its own cells and is one of several ranks: what is marked "together" is to be
+/// called on all of them, in the same order.
 class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
@@ -31,9 +32,9 @@ class Engine {
   /// make_tables does, std::runtime_error as loops_for() and make_device_backend() do.
   Engine(const cases::Case& contents, int threads, int cells_per_patch = 0,
          const Processor& processor = {});
-  /// The same for a subset of its cells, with an exchange that must outlive the engine.
-  Engine(const cases::Case& contents, Subset subset, Exchange& exchange, int threads,
-         int cells_per_patch = 0, const Processor& processor = {});
+  /// The same of a part, with an exchange; both must outlive the engine.
+  Engine(const cases::Part& part, Exchange& exchange, int threads, int cells_per_patch = 0,
+         const Processor& processor = {});
 
   /// Together: stable step of the present states of all ranks before the Courant factor, s.
   double stable_step(double t);
@@ -46,11 +47,11 @@ class Engine {
   State state();
   /// The same into a state that holds another one, whose memory is taken again.
   void save(State& state);
-  /// Together: puts such a state of the same case and subset in force, which holds maxima where
+  /// Together: puts such a state of the same case or part in force, which holds maxima where
   /// they are kept; throws std::invalid_argument if it lacks them.
   void set_state(const State& state);
 
-  // Between steps; the cells and boundaries are those of the case.
+  // Between steps; the cells are owned.
   /// Replaces depths and discharges.
   void set_water(std::span<const cases::Number> cells,
                  std::span<const physics::InitialWater> water);
@@ -82,7 +83,7 @@ class Engine {
   void load_notes(const SavedNotes& notes);
   UnseenDepths unseen_depths(cases::Number cell) const;
   /// Where the last step was not hyperbolic, on the first such edge; only the first time, and on
-  /// the rank that owns the cell. `place` is then the number of the cell in the case.
+  /// the rank that owns the cell. `place` is then the number of the cell.
   const std::optional<NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
 
   /// Whether that is told of the last step, on any rank.
@@ -97,6 +98,10 @@ class Engine {
   int active_patches() const { return static_cast<int>(activity_.patches().size()); }
 
  private:
+  /// Of a part, or (null) of a whole case.
+  Engine(const cases::Case& contents, const cases::Part* part, Exchange& exchange, int threads,
+         int cells_per_patch, const Processor& processor);
+
   double advance_patches(const std::vector<int>& patches);
   /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.
   double bounded_by_boundaries(double smallest_step, double t);

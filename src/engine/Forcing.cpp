@@ -69,7 +69,7 @@ void Forcing::impose_on_boundary(std::size_t boundary, double value) {
 
 void Forcing::impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities,
                           Tables& tables) {
-  imposed_rain_.resize(tables.place.size(), nothing);
+  imposed_rain_.resize(at(tables.owned), nothing);
   for (std::size_t i = 0; i < cells.size(); ++i) imposed_rain_[at(cells[i])] = intensities[i];
   place_rain(tables);
 }
@@ -115,15 +115,15 @@ void Forcing::place_rain(Tables& tables) {
   steady_rains_.clear();
   std::unordered_map<double, int> numbers;
   for (std::size_t cell = 0; any_rain && cell < tables.place.size(); ++cell) {
-    if (tables.place[cell] < 0) continue;
     int& number = rain[at(tables.place[cell])];
-    if (imposed_rain_.empty() || std::isnan(imposed_rain_[cell])) {
+    const double imposed = cell < imposed_rain_.size() ? imposed_rain_[cell] : nothing;
+    if (std::isnan(imposed)) {
       number = of_case.empty() ? 0 : of_case[cell] + 1;
       continue;
     }
     const auto first_free = static_cast<int>(1 + rain_.size() + steady_rains_.size());
-    const auto [known, is_new] = numbers.try_emplace(imposed_rain_[cell], first_free);
-    if (is_new) steady_rains_.push_back(imposed_rain_[cell]);
+    const auto [known, is_new] = numbers.try_emplace(imposed, first_free);
+    if (is_new) steady_rains_.push_back(imposed);
     number = known->second;
   }
   rain_depths_.assign(1 + rain_.size() + steady_rains_.size(), 0.0);

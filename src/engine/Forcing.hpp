@@ -35,7 +35,7 @@ class Forcing {
 
   /// From now on a boundary of the case imposes a discharge (m2/s) or a level (m).
   void impose_on_boundary(std::size_t boundary, double value);
-  /// From now on steady rains (m/s) fall on cells of the case.
+  /// From now on steady rains (m/s) fall on owned cells of the case.
   void impose_rain(std::span<const cases::Number> cells, std::span<const double> intensities,
                    Tables& tables);
 

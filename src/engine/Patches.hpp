@@ -62,9 +62,9 @@ struct Patches {
   std::vector<int> outer_slots;
   EdgeTable<kernels::Local> edges;  ///< within patches; the cells count from the first of the patch
   EdgeTable<int> cut_edges;         ///< the cells are places in the tables
-  /// Numbers of these edges in the mesh; -1: none, behind the last edge of a patch.
+  /// Numbers of these edges in the mesh of the whole case; -1: none, behind the last of a patch.
   std::vector<cases::Number> edge_number, cut_edge_number;
-  std::vector<cases::Number> boundary_edge;  ///< numbers of the edges with a boundary condition
+  std::vector<cases::Number> boundary_edge;  ///< those with a boundary condition, here
   AlignedVector<kernels::Local> slots[3];    ///< of the cells, in the scratch of their patch
 };
 
@@ -72,13 +72,13 @@ struct Patches {
 /// second cache, and kernels::Local numbers them.
 inline constexpr int most_cells_per_patch = 4096;
 
-/// How many cells of a number of them a patch takes: as many patches for every thread; a multiple of
-/// a cache line of doubles, so that no two threads write to one.
+/// How many cells of a number of them a patch takes: as many patches for every thread; a multiple
+/// of a cache line of doubles, so that no two threads write to one.
 int cells_per_patch_for(int cells, int threads);
 
 /// Cuts cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
 /// where their edges cannot be numbered. `place` is where each cell of the mesh stands: below
-/// `owned` those that the patches hold, then their ghosts; -1: elsewhere. Throws std::length_error
+/// `owned` those that the patches hold, then their ghosts. Throws std::length_error
 /// where a few cells have more edges than kernels::Local can number.
 Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
                      int cells_per_patch, ThreadTeam& team);

@@ -20,12 +20,11 @@ bool sets_step(const Tables& tables, std::size_t place, double step) {
          tables.stable_step_at(place) == step;
 }
 
-/// Numbers in the case of the cells of the tables, by their places.
+/// Numbers in the whole case of the owned cells, by their places.
 std::vector<int> numbers_at_places(const Tables& tables) {
   std::vector<int> numbers(at(tables.owned));
-  for (int k = 0; k < tables.owned; ++k) {
-    const int cell = tables.owned_cell(k);
-    numbers[at(tables.place[at(cell)])] = cell;
+  for (int cell = 0; cell < tables.owned; ++cell) {
+    numbers[at(tables.place[at(cell)])] = tables.number_of(cell);
   }
   return numbers;
 }
@@ -47,8 +46,8 @@ StepNotes::StepNotes(const Tables& tables, double stable_step, int place_of_boun
 void StepNotes::note_present(const Tables& tables, double stable_step, int place_of_bound) {
   int first_to_set_step = -1;
   for (int k = 0; k < tables.owned; ++k) {
-    const int cell = tables.owned_cell(k);
-    const std::size_t place = at(tables.place[at(cell)]);
+    const int cell = tables.number_of(k);
+    const std::size_t place = at(tables.place[at(k)]);
     const physics::FlowExtremes of_cell = extremes_at(tables, place);
     physics::note(notes_.speed_squared, of_cell.speed_squared, cell);
     physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
@@ -90,9 +89,9 @@ int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patch
   const auto sets_it = [&](std::size_t place) { return sets_step(tables, place, smallest); };
   return physics::limiting_cell(
       smallest, tables.dry_step, notes_.limiting_cell,
-      [&](int cell) {
-        const int place = tables.place[at(cell)];
-        return tables.is_owned(place) && sets_it(at(place));
+      [&](int number) {
+        const int cell = tables.cell_of(number);
+        return cell >= 0 && sets_it(at(tables.place[at(cell)]));
       },
       [&] {
         return first_cell(
@@ -113,6 +112,11 @@ void StepNotes::note_record(const Tables& tables, const std::vector<int>& patche
   record = {largest,
             first_cell(
                 tables, patches, [&](int p) { return extremes[at(p)].*value == largest; }, has_it)};
+}
+
+int StepNotes::limiting_place(const Tables& tables) const {
+  const int cell = notes_.limiting_cell < 0 ? -1 : tables.cell_of(notes_.limiting_cell);
+  return cell < 0 ? -1 : tables.place[at(cell)];
 }
 
 template <class Qualifies, class IsMeant>

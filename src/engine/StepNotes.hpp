@@ -17,6 +17,7 @@ struct UnseenDepths {
   double taken_discharge;
 };
 
+/// The notes name cells by their numbers in the whole case.
 class StepNotes {
  public:
   /// Begins with the present states, whose stable step it is told (s), and the place of the cell
@@ -38,17 +39,15 @@ class StepNotes {
   /// Goes on from the notes of an earlier run.
   void set_last_step(const physics::StepNotes& notes) { notes_ = notes; }
   UnseenDepths unseen_depths(int place) const;
-  /// Place of the cell that set the last step; -1 without one.
-  int limiting_place(const Tables& tables) const {
-    return notes_.limiting_cell < 0 ? -1 : tables.place[at(notes_.limiting_cell)];
-  }
+  /// Place of the cell that set the last step; -1 where it is not here, or there is none.
+  int limiting_place(const Tables& tables) const;
 
  private:
   void note_present(const Tables& tables, double stable_step, int place_of_bound);
   int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest) const;
   void note_record(const Tables& tables, const std::vector<int>& patches,
                    physics::FlowRecord& record, double physics::FlowExtremes::*value) const;
-  /// The lowest number, in the model, of a cell whose place is meant in a patch that qualifies; -1
+  /// The lowest number of a cell whose place is meant in a patch that qualifies; -1
   /// without one.
   template <class Qualifies, class IsMeant>
   int first_cell(const Tables& tables, const std::vector<int>& patches, const Qualifies& qualifies,

@@ -1,5 +1,7 @@
 #include "engine/Tables.hpp"
 
+#include <algorithm>
+
 #include "physics/hll_bed_load.hpp"
 #include "physics/stable_step.hpp"
 
@@ -48,6 +50,13 @@ kernels::CellColumns Tables::columns() {
           .slots = {patches.slots[0].data(), patches.slots[1].data(), patches.slots[2].data()}};
 }
 
+int Tables::cell_of(cases::Number number) const {
+  if (cell_number.empty()) return number;
+  const auto found = std::lower_bound(cell_number.begin(), cell_number.end(), number);
+  const bool is_here = found != cell_number.end() && *found == number;
+  return is_here ? static_cast<int>(found - cell_number.begin()) : -1;
+}
+
 void Tables::set_bed_from_sediment(const Range& places) {
   if (!has_bed) return;
   for (std::size_t i = at(places.begin); i < at(places.end); ++i) {
@@ -81,7 +90,7 @@ std::size_t Tables::bytes() const {
   return bytes_of(c.h, c.qx, c.qy, c.eta, c.max_h, c.bed, c.max_node, c.reciprocal_area,
                   c.char_length, c.manning, c.infiltrated, c.hs, c.qsx, c.qsy, c.dqs_dh, c.rock,
                   c.rain, c.soil) +
-         bytes_of(shortest, place, owned_cells, boundaries, boundary_place) + p.edges.bytes() +
+         bytes_of(shortest, place, cell_number, boundaries, boundary_place) + p.edges.bytes() +
          p.cut_edges.bytes() +
          bytes_of(p.edge_number, p.cut_edge_number, p.boundary_edge, p.slots[0], p.slots[1],
                   p.slots[2], p.patches, p.neighbours, p.outer_slots) +

@@ -5,12 +5,11 @@
 #include <optional>
 #include <vector>
 
-#include "case/Case.hpp"
+#include "case/Part.hpp"
 #include "engine/HllTables.hpp"
 #include "engine/MaximaTable.hpp"
 #include "engine/Patches.hpp"
 #include "engine/Soil.hpp"
-#include "engine/Subset.hpp"
 #include "kernels/boundary.hpp"
 
 namespace engine {
@@ -56,10 +55,10 @@ struct Tables {
 
   CellTable cells;
   Column shortest;         ///< characteristic length of every run of cells_of_shortest cells, m
-  std::vector<int> place;  ///< of the cells of the case in the tables; -1: not here
+  std::vector<int> place;  ///< of the cells of the case, or of the part, in the tables
   int owned = 0;           ///< places below are computed; those from there on are ghosts
-  /// Numbers of the owned cells in the case, ascending; empty: all of them.
-  std::vector<cases::Number> owned_cells;
+  /// Numbers in the whole case of the cells that a part owns, ascending; empty: the case is whole.
+  std::vector<cases::Number> cell_number;
   Patches patches;
   std::vector<kernels::BoundaryEdge> boundaries;  ///< in the order of Patches::boundary_edge
   std::vector<int> boundary_place;  ///< of the boundaries of the case among them; -1: not here
@@ -75,9 +74,12 @@ struct Tables {
   int cells_per_patch() const { return patches.patches.front().cells.size(); }
   int cut_edges() const { return static_cast<int>(patches.cut_edges.left.size()); }
   int first_boundary_slot() const { return 2 * cut_edges(); }
-  bool is_owned(int place_of_cell) const { return place_of_cell >= 0 && place_of_cell < owned; }
-  /// Number in the case of the owned cell that comes k-th among them.
-  cases::Number owned_cell(int k) const { return owned_cells.empty() ? k : owned_cells[at(k)]; }
+  /// Number in the whole case of an owned cell.
+  cases::Number number_of(int cell) const {
+    return cell_number.empty() ? cell : cell_number[at(cell)];
+  }
+  /// The owned cell that has a number in the whole case; -1: another part has it.
+  int cell_of(cases::Number number) const;
   Range ghosts() const { return {owned, static_cast<int>(cells.h.size())}; }
   kernels::CellColumns columns();
   /// Lays the sediment of cells on their rock.
@@ -96,10 +98,12 @@ struct Tables {
 /// in the HLL schemes level (m); 0 where it imposes nothing.
 double imposed_by(int code, double value, const Tables& tables, int place);
 
-/// The tables of some cells of a case at its start, in patches of a number of cells (0: what suits
-/// mesh and threads). Every thread touches first what it works on later. Throws std::length_error
-/// as make_patches does.
-Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
-                   int cells_per_patch = 0);
+/// The tables of a case at its start, in patches of a number of cells (0: what suits mesh and
+/// threads). Every thread touches first what it works on later. Throws std::length_error as
+/// make_patches does.
+Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch = 0);
+/// Those of a part, whose own cells they own; the numbers of edges that a step tells of are those
+/// in the whole case.
+Tables make_tables(const cases::Part& part, ThreadTeam& team, int cells_per_patch = 0);
 
 }  // namespace engine

@@ -12,8 +12,7 @@ struct CentersOfCells {
   std::vector<double> x, y;  ///< m
 };
 
-/// Of these cells; of all where none are given.
-CentersOfCells centers_of(const cases::Mesh& mesh, const std::vector<cases::Number>& cells,
-                          ThreadTeam& team);
+/// Of the first cells of a mesh.
+CentersOfCells centers_of(const cases::Mesh& mesh, cases::Number cells, ThreadTeam& team);
 
 }  // namespace engine

@@ -1,6 +1,6 @@
-// Builds the tables of a case.
+// Builds the tables of a case, or of a part of one.
 #include <algorithm>
-#include <utility>
+#include <numeric>
 
 #include "case/boundary_kinds.hpp"
 #include "case/initial_state.hpp"
@@ -16,14 +16,14 @@ namespace {
 
 using cases::Number;
 
-/// The cells of the tables in their order, the ghosts behind the others.
-std::vector<int> order_of_cells(const cases::Mesh& mesh, const Subset& subset, int cells_per_patch,
+/// The cells of a mesh in the order of the tables: the first of them, which are owned, in that of
+/// their patches, then the ghosts as they come.
+std::vector<int> order_of_cells(const cases::Mesh& mesh, int owned, int cells_per_patch,
                                 ThreadTeam& team) {
-  const CentersOfCells centers = centers_of(mesh, subset.owned, team);
+  const CentersOfCells centers = centers_of(mesh, owned, team);
   std::vector<int> order = order_by_swept_runs(centers.x, centers.y, cells_per_patch, team);
-  if (subset.is_whole()) return order;
-  for (int& cell : order) cell = subset.owned[at(cell)];
-  order.insert(order.end(), subset.ghosts.begin(), subset.ghosts.end());
+  order.resize(at(mesh.n_cells()));
+  std::iota(order.begin() + owned, order.end(), owned);
   return order;
 }
 
@@ -129,26 +129,24 @@ void place_boundaries(Tables& tables, const cases::Mesh& mesh) {
   }
 }
 
-/// Sets the largest depth and the smallest length of all cells of the case, and what follows for
-/// dry ones.
-void set_scales(const cases::Case& contents, Tables& tables) {
-  tables.h0 = 0.0;
-  for (const double h : tables.cells.h) tables.h0 = physics::larger(tables.h0, h);
-  tables.char_length_min = physics::unbounded_step;
+/// Of the cells of the tables, which are those of the whole case.
+cases::CaseScales scales_of_cells(const Tables& tables) {
+  cases::CaseScales scales = {0.0, physics::unbounded_step};
+  for (const double h : tables.cells.h) scales.h0 = physics::larger(scales.h0, h);
   for (const double length : tables.shortest) {
-    tables.char_length_min = physics::smaller(tables.char_length_min, length);
+    scales.char_length_min = physics::smaller(scales.char_length_min, length);
   }
-  for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
-    if (tables.is_owned(tables.place[at(cell)])) continue;
-    tables.h0 = physics::larger(tables.h0, cases::initial_water_of(contents, cell).h);
-    tables.char_length_min =
-        physics::smaller(tables.char_length_min, contents.mesh.geometry_of(cell).char_length());
-  }
+  return scales;
+}
+
+/// Sets the scales of the whole case, and what follows for dry cells.
+void set_scales(const cases::CaseScales& scales, cases::Scheme scheme, Tables& tables) {
+  tables.h0 = scales.h0;
+  tables.char_length_min = scales.char_length_min;
   // The HLL schemes bound the step by wet cells and their neighbours.
-  tables.dry_step =
-      !cases::is_hll(contents.scheme)
-          ? physics::stable_step_dry(tables.char_length_min, tables.h0, tables.zero_depth)
-          : physics::unbounded_step;
+  tables.dry_step = !cases::is_hll(scheme) ? physics::stable_step_dry(tables.char_length_min,
+                                                                      tables.h0, tables.zero_depth)
+                                           : physics::unbounded_step;
 }
 
 std::vector<Soil> soils_of(const cases::Case& contents) {
@@ -169,6 +167,15 @@ void mark_border(Tables& tables, const std::vector<Number>& border) {
   }
 }
 
+/// From now on edges have the numbers that these of a part have in the whole case.
+void rename_edges(Patches& patches, const std::vector<Number>& edge_number) {
+  for (std::vector<Number>* const numbers : {&patches.edge_number, &patches.cut_edge_number}) {
+    for (Number& edge : *numbers) {
+      if (edge >= 0) edge = edge_number[at(edge)];
+    }
+  }
+}
+
 void list_soils(Tables& tables) {
   if (tables.cells.soil.empty()) return;
   tables.soils_of_patch.resize(tables.patches.patches.size());
@@ -183,6 +190,40 @@ void list_soils(Tables& tables) {
   }
 }
 
+/// All but the scales, of the first cells of a case; the others are their ghosts.
+Tables make_tables_of_first(int owned, const cases::Case& contents, ThreadTeam& team,
+                            int cells_per_patch) {
+  Tables tables;
+  const cases::Mesh& mesh = contents.mesh;
+  tables.has_bed = contents.has_sediments;
+  tables.zero_depth = contents.zero_depth;
+  tables.porosity = contents.sediment.porosity;
+  tables.grains = {contents.sediment.d50, contents.sediment.density};
+  // Soils that no cell names change nothing.
+  if (!contents.fields.soil.empty()) tables.soils = soils_of(contents);
+  tables.owned = owned;
+  if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(owned, team.size());
+
+  const std::vector<int> order = order_of_cells(mesh, owned, cells_per_patch, team);
+  tables.place = places_of(order);
+  tables.patches = make_patches(mesh, tables.place, owned, cells_per_patch, team);
+  CellColumnsOfCase columns(contents, order, tables);
+  const int patch = tables.cells_per_patch();
+  team.run([&](int member) {
+    const Range patches = share_of(member, team.size(), tables.patches.patches.size());
+    columns.fill(patches.begin * patch, std::min(owned, patches.end * patch));
+  });
+  columns.fill_ghosts();
+  // Only fluxes over a mobile bed tell of edges by their numbers.
+  if (!tables.has_bed) tables.patches.edge_number = tables.patches.cut_edge_number = {};
+  if (cases::is_hll(contents.scheme)) tables.hll.emplace();
+  place_boundaries(tables, mesh);
+  list_soils(tables);
+  tables.outer.assign(at(tables.first_boundary_slot()) + tables.boundaries.size(), tables.has_bed);
+  if (tables.hll) make_hll_tables(contents, order, team, tables);
+  return tables;
+}
+
 }  // namespace
 
 double imposed_by(int code, double value, const Tables& tables, int place) {
@@ -193,39 +234,18 @@ double imposed_by(int code, double value, const Tables& tables, int place) {
   return kind->imposes_discharge() ? value : 0.0;
 }
 
-Tables make_tables(const cases::Case& contents, Subset subset, ThreadTeam& team,
-                   int cells_per_patch) {
-  Tables tables;
-  const cases::Mesh& mesh = contents.mesh;
-  tables.has_bed = contents.has_sediments;
-  tables.zero_depth = contents.zero_depth;
-  tables.porosity = contents.sediment.porosity;
-  tables.grains = {contents.sediment.d50, contents.sediment.density};
-  // Soils that no cell names change nothing.
-  if (!contents.fields.soil.empty()) tables.soils = soils_of(contents);
-  tables.owned = subset.is_whole() ? mesh.n_cells() : static_cast<int>(subset.owned.size());
-  if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(tables.owned, team.size());
+Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch) {
+  Tables tables = make_tables_of_first(contents.mesh.n_cells(), contents, team, cells_per_patch);
+  set_scales(scales_of_cells(tables), contents.scheme, tables);
+  return tables;
+}
 
-  const std::vector<int> order = order_of_cells(mesh, subset, cells_per_patch, team);
-  tables.place = places_of(order, at(mesh.n_cells()));
-  tables.patches = make_patches(mesh, tables.place, tables.owned, cells_per_patch, team);
-  CellColumnsOfCase columns(contents, order, tables);
-  const int patch = tables.cells_per_patch();
-  team.run([&](int member) {
-    const Range patches = share_of(member, team.size(), tables.patches.patches.size());
-    columns.fill(patches.begin * patch, std::min(tables.owned, patches.end * patch));
-  });
-  columns.fill_ghosts();
-  set_scales(contents, tables);
-  // Only fluxes over a mobile bed tell of edges by their numbers.
-  if (!tables.has_bed) tables.patches.edge_number = tables.patches.cut_edge_number = {};
-  if (cases::is_hll(contents.scheme)) tables.hll.emplace();
-  place_boundaries(tables, mesh);
-  mark_border(tables, subset.border);
-  tables.owned_cells = std::move(subset.owned);
-  list_soils(tables);
-  tables.outer.assign(at(tables.first_boundary_slot()) + tables.boundaries.size(), tables.has_bed);
-  if (tables.hll) make_hll_tables(contents, order, team, tables);
+Tables make_tables(const cases::Part& part, ThreadTeam& team, int cells_per_patch) {
+  Tables tables = make_tables_of_first(part.owned, part.contents, team, cells_per_patch);
+  set_scales(part.scales, part.contents.scheme, tables);
+  mark_border(tables, part.border);
+  rename_edges(tables.patches, part.edge_number);
+  tables.cell_number.assign(part.cell_number.begin(), part.cell_number.begin() + part.owned);
   return tables;
 }
 

@@ -67,8 +67,8 @@ void sort(std::vector<Placed>& points, ThreadTeam& team) {
 
 }  // namespace
 
-std::vector<int> places_of(const std::vector<int>& order, std::size_t count) {
-  std::vector<int> places(count, -1);
+std::vector<int> places_of(const std::vector<int>& order) {
+  std::vector<int> places(order.size());
   for (std::size_t k = 0; k < order.size(); ++k) {
     places[static_cast<std::size_t>(order[k])] = static_cast<int>(k);
   }

@@ -19,7 +19,7 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
                                      int run, ThreadTeam& team);
 
-/// Where each of the numbers below a count stands in an order of some of them; -1: it does not.
-std::vector<int> places_of(const std::vector<int>& order, std::size_t count);
+/// Where each of the numbers stands in an order of all of them.
+std::vector<int> places_of(const std::vector<int>& order);
 
 }  // namespace engine

@@ -32,7 +32,7 @@ class Sorter {
   }
 
  private:
-  bool is_owned(int place) const { return place >= 0 && place < owned_; }
+  bool is_owned(int place) const { return place < owned_; }
 
   /// Places of the cells of an edge, the lower one first; twice the left one on a boundary.
   std::pair<int, int> cells_of(Number edge, bool is_boundary) const {

@@ -13,19 +13,20 @@
 #include "fields/Flow.hpp"
 #include "fields/TableFields.hpp"
 #include "ranks/Group.hpp"
+#include "ranks/share_of.hpp"
 
 namespace fields {
 
 /// How the ranks share a case.
 struct RanksPlan {
-  std::vector<ranks::Cells> cells;  ///< of every rank
+  std::vector<ranks::Cells> cells;  ///< of every rank; on rank 0 alone
   int threads = 1;                  ///< of each
   engine::Processor processor = {};
 
-  /// For utils/bytes.hpp.
+  /// For utils/bytes.hpp: what all ranks know.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.cells, self.threads, self.processor.instruction_set, self.processor.device);
+    visit(self.threads, self.processor.instruction_set, self.processor.device);
   }
 };
 
@@ -43,11 +44,13 @@ struct RankStart {
 };
 
 /// Every function is called on all ranks, in the same order. What it reads of the flow is there on
-/// rank 0; cells and boundaries are those of the whole case.
+/// rank 0; cells and boundaries have the numbers of the whole case. No rank but 0 holds anything of
+/// its size.
 class FlowOfRank {
  public:
-  /// Case and group must outlive it. Where any rank could not start there is no flow on any, see
-  /// start().
+  /// Rank 0 deals out the parts of the case, one after the other; on other ranks nobody looks at
+  /// the case. The group must outlive it. Where any rank could not start there is no flow on any,
+  /// see start().
   FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group);
 
   /// On rank 0 the worst of all ranks, with the fewest threads; elsewhere only its outcome.
@@ -61,7 +64,7 @@ class FlowOfRank {
   bool stop_is_wished() const { return engine_->wishes().stop; }
   void keep_maxima(double arrival_depth) { engine_->keep_maxima(arrival_depth); }
   void note_maxima(double t) { engine_->note_maxima(t); }
-  void watch() { engine_->watch(case_.t_start); }
+  void watch() { engine_->watch(part_.contents.t_start); }
 
   // What rank 0 gathers; the others give nothing to be filled.
   void read(Field field, std::span<double> values);
@@ -78,35 +81,41 @@ class FlowOfRank {
   void load_notes(const engine::SavedNotes& notes);
 
   /// Whether this rank computes a cell; on rank 0 without asking the others.
-  bool owns(cases::Number cell) const;
+  bool owns(cases::Number cell) const { return part_.own_cell(cell) >= 0; }
   const engine::Engine& engine() const { return *engine_; }
 
  private:
   bool is_first() const { return group_.rank() == 0; }
-  RankStart start_engine(const RanksPlan& plan, engine::Subset subset);
+  /// That of this rank; on rank 0 after it has dealt out those of all others.
+  ranks::Share take_share(const cases::Case& contents);
+  RankStart start_engine(const RanksPlan& plan);
+  std::size_t number_of_boundaries() const;
   /// Makes one start of those of all ranks.
   void agree_on_start();
-  void list_boundaries(const std::vector<int>& owners);
+  void list_own_boundaries();
+  /// Those of all ranks, on rank 0.
+  void list_boundaries(const cases::Mesh& mesh);
   void gather_not_hyperbolic();
-  /// Values of the own cells, put into those of all on rank 0.
+  /// Values of own cells, put into those of all on rank 0.
   void gather(std::span<const double> own, std::span<double> all);
   template <class Value>
   void gather_parts(const Value& own, Value& all);
   template <class Value>
   Value own_part_of(const Value& all);
 
-  const cases::Case& case_;
   ranks::Group& group_;
+  cases::Part part_;
+  std::vector<cases::Number> own_boundaries_;  ///< of the part, those of its own cells
   std::unique_ptr<engine::Exchange> exchange_;
   std::unique_ptr<engine::Engine> engine_;
   std::unique_ptr<TableFields> fields_;
   RankStart start_;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;
 
-  std::vector<std::vector<int>> boundaries_;  ///< of the cells of every rank
   // On rank 0.
-  std::vector<ranks::Cells> cells_;  ///< of every rank
-  std::vector<int> owners_;          ///< of the cells
+  std::vector<ranks::Cells> cells_;                     ///< of every rank
+  std::vector<int> owners_;                             ///< of the cells
+  std::vector<std::vector<cases::Number>> boundaries_;  ///< of the cells of every rank
 
   // Kept for their memory.
   std::vector<double> own_values_, received_;

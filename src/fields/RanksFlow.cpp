@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "case/hll_cell.hpp"
 #include "fields/flow_survey.hpp"
 #include "fields/missing_threads.hpp"
 #include "ranks/values.hpp"
@@ -39,6 +40,11 @@ enum class Task {
   load_notes,
   end
 };
+
+/// Looks at the whole case: ranks that look at their parts would each find a fault of their own.
+void require_scheme_takes(const cases::Case& contents) {
+  if (cases::is_hll(contents.scheme)) cases::sides_for_hll(contents);
+}
 
 /// What the ranks of a flow do next, with what it takes.
 struct Order {
@@ -115,11 +121,9 @@ void serve_flow(FlowOfRank& part, ranks::Group& group,
 /// Takes part in the next flow.
 void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interrupted) {
   RanksPlan plan;
-  cases::Case contents;
   ranks::broadcast_in(group, plan);
-  ranks::broadcast_in(group, contents);
-  FlowOfRank part(contents, plan, group);
-  plan.cells = {};  // the lists of all ranks are as long as the mesh
+  const cases::Case no_case;  // rank 0 has it
+  FlowOfRank part(no_case, plan, group);
   if (part.start().outcome == RankStart::Outcome::good) serve_flow(part, group, is_interrupted);
 }
 
@@ -144,6 +148,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
                      const RanksRequest& request, int most_threads,
                      const engine::Processor& processor)
     : case_(contents), diagnostics_(diagnostics), on_stop_(request.on_stop) {
+  require_scheme_takes(contents);
   RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, processor};
   const auto members = static_cast<int>(plan.cells.size());
   plan.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
@@ -151,7 +156,6 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
   ranks::broadcast_plain(*request.group, call);
   group_ = request.group->first(members);
   ranks::broadcast_out(*group_, plan);
-  ranks::broadcast_out(*group_, contents);
   part_ = std::make_unique<FlowOfRank>(contents, plan, *group_);
   const RankStart& start = part_->start();
   switch (start.outcome) {

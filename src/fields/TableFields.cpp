@@ -59,7 +59,7 @@ void TableFields::read(Field field, std::span<double> values) const {
   if (column != nullptr) return engine_.read(*column, values);
   const bool is_maximum = is_of_maxima(info(field));
   for (std::size_t k = 0; k < values.size(); ++k) {
-    const cases::Number cell = engine_.tables().owned_cell(static_cast<int>(k));
+    const auto cell = static_cast<cases::Number>(k);
     values[k] = is_maximum ? of_maxima(field, cell) : of_case(field, cell);
   }
 }

@@ -11,7 +11,7 @@ namespace fields {
 
 class TableFields {
  public:
-  /// Case and engine must outlive it.
+  /// Case (or that of a part) and engine must outlive it; cells are named by their numbers there.
   TableFields(const cases::Case& contents, engine::Engine& engine)
       : case_(contents), engine_(engine) {}
 

@@ -10,7 +10,7 @@ namespace ranks {
 
 std::vector<std::vector<cases::Number>> cut_along_curve(const cases::Mesh& mesh, int ranks) {
   engine::ThreadTeam team(1);
-  const engine::CentersOfCells centers = engine::centers_of(mesh, {}, team);
+  const engine::CentersOfCells centers = engine::centers_of(mesh, mesh.n_cells(), team);
   const std::vector<int> order = engine::order_along_hilbert_curve(centers.x, centers.y, team);
   std::vector<std::vector<cases::Number>> runs;
   for (int rank = 0; rank < ranks; ++rank) {

@@ -1,5 +1,7 @@
 #include "ranks/share_of.hpp"
 
+#include <algorithm>
+#include <cstdint>
 #include <map>
 #include <utility>
 
@@ -9,6 +11,49 @@ namespace ranks {
 
 using cases::Number;
 using engine::at;
+
+namespace {
+
+struct Pair {
+  Number left, right;
+};
+
+/// Neighbours at the rim of a part: ghosts, and own cells that others read.
+std::vector<Pair> pairs_at_rim(const cases::Part& part) {
+  std::vector<std::uint8_t> is_at_rim(part.cell_number.size(), 0);
+  std::fill(is_at_rim.begin() + part.owned, is_at_rim.end(), 1);
+  for (const Number cell : part.border) is_at_rim[at(cell)] = 1;
+  std::vector<Pair> pairs;
+  const cases::Mesh& mesh = part.contents.mesh;
+  for (Number edge = 0; edge < mesh.n_edges(); ++edge) {
+    const Number left = mesh.left[at(edge)], right = mesh.right[at(edge)];
+    if (right < 0 || is_at_rim[at(left)] == 0 || is_at_rim[at(right)] == 0) continue;
+    pairs.push_back({left, right});
+  }
+  return pairs;
+}
+
+/// Own cells, ascending, that so many steps between neighbours reach from some ghosts. The cells on
+/// such a way are all at the rim.
+std::vector<Number> reached_from(const std::vector<Number>& ghosts, int steps,
+                                 const cases::Part& part, const std::vector<Pair>& pairs) {
+  std::vector<std::uint8_t> is_reached(part.cell_number.size(), 0);
+  for (const Number cell : ghosts) is_reached[at(cell)] = 1;
+  for (int step = 0; step < steps; ++step) {
+    const std::vector<std::uint8_t> before = is_reached;
+    for (const Pair& pair : pairs) {
+      if (before[at(pair.left)] != 0) is_reached[at(pair.right)] = 1;
+      if (before[at(pair.right)] != 0) is_reached[at(pair.left)] = 1;
+    }
+  }
+  std::vector<Number> own;
+  for (const Number cell : part.border) {
+    if (is_reached[at(cell)] != 0) own.push_back(cell);
+  }
+  return own;
+}
+
+}  // namespace
 
 std::vector<int> owners_of(const std::vector<Cells>& cells_of_ranks) {
   std::size_t count = 0;
@@ -20,23 +65,32 @@ std::vector<int> owners_of(const std::vector<Cells>& cells_of_ranks) {
   return owners;
 }
 
-Share share_of(const cases::Mesh& mesh, const std::vector<Cells>& cells_of_ranks, int rank,
+std::vector<Halo> halos_of(const cases::Part& part, const std::vector<int>& owners_of_ghosts,
+                           int rings) {
+  std::map<int, Halo> by_neighbour;
+  for (Number ghost = 0; ghost < part.ghosts(); ++ghost) {
+    const int owner = owners_of_ghosts[at(ghost)];
+    Halo& halo = by_neighbour.try_emplace(owner, Halo{owner, {}, {}}).first->second;
+    halo.received.push_back(part.owned + ghost);
+  }
+  const std::vector<Pair> pairs = pairs_at_rim(part);
+  std::vector<Halo> halos;
+  for (auto& [neighbour, halo] : by_neighbour) {
+    // Whom a cell reaches in so many steps reaches it.
+    halo.sent = reached_from(halo.received, rings, part, pairs);
+    halos.push_back(std::move(halo));
+  }
+  return halos;
+}
+
+Share share_of(cases::PartCutter& cutter, const Cells& cells, const std::vector<int>& owners,
                int rings) {
-  const std::vector<int> owners = owners_of(cells_of_ranks);
-  Share share{engine::subset_of(mesh, cells_of_ranks[at(rank)], rings), {}};
-  std::map<int, Halo> halos;
-  for (const Number ghost : share.subset.ghosts) {
-    const int owner = owners[at(ghost)];
-    halos.try_emplace(owner, Halo{owner, {}, {}}).first->second.received.push_back(ghost);
+  Share share{cutter.part_of(cells, rings), {}};
+  std::vector<int> owners_of_ghosts;
+  for (std::size_t k = cells.size(); k < share.part.cell_number.size(); ++k) {
+    owners_of_ghosts.push_back(owners[at(share.part.cell_number[k])]);
   }
-  // Whose cells are ghosts here has ghosts here.
-  for (auto& [neighbour, halo] : halos) {
-    const auto of_neighbour = engine::subset_of(mesh, cells_of_ranks[at(neighbour)], rings);
-    for (const Number ghost : of_neighbour.ghosts) {
-      if (owners[at(ghost)] == rank) halo.sent.push_back(ghost);
-    }
-    share.halos.push_back(std::move(halo));
-  }
+  share.halos = halos_of(share.part, owners_of_ghosts, rings);
   return share;
 }
 

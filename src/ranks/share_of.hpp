@@ -3,31 +3,46 @@
 
 #include <vector>
 
-#include "case/Part.hpp"
-#include "engine/Subset.hpp"
+#include "case/PartCutter.hpp"
 
 namespace ranks {
 
 /// Cells whose states a rank sends to a neighbour, and those that it gets from there, by their
-/// numbers in the case, ascending: both sides know the order without telling each other.
+/// numbers in its part. Both sides have them in the order of the whole case and need not tell each
+/// other.
 struct Halo {
   int neighbour;
   std::vector<cases::Number> sent, received;
+
+  /// Here and below for utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.neighbour, self.sent, self.received);
+  }
 };
 
 struct Share {
-  engine::Subset subset;
+  cases::Part part;
   std::vector<Halo> halos;  ///< by ascending neighbours
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.part, self.halos);
+  }
 };
 
-/// Cells by their numbers, ascending.
+/// Cells by their numbers in the whole case, ascending.
 using Cells = std::vector<cases::Number>;
 
 /// The rank of every cell, of the cells of every rank, which hold each cell once.
 std::vector<int> owners_of(const std::vector<Cells>& cells_of_ranks);
 
-/// The share of a rank, with so many rings of ghosts around its cells.
-Share share_of(const cases::Mesh& mesh, const std::vector<Cells>& cells_of_ranks, int rank,
+/// The halos of a part with so many rings of ghosts, from the ranks of these.
+std::vector<Halo> halos_of(const cases::Part& part, const std::vector<int>& owners_of_ghosts,
+                           int rings);
+
+/// The share of the rank that owns these cells.
+Share share_of(cases::PartCutter& cutter, const Cells& cells, const std::vector<int>& owners,
                int rings);
 
 }  // namespace ranks

@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <span>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "ranks/Group.hpp"
@@ -30,12 +32,15 @@ std::vector<Value> gather_all_plain(Group& group, const Value& own) {
   return all;
 }
 
-/// Gathers bytes to blocks, each of which all other ranks get; rank 0 has one.
-class BroadcastSink : public utils::ByteSink {
+/// Bytes on their way to other ranks, or from one: the call of a group that moves them.
+using MoveBytes = std::function<void(std::span<std::byte>)>;
+
+/// Gathers bytes to blocks and sends each: how many bytes it has, then these.
+class BlockSink : public utils::ByteSink {
  public:
   static constexpr std::size_t block = 4 << 20;
 
-  explicit BroadcastSink(Group& group) : group_(group) {}
+  explicit BlockSink(MoveBytes send) : send_(std::move(send)) {}
 
   void put(const void* from, std::size_t count) override {
     const auto* next = static_cast<const std::byte*>(from);
@@ -51,20 +56,20 @@ class BroadcastSink : public utils::ByteSink {
   void flush() {
     if (bytes_.empty()) return;
     auto count = static_cast<std::uint64_t>(bytes_.size());
-    broadcast_plain(group_, count);
-    group_.broadcast(bytes_);
+    send_(std::as_writable_bytes(std::span(&count, 1)));
+    send_(bytes_);
     bytes_.clear();
   }
 
  private:
-  Group& group_;
+  MoveBytes send_;
   utils::Bytes bytes_;
 };
 
 /// Where they come out on the other ranks.
-class BroadcastSource : public utils::ByteSource {
+class BlockSource : public utils::ByteSource {
  public:
-  explicit BroadcastSource(Group& group) : group_(group) {}
+  explicit BlockSource(MoveBytes receive) : receive_(std::move(receive)) {}
 
   void take(void* to, std::size_t count) override {
     auto* next = static_cast<std::byte*>(to);
@@ -82,48 +87,50 @@ class BroadcastSource : public utils::ByteSource {
  private:
   void receive() {
     std::uint64_t count = 0;
-    broadcast_plain(group_, count);
+    receive_(std::as_writable_bytes(std::span(&count, 1)));
     bytes_.resize(count);
-    group_.broadcast(bytes_);
+    receive_(bytes_);
     taken_ = 0;
   }
 
-  Group& group_;
+  MoveBytes receive_;
   utils::Bytes bytes_;
   std::size_t taken_ = 0;
 };
 
-/// Any value, block by block: on rank 0, and on the others.
 template <class Value>
-void broadcast_out(Group& group, const Value& value) {
-  BroadcastSink sink(group);
+void put_in_blocks(const MoveBytes& send, const Value& value) {
+  BlockSink sink(send);
   const utils::ByteWriter write(sink);
   write(value);
   sink.flush();
 }
 template <class Value>
-void broadcast_in(Group& group, Value& value) {
-  BroadcastSource source(group);
+void take_from_blocks(const MoveBytes& receive, Value& value) {
+  BlockSource source(receive);
   const utils::ByteReader read(source);
   read(value);
 }
 
+/// Any value, block by block: from rank 0 to all others, which take it in.
+template <class Value>
+void broadcast_out(Group& group, const Value& value) {
+  put_in_blocks([&](std::span<std::byte> bytes) { group.broadcast(bytes); }, value);
+}
+template <class Value>
+void broadcast_in(Group& group, Value& value) {
+  take_from_blocks([&](std::span<std::byte> bytes) { group.broadcast(bytes); }, value);
+}
+
+/// The same from one rank to another.
 template <class Value>
 void send_value(Group& group, const Value& value, int to) {
-  utils::Bytes bytes;
-  utils::put_into(bytes, value);
-  const auto count = static_cast<std::uint64_t>(bytes.size());
-  group.send(std::as_bytes(std::span(&count, 1)), to);
-  group.send(bytes, to);
+  put_in_blocks([&](std::span<std::byte> bytes) { group.send(bytes, to); }, value);
 }
 template <class Value>
 Value receive_value(Group& group, int from) {
-  std::uint64_t count = 0;
-  group.receive(std::as_writable_bytes(std::span(&count, 1)), from);
-  utils::Bytes bytes(count);
-  group.receive(bytes, from);
   Value value{};
-  utils::take_out_of(bytes, value);
+  take_from_blocks([&](std::span<std::byte> bytes) { group.receive(bytes, from); }, value);
   return value;
 }
 

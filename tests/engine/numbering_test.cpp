@@ -74,6 +74,6 @@ TEST_F(Numbering, IsTheSameOnAnyNumberOfThreads) {
   }
 }
 
-TEST(PlacesOf, TellWhereNumbersStandInAnOrderAndWhichDoNot) {
-  EXPECT_EQ(engine::places_of({3, 0}, 4), (std::vector<int>{1, -1, -1, 0}));
+TEST(PlacesOf, TellWhereNumbersStandInAnOrder) {
+  EXPECT_EQ(engine::places_of({3, 0, 2, 1}), (std::vector<int>{1, 3, 2, 0}));
 }

@@ -12,8 +12,8 @@ using namespace test_ranks;
 
 TEST_F(RanksInProcess, HearWhatAnyOfThemWishes) {
   const cases::Case contents = basin({});
-  const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 2));
-  run_side_by_side(contents, shares, 1, 64, [](int rank, engine::Engine& engine) {
+  const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, 2));
+  run_side_by_side(shares, 1, 64, [](int rank, engine::Engine& engine) {
     for (int step = 0; step < 4; ++step) {
       const engine::Wishes own = {.stop = rank == 1 && step == 2,
                                   .checkpoint = rank == 0 && step == 1};
@@ -43,12 +43,12 @@ class NotHyperbolicOnRanks : public RanksInProcess {
 
   std::vector<Found> find_on(const std::vector<std::vector<Number>>& cells) {
     const engine::State first = state_with(200), later = state_with(500);
-    const auto shares = shares_of(contents_.mesh, cells);
+    const auto shares = shares_of(contents_, cells);
     std::mutex mutex;
     std::vector<Found> all;
-    run_side_by_side(contents_, shares, 1, 64, [&](int rank, engine::Engine& engine) {
+    run_side_by_side(shares, 1, 64, [&](int rank, engine::Engine& engine) {
       for (int step = 0; step < 3; ++step) {
-        engine.set_state(part_of(step == 0 ? first : later, shares[at(rank)].subset.owned));
+        engine.set_state(part_of(step == 0 ? first : later, own_cells_of(shares[at(rank)].part)));
         engine.advance({0.0, 0.0, t_end, 1e-4});
         if (!engine.not_hyperbolic()) continue;
         const std::lock_guard lock(mutex);

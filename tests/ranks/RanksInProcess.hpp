@@ -13,16 +13,16 @@ class RanksInProcess : public PartsOfCourse {
  protected:
   /// Calls body(rank, engine) for every share, each in a thread of its own.
   template <class Body>
-  static void run_side_by_side(const cases::Case& contents, const std::vector<ranks::Share>& shares,
-                               int threads, int cells_per_patch, const Body& body,
+  static void run_side_by_side(const std::vector<ranks::Share>& shares, int threads,
+                               int cells_per_patch, const Body& body,
                                const engine::Processor& processor = {}) {
     ranks::InProcess job(static_cast<int>(shares.size()));
     std::vector<std::thread> members;
     for (int rank = 0; rank < static_cast<int>(shares.size()); ++rank) {
       members.emplace_back([&, rank] {
         const auto exchange = job.group(rank)->exchange(shares[at(rank)].halos);
-        engine::Engine engine(contents, shares[at(rank)].subset, *exchange, threads,
-                              cells_per_patch, processor);
+        engine::Engine engine(shares[at(rank)].part, *exchange, threads, cells_per_patch,
+                              processor);
         engine.keep_maxima(arrival_depth);
         body(rank, engine);
       });
@@ -39,9 +39,9 @@ class RanksInProcess : public PartsOfCourse {
                           int cells_per_patch = 64, const engine::Processor& processor = {}) {
     std::atomic<int> computed = 0, patches = 0;
     run_side_by_side(
-        contents, shares, threads, cells_per_patch,
+        shares, threads, cells_per_patch,
         [&](int rank, engine::Engine& engine) {
-          expect_same_steps(contents, expected, shares[at(rank)].subset, engine, 0);
+          expect_same_steps(contents, expected, shares[at(rank)].part, engine, 0);
           computed += engine.active_patches();
           patches += static_cast<int>(engine.tables().patches.patches.size());
         },
@@ -55,8 +55,7 @@ class RanksInProcess : public PartsOfCourse {
     for (const int count : {1, 2, 3, 5}) {
       const auto cells = ranks::cut_along_curve(contents.mesh, count);
       ASSERT_EQ(cells.size(), at(count));
-      expect_same(contents, expected,
-                  shares_of(contents.mesh, cells, cases::rings_of(contents.scheme)));
+      expect_same(contents, expected, shares_of(contents, cells));
     }
   }
 };

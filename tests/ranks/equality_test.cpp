@@ -27,8 +27,8 @@ TEST_F(RanksInProcess, GiveTheSameBitsOnDevices) {
   for (const bool sediments : {false, true}) {
     const cases::Case contents = basin({.sediments = sediments});
     const Course expected = run_alone(contents, 60);
-    expect_same(contents, expected,
-                shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3)), 1, 64, device);
+    expect_same(contents, expected, shares_of(contents, ranks::cut_along_curve(contents.mesh, 3)),
+                1, 64, device);
   }
 }
 
@@ -62,7 +62,7 @@ TEST_F(RanksInProcess, SkipDryPatches) {
   const cases::Case contents = basin({.rain = false, .soils = false, .mostly_dry = true});
   const Course expected = run_alone(contents, 20);
   const Work work = expect_same(contents, expected,
-                                shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3)));
+                                shares_of(contents, ranks::cut_along_curve(contents.mesh, 3)));
   EXPECT_GT(work.computed, 0);
   EXPECT_LT(work.computed, work.patches * 3 / 4);
 }
@@ -71,7 +71,7 @@ TEST_F(RanksInProcess, GiveTheSameBitsWithPatchesOfAnySizeOnAnyNumberOfThreads) 
   for (const bool sediments : {false, true}) {
     const cases::Case contents = basin({.sediments = sediments});
     const Course expected = run_alone(contents, 30);
-    const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 2));
+    const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, 2));
     for (const int cells_per_patch : {0, 64, 128}) {
       for (const int threads : {1, 2, 3}) {
         expect_same(contents, expected, shares, threads, cells_per_patch);
@@ -91,7 +91,7 @@ TEST_F(RanksInProcess, GiveTheSameBitsWhereverTheirCellsAre) {
     for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
       cells[owner(generator)].push_back(cell);
     }
-    expect_same(contents, expected, shares_of(contents.mesh, cells));
+    expect_same(contents, expected, shares_of(contents, cells));
   }
 }
 
@@ -101,17 +101,16 @@ TEST_F(RanksInProcess, GiveTheSameBitsHoweverLateTheirMessagesCome) {
     contents.scheme = scheme;
     const Course expected = run_alone(contents, 20);
     for (const int count : {2, 3, 5, 7}) {
-      const auto shares =
-          shares_of(contents.mesh, uneven_parts(contents.mesh, count), cases::rings_of(scheme));
+      const auto shares = shares_of(contents, uneven_parts(contents.mesh, count));
       ranks::InProcess job(count);
       std::vector<std::thread> members;
       for (int rank = 0; rank < count; ++rank) {
         members.emplace_back([&, rank] {
           DelayedExchange exchange(job.group(rank)->exchange(shares[at(rank)].halos),
                                    static_cast<unsigned>(17 * count + rank));
-          engine::Engine engine(contents, shares[at(rank)].subset, exchange, 1, 64);
+          engine::Engine engine(shares[at(rank)].part, exchange, 1, 64);
           engine.keep_maxima(arrival_depth);
-          expect_same_steps(contents, expected, shares[at(rank)].subset, engine, 0);
+          expect_same_steps(contents, expected, shares[at(rank)].part, engine, 0);
         });
       }
       for (std::thread& member : members) member.join();
@@ -122,7 +121,7 @@ TEST_F(RanksInProcess, GiveTheSameBitsHoweverLateTheirMessagesCome) {
 TEST_F(RanksInProcess, GiveTheSameBitsWithTwoRingsOfGhosts) {
   const cases::Case contents = basin({});
   const auto cells = ranks::cut_along_curve(contents.mesh, 3);
-  expect_same(contents, run_alone(contents, 30), shares_of(contents.mesh, cells, 2));
+  expect_same(contents, run_alone(contents, 30), shares_of(contents, cells, 2));
 }
 
 TEST_F(RanksInProcess, GoOnFromAnyState) {
@@ -130,14 +129,13 @@ TEST_F(RanksInProcess, GoOnFromAnyState) {
     cases::Case contents = basin({.sediments = k > 0});
     if (k == 2) contents.scheme = cases::Scheme::hll1;
     const Course expected = run_alone(contents, 40);
-    const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3),
-                                  cases::rings_of(contents.scheme));
+    const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, 3));
     for (const int first : {0, 25}) {
-      run_side_by_side(contents, shares, 1, 64, [&](int rank, engine::Engine& engine) {
-        const engine::Subset& subset = shares[at(rank)].subset;
+      run_side_by_side(shares, 1, 64, [&](int rank, engine::Engine& engine) {
+        const cases::Part& part = shares[at(rank)].part;
         engine.advance({0.0, 0.0, t_end, 1e-4});  // to another state than that of the start
-        engine.set_state(part_of(expected.states[at(first)], subset.owned));
-        expect_same_steps(contents, expected, subset, engine, first);
+        engine.set_state(part_of(expected.states[at(first)], own_cells_of(part)));
+        expect_same_steps(contents, expected, part, engine, first);
       });
     }
   }
@@ -155,9 +153,9 @@ TEST_F(RanksInProcess, TakeTheFreeSurfaceThatAStateGives) {
   alone.advance({0.0, 0.0, t_end, 1e-3});
   const engine::State expected = alone.state();
 
-  const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, 3));
-  run_side_by_side(contents, shares, 1, 64, [&](int rank, engine::Engine& engine) {
-    const std::vector<Number>& owned = shares[at(rank)].subset.owned;
+  const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, 3));
+  run_side_by_side(shares, 1, 64, [&](int rank, engine::Engine& engine) {
+    const std::vector<Number> owned = own_cells_of(shares[at(rank)].part);
     engine.set_state(part_of(given, owned));
     engine.advance({0.0, 0.0, t_end, 1e-3});
     EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected, owned))) << rank;

@@ -39,16 +39,17 @@ class NotesOfRanks : public RanksInProcess {
   static void expect_same_notes(const cases::Case& contents, int steps) {
     const Notes expected = notes_alone(contents, steps);
     for (const int count : {2, 3, 5}) {
-      const auto shares = shares_of(contents.mesh, ranks::cut_along_curve(contents.mesh, count),
-                                    cases::rings_of(contents.scheme));
-      run_side_by_side(contents, shares, 1, 64, [&](int rank, engine::Engine& engine) {
+      const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, count));
+      run_side_by_side(shares, 1, 64, [&](int rank, engine::Engine& engine) {
         const std::vector<physics::StepNotes> notes = notes_of_steps(engine, steps);
         for (std::size_t i = 0; i < notes.size(); ++i)
           expect_same_note(notes[i], expected.steps[i]);
-        for (const Number cell : shares[at(rank)].subset.owned) {
+        const cases::Part& part = shares[at(rank)].part;
+        for (Number cell = 0; cell < part.owned; ++cell) {
+          const Number number = part.cell_number[at(cell)];
           const engine::UnseenDepths unseen = engine.unseen_depths(cell);
-          EXPECT_EQ(unseen.recovered, expected.unseen[at(cell)].recovered) << cell;
-          EXPECT_EQ(unseen.lifted, expected.unseen[at(cell)].lifted) << cell;
+          EXPECT_EQ(unseen.recovered, expected.unseen[at(number)].recovered) << number;
+          EXPECT_EQ(unseen.lifted, expected.unseen[at(number)].lifted) << number;
         }
       });
     }

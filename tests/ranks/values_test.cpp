@@ -57,7 +57,7 @@ TEST(ValuesOfRanks, ABroadcastCaseIsTheCase) {
 }
 
 TEST(ValuesOfRanks, ABroadcastTakesAnyNumberOfBlocks) {
-  const std::size_t in_a_block = ranks::BroadcastSink::block / sizeof(double);
+  const std::size_t in_a_block = ranks::BlockSink::block / sizeof(double);
   for (const std::size_t count : {std::size_t{0}, in_a_block - 1, in_a_block, 3 * in_a_block + 5}) {
     std::vector<double> values(count);  // behind their number, which is as long as one of them
     std::iota(values.begin(), values.end(), 0.5);

@@ -26,17 +26,17 @@ int number_of_ranks() {
 
 class MpiExchange : public test_ranks::PartsOfCourse {
  protected:
-  /// The subset of this process and its exchange with the others.
+  /// The part of this process and its exchange with the others.
   struct Part {
     explicit Part(const cases::Case& contents)
-        : Part(ranks::share_of(contents.mesh,
-                               ranks::cut_along_curve(contents.mesh, number_of_ranks()),
-                               rank_here(), cases::rings_of(contents.scheme))) {}
+        : Part(std::move(
+              shares_of(contents, ranks::cut_along_curve(contents.mesh, number_of_ranks()))
+                  .at(engine::at(rank_here())))) {}
     explicit Part(ranks::Share share)
-        : subset(std::move(share.subset)),
+        : cells(std::move(share.part)),
           exchange(std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD, std::move(share.halos))) {}
 
-    engine::Subset subset;
+    cases::Part cells;
     std::unique_ptr<ranks::MpiExchange> exchange;
   };
 
@@ -44,9 +44,9 @@ class MpiExchange : public test_ranks::PartsOfCourse {
     const test_ranks::Course expected = run_alone(contents, steps);
     EXPECT_FALSE(have_same_bits(expected.states.front(), expected.states.back()));
     const Part part(contents);
-    engine::Engine engine(contents, part.subset, *part.exchange, threads, 64);
+    engine::Engine engine(part.cells, *part.exchange, threads, 64);
     engine.keep_maxima(test_ranks::arrival_depth);
-    expect_same_steps(contents, expected, part.subset, engine, 0);
+    expect_same_steps(contents, expected, part.cells, engine, 0);
   }
 };
 
@@ -71,19 +71,19 @@ TEST_F(MpiExchange, GoesOnFromAnyState) {
   const cases::Case contents = basin({.sediments = true});
   const test_ranks::Course expected = run_alone(contents, 30);
   const Part part(contents);
-  engine::Engine engine(contents, part.subset, *part.exchange, 1, 64);
+  engine::Engine engine(part.cells, *part.exchange, 1, 64);
   engine.keep_maxima(test_ranks::arrival_depth);
   engine.advance({0.0, 0.0, test_ranks::t_end, 1e-4});  // to another state than that of the start
   for (const int first : {20, 0}) {
-    engine.set_state(part_of(expected.states[engine::at(first)], part.subset.owned));
-    expect_same_steps(contents, expected, part.subset, engine, first);
+    engine.set_state(part_of(expected.states[engine::at(first)], own_cells_of(part.cells)));
+    expect_same_steps(contents, expected, part.cells, engine, first);
   }
 }
 
 TEST_F(MpiExchange, TellsEveryRankWhatAnyWishes) {
   const cases::Case contents = basin({});
   const Part part(contents);
-  engine::Engine engine(contents, part.subset, *part.exchange, 1, 64);
+  engine::Engine engine(part.cells, *part.exchange, 1, 64);
   const bool is_last = rank_here() == number_of_ranks() - 1;
   engine.advance({0.0, 0.0, test_ranks::t_end, 1e-4}, {.stop = is_last});
   EXPECT_TRUE(engine.wishes().stop);
@@ -97,7 +97,7 @@ TEST_F(MpiExchange, UnitesTheNotesOfAllRanks) {
   const cases::Case contents = basin({.sediments = true});
   engine::Engine alone(contents, 1, 64);
   const Part part(contents);
-  engine::Engine engine(contents, part.subset, *part.exchange, 1, 64);
+  engine::Engine engine(part.cells, *part.exchange, 1, 64);
   alone.watch(0.0);
   engine.watch(0.0);
   for (int step = 0; step < 20; ++step) {
