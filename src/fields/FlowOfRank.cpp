@@ -225,9 +225,11 @@ void FlowOfRank::gather_parts(const Value& own, Value& all) {
   for (int rank = 0; rank < group_.size(); ++rank) {
     const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
     for_each_column_of(part, [&](auto column, Over over) {
+      const std::vector<Number>& numbers = (over == Over::cells ? cells_ : boundaries_)[at(rank)];
+      if (numbers.empty()) return;
       const std::size_t count = over == Over::cells ? owners_.size() : number_of_boundaries();
       (all.*column).resize((part.*column).empty() ? 0 : count);
-      place(part.*column, (over == Over::cells ? cells_ : boundaries_)[at(rank)], all.*column);
+      place(part.*column, numbers, all.*column);
     });
   }
 }

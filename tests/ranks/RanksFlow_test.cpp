@@ -108,6 +108,51 @@ TEST_F(RanksFlow, SurveysAllCells) {
   }
 }
 
+TEST_F(RanksFlow, GoesOnFromAStateInWhichACallerImposesValues) {
+  const cases::Case contents = basin({});
+  fields::TablesFlow alone(contents, told_, 1);
+  engine::Engine& engine = alone.engine();
+  for (std::size_t b = 0; b < contents.mesh.boundaries.size(); b += 3) {
+    engine.impose_on_boundary(static_cast<int>(b), 0.3 + 0.01 * static_cast<double>(b));
+  }
+  const std::vector<Number> rainy = {3, 250, 400, 727};
+  engine.impose_rain(rainy, std::vector<double>{1e-3, 2e-3, 1e-3, 0.0});
+  alone.advance({0.0, 0.0, t_end, 1e-3});
+  engine::State imposed, expected;
+  alone.save(imposed);
+  for (int step = 1; step < 10; ++step) alone.advance({1e-3 * step, 0.0, t_end, 1e-3});
+  alone.save(expected);
+  for (const int count : {2, 5}) {
+    as_first_of({count}, [&](ranks::Group& group) {
+      const auto flow = fields::make_flow(contents, told_, on(group));
+      flow->load(imposed);
+      for (int step = 1; step < 10; ++step) flow->advance({1e-3 * step, 0.0, t_end, 1e-3});
+      engine::State state;
+      flow->save(state);
+      EXPECT_TRUE(have_same_bits(state, expected));
+      EXPECT_TRUE(have_same_bits(state.imposed_rain, expected.imposed_rain));
+      EXPECT_TRUE(have_same_bits(state.imposed_on_boundaries, expected.imposed_on_boundaries));
+    });
+  }
+}
+
+TEST_F(RanksFlow, RefusesWhatTheSchemeCannotTakeAsOneRankDoes) {
+  cases::Case contents = basin({});
+  contents.scheme = cases::Scheme::hll2;
+  for (const Number node : contents.mesh.nodes_of(500)) contents.mesh.x[at(node)] = 7.0;
+  const auto refusal = [&](const fields::FlowRequest& request) {
+    try {
+      fields::make_flow(contents, told_, request);
+    } catch (const std::runtime_error& error) {
+      return std::string(error.what());
+    }
+    return std::string("none");
+  };
+  const std::string alone = refusal({.most_threads = 1});
+  EXPECT_NE(alone.find("which has no area"), std::string::npos) << alone;
+  as_first_of({3}, [&](ranks::Group& group) { EXPECT_EQ(refusal(on(group)), alone); });
+}
+
 TEST_F(RanksFlow, RunsOnTheObjectsWhereTheTablesOfAnyRankHaveNoRoom) {
   cases::Case contents;
   contents.mesh = support::polygon_mesh(66000);

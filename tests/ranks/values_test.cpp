@@ -65,6 +65,15 @@ TEST(ValuesOfRanks, ABroadcastTakesAnyNumberOfBlocks) {
   }
 }
 
+TEST(ValuesOfRanks, AValueForOneRankTakesAnyNumberOfBlocks) {
+  std::vector<double> values(2 * ranks::BlockSink::block / sizeof(double) + 3);
+  std::iota(values.begin(), values.end(), 0.5);
+  on_ranks(2, [&](ranks::Group& group) {
+    if (group.rank() == 0) return ranks::send_value(group, values, 1);
+    EXPECT_EQ(ranks::receive_value<std::vector<double>>(group, 0), values);
+  });
+}
+
 TEST(ValuesOfRanks, AValueIsSentToOneRank) {
   on_ranks(3, [](ranks::Group& group) {
     const std::string text = "for rank ";
