@@ -25,7 +25,8 @@ struct CaseScales {
 CaseScales scales_of(const Case& contents);
 
 /// How far a scheme looks across the rim of its cells: that of second order computes edge states of
-/// neighbours anew, from the neighbours of these.
+/// neighbours anew, from the neighbours of these. The others take no slopes of a neighbour, which
+/// in the last ring would lack what lies beyond it.
 constexpr int rings_of(Scheme scheme) { return scheme == Scheme::hll2 ? 2 : 1; }
 
 /// `contents` holds the own cells, ascending by their numbers in the whole case, then the ghosts,

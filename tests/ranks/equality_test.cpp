@@ -50,6 +50,18 @@ TEST_F(RanksInProcess, GiveTheSameBitsWithTheSchemesThatLookTwoCellsFar) {
   }
 }
 
+TEST_F(RanksInProcess, GiveTheSameBitsOverABedFromAFile) {
+  for (const cases::Scheme scheme :
+       {cases::Scheme::lhllc, cases::Scheme::hll1, cases::Scheme::hll2}) {
+    cases::Case contents = basin({});
+    contents.scheme = scheme;
+    for (Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+      contents.fields.bed.push_back(0.05 * (cell % 11));
+    }
+    expect_same_on_any_number(contents, 40);
+  }
+}
+
 TEST_F(RanksInProcess, GiveTheSameBitsWithThePositiveSchemeOverABedThatMoves) {
   for (const bool mostly_dry : {false, true}) {
     cases::Case contents = basin({.sediments = true, .mostly_dry = mostly_dry});
