@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "fields/moving_cells.hpp"
+#include "fields/parts_of_states.hpp"
 #include "ranks/values.hpp"
 
 namespace fields {
@@ -12,51 +14,6 @@ namespace fields {
 using cases::at;
 using cases::Number;
 using Outcome = RankStart::Outcome;
-
-namespace {
-
-/// What a column has a value for.
-enum class Over { cells, boundaries };
-
-/// Calls visit(column, what it is over) for the columns of a state, and of notes.
-template <class Visit>
-void for_each_column_of(const engine::State&, const Visit& visit) {
-  for (const auto column : engine::columns_of_flow) visit(column, Over::cells);
-  visit(&engine::State::imposed_rain, Over::cells);
-  visit(&engine::State::imposed_on_boundaries, Over::boundaries);
-}
-template <class Visit>
-void for_each_column_of(const engine::SavedNotes&, const Visit& visit) {
-  using Notes = engine::SavedNotes;
-  for (const auto column : {&Notes::recovered, &Notes::lifted, &Notes::taken_discharge}) {
-    visit(column, Over::cells);
-  }
-}
-
-/// What a state or notes hold besides columns, which every rank knows.
-void take_the_rest(engine::State& to, const engine::State& from) {
-  to.rain_clocks = from.rain_clocks;
-  to.has_told_not_hyperbolic = from.has_told_not_hyperbolic;
-}
-void take_the_rest(engine::SavedNotes& to, const engine::SavedNotes& from) {
-  to.of_last_step = from.of_last_step;
-}
-
-void place(const std::vector<double>& part, const std::vector<Number>& numbers,
-           std::span<double> all) {
-  for (std::size_t k = 0; k < part.size(); ++k) all[at(numbers[k])] = part[k];
-}
-
-std::vector<double> entries_of(const std::vector<double>& column,
-                               const std::vector<Number>& numbers) {
-  std::vector<double> entries;
-  if (column.empty()) return entries;
-  entries.reserve(numbers.size());
-  for (const Number number : numbers) entries.push_back(column[at(number)]);
-  return entries;
-}
-
-}  // namespace
 
 FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
     : group_(group) {
@@ -224,36 +181,30 @@ void FlowOfRank::gather_parts(const Value& own, Value& all) {
   take_the_rest(all, own);
   for (int rank = 0; rank < group_.size(); ++rank) {
     const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
-    for_each_column_of(part, [&](auto column, Over over) {
-      const std::vector<Number>& numbers = (over == Over::cells ? cells_ : boundaries_)[at(rank)];
-      if (numbers.empty()) return;
-      const std::size_t count = over == Over::cells ? owners_.size() : number_of_boundaries();
-      (all.*column).resize((part.*column).empty() ? 0 : count);
-      place(part.*column, numbers, all.*column);
-    });
+    put_part(part, {cells_[at(rank)], boundaries_[at(rank)]}, owners_.size(),
+             number_of_boundaries(), all);
   }
 }
 
 template <class Value>
 Value FlowOfRank::own_part_of(const Value& all) {
   if (!is_first()) return ranks::receive_value<Value>(group_, 0);
-  const auto part_of = [&](int rank) {
-    Value part;
-    take_the_rest(part, all);
-    for_each_column_of(all, [&](auto column, Over over) {
-      part.*column =
-          entries_of(all.*column, (over == Over::cells ? cells_ : boundaries_)[at(rank)]);
-    });
-    return part;
+  const auto part_of_rank = [&](int rank) {
+    return part_of(all, {cells_[at(rank)], boundaries_[at(rank)]});
   };
-  for (int rank = 1; rank < group_.size(); ++rank) ranks::send_value(group_, part_of(rank), rank);
-  return part_of(0);
+  for (int rank = 1; rank < group_.size(); ++rank) {
+    ranks::send_value(group_, part_of_rank(rank), rank);
+  }
+  return part_of_rank(0);
+}
+
+void FlowOfRank::save_own(engine::State& state) {
+  engine_->save(state);
+  state.imposed_on_boundaries = entries_of(state.imposed_on_boundaries, own_boundaries_);
 }
 
 void FlowOfRank::save(engine::State& state) {
-  engine_->save(own_state_);
-  std::vector<double>& imposed = own_state_.imposed_on_boundaries;
-  imposed = entries_of(imposed, own_boundaries_);
+  save_own(own_state_);
   gather_parts(own_state_, state);
 }
 
@@ -263,8 +214,7 @@ void FlowOfRank::save_notes(engine::SavedNotes& notes) {
   gather_parts(own, notes);
 }
 
-void FlowOfRank::load(const engine::State& state) {
-  engine::State own = own_part_of(state);
+void FlowOfRank::load_own(engine::State own) {
   std::vector<double> imposed(own.imposed_on_boundaries.empty() ? 0 : part_.boundary_number.size(),
                               NAN);
   place(own.imposed_on_boundaries, own_boundaries_, imposed);
@@ -272,8 +222,51 @@ void FlowOfRank::load(const engine::State& state) {
   engine_->set_state(own);
 }
 
+void FlowOfRank::load(const engine::State& state) { load_own(own_part_of(state)); }
+
 void FlowOfRank::load_notes(const engine::SavedNotes& notes) {
   engine_->load_notes(own_part_of(notes));
+}
+
+void FlowOfRank::move_to(FlowOfRank& next) {
+  MovingCells own;
+  const auto& numbers = part_.cell_number;
+  own.numbers.cells.assign(numbers.begin(), numbers.begin() + part_.owned);
+  for (const Number b : own_boundaries_) {
+    own.numbers.boundaries.push_back(part_.boundary_number[at(b)]);
+  }
+  save_own(own.state);
+  if (is_watched_) engine_->save_notes(own.notes.emplace());
+  MovingCells moved = fields::moved(own, new_ranks_of_own(next), group_);
+  const auto& maxima = engine_->tables().maxima;
+  if (maxima) next.keep_maxima(maxima->arrival_depth);
+  next.load_own(std::move(moved.state));
+  if (!is_watched_) return;
+  next.watch();
+  next.engine_->load_notes(*moved.notes);
+}
+
+/// Rank 0 tells every rank.
+NewRanks FlowOfRank::new_ranks_of_own(const FlowOfRank& next) {
+  const auto new_ranks_of = [&](const ranks::Cells& cells) {
+    std::vector<int> new_ranks;
+    for (const Number cell : cells) new_ranks.push_back(next.owners_[at(cell)]);
+    return new_ranks;
+  };
+  NewRanks own;
+  if (is_first()) {
+    for (int rank = 1; rank < group_.size(); ++rank) {
+      ranks::send_value(group_, new_ranks_of(cells_[at(rank)]), rank);
+    }
+    own.of_cells = new_ranks_of(cells_.front());
+  } else {
+    own.of_cells = ranks::receive_value<std::vector<int>>(group_, 0);
+  }
+  const cases::Mesh& mesh = part_.contents.mesh;
+  for (const Number b : own_boundaries_) {
+    own.of_boundaries.push_back(own.of_cells[at(mesh.left[at(mesh.boundaries[at(b)].edge)])]);
+  }
+  return own;
 }
 
 }  // namespace fields

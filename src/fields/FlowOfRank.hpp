@@ -12,6 +12,7 @@
 #include "engine/Engine.hpp"
 #include "fields/Flow.hpp"
 #include "fields/TableFields.hpp"
+#include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
 #include "ranks/share_of.hpp"
 
@@ -64,7 +65,13 @@ class FlowOfRank {
   bool stop_is_wished() const { return engine_->wishes().stop; }
   void keep_maxima(double arrival_depth) { engine_->keep_maxima(arrival_depth); }
   void note_maxima(double t) { engine_->note_maxima(t); }
-  void watch() { engine_->watch(part_.contents.t_start); }
+  void watch() {
+    engine_->watch(part_.contents.t_start);
+    is_watched_ = true;
+  }
+  /// Between two steps, once both have started: the steps go on in another flow of the same ranks,
+  /// among which it shares the cells otherwise. This one is not used any more.
+  void move_to(FlowOfRank& next);
 
   // What rank 0 gathers; the others give nothing to be filled.
   void read(Field field, std::span<double> values);
@@ -102,6 +109,11 @@ class FlowOfRank {
   void gather_parts(const Value& own, Value& all);
   template <class Value>
   Value own_part_of(const Value& all);
+  /// What the cells and boundaries of this rank have in another flow.
+  NewRanks new_ranks_of_own(const FlowOfRank& next);
+  /// That of the own cells and boundaries.
+  void save_own(engine::State& state);
+  void load_own(engine::State own);
 
   ranks::Group& group_;
   cases::Part part_;
@@ -110,6 +122,7 @@ class FlowOfRank {
   std::unique_ptr<engine::Engine> engine_;
   std::unique_ptr<TableFields> fields_;
   RankStart start_;
+  bool is_watched_ = false;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;
 
   // On rank 0.

@@ -38,6 +38,7 @@ enum class Task {
   save_notes,
   load,
   load_notes,
+  recut,
   end
 };
 
@@ -63,8 +64,26 @@ void read_some(FlowOfRank& part, ranks::Group& group, const Order& order) {
   part.read(order.field, cells, {});
 }
 
+/// Lets the steps go on with the cells shared out as another plan says, if all ranks can start so.
+/// Answers whether they could.
+bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
+           ranks::Group& group) {
+  auto next = std::make_unique<FlowOfRank>(contents, plan, group);
+  if (next->start().outcome != RankStart::Outcome::good) return false;
+  part->move_to(*next);
+  part = std::move(next);
+  return true;
+}
+
+void take_part_in_recut(std::unique_ptr<FlowOfRank>& part, ranks::Group& group) {
+  RanksPlan plan;
+  ranks::broadcast_in(group, plan);
+  const cases::Case no_case;  // rank 0 has it
+  recut(part, no_case, plan, group);
+}
+
 /// Does what rank 0 orders until it ends the flow.
-void serve_flow(FlowOfRank& part, ranks::Group& group,
+void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
   std::vector<BoundaryInflow> no_inflows;
   engine::State no_state;
@@ -72,6 +91,7 @@ void serve_flow(FlowOfRank& part, ranks::Group& group,
   while (true) {
     Order order{};
     ranks::broadcast_plain(group, order);
+    FlowOfRank& part = *own;
     switch (order.task) {
       case Task::stable_step:
         part.stable_step(order.value);
@@ -112,6 +132,9 @@ void serve_flow(FlowOfRank& part, ranks::Group& group,
       case Task::load_notes:
         part.load_notes(no_notes);
         break;
+      case Task::recut:
+        take_part_in_recut(own, group);
+        break;
       case Task::end:
         return;
     }
@@ -123,8 +146,9 @@ void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interr
   RanksPlan plan;
   ranks::broadcast_in(group, plan);
   const cases::Case no_case;  // rank 0 has it
-  FlowOfRank part(no_case, plan, group);
-  if (part.start().outcome == RankStart::Outcome::good) serve_flow(part, group, is_interrupted);
+  auto part = std::make_unique<FlowOfRank>(no_case, plan, group);
+  if (part->start().outcome != RankStart::Outcome::good) return;
+  serve_flow(std::move(part), group, is_interrupted);
 }
 
 }  // namespace
@@ -147,16 +171,19 @@ void end_service(ranks::Group& group, int number) {
 RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
                      const RanksRequest& request, int most_threads,
                      const engine::Processor& processor)
-    : case_(contents), diagnostics_(diagnostics), on_stop_(request.on_stop) {
+    : case_(contents),
+      diagnostics_(diagnostics),
+      on_stop_(request.on_stop),
+      plan_{request.cut(contents.mesh, request.group->size()), 1, processor} {
   require_scheme_takes(contents);
-  RanksPlan plan{request.cut(contents.mesh, request.group->size()), 1, processor};
-  const auto members = static_cast<int>(plan.cells.size());
-  plan.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
+  const auto members = static_cast<int>(plan_.cells.size());
+  plan_.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
   ranks::broadcast_plain(*request.group, call);
   group_ = request.group->first(members);
-  ranks::broadcast_out(*group_, plan);
-  part_ = std::make_unique<FlowOfRank>(contents, plan, *group_);
+  ranks::broadcast_out(*group_, plan_);
+  part_ = std::make_unique<FlowOfRank>(contents, plan_, *group_);
+  plan_.cells = {};
   const RankStart& start = part_->start();
   switch (start.outcome) {
     case RankStart::Outcome::no_room_in_tables:
@@ -166,10 +193,18 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
     case RankStart::Outcome::good:
       break;
   }
-  warn_of_missing_threads(start.threads, plan.threads, diagnostics);
+  warn_of_missing_threads(start.threads, plan_.threads, diagnostics);
 }
 
 RanksFlow::~RanksFlow() { tell(*group_, {Task::end}); }
+
+void RanksFlow::recut(std::vector<ranks::Cells> cells) {
+  tell(*group_, {Task::recut});
+  plan_.cells = std::move(cells);
+  ranks::broadcast_out(*group_, plan_);
+  if (fields::recut(part_, case_, plan_, *group_)) ++recuts_;
+  plan_.cells = {};
+}
 
 FlowScales RanksFlow::scales() const {
   const engine::Tables& tables = part_->engine().tables();

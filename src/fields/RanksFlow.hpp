@@ -32,6 +32,12 @@ class RanksFlow : public Flow {
             const RanksRequest& request, int most_threads, const engine::Processor& processor);
   ~RanksFlow() override;
 
+  /// Between two steps: the cells of every rank that takes part are others from now on, unless one
+  /// of them cannot start so. What boundaries took in during the last step is forgotten.
+  void recut(std::vector<ranks::Cells> cells);
+  /// How often that was done.
+  int recuts() const { return recuts_; }
+
   FlowScales scales() const override;
   double stable_step(double t) override;
   double advance(const StepTimes& times) override;
@@ -65,8 +71,10 @@ class RanksFlow : public Flow {
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;
   std::function<void()> on_stop_;
+  RanksPlan plan_;                       ///< its cells are empty, but while they are dealt out
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
+  int recuts_ = 0;
   mutable Gathered gathered_;  ///< since the last step
 };
 

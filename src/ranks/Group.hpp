@@ -43,7 +43,7 @@ class Group {
 
   /// The first ranks of this group as one of their own; null on the others.
   virtual std::unique_ptr<Group> first(int members) = 0;
-  /// What the engines of these ranks exchange in their steps; to be called once.
+  /// What the engines of these ranks exchange in their steps; of other halos as often as called.
   virtual std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) = 0;
 };
 

@@ -13,7 +13,8 @@ using engine::at;
 struct InProcess::Shared {
   explicit Shared(int ranks) : size(ranks), minimum(ranks), notes(ranks) {}
 
-  /// That of the first members; `which` of those that were asked for, one after the other.
+  /// That of the first members, or of one exchange of all; `which` of those that were asked for,
+  /// one after the other.
   std::shared_ptr<Shared> part(int which, int members) {
     const std::lock_guard lock(mutex);
     std::shared_ptr<Shared>& found = parts[which];
@@ -138,18 +139,19 @@ class InProcess::Member : public Group {
   }
 
   std::unique_ptr<Group> first(int members) override {
-    const int which = groups_++;
+    const int which = parts_++;
     if (rank_ >= members) return nullptr;
     return std::make_unique<Member>(shared_->part(which, members), rank_);
   }
   std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) override {
-    return std::make_unique<MemberExchange>(shared_, rank_, std::move(halos));
+    return std::make_unique<MemberExchange>(shared_->part(parts_++, size()), rank_,
+                                            std::move(halos));
   }
 
  private:
   std::shared_ptr<Shared> shared_;
   int rank_;
-  int groups_ = 0;  ///< made of the first ranks of this one
+  int parts_ = 0;  ///< of what is shared, made so far
 };
 
 InProcess::InProcess(int ranks) : shared_(std::make_shared<Shared>(ranks)) {}

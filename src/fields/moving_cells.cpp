@@ -1,0 +1,92 @@
+#include "fields/moving_cells.hpp"
+
+#include <algorithm>
+#include <map>
+
+namespace fields {
+
+using cases::at;
+using cases::Number;
+
+namespace {
+
+/// Calls add(rank, k) for the k-th of a list of ranks.
+template <class Add>
+void for_each_rank(const std::vector<int>& ranks, const Add& add) {
+  for (std::size_t k = 0; k < ranks.size(); ++k) add(ranks[k], static_cast<Number>(k));
+}
+
+std::vector<Number> entries_of(const std::vector<Number>& numbers,
+                               const std::vector<Number>& entries) {
+  std::vector<Number> found;
+  for (const Number k : entries) found.push_back(numbers[at(k)]);
+  return found;
+}
+
+MovingCells entries_of(const MovingCells& all, const Entries& entries) {
+  MovingCells part;
+  part.numbers.cells = entries_of(all.numbers.cells, entries.cells);
+  part.numbers.boundaries = entries_of(all.numbers.boundaries, entries.boundaries);
+  part.state = part_of(all.state, entries);
+  if (all.notes) part.notes = part_of(*all.notes, entries);
+  return part;
+}
+
+/// Where some numbers stand among all; both ascend.
+std::vector<Number> places_in(const std::vector<Number>& all, const std::vector<Number>& some) {
+  std::vector<Number> places;
+  auto from = all.begin();
+  for (const Number number : some) {
+    from = std::lower_bound(from, all.end(), number);
+    places.push_back(static_cast<Number>(from - all.begin()));
+  }
+  return places;
+}
+
+void append(std::vector<Number>& all, const std::vector<Number>& more) {
+  all.insert(all.end(), more.begin(), more.end());
+}
+
+/// Makes one of the parts that came, of which each holds the rest besides columns.
+MovingCells united(const std::vector<MovingCells>& parts) {
+  MovingCells all;
+  for (const MovingCells& part : parts) {
+    append(all.numbers.cells, part.numbers.cells);
+    append(all.numbers.boundaries, part.numbers.boundaries);
+  }
+  std::sort(all.numbers.cells.begin(), all.numbers.cells.end());
+  std::sort(all.numbers.boundaries.begin(), all.numbers.boundaries.end());
+  const std::size_t cells = all.numbers.cells.size(), boundaries = all.numbers.boundaries.size();
+  for (const MovingCells& part : parts) {
+    const Entries entries = {places_in(all.numbers.cells, part.numbers.cells),
+                             places_in(all.numbers.boundaries, part.numbers.boundaries)};
+    take_the_rest(all.state, part.state);
+    put_part(part.state, entries, cells, boundaries, all.state);
+    if (!part.notes) continue;
+    if (!all.notes) all.notes.emplace();
+    take_the_rest(*all.notes, *part.notes);
+    put_part(*part.notes, entries, cells, boundaries, *all.notes);
+  }
+  return all;
+}
+
+}  // namespace
+
+MovingCells moved(const MovingCells& own, const NewRanks& new_ranks, ranks::Group& group) {
+  std::map<int, Entries> entries_for;
+  for_each_rank(new_ranks.of_cells,
+                [&](int rank, Number k) { entries_for[rank].cells.push_back(k); });
+  for_each_rank(new_ranks.of_boundaries,
+                [&](int rank, Number k) { entries_for[rank].boundaries.push_back(k); });
+  std::vector<ranks::Message> sent;
+  for (const auto& [rank, entries] : entries_for) {
+    utils::put_into(sent.emplace_back(ranks::Message{rank, {}}).bytes, entries_of(own, entries));
+  }
+  std::vector<MovingCells> parts;
+  for (const ranks::Message& message : group.send_to_some(std::move(sent))) {
+    utils::take_out_of(message.bytes, parts.emplace_back());
+  }
+  return united(parts);
+}
+
+}  // namespace fields

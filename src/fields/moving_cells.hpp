@@ -1,0 +1,33 @@
+// Cells that get other ranks between two steps, with all that the steps to come need to know.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "fields/parts_of_states.hpp"
+#include "ranks/Group.hpp"
+
+namespace fields {
+
+struct MovingCells {
+  Entries numbers;  ///< in the whole case, ascending; columns are in their order
+  engine::State state;
+  std::optional<engine::SavedNotes> notes;  ///< of steps that are watched
+
+  /// For utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.numbers, self.state, self.notes);
+  }
+};
+
+/// The ranks that cells and boundaries get.
+struct NewRanks {
+  std::vector<int> of_cells, of_boundaries;
+};
+
+/// Called by all ranks: every cell goes from the rank that has it straight to its new one, with its
+/// boundaries. Answers the new cells of this rank.
+MovingCells moved(const MovingCells& own, const NewRanks& new_ranks, ranks::Group& group);
+
+}  // namespace fields

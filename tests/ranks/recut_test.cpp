@@ -1,0 +1,153 @@
+// The cells are shared out anew in the middle of a run: not a bit of it may change.
+#include <algorithm>
+#include <random>
+
+#include "fields/Clock.hpp"
+#include "fields/RanksFlow.hpp"
+#include "fields/make_flow.hpp"
+#include "ranks/Curve.hpp"
+#include "ranks/DelayedGroup.hpp"
+#include "ranks/PartsOfCourse.hpp"
+#include "ranks/as_first_of.hpp"
+#include "support/Told.hpp"
+
+using namespace test_ranks;
+
+namespace {
+
+/// What can be seen of a run.
+struct Seen {
+  std::vector<double> steps;
+  std::vector<physics::StepNotes> notes;          ///< of every step, of a run that is watched
+  std::vector<engine::BoundaryInflow> inflows;    ///< of all boundaries, step by step
+  std::vector<utils::Bytes> states, saved_notes;  ///< every ten steps
+};
+
+class Recut : public PartsOfCourse {
+ protected:
+  static constexpr int steps = 60, steps_between_cuts = 10;
+
+  /// Calls `recut` between two steps, every ten of them.
+  template <class Recut>
+  static Seen run(fields::Flow& flow, const cases::Case& contents, bool is_watched,
+                  const Recut& recut) {
+    Seen seen;
+    flow.keep_maxima(arrival_depth);
+    fields::Clock clock = fields::clock_at_start(contents, flow);
+    if (is_watched) flow.watch();
+    for (int step = 0; step < steps; ++step) {
+      if (step % steps_between_cuts == 0) {
+        look(flow, is_watched, seen);
+        recut();
+      }
+      fields::advance(flow, contents, clock);
+      seen.steps.push_back(clock.dt);
+      if (is_watched) seen.notes.push_back(flow.notes());
+      for (std::size_t b = 0; b < contents.mesh.boundaries.size(); ++b) {
+        seen.inflows.push_back(flow.boundary_inflow(static_cast<int>(b)));
+      }
+    }
+    flow.note_maxima(clock.t);
+    look(flow, is_watched, seen);
+    return seen;
+  }
+
+  /// As bytes; NaN among them.
+  template <class Value>
+  static utils::Bytes bytes_of(const std::vector<Value>& values) {
+    utils::Bytes bytes;
+    utils::put_into(bytes, values);
+    return bytes;
+  }
+
+  static void expect_same(const Seen& seen, const Seen& expected) {
+    EXPECT_TRUE(bytes_of(seen.steps) == bytes_of(expected.steps));
+    EXPECT_TRUE(bytes_of(seen.notes) == bytes_of(expected.notes));
+    EXPECT_TRUE(seen.states == expected.states);
+    EXPECT_TRUE(seen.saved_notes == expected.saved_notes);
+    ASSERT_EQ(seen.inflows.size(), expected.inflows.size());
+    for (std::size_t k = 0; k < seen.inflows.size(); ++k) {
+      EXPECT_EQ(seen.inflows[k].water, expected.inflows[k].water) << k;
+      EXPECT_EQ(seen.inflows[k].bed, expected.inflows[k].bed) << k;
+    }
+  }
+
+  static void look(fields::Flow& flow, bool is_watched, Seen& seen) {
+    engine::State state;
+    flow.save(state);
+    utils::put_into(seen.states.emplace_back(), state);
+    if (!is_watched) return;
+    engine::SavedNotes notes;
+    flow.save_notes(notes);
+    utils::put_into(seen.saved_notes.emplace_back(), notes);
+  }
+
+  std::vector<ranks::Cells> random_cut(const cases::Mesh& mesh, int ranks) {
+    const ranks::Curve curve(mesh, 4);
+    std::vector<double> weights;
+    for (int k = 0; k < curve.patches(); ++k) {
+      weights.push_back(k % 100 == 0 ? 1.0 + static_cast<double>(random_() % 400) : 1.0);
+    }
+    return curve.runs(curve.cuts(weights, ranks));
+  }
+
+  void expect_the_run_of_one(const cases::Case& contents, const std::vector<int>& counts) {
+    for (const bool is_watched : {false, true}) {
+      const auto alone = fields::make_flow(contents, told_, {.most_threads = 1});
+      const Seen expected = run(*alone, contents, is_watched, [] {});
+      ASSERT_NE(expected.states.front(), expected.states.back());
+      for (const int count : counts) {
+        as_first_of({count}, [&](ranks::Group& group) {
+          fields::RanksFlow flow(contents, told_, {.group = &group}, 1, {});
+          const Seen seen = run(flow, contents, is_watched,
+                                [&] { flow.recut(random_cut(contents.mesh, count)); });
+          SCOPED_TRACE(std::to_string(count) + " ranks, watched: " + std::to_string(is_watched));
+          expect_same(seen, expected);
+          EXPECT_EQ(flow.recuts(), steps / steps_between_cuts);
+        });
+      }
+    }
+  }
+
+  std::mt19937 random_{11};
+  support::Told told_;
+};
+
+}  // namespace
+
+TEST_F(Recut, LeavesTheRunOfWaterOverSoilsUnderRainAsItIs) {
+  expect_the_run_of_one(basin({}), {2, 3, 5, 7});
+  expect_the_run_of_one(basin({.mostly_dry = true}), {3, 7});
+  expect_the_run_of_one(basin({.rain = false, .soils = false, .mostly_dry = true}), {5});
+}
+
+TEST_F(Recut, LeavesTheRunOverSandAsItIs) {
+  expect_the_run_of_one(basin({.sediments = true}), {2, 3, 5, 7});
+  expect_the_run_of_one(basin({.sediments = true, .mostly_dry = true}), {5});
+}
+
+TEST_F(Recut, LeavesTheRunsOfThePositiveSchemesAsTheyAre) {
+  for (const bool mostly_dry : {false, true}) {
+    cases::Case contents = basin({.mostly_dry = mostly_dry});
+    contents.scheme = cases::Scheme::hll2;
+    expect_the_run_of_one(contents, {2, 3, 5, 7});
+  }
+  cases::Case sand = basin({.sediments = true});
+  sand.scheme = cases::Scheme::hll1;
+  expect_the_run_of_one(sand, {3, 7});
+}
+
+TEST_F(Recut, BearsMessagesThatComeLate) {
+  const cases::Case contents = basin({});
+  const auto alone = fields::make_flow(contents, told_, {.most_threads = 1});
+  const Seen expected = run(*alone, contents, true, [] {});
+  const OtherRanks others{
+      .count = 5, .changed = [](std::unique_ptr<ranks::Group> group) {
+        return std::unique_ptr<ranks::Group>(std::make_unique<DelayedGroup>(std::move(group), 3));
+      }};
+  as_first_of(others, [&](ranks::Group& group) {
+    fields::RanksFlow flow(contents, told_, {.group = &group}, 1, {});
+    const Seen seen = run(flow, contents, true, [&] { flow.recut(random_cut(contents.mesh, 5)); });
+    expect_same(seen, expected);
+  });
+}
