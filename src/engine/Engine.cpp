@@ -54,6 +54,7 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;
   step_.grains = tables_.grains;
+  if (&exchange_ != &alone_) meter_.emplace(tables_.patches.patches.size());
 }
 
 double Engine::stable_step(double t) {
@@ -67,6 +68,7 @@ double Engine::stable_step(double t) {
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
+  if (meter_) meter_->begin_step();
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
@@ -85,6 +87,7 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
   if (!backend_->works_in_place()) exchange_.start_halo(tables_);
   start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
                 own);
+  if (meter_) meter_->end_step(activity_.patches());
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment(tables_.ghosts());
   tables_.drop_given_surface();
@@ -247,6 +250,16 @@ void Engine::read(const Column& column, std::span<const cases::Number> cells,
                   std::span<double> values) const {
   for (std::size_t i = 0; i < cells.size(); ++i) {
     values[i] = column[at(tables_.place[at(cells[i])])];
+  }
+}
+
+void Engine::read_work(std::span<double> values) const {
+  std::vector<int> cells;
+  for (const Patch& patch : tables_.patches.patches) cells.push_back(patch.cells.size());
+  const std::vector<double> of_patches = meter_->seconds_per_cell(cells);
+  for (int k = 0; k < tables_.owned; ++k) {
+    const int place = tables_.place[at(k)];
+    values[at(k)] = of_patches[at(place / tables_.cells_per_patch())];
   }
 }
 

@@ -12,6 +12,7 @@
 #include "engine/Processor.hpp"
 #include "engine/State.hpp"
 #include "engine/ThreadTeam.hpp"
+#include "engine/WorkMeter.hpp"
 #include "physics/initial_water.hpp"
 
 namespace engine {
@@ -94,6 +95,11 @@ class Engine {
   const char* instruction_set() const { return backend_->instruction_set(); }
   /// What a report calls the path: tables, or device.
   const char* path() const { return is_on_device_ ? "device" : "tables"; }
+  /// Of one of several ranks: ends a window of steps, see WorkMeter; for how long they have kept
+  /// this rank busy, s.
+  double end_window() { return meter_->end_window(); }
+  /// What the owned cells cost in the last window, in the order of their numbers, s.
+  void read_work(std::span<double> values) const;
   /// Patches that the last step computed.
   int active_patches() const { return static_cast<int>(activity_.patches().size()); }
 
@@ -123,6 +129,7 @@ class Engine {
   Activity activity_;
   bool is_on_device_;
   std::unique_ptr<Backend> backend_;
+  std::optional<WorkMeter> meter_;    ///< of one of several ranks
   std::unique_ptr<StepNotes> notes_;  ///< null: nobody asks for notes
   kernels::StepValues step_{};
   double step_of_bound_ = 0.0;  ///< by which a boundary here bounds the next step, s

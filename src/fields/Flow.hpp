@@ -38,12 +38,15 @@ struct UnseenDepth {
 };
 
 /// What the steps run on: the name of the path, the threads of each rank, the instruction set of
-/// the first rank, and how many ranks there are.
+/// the first rank, and how many ranks there are. Of several: how often their cells were shared out
+/// anew, and for how long steps kept the busiest of them busy over the mean of all.
 struct ExecutionPath {
   const char* name;
   int threads;
   const char* instruction_set;
   int ranks = 1;
+  int recuts = 0;
+  double imbalance = 1.0;
 };
 
 /// What the rule of the time step takes for cells without water.

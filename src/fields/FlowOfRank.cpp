@@ -153,6 +153,19 @@ void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<doub
   }
 }
 
+std::vector<double> FlowOfRank::seconds_of_ranks() {
+  const double own = engine_->end_window();
+  std::vector<double> all(at(group_.size()));
+  group_.gather_all(std::as_bytes(std::span(&own, 1)), std::as_writable_bytes(std::span(all)));
+  return all;
+}
+
+void FlowOfRank::read_work(std::span<double> values) {
+  own_values_.resize(at(engine_->tables().owned));
+  engine_->read_work(own_values_);
+  gather(own_values_, values);
+}
+
 CellState FlowOfRank::state(Number cell) {
   CellState state;
   if (owns(cell)) state = fields_->state(part_.own_cell(cell));

@@ -73,11 +73,17 @@ class FlowOfRank {
   /// among which it shares the cells otherwise. This one is not used any more.
   void move_to(FlowOfRank& next);
 
+  /// For how long the steps have kept every rank busy since the last call, s; without waiting for
+  /// each other. On all ranks.
+  std::vector<double> seconds_of_ranks();
+
   // What rank 0 gathers; the others give nothing to be filled.
   void read(Field field, std::span<double> values);
   void read(Field field, std::span<const cases::Number> cells, std::span<double> values);
   CellState state(cases::Number cell);
   void read_inflows(std::vector<BoundaryInflow>& inflows);
+  /// What every cell cost between the last two calls of seconds_of_ranks(), s.
+  void read_work(std::span<double> values);
   void save(engine::State& state);
   void save_notes(engine::SavedNotes& notes);
   /// On rank 0: where the last step was not hyperbolic, if that is to be told.

@@ -38,6 +38,8 @@ enum class Task {
   save_notes,
   load,
   load_notes,
+  weigh_ranks,
+  weigh_cells,
   recut,
   end
 };
@@ -132,6 +134,12 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
       case Task::load_notes:
         part.load_notes(no_notes);
         break;
+      case Task::weigh_ranks:
+        part.seconds_of_ranks();
+        break;
+      case Task::weigh_cells:
+        part.read_work({});
+        break;
       case Task::recut:
         take_part_in_recut(own, group);
         break;
@@ -139,6 +147,11 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
         return;
     }
   }
+}
+
+/// Patches that leave every rank about a hundred of them to be weighed.
+int cells_per_patch_for(Number cells, int ranks) {
+  return std::clamp(cells / (100 * ranks), 1, 64);
 }
 
 /// Takes part in the next flow.
@@ -176,6 +189,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
       on_stop_(request.on_stop),
       plan_{request.cut(contents.mesh, request.group->size()), 1, processor} {
   require_scheme_takes(contents);
+  const double begun = engine::seconds_of_thread();
   const auto members = static_cast<int>(plan_.cells.size());
   plan_.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
@@ -194,6 +208,8 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
       break;
   }
   warn_of_missing_threads(start.threads, plan_.threads, diagnostics);
+  // To share the cells out again will take as long, for all that is known.
+  if (request.are_balanced) balance_.emplace(engine::seconds_of_thread() - begun);
 }
 
 RanksFlow::~RanksFlow() { tell(*group_, {Task::end}); }
@@ -216,8 +232,33 @@ double RanksFlow::stable_step(double t) {
   return part_->stable_step(t);
 }
 
+void RanksFlow::look_at_balance() {
+  tell(*group_, {Task::weigh_ranks});
+  balance_->add_look(part_->seconds_of_ranks());
+  if (balance_->is_time()) balance();
+}
+
+void RanksFlow::balance() {
+  const double begun = engine::seconds_of_thread();
+  tell(*group_, {Task::weigh_cells});
+  std::vector<double> of_cells(at(case_.mesh.n_cells()));
+  part_->read_work(of_cells);
+  if (!curve_)
+    curve_.emplace(case_.mesh, cells_per_patch_for(case_.mesh.n_cells(), group_->size()));
+  const std::vector<double> weights = curve_->sums_of_patches(of_cells);
+  const std::vector<int> cuts = curve_->cuts(weights, group_->size());
+  if (!balance_->pays(ranks::weights_of_runs(weights, cuts))) return;
+  recut(curve_->runs(cuts));
+  balance_->has_moved(engine::seconds_of_thread() - begun);
+}
+
 double RanksFlow::advance(const StepTimes& times) {
   gathered_ = {};
+  if (balance_ && steps_since_look_ == ranks::Balance::steps_between_looks) {
+    look_at_balance();
+    steps_since_look_ = 0;
+  }
+  ++steps_since_look_;
   tell(*group_, {.task = Task::advance, .times = times});
   const double step = part_->advance(times, false);
   if (const auto& found = part_->not_hyperbolic()) {
@@ -276,8 +317,12 @@ FlowSurvey RanksFlow::survey() const {
 }
 
 ExecutionPath RanksFlow::execution_path() const {
-  return {part_->engine().path(), part_->start().threads, part_->engine().instruction_set(),
-          group_->size()};
+  return {part_->engine().path(),
+          part_->start().threads,
+          part_->engine().instruction_set(),
+          group_->size(),
+          recuts_,
+          balance_ ? balance_->imbalance() : 1.0};
 }
 
 UnseenDepth RanksFlow::unseen_depth(Number cell) const {

@@ -9,6 +9,8 @@
 
 #include "case/Diagnostics.hpp"
 #include "fields/FlowOfRank.hpp"
+#include "ranks/Balance.hpp"
+#include "ranks/Curve.hpp"
 #include "ranks/cut_along_curve.hpp"
 
 namespace fields {
@@ -19,6 +21,8 @@ struct RanksRequest {
   /// The cells of every rank.
   std::function<std::vector<ranks::Cells>(const cases::Mesh& mesh, int ranks)> cut =
       ranks::cut_along_curve;
+  /// Whether cells get other ranks in the course of the run where some have less to do than others.
+  bool are_balanced = true;
   /// Called after a step in which another rank was asked to end the run.
   std::function<void()> on_stop = {};
 };
@@ -63,6 +67,10 @@ class RanksFlow : public Flow {
   void load_notes(const engine::SavedNotes& notes) override;
 
  private:
+  void look_at_balance();
+  /// Gives the ranks cells that make about the same work for each, if that is worth it.
+  void balance();
+
   struct Gathered {
     std::optional<std::vector<BoundaryInflow>> inflows;
     std::optional<engine::SavedNotes> notes;
@@ -75,7 +83,10 @@ class RanksFlow : public Flow {
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
   int recuts_ = 0;
-  mutable Gathered gathered_;  ///< since the last step
+  std::optional<ranks::Balance> balance_;  ///< of ranks that are balanced
+  int steps_since_look_ = 0;               ///< at the balance
+  std::optional<ranks::Curve> curve_;      ///< once cells are shared out anew
+  mutable Gathered gathered_;              ///< since the last step
 };
 
 /// On a rank that is not rank 0: takes part in the flows that rank 0 makes, until that ends the

@@ -263,6 +263,10 @@ json RunReport::execution() const {
                  {"instruction_set", path.instruction_set},
                  {"flux_scheme", cases::kind_of(case_->scheme).name},
                  {"cells", case_->mesh.n_cells()}};
+  if (path.ranks > 1) {
+    result["recuts"] = path.recuts;
+    result["imbalance"] = path.imbalance;
+  }
   if (continued_at_) result["continued_at_s"] = *continued_at_;
   return result;
 }

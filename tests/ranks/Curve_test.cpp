@@ -14,7 +14,7 @@ using Cuts = std::vector<int>;
 
 namespace {
 
-std::vector<double> alike(int count) { return std::vector<double>(cases::at(count), 1.0); }
+std::vector<double> equal_weights(int count) { return std::vector<double>(cases::at(count), 1.0); }
 
 }  // namespace
 
@@ -22,7 +22,7 @@ TEST(Curve, IsCutIntoRunsOfOneLengthWhereWeightsAreAlike) {
   for (const int cells : {1, 7, 64, 1000}) {
     const Curve curve(support::strip_mesh(cells));
     for (const int ranks : {1, 2, 3, 5, 7}) {
-      const Cuts cuts = curve.cuts(alike(cells), ranks);
+      const Cuts cuts = curve.cuts(equal_weights(cells), ranks);
       const int runs = std::min(ranks, cells);
       ASSERT_EQ(cuts.size(), cases::at(runs) + 1);
       for (int run = 0; run < runs; ++run) {

@@ -36,7 +36,11 @@ struct Course {
 
 class PartsOfCourse : public testing::Test {
  protected:
-  cases::Case basin(const Options& options) { return support::basin(options, folder_); }
+  cases::Case basin(const Options& options) {
+    cases::Case contents = support::basin(options, folder_);
+    contents.cfl = courant;
+    return contents;
+  }
 
   static Course run_alone(const cases::Case& contents, int steps) {
     Course course;

@@ -9,6 +9,7 @@
 #include "ranks/DelayedGroup.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
+#include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
 
 using namespace test_ranks;
@@ -41,6 +42,7 @@ class Recut : public PartsOfCourse {
         recut();
       }
       fields::advance(flow, contents, clock);
+      EXPECT_FALSE(clock.has_collapsed());
       seen.steps.push_back(clock.dt);
       if (is_watched) seen.notes.push_back(flow.notes());
       for (std::size_t b = 0; b < contents.mesh.boundaries.size(); ++b) {
@@ -98,7 +100,7 @@ class Recut : public PartsOfCourse {
       ASSERT_NE(expected.states.front(), expected.states.back());
       for (const int count : counts) {
         as_first_of({count}, [&](ranks::Group& group) {
-          fields::RanksFlow flow(contents, told_, {.group = &group}, 1, {});
+          fields::RanksFlow flow(contents, told_, {.group = &group, .are_balanced = false}, 1, {});
           const Seen seen = run(flow, contents, is_watched,
                                 [&] { flow.recut(random_cut(contents.mesh, count)); });
           SCOPED_TRACE(std::to_string(count) + " ranks, watched: " + std::to_string(is_watched));
@@ -149,5 +151,62 @@ TEST_F(Recut, BearsMessagesThatComeLate) {
     fields::RanksFlow flow(contents, told_, {.group = &group}, 1, {});
     const Seen seen = run(flow, contents, true, [&] { flow.recut(random_cut(contents.mesh, 5)); });
     expect_same(seen, expected);
+  });
+}
+
+namespace {
+
+/// A basin whose water stands behind a dam that breaks, while most of it is dry.
+class DryBasin : public Recut {
+ protected:
+  static cases::Case dry_basin() {
+    const support::RunGlobals globals(1e-3, 1.0, t_end);
+    const auto model = support::build_rectangle<SWE>({60, 30, 60.0, 30.0});
+    support::fill(*model, [](double x, double) { return x < 6.0 ? 1.0 : -1.0; });
+    cases::Case contents = support::case_of(*model);
+    contents.cfl = courant;
+    return contents;
+  }
+
+  static utils::Bytes state_after(fields::Flow& flow, const cases::Case& contents, int steps) {
+    fields::Clock clock = fields::clock_at_start(contents, flow);
+    for (int step = 0; step < steps; ++step) fields::advance(flow, contents, clock);
+    return state_of(flow);
+  }
+  static utils::Bytes state_of(fields::Flow& flow) {
+    engine::State state;
+    flow.save(state);
+    utils::Bytes bytes;
+    utils::put_into(bytes, state);
+    return bytes;
+  }
+};
+
+}  // namespace
+
+TEST_F(DryBasin, IsSharedOutAnewByTheWorkThatItsCellsMake) {
+  const cases::Case contents = dry_basin();
+  as_first_of({3}, [&](ranks::Group& group) {
+    fields::RanksFlow flow(contents, told_, {.group = &group}, 1, {});
+    fields::Clock clock = fields::clock_at_start(contents, flow);
+    constexpr long too_many = 100'000;
+    while (flow.recuts() == 0 && clock.steps < too_many) fields::advance(flow, contents, clock);
+    EXPECT_GT(flow.recuts(), 0);
+    EXPECT_EQ(flow.execution_path().recuts, flow.recuts());
+    EXPECT_GT(flow.execution_path().imbalance, 1.1);
+    for (int step = 0; step < 10; ++step) fields::advance(flow, contents, clock);
+
+    const auto alone = fields::make_flow(contents, told_, {.most_threads = 1});
+    EXPECT_TRUE(state_of(flow) == state_after(*alone, contents, static_cast<int>(clock.steps)));
+  });
+}
+
+TEST_F(DryBasin, StaysAsItIsWhereNobodyBalancesTheRanks) {
+  const cases::Case contents = dry_basin();
+  as_first_of({3}, [&](ranks::Group& group) {
+    fields::RanksFlow flow(contents, told_, {.group = &group, .are_balanced = false}, 1, {});
+    fields::Clock clock = fields::clock_at_start(contents, flow);
+    for (int step = 0; step < 500; ++step) fields::advance(flow, contents, clock);
+    EXPECT_EQ(flow.recuts(), 0);
   });
 }
