@@ -104,6 +104,13 @@ class Domain {
   void begin_watching();
   void enter(Phase phase);
   void fire_outputs();
+  /// Whether the loop goes on; `is_allowed` as of Update().
+  bool may_go_on(const std::function<bool()>& is_allowed);
+  /// What there is to do besides steps, before one and after one.
+  void pause_before_step();
+  void pause_after_step();
+  /// Up to when the loop needs nothing of the flow but steps, before one, s.
+  double next_pause();
   void compute_step();
   void look_at_water();
   void show_progress();
@@ -141,7 +148,8 @@ class Domain {
   const cases::DataFile& data_ = read_.data;
   std::vector<checkpoint::Input> inputs_;  ///< of a run with checkpoints, or that goes on
   fields::Clock clock_;
-  double t_begin_ = 0.0;                ///< of this call of the program, s
+  double t_begin_ = 0.0;  ///< of this call of the program, s
+  bool is_asked_to_end_ = false;
   std::unique_ptr<fields::Flow> flow_;  ///< of case_
   std::unique_ptr<WaterLooks> looks_;   ///< at flow_; null before the steps
   bool has_warned_of_much_ = false;

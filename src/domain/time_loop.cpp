@@ -1,4 +1,5 @@
 // The time loop: outputs, progress, and the steps.
+#include <algorithm>
 #include <cmath>
 #include <iomanip>
 #include <iostream>
@@ -20,10 +21,9 @@ void Domain::Update(const std::function<bool()>& goes_on) {
 
   begin_watching();
   if (is_restarted()) go_on_with_outputs();
-  while (clock_.t < case_.t_end && goes_on()) {
-    if (keeper_ && keeper_->is_due()) keep_checkpoint();
-    enter(Phase::outputs);
-    fire_outputs();
+  while (may_go_on(goes_on)) {
+    if (flow_->takes_questions()) pause_before_step();
+    outputs_done_ = clock_.t;  // of a flow that takes no questions nothing is due
     enter(Phase::steps);
     if (++passes > passes_between_displays) {
       passes = 0;
@@ -32,8 +32,7 @@ void Domain::Update(const std::function<bool()>& goes_on) {
     }
     stop_on_collapsed_step();
     compute_step();
-    stop_if_writer_failed();
-    show_progress();
+    if (flow_->takes_questions()) pause_after_step();
   }
   enter(Phase::outputs);
   end_progress();
@@ -49,8 +48,39 @@ void Domain::Update(const std::function<bool()>& goes_on) {
   if (!is_complete()) report_interruption();
 }
 
+bool Domain::may_go_on(const std::function<bool()>& is_allowed) {
+  if (!(clock_.t < case_.t_end)) return false;
+  is_asked_to_end_ = !is_allowed();
+  return !is_asked_to_end_ || !flow_->takes_questions();
+}
+
+void Domain::pause_before_step() {
+  if (keeper_ && keeper_->is_due()) keep_checkpoint();
+  enter(Phase::outputs);
+  fire_outputs();
+}
+
+void Domain::pause_after_step() {
+  stop_if_writer_failed();
+  show_progress();
+}
+
+double Domain::next_pause() {
+  const bool is_next = is_asked_to_end_ || settings_.report != nullptr || looks_->is_due(1) ||
+                       (keeper_ && keeper_->is_due()) || has_lost_a_result() ||
+                       (settings_.progress != nullptr && settings_.progress->is_due());
+  if (is_next) return -HUGE_VAL;
+  double next = std::min(case_.t_end, next_enveloppe_time);
+  if (gauge) next = std::min(next, gauge->next_time());
+  if (monitor_section) next = std::min(next, monitor_section->next_time());
+  if (picture) next = std::min(next, picture->next_time() - fields::Clock::smallest_step);
+  if (results_) next = std::min(next, results_->next_time() - fields::Clock::smallest_step);
+  return next;
+}
+
 void Domain::compute_step() {
   const double t = clock_.t, dt = clock_.dt;
+  flow_->leave_alone_until(next_pause());
   fields::advance(*flow_, case_, clock_);
   if (looks_->is_due()) look_at_water();
   if (settings_.report == nullptr) return;
@@ -98,7 +128,6 @@ void Domain::fire_outputs() {
   if (section_due) monitor_section->WriteMeasure(*flow_, clock_.t);
   if (enveloppe_due) write_enveloppe();
   if (enveloppe_due && maxima_) maxima_->WriteMeasure(*flow_, clock_.t);
-  outputs_done_ = clock_.t;
 }
 
 void Domain::write_results_of_the_end() {

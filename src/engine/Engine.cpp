@@ -119,7 +119,7 @@ void Engine::start_minimum(double smallest, const Wishes& own) {
   const bool skipped_dry_cells = activity_.patches().size() < tables_.patches.patches.size();
   if (skipped_dry_cells) smallest = physics::smaller(smallest, tables_.dry_step);
   const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
-  exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.checkpoint ? -1.0 : 0.0,
+  exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.pause,
                            found ? static_cast<double>(found->edge) : HUGE_VAL});
 }
 

@@ -2,6 +2,7 @@
 // their states.
 #pragma once
 
+#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -19,7 +20,8 @@ namespace engine {
 
 /// What a rank asks of all of them, to be done after a step.
 struct Wishes {
-  bool stop = false, checkpoint = false;
+  bool stop = false;        ///< the end of the run
+  double pause = HUGE_VAL;  ///< a pause between steps as soon as the clock has come to a time, s
 };
 
 /// Cells and boundaries are named by their numbers in the case or part that it is made of; but what
@@ -42,7 +44,7 @@ class Engine {
   /// Together: advances all cells by a step; the stable step of the new states, s.
   double advance(const StepTimes& times, const Wishes& own = {});
   /// What any rank wished in the last step.
-  Wishes wishes() const { return {agreed_.stop < 0.0, agreed_.checkpoint < 0.0}; }
+  Wishes wishes() const { return {agreed_.stop < 0.0, agreed_.pause}; }
 
   /// That of the owned cells, in the order of their numbers.
   State state();

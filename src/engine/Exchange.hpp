@@ -13,15 +13,14 @@ namespace engine {
 struct StepMinimum {
   double step = physics::unbounded_step;  ///< stable step before the Courant factor, s
   double stop = 0.0;                      ///< below 0: a rank asks to end the run
-  double checkpoint = 0.0;                ///< below 0: a rank asks to save the state
+  double pause = HUGE_VAL;  ///< time up to which no rank asks for anything but steps, s
   /// Number of the first edge on which the coupled system of water and bed is not hyperbolic.
   double not_hyperbolic = HUGE_VAL;
 };
 
 inline StepMinimum smallest_of(const StepMinimum& a, const StepMinimum& b) {
   return {physics::smaller(a.step, b.step), physics::smaller(a.stop, b.stop),
-          physics::smaller(a.checkpoint, b.checkpoint),
-          physics::smaller(a.not_hyperbolic, b.not_hyperbolic)};
+          physics::smaller(a.pause, b.pause), physics::smaller(a.not_hyperbolic, b.not_hyperbolic)};
 }
 
 /// Notes of two sets of cells as those of one. Of cells that set the step alike it is the one that
@@ -37,8 +36,8 @@ inline physics::StepNotes united(const physics::StepNotes& a, const physics::Ste
   return {limited_before >= 0 && is_as_before ? limited_before
                                               : lower(a.limiting_cell, b.limiting_cell),
           record(a.speed_squared, b.speed_squared),
-          record(a.speed_squared_per_depth, b.speed_squared_per_depth),
-          a.not_finite + b.not_finite, a.films + b.films};
+          record(a.speed_squared_per_depth, b.speed_squared_per_depth), a.not_finite + b.not_finite,
+          a.films + b.films};
 }
 
 /// Every rank calls the same functions in the same order, each start before its finish.

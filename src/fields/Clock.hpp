@@ -18,6 +18,16 @@ struct Clock {
     visit(self.t, self.dt, self.steps);
   }
 
+  /// The step is computed; `stable_step` (s) is that of the new states.
+  void move(double stable_step, const cases::Case& contents) {
+    const double applied = dt;
+    dt = contents.cfl * stable_step;
+    ++steps;
+    // Intended: with LHLLC the clock advances by the new step, not by the one just
+    // applied; and no step is shortened to meet an output time or the end.
+    t += cases::is_hll(contents.scheme) ? applied : dt;
+  }
+
   /// Whether the next step would not bring the run on.
   bool has_collapsed() const { return dt <= smallest_step || t + dt == t; }
 };
@@ -29,12 +39,7 @@ inline Clock clock_at_start(const cases::Case& contents, Flow& flow) {
 
 /// Computes the next step.
 inline void advance(Flow& flow, const cases::Case& contents, Clock& clock) {
-  const double applied = clock.dt;
-  clock.dt = contents.cfl * flow.advance({clock.t, contents.t_start, contents.t_end, applied});
-  ++clock.steps;
-  // Intended: with LHLLC the clock advances by the new step, not by the one just
-  // applied; and no step is shortened to meet an output time or the end.
-  clock.t += cases::is_hll(contents.scheme) ? applied : clock.dt;
+  clock.move(flow.advance({clock.t, contents.t_start, contents.t_end, clock.dt}), contents);
 }
 
 }  // namespace fields

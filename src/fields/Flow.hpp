@@ -74,6 +74,13 @@ class Flow {
   /// Advances all cells by a step; the stable step of the new states, s.
   virtual double advance(const StepTimes& times) = 0;
 
+  // Several ranks need no orders for steps between which nobody asks for anything.
+  /// Before a step: up to a time (s) nothing but steps as the clock brings them is asked of the
+  /// flow, whenever it takes no questions.
+  virtual void leave_alone_until(double /*t*/) {}
+  /// Whether anything but the next step may be asked of the flow: always, unless it was left alone.
+  virtual bool takes_questions() const { return true; }
+
   /// The present values of a field: of all cells in their order, or of those given.
   virtual void read(Field field, std::span<double> values) const = 0;
   virtual void read(Field field, std::span<const cases::Number> cells,

@@ -93,8 +93,13 @@ std::size_t FlowOfRank::number_of_boundaries() const {
   return count;
 }
 
-double FlowOfRank::advance(const StepTimes& times, bool wishes_stop) {
-  const double step = engine_->advance(times, {.stop = wishes_stop});
+bool FlowOfRank::goes_on(const Clock& clock) const {
+  const engine::Wishes wishes = engine_->wishes();
+  return !wishes.stop && clock.t < wishes.pause && !clock.has_collapsed();
+}
+
+double FlowOfRank::advance(const StepTimes& times, const engine::Wishes& own) {
+  const double step = engine_->advance(times, own);
   not_hyperbolic_.reset();
   if (engine_->any_rank_was_not_hyperbolic()) gather_not_hyperbolic();
   return step;

@@ -10,6 +10,7 @@
 
 #include "case/Case.hpp"
 #include "engine/Engine.hpp"
+#include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
 #include "fields/TableFields.hpp"
 #include "fields/moving_cells.hpp"
@@ -59,10 +60,12 @@ class FlowOfRank {
 
   // What engine::Engine does together.
   double stable_step(double t) { return engine_->stable_step(t); }
-  /// `wishes_stop`: this rank asks that the run ends after the step.
-  double advance(const StepTimes& times, bool wishes_stop);
-  /// Whether any rank asked so in the last step.
+  double advance(const StepTimes& times, const engine::Wishes& own);
+  /// Whether any rank asked in the last step that the run ends.
   bool stop_is_wished() const { return engine_->wishes().stop; }
+  /// Whether the ranks go on with the next step without being told, after one that left the clock
+  /// so. They agree on that.
+  bool goes_on(const Clock& clock) const;
   void keep_maxima(double arrival_depth) { engine_->keep_maxima(arrival_depth); }
   void note_maxima(double t) { engine_->note_maxima(t); }
   void watch() {
@@ -96,6 +99,8 @@ class FlowOfRank {
   /// Whether this rank computes a cell; on rank 0 without asking the others.
   bool owns(cases::Number cell) const { return part_.own_cell(cell) >= 0; }
   const engine::Engine& engine() const { return *engine_; }
+  /// The case of its part, with the parameters of the whole one.
+  const cases::Case& contents() const { return part_.contents; }
 
  private:
   bool is_first() const { return group_.rank() == 0; }

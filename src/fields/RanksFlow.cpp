@@ -66,6 +66,16 @@ void read_some(FlowOfRank& part, ranks::Group& group, const Order& order) {
   part.read(order.field, cells, {});
 }
 
+/// Computes steps, as the clock brings them, up to a pause.
+void advance_up_to_pause(FlowOfRank& part, const StepTimes& first,
+                         const std::function<bool()>& is_interrupted) {
+  Clock clock{first.t, first.dt, 0};
+  do {
+    const StepTimes times = {clock.t, first.t_start, first.t_end, clock.dt};
+    clock.move(part.advance(times, {.stop = is_interrupted()}), part.contents());
+  } while (part.goes_on(clock));
+}
+
 /// Lets the steps go on with the cells shared out as another plan says, if all ranks can start so.
 /// Answers whether they could.
 bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
@@ -99,7 +109,7 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
         part.stable_step(order.value);
         break;
       case Task::advance:
-        part.advance(order.times, is_interrupted());
+        advance_up_to_pause(part, order.times, is_interrupted);
         break;
       case Task::keep_maxima:
         part.keep_maxima(order.value);
@@ -212,10 +222,20 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
   if (request.are_balanced) balance_.emplace(engine::seconds_of_thread() - begun);
 }
 
-RanksFlow::~RanksFlow() { tell(*group_, {Task::end}); }
+RanksFlow::~RanksFlow() {
+  if (is_under_way_) {  // they hear in the step that it is the last one
+    part_->advance({clock_.t, case_.t_start, case_.t_end, clock_.dt}, {.pause = -HUGE_VAL});
+  }
+  tell(*group_, {Task::end});
+}
+
+ranks::Group& RanksFlow::waiting_ranks() const {
+  if (is_under_way_) throw std::logic_error("The flow was told that it would be left alone.");
+  return *group_;
+}
 
 void RanksFlow::recut(std::vector<ranks::Cells> cells) {
-  tell(*group_, {Task::recut});
+  tell(waiting_ranks(), {Task::recut});
   plan_.cells = std::move(cells);
   ranks::broadcast_out(*group_, plan_);
   if (fields::recut(part_, case_, plan_, *group_)) ++recuts_;
@@ -228,19 +248,19 @@ FlowScales RanksFlow::scales() const {
 }
 
 double RanksFlow::stable_step(double t) {
-  tell(*group_, {.task = Task::stable_step, .value = t});
+  tell(waiting_ranks(), {.task = Task::stable_step, .value = t});
   return part_->stable_step(t);
 }
 
 void RanksFlow::look_at_balance() {
-  tell(*group_, {Task::weigh_ranks});
+  tell(waiting_ranks(), {Task::weigh_ranks});
   balance_->add_look(part_->seconds_of_ranks());
   if (balance_->is_time()) balance();
 }
 
 void RanksFlow::balance() {
   const double begun = engine::seconds_of_thread();
-  tell(*group_, {Task::weigh_cells});
+  tell(waiting_ranks(), {Task::weigh_cells});
   std::vector<double> of_cells(at(case_.mesh.n_cells()));
   part_->read_work(of_cells);
   if (!curve_)
@@ -254,13 +274,16 @@ void RanksFlow::balance() {
 
 double RanksFlow::advance(const StepTimes& times) {
   gathered_ = {};
-  if (balance_ && steps_since_look_ == ranks::Balance::steps_between_looks) {
-    look_at_balance();
-    steps_since_look_ = 0;
+  if (!is_under_way_) {
+    start_steps(times);
+  } else if (times.t != clock_.t || times.dt != clock_.dt) {
+    throw std::logic_error("The step is not that of the clock, by which the ranks went on.");
   }
-  ++steps_since_look_;
-  tell(*group_, {.task = Task::advance, .times = times});
-  const double step = part_->advance(times, false);
+  engine::Wishes own{.pause = std::exchange(pause_, -HUGE_VAL)};
+  if (balance_ && ++steps_since_look_ == ranks::Balance::steps_between_looks) own.pause = -HUGE_VAL;
+  const double step = part_->advance(times, own);
+  clock_.move(step, case_);
+  is_under_way_ = part_->goes_on(clock_);
   if (const auto& found = part_->not_hyperbolic()) {
     diagnostics_.warn(utils::not_hyperbolic(found->place, times.t, found->h, found->qx, found->qy));
   }
@@ -268,35 +291,44 @@ double RanksFlow::advance(const StepTimes& times) {
   return step;
 }
 
+void RanksFlow::start_steps(const StepTimes& times) {
+  if (balance_ && steps_since_look_ >= ranks::Balance::steps_between_looks) {
+    look_at_balance();
+    steps_since_look_ = 0;
+  }
+  clock_ = {times.t, times.dt, 0};
+  tell(*group_, {.task = Task::advance, .times = times});
+}
+
 void RanksFlow::keep_maxima(double arrival_depth) {
-  tell(*group_, {.task = Task::keep_maxima, .value = arrival_depth});
+  tell(waiting_ranks(), {.task = Task::keep_maxima, .value = arrival_depth});
   part_->keep_maxima(arrival_depth);
 }
 
 void RanksFlow::note_maxima(double t) {
-  tell(*group_, {.task = Task::note_maxima, .value = t});
+  tell(waiting_ranks(), {.task = Task::note_maxima, .value = t});
   part_->note_maxima(t);
 }
 
 void RanksFlow::watch() {
-  tell(*group_, {Task::watch});
+  tell(waiting_ranks(), {Task::watch});
   part_->watch();
 }
 
 void RanksFlow::read(Field field, std::span<double> values) const {
-  tell(*group_, {Task::read, field});
+  tell(waiting_ranks(), {Task::read, field});
   part_->read(field, values);
 }
 
 void RanksFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
-  tell(*group_, {Task::read_some, field, static_cast<Number>(cells.size())});
+  tell(waiting_ranks(), {Task::read_some, field, static_cast<Number>(cells.size())});
   std::vector<Number> sent(cells.begin(), cells.end());
   group_->broadcast(std::as_writable_bytes(std::span(sent)));
   part_->read(field, cells, values);
 }
 
 CellState RanksFlow::state(Number cell) const {
-  if (!part_->owns(cell)) tell(*group_, {.task = Task::state, .number = cell});
+  if (!part_->owns(cell)) tell(waiting_ranks(), {.task = Task::state, .number = cell});
   return part_->state(cell);
 }
 
@@ -336,31 +368,31 @@ UnseenDepth RanksFlow::unseen_depth(Number cell) const {
 
 BoundaryInflow RanksFlow::boundary_inflow(int boundary) const {
   if (!gathered_.inflows) {
-    tell(*group_, {Task::read_inflows});
+    tell(waiting_ranks(), {Task::read_inflows});
     part_->read_inflows(gathered_.inflows.emplace());
   }
   return (*gathered_.inflows)[at(boundary)];
 }
 
 void RanksFlow::save(engine::State& state) const {
-  tell(*group_, {Task::save});
+  tell(waiting_ranks(), {Task::save});
   part_->save(state);
 }
 
 void RanksFlow::load(const engine::State& state) {
   gathered_ = {};
-  tell(*group_, {Task::load});
+  tell(waiting_ranks(), {Task::load});
   part_->load(state);
 }
 
 void RanksFlow::save_notes(engine::SavedNotes& notes) const {
-  tell(*group_, {Task::save_notes});
+  tell(waiting_ranks(), {Task::save_notes});
   part_->save_notes(notes);
 }
 
 void RanksFlow::load_notes(const engine::SavedNotes& notes) {
   gathered_ = {};
-  tell(*group_, {Task::load_notes});
+  tell(waiting_ranks(), {Task::load_notes});
   part_->load_notes(notes);
 }
 

@@ -2,6 +2,7 @@
 // others serve: they do what it asks of them, step by step, and know nothing of outputs.
 #pragma once
 
+#include <cmath>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -27,6 +28,7 @@ struct RanksRequest {
   std::function<void()> on_stop = {};
 };
 
+/// What is asked of it while it takes no questions throws std::logic_error.
 class RanksFlow : public Flow {
  public:
   /// On rank 0, while the others serve; more ranks than cells take no part. Case, diagnostics and
@@ -45,6 +47,8 @@ class RanksFlow : public Flow {
   FlowScales scales() const override;
   double stable_step(double t) override;
   double advance(const StepTimes& times) override;
+  void leave_alone_until(double t) override { pause_ = t; }
+  bool takes_questions() const override { return !is_under_way_; }
 
   void read(Field field, std::span<double> values) const override;
   void read(Field field, std::span<const cases::Number> cells,
@@ -67,6 +71,10 @@ class RanksFlow : public Flow {
   void load_notes(const engine::SavedNotes& notes) override;
 
  private:
+  /// The ranks, who wait for an order.
+  ranks::Group& waiting_ranks() const;
+  /// Lets all ranks begin with a step, after a look at their balance if one is due.
+  void start_steps(const StepTimes& times);
   void look_at_balance();
   /// Gives the ranks cells that make about the same work for each, if that is worth it.
   void balance();
@@ -82,6 +90,9 @@ class RanksFlow : public Flow {
   RanksPlan plan_;                       ///< its cells are empty, but while they are dealt out
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
+  bool is_under_way_ = false;  ///< the others have begun the next step, at the time of the clock
+  Clock clock_;                ///< after the last step
+  double pause_ = -HUGE_VAL;   ///< for which the next step asks, s
   int recuts_ = 0;
   std::optional<ranks::Balance> balance_;  ///< of ranks that are balanced
   int steps_since_look_ = 0;               ///< at the balance

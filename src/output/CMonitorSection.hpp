@@ -26,6 +26,7 @@ class CMonitorSection {
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
+  double next_time() const { return next_time_; }
   /// Records the flow at time t (s): schedules the next recording and hands this one to the writer.
   void WriteMeasure(const fields::Flow& flow, double t);
   /// Time between recordings, s.

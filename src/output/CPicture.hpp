@@ -1,6 +1,7 @@
 // Snapshots of the whole flow field at listed times.
 #pragma once
 
+#include <cmath>
 #include <string>
 #include <vector>
 
@@ -21,9 +22,9 @@ class CPicture {
   const std::vector<double>& times() const { return times_; }
 
   /// Whether the next snapshot is due at time t, within a tolerance (s).
-  bool CheckTime(double t, double tolerance) const {
-    return next_ < times_.size() && t >= times_[next_] - tolerance;
-  }
+  bool CheckTime(double t, double tolerance) const { return t >= next_time() - tolerance; }
+  /// Of the next snapshot; infinite behind the last one, s.
+  double next_time() const { return next_ < times_.size() ? times_[next_] : HUGE_VAL; }
   /// Takes the present flow as the next snapshot and hands it to the writer.
   void WriteMeasure(const fields::Flow& flow);
   /// Waits until the last snapshot is written.

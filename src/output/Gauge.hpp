@@ -32,6 +32,7 @@ class Gauge {
 
   /// Whether a recording is due at time t (s).
   bool CheckTime(double t) const { return t >= next_time_; }
+  double next_time() const { return next_time_; }
   /// Records the present flow: schedules the next recording and hands this one to the writer.
   void WriteMeasure(const fields::Flow& flow);
   /// Time between recordings, s.

@@ -2,6 +2,7 @@
 // the run goes on.
 #pragma once
 
+#include <cmath>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -40,9 +41,9 @@ class ResultsFile {
   ResultsPosition position() const;
 
   /// Whether the next snapshot is due at time t, within a tolerance (s).
-  bool CheckTime(double t, double tolerance) const {
-    return next_ < times_.size() && t >= times_[next_] - tolerance;
-  }
+  bool CheckTime(double t, double tolerance) const { return t >= next_time() - tolerance; }
+  /// Of the next snapshot; infinite behind the last one, s.
+  double next_time() const { return next_ < times_.size() ? times_[next_] : HUGE_VAL; }
   /// Takes the present flow as the next snapshot and hands it to the writer.
   void WriteMeasure(const fields::Flow& flow);
   /// Takes the largest values of the run and hands them to the writer.

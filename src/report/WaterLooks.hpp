@@ -33,7 +33,10 @@ class WaterLooks {
 
   /// Looks at the present state, if that has not been done.
   void look();
-  bool is_due() const { return clock_.steps - looked_at_ >= steps_between; }
+  /// After so many further steps.
+  bool is_due(long further = 0) const {
+    return clock_.steps + further - looked_at_ >= steps_between;
+  }
 
   /// Of the last look; without a depth below zero it holds nothing else either.
   const ColumnSurvey& depths() const { return depths_; }
@@ -55,9 +58,9 @@ class WaterLooks {
   /// All that further looks go on with.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.infiltrated_before_, self.looked_at_, self.looks_, self.most_films_,
-          self.depths_, self.given_out_, self.first_below_zero_, self.first_given_out_,
-          self.first_film_, self.state_of_first_film_);
+    visit(self.infiltrated_before_, self.looked_at_, self.looks_, self.most_films_, self.depths_,
+          self.given_out_, self.first_below_zero_, self.first_given_out_, self.first_film_,
+          self.state_of_first_film_);
   }
 
  private:

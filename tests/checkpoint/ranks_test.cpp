@@ -14,6 +14,7 @@ class RunOnRanks : public Restart {
   struct Ranks {
     int count;
     bool is_uneven = false, is_late = false;
+    bool have_report = true;  ///< which asks after every step
   };
 
   long run_on(const Ranks& how, const support::TemporaryFolder& folder,
@@ -29,7 +30,7 @@ class RunOnRanks : public Restart {
       fields::FlowRequest machine{.most_threads = threads};
       machine.ranks.group = &group;
       if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
-      steps = run(folder, stop, machine);
+      steps = run(folder, stop, machine, how.have_report);
     });
     return steps;
   }
@@ -84,6 +85,26 @@ TEST_F(RunOnRanks, OfThePositiveSchemesLeavesTheSameFiles) {
   Case sand = sand_case();
   sand.data["model"]["flux scheme"] = "HLL1";
   expect_the_same_on_ranks(sand);
+}
+
+TEST_F(RunOnRanks, LeavesTheSameFilesWhereRanksStepWithoutOrders) {
+  for (const Case& c : {water_case(), sand_case()}) {
+    const support::TemporaryFolder alone;
+    c.write(alone);
+    constexpr bool has_report = false;
+    const long steps = run(alone, {}, {}, has_report);
+    const auto expected = files_of(alone);
+    for (const Ranks& how : {Ranks{3, false, false, false}, Ranks{5, true, true, false}}) {
+      const support::TemporaryFolder folder;
+      c.write(folder);
+      EXPECT_EQ(run_on(how, folder), steps);
+      const auto files = files_of(folder);
+      ASSERT_EQ(files.size(), expected.size());
+      for (const auto& [name, text] : expected) {
+        EXPECT_TRUE(files.at(name) == text) << name << " on " << how.count << " ranks";
+      }
+    }
+  }
 }
 
 TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {

@@ -15,11 +15,10 @@ TEST_F(RanksInProcess, HearWhatAnyOfThemWishes) {
   const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, 2));
   run_side_by_side(shares, 1, 64, [](int rank, engine::Engine& engine) {
     for (int step = 0; step < 4; ++step) {
-      const engine::Wishes own = {.stop = rank == 1 && step == 2,
-                                  .checkpoint = rank == 0 && step == 1};
+      const engine::Wishes own = {.stop = rank == 1 && step == 2, .pause = 10.0 * rank + step};
       engine.advance({1e-4 * step, 0.0, t_end, 1e-4}, own);
       EXPECT_EQ(engine.wishes().stop, step == 2) << rank;
-      EXPECT_EQ(engine.wishes().checkpoint, step == 1) << rank;
+      EXPECT_EQ(engine.wishes().pause, step) << rank;
     }
   });
 }

@@ -3,6 +3,7 @@
 
 #include <atomic>
 
+#include "fields/Clock.hpp"
 #include "fields/make_flow.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
@@ -13,6 +14,40 @@
 using namespace test_ranks;
 
 namespace {
+
+/// Counts the broadcasts of rank 0.
+class CountingGroup final : public ranks::Group {
+ public:
+  CountingGroup(std::unique_ptr<ranks::Group> group, int& broadcasts)
+      : group_(std::move(group)), broadcasts_(broadcasts) {}
+
+  int rank() const override { return group_->rank(); }
+  int size() const override { return group_->size(); }
+  int cores() const override { return group_->cores(); }
+  void broadcast(std::span<std::byte> bytes) override {
+    if (rank() == 0) ++broadcasts_;
+    group_->broadcast(bytes);
+  }
+  void send(std::span<const std::byte> bytes, int to) override { group_->send(bytes, to); }
+  void receive(std::span<std::byte> bytes, int from) override { group_->receive(bytes, from); }
+  std::vector<ranks::Message> send_to_some(std::vector<ranks::Message> sent) override {
+    return group_->send_to_some(std::move(sent));
+  }
+  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
+    group_->gather_all(own, all);
+  }
+  std::unique_ptr<ranks::Group> first(int members) override {
+    auto group = group_->first(members);
+    return group ? std::make_unique<CountingGroup>(std::move(group), broadcasts_) : nullptr;
+  }
+  std::unique_ptr<engine::Exchange> exchange(std::vector<ranks::Halo> halos) override {
+    return group_->exchange(std::move(halos));
+  }
+
+ private:
+  std::unique_ptr<ranks::Group> group_;
+  int& broadcasts_;
+};
 
 class RanksFlow : public PartsOfCourse {
  protected:
@@ -90,6 +125,98 @@ TEST_F(RanksFlow, HearsAfterAStepThatAnotherRankWasAskedToEnd) {
     is_asked = true;
     flow->advance({0.0, 0.0, t_end, 1e-4});
     EXPECT_EQ(stops_, 1);
+  });
+}
+
+TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
+  constexpr int steps = 20;
+  for (const cases::Scheme scheme : {cases::Scheme::lhllc, cases::Scheme::hll2}) {
+    cases::Case contents = basin({});
+    contents.scheme = scheme;
+    const auto alone = fields::make_flow(contents, told_);
+    std::vector<fields::Clock> expected = {fields::clock_at_start(contents, *alone)};
+    for (int step = 0; step < steps; ++step) {
+      expected.push_back(expected.back());
+      fields::advance(*alone, contents, expected.back());
+    }
+    const double pause = 0.5 * (expected[at(steps - 1)].t + expected[at(steps)].t);
+    int broadcasts = 0;
+    const auto counted = [&](std::unique_ptr<ranks::Group> group) {
+      return std::make_unique<CountingGroup>(std::move(group), broadcasts);
+    };
+    as_first_of({.count = 3, .changed = counted}, [&](ranks::Group& group) {
+      const auto flow = fields::make_flow(contents, told_, on(group));
+      fields::Clock clock = fields::clock_at_start(contents, *flow);
+      broadcasts = 0;
+      for (int step = 1; step <= steps; ++step) {
+        flow->leave_alone_until(pause);
+        fields::advance(*flow, contents, clock);
+        EXPECT_EQ(clock.t, expected[at(step)].t) << step;
+        EXPECT_EQ(clock.dt, expected[at(step)].dt) << step;
+        EXPECT_EQ(flow->takes_questions(), step == steps) << step;
+      }
+      EXPECT_EQ(broadcasts, 1);
+      engine::State state, state_alone;
+      flow->save(state);
+      alone->save(state_alone);
+      EXPECT_TRUE(have_same_bits(state, state_alone));
+    });
+  }
+}
+
+TEST_F(RanksFlow, RefusesQuestionsWhileItIsLeftAlone) {
+  const cases::Case contents = basin({});
+  as_first_of({3}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    fields::Clock clock = fields::clock_at_start(contents, *flow);
+    flow->leave_alone_until(HUGE_VAL);
+    fields::advance(*flow, contents, clock);
+    ASSERT_FALSE(flow->takes_questions());
+    EXPECT_THROW(flow->survey(), std::logic_error);
+    EXPECT_THROW(flow->advance({clock.t, 0.0, t_end, 0.5 * clock.dt}), std::logic_error);
+    fields::advance(*flow, contents, clock);  // nobody left it alone for longer
+    EXPECT_TRUE(flow->takes_questions());
+    EXPECT_GT(flow->survey().wet_cells, 0);
+  });
+}
+
+TEST_F(RanksFlow, EndsInTheMiddleOfStepsForWhichItIsLeftAlone) {
+  const cases::Case contents = basin({});
+  as_first_of({3}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    fields::Clock clock = fields::clock_at_start(contents, *flow);
+    flow->leave_alone_until(HUGE_VAL);
+    fields::advance(*flow, contents, clock);
+    EXPECT_FALSE(flow->takes_questions());
+  });  // the others are ready for the end of the service
+}
+
+TEST_F(RanksFlow, TakesQuestionsOnceAnotherRankWasAskedToEnd) {
+  const cases::Case contents = basin({});
+  std::atomic<bool> is_asked = false;
+  as_first_of({3, [&] { return is_asked.load(); }}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    fields::Clock clock = fields::clock_at_start(contents, *flow);
+    is_asked = true;
+    do {  // the step that was under way may not know of it
+      flow->leave_alone_until(HUGE_VAL);
+      fields::advance(*flow, contents, clock);
+    } while (!flow->takes_questions());
+    EXPECT_EQ(stops_, 1);
+    EXPECT_LE(clock.steps, 2);
+  });
+}
+
+TEST_F(RanksFlow, TakesQuestionsOnceItsStepsHaveCollapsed) {
+  cases::Case contents = basin({});
+  contents.cfl = 1e-9;
+  as_first_of({2}, [&](ranks::Group& group) {
+    const auto flow = fields::make_flow(contents, told_, on(group));
+    fields::Clock clock = fields::clock_at_start(contents, *flow);
+    ASSERT_TRUE(clock.has_collapsed());
+    flow->leave_alone_until(HUGE_VAL);
+    fields::advance(*flow, contents, clock);
+    EXPECT_TRUE(flow->takes_questions());
   });
 }
 

@@ -81,7 +81,7 @@ void MpiExchange::finish_halo(engine::Tables& tables) {
 }
 
 void MpiExchange::start_minimum(const engine::StepMinimum& own) {
-  own_ = {own.step, own.stop, own.checkpoint, own.not_hyperbolic};
+  own_ = {own.step, own.stop, own.pause, own.not_hyperbolic};
   // Doubles, not their bits: some libraries compare unsigned integers as if they had a sign.
   MPI_Iallreduce(own_.data(), agreed_.data(), static_cast<int>(own_.size()), MPI_DOUBLE, MPI_MIN,
                  communicator_, &minimum_);

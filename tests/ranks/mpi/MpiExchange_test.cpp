@@ -87,10 +87,10 @@ TEST_F(MpiExchange, TellsEveryRankWhatAnyWishes) {
   const bool is_last = rank_here() == number_of_ranks() - 1;
   engine.advance({0.0, 0.0, test_ranks::t_end, 1e-4}, {.stop = is_last});
   EXPECT_TRUE(engine.wishes().stop);
-  EXPECT_FALSE(engine.wishes().checkpoint);
-  engine.advance({1e-4, 0.0, test_ranks::t_end, 1e-4}, {.checkpoint = rank_here() == 0});
+  EXPECT_EQ(engine.wishes().pause, HUGE_VAL);
+  engine.advance({1e-4, 0.0, test_ranks::t_end, 1e-4}, {.pause = 3.0 + rank_here()});
   EXPECT_FALSE(engine.wishes().stop);
-  EXPECT_TRUE(engine.wishes().checkpoint);
+  EXPECT_EQ(engine.wishes().pause, 3.0);
 }
 
 TEST_F(MpiExchange, UnitesTheNotesOfAllRanks) {

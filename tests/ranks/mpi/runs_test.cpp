@@ -68,7 +68,16 @@ class MpiRuns : public testing::Test {
   template <class Prepare>
   static void expect_the_files_of_one_process(const Prepare& prepare,
                                               const std::vector<int>& numbers) {
-    const Words words = {"--report", "report.json", "--checkpoint", "kept"};
+    for (const bool has_report : {true, false}) {
+      expect_the_files_of_one_process(prepare, numbers, has_report);
+    }
+  }
+  /// Without a report the ranks need no orders for most of their steps.
+  template <class Prepare>
+  static void expect_the_files_of_one_process(const Prepare& prepare,
+                                              const std::vector<int>& numbers, bool has_report) {
+    Words words = {"--checkpoint", "kept"};
+    if (has_report) words = with(words, {"--report", "report.json"});
     const TemporaryFolder one;
     prepare(one);
     const RunResult expected = alone(one, words);
@@ -81,7 +90,9 @@ class MpiRuns : public testing::Test {
       EXPECT_EQ(result.status, 0) << result.err;
       EXPECT_EQ(result.out, expected.out);
       EXPECT_EQ(result.err, expected.err);
-      EXPECT_EQ(ranks_in_report(folder), ranks);
+      if (has_report) {
+        EXPECT_EQ(ranks_in_report(folder), ranks);
+      }
       const auto files = all_of(folder);
       ASSERT_EQ(files.size(), expected_files.size());
       for (const auto& [name, text] : expected_files) {
@@ -99,12 +110,16 @@ class MpiRuns : public testing::Test {
 class LongMpiRun : public MpiRuns {
  protected:
   LongMpiRun() {
-    c.data["output"]["time step enveloppe of results"] = 0.01;
-    c.add_sections({c.edges_across(10)}, 1e-9);
+    record_every(1e-9);
     setenv(mark, folder.path().c_str(), 1);
   }
   ~LongMpiRun() override { unsetenv(mark); }
 
+  /// In every step, or less often (s).
+  void record_every(double interval) {
+    c.data["output"]["time step enveloppe of results"] = std::max(interval, 0.01);
+    c.add_sections({c.edges_across(10)}, interval);
+  }
   std::unique_ptr<RunningProgram> start(int ranks, const Words& more = {}) {
     Case endless = c;
     endless.set_times(0.0, 1e6);
@@ -168,7 +183,7 @@ TEST_F(MpiRuns, OfThePositiveSchemesLeaveTheFilesOfOneProcess) {
           c.data["model"]["flux scheme"] = scheme;
           c.write(folder);
         },
-        {2});
+        {2}, true);
   }
 }
 
@@ -187,7 +202,7 @@ TEST_F(MpiRuns, OfTheExamplesLeaveTheFilesOfOneProcess) {
           data["tend"] = 0.1 * data["tend"].get<double>();
           folder.write("data.json", data.dump());
         },
-        {2});
+        {2}, false);
   }
 }
 
@@ -309,6 +324,30 @@ TEST_F(LongMpiRun, EndsWhenAnyOfItsRanksIsAsked) {
   EXPECT_EQ(result.status, 128 + SIGTERM) << result.err;
   EXPECT_EQ(occurrences(result.err, "The run was interrupted at t = "), 1) << result.err;
   expect_whole_results();
+}
+
+TEST_F(LongMpiRun, EndsWhileItsRanksStepWithoutOrders) {
+  record_every(2.0);
+  for (const int rank : {0, 2}) {
+    const auto program = start(3);
+    const pid_t process = process_of(rank);
+    ASSERT_GT(process, 0);
+    kill(process, SIGTERM);
+    const RunResult result = program->wait();
+    EXPECT_EQ(result.status, 128 + SIGTERM) << result.err;
+    EXPECT_EQ(occurrences(result.err, "The run was interrupted at t = "), 1) << result.err;
+    expect_whole_results();
+    EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
+    std::filesystem::remove(folder.file("sections.txt"));
+  }
+}
+
+TEST_F(LongMpiRun, KeepsACheckpointWhileItsRanksStepWithoutOrders) {
+  record_every(2.0);
+  const auto program = start(2, {"--checkpoint", "kept"});
+  program->send(SIGUSR1);
+  EXPECT_TRUE(comes_true([&] { return folder.has("kept.a"); }));
+  EXPECT_TRUE(program->is_running());
 }
 
 TEST_F(LongMpiRun, KeepsACheckpointWhenMpiexecIsAsked) {
