@@ -68,7 +68,7 @@ double Engine::stable_step(double t) {
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
-  if (meter_) meter_->begin_step();
+  if (meter_) meter_->begin_work();
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
@@ -81,13 +81,18 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
 
   // What others wait for comes first; it is on its way while the rest is computed.
   const double of_border = advance_patches(activity_.border_patches());
+  if (meter_) meter_->end_work();
   if (backend_->works_in_place()) exchange_.start_halo(tables_);
+  if (meter_) meter_->begin_work();
   const double of_interior = advance_patches(activity_.interior_patches());
   backend_->finish_step(activity_);
+  if (meter_) {
+    meter_->end_work();
+    meter_->end_step(activity_.patches());
+  }
   if (!backend_->works_in_place()) exchange_.start_halo(tables_);
   start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
                 own);
-  if (meter_) meter_->end_step(activity_.patches());
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment(tables_.ghosts());
   tables_.drop_given_surface();

@@ -18,14 +18,24 @@ WorkMeter::WorkMeter(std::size_t patches) {
   last_.steps_of_patches.assign(patches, 0);
 }
 
+void WorkMeter::begin_work() {
+  if (is_measured()) begun_ = seconds_of_thread();
+}
+
+void WorkMeter::end_work() {
+  if (is_measured()) present_.seconds += seconds_of_thread() - begun_;
+}
+
 void WorkMeter::end_step(const std::vector<int>& patches) {
-  present_.seconds += seconds_of_thread() - begun_;
   ++present_.steps;
   for (const int patch : patches) ++present_.steps_of_patches[at(patch)];
 }
 
 double WorkMeter::end_window() {
   std::swap(present_, last_);
+  const long measured = (last_.steps + measured_step - 1) / measured_step;
+  if (measured > 0)
+    last_.seconds *= static_cast<double>(last_.steps) / static_cast<double>(measured);
   present_.seconds = 0.0;
   present_.steps = 0;
   present_.steps_of_patches.assign(present_.steps_of_patches.size(), 0);

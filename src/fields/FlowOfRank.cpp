@@ -15,6 +15,19 @@ using cases::at;
 using cases::Number;
 using Outcome = RankStart::Outcome;
 
+namespace {
+
+/// Some tens of patches for a rank, where they do not get too small by that: the work of a patch is
+/// all or none, so that small ones tell better where the water is, and what to give to others.
+int cells_per_patch_for(const RanksPlan& plan, Number cells) {
+  if (plan.processor.device != engine::Device::none) return 0;  // has its own
+  constexpr int patches = 32, fewest_cells = 256, grain = engine::cells_of_shortest;
+  return std::min(engine::cells_per_patch_for(cells, plan.threads),
+                  std::max(fewest_cells, cells / patches / grain * grain));
+}
+
+}  // namespace
+
 FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
     : group_(group) {
   if (is_first()) {
@@ -44,9 +57,9 @@ ranks::Share FlowOfRank::take_share(const cases::Case& contents) {
 
 RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
   try {
-    constexpr int cells_per_patch_that_suit = 0;
     engine_ = std::make_unique<engine::Engine>(part_, *exchange_, plan.threads,
-                                               cells_per_patch_that_suit, plan.processor);
+                                               cells_per_patch_for(plan, part_.owned),
+                                               plan.processor);
     fields_ = std::make_unique<TableFields>(part_.contents, *engine_);
     return {.threads = engine_->threads()};
   } catch (const std::length_error& error) {

@@ -197,16 +197,19 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
     : case_(contents),
       diagnostics_(diagnostics),
       on_stop_(request.on_stop),
+      are_balanced_(request.are_balanced),
       plan_{request.cut(contents.mesh, request.group->size()), 1, processor} {
   require_scheme_takes(contents);
-  const double begun = engine::seconds_of_thread();
   const auto members = static_cast<int>(plan_.cells.size());
   plan_.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
   ranks::broadcast_plain(*request.group, call);
   group_ = request.group->first(members);
   ranks::broadcast_out(*group_, plan_);
+  const double begun = engine::seconds_of_thread();
   part_ = std::make_unique<FlowOfRank>(contents, plan_, *group_);
+  // To share the cells out again will take as long, for all that is known.
+  balance_.emplace(engine::seconds_of_thread() - begun);
   plan_.cells = {};
   const RankStart& start = part_->start();
   switch (start.outcome) {
@@ -218,8 +221,6 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
       break;
   }
   warn_of_missing_threads(start.threads, plan_.threads, diagnostics);
-  // To share the cells out again will take as long, for all that is known.
-  if (request.are_balanced) balance_.emplace(engine::seconds_of_thread() - begun);
 }
 
 RanksFlow::~RanksFlow() {
@@ -255,10 +256,10 @@ double RanksFlow::stable_step(double t) {
 void RanksFlow::look_at_balance() {
   tell(waiting_ranks(), {Task::weigh_ranks});
   balance_->add_look(part_->seconds_of_ranks());
-  if (balance_->is_time()) balance();
+  if (are_balanced_ && balance_->is_time()) move_cells();
 }
 
-void RanksFlow::balance() {
+void RanksFlow::move_cells() {
   const double begun = engine::seconds_of_thread();
   tell(waiting_ranks(), {Task::weigh_cells});
   std::vector<double> of_cells(at(case_.mesh.n_cells()));
@@ -280,7 +281,7 @@ double RanksFlow::advance(const StepTimes& times) {
     throw std::logic_error("The step is not that of the clock, by which the ranks went on.");
   }
   engine::Wishes own{.pause = std::exchange(pause_, -HUGE_VAL)};
-  if (balance_ && ++steps_since_look_ == ranks::Balance::steps_between_looks) own.pause = -HUGE_VAL;
+  if (++steps_since_look_ == ranks::Balance::steps_between_looks) own.pause = -HUGE_VAL;
   const double step = part_->advance(times, own);
   clock_.move(step, case_);
   is_under_way_ = part_->goes_on(clock_);
@@ -292,7 +293,7 @@ double RanksFlow::advance(const StepTimes& times) {
 }
 
 void RanksFlow::start_steps(const StepTimes& times) {
-  if (balance_ && steps_since_look_ >= ranks::Balance::steps_between_looks) {
+  if (steps_since_look_ >= ranks::Balance::steps_between_looks) {
     look_at_balance();
     steps_since_look_ = 0;
   }
@@ -354,7 +355,7 @@ ExecutionPath RanksFlow::execution_path() const {
           part_->engine().instruction_set(),
           group_->size(),
           recuts_,
-          balance_ ? balance_->imbalance() : 1.0};
+          balance_->imbalance()};
 }
 
 UnseenDepth RanksFlow::unseen_depth(Number cell) const {

@@ -43,6 +43,8 @@ class RanksFlow : public Flow {
   void recut(std::vector<ranks::Cells> cells);
   /// How often that was done.
   int recuts() const { return recuts_; }
+  /// For how long the steps have kept the ranks busy.
+  const ranks::Balance& balance() const { return *balance_; }
 
   FlowScales scales() const override;
   double stable_step(double t) override;
@@ -77,7 +79,7 @@ class RanksFlow : public Flow {
   void start_steps(const StepTimes& times);
   void look_at_balance();
   /// Gives the ranks cells that make about the same work for each, if that is worth it.
-  void balance();
+  void move_cells();
 
   struct Gathered {
     std::optional<std::vector<BoundaryInflow>> inflows;
@@ -87,6 +89,7 @@ class RanksFlow : public Flow {
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;
   std::function<void()> on_stop_;
+  bool are_balanced_;
   RanksPlan plan_;                       ///< its cells are empty, but while they are dealt out
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
@@ -94,7 +97,7 @@ class RanksFlow : public Flow {
   Clock clock_;                ///< after the last step
   double pause_ = -HUGE_VAL;   ///< for which the next step asks, s
   int recuts_ = 0;
-  std::optional<ranks::Balance> balance_;  ///< of ranks that are balanced
+  std::optional<ranks::Balance> balance_;  ///< once the ranks have started
   int steps_since_look_ = 0;               ///< at the balance
   std::optional<ranks::Curve> curve_;      ///< once cells are shared out anew
   mutable Gathered gathered_;              ///< since the last step

@@ -18,8 +18,9 @@ double work() {
 }
 
 void step(WorkMeter& meter, const std::vector<int>& patches) {
-  meter.begin_step();
+  meter.begin_work();
   work();
+  meter.end_work();
   meter.end_step(patches);
 }
 
