@@ -1,10 +1,10 @@
 """Runs the benchmarks and writes docs/performance.md: report.py BIN_FOLDER REPEATS [CELLS...]."""
 import os
 import statistics
-import subprocess
 import sys
 
 import work_for_error
+from page import machine, minimum_and_median, output_of, shown, table
 
 # Bytes of the columns that a step of the hydrodynamic model with friction moves per cell: state read
 # and written, bed, largest depth, highest vertex, area and roughness read, three slots of 2 bytes,
@@ -12,12 +12,6 @@ import work_for_error
 BYTES_PER_STEP = 2 * 3 * 8 + 5 * 8 + 6 + 1.5 * 28
 
 SCHEMES = ("LHLLC", "HLL1", "HLL2")
-
-
-def output_of(command, **settings):
-    environment = {**os.environ, **{name: str(value) for name, value in settings.items()}}
-    return subprocess.run(command, env=environment, check=True, capture_output=True,
-                          text=True).stdout
 
 
 class Bench:
@@ -49,15 +43,6 @@ def times(runs):
     return [run[3] for run in runs]
 
 
-def table(head, rows):
-    return "\n".join(["| " + " | ".join(head) + " |", "|" + "---|" * len(head)] +
-                     ["| " + " | ".join(row) + " |" for row in rows])
-
-
-def minimum_and_median(values):
-    return f"{min(values):.1f} / {statistics.median(values):.1f}"
-
-
 def median_ratio(over, under):
     return f"{statistics.median(a / b for a, b in zip(times(over), times(under))):.1f}"
 
@@ -69,17 +54,6 @@ def row_of(runs, kind):
             minimum_and_median(times(every)), median_ratio(runs["objects"], every),
             f"{statistics.median(run[2] for run in every):.2f}",
             f"{statistics.median(run[4] for run in every):.0f}"]
-
-
-def machine():
-    model = next((line.split(":")[1].strip() for line in open("/proc/cpuinfo")
-                  if line.startswith("model name")), "unknown processor")
-    compiler = output_of(["c++", "--version"]).splitlines()[0]
-    flags = next((line for line in open("/proc/cpuinfo") if line.startswith("flags")), "")
-    widest = next((isa for isa in ("avx512f", "avx2") if isa in flags), "baseline")
-    load = os.getloadavg()[0]
-    return (f"{os.cpu_count()} cores ({model}, {widest}), {compiler}; load average of the last minute "
-            f"before the measurements {load:.1f}")
 
 
 def roofline(bench, runs):
@@ -125,12 +99,6 @@ def cost_of_schemes(bench, cases):
                          *map(minimum_and_median, columns), *(f"{ratio:.2f}" for ratio in ratios)])
     head = ["triangles", "threads", *SCHEMES, *(f"{scheme} / LHLLC" for scheme in SCHEMES[1:])]
     return table(head, rows)
-
-
-def shown(part):
-    """The part, which is printed as soon as it is measured."""
-    print(part, flush=True)
-    return part
 
 
 def main():

@@ -3,13 +3,32 @@
 # meshes, of the pure formulas and of the export, and the work for a given error, and writes
 # docs/performance.md.
 # bench.sh [CELLS...] chooses the mesh sizes; REPEATS=n how often every run is repeated (3).
+# bench.sh scaling [CELLS...] measures how ranks scale instead, and writes docs/scaling.md. It needs
+# MPI. MEMORY_CELLS is the mesh whose memory is measured (10,000,000), STEPS the length of runs on many
+# ranks (6000); QUILLMERE_FLOOD_DATA names the folder of the data of the real flood, which are not in the
+# repository: without it that case is left out.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install_dependencies.sh build tools bench validation
+groups="build tools bench validation"
+[ "${1:-}" = scaling ] && groups="build bench mpi"
+# shellcheck disable=SC2086  # a word for every group
+scripts/install_dependencies.sh $groups
 cmake --preset release -DQUILLMERE_BENCHMARKS=ON -DQUILLMERE_TESTS=OFF -B build/bench >/dev/null
-cmake --build build/bench
 bin=build/bench/bin
+
+if [ "${1:-}" = scaling ]; then
+  shift
+  cmake --build build/bench --target bench_case bench_ranks
+  cmake --build build/bench --target bench_mpi || {
+    echo "The scaling of ranks is measured with MPI, which CMake did not find." >&2
+    exit 1
+  }
+  mpiexec=$(sed -n 's/^MPIEXEC_EXECUTABLE:[^=]*=//p' build/bench/CMakeCache.txt)
+  exec /usr/bin/python3 bench/scaling.py "$bin" "$mpiexec" "${REPEATS:-3}" "$@"
+fi
+
+cmake --build build/bench
 
 /usr/bin/python3 bench/report.py "$bin" "${REPEATS:-3}" "$@"
 

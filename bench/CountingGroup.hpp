@@ -1,0 +1,91 @@
+// A group of ranks that counts what it exchanges.
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <utility>
+
+#include "ranks/Group.hpp"
+
+/// Of all ranks.
+struct Counts {
+  std::atomic<long> messages = 0,
+                    bytes = 0;       ///< with states of ghosts, from neighbour to neighbour
+  std::atomic<long> reductions = 0;  ///< in which all ranks take part
+  std::atomic<long> orders = 0;      ///< broadcasts of rank 0
+
+  void reset() { messages = bytes = reductions = orders = 0; }
+};
+
+class CountingExchange final : public engine::Exchange {
+ public:
+  CountingExchange(std::unique_ptr<engine::Exchange> exchange, std::vector<ranks::Halo> halos,
+                   bool is_first, Counts& counts)
+      : exchange_(std::move(exchange)),
+        halos_(std::move(halos)),
+        is_first_(is_first),
+        counts_(counts) {}
+
+  void start_halo(engine::Tables& tables) override {
+    long columns = 0;
+    engine::for_each_halo_column(tables.cells, [&](const engine::Column&) { ++columns; });
+    for (const ranks::Halo& halo : halos_) {
+      ++counts_.messages;
+      counts_.bytes +=
+          columns * static_cast<long>(sizeof(double)) * static_cast<long>(halo.sent.size());
+    }
+    exchange_->start_halo(tables);
+  }
+  void finish_halo(engine::Tables& tables) override { exchange_->finish_halo(tables); }
+  void start_minimum(const engine::StepMinimum& own) override {
+    if (is_first_) ++counts_.reductions;
+    exchange_->start_minimum(own);
+  }
+  engine::StepMinimum finish_minimum() override { return exchange_->finish_minimum(); }
+  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
+    if (is_first_) ++counts_.reductions;
+    return exchange_->unite(own, limited_before);
+  }
+
+ private:
+  std::unique_ptr<engine::Exchange> exchange_;
+  std::vector<ranks::Halo> halos_;
+  bool is_first_;
+  Counts& counts_;
+};
+
+class CountingGroup final : public ranks::Group {
+ public:
+  CountingGroup(std::unique_ptr<ranks::Group> group, Counts& counts)
+      : group_(std::move(group)), counts_(counts) {}
+
+  int rank() const override { return group_->rank(); }
+  int size() const override { return group_->size(); }
+  int cores() const override { return group_->cores(); }
+  void broadcast(std::span<std::byte> bytes) override {
+    if (rank() == 0) ++counts_.orders;
+    group_->broadcast(bytes);
+  }
+  void send(std::span<const std::byte> bytes, int to) override { group_->send(bytes, to); }
+  void receive(std::span<std::byte> bytes, int from) override { group_->receive(bytes, from); }
+  std::vector<ranks::Message> send_to_some(std::vector<ranks::Message> sent) override {
+    return group_->send_to_some(std::move(sent));
+  }
+  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
+    if (rank() == 0) ++counts_.reductions;
+    group_->gather_all(own, all);
+  }
+  std::unique_ptr<ranks::Group> first(int members) override {
+    auto group = group_->first(members);
+    return group ? std::make_unique<CountingGroup>(std::move(group), counts_) : nullptr;
+  }
+  std::unique_ptr<engine::Exchange> exchange(std::vector<ranks::Halo> halos) override {
+    auto exchange = group_->exchange(halos);
+    return std::make_unique<CountingExchange>(std::move(exchange), std::move(halos), rank() == 0,
+                                              counts_);
+  }
+
+ private:
+  std::unique_ptr<ranks::Group> group_;
+  Counts& counts_;
+};
