@@ -68,7 +68,6 @@ double Engine::stable_step(double t) {
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
-  if (meter_) meter_->begin_work();
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
@@ -77,6 +76,7 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
     tables_.maxima->t = times.t;
     backend_->note_maxima(activity_.gone_to_rest());
   }
+  if (meter_) meter_->begin_work();
   backend_->outer_fluxes(activity_.with_fluxes(), step_);
 
   // What others wait for comes first; it is on its way while the rest is computed.

@@ -16,7 +16,8 @@ class WorkMeter {
 
   explicit WorkMeter(std::size_t patches);
 
-  /// Around every part of a step that computes: what is spent on messages tells nothing of cells.
+  /// Around every part of a step that computes cells: what is spent on messages, and what a rank
+  /// without water has to do, tells nothing of them.
   void begin_work();
   void end_work();
   /// The step computed these patches.
