@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <numeric>
 
+#include "engine/aligned_vector.hpp"
 #include "engine/centers.hpp"
 #include "engine/numbering.hpp"
 
 namespace ranks {
 
-using cases::at;
+using engine::at;
 
 Curve::Curve(const cases::Mesh& mesh, int cells_per_patch) : cells_per_patch_(cells_per_patch) {
   engine::ThreadTeam team(1);
