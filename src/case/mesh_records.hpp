@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "case/Mesh.hpp"
+#include "case/Records.hpp"
 #include "case/boundary_kinds.hpp"
 
 namespace cases {
@@ -27,17 +28,17 @@ void read_node(Source& file, std::span<double> values) {
   }
 }
 
-/// The nodes of a cell, each below n_nodes. `nodes` holds those of the cell before, for most cells
-/// have as many.
+/// The nodes of a cell, each below n_nodes.
 template <class Source>
 void read_cell(Source& file, Number n_nodes, std::vector<Number>& nodes) {
+  constexpr int triangle = 3;  // needs no look at how much the file can hold
   const int count = file.read_integer("number of nodes");
-  if (count < 3 || count != static_cast<int>(nodes.size())) {
+  if (count != triangle) {
     file.require_count(count, "number of nodes", 1);
-    if (count < 3) file.refuse("number of nodes", "at least 3");
+    if (count < triangle) file.refuse("number of nodes", "at least 3");
     file.require_last();
-    nodes.resize(file.goes_on() ? at(count) : 0);
   }
+  nodes.resize(file.goes_on() ? at(count) : 0);
   for (Number& node : nodes) node = file.read_index("node", n_nodes);
 }
 
@@ -74,36 +75,30 @@ void read_edge(Source& file, Number n_nodes, Number n_cells, EdgeRecord& edge,
   if (kind->has_value()) edge.value = file.read_number("imposed value");
 }
 
-/// Adds the nodes of a file. Answers how many it announces.
+/// Adds nodes.
 template <class Source>
-Number read_node_records(Source& file, Mesh& mesh) {
-  const Number count = file.read_count("number of records", 3);
-  for (auto* column : {&mesh.x, &mesh.y, &mesh.z}) column->reserve(at(count));
-  for (Number i = 0; i < count && file.goes_on(); ++i) {
-    file.begin_record("node", i, count);
+void read_node_run(Source& file, const Records& records, Mesh& mesh) {
+  for (auto* column : {&mesh.x, &mesh.y, &mesh.z}) column->reserve(at(records.size()));
+  read_each(file, "node", records, [&](Number) {
     double node[3];
     read_node(file, node);
     mesh.x.push_back(node[0]);
     mesh.y.push_back(node[1]);
     mesh.z.push_back(node[2]);
-  }
-  return count;
+  });
 }
 
-/// Adds the cells of a file; `look_at(cell)` sees each as soon as it is read. Answers how many the
-/// file announces.
+/// Adds cells; `look_at(cell)` sees each as soon as it is read.
 template <class Source, class LookAt>
-Number read_cell_records(Source& file, Number n_nodes, Mesh& mesh, const LookAt& look_at) {
-  const Number count = file.read_count("number of records", 2);
-  mesh.cell_nodes.reserve(3 * at(count));
+void read_cell_run(Source& file, const Records& records, Number n_nodes, Mesh& mesh,
+                   const LookAt& look_at) {
+  mesh.cell_nodes.reserve(3 * at(records.size()));
   std::vector<Number> nodes;
-  for (Number i = 0; i < count && file.goes_on(); ++i) {
-    file.begin_record("cell", i, count);
+  read_each(file, "cell", records, [&](Number i) {
     read_cell(file, n_nodes, nodes);
     mesh.add_cell(nodes);
     look_at(i);
-  }
-  return count;
+  });
 }
 
 /// Adds an edge; `series` is the number of its time series, -1 without one.
@@ -117,21 +112,45 @@ inline void add_edge(Mesh& mesh, const EdgeRecord& edge, int series) {
   mesh.node2.push_back(edge.node2);
 }
 
-/// Reads the edges of a file. `check_code(code)`: see read_edge(). `take(edge)` gets each as soon
-/// as it is read.
+/// Reads edges. `check_code(code)`: see read_edge(). `take(edge)` gets each as soon as it is read.
+template <class Source, class CheckCode, class Take>
+void read_edge_run(Source& file, const Records& records, Number n_nodes, Number n_cells, Mesh& mesh,
+                   const CheckCode& check_code, const Take& take) {
+  for (auto* column : {&mesh.left, &mesh.right, &mesh.node1, &mesh.node2}) {
+    column->reserve(at(records.size()));
+  }
+  EdgeRecord edge;
+  read_each(file, "edge", records, [&](Number) {
+    read_edge(file, n_nodes, n_cells, edge, check_code);
+    take(edge);
+  });
+}
+
+/// The least number of values that a record of each file holds.
+inline constexpr std::size_t tokens_of_node = 3, tokens_of_cell = 2, tokens_of_edge = 5;
+
+/// Adds the nodes of a file. Answers how many it announces.
+template <class Source>
+Number read_node_records(Source& file, Mesh& mesh) {
+  const Number count = file.read_count("number of records", tokens_of_node);
+  read_node_run(file, Records::all(count), mesh);
+  return count;
+}
+
+/// Adds the cells of a file; see read_cell_run(). Answers how many the file announces.
+template <class Source, class LookAt>
+Number read_cell_records(Source& file, Number n_nodes, Mesh& mesh, const LookAt& look_at) {
+  const Number count = file.read_count("number of records", tokens_of_cell);
+  read_cell_run(file, Records::all(count), n_nodes, mesh, look_at);
+  return count;
+}
+
+/// Reads the edges of a file; see read_edge_run().
 template <class Source, class CheckCode, class Take>
 void read_edge_records(Source& file, Number n_nodes, Number n_cells, Mesh& mesh,
                        const CheckCode& check_code, const Take& take) {
-  const Number count = file.read_count("number of records", 5);
-  for (auto* column : {&mesh.left, &mesh.right, &mesh.node1, &mesh.node2}) {
-    column->reserve(at(count));
-  }
-  EdgeRecord edge;
-  for (Number i = 0; i < count && file.goes_on(); ++i) {
-    file.begin_record("edge", i, count);
-    read_edge(file, n_nodes, n_cells, edge, check_code);
-    take(edge);
-  }
+  const Number count = file.read_count("number of records", tokens_of_edge);
+  read_edge_run(file, Records::all(count), n_nodes, n_cells, mesh, check_code, take);
 }
 
 }  // namespace cases

@@ -32,6 +32,15 @@ TextScanner::TextScanner(const std::string& name) : Reader(name), text_(piece + 
   token_ = next_;
 }
 
+TextScanner::TextScanner(const std::string& name, std::int64_t offset)
+    : Reader(name), text_(piece + padding) {
+  token_ = next_ = end_ = text_.data();
+  size_ = static_cast<std::ptrdiff_t>(std::filesystem::file_size(name));
+  dropped_ = offset;
+  stream_.seekg(offset);
+  read_on();
+}
+
 bool TextScanner::read_on() {
   if (!stream_) return false;
   const std::ptrdiff_t capacity = static_cast<std::ptrdiff_t>(text_.size()) - padding;

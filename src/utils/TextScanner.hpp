@@ -20,7 +20,14 @@ class TextScanner : public Reader {
  public:
   /// Opens the file. A UTF-8 byte-order mark at its start is no part of the text.
   explicit TextScanner(const std::string& name);
+  /// Opens a file whose bytes up to an offset were read before; it is no pipe.
+  TextScanner(const std::string& name, std::int64_t offset);
   virtual ~TextScanner() = default;
+
+  /// Bytes of the file up to the end of the value read last.
+  std::int64_t offset() const { return dropped_ + (next_ - text_.data()); }
+  /// Bytes of the file.
+  std::int64_t size() const { return size_; }
 
   /// Names the record that the next values belong to, as in "cell 3 (of 0 to 9)"; the values before
   /// the first record are the header.
@@ -29,6 +36,9 @@ class TextScanner : public Reader {
     record_index_ = index;
     record_total_ = total;
   }
+
+  /// The number of that record.
+  int record() const { return record_index_; }
 
   double read_number(const char* field) {
     double value;
