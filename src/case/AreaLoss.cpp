@@ -17,6 +17,17 @@ void AreaLoss::add(physics::PlanPoint center, double area, double accurate_area)
   worst_center_ = center;
 }
 
+void AreaLoss::add(const AreaLoss& next) {
+  const int before = cells_;
+  cells_ += next.cells_;
+  losing_cells_ += next.losing_cells_;
+  if (next.worst_cell_ < 0) return;
+  if (worst_cell_ >= 0 && !(next.largest_ > largest_)) return;
+  largest_ = next.largest_;
+  worst_cell_ = before + next.worst_cell_;
+  worst_center_ = next.worst_center_;
+}
+
 std::optional<std::string> AreaLoss::remark() const {
   if (losing_cells_ == 0) return {};
   const auto near = [](double x) {

@@ -45,11 +45,13 @@ double Mesh::accurate_area_of(Number cell) const {
 }
 
 bool Mesh::points_into_left_cell(Number edge) const {
-  const physics::PlanPoint a = plan_node(node1[at(edge)]);
-  const physics::PlanPoint b = plan_node(node2[at(edge)]);
+  return points_towards(center_of(left[at(edge)]), plan_node(node1[at(edge)]),
+                        plan_node(node2[at(edge)]));
+}
+
+bool points_towards(const physics::SpacePoint& center, physics::PlanPoint a, physics::PlanPoint b) {
   const physics::PlanPoint middle{(a.x + b.x) / 2.0, (a.y + b.y) / 2.0};
-  const physics::SpacePoint center = center_of(left[at(edge)]);
-  const physics::Edge normal = edge_of(edge);
+  const physics::Edge normal = physics::edge_between(a, b);
   return (middle.x - center.x) * normal.nx + (middle.y - center.y) * normal.ny < 0.0;
 }
 

@@ -84,4 +84,7 @@ struct Mesh {
   }
 };
 
+/// Whether the normal to the right of the way from a to b points to a side with a centre.
+bool points_towards(const physics::SpacePoint& center, physics::PlanPoint a, physics::PlanPoint b);
+
 }  // namespace cases

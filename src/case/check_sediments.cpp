@@ -60,12 +60,14 @@ void log_sediments(std::ostream& log, const SedimentParameters& sediment) {
       << "  Sediments porosity: " << sediment.porosity << '\n';
 }
 
-void check_sediments(const Case& contents, Diagnostics& diagnostics) {
-  const std::vector<double>& thickness = contents.fields.sediment;
-  const bool has_sediment =
-      std::any_of(thickness.begin(), thickness.end(), [](double hs) { return hs > 0.0; });
-  check_parameters(contents.sediment, has_sediment, diagnostics);
-  if (has_sediment && contents.fields.manning.empty()) {
+bool has_sediment(const std::vector<double>& thickness) {
+  return std::any_of(thickness.begin(), thickness.end(), [](double hs) { return hs > 0.0; });
+}
+
+void check_sediments(const SedimentParameters& sediment, bool has_sediment, bool has_friction,
+                     Diagnostics& diagnostics) {
+  check_parameters(sediment, has_sediment, diagnostics);
+  if (has_sediment && !has_friction) {
     diagnostics.warn("the bed is mobile, but there is no friction file: no transport can occur.");
   }
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ostream>
+#include <vector>
 
 #include "case/Case.hpp"
 #include "case/Diagnostics.hpp"
@@ -10,7 +11,12 @@ namespace cases {
 
 void log_sediments(std::ostream& log, const SedimentParameters& sediment);
 
-/// Refuses parameters with which no sediment can be computed.
-void check_sediments(const Case& contents, Diagnostics& diagnostics);
+/// Whether a cell has any, of their thicknesses, m.
+bool has_sediment(const std::vector<double>& thickness);
+
+/// Refuses parameters with which no sediment can be computed, of a case with sediment in some cell
+/// or in none.
+void check_sediments(const SedimentParameters& sediment, bool has_sediment, bool has_friction,
+                     Diagnostics& diagnostics);
 
 }  // namespace cases

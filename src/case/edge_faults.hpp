@@ -12,6 +12,10 @@ struct EdgeFaults {
   bool is_two_sided;    ///< it has a boundary condition and also a right cell, which gets no flux
 };
 
+/// Of an edge from node a to node b, with the centre of its left cell.
+EdgeFaults faults_of(physics::PlanPoint a, physics::PlanPoint b,
+                     const physics::SpacePoint& left_center, bool has_boundary,
+                     bool has_right_cell);
 /// `boundary` is the condition on the edge; null without one.
 EdgeFaults faults_of(const Mesh& mesh, Number edge, const Boundary* boundary);
 

@@ -16,19 +16,59 @@ namespace cases {
 
 namespace {
 
+/// Reads files from their begin to their end.
+class WholeFiles final : public CaseFiles {
+ public:
+  WholeFiles(ReadCase& read, Diagnostics& diagnostics)
+      : case_(read.contents), area_loss_(read.area_loss), diagnostics_(diagnostics) {}
+
+  void together(const std::function<void()>& step) override { step(); }
+
+  Number read_nodes(const std::string& name) override {
+    cases::read_nodes(name, case_.mesh);
+    return case_.mesh.n_nodes();
+  }
+  Number read_cells(const std::string& name) override {
+    cases::read_cells(name, case_.mesh, area_loss_);
+    return case_.mesh.n_cells();
+  }
+  Number read_edges(const std::string& name, int scheme) override {
+    cases::read_edges(name, scheme, case_, diagnostics_);
+    return case_.mesh.n_edges();
+  }
+
+  void read_cell_file(const CellFile& described, const std::string& name) override {
+    utils::TextScanner file(name);
+    cases::read_cell_file(described, file, case_.mesh.n_cells(), case_.fields);
+  }
+  void read_terms(const std::string& name, const std::vector<int>& ids,
+                  std::vector<int> CellFields::*column) override {
+    utils::TextScanner file(name);
+    case_.fields.*column = cases::read_terms(file, case_.mesh.n_cells(), ids, end_at_unknown_term);
+  }
+
+  bool has_sediment() override { return cases::has_sediment(case_.fields.sediment); }
+
+ private:
+  Case& case_;
+  AreaLoss& area_loss_;
+  Diagnostics& diagnostics_;
+};
+
 /// Reads the files in their order, and says so in the log.
 class CaseReader {
  public:
-  CaseReader(ReadCase& read, const Listeners& listeners, Diagnostics& diagnostics)
-      : case_(read.contents),
-        data_(read.data),
-        area_loss_(read.area_loss),
+  CaseReader(CaseFiles& files, const Listeners& listeners, Diagnostics& diagnostics, Case& contents,
+             DataFile& data)
+      : case_(contents),
+        data_(data),
+        files_(files),
         listeners_(listeners),
         log_(listeners.log),
         diagnostics_(diagnostics) {}
 
   void read(const std::string& data_file) {
-    take_values(data_file);
+    files_.together([&] { take_values(data_file); });
     log_parameters();
     log_model();
     read_mesh();
@@ -48,7 +88,7 @@ class CaseReader {
 
   Case& case_;
   DataFile& data_;
-  AreaLoss& area_loss_;
+  CaseFiles& files_;
   const Listeners& listeners_;
   std::ostream& log_;
   Diagnostics& diagnostics_;
@@ -102,17 +142,17 @@ void CaseReader::log_model() {
 void CaseReader::read_mesh() {
   log_ << "Reading of input files to set-up the model geometry:\n";
   log_ << "  Reading nodes in: " << data_.nodes << '\n';
-  read_nodes(data_.nodes, case_.mesh);
-  log_ << "    Number of nodes created: " << case_.mesh.n_nodes() << '\n';
+  const Number nodes = files_.read_nodes(data_.nodes);
+  log_ << "    Number of nodes created: " << nodes << '\n';
 
   log_ << "  Reading cells in: " << data_.cells << '\n';
-  read_cells(data_.cells, case_.mesh, area_loss_);
+  const Number cells = files_.read_cells(data_.cells);
   // Intended: three leading blanks here and below, four above.
-  log_ << "   Number of cells created: " << case_.mesh.n_cells() << '\n';
+  log_ << "   Number of cells created: " << cells << '\n';
 
   log_ << "  Reading interfaces in: " << data_.edges << '\n';
-  read_edges(data_.edges, data_.flux_scheme, case_, diagnostics_);
-  log_ << "   Number of interfaces created: " << case_.mesh.n_edges() << '\n';
+  const Number edges = files_.read_edges(data_.edges, data_.flux_scheme);
+  log_ << "   Number of interfaces created: " << edges << '\n';
   utils::print_delimitator(log_);
 }
 
@@ -121,7 +161,10 @@ void CaseReader::read_fields() {
   read_cell_files("model/conditions");
   if (case_.has_sediments) {
     log_sediments(log_, case_.sediment);
-    check_sediments(case_, diagnostics_);
+    const bool has_sediment = files_.has_sediment();
+    const bool has_friction = data_.cell_files.find(key("model/conditions/friction")) != nullptr;
+    files_.together(
+        [&] { check_sediments(case_.sediment, has_sediment, has_friction, diagnostics_); });
   }
   utils::print_delimitator(log_);
 }
@@ -130,29 +173,23 @@ void CaseReader::read_cell_files(std::string_view section) {
   for (const CellFile& described : cell_files) {
     const std::string* const name = data_.cell_files.find(described.key);
     if (described.key.section() != section || name == nullptr) continue;
-    utils::TextScanner file(*name);
-    read_cell_file(described, file, case_.mesh.n_cells(), case_.fields);
+    files_.read_cell_file(described, *name);
     log_ << "  " << described.log << *name << '\n';
   }
 }
 
 void CaseReader::read_sources() {
-  const Number n_cells = case_.mesh.n_cells();
-  const auto terms_of_cells = [&](const std::string& name, const std::vector<int>& ids) {
-    utils::TextScanner file(name);
-    return read_terms(file, n_cells, ids, end_at_unknown_term);
-  };
   log_ << "Setting source terms\n";
   if (data_.rainfall) {
-    case_.rain = read_rain(*data_.rainfall, diagnostics_);
+    files_.together([&] { case_.rain = read_rain(*data_.rainfall, diagnostics_); });
     log_ << "  Hyetograms set from: " << *data_.rainfall << '\n';
-    case_.fields.rain = terms_of_cells(*data_.hyetocells, ids_of(case_.rain));
+    files_.read_terms(*data_.hyetocells, ids_of(case_.rain), &CellFields::rain);
     log_ << "  Hyetocells set from: " << *data_.hyetocells << '\n';
   }
   if (data_.infiltration) {
-    case_.soils = read_soils(*data_.infiltration, diagnostics_);
+    files_.together([&] { case_.soils = read_soils(*data_.infiltration, diagnostics_); });
     log_ << "  Infiltration set from: " << *data_.infiltration << '\n';
-    case_.fields.soil = terms_of_cells(*data_.infiltracells, ids_of(case_.soils));
+    files_.read_terms(*data_.infiltracells, ids_of(case_.soils), &CellFields::soil);
     log_ << "  Infiltracells set from: " << *data_.infiltracells << '\n';
   }
   read_cell_files("model/sources");
@@ -161,10 +198,16 @@ void CaseReader::read_sources() {
 
 }  // namespace
 
+void read_case(const std::string& data_file, CaseFiles& files, const Listeners& listeners,
+               Diagnostics& diagnostics, Case& contents, DataFile& data) {
+  CaseReader(files, listeners, diagnostics, contents, data).read(data_file);
+}
+
 ReadCase read_case(const std::string& data_file, const Listeners& listeners,
                    Diagnostics& diagnostics) {
   ReadCase read;
-  CaseReader(read, listeners, diagnostics).read(data_file);
+  WholeFiles files(read, diagnostics);
+  read_case(data_file, files, listeners, diagnostics, read.contents, read.data);
   return read;
 }
 

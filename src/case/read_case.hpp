@@ -7,6 +7,7 @@
 
 #include "case/AreaLoss.hpp"
 #include "case/Case.hpp"
+#include "case/CaseFiles.hpp"
 #include "case/DataFile.hpp"
 #include "case/DataFileReader.hpp"
 #include "case/Diagnostics.hpp"
@@ -28,6 +29,10 @@ struct ReadCase {
   DataFile data;
   AreaLoss area_loss = {};  ///< of the cells
 };
+
+/// Reads by these files, which put what they read into `contents`.
+void read_case(const std::string& data_file, CaseFiles& files, const Listeners& listeners,
+               Diagnostics& diagnostics, Case& contents, DataFile& data);
 
 /// Ends with an exception at the first thing that is wrong, and warns of what hardly was meant.
 ReadCase read_case(const std::string& data_file, const Listeners& listeners,

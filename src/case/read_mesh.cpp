@@ -15,18 +15,6 @@ namespace cases {
 
 namespace {
 
-/// Ends the run unless the model has what a code asks for.
-void require_known(int code, int edge, bool has_sediments) {
-  if (code == edge_code::scheme_lhllc) return;
-  if (code == edge_code::scheme_roe && !has_sediments) {
-    utils::fatal("Error. The flux scheme \"Roe\" (code 2, edge " + std::to_string(edge) +
-                     ") is not available; use \"LHLLC\".\n",
-                 -1, "should be Roe scheme\n");
-  }
-  if (boundary_kind(code, has_sediments) != nullptr) return;
-  utils::fatal("Boundary condition of type " + std::to_string(code) + " not defined!\n");
-}
-
 /// What a run does with its edges as it reads them.
 class EdgeReader {
  public:
@@ -35,14 +23,14 @@ class EdgeReader {
         scheme_(scheme),
         contents_(contents),
         series_(contents.series),
-        warnings_(contents.mesh, diagnostics) {}
+        warnings_(diagnostics) {}
 
   void read() {
     Mesh& mesh = contents_.mesh;
     const auto accept = [](int) {};  // at first: the whole record must be well
     read_edge_records(file_, mesh.n_nodes(), mesh.n_cells(), mesh, accept,
                       [this](const EdgeRecord& edge) { take(edge); });
-    warnings_.check_numbers_of_edges();
+    warnings_.check_numbers_of_edges(mesh);
   }
 
  private:
@@ -57,7 +45,7 @@ class EdgeReader {
       file_.refuse_record(overflow_of(mesh, nodes));
     }
     const bool is_boundary = !edge_code::is_between_cells(edge.code);
-    warnings_.check(number, is_boundary ? &mesh.boundaries.back() : nullptr);
+    warnings_.check(mesh, number, is_boundary ? &mesh.boundaries.back() : nullptr);
   }
 
   utils::TextScanner& file_;
@@ -68,6 +56,22 @@ class EdgeReader {
 };
 
 }  // namespace
+
+void require_known(int code, Number edge, bool has_sediments) {
+  if (code == edge_code::scheme_lhllc) return;
+  if (code == edge_code::scheme_roe && !has_sediments) {
+    utils::fatal("Error. The flux scheme \"Roe\" (code 2, edge " + std::to_string(edge) +
+                     ") is not available; use \"LHLLC\".\n",
+                 -1, "should be Roe scheme\n");
+  }
+  if (boundary_kind(code, has_sediments) != nullptr) return;
+  utils::fatal("Boundary condition of type " + std::to_string(code) + " not defined!\n");
+}
+
+void refuse_mesh_without_cells(const std::string& name) {
+  utils::fatal("Error in file " + name +
+               ", header, number of records: found 0, expected 1 or more: a mesh has cells.\n");
+}
 
 void read_nodes(const std::string& name, Mesh& mesh) {
   utils::TextScanner file(name);
@@ -81,9 +85,7 @@ void read_cells(const std::string& name, Mesh& mesh, AreaLoss& area_loss) {
     if (!is_finite(cell)) file.refuse_record(overflow_of(mesh, mesh.nodes_of(i)));
     area_loss.add({cell.center.x, cell.center.y}, cell.area, mesh.accurate_area_of(i));
   });
-  if (count > 0) return;
-  utils::fatal("Error in file " + name +
-               ", header, number of records: found 0, expected 1 or more: a mesh has cells.\n");
+  if (count == 0) refuse_mesh_without_cells(name);
 }
 
 void read_edges(const std::string& name, int scheme, Case& contents, Diagnostics& diagnostics) {

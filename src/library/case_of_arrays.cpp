@@ -129,7 +129,7 @@ void check_edge(const Edge& edge, const std::string& place, const cases::Case& c
 void take_edges(const std::vector<Edge>& edges, cases::Case& contents,
                 cases::Diagnostics& diagnostics) {
   cases::Mesh& mesh = contents.mesh;
-  cases::EdgeWarnings warnings(mesh, diagnostics);
+  cases::EdgeWarnings warnings(diagnostics);
   for (std::size_t i = 0; i < edges.size(); ++i) {
     const Edge& edge = edges[i];
     const auto number = static_cast<Number>(i);
@@ -148,9 +148,9 @@ void take_edges(const std::vector<Edge>& edges, cases::Case& contents,
       const Number nodes[] = {edge.node1, edge.node2};
       throw Error(entry("edge", i) + ": " + cases::overflow_of(mesh, nodes) + ".");
     }
-    warnings.check(number, is_boundary ? &mesh.boundaries.back() : nullptr);
+    warnings.check(mesh, number, is_boundary ? &mesh.boundaries.back() : nullptr);
   }
-  warnings.check_numbers_of_edges();
+  warnings.check_numbers_of_edges(mesh);
 }
 
 void take_fields(const Case& given, std::size_t n_cells, cases::CellFields& fields) {

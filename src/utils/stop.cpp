@@ -6,8 +6,6 @@
 namespace utils {
 
 namespace {
-constexpr int shown_warnings = 10;
-
 std::string without_line_end(const std::string& text) {
   return text.substr(0, text.find_last_not_of('\n') + 1);
 }
@@ -31,11 +29,11 @@ RepeatedWarning::RepeatedWarning(std::string kind, Sink sink)
     : kind_(std::move(kind)), sink_(std::move(sink)) {}
 
 RepeatedWarning::~RepeatedWarning() {
-  if (count_ > shown_warnings) sink_(std::to_string(count_ - shown_warnings) + " more " + kind_);
+  if (count_ > shown) sink_(std::to_string(count_ - shown) + " more " + kind_);
 }
 
 void RepeatedWarning::add(const std::string& message) {
-  if (++count_ <= shown_warnings) sink_(message);
+  if (++count_ <= shown) sink_(message);
 }
 
 }  // namespace utils

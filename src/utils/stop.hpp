@@ -37,6 +37,9 @@ void warn(const std::string& message);
 /// are counted.
 class RepeatedWarning {
  public:
+  /// How many are written.
+  static constexpr int shown = 10;
+
   using Sink = std::function<void(const std::string& message)>;
 
   /// `kind` completes the closing line "Warning: N more " + kind. The sink takes the lines.

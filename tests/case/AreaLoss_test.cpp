@@ -29,4 +29,18 @@ TEST(AreaLoss, NamesTheCellsTheLargestLossAndWhatHelps) {
   EXPECT_TRUE(support::contains(text, "quillmere-mesh import --origin 617000,5234000")) << text;
 }
 
+TEST(AreaLoss, OfCellsThatWereLookedAtApartIsThatOfAll) {
+  const double areas[] = {1.0, 1.0 - 3e-6, 1.2, 1.0, 1.2, 1.1};
+  AreaLoss all, parts[3];
+  for (int cell = 0; cell < 6; ++cell) {
+    all.add({1e5 * cell, 0.0}, areas[cell], 1.0);
+    parts[cell / 2].add({1e5 * cell, 0.0}, areas[cell], 1.0);
+  }
+  AreaLoss sum;
+  for (const AreaLoss& part : parts) sum.add(part);
+  sum.add(AreaLoss{});
+  ASSERT_TRUE(all.remark());
+  EXPECT_EQ(sum.remark(), all.remark());
+}
+
 }  // namespace
