@@ -1,7 +1,6 @@
 #include "engine/numbering.hpp"
 
 #include <algorithm>
-#include <cstdint>
 #include <utility>
 
 #include "engine/Range.hpp"
@@ -67,6 +66,17 @@ void sort(std::vector<Placed>& points, ThreadTeam& team) {
 
 }  // namespace
 
+HilbertCurve::HilbertCurve(double x_min, double x_max, double y_min, double y_max)
+    : x_min_(x_min), y_min_(y_min) {
+  const double extent = std::max(x_max - x_min, y_max - y_min);
+  scale_ = extent > 0.0 ? (side - 1) / extent : 0.0;
+}
+
+std::uint64_t HilbertCurve::distance_of(double x, double y) const {
+  return hilbert_distance(static_cast<std::uint32_t>((x - x_min_) * scale_),
+                          static_cast<std::uint32_t>((y - y_min_) * scale_));
+}
+
 std::vector<int> places_of(const std::vector<int>& order) {
   std::vector<int> places(order.size());
   for (std::size_t k = 0; k < order.size(); ++k) {
@@ -80,18 +90,13 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
   if (x.empty()) return {};
   const auto [west, east] = std::minmax_element(x.begin(), x.end());
   const auto [south, north] = std::minmax_element(y.begin(), y.end());
-  const double x_min = *west, y_min = *south;
-  const double extent = std::max(*east - x_min, *north - y_min);
-  const double scale = extent > 0.0 ? (side - 1) / extent : 0.0;
-
+  const HilbertCurve curve(*west, *east, *south, *north);
   std::vector<Placed> points(x.size());
   team.run([&](int member) {
     const Range share = share_of(member, team.size(), x.size());
     for (int k = share.begin; k < share.end; ++k) {
       const auto i = static_cast<std::size_t>(k);
-      points[i] = {hilbert_distance(static_cast<std::uint32_t>((x[i] - x_min) * scale),
-                                    static_cast<std::uint32_t>((y[i] - y_min) * scale)),
-                   k};
+      points[i] = {curve.distance_of(x[i], y[i]), k};
     }
   });
   sort(points, team);

@@ -2,14 +2,27 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 #include "engine/ThreadTeam.hpp"
 
 namespace engine {
 
+/// The Hilbert curve over an extent (m). Source: Hilbert (1891), Math. Ann. 38.
+class HilbertCurve {
+ public:
+  HilbertCurve(double x_min, double x_max, double y_min, double y_max);
+  /// How far along the curve a point lies.
+  std::uint64_t distance_of(double x, double y) const;
+
+ private:
+  double x_min_, y_min_;
+  double scale_;  ///< squares per metre
+};
+
 /// Permutation of the points (x[i], y[i]) along a Hilbert curve over their extent: entry k is the
-/// point that comes k-th. Source: Hilbert (1891), Math. Ann. 38.
+/// point that comes k-th; of points at one distance the lower number comes first.
 std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
                                            const std::vector<double>& y, ThreadTeam& team);
 
