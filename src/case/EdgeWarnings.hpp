@@ -1,6 +1,7 @@
 // Warnings about edges that are well-formed and probably wrong.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace cases {
 /// What is probably wrong with an edge, or with the number of edges of a cell.
 struct EdgeRemark {
   enum Kind { degenerate, inward, two_sided, odd_cell };
+  static constexpr std::size_t kinds = 4;
 
   Kind kind;
   std::string text;

@@ -24,7 +24,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"utils", {}},
     {"case", {"physics", "globals", "utils"}},
     {"engine", {"kernels", "physics", "case"}},
-    {"ranks", {"engine", "case", "utils"}},
+    {"ranks", {"engine", "physics", "case", "utils"}},
     {"model", {"physics", "case", "interfaces", "sources", "globals", "utils"}},
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},

@@ -1,0 +1,26 @@
+// Reads a case and shares it out, without a whole mesh on any rank.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "case/read_case.hpp"
+#include "ranks/Blocks.hpp"
+#include "ranks/share_of.hpp"
+
+namespace ranks {
+
+struct ReadShare {
+  Share share;
+  cases::DataFile data;
+  AreaLoss area_loss;       ///< of all cells; on rank 0
+  Blocks cells;             ///< who knows the owner of which cell ...
+  std::vector<int> owners;  ///< ... and those of the block of this rank
+};
+
+/// Ends on all ranks with what cases::read_case() ends with, on the others as a FatalError that
+/// tells it. Rank 0 alone tells the listeners and the diagnostics. Called by all ranks.
+ReadShare read_share(Group& group, const std::string& data_file, const cases::Listeners& listeners,
+                     cases::Diagnostics& diagnostics);
+
+}  // namespace ranks

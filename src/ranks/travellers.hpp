@@ -1,0 +1,69 @@
+// What ranks send each other of a mesh, by numbers in the whole case.
+#pragma once
+
+#include <vector>
+
+#include "case/Case.hpp"
+
+namespace ranks {
+
+/// An edge with all that belongs to it.
+struct TravellingEdge {
+  cases::Number number, left, right, node1, node2;
+  int left_owner, right_owner;  ///< ranks that own the cells; -1 without a right cell
+  cases::Number boundary;       ///< number of its boundary condition; -1: none, and nothing follows
+  cases::Boundary condition;    ///< names no edge
+
+  /// Here and below for utils/bytes.hpp.
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.number, self.left, self.right, self.node1, self.node2, self.left_owner,
+          self.right_owner, self.boundary, self.condition);
+  }
+};
+
+/// Cells with their nodes and fields.
+struct TravellingCells {
+  std::vector<cases::Number> numbers;
+  cases::Mesh cells;  ///< nothing but cells and nodes by number
+  cases::CellFields fields;
+
+  void add(const TravellingCells& next) {
+    numbers.insert(numbers.end(), next.numbers.begin(), next.numbers.end());
+    for (cases::Number k = 0; k < next.cells.n_cells(); ++k) cells.add_cell(next.cells.nodes_of(k));
+    cases::CellFields::visit_parts(next.fields, [&](const auto&... of_next) {
+      cases::CellFields::visit_parts(fields, [&](auto&... of_this) {
+        (of_this.insert(of_this.end(), of_next.begin(), of_next.end()), ...);
+      });
+    });
+  }
+  /// Those at some places.
+  TravellingCells at_places(const std::vector<cases::Number>& places) const {
+    TravellingCells some;
+    for (const cases::Number place : places) {
+      some.numbers.push_back(numbers[cases::at(place)]);
+      some.cells.add_cell(cells.nodes_of(place));
+    }
+    cases::CellFields::visit_parts(fields, [&](const auto&... of_this) {
+      cases::CellFields::visit_parts(
+          some.fields, [&](auto&... of_some) { (take(of_this, places, of_some), ...); });
+    });
+    return some;
+  }
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.numbers, self.cells, self.fields);
+  }
+
+ private:
+  template <class Value>
+  static void take(const std::vector<Value>& column, const std::vector<cases::Number>& places,
+                   std::vector<Value>& some) {
+    if (column.empty()) return;
+    some.reserve(places.size());
+    for (const cases::Number place : places) some.push_back(column[cases::at(place)]);
+  }
+};
+
+}  // namespace ranks
