@@ -88,7 +88,7 @@ Told told_by(const Read& read) {
     told.output = error.output();
     told.status = error.status();
   } catch (const std::exception& error) {
-    told.error = error.what();
+    told.error = error.what() + std::string("\n");
     told.status = -1;
   }
   told.log = log.str();

@@ -3,27 +3,16 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <numeric>
-#include <thread>
 
-#include "ranks/DelayedGroup.hpp"
-#include "ranks/InProcess.hpp"
 #include "ranks/expect_collectives.hpp"
+#include "ranks/on_ranks.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/basin.hpp"
 
 namespace {
 
-/// Calls body(group) on every rank.
-void on_ranks(int count, const std::function<void(ranks::Group&)>& body) {
-  ranks::InProcess job(count);
-  std::vector<std::thread> members;
-  for (int rank = 0; rank < count; ++rank) {
-    members.emplace_back([&, rank] { body(*job.group(rank)); });
-  }
-  for (std::thread& member : members) member.join();
-}
+using test_ranks::on_ranks;
 
 template <class Value>
 utils::Bytes bytes_of(const Value& value) {
@@ -91,16 +80,10 @@ TEST(RanksInOneProcess, SendToSomeAndGatherInAnyOrderOfArrival) {
       test_ranks::expect_messages_to_some(group);
       test_ranks::expect_gathered_by_all(group);
     });
-    ranks::InProcess job(count);
-    std::vector<std::thread> members;
-    for (int rank = 0; rank < count; ++rank) {
-      members.emplace_back([&, rank] {
-        test_ranks::DelayedGroup group(job.group(rank), 3);
-        test_ranks::expect_messages_to_some(group);
-        test_ranks::expect_gathered_by_all(group);
-      });
-    }
-    for (std::thread& member : members) member.join();
+    test_ranks::on_late_ranks(count, [](ranks::Group& group) {
+      test_ranks::expect_messages_to_some(group);
+      test_ranks::expect_gathered_by_all(group);
+    });
   }
 }
 
