@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "domain/Domain.hpp"
-#include "report/column_survey.hpp"
 #include "utils/cell_place.hpp"
 #include "utils/counted.hpp"
 #include "utils/number_text.hpp"
@@ -13,8 +12,8 @@
 
 namespace {
 
-using cases::at;
 using cases::Number;
+using fields::ColumnSurvey;
 using fields::FieldInfo;
 
 std::string named_place(const cases::Mesh& mesh, Number cell) {
@@ -45,11 +44,12 @@ std::string seen_first(const cases::Mesh& mesh, const Sighting& first) {
 void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
                      double t, const std::string& more) {
   if (found.below_zero == 0) return;
-  utils::warn("the " + std::string(field.quantity) + " of " +
-              utils::counted(found.below_zero, "cell") + " is below zero" + at_time(t) + ": " +
-              utils::number_text(found.deficit) + " m3 are missing, while the other cells hold " +
-              utils::number_text(found.held) + " m3; it is " + utils::number_text(found.lowest) +
-              " m in " + named_place(mesh, found.lowest_cell) + more);
+  utils::warn(
+      "the " + std::string(field.quantity) + " of " + utils::counted(found.below_zero, "cell") +
+      " is below zero" + at_time(t) + ": " + utils::number_text(found.deficit.value()) +
+      " m3 are missing, while the other cells hold " + utils::number_text(found.held.value()) +
+      " m3; it is " + utils::number_text(found.lowest) + " m in " +
+      named_place(mesh, found.lowest_cell) + more);
 }
 
 void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
@@ -97,27 +97,19 @@ void Domain::warn_of_strange_water() const {
 void Domain::warn_of_lost_results() {
   warn_of_lost_states();
   looks_->look();
-  const std::size_t n_cells = at(case_.mesh.n_cells());
   const auto about_depths = [&](const ColumnSurvey& survey) {
     const Sighting& first = looks_->first_below_zero();
     if (!first.is_any()) return std::string(".");
     return "; " + percent(survey.share()) + " of the water is missing, " +
            seen_first(case_.mesh, first) + "." + advice(case_);
   };
-  const std::vector<double> areas = case_.mesh.areas();
-  std::vector<double> values(n_cells), component(n_cells);
+  const auto seen = flow_->looks(case_);
   const auto& table = fields::field_table;
   for (std::size_t k = 0; k < table.size(); ++k) {
     if (fields::is_of_maxima(table[k])) continue;  // what has not been is no number there
-    flow_->read(table[k].field, values);
-    for (; k + 1 < table.size() && is_same_quantity(table[k], table[k + 1]); ++k) {
-      flow_->read(table[k + 1].field, component);
-      for (std::size_t i = 0; i < n_cells; ++i) values[i] += component[i];
-    }
-    ColumnSurvey survey;
-    for (std::size_t i = 0; i < n_cells; ++i) {
-      survey.add(static_cast<Number>(i), values[i], areas[i]);
-    }
+    const std::size_t first = k;
+    while (k + 1 < table.size() && is_same_quantity(table[k], table[k + 1])) ++k;
+    const ColumnSurvey survey = seen->column(table[first].field, static_cast<int>(k - first) + 1);
     if (table[k].is_depth) {
       warn_below_zero(case_.mesh, table[k], survey, clock_.t,
                       table[k].field == fields::Field::depth ? about_depths(survey) : ".");

@@ -1,12 +1,14 @@
 // The flow of a run: its steps and its states, whatever computes them.
 #pragma once
 
+#include <memory>
 #include <span>
 
-#include "case/Mesh.hpp"
+#include "case/Case.hpp"
 #include "engine/State.hpp"
 #include "engine/step_values.hpp"
 #include "fields/Field.hpp"
+#include "fields/looks.hpp"
 #include "physics/flow_extremes.hpp"
 
 namespace fields {
@@ -87,6 +89,9 @@ class Flow {
                     std::span<double> values) const = 0;
   virtual CellState state(cases::Number cell) const = 0;
   virtual FlowSurvey survey() const = 0;
+  /// Looks at all cells at once, those of this case, from now on: which must live as long, as must
+  /// the flow.
+  virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
   virtual ExecutionPath execution_path() const = 0;
 
   /// From now on the maxima of the flow are kept, with the states that steps begin with.

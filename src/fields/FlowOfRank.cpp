@@ -28,6 +28,31 @@ int cells_per_patch_for(const RanksPlan& plan, Number cells) {
 
 }  // namespace
 
+/// The cells of the rank as looks see them.
+class FlowOfRank::OwnPart final : public FlowPart {
+ public:
+  explicit OwnPart(const FlowOfRank& flow) : flow_(flow) {}
+
+  Number count() const override { return flow_.part_.owned; }
+  Number number(Number k) const override { return flow_.part_.cell_number[at(k)]; }
+  const cases::Case& contents() const override { return flow_.part_.contents; }
+  Number in_case(Number k) const override { return k; }
+  bool has(Number cell) const override { return cell < count(); }
+  void read(Field field, std::span<double> values) const override {
+    flow_.fields_->read(field, values);
+  }
+  UnseenDepth unseen_depth(Number k) const override {
+    const engine::UnseenDepths depths = flow_.engine_->unseen_depths(k);
+    return {depths.recovered, depths.lifted, depths.taken_discharge};
+  }
+  BoundaryInflow boundary_inflow(int boundary) const override {
+    return flow_.engine_->boundary_inflow(boundary);
+  }
+
+ private:
+  const FlowOfRank& flow_;
+};
+
 FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
     : group_(group) {
   if (is_first()) {
@@ -57,9 +82,8 @@ ranks::Share FlowOfRank::take_share(const cases::Case& contents) {
 
 RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
   try {
-    engine_ = std::make_unique<engine::Engine>(part_, *exchange_, plan.threads,
-                                               cells_per_patch_for(plan, part_.owned),
-                                               plan.processor);
+    engine_ = std::make_unique<engine::Engine>(
+        part_, *exchange_, plan.threads, cells_per_patch_for(plan, part_.owned), plan.processor);
     fields_ = std::make_unique<TableFields>(part_.contents, *engine_);
     return {.threads = engine_->threads()};
   } catch (const std::length_error& error) {
@@ -115,7 +139,55 @@ double FlowOfRank::advance(const StepTimes& times, const engine::Wishes& own) {
   const double step = engine_->advance(times, own);
   not_hyperbolic_.reset();
   if (engine_->any_rank_was_not_hyperbolic()) gather_not_hyperbolic();
+  if (is_watched_) looks().add_step(times.dt);
   return step;
+}
+
+void FlowOfRank::watch() {
+  engine_->watch(part_.contents.t_start);
+  is_watched_ = true;
+  looks();
+}
+
+PartLooks& FlowOfRank::looks() {
+  if (!own_part_) own_part_ = std::make_unique<OwnPart>(*this);
+  if (!looks_) looks_ = std::make_unique<PartLooks>(*own_part_);
+  return *looks_;
+}
+
+Seen FlowOfRank::see(const Look& look) {
+  Seen seen = looks().see(look);
+  // Each rank hears those that stand above it in a tree of pairs, and tells the one below.
+  for (int distance = 1; distance < group_.size(); distance *= 2) {
+    const int rank = group_.rank();
+    if (rank % (2 * distance) != 0) {
+      ranks::send_value(group_, seen, rank - distance);
+      break;
+    }
+    if (rank + distance >= group_.size()) continue;
+    add(seen, ranks::receive_value<Seen>(group_, rank + distance));
+  }
+  return seen;
+}
+
+void FlowOfRank::save_looks(std::vector<double>& infiltrated) {
+  if (is_first()) infiltrated.resize(owners_.size());
+  gather(looks().infiltrated(), infiltrated);
+}
+
+void FlowOfRank::load_looks(std::span<const double> infiltrated) {
+  std::vector<double> own(at(engine_->tables().owned));
+  if (is_first()) {
+    for (int rank = 1; rank < group_.size(); ++rank) {
+      received_.clear();
+      for (const Number cell : cells_[at(rank)]) received_.push_back(infiltrated[at(cell)]);
+      group_.send(std::as_bytes(std::span(received_)), rank);
+    }
+    for (std::size_t k = 0; k < own.size(); ++k) own[k] = infiltrated[at(cells_.front()[k])];
+  } else {
+    group_.receive(std::as_writable_bytes(std::span(own)), 0);
+  }
+  looks().set_infiltrated(std::move(own));
 }
 
 /// The rank of the cell tells rank 0.
@@ -268,13 +340,16 @@ void FlowOfRank::move_to(FlowOfRank& next) {
   }
   save_own(own.state);
   if (is_watched_) engine_->save_notes(own.notes.emplace());
+  if (looks_) own.infiltrated = looks_->infiltrated();
   MovingCells moved = fields::moved(own, new_ranks_of_own(next), group_);
   const auto& maxima = engine_->tables().maxima;
   if (maxima) next.keep_maxima(maxima->arrival_depth);
   next.load_own(std::move(moved.state));
-  if (!is_watched_) return;
-  next.watch();
-  next.engine_->load_notes(*moved.notes);
+  if (is_watched_) {
+    next.watch();
+    next.engine_->load_notes(*moved.notes);
+  }
+  if (looks_) next.looks().go_on_from(*looks_, std::move(moved.infiltrated));
 }
 
 /// Rank 0 tells every rank.

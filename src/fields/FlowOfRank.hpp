@@ -12,6 +12,7 @@
 #include "engine/Engine.hpp"
 #include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
+#include "fields/PartLooks.hpp"
 #include "fields/TableFields.hpp"
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
@@ -54,6 +55,8 @@ class FlowOfRank {
   /// the case. The group must outlive it. Where any rank could not start there is no flow on any,
   /// see start().
   FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group);
+  FlowOfRank(const FlowOfRank&) = delete;
+  FlowOfRank& operator=(const FlowOfRank&) = delete;
 
   /// On rank 0 the worst of all ranks, with the fewest threads; elsewhere only its outcome.
   const RankStart& start() const { return start_; }
@@ -68,10 +71,7 @@ class FlowOfRank {
   bool goes_on(const Clock& clock) const;
   void keep_maxima(double arrival_depth) { engine_->keep_maxima(arrival_depth); }
   void note_maxima(double t) { engine_->note_maxima(t); }
-  void watch() {
-    engine_->watch(part_.contents.t_start);
-    is_watched_ = true;
-  }
+  void watch();
   /// Between two steps, once both have started: the steps go on in another flow of the same ranks,
   /// among which it shares the cells otherwise. This one is not used any more.
   void move_to(FlowOfRank& next);
@@ -92,9 +92,14 @@ class FlowOfRank {
   /// On rank 0: where the last step was not hyperbolic, if that is to be told.
   const std::optional<engine::NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
 
+  /// What is seen of all cells; on the other ranks anything.
+  Seen see(const Look& look);
+  void save_looks(std::vector<double>& infiltrated);
+
   // What rank 0 hands out; it is not looked at on the others.
   void load(const engine::State& state);
   void load_notes(const engine::SavedNotes& notes);
+  void load_looks(std::span<const double> infiltrated);
 
   /// Whether this rank computes a cell; on rank 0 without asking the others.
   bool owns(cases::Number cell) const { return part_.own_cell(cell) >= 0; }
@@ -103,6 +108,8 @@ class FlowOfRank {
   const cases::Case& contents() const { return part_.contents; }
 
  private:
+  class OwnPart;
+
   bool is_first() const { return group_.rank() == 0; }
   /// That of this rank; on rank 0 after it has dealt out those of all others.
   ranks::Share take_share(const cases::Case& contents);
@@ -125,6 +132,7 @@ class FlowOfRank {
   /// That of the own cells and boundaries.
   void save_own(engine::State& state);
   void load_own(engine::State own);
+  PartLooks& looks();
 
   ranks::Group& group_;
   cases::Part part_;
@@ -132,8 +140,10 @@ class FlowOfRank {
   std::unique_ptr<engine::Exchange> exchange_;
   std::unique_ptr<engine::Engine> engine_;
   std::unique_ptr<TableFields> fields_;
-  RankStart start_;
+  std::unique_ptr<FlowPart> own_part_;
+  std::unique_ptr<PartLooks> looks_;  ///< null: nobody has looked yet
   bool is_watched_ = false;
+  RankStart start_;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;
 
   // On rank 0.

@@ -202,9 +202,8 @@ void ObjectsFlow::load(const engine::State& state) {
   }
   if (state.has_told_not_hyperbolic) Globals_Sed::g_notHyperbolicIsTold = true;
   if (!maxima_) return;
-  maxima_->load(state, has_sediments(), [&](cases::Number number, double depth) {
-    return cell(number).bed_level + depth;
-  });
+  maxima_->load(state, has_sediments(),
+                [&](cases::Number number, double depth) { return cell(number).bed_level + depth; });
 }
 
 void ObjectsFlow::save_notes(engine::SavedNotes& notes) const {

@@ -61,9 +61,9 @@ class ObjectsFlow : public Flow {
 
   ModelObjects objects_;  ///< empty where the model is somebody else's
   PhysicalModel& model_;
-  bool has_stepped_ = false;  ///< the free surface is bed and depth from then on
-  std::optional<WalkedMaxima> maxima_;               ///< nothing: nobody asks
-  std::unique_ptr<StepWatch> watch_;                 ///< null: no step takes notes
+  bool has_stepped_ = false;            ///< the free surface is bed and depth from then on
+  std::optional<WalkedMaxima> maxima_;  ///< nothing: nobody asks
+  std::unique_ptr<StepWatch> watch_;    ///< null: no step takes notes
   std::vector<const GenericInterface*> boundaries_;  ///< once the steps are watched
 };
 

@@ -1,12 +1,12 @@
 #include "fields/RanksFlow.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
 #include "case/hll_cell.hpp"
-#include "fields/flow_survey.hpp"
 #include "fields/missing_threads.hpp"
 #include "ranks/values.hpp"
 #include "utils/not_hyperbolic.hpp"
@@ -41,6 +41,9 @@ enum class Task {
   weigh_ranks,
   weigh_cells,
   recut,
+  look,
+  save_looks,
+  load_looks,
   end
 };
 
@@ -94,12 +97,19 @@ void take_part_in_recut(std::unique_ptr<FlowOfRank>& part, ranks::Group& group) 
   recut(part, no_case, plan, group);
 }
 
+void see(FlowOfRank& part, ranks::Group& group) {
+  Look look{};
+  ranks::broadcast_plain(group, look);
+  part.see(look);
+}
+
 /// Does what rank 0 orders until it ends the flow.
 void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
   std::vector<BoundaryInflow> no_inflows;
   engine::State no_state;
   engine::SavedNotes no_notes;
+  std::vector<double> no_values;
   while (true) {
     Order order{};
     ranks::broadcast_plain(group, order);
@@ -152,6 +162,15 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
         break;
       case Task::recut:
         take_part_in_recut(own, group);
+        break;
+      case Task::look:
+        see(part, group);
+        break;
+      case Task::save_looks:
+        part.save_looks(no_values);
+        break;
+      case Task::load_looks:
+        part.load_looks({});
         break;
       case Task::end:
         return;
@@ -333,20 +352,47 @@ CellState RanksFlow::state(Number cell) const {
   return part_->state(cell);
 }
 
+Seen RanksFlow::see(Look look) const {
+  tell(waiting_ranks(), {Task::look});
+  ranks::broadcast_plain(*group_, look);
+  return part_->see(look);
+}
+
 FlowSurvey RanksFlow::survey() const {
-  const std::size_t n_cells = at(case_.mesh.n_cells());
-  std::vector<double> h(n_cells), qx(n_cells), qy(n_cells);
-  read(Field::depth, h);
-  read(Field::discharge_x, qx);
-  read(Field::discharge_y, qy);
-  const auto state_of = [&](Number cell) {
-    const std::size_t i = at(cell);
-    return SurveyedState{h[i], qx[i], qy[i], physics::depth_terms(h[i], case_.zero_depth)};
-  };
-  return survey_flow(case_.mesh.n_cells(), case_.zero_depth, state_of, state_of, [&](Number cell) {
-    const physics::SpacePoint center = case_.mesh.center_of(cell);
-    return physics::PlanPoint{center.x, center.y};
-  });
+  const auto seen = std::get<StatesSeen>(see({Look::Kind::states}));
+  FlowSurvey survey = {seen.wet, std::sqrt(seen.speed_squared), seen.not_finite};
+  if (seen.not_finite == 0) return survey;
+  const auto count = static_cast<double>(seen.not_finite);
+  const physics::PlanPoint middle = {seen.lost_x.value() / count, seen.lost_y.value() / count};
+  const Seen nearest = see({.kind = Look::Kind::nearest_lost, .point = middle});
+  survey.a_cell_not_finite = std::get<NearestSeen>(nearest).nearest();
+  return survey;
+}
+
+/// What the ranks see, who have their parts of it at hand.
+class RanksFlow::LooksOfRanks final : public Looks {
+ public:
+  explicit LooksOfRanks(const RanksFlow& flow) : flow_(flow) {}
+
+  Seen see(const Look& look) override { return flow_.see(look); }
+  void add_step(double) override {}  // every rank has done it, as it advanced
+  void save(std::vector<double>& infiltrated) const override {
+    if (flow_.case_.fields.soil.empty()) return infiltrated.clear();
+    tell(flow_.waiting_ranks(), {Task::save_looks});
+    flow_.part_->save_looks(infiltrated);
+  }
+  void load(const std::vector<double>& infiltrated) override {
+    if (infiltrated.empty()) return;
+    tell(flow_.waiting_ranks(), {Task::load_looks});
+    flow_.part_->load_looks(infiltrated);
+  }
+
+ private:
+  const RanksFlow& flow_;
+};
+
+std::unique_ptr<Looks> RanksFlow::looks(const cases::Case&) const {
+  return std::make_unique<LooksOfRanks>(*this);
 }
 
 ExecutionPath RanksFlow::execution_path() const {

@@ -57,6 +57,7 @@ class RanksFlow : public Flow {
             std::span<double> values) const override;
   CellState state(cases::Number cell) const override;
   FlowSurvey survey() const override;
+  std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
   ExecutionPath execution_path() const override;
 
   void keep_maxima(double arrival_depth) override;
@@ -73,6 +74,9 @@ class RanksFlow : public Flow {
   void load_notes(const engine::SavedNotes& notes) override;
 
  private:
+  class LooksOfRanks;
+  Seen see(Look look) const;
+
   /// The ranks, who wait for an order.
   ranks::Group& waiting_ranks() const;
   /// Lets all ranks begin with a step, after a look at their balance if one is due.

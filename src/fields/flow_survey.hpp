@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "fields/Flow.hpp"
@@ -39,27 +38,22 @@ template <class StateOf, class CenterOf>
 cases::Number lost_cell_in_the_middle(cases::Number n_cells, const StateOf& state_of,
                                       const CenterOf& center_of) {
   std::vector<cases::Number> cells;
-  double x = 0.0, y = 0.0;
+  utils::ExactSum sum_x, sum_y;
   for (cases::Number cell = 0; cell < n_cells; ++cell) {
     if (state_of(cell).is_finite()) continue;
     cells.push_back(cell);
     const physics::PlanPoint center = center_of(cell);
-    x += center.x;
-    y += center.y;
+    sum_x.add(center.x);
+    sum_y.add(center.y);
   }
   const auto count = static_cast<double>(cells.size());
-  // The first one, where the coordinates are too large for a middle.
-  cases::Number nearest = cells.empty() ? -1 : cells.front();
-  double least = std::numeric_limits<double>::infinity();
+  const double x = sum_x.value() / count, y = sum_y.value() / count;
+  NearestSeen nearest;
   for (const cases::Number cell : cells) {
     const physics::PlanPoint center = center_of(cell);
-    const double distance = std::hypot(center.x - x / count, center.y - y / count);
-    if (distance < least) {
-      least = distance;
-      nearest = cell;
-    }
+    nearest.note(std::hypot(center.x - x, center.y - y), cell);
   }
-  return nearest;
+  return nearest.nearest();
 }
 
 /// Both: `state_at` knows the states in any order, `state_of` those of the cells by their numbers.

@@ -29,6 +29,7 @@ MovingCells entries_of(const MovingCells& all, const Entries& entries) {
   part.numbers.boundaries = entries_of(all.numbers.boundaries, entries.boundaries);
   part.state = part_of(all.state, entries);
   if (all.notes) part.notes = part_of(*all.notes, entries);
+  part.infiltrated = fields::entries_of(all.infiltrated, entries.cells);
   return part;
 }
 
@@ -62,6 +63,8 @@ MovingCells united(const std::vector<MovingCells>& parts) {
                              places_in(all.numbers.boundaries, part.numbers.boundaries)};
     take_the_rest(all.state, part.state);
     put_part(part.state, entries, cells, boundaries, all.state);
+    if (!part.infiltrated.empty()) all.infiltrated.resize(cells);
+    place(part.infiltrated, entries.cells, all.infiltrated);
     if (!part.notes) continue;
     if (!all.notes) all.notes.emplace();
     take_the_rest(*all.notes, *part.notes);

@@ -13,11 +13,12 @@ struct MovingCells {
   Entries numbers;  ///< in the whole case, ascending; columns are in their order
   engine::State state;
   std::optional<engine::SavedNotes> notes;  ///< of steps that are watched
+  std::vector<double> infiltrated;          ///< at the last look, see PartLooks; or none
 
   /// For utils/bytes.hpp.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.numbers, self.state, self.notes);
+    visit(self.numbers, self.state, self.notes, self.infiltrated);
   }
 };
 

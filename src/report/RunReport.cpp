@@ -52,19 +52,6 @@ json sediment_json(const Books& books) {
           {"relative_error", books.relative_error()}};
 }
 
-/// That of the smallest characteristic length.
-cases::Number smallest_cell(const cases::Mesh& mesh) {
-  cases::Number smallest = -1;
-  double length = 0.0;
-  for (cases::Number cell = 0; cell < mesh.n_cells(); ++cell) {
-    const double of_cell = mesh.geometry_of(cell).char_length();
-    if (smallest >= 0 && !(of_cell < length)) continue;
-    smallest = cell;
-    length = of_cell;
-  }
-  return smallest;
-}
-
 }  // namespace
 
 RunReport::RunReport(std::string file, std::string data_file)
@@ -96,7 +83,7 @@ void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fie
   case_ = &contents;
   flow.watch();
   ledger_ = std::make_unique<VolumeLedger>(flow, contents);
-  smallest_cell_ = smallest_cell(contents.mesh);
+  smallest_cell_ = flow.looks(contents)->bounds().smallest;
   note_state();
 }
 
@@ -321,9 +308,9 @@ json RunReport::sighting(const Sighting& first) const {
 }
 
 json RunReport::below_zero() const {
-  const ColumnSurvey& depths = looks_->depths();
+  const fields::ColumnSurvey& depths = looks_->depths();
   return {{"cells_at_end", depths.below_zero},
-          {"missing_m3", depths.deficit},
+          {"missing_m3", depths.deficit.value()},
           {"share", depths.share()},
           {"deepest_m", depths.lowest},
           {"first_seen", sighting(looks_->first_below_zero())}};

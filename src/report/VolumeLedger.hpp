@@ -1,31 +1,16 @@
 // The books of a run in m3: what the domain holds, what came and went, and what is left over.
 #pragma once
 
-#include <array>
+#include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "case/Case.hpp"
-#include "case/boundary_kinds.hpp"
 #include "fields/Flow.hpp"
 #include "physics/rain.hpp"
-#include "report/CompensatedSum.hpp"
 
-/// What the boundaries of a kind let pass, m3.
-struct Passed {
-  int edges = 0;
-  CompensatedSum in, out;
-
-  void add(double volume) { (volume < 0.0 ? out : in).add(std::fabs(volume)); }
-
-  /// The edges are those of the case.
-  template <class Self, class Visit>
-  static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.in, self.out);
-  }
-};
-
-/// In the order of cases::boundary_kinds.
-using PassedByKind = std::array<Passed, cases::boundary_kinds.size()>;
+using fields::Passed;
+using fields::PassedByKind;
 
 /// The books of what is kept in one stock: the water above the ground, or the sediment with its
 /// pores.
@@ -55,12 +40,18 @@ class VolumeLedger {
   Books water() const;
   Books sediment() const;
   /// Momentum that the bound of draining films took away: sizes, over the density, m4/s.
-  double momentum_taken() const { return unseen_volume(&fields::UnseenDepth::taken_discharge); }
+  double momentum_taken() const { return seen_->volumes().taken_discharge.value(); }
 
   /// What the books hold so far, but for the rain clocks, which are those of the flow.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.initial_, self.water_passed_, self.sediment_passed_, self.rain_);
+    visit(self.initial_, self.rain_);
+    if constexpr (std::is_const_v<Self>) {
+      const fields::VolumesSeen now = self.seen_now();
+      visit(now.water_passed, now.sediment_passed);
+    } else {
+      visit(self.water_before_, self.sediment_before_);
+    }
   }
   /// By number of hyetogram.
   void set_rain_clocks(const std::vector<physics::RainClock>& clocks);
@@ -81,24 +72,17 @@ class VolumeLedger {
     physics::RainClock clock;
     double area;  ///< m2
   };
-  struct OpenBoundary {
-    int number;        ///< among the boundaries of the mesh
-    std::size_t kind;  ///< in cases::boundary_kinds
-  };
 
-  Stored stored() const;
-  /// What all cells hold of a field, times their areas, m3.
-  double volume_of(fields::Field field) const;
-  double unseen_volume(double fields::UnseenDepth::*depth) const;
-  void find_boundaries();
-  void add_boundary(int number, bool counts);
-  void find_rain();
+  /// What is there now, with what has passed the boundaries since the books began.
+  fields::VolumesSeen seen_now() const;
+  static Stored stored(const fields::VolumesSeen& seen);
+  void find_rain(const std::vector<utils::ExactSum>& areas);
 
-  const fields::Flow& flow_;
   const cases::Case& case_;
+  std::unique_ptr<fields::Looks> seen_;
   Stored initial_;
-  std::vector<OpenBoundary> boundaries_;
-  PassedByKind water_passed_, sediment_passed_;
+  PassedByKind water_before_{},
+      sediment_before_{};  ///< by an earlier run that this one goes on from
   std::vector<RainedCells> rained_;
-  CompensatedSum rain_;
+  utils::ExactSum rain_;
 };

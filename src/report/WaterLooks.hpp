@@ -3,13 +3,14 @@
 // part of the steps between two; what happens between them and is gone at the next remains unseen.
 #pragma once
 
+#include <memory>
+#include <type_traits>
 #include <vector>
 
 #include "case/Case.hpp"
 #include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
-#include "report/CompensatedSum.hpp"
-#include "report/column_survey.hpp"
+#include "utils/bytes.hpp"
 
 /// When and where something was seen first; cell -1: never.
 struct Sighting {
@@ -39,7 +40,7 @@ class WaterLooks {
   }
 
   /// Of the last look; without a depth below zero it holds nothing else either.
-  const ColumnSurvey& depths() const { return depths_; }
+  const fields::ColumnSurvey& depths() const { return depths_; }
   /// In the deepest of the cells that were below zero.
   const Sighting& first_below_zero() const { return first_below_zero_; }
 
@@ -58,30 +59,31 @@ class WaterLooks {
   /// All that further looks go on with.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.infiltrated_before_, self.looked_at_, self.looks_, self.most_films_, self.depths_,
-          self.given_out_, self.first_below_zero_, self.first_given_out_, self.first_film_,
+    std::vector<double> infiltrated;
+    if constexpr (std::is_const_v<Self>) self.seen_->save(infiltrated);
+    visit(infiltrated);
+    if constexpr (!std::is_const_v<Self>) self.go_on_from(infiltrated);
+    visit(self.looked_at_, self.looks_, self.most_films_, self.depths_, self.given_out_,
+          self.first_below_zero_, self.first_given_out_, self.first_film_,
           self.state_of_first_film_);
   }
 
  private:
-  void look_for_depths_below_zero();
-  void look_for_films();
-  void look_at_soils();
-  /// Of a cell, m2; all of them are computed when one is asked for first.
-  double area(std::size_t cell);
+  void note_depths_below_zero(const fields::WaterSeen& seen);
+  void note_films(const fields::WaterSeen& seen);
+  void note_given_out(const fields::WaterSeen& seen);
+  /// Throws utils::BadBytes where these are not as many depths as there are cells with soils.
+  void go_on_from(const std::vector<double>& infiltrated);
 
   const fields::Flow& flow_;
-  const cases::Case& case_;
   const fields::Clock& clock_;
-  std::vector<double> h_, qx_, qy_;
-  std::vector<double> areas_;
-  std::vector<double> infiltrated_, infiltrated_before_;  ///< empty without soils
-  std::vector<bool> recovers_;                            ///< by the number of the soil
+  std::size_t cells_with_soils_;  ///< all cells or none
+  std::unique_ptr<fields::Looks> seen_;
 
   long looked_at_ = -1;  ///< step
   long looks_ = 0, most_films_ = 0;
-  ColumnSurvey depths_;
-  CompensatedSum given_out_;
+  fields::ColumnSurvey depths_;
+  utils::ExactSum given_out_;
   Sighting first_below_zero_, first_given_out_, first_film_;
   fields::CellState state_of_first_film_;
 };

@@ -75,7 +75,7 @@ TEST_F(CheckpointFile, OfAnotherFormatIsToldFromADamagedOne) {
   std::string older = whole, turned = whole;
   older[12] = 0;
   EXPECT_EQ(trouble_with(older),
-            "it is of version 0 of the format, and this program reads version 3");
+            "it is of version 0 of the format, and this program reads version 4");
   std::swap(turned[8], turned[11]);
   std::swap(turned[9], turned[10]);
   EXPECT_EQ(trouble_with(turned), "it was written by a machine with another order of bytes");

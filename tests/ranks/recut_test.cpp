@@ -22,6 +22,7 @@ struct Seen {
   std::vector<physics::StepNotes> notes;          ///< of every step, of a run that is watched
   std::vector<engine::BoundaryInflow> inflows;    ///< of all boundaries, step by step
   std::vector<utils::Bytes> states, saved_notes;  ///< every ten steps
+  std::vector<utils::Bytes> looks;                ///< likewise, with the books of a watched run
 };
 
 class Recut : public PartsOfCourse {
@@ -36,12 +37,17 @@ class Recut : public PartsOfCourse {
     flow.keep_maxima(arrival_depth);
     fields::Clock clock = fields::clock_at_start(contents, flow);
     if (is_watched) flow.watch();
+    const auto looks = flow.looks(contents);
     for (int step = 0; step < steps; ++step) {
       if (step % steps_between_cuts == 0) {
         look(flow, is_watched, seen);
+        utils::put_into(seen.looks.emplace_back(), looks->water());
+        if (is_watched) utils::put_into(seen.looks.emplace_back(), looks->volumes());
         recut();
       }
+      const double dt = clock.dt;
       fields::advance(flow, contents, clock);
+      if (is_watched) looks->add_step(dt);
       EXPECT_FALSE(clock.has_collapsed());
       seen.steps.push_back(clock.dt);
       if (is_watched) seen.notes.push_back(flow.notes());
@@ -67,6 +73,7 @@ class Recut : public PartsOfCourse {
     EXPECT_TRUE(bytes_of(seen.notes) == bytes_of(expected.notes));
     EXPECT_TRUE(seen.states == expected.states);
     EXPECT_TRUE(seen.saved_notes == expected.saved_notes);
+    EXPECT_TRUE(seen.looks == expected.looks);
     ASSERT_EQ(seen.inflows.size(), expected.inflows.size());
     for (std::size_t k = 0; k < seen.inflows.size(); ++k) {
       EXPECT_EQ(seen.inflows[k].water, expected.inflows[k].water) << k;

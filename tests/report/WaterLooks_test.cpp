@@ -93,7 +93,7 @@ TEST_F(WaterLooksTest, KeepTheFirstSightAndTheLastVolume) {
   EXPECT_EQ(looks.first_below_zero().t, 5.0);
   EXPECT_EQ(looks.first_below_zero().cell, 1);
   EXPECT_EQ(looks.depths().below_zero, 1);
-  EXPECT_DOUBLE_EQ(looks.depths().deficit, 0.2);
+  EXPECT_DOUBLE_EQ(looks.depths().deficit.value(), 0.2);
   EXPECT_DOUBLE_EQ(looks.depths().share(), 0.4);
   flow.columns[Field::depth] = {1, 1};
   after(10);

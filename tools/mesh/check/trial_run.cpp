@@ -14,8 +14,8 @@
 #include <nlohmann/json.hpp>
 
 #include "case/keys.hpp"
+#include "fields/ColumnSurvey.hpp"
 #include "quillmere/simulation.hpp"
-#include "report/column_survey.hpp"
 #include "support/Error.hpp"
 #include "support/TemporaryFolder.hpp"
 #include "support/child_process.hpp"
@@ -77,10 +77,10 @@ int threads_of_environment() {
   return text == nullptr ? 0 : std::max(std::atoi(text), 0);
 }
 
-ColumnSurvey depths_of(const quillmere::Simulation& simulation) {
+fields::ColumnSurvey depths_of(const quillmere::Simulation& simulation) {
   const std::vector<double> depths = simulation.read(quillmere::Field::depth);
   const std::vector<double> areas = simulation.areas();
-  ColumnSurvey survey;
+  fields::ColumnSurvey survey;
   for (std::size_t i = 0; i < depths.size(); ++i) {
     survey.add(static_cast<int>(i), depths[i], areas[i]);
   }
@@ -114,7 +114,7 @@ Measurement measure(const std::string& data_file) {
   rusage usage{};
   getrusage(RUSAGE_SELF, &usage);
   result.memory_bytes = 1024.0 * static_cast<double>(usage.ru_maxrss);
-  const ColumnSurvey depths = depths_of(simulation);
+  const fields::ColumnSurvey depths = depths_of(simulation);
   result.share_below_zero = depths.share();
   result.deepest_cell = depths.lowest_cell;
   return result;

@@ -1,4 +1,4 @@
-#include "report/column_survey.hpp"
+#include "fields/ColumnSurvey.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,17 +6,19 @@
 
 namespace {
 
+using fields::ColumnSurvey;
+
 TEST(ColumnSurvey, TakesRoundingForZero) {
   ColumnSurvey survey;
   survey.add(0, -1e-9, 1.0);
   survey.add(1, 2.0, 0.5);
   EXPECT_EQ(survey.below_zero, 0);
   EXPECT_EQ(survey.share(), 0.0);
-  EXPECT_EQ(survey.held, 1.0);
+  EXPECT_EQ(survey.held.value(), 1.0);
   survey.add(2, -1e-3, 2.0);
   survey.add(3, -2e-3, 2.0);
   EXPECT_EQ(survey.below_zero, 2);
-  EXPECT_DOUBLE_EQ(survey.deficit, 6e-3);
+  EXPECT_DOUBLE_EQ(survey.deficit.value(), 6e-3);
   EXPECT_DOUBLE_EQ(survey.share(), 6e-3 / 1.006);
   EXPECT_EQ(survey.lowest, -2e-3);
   EXPECT_EQ(survey.lowest_cell, 3);
@@ -29,7 +31,7 @@ TEST(ColumnSurvey, CountsWhatIsNoNumberAndKeepsItOutOfTheSums) {
   EXPECT_EQ(survey.not_finite, 2);
   EXPECT_EQ(survey.not_finite_cell, 4);
   EXPECT_EQ(survey.below_zero, 0);
-  EXPECT_EQ(survey.deficit, 0.0);
+  EXPECT_EQ(survey.deficit.value(), 0.0);
 }
 
 }  // namespace
