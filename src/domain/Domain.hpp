@@ -19,6 +19,7 @@
 #include "fields/make_flow.hpp"
 #include "output/CMonitorSection.hpp"
 #include "output/CPicture.hpp"
+#include "output/GatheredFields.hpp"
 #include "output/Gauge.hpp"
 #include "output/MaximaFile.hpp"
 #include "output/ResultsFile.hpp"
@@ -65,8 +66,8 @@ class Domain {
   double simulated() const { return clock_.t - t_begin_; }
   /// Number of the cell that contains a point of the plane; -1 if there is none.
   cases::Number CellWithPoint(double x, double y) const;
-  /// Body of the envelope writer.
-  bool Write_Umax();
+  /// Hands the largest depths over to be written.
+  void Write_Umax();
 
  private:
   // Set-up.
@@ -156,7 +157,7 @@ class Domain {
   double outputs_done_ = -HUGE_VAL;               ///< what was due up to this time is taken, s
   double next_enveloppe_time = 0.0;               ///< s
   mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
-  std::vector<double> umax_buffer;                ///< largest depths for the writer, m
+  GatheredFields envelope_{case_.mesh, {{fields::Field::largest_depth}}};
   std::string envelope_file_;
   utils::WriterThread envelope_writer_;
   bool has_lost_snapshot_ = false;  ///< of a failure, or of the end

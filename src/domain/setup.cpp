@@ -135,7 +135,6 @@ void Domain::set_other_parameters() {
       << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'
       << "  ZERO depth: " << case_.zero_depth << '\n';
   utils::print_delimitator(log);
-  umax_buffer.resize(cases::at(case_.mesh.n_cells()));
 }
 
 void Domain::warn_of_implausible_input() {

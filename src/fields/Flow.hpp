@@ -8,6 +8,7 @@
 #include "engine/State.hpp"
 #include "engine/step_values.hpp"
 #include "fields/Field.hpp"
+#include "fields/Rows.hpp"
 #include "fields/looks.hpp"
 #include "physics/flow_extremes.hpp"
 
@@ -92,6 +93,8 @@ class Flow {
   /// Looks at all cells at once, those of this case, from now on: which must live as long, as must
   /// the flow.
   virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
+  /// The rows of a table of all cells of a mesh, which must live as long, as must the flow.
+  virtual std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const;
   virtual ExecutionPath execution_path() const = 0;
 
   /// From now on the maxima of the flow are kept, with the states that steps begin with.

@@ -150,9 +150,44 @@ void FlowOfRank::watch() {
 }
 
 PartLooks& FlowOfRank::looks() {
-  if (!own_part_) own_part_ = std::make_unique<OwnPart>(*this);
-  if (!looks_) looks_ = std::make_unique<PartLooks>(*own_part_);
+  if (!looks_) looks_ = std::make_unique<PartLooks>(own_part());
   return *looks_;
+}
+
+const FlowPart& FlowOfRank::own_part() {
+  if (!own_part_) own_part_ = std::make_unique<OwnPart>(*this);
+  return *own_part_;
+}
+
+const ranks::RowPlan& FlowOfRank::row_plan() {
+  if (row_plan_) return *row_plan_;
+  std::vector<Number> own;
+  for (Number k = 0; k < own_part().count(); ++k) own.push_back(own_part().number(k));
+  return row_plan_.emplace(own, group_);
+}
+
+void FlowOfRank::read_rows(const std::vector<Field>& fields, std::vector<double>& values) {
+  const std::size_t own = at(own_part().count());
+  own_values_.resize(own * fields.size());
+  for (std::size_t k = 0; k < fields.size(); ++k) {
+    fields_->read(fields[k], std::span(own_values_).subspan(k * own, own));
+  }
+  values.resize(row_plan().rows() * fields.size());
+  row_plan().send(own_values_, values, group_);
+}
+
+void FlowOfRank::centres_of_rows(std::vector<double>& values) {
+  const std::size_t own = at(own_part().count());
+  own_values_.resize(3 * own);
+  for (std::size_t k = 0; k < own; ++k) {
+    const Number cell = own_part().in_case(static_cast<Number>(k));
+    const physics::SpacePoint center = part_.contents.mesh.center_of(cell);
+    own_values_[k] = center.x;
+    own_values_[own + k] = center.y;
+    own_values_[2 * own + k] = center.z;
+  }
+  values.resize(row_plan().rows() * 3);
+  row_plan().send(own_values_, values, group_);
 }
 
 Seen FlowOfRank::see(const Look& look) {

@@ -16,6 +16,7 @@
 #include "fields/TableFields.hpp"
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
+#include "ranks/RowPlan.hpp"
 #include "ranks/share_of.hpp"
 
 namespace fields {
@@ -96,6 +97,11 @@ class FlowOfRank {
   Seen see(const Look& look);
   void save_looks(std::vector<double>& infiltrated);
 
+  // What the ranks of the rows gather, column by column.
+  void read_rows(const std::vector<Field>& fields, std::vector<double>& values);
+  /// x, y and z, m.
+  void centres_of_rows(std::vector<double>& values);
+
   // What rank 0 hands out; it is not looked at on the others.
   void load(const engine::State& state);
   void load_notes(const engine::SavedNotes& notes);
@@ -133,6 +139,8 @@ class FlowOfRank {
   void save_own(engine::State& state);
   void load_own(engine::State own);
   PartLooks& looks();
+  const ranks::RowPlan& row_plan();
+  const FlowPart& own_part();
 
   ranks::Group& group_;
   cases::Part part_;
@@ -142,6 +150,7 @@ class FlowOfRank {
   std::unique_ptr<TableFields> fields_;
   std::unique_ptr<FlowPart> own_part_;
   std::unique_ptr<PartLooks> looks_;  ///< null: nobody has looked yet
+  std::optional<ranks::RowPlan> row_plan_;
   bool is_watched_ = false;
   RankStart start_;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;

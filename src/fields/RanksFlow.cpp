@@ -44,6 +44,8 @@ enum class Task {
   look,
   save_looks,
   load_looks,
+  gather_rows,
+  pass_rows,
   end
 };
 
@@ -56,7 +58,9 @@ void require_scheme_takes(const cases::Case& contents) {
 struct Order {
   Task task;
   Field field = Field::depth;
-  Number number = 0;  ///< a cell, or how many
+  Number number = 0;  ///< a cell, a table, or how many
+  int rank = 0;
+  std::size_t bytes = 0;
   double value = 0.0;
   StepTimes times = {};
 };
@@ -103,6 +107,12 @@ void see(FlowOfRank& part, ranks::Group& group) {
   part.see(look);
 }
 
+void gather_rows(int table, RowsOfRank& rows, FlowOfRank& part, ranks::Group& group) {
+  RowsRequest request;
+  ranks::broadcast_in(group, request);
+  rows.gather(table, request, part);
+}
+
 /// Does what rank 0 orders until it ends the flow.
 void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
@@ -110,6 +120,7 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
   engine::State no_state;
   engine::SavedNotes no_notes;
   std::vector<double> no_values;
+  RowsOfRank rows(group);
   while (true) {
     Order order{};
     ranks::broadcast_plain(group, order);
@@ -172,6 +183,12 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
       case Task::load_looks:
         part.load_looks({});
         break;
+      case Task::gather_rows:
+        gather_rows(order.number, rows, part, group);
+        break;
+      case Task::pass_rows:
+        rows.pass(order.number, order.rank, order.bytes);
+        break;
       case Task::end:
         return;
     }
@@ -216,6 +233,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
     : case_(contents),
       diagnostics_(diagnostics),
       on_stop_(request.on_stop),
+      largest_text_(request.largest_text),
       are_balanced_(request.are_balanced),
       plan_{request.cut(contents.mesh, request.group->size()), 1, processor} {
   require_scheme_takes(contents);
@@ -230,6 +248,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
   // To share the cells out again will take as long, for all that is known.
   balance_.emplace(engine::seconds_of_thread() - begun);
   plan_.cells = {};
+  rows_ = std::make_unique<RowsOfRank>(*group_);
   const RankStart& start = part_->start();
   switch (start.outcome) {
     case RankStart::Outcome::no_room_in_tables:
@@ -393,6 +412,42 @@ class RanksFlow::LooksOfRanks final : public Looks {
 
 std::unique_ptr<Looks> RanksFlow::looks(const cases::Case&) const {
   return std::make_unique<LooksOfRanks>(*this);
+}
+
+/// A table of which every rank has rows.
+class RanksFlow::RowsOfRanks final : public Rows {
+ public:
+  RowsOfRanks(const RanksFlow& flow, int table, RowsRequest request)
+      : flow_(flow), table_(table), request_(std::move(request)) {}
+
+  void gather() override {
+    tell(flow_.waiting_ranks(), {.task = Task::gather_rows, .number = table_});
+    ranks::broadcast_out(*flow_.group_, request_);
+    own_ = &flow_.rows_->gather(table_, request_, *flow_.part_);
+    from_ = 1;
+  }
+  void add_own_to(utils::CellTable& table) const override { own_->add_to(table); }
+  bool has_others() const override { return flow_.group_->size() > 1; }
+  std::optional<RowText> next() override {
+    const std::size_t largest = flow_.largest_text_;
+    tell(flow_.waiting_ranks(),
+         {.task = Task::pass_rows, .number = table_, .rank = from_, .bytes = largest});
+    std::optional<RowText> piece = flow_.rows_->pass(table_, from_, largest);
+    if (!piece || !piece->is_last) return piece;
+    piece->is_last = ++from_ == flow_.group_->size();
+    return piece;
+  }
+
+ private:
+  const RanksFlow& flow_;
+  int table_;
+  RowsRequest request_;
+  const RowsOfRank::Table* own_ = nullptr;
+  int from_ = 1;  ///< whose text comes next
+};
+
+std::unique_ptr<Rows> RanksFlow::rows(const cases::Mesh&, const RowsRequest& request) const {
+  return std::make_unique<RowsOfRanks>(*this, tables_++, request);
 }
 
 ExecutionPath RanksFlow::execution_path() const {

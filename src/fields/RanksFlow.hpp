@@ -10,6 +10,7 @@
 
 #include "case/Diagnostics.hpp"
 #include "fields/FlowOfRank.hpp"
+#include "fields/RowsOfRank.hpp"
 #include "ranks/Balance.hpp"
 #include "ranks/Curve.hpp"
 #include "ranks/cut_along_curve.hpp"
@@ -24,6 +25,9 @@ struct RanksRequest {
       ranks::cut_along_curve;
   /// Whether cells get other ranks in the course of the run where some have less to do than others.
   bool are_balanced = true;
+  /// Bytes of text that go to rank 0 at once: so many that a disk is busy with them for longer than
+  /// a message takes, and few beside the tables of a rank.
+  std::size_t largest_text = std::size_t{16} << 20;
   /// Called after a step in which another rank was asked to end the run.
   std::function<void()> on_stop = {};
 };
@@ -58,6 +62,7 @@ class RanksFlow : public Flow {
   CellState state(cases::Number cell) const override;
   FlowSurvey survey() const override;
   std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
+  std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const override;
   ExecutionPath execution_path() const override;
 
   void keep_maxima(double arrival_depth) override;
@@ -75,6 +80,7 @@ class RanksFlow : public Flow {
 
  private:
   class LooksOfRanks;
+  class RowsOfRanks;
   Seen see(Look look) const;
 
   /// The ranks, who wait for an order.
@@ -93,10 +99,13 @@ class RanksFlow : public Flow {
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;
   std::function<void()> on_stop_;
+  std::size_t largest_text_;
   bool are_balanced_;
   RanksPlan plan_;                       ///< its cells are empty, but while they are dealt out
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
+  std::unique_ptr<RowsOfRank> rows_;
+  mutable int tables_ = 0;     ///< that rows were asked for
   bool is_under_way_ = false;  ///< the others have begun the next step, at the time of the clock
   Clock clock_;                ///< after the last step
   double pause_ = -HUGE_VAL;   ///< for which the next step asks, s

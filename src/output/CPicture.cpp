@@ -46,5 +46,5 @@ void CPicture::go_on(const SnapshotPosition& position, double done) {
 void CPicture::WriteMeasure(const fields::Flow& flow) {
   writer_.wait();
   snapshot_.gather(flow);
-  writer_.hand_over([this, snapshot = next_++] { return snapshot_.write(names_[snapshot]); });
+  snapshot_.hand_over(writer_, names_[next_++]);
 }

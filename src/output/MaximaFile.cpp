@@ -15,13 +15,12 @@ std::vector<fields::Field> fields_of_columns() {
 }  // namespace
 
 MaximaFile::MaximaFile(std::string name, const cases::Mesh& mesh)
-    : name_(std::move(name)), values_(mesh, fields_of_columns()) {}
+    : name_(std::move(name)),
+      values_(mesh, {fields_of_columns(), utils::CellTable::Bed::first_value}) {}
 
 void MaximaFile::WriteMeasure(fields::Flow& flow, double t) {
   flow.note_maxima(t);
   writer_.wait();
   values_.gather(flow);
-  writer_.hand_over([this] {
-    return values_.write(name_, fields::maxima_header(), utils::CellTable::Bed::first_value);
-  });
+  values_.hand_over(writer_, name_, fields::maxima_header() + '\n');
 }

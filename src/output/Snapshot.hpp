@@ -15,7 +15,9 @@ class Snapshot {
   /// Takes the present flow.
   void gather(const fields::Flow& flow) { values_.gather(flow); }
   /// Writes what was gathered last; false if the run must end, which has been said.
-  bool write(const std::string& name) const;
+  bool write(const std::string& name);
+  /// Lets a writer do so.
+  void hand_over(utils::WriterThread& writer, const std::string& name);
 
  private:
   fields::SnapshotColumns columns_;

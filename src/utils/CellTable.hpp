@@ -19,6 +19,8 @@ class CellTable {
   CellTable(const std::string& name, std::string_view header, Bed bed = Bed::z_of_the_centre);
 
   void add_row(double x, double y, double z, std::span<const double> values);
+  /// Adds rows that put_row() made.
+  void add_rows(std::string_view rows);
   /// Puts the complete file in its place; see WholeFile.
   bool commit() { return file_.commit(text_); }
 
@@ -27,5 +29,9 @@ class CellTable {
   TextBuffer text_;
   Bed bed_;
 };
+
+/// The text of a row of such a table.
+void put_row(TextBuffer& text, CellTable::Bed bed, double x, double y, double z,
+             std::span<const double> values);
 
 }  // namespace utils

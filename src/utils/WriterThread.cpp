@@ -1,10 +1,13 @@
 #include "utils/WriterThread.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <exception>
 #include <iostream>
+#include <iterator>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace utils {
@@ -17,6 +20,18 @@ struct Writers {
   std::vector<WriterThread*> list;
 };
 Writers& writers = *new Writers;
+
+/// They live as long as their thread does nothing else.
+std::vector<WriterThread*> writers_of_this_thread() {
+  const std::lock_guard lock(writers.mutex);
+  std::vector<WriterThread*> own;
+  std::copy_if(writers.list.begin(), writers.list.end(), std::back_inserter(own),
+               [](const WriterThread* writer) { return writer->belongs_to_this_thread(); });
+  return own;
+}
+
+/// How many have work that comes in pieces.
+std::atomic<int> work_in_pieces = 0;
 
 void warn_of_missing_thread(const std::system_error& error) {
   static std::atomic_flag is_said;
@@ -49,25 +64,70 @@ WriterThread::~WriterThread() {
 
 void WriterThread::hand_over(Work work) {
   wait();
-  if (!has_thread()) {
-    do_work(work);
-    return;
-  }
+  start(std::move(work), false);
+}
+
+void WriterThread::start(Work work, bool has_more) {
+  const bool is_for_thread = has_thread();
+  if (!is_for_thread) do_work(work);
   {
     const std::lock_guard lock(mutex_);
-    work_ = std::move(work);
+    has_more_ = has_more;
+    if (is_for_thread) work_ = std::move(work);
   }
   changed_.notify_all();
 }
 
+void WriterThread::hand_over_pieces(Pieces pieces) {
+  wait();
+  pieces_ = std::move(pieces);
+  ++work_in_pieces;
+  {
+    const std::lock_guard lock(mutex_);
+    has_more_ = true;
+  }
+  go_on();
+}
+
+bool WriterThread::can_go_on() {
+  if (!pieces_) return false;
+  const std::lock_guard lock(mutex_);
+  return !work_;
+}
+
+void WriterThread::go_on() {
+  if (!can_go_on()) return;
+  std::optional<Piece> piece = pieces_();
+  if (!piece) return;
+  if (piece->is_last) {
+    pieces_ = nullptr;
+    --work_in_pieces;
+  }
+  start(std::move(piece->work), !piece->is_last);
+}
+
 void WriterThread::wait() {
+  constexpr std::chrono::milliseconds pause{1};
+  while (belongs_to_this_thread() && work_in_pieces > 0) {
+    // What is waited for may wait for another writer: none stands still meanwhile.
+    go_on();
+    go_on_with_writers();
+    std::unique_lock lock(mutex_);
+    if (!work_ && !has_more_) return;
+    if (work_) {
+      changed_.wait_for(lock, pause, [this] { return !work_; });
+    } else {
+      lock.unlock();
+      std::this_thread::sleep_for(pause);
+    }
+  }
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return !work_; });
+  changed_.wait(lock, [this] { return !work_ && !has_more_; });
 }
 
 bool WriterThread::is_busy() {
   const std::lock_guard lock(mutex_);
-  return static_cast<bool>(work_);
+  return work_ || has_more_;
 }
 
 bool WriterThread::has_thread() {
@@ -102,9 +162,19 @@ void WriterThread::do_work(const Work& work) {
   }
 }
 
+void go_on_with_writers() {
+  if (work_in_pieces == 0) return;
+  for (WriterThread* const writer : writers_of_this_thread()) writer->go_on();
+}
+
+bool can_go_on_with_writers() {
+  if (work_in_pieces == 0) return false;
+  const std::vector<WriterThread*> own = writers_of_this_thread();
+  return std::any_of(own.begin(), own.end(), [](WriterThread* w) { return w->can_go_on(); });
+}
+
 void wait_for_writers() {
-  const std::lock_guard lock(writers.mutex);
-  for (WriterThread* const writer : writers.list) writer->wait();
+  for (WriterThread* const writer : writers_of_this_thread()) writer->wait();
 }
 
 }  // namespace utils

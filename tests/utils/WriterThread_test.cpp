@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <optional>
 #include <semaphore>
 #include <set>
 #include <stdexcept>
@@ -136,6 +137,70 @@ TEST(WriterThread, WithoutAThreadTheWorkIsDoneBeforeTheLoopGoesOn) {
   EXPECT_EQ(GetCapturedStderr(),
             "Warning: a thread that writes results couldn't be started (Resource temporarily "
             "unavailable). The run waits for such results instead; they stay the same.\n");
+}
+
+TEST(WriterThread, AsksForThePiecesOfItsWorkAsTheyCome) {
+  using Piece = utils::WriterThread::Piece;
+  utils::WriterThread writer;
+  std::vector<int> written;
+  int asked = 0;
+  bool is_there = true;
+  std::binary_semaphore may_end{0};
+  writer.hand_over_pieces([&]() -> std::optional<Piece> {
+    if (!is_there) return {};
+    return Piece{[&, number = asked++] {
+                   if (number == 0) may_end.acquire();
+                   written.push_back(number);
+                   return number != 1;
+                 },
+                 asked == 4};
+  });
+  for (int step = 0; step < 3; ++step) utils::go_on_with_writers();
+  EXPECT_EQ(asked, 1);  // while the first one is under way
+  EXPECT_TRUE(writer.is_busy());
+  is_there = false;
+  may_end.release();
+  for (int step = 0; step < 3; ++step) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    utils::go_on_with_writers();
+  }
+  EXPECT_EQ(asked, 1);
+  EXPECT_TRUE(writer.is_busy());  // the rest is still to come
+  is_there = true;
+  writer.wait();
+  EXPECT_EQ(written, (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_FALSE(writer.is_busy());
+  EXPECT_TRUE(writer.has_failed());
+}
+
+TEST(WriterThread, GoesOnWithOthersWhileItWaits) {
+  using Piece = utils::WriterThread::Piece;
+  utils::WriterThread results;
+  int pieces = 0;
+  results.hand_over_pieces([&]() -> std::optional<Piece> {
+    ++pieces;
+    return Piece{[] { return true; }, pieces == 5};
+  });
+  utils::WriterThread checkpoint;
+  checkpoint.hand_over([&] {
+    results.wait();  // in another thread, which cannot go on with them
+    return true;
+  });
+  checkpoint.wait();
+  EXPECT_EQ(pieces, 5);
+}
+
+TEST(WriterThread, FinishesThePiecesOfItsWorkBeforeItsEnd) {
+  using Piece = utils::WriterThread::Piece;
+  int pieces = 0, written = 0;
+  {
+    utils::WriterThread writer;
+    writer.hand_over_pieces([&]() -> std::optional<Piece> {
+      if (++pieces % 2 == 0) return {};
+      return Piece{[&] { return ++written > 0; }, pieces == 9};
+    });
+  }
+  EXPECT_EQ(written, 5);
 }
 
 TEST(WaitForWriters, WaitsForAllOfThem) {
