@@ -26,7 +26,8 @@ std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team,
 Tables make_tables(const cases::Case& contents, const cases::Part* part, ThreadTeam& team,
                    int cells_per_patch, const Processor& processor) {
   const bool is_on_device = processor.device != Device::none;
-  if (cells_per_patch == 0 && is_on_device) cells_per_patch = device::cells_per_patch;
+  if (cells_per_patch == 0 && is_on_device)
+    cells_per_patch = device::cells_per_patch(contents.scheme);
   return part != nullptr ? make_tables(*part, team, cells_per_patch)
                          : make_tables(contents, team, cells_per_patch);
 }

@@ -14,10 +14,13 @@ namespace kernels {
 /// Cells that the loops take at once.
 inline constexpr int hll_block = 16;
 
-/// Water and bed of the cells of a patch and of the two rings around it.
-struct HllWaterColumns {
-  double *h, *u, *v, *drag, *bed;  ///< see physics::HllNeighbour
+/// Water and bed of the cells of a patch and of the two rings around it. Like all columns in the
+/// scratch of a patch these are plain pointers, or a type that watches over their use.
+template <class Column>
+struct HllWaterColumnsWith {
+  Column h, u, v, drag, bed;  ///< see physics::HllNeighbour
 };
+using HllWaterColumns = HllWaterColumnsWith<double*>;
 
 /// Static columns of the cells with edge states, interleaved block by block: all numbers of
 /// hll_block cells, then those of the next; the weights likewise.
@@ -29,17 +32,21 @@ struct HllCellColumns {
 };
 
 /// States of the edges in second order: that of edge k of cell i is number k * stride + i.
-struct HllEdgeColumns {
-  double *h, *e, *u, *v, *cap;
-  double *source_x, *source_y;  ///< of the cells, m2/s2
+template <class Column>
+struct HllEdgeColumnsWith {
+  Column h, e, u, v, cap;
+  Column source_x, source_y;  ///< of the cells, m2/s2
   int stride;
 };
+using HllEdgeColumns = HllEdgeColumnsWith<double*>;
 
 /// States of the cells in first order, which all their edges share.
-struct HllCellStates {
-  HllWaterColumns waters;
-  double *share, *celerity_length;  ///< see physics::HllCellState
+template <class Column>
+struct HllCellStatesWith {
+  HllWaterColumnsWith<Column> waters;
+  Column share, celerity_length;  ///< see physics::HllCellState
 };
+using HllCellStates = HllCellStatesWith<double*>;
 
 /// Where the numbers of a cell begin in a column of so many per cell; they are hll_block apart.
 QM_HD inline int hll_begin(int i, int numbers) {
@@ -80,9 +87,10 @@ QM_HD inline physics::SlopeWeights hll_weights(const float* from) {
 }
 
 /// The water of cell i of the tables, into entry k.
-template <bool friction>
-QM_HD inline void store_hll_water(const CellColumns& cells, int i, const HllWaterColumns& waters,
-                                  int k, double zero_depth) {
+template <bool friction, class Column>
+QM_HD inline void store_hll_water(const CellColumns& cells, int i,
+                                  const HllWaterColumnsWith<Column>& waters, int k,
+                                  double zero_depth) {
   const double resistance = friction ? physics::manning_resistance(cells.manning[i]) : 0.0;
   const physics::PrimitiveWater water = physics::primitive_water<friction>(
       cells.h[i], cells.qx[i], cells.qy[i], resistance, zero_depth);
@@ -93,11 +101,13 @@ QM_HD inline void store_hll_water(const CellColumns& cells, int i, const HllWate
   waters.bed[k] = cells.bed[i];
 }
 
-QM_HD inline physics::HllNeighbour hll_neighbour(const HllWaterColumns& waters, int k) {
+template <class Column>
+QM_HD inline physics::HllNeighbour hll_neighbour(const HllWaterColumnsWith<Column>& waters, int k) {
   return {{waters.h[k], waters.u[k], waters.v[k], waters.drag[k]}, waters.bed[k]};
 }
 
-QM_HD inline void store_hll_state(const HllEdgeColumns& edges, int k,
+template <class Column>
+QM_HD inline void store_hll_state(const HllEdgeColumnsWith<Column>& edges, int k,
                                   const physics::HllEdgeState& state) {
   edges.h[k] = state.h;
   edges.e[k] = state.e;
@@ -107,21 +117,25 @@ QM_HD inline void store_hll_state(const HllEdgeColumns& edges, int k,
 }
 
 /// State k on an edge that leads out of its cell.
-QM_HD inline physics::HllEdgeState hll_state(const HllEdgeColumns& edges, int k,
+template <class Column>
+QM_HD inline physics::HllEdgeState hll_state(const HllEdgeColumnsWith<Column>& edges, int k,
                                              const physics::Edge&) {
   return {edges.h[k], edges.e[k], edges.u[k], edges.v[k], edges.cap[k]};
 }
-QM_HD inline physics::HllEdgeState hll_state(const HllCellStates& cells, int k,
+template <class Column>
+QM_HD inline physics::HllEdgeState hll_state(const HllCellStatesWith<Column>& cells, int k,
                                              const physics::Edge& edge) {
-  const HllWaterColumns& w = cells.waters;
+  const HllWaterColumnsWith<Column>& w = cells.waters;
   return physics::hll_edge_state(
       {w.h[k], w.bed[k] + w.h[k], w.u[k], w.v[k], cells.share[k], cells.celerity_length[k]}, edge);
 }
 
 /// The state of cell i of the tables in first order, which is entry k of its patch; its geometry
 /// stands there.
+template <class Column>
 QM_HD inline void store_hll_cell_state(const CellColumns& cells, int i, const double* geometry,
-                                       int k, const HllCellStates& states, const StepValues& step) {
+                                       int k, const HllCellStatesWith<Column>& states,
+                                       const StepValues& step) {
   constexpr bool no_friction = false;  // drag is for the predictor of the second order
   store_hll_water<no_friction>(cells, i, states.waters, k, step.zero_depth);
   const physics::HllCellState state =
@@ -136,14 +150,21 @@ struct HllSlopesOfBlock {
   double u_x[hll_block], u_y[hll_block], v_x[hll_block], v_y[hll_block];
 };
 
-/// The slopes of cell i of a patch, into entry k of its block; its geometry and weights stand
-/// there, its neighbours are these.
+/// The slopes of cell i of a patch; its geometry and weights stand there, its neighbours are these.
+template <class Column>
+QM_HD inline physics::HllSlopes hll_slopes(const HllWaterColumnsWith<Column>& waters,
+                                           const double* geometry, const float* weights, int n0,
+                                           int n1, int n2, int i, const StepValues& step) {
+  return physics::hll_slopes(hll_neighbour(waters, i), hll_neighbour(waters, n0),
+                             hll_neighbour(waters, n1), hll_neighbour(waters, n2),
+                             hll_cell(geometry), hll_weights(weights), step.zero_depth);
+}
+
+/// The same, into entry k of its block.
 QM_HD inline void store_hll_slopes(const HllWaterColumns& waters, const double* geometry,
                                    const float* weights, int n0, int n1, int n2, int i,
                                    HllSlopesOfBlock& slopes, int k, const StepValues& step) {
-  const physics::HllSlopes s = physics::hll_slopes(
-      hll_neighbour(waters, i), hll_neighbour(waters, n0), hll_neighbour(waters, n1),
-      hll_neighbour(waters, n2), hll_cell(geometry), hll_weights(weights), step.zero_depth);
+  const physics::HllSlopes s = hll_slopes(waters, geometry, weights, n0, n1, n2, i, step);
   slopes.e_x[k] = s.e.x;
   slopes.e_y[k] = s.e.y;
   slopes.h_x[k] = s.h.x;
@@ -154,8 +175,21 @@ QM_HD inline void store_hll_slopes(const HllWaterColumns& waters, const double* 
   slopes.v_y[k] = s.v.y;
 }
 
-/// The edge states of cell i of a patch, of the slopes in entry k of its block; its geometry stands
-/// there.
+/// The edge states of cell i of a patch with these slopes; its geometry stands there.
+template <class Column>
+QM_HD inline void store_hll_edges(const HllWaterColumnsWith<Column>& waters, const double* geometry,
+                                  const physics::HllSlopes& slopes, int i,
+                                  const HllEdgeColumnsWith<Column>& edges, const StepValues& step) {
+  const physics::HllCellEdges of_cell = physics::hll_edges_of_slopes(
+      hll_neighbour(waters, i), slopes, hll_cell(geometry), step.dt, step.zero_depth);
+  store_hll_state(edges, i, of_cell.k0);
+  store_hll_state(edges, edges.stride + i, of_cell.k1);
+  store_hll_state(edges, 2 * edges.stride + i, of_cell.k2);
+  edges.source_x[i] = of_cell.source.x;
+  edges.source_y[i] = of_cell.source.y;
+}
+
+/// The same of the slopes in entry k of its block.
 QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* geometry,
                                   const HllSlopesOfBlock& slopes, int k, int i,
                                   const HllEdgeColumns& edges, const StepValues& step) {
@@ -163,13 +197,7 @@ QM_HD inline void store_hll_edges(const HllWaterColumns& waters, const double* g
                                 {slopes.h_x[k], slopes.h_y[k]},
                                 {slopes.u_x[k], slopes.u_y[k]},
                                 {slopes.v_x[k], slopes.v_y[k]}};
-  const physics::HllCellEdges of_cell = physics::hll_edges_of_slopes(
-      hll_neighbour(waters, i), s, hll_cell(geometry), step.dt, step.zero_depth);
-  store_hll_state(edges, i, of_cell.k0);
-  store_hll_state(edges, edges.stride + i, of_cell.k1);
-  store_hll_state(edges, 2 * edges.stride + i, of_cell.k2);
-  edges.source_x[i] = of_cell.source.x;
-  edges.source_y[i] = of_cell.source.y;
+  store_hll_edges(waters, geometry, s, i, edges, step);
 }
 
 QM_HD inline physics::BoundaryFlux hll_flux_of_kind(const BoundaryEdge& boundary,
@@ -188,10 +216,10 @@ QM_HD inline physics::BoundaryFlux hll_flux_of_kind(const BoundaryEdge& boundary
 }
 
 /// What passes a boundary, on whose edge stands a state, into slot k.
-template <class States>
+template <class States, class Slots>
 QM_HD inline void hll_flux_of_boundary(const States& states, int state,
                                        const BoundaryEdge& boundary, const StepValues& step,
-                                       const SlotColumns& slots, int k) {
+                                       const Slots& slots, int k) {
   const physics::HllBoundarySide side = physics::hll_boundary_side(
       hll_state(states, state, boundary.edge), boundary.edge, step.zero_depth);
   fill_slot(slots, k,
@@ -209,10 +237,12 @@ struct HllCellAfter {
 
 /// What a cell of a patch knows from the begin of its step: velocity (m/s), and the gradient of the
 /// level as a sink of momentum (m2/s2), which is 0 in first order.
-struct HllBeforeColumns {
-  const double *u, *v;
-  const double *source_x, *source_y;
+template <class Column, class Source>
+struct HllBeforeColumnsWith {
+  Column u, v;
+  Source source_x, source_y;
 };
+using HllBeforeColumns = HllBeforeColumnsWith<const double*, const double*>;
 
 /// Where the state after a step goes, of the cells of the tables.
 struct HllAfterColumns {
@@ -222,10 +252,9 @@ struct HllAfterColumns {
 };
 
 /// The step of cell i of the tables, which is number k of its patch, from its slots.
-template <bool friction, bool rain, bool soil>
-QM_HD inline HllCellAfter advance_hll(const CellColumns& cells, int i, int k,
-                                      const HllBeforeColumns& before, int s0, int s1, int s2,
-                                      const SlotColumns& slots, double demand,
+template <bool friction, bool rain, bool soil, class Before, class Slots>
+QM_HD inline HllCellAfter advance_hll(const CellColumns& cells, int i, int k, const Before& before,
+                                      int s0, int s1, int s2, const Slots& slots, double demand,
                                       const HllAfterColumns& to, const StepValues& step) {
   const double resistance = friction ? physics::manning_resistance(cells.manning[i]) : 0.0;
   const physics::HllCellUpdate after = physics::update_hll<friction>(

@@ -9,11 +9,14 @@
 namespace kernels {
 
 /// Of the cells with edge states of a patch, see physics::HllBed.
-struct HllBedColumns {
-  double *per_discharge, *gain, *reserve, *hs;
+template <class Column>
+struct HllBedColumnsWith {
+  Column per_discharge, gain, reserve, hs;
 };
+using HllBedColumns = HllBedColumnsWith<double*>;
 
-QM_HD inline physics::HllBed hll_bed(const HllBedColumns& beds, int k) {
+template <class Column>
+QM_HD inline physics::HllBed hll_bed(const HllBedColumnsWith<Column>& beds, int k) {
   return {beds.per_discharge[k], beds.gain[k], beds.reserve[k], beds.hs[k]};
 }
 
@@ -26,9 +29,10 @@ QM_HD inline physics::BedLoad carried_bed_load(const CellColumns& cells, int i,
 }
 
 /// The bed of cell i of the tables, which is entry k of its patch; its geometry stands there.
-template <bool friction>
-QM_HD inline void store_hll_bed(const CellColumns& cells, int i, const HllWaterColumns& waters,
-                                const double* geometry, int k, const HllBedColumns& beds,
+template <bool friction, class Column>
+QM_HD inline void store_hll_bed(const CellColumns& cells, int i,
+                                const HllWaterColumnsWith<Column>& waters, const double* geometry,
+                                int k, const HllBedColumnsWith<Column>& beds,
                                 const StepValues& step) {
   const physics::PrimitiveWater water = hll_neighbour(waters, k).water;
   const physics::HllBed bed = physics::hll_bed(
@@ -48,18 +52,21 @@ QM_HD inline double passing_out(const physics::Edge& edge, double slot) {
 
 /// Bed that passes an edge between two cells from left to right, m3/s, with the water that is in
 /// the slot on the left already (m3/s).
-QM_HD inline double hll_bed_discharge(const HllCellStates& cells, const HllBedColumns& beds,
-                                      int left, int right, const physics::Edge& edge, double slot) {
+template <class Column>
+QM_HD inline double hll_bed_discharge(const HllCellStatesWith<Column>& cells,
+                                      const HllBedColumnsWith<Column>& beds, int left, int right,
+                                      const physics::Edge& edge, double slot) {
   return edge.length * physics::hll_bed_flux(hll_state(cells, left, edge), hll_bed(beds, left),
                                              hll_state(cells, right, reversed(edge)),
                                              hll_bed(beds, right), edge, passing_out(edge, slot));
 }
 
 /// Bed that passes a boundary of a cell into slot k, where what passes of water is already.
-QM_HD inline void hll_bed_flux_of_boundary(const HllCellStates& cells, int cell,
-                                           const HllBedColumns& beds, const BoundaryEdge& boundary,
-                                           const StepValues& step, const SlotColumns& slots,
-                                           int k) {
+template <class Column, class Slots>
+QM_HD inline void hll_bed_flux_of_boundary(const HllCellStatesWith<Column>& cells, int cell,
+                                           const HllBedColumnsWith<Column>& beds,
+                                           const BoundaryEdge& boundary, const StepValues& step,
+                                           const Slots& slots, int k) {
   const physics::HllEdgeState water = hll_state(cells, cell, boundary.edge);
   const physics::HllBed bed = hll_bed(beds, cell);
   double flux = 0.0;
@@ -94,9 +101,9 @@ QM_HD inline double store_bed_load(const CellColumns& cells, int i,
 
 /// The bed of cell i of the tables after the step of its water, from its slots; its
 /// physics::crossing_rate_with_bed, 1/s.
-template <bool friction>
+template <bool friction, class Slots>
 QM_HD inline double advance_hll_bed(const CellColumns& cells, int i, int s0, int s1, int s2,
-                                    const SlotColumns& slots, const HllAfterColumns& to,
+                                    const Slots& slots, const HllAfterColumns& to,
                                     const StepValues& step) {
   const double hs = physics::balanced_sediment(
       cells.hs[i], physics::sum_of_slots(slots.bed[s0], slots.bed[s1], slots.bed[s2]),

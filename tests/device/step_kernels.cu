@@ -1,5 +1,8 @@
 // The kernels of a step as a card runs them.
+#include "engine/device/AdvanceHll1.hpp"
+#include "engine/device/AdvanceHll2.hpp"
 #include "engine/device/AdvancePatches.hpp"
+#include "engine/device/KeepStates.hpp"
 #include "engine/device/NoteMaxima.hpp"
 #include "engine/device/OuterFluxes.hpp"
 #include "engine/device/card_launch.hpp"
@@ -10,6 +13,10 @@ template __global__ void run_on_card(const OuterFluxes<false>, int);
 template __global__ void run_on_card(const OuterFluxes<true>, int);
 template __global__ void run_on_card(const AdvancePatches<false>, int);
 template __global__ void run_on_card(const AdvancePatches<true>, int);
+template __global__ void run_on_card(const AdvanceHll1<false>, int);
+template __global__ void run_on_card(const AdvanceHll1<true>, int);
+template __global__ void run_on_card(const AdvanceHll2, int);
+template __global__ void run_on_card(const KeepStates, int);
 template __global__ void run_on_card(const NoteMaxima, int);
 
 }  // namespace engine::device

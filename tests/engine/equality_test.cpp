@@ -364,7 +364,8 @@ TEST_F(Equality, HoldsOnADevice) {
 TEST_F(Equality, HoldsOnADeviceWherePatchesHaveMoreCellsThanABlockHasThreads) {
   for (const engine::Device device : {engine::Device::emulated, engine::Device::watched}) {
     processor_.device = device;
-    const Options options{.watched = true, .per_patch = engine::device::cells_per_patch};
+    const Options options{.watched = true,
+                          .per_patch = engine::device::cells_per_patch(cases::Scheme::lhllc)};
     expect_same<SWE>(options, 2, 12);
     expect_same<SWE_Exner>(options, 2, 12);
   }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "case/boundary_kinds.hpp"
+#include "engine/device/make_device_backend.hpp"
 #include "engine/host/loops.hpp"
 #include "fields/HllFlow.hpp"
 #include "fields/TablesFlow.hpp"
@@ -37,7 +38,7 @@ class HllEquality : public testing::Test {
   int expect_same(const cases::Case& contents, int threads, int steps, bool watched = false,
                   int patch = cells_of_patch) {
     fields::HllFlow walk(contents);
-    fields::TablesFlow tables(contents, told_, threads, patch, {instruction_set_});
+    fields::TablesFlow tables(contents, told_, threads, patch, {instruction_set_, device_});
     walk.keep_maxima(arrival_depth_);
     tables.keep_maxima(arrival_depth_);
     double t = 0.0, next = 0.8 * walk.stable_step(t);
@@ -127,7 +128,8 @@ class HllEquality : public testing::Test {
   support::TemporaryFolder folder_;
   support::Told told_;
   std::optional<std::string> instruction_set_;  ///< without one the best
-  double arrival_depth_ = 0.3;                  ///< m; some cells come to it and some go below
+  engine::Device device_ = engine::Device::none;
+  double arrival_depth_ = 0.3;  ///< m; some cells come to it and some go below
 };
 
 }  // namespace
@@ -219,4 +221,36 @@ TEST_F(HllEquality, HoldsForEveryInstructionSetOfTheMachine) {
     ++run;
   }
   EXPECT_GE(run, 1);
+}
+
+TEST_F(HllEquality, HoldsOnADevice) {
+  device_ = engine::Device::emulated;
+  for (int k = 0; k < 16; ++k) {
+    const BasinOptions options = {.friction = (k & 1) != 0,
+                                  .rain = (k & 2) != 0,
+                                  .soils = (k & 4) != 0,
+                                  .mostly_dry = (k & 8) != 0};
+    const int threads = 1 + k % 3;
+    for (const Scheme scheme : both) expect_same(basin(scheme, options), threads, 30, true);
+    expect_same(over_sand(options), threads, 30, true);
+  }
+}
+
+TEST_F(HllEquality, ADeviceSkipsAndWakesTheSamePatches) {
+  for (const Scheme scheme : both) {
+    const cases::Case contents = basin(scheme, {.rain = false, .soils = false, .mostly_dry = true});
+    device_ = engine::Device::none;
+    const int on_host = expect_same(contents, 2, 120);
+    device_ = engine::Device::emulated;
+    EXPECT_EQ(expect_same(contents, 2, 120), on_host);
+  }
+}
+
+TEST_F(HllEquality, ThreadsOfABlockOnADeviceDoNotRace) {
+  device_ = engine::Device::watched;
+  for (const Scheme scheme : both) {
+    expect_same(basin(scheme, {}), 2, 8, true);
+    expect_same(basin(scheme, {}), 2, 5, true, engine::device::cells_per_patch(scheme));
+  }
+  expect_same(over_sand({}), 2, 8, true);
 }

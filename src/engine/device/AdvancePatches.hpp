@@ -3,18 +3,10 @@
 #pragma once
 
 #include "engine/device/PatchFindings.hpp"
-#include "engine/device/launch.hpp"
+#include "engine/device/soil_demand.hpp"
 #include "kernels/cell.hpp"
-#include "kernels/soil.hpp"
 
 namespace engine::device {
-
-/// What is noted of a step for a report; columns over the cells, null where nothing of the kind
-/// happens in them.
-struct NotesView {
-  bool are_taken;
-  double *recovered, *lifted;  ///< m
-};
 
 /// What the scratch of a block has room for.
 struct PatchScratch {
@@ -27,7 +19,6 @@ template <bool has_bed>
 struct AdvancePatches {
   // With a bound on the registers the compiler spills some of them.
   static constexpr int phases = 5, threads = 256, blocks_at_once = 0;
-  static constexpr int groups = 16;  ///< of threads, whose findings are united first
 
   TableView tables;
   const int* patches;  ///< of the blocks
@@ -56,7 +47,9 @@ struct AdvancePatches {
         kernels::note_state(kernel.tables.cells, kernel.tables.maxima, i, kernel.maxima);
       }
       kernels::store_terms(cells, i, kernel.step.zero_depth);
-      if (patch.has_soil) words.demand[k] = demand_of(kernel, i);
+      if (patch.has_soil) {
+        words.demand[k] = demand_of(kernel.tables, kernel.soil_steps, kernel.notes, i);
+      }
     }
   }
 
@@ -84,22 +77,17 @@ struct AdvancePatches {
     FindingsInScratch::store_cells(kernel.room.findings, words.findings, thread.number, own);
   }
 
-  /// 3 and 4: what the threads of the block have found, by groups of them, then all.
+  /// 3 and 4: what the threads of the block have found.
   template <class Scratch>
   QM_HD void run(Phase<3>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
-    if (thread.number >= groups) return;
-    const FindingsInScratch& layout = kernel.room.findings;
-    const Scratch words = parts_of(kernel, scratch).findings;
-    const PatchFindings of_group =
-        FindingsInScratch::of_threads(layout, words, thread.number, thread.count, groups);
-    FindingsInScratch::store_cells(layout, words, thread.number, of_group);
-    FindingsInScratch::store_edge(layout, words, thread.number, of_group.not_hyperbolic);
+    FindingsInScratch::unite_group(kernel.room.findings, parts_of(kernel, scratch).findings,
+                                   thread);
   }
   template <class Scratch>
   QM_HD void run(Phase<4>, const AdvancePatches& kernel, const Thread& thread, Scratch scratch) {
     if (thread.number > 0) return;
-    kernel.findings[thread.block] = FindingsInScratch::of_threads(
-        kernel.room.findings, parts_of(kernel, scratch).findings, 0, groups, 1);
+    kernel.findings[thread.block] =
+        FindingsInScratch::of_groups(kernel.room.findings, parts_of(kernel, scratch).findings);
   }
 
  private:
@@ -136,21 +124,6 @@ struct AdvancePatches {
                       const Words<Scratch>& words) {
     return kernels::with_terms(kernel.tables.cells, words.reciprocal - patch.first_cell,
                                words.celerity - patch.first_cell);
-  }
-
-  /// What the soil of a cell asks for, m; 0 without one.
-  QM_HD double demand_of(const AdvancePatches& kernel, int i) {
-    const kernels::CellColumns& cells = kernel.tables.cells;
-    const int number = cells.soil[i];
-    if (number < 0) return 0.0;
-    const Soil& soil = kernel.tables.soils[number];
-    const physics::SoilStep& step = kernel.soil_steps[number];
-    const double before = cells.infiltrated[i];
-    const double demand =
-        soil.is_green_ampt ? kernels::demand_of_soil(cells, i, number, soil.green_ampt, step, 0.0)
-                           : kernels::demand_of_soil(cells, i, number, soil.horton, step, 0.0);
-    if (kernel.notes.are_taken) kernel.notes.recovered[i] += before - cells.infiltrated[i];
-    return demand;
   }
 
   template <bool eta_given, class Scratch>

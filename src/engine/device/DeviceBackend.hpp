@@ -9,8 +9,11 @@
 #include <vector>
 
 #include "engine/Backend.hpp"
+#include "engine/device/AdvanceHll1.hpp"
+#include "engine/device/AdvanceHll2.hpp"
 #include "engine/device/AdvancePatches.hpp"
 #include "engine/device/DeviceTables.hpp"
+#include "engine/device/KeepStates.hpp"
 #include "engine/device/NoteMaxima.hpp"
 #include "engine/device/OuterFluxes.hpp"
 
@@ -36,12 +39,15 @@ class DeviceBackend : public Backend {
         machine_(std::move(machine)),
         on_device_(tables),
         room_(room_of(tables)),
-        watches_hyperbolicity_(tables.has_bed) {}
+        watches_hyperbolicity_(tables.has_bed && !tables.hll) {
+    if (tables.hll) room_of_hll_ = room_of(*tables.hll, !tables.soils.empty());
+  }
 
   /// Begins a step.
   void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) override {
     on_device_.take_state(tables_);
     not_hyperbolic_.reset();
+    if (tables_.hll) return;  // every patch computes those around it
     if (tables_.has_bed) {
       launch_outer_fluxes<true>(patches, step);
     } else {
@@ -53,8 +59,18 @@ class DeviceBackend : public Backend {
                  const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
                  StepNotes* notes) override {
     const Step step = {values, soil_steps, activity, notes};
-    return tables_.has_bed ? launch_patches<true>(patches, step)
-                           : launch_patches<false>(patches, step);
+    list_.take(patches);
+    soil_steps_.take(step.soil_steps);
+    findings_.resize(patches.size());
+    if (!tables_.hll) {
+      tables_.has_bed ? launch_patches<true>(step) : launch_patches<false>(step);
+    } else if (tables_.hll->second_order) {
+      launch_hll<AdvanceHll2>(step);
+    } else {
+      tables_.has_bed ? launch_hll<AdvanceHll1<true>>(step) : launch_hll<AdvanceHll1<false>>(step);
+    }
+    give_notes(notes);
+    return tell_findings(patches, step);
   }
 
   void note_maxima(const std::vector<int>& patches) override {
@@ -65,7 +81,16 @@ class DeviceBackend : public Backend {
     on_device_.give_maxima(tables_);
   }
 
-  void finish_step(const Activity&) override { on_device_.give_state(tables_); }
+  void finish_step(const Activity& activity) override {
+    if (tables_.hll) {
+      const std::vector<int>& resting = activity.gone_to_rest();
+      list_.take(resting);
+      machine_.launch(KeepStates{on_device_.view(), on_device_.hll_view().after, list_.data()},
+                      resting.size());
+      on_device_.take_states_after();
+    }
+    on_device_.give_state(tables_);
+  }
   bool works_in_place() const override { return false; }
   std::optional<NotHyperbolic> not_hyperbolic() const override { return not_hyperbolic_; }
   void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
@@ -106,14 +131,15 @@ class DeviceBackend : public Backend {
     for (const EdgeFound& of_patch : found) note(of_patch);
   }
 
+  /// What the threads of a block look for.
+  FindingsInScratch findings_of(const Step& step, int threads) const {
+    return {threads, step.notes != nullptr, watches_hyperbolicity_};
+  }
+
   template <bool has_bed>
-  double launch_patches(const std::vector<int>& patches, const Step& step) {
-    list_.take(patches);
-    soil_steps_.take(step.soil_steps);
-    findings_.resize(patches.size());
+  void launch_patches(const Step& step) {
     PatchScratch room = room_;
-    room.findings = {AdvancePatches<has_bed>::threads, step.notes != nullptr,
-                     watches_hyperbolicity_};
+    room.findings = findings_of(step, AdvancePatches<has_bed>::threads);
     machine_.launch(AdvancePatches<has_bed>{.tables = on_device_.view(),
                                             .patches = list_.data(),
                                             .step = on_device(step.values),
@@ -122,21 +148,37 @@ class DeviceBackend : public Backend {
                                             .notes = take_notes(step.notes),
                                             .room = room,
                                             .findings = findings_.data()},
-                    patches.size());
-    give_notes(step.notes);
-    return tell_findings(patches, step);
+                    findings_.size());
+  }
+
+  template <class Kernel>
+  void launch_hll(const Step& step) {
+    HllScratch room = room_of_hll_;
+    room.findings = findings_of(step, Kernel::threads);
+    machine_.launch(Kernel{{.tables = on_device_.view(),
+                            .hll = on_device_.hll_view(),
+                            .patches = list_.data(),
+                            .values = on_device(step.values),
+                            .soil_steps = soil_steps_.data(),
+                            .maxima = maxima_values(),
+                            .notes = take_notes(step.notes),
+                            .room = room,
+                            .findings = findings_.data()}},
+                    findings_.size());
   }
 
   NotesView take_notes(const StepNotes* notes) {
     if (notes == nullptr) return {};
     recovered_.take(notes->recovered);
     lifted_.take(notes->lifted);
-    return {true, recovered_.data(), lifted_.data()};
+    taken_discharge_.take(notes->taken_discharge);
+    return {true, recovered_.data(), lifted_.data(), taken_discharge_.data()};
   }
   void give_notes(StepNotes* notes) const {
     if (notes == nullptr) return;
     recovered_.give(notes->recovered);
     lifted_.give(notes->lifted);
+    taken_discharge_.give(notes->taken_discharge);
   }
 
   /// Tells the schedule what the patches found; their smallest step, s.
@@ -167,13 +209,14 @@ class DeviceBackend : public Backend {
   Machine machine_;
   DeviceTables<Machine> on_device_;
   PatchScratch room_;
+  HllScratch room_of_hll_ = {};
   bool watches_hyperbolicity_;
   std::optional<NotHyperbolic> not_hyperbolic_;
 
   Array<int> list_;  ///< patches of a launch
   Array<double> rain_depths_;
   Array<physics::SoilStep> soil_steps_;
-  Array<double> recovered_, lifted_;
+  Array<double> recovered_, lifted_, taken_discharge_;
   Array<EdgeFound> edges_found_;
   Array<PatchFindings> findings_;
 };

@@ -3,10 +3,12 @@
 #pragma once
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "engine/StepNotes.hpp"
 #include "engine/Tables.hpp"
+#include "engine/device/HllDeviceTables.hpp"
 #include "engine/device/TableView.hpp"
 
 namespace engine::device {
@@ -26,14 +28,17 @@ class DeviceTables {
     const Patches& p = tables.patches;
     patch_views_.take(views_of(tables));
     outer_slots_.take(p.outer_slots);
-    for (std::size_t k = 0; k < 3; ++k) slots_[k].take(p.slots[k]);
-    edges_.take(p.edges);
+    if (!tables.hll) {
+      for (std::size_t k = 0; k < 3; ++k) slots_[k].take(p.slots[k]);
+      edges_.take(p.edges);
+    }
     cut_edges_.take(p.cut_edges);
     edge_number_.take(p.edge_number);
     cut_edge_number_.take(p.cut_edge_number);
     soils_.take(tables.soils);
     for_each_outer_column(tables.outer,
                           [](Numbers& own, const Column& of_host) { own.take(of_host); });
+    if (tables.hll) hll_.emplace(tables);
   }
 
   // What changes, in whole columns. The host may have changed all of it between two steps.
@@ -58,6 +63,10 @@ class DeviceTables {
                      [](const Numbers& own, Column& of_host) { own.give(of_host); });
     tables.maxima->forget_hints();
   }
+
+  /// Of a scheme of the HLL family: the states after a step come into force.
+  void take_states_after() { hll_->swap_states(h_, qx_, qy_, hs_, bed_); }
+  HllTableView hll_view() { return hll_->view(); }
 
   TableView view() {
     return {.cells = cells(),
@@ -189,7 +198,11 @@ class DeviceTables {
             .qsy = qsy_.data(),
             .dqs_dh = dqs_dh_.data(),
             .rock = rock_.data(),
-            .slots = {slots_[0].data(), slots_[1].data(), slots_[2].data()}};
+            .slots = {slots(0), slots(1), slots(2)}};
+  }
+
+  const kernels::Local* slots(std::size_t k) const {
+    return hll_ ? hll_->slots(k) : slots_[k].data();
   }
 
   // See CellTable.
@@ -207,6 +220,7 @@ class DeviceTables {
   OuterSlots outer_;
   Array<Soil> soils_;
   Maxima maxima_;
+  std::optional<HllDeviceTables<Machine>> hll_;
 };
 
 }  // namespace engine::device

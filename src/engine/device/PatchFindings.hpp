@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/device/EdgeFound.hpp"
+#include "engine/device/launch.hpp"
 #include "physics/flow_extremes.hpp"
 #include "physics/stable_step.hpp"
 
@@ -71,6 +72,22 @@ struct FindingsInScratch {
     return findings;
   }
 
+  /// What the threads of a block have found, united in two phases: by groups of threads, then all.
+  static constexpr int groups = 16;
+  template <class Scratch>
+  QM_HD void unite_group(const FindingsInScratch& layout, Scratch scratch, const Thread& thread) {
+    if (thread.number >= groups) return;
+    const PatchFindings of_group = of_threads(layout, scratch, thread.number, thread.count, groups);
+    store_cells(layout, scratch, thread.number, of_group);
+    store_edge(layout, scratch, thread.number, of_group.not_hyperbolic);
+  }
+  /// To be called by one thread.
+  template <class Scratch>
+  QM_HD PatchFindings of_groups(const FindingsInScratch& layout, Scratch scratch) {
+    return of_threads(layout, scratch, 0, groups, 1);
+  }
+
+ private:
   /// The findings of every `stride`-th thread from one on, together.
   template <class Scratch>
   QM_HD PatchFindings of_threads(const FindingsInScratch& layout, Scratch scratch, int first,

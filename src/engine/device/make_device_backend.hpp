@@ -8,11 +8,11 @@
 
 namespace engine::device {
 
-/// Cells of a patch, whose scratch lies in the fast memory of a card.
-inline constexpr int cells_per_patch = 512;
+/// Cells of a patch, whose scratch lies in the fast memory of a card: that of the HLL schemes holds
+/// the states around the patch as well.
+constexpr int cells_per_patch(cases::Scheme scheme) { return cases::is_hll(scheme) ? 256 : 512; }
 
-/// A device on the tables, emulated by the team; both must outlive it. Throws std::runtime_error
-/// for a scheme that devices do not run.
+/// A device on the tables, emulated by the team; both must outlive it.
 std::unique_ptr<Backend> make_device_backend(Device device, Tables& tables, ThreadTeam& team);
 
 }  // namespace engine::device

@@ -60,25 +60,27 @@ void expect_same_steps(const cases::Case& contents, int steps, const Change& cha
   }
 }
 
+/// Blocks with so many words of scratch that a multiprocessor of compute capability 9.0 or 10.0 has
+/// room for.
+int blocks_of_multiprocessor(int words) {
+  constexpr int bytes_of_multiprocessor = 228 * 1024, bytes_of_every_block = 1024;
+  return bytes_of_multiprocessor /
+         (words * static_cast<int>(sizeof(double)) + bytes_of_every_block);
+}
+
 }  // namespace
 
 TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
   using engine::device::AdvancePatches;
-  // Of compute capability 9.0 and 10.0.
-  constexpr int bytes_of_multiprocessor = 228 * 1024, bytes_of_every_block = 1024;
   const Engine engine(valley(100, 100), 1, 0, {.device = Device::emulated});
   ASSERT_GT(engine.tables().patches.patches.size(), 20U);
   engine::device::PatchScratch room = engine::device::room_of(engine.tables());
-  ASSERT_EQ(room.cells, engine::device::cells_per_patch);
-  const auto most_blocks = [&](int words) {
-    const int bytes = words * static_cast<int>(sizeof(double)) + bytes_of_every_block;
-    return bytes_of_multiprocessor / bytes;
-  };
+  ASSERT_EQ(room.cells, engine::device::cells_per_patch(cases::Scheme::lhllc));
   for (const bool notes : {false, true}) {
     room.findings = {AdvancePatches<false>::threads, notes, false};
-    EXPECT_GE(most_blocks(AdvancePatches<false>::words_of(room)), 3);
+    EXPECT_GE(blocks_of_multiprocessor(AdvancePatches<false>::words_of(room)), 3);
     room.findings.with_not_hyperbolic = true;
-    EXPECT_GE(most_blocks(AdvancePatches<true>::words_of(room)), 2);
+    EXPECT_GE(blocks_of_multiprocessor(AdvancePatches<true>::words_of(room)), 2);
   }
 }
 
@@ -127,8 +129,22 @@ TEST(DeviceBackend, ABoundaryConditionBetweenCellsLeavesTheRightOneWithoutAFlux)
   }
 }
 
-TEST(DeviceBackend, RefusesSchemesThatItDoesNotRun) {
-  cases::Case contents = valley(8, 8);
-  contents.scheme = cases::Scheme::hll2;
-  EXPECT_THROW(Engine(contents, 1, 0, {.device = Device::emulated}), std::runtime_error);
+TEST(DeviceBackend, TwoPatchesOfTheHllSchemesHaveTheirScratchOnAMultiprocessorAtATime) {
+  using engine::device::AdvanceHll1;
+  using engine::device::AdvanceHll2;
+  for (const cases::Scheme scheme : {cases::Scheme::hll1, cases::Scheme::hll2}) {
+    cases::Case contents = valley(100, 100);
+    contents.scheme = scheme;
+    const Engine engine(contents, 1, 0, {.device = Device::emulated});
+    const engine::Tables& tables = engine.tables();
+    ASSERT_EQ(tables.cells_per_patch(), engine::device::cells_per_patch(scheme));
+    for (const bool notes : {false, true}) {
+      constexpr bool has_demands = true;
+      engine::device::HllScratch room = engine::device::room_of(*tables.hll, has_demands);
+      room.findings = {AdvanceHll2::threads, notes, false};
+      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll2::words_of(room)), 2);
+      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<false>::words_of(room)), 3);
+      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<true>::words_of(room)), 2);
+    }
+  }
 }
