@@ -130,6 +130,9 @@ void Domain::set_other_parameters() {
   log << "Other parameters:\n";
   flow_ = fields::make_flow(case_, diagnostics_, settings_.flow);
   if (data_.maxima) flow_->keep_maxima(data_.maxima->arrival_depth);
+  if (settings_.flow.asks_for_card()) {
+    log << "  Graphics card: " << flow_->execution_path().instruction_set << '\n';
+  }
   const fields::FlowScales scales = flow_->scales();
   log << "  Largest initial water depth (h0): " << scales.h0 << '\n'
       << "  Minimal characteristic length in a cell (min dx): " << scales.char_length_min << '\n'

@@ -32,7 +32,7 @@ class Engine {
  public:
   /// Makes the tables of a case, which must outlive the engine, and runs on a number of threads, at
   /// least 1, by loops as loops_for() chooses them, or on a device. Throws std::length_error as
-  /// make_tables does, std::runtime_error as loops_for() does.
+  /// make_tables does, std::runtime_error as loops_for() and make_device_backend() do.
   Engine(const cases::Case& contents, int threads, int cells_per_patch = 0,
          const Processor& processor = {});
   /// The same of a part, with an exchange; both must outlive the engine.

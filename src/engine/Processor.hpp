@@ -6,8 +6,9 @@
 
 namespace engine {
 
-/// A device; `watched` is emulated too, and finds misuse of scratch, see device::Emulator.
-enum class Device { none, emulated, watched };
+/// A device: a graphics card, or one that the processor plays; `watched` is emulated too, and finds
+/// misuse of scratch, see device::Emulator.
+enum class Device { none, card, emulated, watched };
 
 struct Processor {
   /// Of the host: baseline, avx2 or avx512; without one the best of this machine.

@@ -3,9 +3,11 @@
 #include <stdexcept>
 #include <string>
 
+#include "engine/device/card.hpp"
 #include "fields/HllFlow.hpp"
 #include "fields/ObjectsFlow.hpp"
 #include "fields/missing_threads.hpp"
+#include "utils/number_text.hpp"
 
 namespace fields {
 
@@ -27,13 +29,12 @@ engine::Processor processor_for(const FlowRequest& request) {
   if (request.path != "device") return {request.instruction_set, Device::none};
   if (request.device == "emulated") return {{}, Device::emulated};
   if (request.device == "watched") return {{}, Device::watched};
-  if (!request.device.empty()) {
-    throw std::runtime_error("Error. QUILLMERE_DEVICE is \"" + request.device +
-                             "\", expected emulated or watched.");
+  if (!request.asks_for_card()) {
+    throw std::runtime_error("Error. The device is " + utils::quoted_start(request.device) +
+                             ", expected card, emulated or watched.");
   }
-  throw std::runtime_error(
-      "Error. QUILLMERE_ENGINE asks for a device, but this program was built without support for "
-      "cards; QUILLMERE_DEVICE=emulated runs what a card would run on the processor.");
+  engine::device::require_card();
+  return {{}, Device::card};
 }
 
 }  // namespace

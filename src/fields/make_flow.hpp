@@ -15,10 +15,12 @@ namespace fields {
 struct FlowRequest {
   std::string path = {};    ///< "tables", "device", "objects"; empty: the tables, or the objects
                             ///< where the tables have no room for a cell
-  std::string device = {};  ///< "emulated" or "watched", see engine::Device
+  std::string device = {};  ///< "card", "emulated", "watched", see engine::Device; empty: a card
   /// Of the tables: baseline, avx2 or avx512; without one the best of this machine.
   std::optional<std::string> instruction_set = {};
-  int most_threads = 0;     ///< of the tables; 0: one per core. A small mesh takes fewer.
+  int most_threads = 0;  ///< of the tables; 0: one per core. A small mesh takes fewer.
+  /// Whether the steps are to run on a graphics card.
+  bool asks_for_card() const { return path == "device" && (device.empty() || device == "card"); }
   RanksRequest ranks = {};  ///< of the tables; the objects run on one rank, and the others wait
 };
 

@@ -97,6 +97,16 @@ std::optional<RestartRequest> restart_of(const utils::InputParser& parser) {
   throw std::runtime_error("Error. --restart-anyway is said without --restart.");
 }
 
+/// The device that the steps run on; empty: none is asked for.
+std::string device_of(const utils::InputParser& parser) {
+  if (!parser.cmdOptionExists("--device")) return "";
+  const std::string& name = parser.getCmdOption("--device");
+  if (name.empty() || name.starts_with('-')) {
+    throw std::runtime_error("Error. --device needs card, emulated or watched behind it.");
+  }
+  return name;
+}
+
 /// Ends the run, before it opens any result, if one would destroy an input or another result.
 void refuse_results_that_destroy(const std::string& data_file, const std::string& report,
                                  const std::string& checkpoint) {
@@ -123,6 +133,7 @@ struct Program {
   std::optional<RunReport> report = {};
   std::optional<checkpoint::Request> checkpoints = {};
   std::optional<RestartRequest> restart = {};
+  std::string device = {};  ///< of the options
   std::optional<Domain> domain = {};
   ranks::Group* group = nullptr;     ///< of the ranks that share the run; null: there is one
   bool other_rank_is_ended = false;  ///< by a signal that did not come here
@@ -183,9 +194,13 @@ void close_log(Program& program) {
   utils::fatal("Error. The file log.txt couldn't be written completely (is the disk full?).\n");
 }
 
-/// What the environment asks for, on the ranks that there are.
+/// What environment and options ask for, on the ranks that there are.
 fields::FlowRequest flow_request_of(Program& program) {
   fields::FlowRequest request = flow_request_of_environment();
+  if (!program.device.empty()) {
+    request.path = "device";
+    request.device = program.device;
+  }
   request.ranks.group = program.group;
   if (program.group != nullptr && request.most_threads <= 0) {
     request.most_threads = program.group->cores();
@@ -254,6 +269,7 @@ int serve(Program& program, const utils::InputParser& parser) {
   const std::string report_name = has_report ? name_of_report(parser) : "";
   program.checkpoints = checkpoints_of(parser);
   program.restart = restart_of(parser);
+  program.device = device_of(parser);
   if (program.checkpoints) utils::listen_for_checkpoint_wishes();
   const std::string data_file = utils::readable_again(given_name);
   refuse_results_that_destroy(data_file, report_name,

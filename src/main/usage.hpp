@@ -9,15 +9,15 @@
 inline const std::vector<utils::CmdOption> known_options = {
     {"-f", true},        {"-nodisplay", false},       {"--progress", false},
     {"--report", true},  {"--checkpoint", true},      {"--checkpoint-every", true},
-    {"--restart", true}, {"--restart-anyway", false}, {"--help", false},
-    {"--schema", false}, {"--version", false}};
+    {"--restart", true}, {"--restart-anyway", false}, {"--device", true},
+    {"--help", false},   {"--schema", false},         {"--version", false}};
 
 inline void print_version(std::ostream& out) { out << "quillmere " QUILLMERE_VERSION "\n"; }
 
 inline void print_usage(std::ostream& out) {
   out << "Usage: quillmere -f DATA_FILE [-nodisplay] [--progress] [--report FILE]\n"
          "                 [--checkpoint NAME [--checkpoint-every MINUTES]]\n"
-         "                 [--restart NAME [--restart-anyway]]\n"
+         "                 [--restart NAME [--restart-anyway]] [--device card]\n"
          "\n"
          "Simulates free-surface flow over terrain: one scenario, described by a JSON data file.\n"
          "\n"
@@ -47,6 +47,11 @@ inline void print_usage(std::ostream& out) {
          "                 where they were. Other end times, outputs, series and rain are taken\n"
          "  --restart-anyway\n"
          "                 go on although something else has changed too\n"
+         "  --device NAME:{card,emulated,watched}\n"
+         "                 compute the steps on a graphics card, where the program was built for "
+         "one;\n"
+         "                 results are the same. The others play a card on the processor, for "
+         "tests\n"
          "  --help         print this help and exit\n"
          "  --schema       print the JSON schema of data files, for editors, and exit\n"
          "  --version      print the version and exit\n"

@@ -66,10 +66,31 @@ TEST_F(Determinism, AForcedPathThatCannotRunIsRefused) {
   }
   const Setting device("QUILLMERE_ENGINE", "device");
   expect_stop(
-      "Error. QUILLMERE_ENGINE asks for a device, but this program was built without support for "
-      "cards; QUILLMERE_DEVICE=emulated runs what a card would run on the processor.\n");
+      "Error. A graphics card is asked for, but this program was built without support for cards "
+      "(-DQUILLMERE_CUDA=ON); the device \"emulated\" runs what a card would run on the "
+      "processor.\n");
   const Setting abacus("QUILLMERE_DEVICE", "abacus");
-  expect_stop("Error. QUILLMERE_DEVICE is \"abacus\", expected emulated or watched.\n");
+  expect_stop("Error. The device is \"abacus\", expected card, emulated or watched.\n");
+}
+
+TEST_F(Determinism, TheCommandLineChoosesADevice) {
+  c = support::full_case();
+  c.set_times(0.0, 0.3);
+  run();
+  const auto files = files_of(folder);
+  const Setting objects("QUILLMERE_ENGINE", "objects");
+  const auto run_on = [&](const std::string& device) {
+    return support::run_program(folder.path(),
+                                {"-f", "data.json", "-nodisplay", "--device", device});
+  };
+  for (const char* device : {"emulated", "watched"}) {
+    EXPECT_EQ(run_on(device).status, 0);
+    EXPECT_EQ(files_of(folder), files) << device;
+  }
+  EXPECT_EQ(run_on("abacus").err,
+            "Error. The device is \"abacus\", expected card, emulated or watched.\n");
+  EXPECT_EQ(run_on("--progress").err,
+            "Error. --device needs card, emulated or watched behind it.\n");
 }
 
 TEST_F(Determinism, ARunOverTheResultsOfAnotherWritesTheSameBytes) {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -33,7 +35,8 @@ inline PatchScratch room_of(const Tables& tables) {
 template <class Machine>
 class DeviceBackend : public Backend {
  public:
-  /// Works on the tables, which must outlive it.
+  /// Works on the tables, which must outlive it. Throws std::runtime_error where the machine has
+  /// too little scratch for a patch.
   DeviceBackend(Tables& tables, Machine machine)
       : tables_(tables),
         machine_(std::move(machine)),
@@ -41,6 +44,7 @@ class DeviceBackend : public Backend {
         room_(room_of(tables)),
         watches_hyperbolicity_(tables.has_bed && !tables.hll) {
     if (tables.hll) room_of_hll_ = room_of(*tables.hll, !tables.soils.empty());
+    require_scratch();
   }
 
   /// Begins a step.
@@ -96,11 +100,33 @@ class DeviceBackend : public Backend {
   void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
 
   int threads() const override { return machine_.threads(); }
-  const char* instruction_set() const override { return Machine::name; }
+  const char* instruction_set() const override { return machine_.name(); }
 
  private:
   template <class Value>
   using Array = typename Machine::template Array<Value>;
+
+  /// What a step takes at most, in 8 bytes each.
+  int most_scratch_words() const {
+    PatchScratch room = room_;
+    HllScratch of_hll = room_of_hll_;
+    room.findings = of_hll.findings = {AdvancePatches<true>::threads, true, watches_hyperbolicity_};
+    if (!tables_.hll) {
+      return tables_.has_bed ? AdvancePatches<true>::words_of(room)
+                             : AdvancePatches<false>::words_of(room);
+    }
+    if (tables_.hll->second_order) return AdvanceHll2::words_of(of_hll);
+    return tables_.has_bed ? AdvanceHll1<true>::words_of(of_hll)
+                           : AdvanceHll1<false>::words_of(of_hll);
+  }
+  void require_scratch() const {
+    const std::size_t bytes = at(most_scratch_words()) * sizeof(double);
+    if (bytes <= machine_.scratch_bytes()) return;
+    throw std::runtime_error("Error. The device has " + std::to_string(machine_.scratch_bytes()) +
+                             " bytes of scratch, but some cells have so many edges that " +
+                             std::to_string(bytes) +
+                             " are needed; QUILLMERE_ENGINE=tables runs them on the processor.");
+  }
 
   kernels::MaximaValues maxima_values() const {
     if (!tables_.maxima) return {};

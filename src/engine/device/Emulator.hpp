@@ -56,7 +56,6 @@ class Emulator {
   template <class Value>
   using Array = EmulatedArray<Value>;
   enum class Mode { plain, watching };
-  static constexpr const char* name = "emulated";
 
   /// The team must outlive it. Where it is `watching`, a launch throws std::logic_error if threads
   /// of a block misuse their scratch, see WatchedScratch; that takes longer.
@@ -79,7 +78,10 @@ class Emulator {
     }
   }
 
+  const char* name() const { return mode_ == Mode::watching ? "watched" : "emulated"; }
   int threads() const { return team_.size(); }
+  /// The most that a block can have: as on a card of compute capability 9.0.
+  std::size_t scratch_bytes() const { return 227 * 1024; }
 
  private:
   template <class Kernel>

@@ -2,10 +2,12 @@
 
 #include "engine/device/DeviceBackend.hpp"
 #include "engine/device/Emulator.hpp"
+#include "engine/device/card.hpp"
 
 namespace engine::device {
 
 std::unique_ptr<Backend> make_device_backend(Device device, Tables& tables, ThreadTeam& team) {
+  if (device == Device::card) return make_card_backend(tables);
   const Emulator::Mode mode =
       device == Device::watched ? Emulator::Mode::watching : Emulator::Mode::plain;
   return std::make_unique<DeviceBackend<Emulator>>(tables, Emulator(team, mode));

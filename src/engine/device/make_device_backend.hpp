@@ -12,7 +12,8 @@ namespace engine::device {
 /// the states around the patch as well.
 constexpr int cells_per_patch(cases::Scheme scheme) { return cases::is_hll(scheme) ? 256 : 512; }
 
-/// A device on the tables, emulated by the team; both must outlive it.
+/// A device on the tables, which must outlive it, as the team that emulates one. Throws
+/// std::runtime_error where there is no such device, or it has too little memory.
 std::unique_ptr<Backend> make_device_backend(Device device, Tables& tables, ThreadTeam& team);
 
 }  // namespace engine::device

@@ -1,0 +1,51 @@
+# The CUDA compiler, where there is one, as commands and not as a language of CMake: the flags of the
+# project's other targets are not for it.
+set(QUILLMERE_CUDA_FLAGS
+  -std=c++20 -O2 -ccbin ${CMAKE_CXX_COMPILER}
+  -fmad=false  # as -ffp-contract=off on the host
+  -Werror=all-warnings -Xcompiler=-ffp-contract=off,-Wall,-Wextra -I${PROJECT_SOURCE_DIR}/src)
+
+find_program(QUILLMERE_NVCC nvcc PATHS ENV CUDA_PATH /usr/local/cuda PATH_SUFFIXES bin)
+
+# Sets a variable to what keeps the compiler from being used, empty if nothing does: it may be too old
+# for C++20, or refuse the host's compiler.
+function(quillmere_try_nvcc refusal_name)
+  set(refusal "no nvcc found")
+  if(QUILLMERE_NVCC)
+    set(trial ${CMAKE_BINARY_DIR}/nvcc_trial)
+    file(CONFIGURE OUTPUT ${trial}.cu CONTENT "#include <bit>\n__global__ void nothing() {}\n")
+    execute_process(
+      COMMAND ${QUILLMERE_NVCC} ${QUILLMERE_CUDA_FLAGS} -c -o ${trial}.o ${trial}.cu
+      RESULT_VARIABLE status OUTPUT_VARIABLE refusal ERROR_VARIABLE refusal)
+    if(status EQUAL 0)
+      set(refusal "")
+    endif()
+  endif()
+  set(${refusal_name} "${refusal}" PARENT_SCOPE)
+endfunction()
+
+# Adds the graphics card to a target, for cards of some architectures. The CUDA runtime comes into the
+# program, which starts on machines without a driver too.
+function(quillmere_add_card target)
+  set(source ${PROJECT_SOURCE_DIR}/src/engine/device/make_card_backend.cu)
+  set(object ${CMAKE_CURRENT_BINARY_DIR}/${target}_card.o)
+  foreach(architecture IN LISTS ARGN)
+    list(APPEND code -gencode arch=compute_${architecture},code=sm_${architecture})
+  endforeach()
+  add_custom_command(
+    OUTPUT ${object}
+    COMMAND ${QUILLMERE_NVCC} ${QUILLMERE_CUDA_FLAGS} -Xcompiler=-fPIC,-fvisibility=hidden ${code}
+      -MD -MF ${object}.d -c -o ${object} ${source}
+    DEPENDS ${source}
+    DEPFILE ${object}.d
+    COMMENT "Building the kernels of a step for graphics cards"
+    VERBATIM)
+  set_source_files_properties(${object} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
+  target_sources(${target} PRIVATE ${object})
+
+  get_filename_component(folder ${QUILLMERE_NVCC} REALPATH)
+  get_filename_component(folder ${folder} DIRECTORY)
+  find_library(QUILLMERE_CUDART cudart_static REQUIRED
+    HINTS ${folder}/.. PATH_SUFFIXES lib64 lib targets/x86_64-linux/lib targets/sbsa-linux/lib)
+  target_link_libraries(${target} PRIVATE ${QUILLMERE_CUDART} ${CMAKE_DL_LIBS} rt)
+endfunction()

@@ -1,0 +1,208 @@
+// A graphics card: its memory, its copies and its launches; for a compiler of CUDA alone. A process
+// uses one, in one stream, so that copies and kernels follow each other in the order of their
+// calls.
+#pragma once
+
+#include <cuda_runtime.h>
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "engine/device/card_launch.hpp"
+
+namespace engine::device {
+
+/// Throws std::runtime_error for what a call of CUDA answers, but success.
+inline void check(cudaError_t status) {
+  if (status == cudaSuccess) return;
+  throw std::runtime_error(
+      "Error. The graphics card fails: " + std::string(cudaGetErrorString(status)) + ".");
+}
+
+/// The stream of the process, and the memory that its copies pass through: a card copies by itself
+/// only from and to memory that the system does not move. While one half of it is copied by the
+/// card, the other is by the processor.
+class CardStream {
+ public:
+  static CardStream& of_process() {
+    static CardStream stream;
+    return stream;
+  }
+  CardStream(const CardStream&) = delete;
+  CardStream& operator=(const CardStream&) = delete;
+
+  operator cudaStream_t() const { return stream_; }
+
+  /// Returns when the memory of the host may change again.
+  void copy_to_card(void* to, const void* from, std::size_t bytes) {
+    for (std::size_t done = 0; done < bytes; done += half_size) {
+      const std::size_t count = std::min(half_size, bytes - done);
+      Half& half = next_half();
+      check(cudaEventSynchronize(half.copied));
+      std::memcpy(half.memory, static_cast<const char*>(from) + done, count);
+      check(cudaMemcpyAsync(static_cast<char*>(to) + done, half.memory, count,
+                            cudaMemcpyHostToDevice, stream_));
+      check(cudaEventRecord(half.copied, stream_));
+    }
+  }
+
+  /// Returns when the copy is there; so all that was launched before is done, too.
+  void copy_from_card(void* to, const void* from, std::size_t bytes) {
+    Half* before = nullptr;
+    std::size_t done_before = 0, count_before = 0;
+    const auto finish = [&] {
+      if (before == nullptr) return;
+      check(cudaEventSynchronize(before->copied));
+      std::memcpy(static_cast<char*>(to) + done_before, before->memory, count_before);
+    };
+    for (std::size_t done = 0; done < bytes; done += half_size) {
+      const std::size_t count = std::min(half_size, bytes - done);
+      Half& half = next_half();
+      check(cudaEventSynchronize(half.copied));
+      check(cudaMemcpyAsync(half.memory, static_cast<const char*>(from) + done, count,
+                            cudaMemcpyDeviceToHost, stream_));
+      check(cudaEventRecord(half.copied, stream_));
+      finish();
+      before = &half;
+      done_before = done;
+      count_before = count;
+    }
+    finish();
+  }
+
+ private:
+  static constexpr std::size_t half_size = 8 << 20;  // bytes
+  struct Half {
+    void* memory = nullptr;
+    cudaEvent_t copied = nullptr;
+  };
+
+  CardStream() {
+    check(cudaStreamCreateWithFlags(&stream_, cudaStreamNonBlocking));
+    for (Half& half : halves_) {
+      check(cudaMallocHost(&half.memory, half_size));
+      check(cudaEventCreateWithFlags(&half.copied, cudaEventDisableTiming));
+    }
+  }
+  Half& next_half() { return halves_[turn_ = 1 - turn_]; }
+
+  cudaStream_t stream_ = nullptr;
+  Half halves_[2];
+  int turn_ = 0;
+};
+
+/// Values in the memory of the card.
+template <class Value>
+class CardArray {
+ public:
+  CardArray() = default;
+  CardArray(CardArray&& other) noexcept { swap(other); }
+  CardArray& operator=(CardArray&& other) noexcept {
+    swap(other);
+    return *this;
+  }
+  ~CardArray() { cudaFree(values_); }
+
+  std::size_t size() const { return size_; }
+  /// Null without values.
+  Value* data() const { return size_ > 0 ? values_ : nullptr; }
+
+  /// Other values, which are not set.
+  void resize(std::size_t size) {
+    if (size > capacity_) {
+      check(cudaFree(std::exchange(values_, nullptr)));
+      capacity_ = 0;
+      if (cudaMalloc(&values_, size * sizeof(Value)) != cudaSuccess) lack_memory(size);
+      capacity_ = size;
+    }
+    size_ = size;
+  }
+  /// Copies from the host, as many as there are there.
+  void take(std::span<const Value> values) {
+    resize(values.size());
+    CardStream::of_process().copy_to_card(values_, values.data(), values.size_bytes());
+  }
+  /// Copies the first of them to the host.
+  void give(std::span<Value> values) const {
+    CardStream::of_process().copy_from_card(values.data(), values_, values.size_bytes());
+  }
+
+ private:
+  void swap(CardArray& other) noexcept {
+    std::swap(values_, other.values_);
+    std::swap(size_, other.size_);
+    std::swap(capacity_, other.capacity_);
+  }
+  [[noreturn]] static void lack_memory(std::size_t size) {
+    std::size_t free = 0, all = 0;
+    cudaMemGetInfo(&free, &all);
+    throw std::runtime_error("Error. The graphics card lacks memory: " + std::to_string(free) +
+                             " of its " + std::to_string(all) + " bytes are free, and " +
+                             std::to_string(size * sizeof(Value)) + " more are needed.");
+  }
+
+  Value* values_ = nullptr;
+  std::size_t size_ = 0, capacity_ = 0;
+};
+
+/// The first card that the driver shows.
+class Card {
+ public:
+  template <class Value>
+  using Array = CardArray<Value>;
+
+  Card() {
+    int device = 0;
+    check(cudaGetDevice(&device));
+    cudaDeviceProp properties;
+    check(cudaGetDeviceProperties(&properties, device));
+    name_ = properties.name;
+    multiprocessors_ = properties.multiProcessorCount;
+    scratch_bytes_ = properties.sharedMemPerBlockOptin;
+  }
+
+  /// Returns at once: what copies the results waits.
+  template <class Kernel>
+  void launch(const Kernel& kernel, std::size_t blocks) {
+    if (blocks == 0) return;
+    const std::size_t bytes = kernel.scratch_words() * sizeof(double);
+    const int at_once = blocks_at_once<Kernel>(bytes);
+    const auto grid = static_cast<unsigned>(std::min(blocks, static_cast<std::size_t>(at_once)));
+    run_on_card<<<grid, Kernel::threads, bytes, CardStream::of_process()>>>(
+        kernel, static_cast<int>(blocks));
+    check(cudaGetLastError());
+  }
+
+  const char* name() const { return name_.c_str(); }
+  /// Threads of the host that take part.
+  int threads() const { return 1; }
+  /// The most that a block can have.
+  std::size_t scratch_bytes() const { return scratch_bytes_; }
+
+ private:
+  /// As many as the card runs together.
+  template <class Kernel>
+  int blocks_at_once(std::size_t bytes) const {
+    static std::size_t known_bytes = static_cast<std::size_t>(-1);
+    static int known = 0;
+    if (bytes == known_bytes) return known;
+    const auto function = run_on_card<Kernel>;
+    check(cudaFuncSetAttribute(function, cudaFuncAttributeMaxDynamicSharedMemorySize,
+                               static_cast<int>(bytes)));
+    int of_multiprocessor = 0;
+    check(cudaOccupancyMaxActiveBlocksPerMultiprocessor(&of_multiprocessor, function,
+                                                        Kernel::threads, bytes));
+    known_bytes = bytes;
+    return known = std::max(1, of_multiprocessor) * multiprocessors_;
+  }
+
+  std::string name_;
+  int multiprocessors_ = 0;
+  std::size_t scratch_bytes_ = 0;
+};
+
+}  // namespace engine::device
