@@ -112,7 +112,8 @@ class Domain {
   void pause_after_step();
   /// Up to when the loop needs nothing of the flow but steps, before one, s.
   double next_pause();
-  void compute_step();
+  /// Computes a step, or several where nobody sees the states between them.
+  void compute_steps();
   void look_at_water();
   void show_progress();
   void end_progress();
@@ -149,6 +150,7 @@ class Domain {
   const cases::DataFile& data_ = read_.data;
   std::vector<checkpoint::Input> inputs_;  ///< of a run with checkpoints, or that goes on
   fields::Clock clock_;
+  int passes_ = 0;        ///< steps since the clock was last shown, and the one that comes
   double t_begin_ = 0.0;  ///< of this call of the program, s
   bool is_asked_to_end_ = false;
   std::unique_ptr<fields::Flow> flow_;  ///< of case_

@@ -11,13 +11,18 @@
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
 
+namespace {
+
+constexpr int passes_between_displays = 10;  // of the clock
+
+}  // namespace
+
 void Domain::Update(const std::function<bool()>& goes_on) {
-  constexpr int passes_between_displays = 10;
   clock_ = is_restarted() ? restart_->contents.clock : fields::clock_at_start(case_, *flow_);
   t_begin_ = clock_.t;
   if (is_restarted()) settings_.console.show(continuation());
   printTime(clock_.t, 8, 3);
-  int passes = 0;
+  passes_ = 0;
 
   begin_watching();
   if (is_restarted()) go_on_with_outputs();
@@ -25,13 +30,13 @@ void Domain::Update(const std::function<bool()>& goes_on) {
     if (flow_->takes_questions()) pause_before_step();
     outputs_done_ = clock_.t;  // of a flow that takes no questions nothing is due
     enter(Phase::steps);
-    if (++passes > passes_between_displays) {
-      passes = 0;
+    if (++passes_ > passes_between_displays) {
+      passes_ = 0;
       eraseTime();
       printTime(clock_.t, 8, 3);
     }
     stop_on_collapsed_step();
-    compute_step();
+    compute_steps();
     if (flow_->takes_questions()) pause_after_step();
   }
   enter(Phase::outputs);
@@ -80,10 +85,14 @@ double Domain::next_pause() {
   return next;
 }
 
-void Domain::compute_step() {
+void Domain::compute_steps() {
   const double t = clock_.t, dt = clock_.dt;
-  flow_->leave_alone_until(next_pause());
-  fields::advance(*flow_, case_, clock_);
+  const long steps = clock_.steps;
+  const double pause = next_pause();
+  flow_->leave_alone_until(pause);
+  const long last_before_display = steps + passes_between_displays + 1 - passes_;
+  fields::advance(*flow_, case_, clock_, pause, std::min(looks_->due_after(), last_before_display));
+  passes_ += static_cast<int>(clock_.steps - steps) - 1;
   if (looks_->is_due()) look_at_water();
   if (settings_.report == nullptr) return;
   settings_.report->add_step(t, dt);

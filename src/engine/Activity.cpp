@@ -1,6 +1,7 @@
 #include "engine/Activity.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace engine {
 
@@ -87,6 +88,15 @@ void Activity::find(const Tables& tables, bool it_rains) {
     if (marks_[p] != 0 || touches_mark(tables, patches[p])) {
       with_fluxes_.push_back(static_cast<int>(p));
     }
+  }
+}
+
+void Activity::set(std::vector<char> marks, std::vector<char> can_change) {
+  marks_ = std::move(marks);
+  can_change_ = std::move(can_change);
+  active_.clear();
+  for (std::size_t p = 0; p < marks_.size(); ++p) {
+    if (marks_[p] != 0) active_.push_back(static_cast<int>(p));
   }
 }
 

@@ -26,6 +26,14 @@ class Activity {
   const std::vector<int>& with_fluxes() const { return with_fluxes_; }
   bool takes_part(int patch) const { return marks_[at(patch)] != 0; }
 
+  // For who finds the patches of steps elsewhere; columns over the patches.
+  const std::vector<char>& marks() const { return marks_; }  ///< of those that take part
+  const std::vector<char>& always_active() const { return always_active_; }
+  const std::vector<char>& with_rain() const { return has_rain_; }
+  bool can_change(int patch) const { return can_change_[at(patch)] != 0; }
+  /// Goes on after a step that was computed elsewhere.
+  void set(std::vector<char> marks, std::vector<char> can_change);
+
   /// It rains on other cells than before.
   void find_rain(const Tables& tables);
   /// The states have changed otherwise than by a step.

@@ -49,6 +49,17 @@ class Backend {
   /// From now on no step looks for that.
   virtual void ignore_not_hyperbolic() = 0;
 
+  /// Whether it can compute steps that nobody sees, all that belongs to them included.
+  virtual bool can_go_alone() const { return false; }
+  /// Steps up to the limits, at least one, after the first step of a run; what is not of a single
+  /// step comes in `constants`. Forcing, activity and clock are those after them.
+  virtual void advance_alone(Forcing&, Activity&, const kernels::StepValues& /*constants*/,
+                             const StepLimits&, RunClock&) {}
+  /// To be called before anybody reads or changes the tables: their state may be elsewhere.
+  virtual void bring_home() {}
+  /// To be called after the tables were changed otherwise than by a step.
+  virtual void take_anew() {}
+
   virtual int threads() const = 0;
   virtual const char* instruction_set() const = 0;
 };

@@ -58,7 +58,20 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
   if (&exchange_ != &alone_) meter_.emplace(tables_.patches.patches.size());
 }
 
+bool Engine::advance_alone(RunClock& clock, const StepLimits& limits) {
+  const bool is_first_step = !tables_.cells.eta.empty();
+  const bool can = backend_->can_go_alone() && &exchange_ == &alone_ && !notes_ && !is_first_step;
+  if (!can) return false;
+  backend_->advance_alone(forcing_, activity_, step_, limits, clock);
+  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  agreed_ = {};
+  if (found) agreed_.not_hyperbolic = found->edge;
+  find_not_hyperbolic();
+  return true;
+}
+
 double Engine::stable_step(double t) {
+  backend_->bring_home();
   double smallest = physics::unbounded_step;
   for (std::size_t i = 0; i < at(tables_.owned); ++i) {
     smallest = physics::smaller(smallest, tables_.stable_step_at(i));
@@ -69,6 +82,7 @@ double Engine::stable_step(double t) {
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
+  backend_->bring_home();
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
@@ -96,6 +110,7 @@ double Engine::advance(const StepTimes& times, const Wishes& own) {
                 own);
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment(tables_.ghosts());
+  if (tables_.ghosts().size() > 0 || !tables_.cells.eta.empty()) backend_->take_anew();
   tables_.drop_given_surface();
   agreed_ = exchange_.finish_minimum();
 
@@ -183,6 +198,7 @@ State Engine::state() {
 }
 
 void Engine::save(State& state) {
+  backend_->bring_home();
   for_each_column(state, tables_, [&](std::vector<double>& values, const Column& column) {
     save_column(column, values);
   });
@@ -199,6 +215,7 @@ void Engine::set_state(const State& state) {
   if (tables_.maxima && state.peak_depth.empty()) {
     throw std::invalid_argument("The state holds no maxima of the flow.");
   }
+  backend_->bring_home();
   for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
     column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
     load_column(values, column);
@@ -211,6 +228,7 @@ void Engine::set_state(const State& state) {
   activity_.wake_all();
   if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
   if (tables_.maxima) tables_.maxima->forget_hints();
+  backend_->take_anew();
 }
 
 void Engine::load_column(const std::vector<double>& values, Column& column) const {
@@ -221,6 +239,7 @@ void Engine::load_column(const std::vector<double>& values, Column& column) cons
 
 void Engine::set_water(std::span<const cases::Number> cells,
                        std::span<const physics::InitialWater> water) {
+  backend_->bring_home();
   CellTable& c = tables_.cells;
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const std::size_t place = at(tables_.place[at(cells[i])]);
@@ -231,6 +250,7 @@ void Engine::set_water(std::span<const cases::Number> cells,
   }
   activity_.wake_all();
   if (tables_.maxima) tables_.maxima->forget_hints();
+  backend_->take_anew();
 }
 
 void Engine::impose_on_boundary(int boundary, double value) {
@@ -239,11 +259,14 @@ void Engine::impose_on_boundary(int boundary, double value) {
 
 void Engine::impose_rain(std::span<const cases::Number> cells,
                          std::span<const double> intensities) {
+  backend_->bring_home();
   forcing_.impose_rain(cells, intensities, tables_);
   activity_.find_rain(tables_);
+  backend_->take_anew();
 }
 
 void Engine::read(const Column& column, std::span<double> values) {
+  backend_->bring_home();
   team_.run([&](int member) {
     const Range share = share_of(member, team_.size(), values.size());
     for (int k = share.begin; k < share.end; ++k) {
@@ -254,6 +277,7 @@ void Engine::read(const Column& column, std::span<double> values) {
 
 void Engine::read(const Column& column, std::span<const cases::Number> cells,
                   std::span<double> values) const {
+  backend_->bring_home();
   for (std::size_t i = 0; i < cells.size(); ++i) {
     values[i] = column[at(tables_.place[at(cells[i])])];
   }
@@ -276,11 +300,14 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
   if (!activity_.takes_part(tables_.boundaries[at(number)].cell / tables_.cells_per_patch())) {
     return {};
   }
+  backend_->bring_home();
   const std::size_t slot = at(tables_.first_boundary_slot() + number);
   return {tables_.outer.mass[slot], tables_.has_bed ? tables_.outer.bed[slot] : 0.0};
 }
 
 void Engine::keep_maxima(double arrival_depth) {
+  backend_->bring_home();
+  backend_->take_anew();
   tables_.maxima.emplace(tables_.cells.h.size(), tables_.has_bed, arrival_depth);
 }
 

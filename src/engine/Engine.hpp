@@ -43,6 +43,9 @@ class Engine {
   double stable_step(double t);
   /// Together: advances all cells by a step; the stable step of the new states, s.
   double advance(const StepTimes& times, const Wishes& own = {});
+  /// Where a device computes all of a case, and nobody takes notes: steps that nobody sees, up to
+  /// limits, at least one, after which the clock is set. False where steps have to go one by one.
+  bool advance_alone(RunClock& clock, const StepLimits& limits);
   /// What any rank wished in the last step.
   Wishes wishes() const { return {agreed_.stop < 0.0, agreed_.pause}; }
 
@@ -92,7 +95,10 @@ class Engine {
   /// Whether that is told of the last step, on any rank.
   bool any_rank_was_not_hyperbolic() const { return agreed_.not_hyperbolic != HUGE_VAL; }
 
-  const Tables& tables() const { return tables_; }
+  const Tables& tables() const {
+    backend_->bring_home();
+    return tables_;
+  }
   int threads() const { return backend_->threads(); }
   const char* instruction_set() const { return backend_->instruction_set(); }
   /// What a report calls the path: tables, or device.

@@ -74,6 +74,39 @@ void Forcing::impose_rain(std::span<const cases::Number> cells, std::span<const 
   place_rain(tables);
 }
 
+ForcingTables Forcing::tables(const Tables& tables) const {
+  ForcingTables all;
+  const auto samples_of = [](std::vector<double>& times, std::vector<double>& values,
+                             const double* t, const double* v, int count) {
+    const ForcingTables::Samples samples = {static_cast<int>(times.size()), count};
+    times.insert(times.end(), t, t + count);
+    values.insert(values.end(), v, v + count);
+    return samples;
+  };
+  for (const Series& of : series_) {
+    const physics::SampledSeries& s = of.samples;
+    all.series.push_back(
+        {samples_of(all.sample_times, all.sample_values, s.times, s.values, s.count), of.is_level});
+  }
+  for (const ImposingBoundary& of : imposing_) {
+    const cases::Boundary& of_case = case_.mesh.boundaries[of.number];
+    const bool by_caller = is_imposed_on(of);
+    const double value = by_caller ? imposed_on_boundaries_[of.number] : of_case.value;
+    const int cell = tables.boundaries[at(of.place)].cell;
+    all.imposing.push_back({of.place, of.series, by_caller,
+                            by_caller ? imposed_by(of_case.code, value, tables, cell) : 0.0,
+                            value});
+  }
+  for (const physics::Hyetogram& of : rain_) {
+    all.rains.push_back(
+        {samples_of(all.rain_times, all.intensities, of.times, of.intensities, of.count), of.step});
+  }
+  all.rain_clocks = rain_clocks_;
+  all.hyetograms_have_cells = !case_.fields.rain.empty();
+  all.steady_rains = steady_rains_;
+  return all;
+}
+
 void Forcing::save(State& state) const {
   state.rain_clocks = rain_clocks_;
   state.imposed_on_boundaries = imposed_on_boundaries_;

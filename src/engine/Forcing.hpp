@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "engine/ForcingTables.hpp"
 #include "engine/State.hpp"
 #include "engine/Tables.hpp"
 #include "engine/step_values.hpp"
@@ -42,6 +43,10 @@ class Forcing {
   /// The largest bound for a step of the HLL schemes from t (s); of several the one at the place
   /// `before`, or else the first.
   BoundaryBound boundary_bound(double t, const Tables& tables, int before);
+
+  /// All of it as it stands between two steps.
+  ForcingTables tables(const Tables& tables) const;
+  std::vector<physics::RainClock>& rain_clocks() { return rain_clocks_; }
 
   /// Writes into a state what the steps to come depend on, or puts that of a state in force.
   void save(State& state) const;

@@ -76,6 +76,9 @@ class Flow {
   virtual double stable_step(double t) = 0;
   /// Advances all cells by a step; the stable step of the new states, s.
   virtual double advance(const StepTimes& times) = 0;
+  /// Where the flow can do so: steps that nobody sees, up to limits, at least one, after which the
+  /// clock is set. False where steps have to go one by one.
+  virtual bool advance_alone(engine::RunClock&, const engine::StepLimits&) { return false; }
 
   // Several ranks need no orders for steps between which nobody asks for anything.
   /// Before a step: up to a time (s) nothing but steps as the clock brings them is asked of the

@@ -14,10 +14,20 @@ TablesFlow::TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnost
 
 double TablesFlow::advance(const StepTimes& times) {
   const double step = engine_.advance(times);
-  if (const auto& found = engine_.not_hyperbolic()) {
-    diagnostics_.warn(utils::not_hyperbolic(found->place, times.t, found->h, found->qx, found->qy));
-  }
+  tell_not_hyperbolic(times.t);
   return step;
+}
+
+bool TablesFlow::advance_alone(engine::RunClock& clock, const engine::StepLimits& limits) {
+  if (!engine_.advance_alone(clock, limits)) return false;
+  tell_not_hyperbolic(clock.begun);
+  return true;
+}
+
+void TablesFlow::tell_not_hyperbolic(double t) {
+  const auto& found = engine_.not_hyperbolic();
+  if (!found) return;
+  diagnostics_.warn(utils::not_hyperbolic(found->place, t, found->h, found->qx, found->qy));
 }
 
 FlowSurvey TablesFlow::survey() const {

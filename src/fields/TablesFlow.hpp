@@ -20,6 +20,7 @@ class TablesFlow : public Flow {
   }
   double stable_step(double t) override { return engine_.stable_step(t); }
   double advance(const StepTimes& times) override;
+  bool advance_alone(engine::RunClock& clock, const engine::StepLimits& limits) override;
 
   void read(Field field, std::span<double> values) const override { fields_.read(field, values); }
   void read(Field field, std::span<const cases::Number> cells,
@@ -47,6 +48,9 @@ class TablesFlow : public Flow {
   engine::Engine& engine() { return engine_; }
 
  private:
+  /// Of a step from a time on (s).
+  void tell_not_hyperbolic(double t);
+
   const cases::Case& case_;
   cases::Diagnostics& diagnostics_;
   mutable engine::Engine engine_;

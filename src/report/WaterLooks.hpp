@@ -35,9 +35,9 @@ class WaterLooks {
   /// Looks at the present state, if that has not been done.
   void look();
   /// After so many further steps.
-  bool is_due(long further = 0) const {
-    return clock_.steps + further - looked_at_ >= steps_between;
-  }
+  bool is_due(long further = 0) const { return clock_.steps + further >= due_after(); }
+  /// The step after which the next look is due.
+  long due_after() const { return looked_at_ + steps_between; }
 
   /// Of the last look; without a depth below zero it holds nothing else either.
   const fields::ColumnSurvey& depths() const { return depths_; }

@@ -8,7 +8,7 @@ namespace engine::device {
 
 template <bool has_bed>
 struct AdvanceHll1 {
-  static constexpr int phases = 5, threads = 256, blocks_at_once = 0;
+  static constexpr int phases = 5, threads = 256, blocks_at_once = has_bed ? 2 : 0;
 
   HllStep step;
 
@@ -17,6 +17,9 @@ struct AdvanceHll1 {
     return per_state * room.states + per_slot * room.slots + room.demands + room.findings.words();
   }
   int scratch_words() const { return words_of(step.room); }
+  QM_HD bool has_work(const AdvanceHll1& kernel, int patch) {
+    return device::has_work(kernel.step, patch);
+  }
 
   /// 0: the states of the cells of the patch and of the ring around it.
   template <class Scratch>
@@ -27,8 +30,9 @@ struct AdvanceHll1 {
     for (int k = thread.number; k < patch.cells; k += thread.count) {
       begin_hll_cell(step, patch, k, words.demand);
     }
+    const kernels::StepValues values = present_values(*step.clock, step.values);
     for (int k = thread.number; k < patch.with_states; k += thread.count) {
-      if (!HllPatchView::is_gap(patch, k)) store_state(step, patch, k, words);
+      if (!HllPatchView::is_gap(patch, k)) store_state(step, values, patch, k, words);
     }
   }
 
@@ -107,19 +111,19 @@ struct AdvanceHll1 {
   }
 
   template <class Scratch>
-  QM_HD void store_state(const HllStep& step, const HllPatchView& patch, int k,
-                         const Words<Scratch>& words) {
+  QM_HD void store_state(const HllStep& step, const kernels::StepValues& values,
+                         const HllPatchView& patch, int k, const Words<Scratch>& words) {
     const kernels::CellColumns& cells = step.tables.cells;
     const int i = place_of(step.hll, patch, k);
     const double* const geometry = geometry_of(step.hll, patch, k);
-    kernels::store_hll_cell_state(cells, i, geometry, k, words.states, step.values);
+    kernels::store_hll_cell_state(cells, i, geometry, k, words.states, values);
     if constexpr (has_bed) {
       if (cells.manning != nullptr) {
         kernels::store_hll_bed<true>(cells, i, words.states.waters, geometry, k, words.beds,
-                                     step.values);
+                                     values);
       } else {
         kernels::store_hll_bed<false>(cells, i, words.states.waters, geometry, k, words.beds,
-                                      step.values);
+                                      values);
       }
     }
   }

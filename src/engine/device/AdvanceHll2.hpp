@@ -16,6 +16,9 @@ struct AdvanceHll2 {
            room.findings.words();
   }
   int scratch_words() const { return words_of(step.room); }
+  QM_HD bool has_work(const AdvanceHll2& kernel, int patch) {
+    return device::has_work(kernel.step, patch);
+  }
 
   /// 0: the water of all cells that others see.
   template <class Scratch>
@@ -46,14 +49,15 @@ struct AdvanceHll2 {
     const HllPatchView& patch = hll_patch_of(step, thread);
     const Words<Scratch> words = parts_of(step, patch, scratch);
     const auto& neighbours = step.hll.neighbours;
+    const kernels::StepValues values = present_values(*step.clock, step.values);
     for (int k = thread.number; k < patch.with_states; k += thread.count) {
       if (HllPatchView::is_gap(patch, k)) continue;
       const int n = patch.first_state + k;
       const double* const geometry = geometry_of(step.hll, patch, k);
       const physics::HllSlopes slopes =
           kernels::hll_slopes(words.waters, geometry, weights_of(step.hll, patch, k),
-                              neighbours[0][n], neighbours[1][n], neighbours[2][n], k, step.values);
-      kernels::store_hll_edges(words.waters, geometry, slopes, k, words.edges, step.values);
+                              neighbours[0][n], neighbours[1][n], neighbours[2][n], k, values);
+      kernels::store_hll_edges(words.waters, geometry, slopes, k, words.edges, values);
     }
   }
 

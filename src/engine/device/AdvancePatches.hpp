@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/device/PatchFindings.hpp"
+#include "engine/device/StepClock.hpp"
 #include "engine/device/soil_demand.hpp"
 #include "kernels/cell.hpp"
 
@@ -21,19 +22,23 @@ struct AdvancePatches {
   static constexpr int phases = 5, threads = 256, blocks_at_once = 0;
 
   TableView tables;
-  const int* patches;  ///< of the blocks
-  kernels::StepValues step;
+  const char* takes_part;  ///< of the patches
+  const StepClock* clock;
+  kernels::StepValues step;  ///< see present_values
   const physics::SoilStep* soil_steps;
   kernels::MaximaValues maxima;
   NotesView notes;
   PatchScratch room;
-  PatchFindings* findings;  ///< of the blocks
+  PatchFindings* findings;  ///< of the patches
 
   static int words_of(const PatchScratch& room) {
     constexpr int columns = has_bed ? 4 : 3;
     return columns * room.slots + 2 * room.cells + room.demands + room.findings.words();
   }
   int scratch_words() const { return words_of(room); }
+  QM_HD bool has_work(const AdvancePatches& kernel, int patch) {
+    return !kernel.clock->halted && kernel.takes_part[patch] != 0;
+  }
 
   /// 0: what follows from the states before the step.
   template <class Scratch>
@@ -44,7 +49,8 @@ struct AdvancePatches {
     for (int k = thread.number; k < patch.cells; k += thread.count) {
       const int i = patch.first_cell + k;
       if (kernel.tables.maxima.depth != nullptr) {
-        kernels::note_state(kernel.tables.cells, kernel.tables.maxima, i, kernel.maxima);
+        kernels::note_state(kernel.tables.cells, kernel.tables.maxima, i,
+                            at_time(kernel.maxima, kernel.clock->run.t));
       }
       kernels::store_terms(cells, i, kernel.step.zero_depth);
       if (patch.has_soil) {
@@ -115,7 +121,7 @@ struct AdvancePatches {
   }
 
   QM_HD const PatchView& patch_of(const AdvancePatches& kernel, const Thread& thread) {
-    return kernel.tables.patches[kernel.patches[thread.block]];
+    return kernel.tables.patches[thread.block];
   }
 
   /// All columns, with the terms of the depth of a patch.
@@ -174,14 +180,14 @@ struct AdvancePatches {
   QM_HD PatchFindings advance_cell(const AdvancePatches& kernel, const PatchView& patch,
                                    const Words<Scratch>& words, int i) {
     const kernels::CellColumns& cells = kernel.tables.cells;
-    const kernels::StepValues& step = kernel.step;
+    const kernels::StepValues step = present_values(*kernel.clock, kernel.step);
     const kernels::CellSlots slots = {cells.slots[0][i], cells.slots[1][i], cells.slots[2][i]};
     if constexpr (has_bed) {
       if (kernel.notes.are_taken) {
         kernel.notes.lifted[i] += kernels::lifted_sediment(cells, i, slots, words.slots, step);
       }
     }
-    const kernels::CellAfter after = after_step(kernel, patch, words, i, slots);
+    const kernels::CellAfter after = after_step(kernel, step, patch, words, i, slots);
     if (after.is_deeper) cells.max_h[i] = after.max_h;
     PatchFindings findings;
     if (after.wave_speed > 0.0) findings.smallest_step = cells.char_length[i] / after.wave_speed;
@@ -197,32 +203,30 @@ struct AdvancePatches {
   }
 
   template <class Scratch>
-  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const PatchView& patch,
-                                      const Words<Scratch>& words, int i,
+  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const kernels::StepValues& step,
+                                      const PatchView& patch, const Words<Scratch>& words, int i,
                                       const kernels::CellSlots& slots) {
     const bool friction = kernel.tables.cells.manning != nullptr;
-    if (kernel.step.rain_depths != nullptr) {
-      return friction ? after_step<true, true>(kernel, patch, words, i, slots)
-                      : after_step<false, true>(kernel, patch, words, i, slots);
+    if (step.rain_depths != nullptr) {
+      return friction ? after_step<true, true>(kernel, step, patch, words, i, slots)
+                      : after_step<false, true>(kernel, step, patch, words, i, slots);
     }
-    return friction ? after_step<true, false>(kernel, patch, words, i, slots)
-                    : after_step<false, false>(kernel, patch, words, i, slots);
+    return friction ? after_step<true, false>(kernel, step, patch, words, i, slots)
+                    : after_step<false, false>(kernel, step, patch, words, i, slots);
   }
 
   template <bool friction, bool rain, class Scratch>
-  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const PatchView& patch,
-                                      const Words<Scratch>& words, int i,
+  QM_HD kernels::CellAfter after_step(const AdvancePatches& kernel, const kernels::StepValues& step,
+                                      const PatchView& patch, const Words<Scratch>& words, int i,
                                       const kernels::CellSlots& slots) {
     const auto cells = cells_of(kernel, patch, words);
     if constexpr (has_bed) {  // which lets no water in
-      return kernels::advance_water_and_bed<friction, rain>(cells, i, slots, words.slots,
-                                                            kernel.step);
+      return kernels::advance_water_and_bed<friction, rain>(cells, i, slots, words.slots, step);
     } else if (patch.has_soil) {
-      return kernels::advance_water<friction, rain, true>(
-          cells, i, slots, words.slots, words.demand[i - patch.first_cell], kernel.step);
+      return kernels::advance_water<friction, rain, true>(cells, i, slots, words.slots,
+                                                          words.demand[i - patch.first_cell], step);
     } else {
-      return kernels::advance_water<friction, rain, false>(cells, i, slots, words.slots, 0.0,
-                                                           kernel.step);
+      return kernels::advance_water<friction, rain, false>(cells, i, slots, words.slots, 0.0, step);
     }
   }
 };

@@ -28,6 +28,7 @@ class DeviceTables {
     const Patches& p = tables.patches;
     patch_views_.take(views_of(tables));
     outer_slots_.take(p.outer_slots);
+    neighbours_.take(p.neighbours);
     if (!tables.hll) {
       for (std::size_t k = 0; k < 3; ++k) slots_[k].take(p.slots[k]);
       edges_.take(p.edges);
@@ -41,16 +42,19 @@ class DeviceTables {
     if (tables.hll) hll_.emplace(tables);
   }
 
-  // What changes, in whole columns. The host may have changed all of it between two steps.
+  // What changes, in whole columns.
   void take_state(const Tables& tables) {
     for_each_column(tables.cells, [](Numbers& own, const Column& of_host) { own.take(of_host); });
-    rain_.take(tables.cells.rain);
-    boundaries_.take(tables.boundaries);
+    const auto& rain = tables.cells.rain;
+    rain_.take(rain);
+    rain_numbers_ = rain.empty() ? 0 : 1 + at(*std::max_element(rain.begin(), rain.end()));
+    take_boundaries(tables);
     if (tables.maxima) {
       for_each_maximum(*tables.maxima,
                        [](Numbers& own, const Column& of_host) { own.take(of_host); });
     }
   }
+  void take_boundaries(const Tables& tables) { boundaries_.take(tables.boundaries); }
   void give_state(Tables& tables) {
     const auto give = [](const Numbers& own, Column& of_host) { own.give(of_host); };
     for_each_column(tables.cells, give);
@@ -67,6 +71,12 @@ class DeviceTables {
   /// Of a scheme of the HLL family: the states after a step come into force.
   void take_states_after() { hll_->swap_states(h_, qx_, qy_, hs_, bed_); }
   HllTableView hll_view() { return hll_->view(); }
+
+  kernels::BoundaryEdge* boundaries() const { return boundaries_.data(); }
+  /// See Patches::neighbours.
+  const int* neighbours() const { return neighbours_.data(); }
+  /// How many rains the cells name; none has the number 0.
+  std::size_t rain_numbers() const { return rain_numbers_; }
 
   TableView view() {
     return {.cells = cells(),
@@ -136,6 +146,8 @@ class DeviceTables {
                        .boundaries = patch.boundaries.size(),
                        .first_outer_slot = patch.outer_slots.begin,
                        .outer_slots = patch.outer_slots.size(),
+                       .first_neighbour = patch.neighbours.begin,
+                       .neighbours = patch.neighbours.size(),
                        .right_slots = patch.right_slots(),
                        .has_soil = has_soil});
     }
@@ -211,7 +223,8 @@ class DeviceTables {
   Array<int> rain_, soil_;
 
   Array<PatchView> patch_views_;
-  Array<int> outer_slots_;
+  Array<int> outer_slots_, neighbours_;
+  std::size_t rain_numbers_ = 0;
   Array<kernels::Local> slots_[3];
   Edges<kernels::Local> edges_;
   Edges<int> cut_edges_;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <memory>
 #include <numeric>
@@ -18,6 +19,11 @@
 #include "engine/device/launch.hpp"
 
 namespace engine::device {
+
+/// What went between the host and emulated devices so far, in all of the process.
+struct EmulatedTraffic {
+  static inline std::atomic<std::size_t> bytes = 0, launches = 0;
+};
 
 /// Values in the memory of the device, which is a piece of its own here too: what is not copied is
 /// not there.
@@ -38,10 +44,12 @@ class EmulatedArray {
   void take(std::span<const Value> values) {
     resize(values.size());
     std::copy(values.begin(), values.end(), values_.get());
+    EmulatedTraffic::bytes += values.size_bytes();
   }
   /// Copies the first of them to the host.
   void give(std::span<Value> values) const {
     std::copy_n(values_.get(), values.size(), values.begin());
+    EmulatedTraffic::bytes += values.size_bytes();
   }
 
  private:
@@ -64,6 +72,7 @@ class Emulator {
   /// Returns when all blocks have run.
   template <class Kernel>
   void launch(const Kernel& kernel, std::size_t blocks) {
+    ++EmulatedTraffic::launches;
     order_.resize(blocks);
     std::iota(order_.begin(), order_.end(), 0);
     std::shuffle(order_.begin(), order_.end(), random_);
@@ -86,6 +95,7 @@ class Emulator {
  private:
   template <class Kernel>
   void run_block(const Kernel& kernel, int block) {
+    if (!has_work(kernel, block)) return;
     if (mode_ == Mode::watching) {
       WatchedScratch scratch(kernel.scratch_words());
       run_phases<0>(kernel, block, WatchedColumn(scratch),

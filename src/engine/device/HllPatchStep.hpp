@@ -4,6 +4,7 @@
 
 #include "engine/device/HllTableView.hpp"
 #include "engine/device/PatchFindings.hpp"
+#include "engine/device/StepClock.hpp"
 #include "engine/device/soil_demand.hpp"
 
 namespace engine::device {
@@ -19,17 +20,22 @@ struct HllScratch {
 struct HllStep {
   TableView tables;
   HllTableView hll;
-  const int* patches;  ///< of the blocks
-  kernels::StepValues values;
+  const char* takes_part;  ///< of the patches
+  const StepClock* clock;
+  kernels::StepValues values;  ///< see present_values
   const physics::SoilStep* soil_steps;
   kernels::MaximaValues maxima;
   NotesView notes;
   HllScratch room;
-  PatchFindings* findings;  ///< of the blocks
+  PatchFindings* findings;  ///< of the patches
 };
 
+QM_HD inline bool has_work(const HllStep& step, int patch) {
+  return !step.clock->halted && step.takes_part[patch] != 0;
+}
+
 QM_HD inline const HllPatchView& hll_patch_of(const HllStep& step, const Thread& thread) {
-  return step.hll.patches[step.patches[thread.block]];
+  return step.hll.patches[thread.block];
 }
 
 /// Slots of a patch in scratch, from a word on.
@@ -49,7 +55,8 @@ QM_HD inline void begin_hll_cell(const HllStep& step, const HllPatchView& patch,
                                  Scratch demand) {
   const int i = patch.first_cell + k;
   if (step.tables.maxima.depth != nullptr) {
-    kernels::note_state(step.tables.cells, step.tables.maxima, i, step.maxima);
+    kernels::note_state(step.tables.cells, step.tables.maxima, i,
+                        at_time(step.maxima, step.clock->run.t));
   }
   if (patch.has_soil) demand[k] = demand_of(step.tables, step.soil_steps, step.notes, i);
 }
@@ -88,45 +95,55 @@ QM_HD inline int flux_of_hll_boundary(const HllStep& step, const HllPatchView& p
 }
 
 template <bool friction, bool rain, bool soil, bool has_bed, class Before, class Slots>
-QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step, int i, int k,
+QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step,
+                                                    const kernels::StepValues& values, int i, int k,
                                                     const Before& before, const Slots& slots,
                                                     double demand) {
   const kernels::CellColumns& cells = step.tables.cells;
   const int s0 = cells.slots[0][i], s1 = cells.slots[1][i], s2 = cells.slots[2][i];
   kernels::HllCellAfter after = kernels::advance_hll<friction, rain, soil>(
-      cells, i, k, before, s0, s1, s2, slots, demand, step.hll.after, step.values);
+      cells, i, k, before, s0, s1, s2, slots, demand, step.hll.after, values);
   if constexpr (has_bed) {
     after.crossing_rate = physics::larger(
-        after.crossing_rate, kernels::advance_hll_bed<friction>(cells, i, s0, s1, s2, slots,
-                                                                step.hll.after, step.values));
+        after.crossing_rate,
+        kernels::advance_hll_bed<friction>(cells, i, s0, s1, s2, slots, step.hll.after, values));
   }
   return after;
 }
 
 template <bool friction, bool rain, bool has_bed, class Before, class Slots, class Scratch>
-QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step, const HllPatchView& patch,
-                                                    int k, const Before& before, const Slots& slots,
+QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step,
+                                                    const kernels::StepValues& values,
+                                                    const HllPatchView& patch, int k,
+                                                    const Before& before, const Slots& slots,
                                                     Scratch demand) {
   const int i = patch.first_cell + k;
   if constexpr (!has_bed) {
     if (patch.has_soil) {
-      return advance_hll_cell<friction, rain, true, has_bed>(step, i, k, before, slots, demand[k]);
+      return advance_hll_cell<friction, rain, true, has_bed>(step, values, i, k, before, slots,
+                                                             demand[k]);
     }
   }
-  return advance_hll_cell<friction, rain, false, has_bed>(step, i, k, before, slots, 0.0);
+  return advance_hll_cell<friction, rain, false, has_bed>(step, values, i, k, before, slots, 0.0);
 }
 
 template <bool has_bed, class Before, class Slots, class Scratch>
-QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step, const HllPatchView& patch,
-                                                    int k, const Before& before, const Slots& slots,
+QM_HD inline kernels::HllCellAfter advance_hll_cell(const HllStep& step,
+                                                    const kernels::StepValues& values,
+                                                    const HllPatchView& patch, int k,
+                                                    const Before& before, const Slots& slots,
                                                     Scratch demand) {
   const bool friction = step.tables.cells.manning != nullptr;
-  if (step.values.rain_depths != nullptr) {
-    return friction ? advance_hll_cell<true, true, has_bed>(step, patch, k, before, slots, demand)
-                    : advance_hll_cell<false, true, has_bed>(step, patch, k, before, slots, demand);
+  if (values.rain_depths != nullptr) {
+    return friction ? advance_hll_cell<true, true, has_bed>(step, values, patch, k, before, slots,
+                                                            demand)
+                    : advance_hll_cell<false, true, has_bed>(step, values, patch, k, before, slots,
+                                                             demand);
   }
-  return friction ? advance_hll_cell<true, false, has_bed>(step, patch, k, before, slots, demand)
-                  : advance_hll_cell<false, false, has_bed>(step, patch, k, before, slots, demand);
+  return friction
+             ? advance_hll_cell<true, false, has_bed>(step, values, patch, k, before, slots, demand)
+             : advance_hll_cell<false, false, has_bed>(step, values, patch, k, before, slots,
+                                                       demand);
 }
 
 /// The share of a thread of the cells of a patch; what it found in them.
@@ -135,12 +152,13 @@ QM_HD inline PatchFindings advance_hll_cells(const HllStep& step, const Thread& 
                                              const Before& before, const Slots& slots,
                                              Scratch demand) {
   const HllPatchView& patch = hll_patch_of(step, thread);
+  const kernels::StepValues values = present_values(*step.clock, step.values);
   PatchFindings found;
   double rate = 0.0;
   for (int k = thread.number; k < patch.cells; k += thread.count) {
     const int i = patch.first_cell + k;
     const kernels::HllCellAfter after =
-        advance_hll_cell<has_bed>(step, patch, k, before, slots, demand);
+        advance_hll_cell<has_bed>(step, values, patch, k, before, slots, demand);
     if (after.is_deeper) step.tables.cells.max_h[i] = after.max_h;
     rate = physics::larger(rate, after.crossing_rate);
     found.changing_cells += after.may_change ? 1 : 0;

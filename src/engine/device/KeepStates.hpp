@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/device/HllTableView.hpp"
+#include "engine/device/StepClock.hpp"
 #include "engine/device/launch.hpp"
 
 namespace engine::device {
@@ -12,13 +13,17 @@ struct KeepStates {
 
   TableView tables;
   kernels::HllAfterColumns after;
-  const int* patches;  ///< of the blocks
+  const char* goes_to_rest;  ///< of the patches
+  const StepClock* clock;
 
   static int scratch_words() { return 0; }
+  QM_HD bool has_work(const KeepStates& kernel, int patch) {
+    return !kernel.clock->halted && kernel.goes_to_rest[patch] != 0;
+  }
 
   template <class Scratch>
   QM_HD void run(Phase<0>, const KeepStates& kernel, const Thread& thread, Scratch) {
-    const PatchView& patch = kernel.tables.patches[kernel.patches[thread.block]];
+    const PatchView& patch = kernel.tables.patches[thread.block];
     const kernels::CellColumns& cells = kernel.tables.cells;
     const kernels::HllAfterColumns& after = kernel.after;
     for (int k = thread.number; k < patch.cells; k += thread.count) {

@@ -2,7 +2,7 @@
 // the outer slots. A block to a patch.
 #pragma once
 
-#include "engine/device/EdgeFound.hpp"
+#include "engine/device/StepClock.hpp"
 #include "engine/device/launch.hpp"
 
 namespace engine::device {
@@ -14,15 +14,28 @@ struct OuterFluxes {
   static constexpr int blocks_at_once = has_bed ? 8 : 12;
 
   TableView tables;
-  const int* patches;  ///< of the blocks
-  kernels::StepValues step;
-  EdgeFound* found;  ///< of the blocks; null: nobody looks for it
+  const char* takes_part;  ///< of the patches
+  bool around;             ///< those that take part, and not over these alone
+  const int* neighbours;
+  const StepClock* clock;
+  kernels::StepValues step;  ///< all but what changes from step to step
+  EdgeFound* found;          ///< of the patches; null: nobody looks for it
 
   int scratch_words() const { return found != nullptr ? EdgeFound::words * threads : 0; }
 
+  QM_HD bool has_work(const OuterFluxes& kernel, int patch) {
+    if (kernel.clock->halted) return false;
+    bool wanted = kernel.takes_part[patch] != 0;
+    const PatchView& view = kernel.tables.patches[patch];
+    for (int k = 0; kernel.around && k < view.neighbours; ++k) {
+      wanted = wanted || kernel.takes_part[kernel.neighbours[view.first_neighbour + k]] != 0;
+    }
+    return wanted;
+  }
+
   template <class Scratch>
   QM_HD void run(Phase<0>, const OuterFluxes& kernel, const Thread& thread, Scratch scratch) {
-    const PatchView& patch = kernel.tables.patches[kernel.patches[thread.block]];
+    const PatchView& patch = kernel.tables.patches[thread.block];
     const EdgeFound first = kernel.tables.cells.eta != nullptr
                                 ? over_cut_edges<true>(kernel, patch, thread)
                                 : over_cut_edges<false>(kernel, patch, thread);

@@ -15,7 +15,8 @@ struct PatchView {
   int first_cut_edge, cut_edges;
   int first_boundary, boundaries;
   int first_outer_slot, outer_slots;
-  int right_slots;  ///< in the scratch of the patch, see there
+  int first_neighbour, neighbours;  ///< see Patches::neighbours
+  int right_slots;                  ///< in the scratch of the patch, see there
   bool has_soil;
 };
 

@@ -21,6 +21,7 @@ __global__ void __launch_bounds__(Kernel::threads, Kernel::blocks_at_once)
   extern __shared__ double scratch[];
   for (int block = static_cast<int>(blockIdx.x); block < blocks;
        block += static_cast<int>(gridDim.x)) {
+    if (!has_work(kernel, block)) continue;  // for all threads alike
     run_phases<0>(kernel, {block, static_cast<int>(threadIdx.x), Kernel::threads}, scratch);
   }
 }

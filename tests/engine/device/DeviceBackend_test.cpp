@@ -10,6 +10,7 @@
 #include "engine/Engine.hpp"
 #include "engine/device/make_device_backend.hpp"
 #include "support/TriangleGrid.hpp"
+#include "support/polygon_mesh.hpp"
 
 namespace {
 
@@ -146,5 +147,24 @@ TEST(DeviceBackend, TwoPatchesOfTheHllSchemesHaveTheirScratchOnAMultiprocessorAt
       EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<false>::words_of(room)), 3);
       EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<true>::words_of(room)), 2);
     }
+  }
+}
+
+TEST(DeviceBackend, RefusesCellsWhoseEdgesItsScratchHasNoRoomFor) {
+  cases::Case contents;
+  contents.fields.level = {1.0};
+  contents.fields.qx = contents.fields.qy = {0.0};
+  contents.zero_depth = 1e-3;
+  contents.mesh = support::polygon_mesh(9000);
+  EXPECT_NO_THROW(Engine(contents, 1, 0, {.device = Device::emulated}));
+  contents.mesh = support::polygon_mesh(11000);
+  EXPECT_NO_THROW(Engine(contents, 1));
+  try {
+    const Engine engine(contents, 1, 0, {.device = Device::emulated});
+    ADD_FAILURE() << "nothing was refused";
+  } catch (const std::runtime_error& error) {
+    const std::string text = error.what();
+    EXPECT_TRUE(text.starts_with("Error. The device has 232448 bytes of scratch, but some cells"));
+    EXPECT_NE(text.find("QUILLMERE_ENGINE=tables"), std::string::npos);
   }
 }
