@@ -132,6 +132,7 @@ const char* initial_record(ChannelKind kind, double place) {
       return place < 0.05 ? "2 0 0\n" : place < 0.1 ? "1 0 0\n" : "-5 0 0\n";
     case ChannelKind::wet:
     case ChannelKind::shuffled:
+    case ChannelKind::sources:
       return place < 0.5 ? "2 0 0\n" : "1 0 0\n";
     case ChannelKind::sediment:
       return place < 0.5 ? "2.5 0 0\n" : "1.5 0 0\n";
@@ -141,6 +142,7 @@ const char* initial_record(ChannelKind kind, double place) {
 
 TextBuffer data_file(ChannelKind kind, const std::string& scheme, double t_end) {
   const bool has_sediment = kind == ChannelKind::sediment;
+  const bool has_sources = kind == ChannelKind::sources;
   TextBuffer data;
   data << R"({"name": "dam break", "t0": 0, "tend": )" << t_end << R"(, "CFL": 0.9,
   "mesh": {"nodes": "nodes.txt", "cells": "cells.txt", "edges": "edges.txt"},
@@ -148,7 +150,11 @@ TextBuffer data_file(ChannelKind kind, const std::string& scheme, double t_end) 
        << (has_sediment ? "Bramsett" : "Quillmere") << R"(", "flux scheme": ")" << scheme << R"(",
             "conditions": {"initial conditions": "initial.txt", "friction": "friction.txt")"
        << (has_sediment ? R"(, "initial sediments level": "sand.txt")" : "") << R"(},
-            "sources": {})"
+            "sources": {)"
+       << (has_sources ? R"("rainfall": "rain.txt", "hyetocells": "rain_cells.txt",
+            "infiltration": "soils.txt", "infiltracells": "soil_cells.txt")"
+                       : "")
+       << "}"
        << (has_sediment ? R"(, "parameters": {"sediments mean grain diameter": 0.001,
             "sediments density": 2.65, "sediments friction coefficient": 0.03,
             "sediments porosity": 0.4})"
@@ -177,6 +183,14 @@ void write_channel_case(const Channel& channel, ChannelKind kind, const std::str
        files.field([kind](double place) { return initial_record(kind, place); }));
   if (kind == ChannelKind::sediment) {
     save(folder, "sand.txt", files.field([](double) { return "0.5\n"; }));
+  }
+  if (kind == ChannelKind::sources) {
+    const auto first_half = [](double place) { return place < 0.5 ? "1\n" : "2\n"; };
+    save(folder, "rain.txt", TextBuffer() << "2\n1 2 1\n0 1e-5\n5 2e-5\n2 1 1\n0 5e-6\n");
+    save(folder, "soils.txt",
+         TextBuffer() << "2\n1 GreenAmpt 3e-5 0.11 0.2 0.45 0.02 1e-3\n2 Horton 1e-4 1e-5 20 0.01 0\n");
+    save(folder, "rain_cells.txt", files.field(first_half));
+    save(folder, "soil_cells.txt", files.field(first_half));
   }
   save(folder, "data.json", data_file(kind, scheme, t_end));
 }

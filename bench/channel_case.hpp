@@ -15,6 +15,7 @@ enum class ChannelKind {
   wet,       ///< 2 m of water against 1 m
   dry,       ///< the same in the first tenth of the channel, no water in the rest
   shuffled,  ///< wet, with nodes, cells and edges in random order
+  sources,   ///< wet, with rain from two hyetograms, and soils of both kinds
   sediment   ///< wet, over 0.5 m of sand that moves
 };
 

@@ -3,6 +3,7 @@ import os
 import statistics
 import sys
 
+import card_section
 import work_for_error
 from page import machine, minimum_and_median, output_of, shown, table
 
@@ -152,9 +153,10 @@ def main():
         f"{min(sizes[-1], 1000000):,} triangles.",
         "```\n" + bench.program("bench_files", min(sizes[-1], 1000000)).rstrip() + "\n```",
     ]
-    with open("docs/performance.md", "w") as file:
+    parts += [section for section in (card_section.present(),) if section]
+    with open(card_section.PAGE, "w") as file:
         file.write("\n\n".join(parts) + "\n")
-    print("Written: docs/performance.md")
+    print(f"Written: {card_section.PAGE}")
 
 
 if __name__ == "__main__":

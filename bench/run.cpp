@@ -102,11 +102,12 @@ int main(int argc, char** argv) {
   const std::map<std::string, ChannelKind> kinds = {{"wet", ChannelKind::wet},
                                                     {"dry", ChannelKind::dry},
                                                     {"shuffled", ChannelKind::shuffled},
+                                                    {"sources", ChannelKind::sources},
                                                     {"sediment", ChannelKind::sediment}};
   const int wanted = argc > 1 ? std::atoi(argv[1]) : 0;
   const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
   if (wanted < 100 || kind == kinds.end()) {
-    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sediment [STEPS "
+    std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sources|sediment [STEPS "
                  "[report|checkpoint|results|SCHEME]]], at least 100 cells\n";
     return 2;
   }

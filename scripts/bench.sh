@@ -7,8 +7,24 @@
 # MPI. MEMORY_CELLS is the mesh whose memory is measured (10,000,000), STEPS the length of runs on many
 # ranks (6000); QUILLMERE_FLOOD_DATA names the folder of the data of the real flood, which are not in the
 # repository: without it that case is left out.
+# bench.sh device [CELLS...] writes the section on graphics cards alone: whether a card gives the bits of
+# the processor, and its times; without a card what is known without one, with exit status 77.
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+if [ "${1:-}" = device ]; then
+  shift
+  scripts/install_dependencies.sh build bench validation test
+  cuda=$(PATH="$PATH:/usr/local/cuda/bin" command -v nvcc >/dev/null && echo ON || echo OFF)
+  cmake --preset release -DQUILLMERE_BENCHMARKS=ON -DQUILLMERE_TOOLS=OFF -DQUILLMERE_CUDA="$cuda" \
+    -B build/bench_device >/dev/null
+  targets=(bench_run bench_device_memory)
+  if [ "$cuda" = ON ]; then
+    targets+=(bench_card_copy engine_tests card_tests physics_on_device)
+  fi
+  cmake --build build/bench_device --target "${targets[@]}"
+  exec /usr/bin/python3 bench/device.py build/bench_device "${REPEATS:-3}" "$@"
+fi
 
 groups="build tools bench validation"
 [ "${1:-}" = scaling ] && groups="build bench mpi"

@@ -24,6 +24,7 @@
 #include "support/TemporaryFolder.hpp"
 #include "support/Told.hpp"
 #include "support/case_of.hpp"
+#include "support/device_under_test.hpp"
 
 namespace {
 
@@ -352,7 +353,7 @@ TEST_F(Equality, HoldsForEveryInstructionSetOfTheMachine) {
 }
 
 TEST_F(Equality, HoldsOnADevice) {
-  processor_.device = engine::Device::emulated;
+  processor_.device = support::device_under_test();
   for (const int threads : {1, 3}) {
     expect_same<SWE>({}, threads, 60);
     expect_same<SWE_Exner>({}, threads, 60);
@@ -362,7 +363,7 @@ TEST_F(Equality, HoldsOnADevice) {
 }
 
 TEST_F(Equality, HoldsOnADeviceWherePatchesHaveMoreCellsThanABlockHasThreads) {
-  for (const engine::Device device : {engine::Device::emulated, engine::Device::watched}) {
+  for (const engine::Device device : {support::device_under_test(), engine::Device::watched}) {
     processor_.device = device;
     const Options options{.watched = true,
                           .per_patch = engine::device::cells_per_patch(cases::Scheme::lhllc)};
@@ -377,7 +378,7 @@ TEST_F(Equality, ADeviceTakesTheSameNotesAndSkipsTheSamePatches) {
     processor_.device = engine::Device::none;
     const Work water_on_host = expect_same<SWE>(options, 2, 60);
     const Work bed_on_host = expect_same<SWE_Exner>(options, 2, 60);
-    processor_.device = engine::Device::emulated;
+    processor_.device = support::device_under_test();
     EXPECT_EQ(expect_same<SWE>(options, 2, 60).fewest_patches, water_on_host.fewest_patches);
     EXPECT_EQ(expect_same<SWE_Exner>(options, 2, 60).fewest_patches, bed_on_host.fewest_patches);
   }

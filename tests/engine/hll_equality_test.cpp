@@ -14,6 +14,7 @@
 #include "fields/TablesFlow.hpp"
 #include "support/Told.hpp"
 #include "support/basin.hpp"
+#include "support/device_under_test.hpp"
 
 namespace {
 
@@ -224,7 +225,7 @@ TEST_F(HllEquality, HoldsForEveryInstructionSetOfTheMachine) {
 }
 
 TEST_F(HllEquality, HoldsOnADevice) {
-  device_ = engine::Device::emulated;
+  device_ = support::device_under_test();
   for (int k = 0; k < 16; ++k) {
     const BasinOptions options = {.friction = (k & 1) != 0,
                                   .rain = (k & 2) != 0,
@@ -241,7 +242,7 @@ TEST_F(HllEquality, ADeviceSkipsAndWakesTheSamePatches) {
     const cases::Case contents = basin(scheme, {.rain = false, .soils = false, .mostly_dry = true});
     device_ = engine::Device::none;
     const int on_host = expect_same(contents, 2, 120);
-    device_ = engine::Device::emulated;
+    device_ = support::device_under_test();
     EXPECT_EQ(expect_same(contents, 2, 120), on_host);
   }
 }

@@ -10,6 +10,7 @@
 #include "engine/Engine.hpp"
 #include "engine/device/make_device_backend.hpp"
 #include "support/TriangleGrid.hpp"
+#include "support/device_under_test.hpp"
 #include "support/polygon_mesh.hpp"
 
 namespace {
@@ -42,7 +43,7 @@ void expect_same(const engine::State& a, const engine::State& b) {
 template <class Change>
 void expect_same_steps(const cases::Case& contents, int steps, const Change& change) {
   Engine host(contents, 2, 64);
-  Engine device(contents, 2, 64, {.device = Device::emulated});
+  Engine device(contents, 2, 64, {.device = support::device_under_test()});
   double t = 0.0;
   for (int step = 0; step < steps; ++step) {
     change(host, step);
