@@ -57,6 +57,8 @@ class Backend {
                              const StepLimits&, RunClock&) {}
   /// To be called before anybody reads or changes the tables: their state may be elsewhere.
   virtual void bring_home() {}
+  /// The same for who reads a column of the cells alone.
+  virtual void bring_home(const Column&) {}
   /// To be called after the tables were changed otherwise than by a step.
   virtual void take_anew() {}
 

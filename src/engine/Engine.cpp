@@ -266,7 +266,7 @@ void Engine::impose_rain(std::span<const cases::Number> cells,
 }
 
 void Engine::read(const Column& column, std::span<double> values) {
-  backend_->bring_home();
+  backend_->bring_home(column);
   team_.run([&](int member) {
     const Range share = share_of(member, team_.size(), values.size());
     for (int k = share.begin; k < share.end; ++k) {
@@ -277,7 +277,7 @@ void Engine::read(const Column& column, std::span<double> values) {
 
 void Engine::read(const Column& column, std::span<const cases::Number> cells,
                   std::span<double> values) const {
-  backend_->bring_home();
+  backend_->bring_home(column);
   for (std::size_t i = 0; i < cells.size(); ++i) {
     values[i] = column[at(tables_.place[at(cells[i])])];
   }

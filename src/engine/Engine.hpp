@@ -95,6 +95,8 @@ class Engine {
   /// Whether that is told of the last step, on any rank.
   bool any_rank_was_not_hyperbolic() const { return agreed_.not_hyperbolic != HUGE_VAL; }
 
+  /// The columns of the cells, for read(): what they hold may be elsewhere.
+  const CellTable& columns() const { return tables_.cells; }
   const Tables& tables() const {
     backend_->bring_home();
     return tables_;

@@ -5,7 +5,7 @@
 namespace fields {
 
 const engine::Column* TableFields::column_of(Field field) const {
-  const engine::CellTable& cells = engine_.tables().cells;
+  const engine::CellTable& cells = engine_.columns();
   const auto if_kept = [](const engine::Column& column) {
     return column.empty() ? nullptr : &column;
   };

@@ -108,6 +108,7 @@ class DeviceBackend : public Backend {
     forcing_.take(forcing.tables(tables_), tables_.soils.size());
     take_activity(activity);
     is_home_ = false;
+    at_home_.clear();
     StepClock now = {};
     now.run = clock;
     now.till = limits;
@@ -133,6 +134,12 @@ class DeviceBackend : public Backend {
     if (is_home_) return;
     on_device_.give_state(tables_);
     is_home_ = true;
+  }
+  void bring_home(const Column& column) override {
+    const bool is_there = std::find(at_home_.begin(), at_home_.end(), &column) != at_home_.end();
+    if (is_home_ || is_there) return;
+    on_device_.give_column(tables_, column);
+    at_home_.push_back(&column);
   }
   void take_anew() override { is_on_device_ = false; }
 
@@ -389,8 +396,9 @@ class DeviceBackend : public Backend {
   PatchScratch room_;
   HllScratch room_of_hll_ = {};
   bool watches_hyperbolicity_;
-  bool is_on_device_ = false;  ///< the state of the host, or a later one
-  bool is_home_ = true;        ///< the host has the state of the device, or a later one
+  bool is_on_device_ = false;           ///< the state of the host, or a later one
+  bool is_home_ = true;                 ///< the host has the state of the device, or a later one
+  std::vector<const Column*> at_home_;  ///< those that are there where not all is
   std::optional<NotHyperbolic> not_hyperbolic_;
 
   Array<StepClock> clock_;                 ///< one

@@ -61,6 +61,12 @@ class DeviceTables {
     for_each_outer_column(tables.outer, give);
     give_maxima(tables);
   }
+  /// One of the columns of the cells.
+  void give_column(Tables& tables, const Column& column) {
+    for_each_column(tables.cells, [&](const Numbers& own, Column& of_host) {
+      if (&of_host == &column) own.give(of_host);
+    });
+  }
   void give_maxima(Tables& tables) {
     if (!tables.maxima) return;
     for_each_maximum(*tables.maxima,

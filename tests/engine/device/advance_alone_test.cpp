@@ -196,8 +196,14 @@ TEST_F(AdvanceAlone, CopiesNothingBetweenTheSteps) {
     // Now and then the host asks whether the clock has halted.
     constexpr std::size_t of_clock = 2 * sizeof(engine::device::StepClock);
     EXPECT_EQ(bytes_of(100), of_one_step + 3 * of_clock);
-    // A look at the states copies them, once.
-    device.engine.state();
+    // Who looks at depths copies these, once; who looks at all states the rest.
+    std::vector<double> depths(contents.fields.level.size());
+    for (const std::size_t columns : {1, 0}) {
+      const std::size_t before = EmulatedTraffic::bytes;
+      device.engine.read(device.engine.columns().h, depths);
+      EXPECT_EQ(EmulatedTraffic::bytes - before, columns * depths.size() * sizeof(double));
+    }
+    EXPECT_EQ(device.engine.state().h, depths);
     const std::size_t before = EmulatedTraffic::bytes;
     device.engine.state();
     EXPECT_EQ(EmulatedTraffic::bytes, before);
