@@ -51,6 +51,9 @@ void* operator new(std::size_t size, std::align_val_t alignment) {
   return block;
 }
 void operator delete(void* block, std::align_val_t) noexcept { counted_deallocation(block); }
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+  counted_deallocation(block);
+}
 void operator delete(void* block) noexcept { counted_deallocation(block); }
 void operator delete[](void* block) noexcept { counted_deallocation(block); }
 void operator delete(void* block, std::size_t) noexcept { counted_deallocation(block); }
