@@ -20,12 +20,12 @@ utils::WriterThread::Pieces GatheredFields::pieces(const std::string& name,
   return [this, name, header, is_first = true]() mutable -> std::optional<Piece> {
     if (!std::exchange(is_first, false)) return next_piece();
     const bool is_all = !rows_->has_others();
-    const auto write = [this, name, header, is_all] {
+    auto write = [this, name, header, is_all] {
       table_.emplace(name, header, request_.bed);
       rows_->add_own_to(*table_);
       return !is_all || table_->commit();
     };
-    return Piece{write, is_all};
+    return Piece{std::move(write), is_all};
   };
 }
 
@@ -33,11 +33,11 @@ std::optional<Piece> GatheredFields::next_piece() {
   std::optional<fields::RowText> rows = rows_->next();
   if (!rows) return {};
   const bool is_last = rows->is_last;
-  const auto write = [this, text = std::move(rows->text), is_last] {
+  auto write = [this, text = std::move(rows->text), is_last] {
     table_->add_rows(text);
     return !is_last || table_->commit();
   };
-  return Piece{write, is_last};
+  return Piece{std::move(write), is_last};
 }
 
 bool GatheredFields::write(const std::string& name, const std::string& header) {

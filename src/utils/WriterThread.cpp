@@ -30,6 +30,10 @@ std::vector<WriterThread*> writers_of_this_thread() {
   return own;
 }
 
+void tell_failure(const std::exception& error) {
+  std::cerr << std::string("Error. A writer of results failed: ") + error.what() + "\n";
+}
+
 /// How many have work that comes in pieces.
 std::atomic<int> work_in_pieces = 0;
 
@@ -97,13 +101,26 @@ bool WriterThread::can_go_on() {
 
 void WriterThread::go_on() {
   if (!can_go_on()) return;
-  std::optional<Piece> piece = pieces_();
+  std::optional<Piece> piece = next_piece();
   if (!piece) return;
   if (piece->is_last) {
     pieces_ = nullptr;
     --work_in_pieces;
   }
   start(std::move(piece->work), !piece->is_last);
+}
+
+/// Behind a piece that failed none is written; where the next cannot be had, it is the last.
+std::optional<WriterThread::Piece> WriterThread::next_piece() {
+  const Work failure = [] { return false; };
+  try {
+    std::optional<Piece> piece = pieces_();
+    if (piece && has_failed_) piece->work = failure;
+    return piece;
+  } catch (const std::exception& error) {
+    tell_failure(error);
+    return Piece{failure, true};
+  }
 }
 
 void WriterThread::wait() {
@@ -157,7 +174,7 @@ void WriterThread::do_work(const Work& work) {
   try {
     if (!work()) has_failed_ = true;
   } catch (const std::exception& error) {
-    std::cerr << std::string("Error. A writer of results failed: ") + error.what() + "\n";
+    tell_failure(error);
     has_failed_ = true;
   }
 }

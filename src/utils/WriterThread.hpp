@@ -35,7 +35,8 @@ class WriterThread {
   /// for it, it is done at once.
   void hand_over(Work work);
   /// The same of work that comes in pieces. The next one is asked for when the one before is done:
-  /// in go_on_with_writers(), and as long as the owner waits for any writer.
+  /// in go_on_with_writers(), and as long as the owner waits for any writer. Behind one that failed
+  /// the rest is left out.
   void hand_over_pieces(Pieces pieces);
   void go_on();
   /// Whether that would ask for the next piece.
@@ -52,6 +53,7 @@ class WriterThread {
   void note_failure() { has_failed_ = true; }
 
  private:
+  std::optional<Piece> next_piece();
   void start(Work work, bool has_more);
   bool has_thread();
   void serve();

@@ -168,9 +168,26 @@ TEST(WriterThread, AsksForThePiecesOfItsWorkAsTheyCome) {
   EXPECT_TRUE(writer.is_busy());  // the rest is still to come
   is_there = true;
   writer.wait();
-  EXPECT_EQ(written, (std::vector<int>{0, 1, 2, 3}));
+  EXPECT_EQ(written, (std::vector<int>{0, 1}));  // nothing behind the one that failed
+  EXPECT_EQ(asked, 4);
   EXPECT_FALSE(writer.is_busy());
   EXPECT_TRUE(writer.has_failed());
+}
+
+TEST(WriterThread, PiecesThatCannotBeHadAreAFailure) {
+  using Piece = utils::WriterThread::Piece;
+  utils::WriterThread writer;
+  int asked = 0;
+  CaptureStderr();
+  writer.hand_over_pieces([&]() -> std::optional<Piece> {
+    if (++asked == 2) throw std::runtime_error("a rank is lost");
+    return Piece{[] { return true; }, false};
+  });
+  writer.wait();
+  EXPECT_EQ(GetCapturedStderr(), "Error. A writer of results failed: a rank is lost\n");
+  EXPECT_TRUE(writer.has_failed());
+  EXPECT_FALSE(writer.is_busy());
+  EXPECT_EQ(asked, 2);
 }
 
 TEST(WriterThread, GoesOnWithOthersWhileItWaits) {
