@@ -273,12 +273,14 @@ ranks::Group& RanksFlow::waiting_ranks() const {
   return *group_;
 }
 
-void RanksFlow::recut(std::vector<ranks::Cells> cells) {
+bool RanksFlow::recut(std::vector<ranks::Cells> cells) {
   tell(waiting_ranks(), {Task::recut});
   plan_.cells = std::move(cells);
   ranks::broadcast_out(*group_, plan_);
-  if (fields::recut(part_, case_, plan_, *group_)) ++recuts_;
+  const bool is_new = fields::recut(part_, case_, plan_, *group_);
   plan_.cells = {};
+  if (is_new) ++recuts_;
+  return is_new;
 }
 
 FlowScales RanksFlow::scales() const {
@@ -307,7 +309,7 @@ void RanksFlow::move_cells() {
   const std::vector<double> weights = curve_->sums_of_patches(of_cells);
   const std::vector<int> cuts = curve_->cuts(weights, group_->size());
   if (!balance_->pays(ranks::weights_of_runs(weights, cuts))) return;
-  recut(curve_->runs(cuts));
+  are_balanced_ = recut(curve_->runs(cuts));  // where that failed once it would fail again
   balance_->has_moved(engine::seconds_of_thread() - begun);
 }
 
@@ -460,7 +462,11 @@ ExecutionPath RanksFlow::execution_path() const {
 }
 
 UnseenDepth RanksFlow::unseen_depth(Number cell) const {
-  if (!gathered_.notes) save_notes(gathered_.notes.emplace());
+  if (!gathered_.notes) {
+    engine::SavedNotes all;
+    save_notes(all);
+    gathered_.notes = std::move(all);
+  }
   const engine::SavedNotes& notes = *gathered_.notes;
   const auto value = [&](const std::vector<double>& column) {
     return column.empty() ? 0.0 : column[at(cell)];

@@ -43,12 +43,11 @@ class RanksFlow : public Flow {
   ~RanksFlow() override;
 
   /// Between two steps: the cells of every rank that takes part are others from now on, unless one
-  /// of them cannot start so. What boundaries took in during the last step is forgotten.
-  void recut(std::vector<ranks::Cells> cells);
+  /// of them cannot start so. What boundaries took in during the last step is forgotten. Answers
+  /// whether they are.
+  bool recut(std::vector<ranks::Cells> cells);
   /// How often that was done.
   int recuts() const { return recuts_; }
-  /// For how long the steps have kept the ranks busy.
-  const ranks::Balance& balance() const { return *balance_; }
 
   FlowScales scales() const override;
   double stable_step(double t) override;

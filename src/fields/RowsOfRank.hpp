@@ -26,8 +26,7 @@ class RowsOfRank {
   ~RowsOfRank();
 
   /// On all ranks: takes the present values of a table, which has a number. All text of its last
-  /// ones has been passed on. Answers
-  /// the rows of this rank, which keep their place.
+  /// ones has been passed on. Answers the rows of this rank, which keep their place.
   const Table& gather(int table, const RowsRequest& request, FlowOfRank& part);
   /// On all ranks: passes the next text of a rank on to rank 0, where it comes out, if it is made:
   /// so many bytes at most.

@@ -59,9 +59,8 @@ std::vector<std::pair<int, Value>> exchange_values(Group& group, std::map<int, V
   return received;
 }
 
-/// Asks ranks for what they have under some numbers: answer(numbers) gives a vector of Answer,
-/// which holds for each number one value. The answers are in the order of `wanted`. Called by all
-/// ranks.
+/// Asks ranks for what they have under some numbers: answer(number) gives the value of one. The
+/// answers are in the order of `wanted`. Called by all ranks.
 template <class Value, class OwnerOf, class Answer>
 std::vector<Value> ask(Group& group, const std::vector<Number>& wanted, const OwnerOf& owner_of,
                        const Answer& answer) {
