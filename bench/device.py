@@ -1,7 +1,7 @@
 """Runs the steps on a graphics card: first whether its bits are those of the processor, then times;
 without a card, what is known without one. Writes the section of docs/performance.md:
 device.py BUILD_FOLDER REPEATS [CELLS...]. Exit status: 0 measured, 77 without a card, 1 where the card
-does not give the bits of the processor."""
+does not give the bits of the processor or fails."""
 import os
 import re
 import shutil
@@ -30,6 +30,8 @@ def registers(build):
     architectures = sorted({architecture for _, architecture, _ in found},
                            key=lambda name: int(name[3:]))
     used = {(kernel, architecture): count for kernel, architecture, count in found}
+    if not found:
+        return "(The compiler of the cards was not found, or said nothing.)"
     rows = [[name, *(used.get((kernel, architecture), "") for architecture in architectures)]
             for kernel, name in KERNELS.items()]
     return page.table(["registers of a thread", *architectures], rows)
@@ -78,7 +80,8 @@ def has_same_bits(build, binaries):
 
 def is_sane(binaries):
     """What the tools of CUDA find in a short run; true where they are not installed."""
-    sanitizer = shutil.which("compute-sanitizer")
+    sanitizer = shutil.which("compute-sanitizer",
+                             path=os.environ["PATH"] + ":/usr/local/cuda/bin")
     if sanitizer is None:
         print("compute-sanitizer is not installed: left out")
         return True
@@ -135,6 +138,12 @@ def main():
     copies = f"{binaries}/bench_card_copy"
     copy = subprocess.run([copies], capture_output=True, text=True) if os.path.exists(copies) else None
     has_card = copy is not None and copy.returncode == 0
+    if copy is not None and copy.returncode not in (0, NO_CARD):
+        print(f"The copies on the card failed: {copy.stderr}")
+        return 1
+    if not has_card and "The card gives the bits" in card_section.present():
+        print("There is no graphics card: what was measured on one stays on the page.")
+        return NO_CARD
     if has_card and not (has_same_bits(build, binaries) and is_sane(binaries)):
         print("The card does not do what the processor does: nothing is measured.")
         return 1

@@ -32,6 +32,8 @@ function(quillmere_add_card target)
   foreach(architecture IN LISTS ARGN)
     list(APPEND code -gencode arch=compute_${architecture},code=sm_${architecture})
   endforeach()
+  list(GET ARGN -1 newest)
+  list(APPEND code -gencode arch=compute_${newest},code=compute_${newest})  # for cards to come
   add_custom_command(
     OUTPUT ${object}
     COMMAND ${QUILLMERE_NVCC} ${QUILLMERE_CUDA_FLAGS} -Xcompiler=-fPIC,-fvisibility=hidden ${code}

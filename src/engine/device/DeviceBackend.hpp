@@ -186,7 +186,7 @@ class DeviceBackend : public Backend {
     throw std::runtime_error("Error. The device has " + std::to_string(machine_.scratch_bytes()) +
                              " bytes of scratch, but some cells have so many edges that " +
                              std::to_string(bytes) +
-                             " are needed; QUILLMERE_ENGINE=tables runs them on the processor.");
+                             " are needed; the processor can run them.");
   }
 
   kernels::MaximaValues maxima_values() const {
