@@ -36,7 +36,7 @@ class SharedList {
   }
 
  private:
-  struct Left {
+  struct alignas(8) Left {  // as processors exchange it
     std::uint32_t begin = 0, end = 0;
   };
   struct alignas(64) Share {  // a line of the cache each
