@@ -48,6 +48,8 @@ class RanksFlow : public Flow {
   bool recut(std::vector<ranks::Cells> cells);
   /// How often that was done.
   int recuts() const { return recuts_; }
+  /// For how long the steps have kept the ranks busy.
+  const ranks::Balance& balance() const { return *balance_; }
 
   FlowScales scales() const override;
   double stable_step(double t) override;

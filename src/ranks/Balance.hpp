@@ -28,8 +28,10 @@ class Balance {
   /// Cells were moved, which took so long, s.
   void has_moved(double seconds);
 
-  /// Times of the busiest rank over the means of all, both summed up over the looks so far; 1
-  /// before the first.
+  /// Times of the busiest rank, and means of all, summed up over the looks so far, s.
+  double busiest() const { return largest_sum_; }
+  double mean() const { return mean_sum_; }
+  /// The first over the second; 1 before the first look.
   double imbalance() const { return mean_sum_ > 0.0 ? largest_sum_ / mean_sum_ : 1.0; }
 
  private:
