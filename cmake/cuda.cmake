@@ -8,17 +8,27 @@ set(QUILLMERE_CUDA_FLAGS
 find_program(QUILLMERE_NVCC nvcc PATHS ENV CUDA_PATH /usr/local/cuda PATH_SUFFIXES bin)
 
 # Sets a variable to what keeps the compiler from being used, empty if nothing does: it may be too old
-# for C++20, or refuse the host's compiler.
+# for C++20, refuse the host's compiler, or lack its runtime library (QUILLMERE_CUDART), which is looked
+# for where the compiler itself does.
 function(quillmere_try_nvcc refusal_name)
   set(refusal "no nvcc found")
   if(QUILLMERE_NVCC)
     set(trial ${CMAKE_BINARY_DIR}/nvcc_trial)
-    file(CONFIGURE OUTPUT ${trial}.cu CONTENT "#include <bit>\n__global__ void nothing() {}\n")
+    file(CONFIGURE OUTPUT ${trial}.cu
+         CONTENT "#include <bit>\n__global__ void nothing() {}\nint main() {}\n")
+    set(command ${QUILLMERE_NVCC} ${QUILLMERE_CUDA_FLAGS} -o ${trial} ${trial}.cu)
     execute_process(
-      COMMAND ${QUILLMERE_NVCC} ${QUILLMERE_CUDA_FLAGS} -c -o ${trial}.o ${trial}.cu
-      RESULT_VARIABLE status OUTPUT_VARIABLE refusal ERROR_VARIABLE refusal)
+      COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE refusal ERROR_VARIABLE refusal)
     if(status EQUAL 0)
       set(refusal "")
+      execute_process(COMMAND ${command} --dryrun OUTPUT_QUIET ERROR_VARIABLE steps)
+      string(REGEX MATCHALL "\"-L[^\"]+" folders "${steps}")
+      list(TRANSFORM folders REPLACE "^\"-L" "")
+      string(REPLACE ":" ";" more "$ENV{LIBRARY_PATH}")
+      find_library(QUILLMERE_CUDART cudart_static HINTS ${folders} ${more})
+      if(NOT QUILLMERE_CUDART)
+        set(refusal "no libcudart_static in ${folders} ${more}")
+      endif()
     endif()
   endif()
   set(${refusal_name} "${refusal}" PARENT_SCOPE)
@@ -44,10 +54,6 @@ function(quillmere_add_card target)
     VERBATIM)
   set_source_files_properties(${object} PROPERTIES EXTERNAL_OBJECT ON GENERATED ON)
   target_sources(${target} PRIVATE ${object})
-
-  get_filename_component(folder ${QUILLMERE_NVCC} REALPATH)
-  get_filename_component(folder ${folder} DIRECTORY)
-  find_library(QUILLMERE_CUDART cudart_static REQUIRED
-    HINTS ${folder}/.. PATH_SUFFIXES lib64 lib targets/x86_64-linux/lib targets/sbsa-linux/lib)
+  # Found by quillmere_try_nvcc.
   target_link_libraries(${target} PRIVATE ${QUILLMERE_CUDART} ${CMAKE_DL_LIBS} rt)
 endfunction()
