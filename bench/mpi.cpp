@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "domain/Domain.hpp"
+#include "fields/serve.hpp"
 #include "main/environment.hpp"
 #include "ranks/mpi/MpiGroup.hpp"
 

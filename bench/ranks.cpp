@@ -18,6 +18,7 @@
 #include "case/read_case.hpp"
 #include "fields/Clock.hpp"
 #include "fields/RanksFlow.hpp"
+#include "fields/serve.hpp"
 #include "ranks/InProcess.hpp"
 
 namespace {

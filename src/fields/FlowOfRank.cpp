@@ -54,12 +54,8 @@ class FlowOfRank::OwnPart final : public FlowPart {
 };
 
 FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
-    : group_(group) {
-  if (is_first()) {
-    cells_ = plan.cells;
-    owners_ = ranks::owners_of(cells_);
-    list_boundaries(contents.mesh);
-  }
+    : group_(group), whole_(group) {
+  if (is_first()) whole_.set_cells(plan.cells, contents.mesh);
   ranks::Share share = take_share(contents);
   part_ = std::move(share.part);
   list_own_boundaries();
@@ -72,7 +68,8 @@ ranks::Share FlowOfRank::take_share(const cases::Case& contents) {
   if (!is_first()) return ranks::receive_value<ranks::Share>(group_, 0);
   cases::PartCutter cutter(contents);
   const auto share_of = [&](int rank) {
-    return ranks::share_of(cutter, cells_[at(rank)], owners_, cases::rings_of(contents.scheme));
+    return ranks::share_of(cutter, whole_.cells_of(rank), whole_.owners(),
+                           cases::rings_of(contents.scheme));
   };
   for (int rank = 1; rank < group_.size(); ++rank) {
     ranks::send_value(group_, share_of(rank), rank);
@@ -114,20 +111,6 @@ void FlowOfRank::list_own_boundaries() {
       own_boundaries_.push_back(static_cast<Number>(b));
     }
   }
-}
-
-void FlowOfRank::list_boundaries(const cases::Mesh& mesh) {
-  boundaries_.resize(at(group_.size()));
-  for (std::size_t b = 0; b < mesh.boundaries.size(); ++b) {
-    const int owner = owners_[at(mesh.left[at(mesh.boundaries[b].edge)])];
-    boundaries_[at(owner)].push_back(static_cast<Number>(b));
-  }
-}
-
-std::size_t FlowOfRank::number_of_boundaries() const {
-  std::size_t count = 0;
-  for (const std::vector<Number>& of_rank : boundaries_) count += of_rank.size();
-  return count;
 }
 
 bool FlowOfRank::goes_on(const Clock& clock) const {
@@ -206,22 +189,13 @@ Seen FlowOfRank::see(const Look& look) {
 }
 
 void FlowOfRank::save_looks(std::vector<double>& infiltrated) {
-  if (is_first()) infiltrated.resize(owners_.size());
-  gather(looks().infiltrated(), infiltrated);
+  if (is_first()) infiltrated.resize(whole_.number_of_cells());
+  whole_.gather(looks().infiltrated(), infiltrated);
 }
 
 void FlowOfRank::load_looks(std::span<const double> infiltrated) {
   std::vector<double> own(at(engine_->tables().owned));
-  if (is_first()) {
-    for (int rank = 1; rank < group_.size(); ++rank) {
-      received_.clear();
-      for (const Number cell : cells_[at(rank)]) received_.push_back(infiltrated[at(cell)]);
-      group_.send(std::as_bytes(std::span(received_)), rank);
-    }
-    for (std::size_t k = 0; k < own.size(); ++k) own[k] = infiltrated[at(cells_.front()[k])];
-  } else {
-    group_.receive(std::as_writable_bytes(std::span(own)), 0);
-  }
+  whole_.hand_out(infiltrated, own);
   looks().set_infiltrated(std::move(own));
 }
 
@@ -237,21 +211,10 @@ void FlowOfRank::gather_not_hyperbolic() {
   }
 }
 
-void FlowOfRank::gather(std::span<const double> own, std::span<double> all) {
-  if (!is_first()) return group_.send(std::as_bytes(own), 0);
-  for (std::size_t k = 0; k < own.size(); ++k) all[at(cells_.front()[k])] = own[k];
-  for (int rank = 1; rank < group_.size(); ++rank) {
-    const ranks::Cells& cells = cells_[at(rank)];
-    received_.resize(cells.size());
-    group_.receive(std::as_writable_bytes(std::span(received_)), rank);
-    place(received_, cells, all);
-  }
-}
-
 void FlowOfRank::read(Field field, std::span<double> values) {
   own_values_.resize(at(engine_->tables().owned));
   fields_->read(field, own_values_);
-  gather(own_values_, values);
+  whole_.gather(own_values_, values);
 }
 
 void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<double> values) {
@@ -261,21 +224,7 @@ void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<doub
   }
   own_values_.resize(own.size());
   fields_->read(field, own, own_values_);
-  if (!is_first()) {
-    if (!own_values_.empty()) group_.send(std::as_bytes(std::span(own_values_)), 0);
-    return;
-  }
-  for (int rank = 0; rank < group_.size(); ++rank) {
-    std::vector<std::size_t> of_rank;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-      if (owners_[at(cells[i])] == rank) of_rank.push_back(i);
-    }
-    if (of_rank.empty()) continue;
-    received_.resize(of_rank.size());
-    if (rank > 0) group_.receive(std::as_writable_bytes(std::span(received_)), rank);
-    const std::vector<double>& found = rank > 0 ? received_ : own_values_;
-    for (std::size_t k = 0; k < of_rank.size(); ++k) values[of_rank[k]] = found[k];
-  }
+  whole_.gather_some(cells, own_values_, values);
 }
 
 std::vector<double> FlowOfRank::seconds_of_ranks() {
@@ -288,14 +237,14 @@ std::vector<double> FlowOfRank::seconds_of_ranks() {
 void FlowOfRank::read_work(std::span<double> values) {
   own_values_.resize(at(engine_->tables().owned));
   engine_->read_work(own_values_);
-  gather(own_values_, values);
+  whole_.gather(own_values_, values);
 }
 
 CellState FlowOfRank::state(Number cell) {
   CellState state;
   if (owns(cell)) state = fields_->state(part_.own_cell(cell));
   const auto bytes = std::as_writable_bytes(std::span(&state, 1));
-  if (is_first() && !owns(cell)) group_.receive(bytes, owners_[at(cell)]);
+  if (is_first() && !owns(cell)) group_.receive(bytes, whole_.owner_of(cell));
   if (!is_first() && owns(cell)) group_.send(bytes, 0);
   return state;
 }
@@ -303,37 +252,7 @@ CellState FlowOfRank::state(Number cell) {
 void FlowOfRank::read_inflows(std::vector<BoundaryInflow>& inflows) {
   std::vector<BoundaryInflow> of_rank;
   for (const int b : own_boundaries_) of_rank.push_back(engine_->boundary_inflow(b));
-  if (!is_first()) return group_.send(std::as_bytes(std::span(of_rank)), 0);
-  inflows.resize(number_of_boundaries());
-  for (int rank = 0; rank < group_.size(); ++rank) {
-    const std::vector<Number>& numbers = boundaries_[at(rank)];
-    of_rank.resize(numbers.size());
-    if (rank > 0) group_.receive(std::as_writable_bytes(std::span(of_rank)), rank);
-    for (std::size_t k = 0; k < numbers.size(); ++k) inflows[at(numbers[k])] = of_rank[k];
-  }
-}
-
-template <class Value>
-void FlowOfRank::gather_parts(const Value& own, Value& all) {
-  if (!is_first()) return ranks::send_value(group_, own, 0);
-  take_the_rest(all, own);
-  for (int rank = 0; rank < group_.size(); ++rank) {
-    const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
-    put_part(part, {cells_[at(rank)], boundaries_[at(rank)]}, owners_.size(),
-             number_of_boundaries(), all);
-  }
-}
-
-template <class Value>
-Value FlowOfRank::own_part_of(const Value& all) {
-  if (!is_first()) return ranks::receive_value<Value>(group_, 0);
-  const auto part_of_rank = [&](int rank) {
-    return part_of(all, {cells_[at(rank)], boundaries_[at(rank)]});
-  };
-  for (int rank = 1; rank < group_.size(); ++rank) {
-    ranks::send_value(group_, part_of_rank(rank), rank);
-  }
-  return part_of_rank(0);
+  whole_.gather_over_boundaries(std::move(of_rank), inflows);
 }
 
 void FlowOfRank::save_own(engine::State& state) {
@@ -343,13 +262,13 @@ void FlowOfRank::save_own(engine::State& state) {
 
 void FlowOfRank::save(engine::State& state) {
   save_own(own_state_);
-  gather_parts(own_state_, state);
+  whole_.gather_parts(own_state_, state);
 }
 
 void FlowOfRank::save_notes(engine::SavedNotes& notes) {
   engine::SavedNotes own;
   engine_->save_notes(own);
-  gather_parts(own, notes);
+  whole_.gather_parts(own, notes);
 }
 
 void FlowOfRank::load_own(engine::State own) {
@@ -360,10 +279,10 @@ void FlowOfRank::load_own(engine::State own) {
   engine_->set_state(own);
 }
 
-void FlowOfRank::load(const engine::State& state) { load_own(own_part_of(state)); }
+void FlowOfRank::load(const engine::State& state) { load_own(whole_.own_part_of(state)); }
 
 void FlowOfRank::load_notes(const engine::SavedNotes& notes) {
-  engine_->load_notes(own_part_of(notes));
+  engine_->load_notes(whole_.own_part_of(notes));
 }
 
 void FlowOfRank::move_to(FlowOfRank& next) {
@@ -391,15 +310,15 @@ void FlowOfRank::move_to(FlowOfRank& next) {
 NewRanks FlowOfRank::new_ranks_of_own(const FlowOfRank& next) {
   const auto new_ranks_of = [&](const ranks::Cells& cells) {
     std::vector<int> new_ranks;
-    for (const Number cell : cells) new_ranks.push_back(next.owners_[at(cell)]);
+    for (const Number cell : cells) new_ranks.push_back(next.whole_.owner_of(cell));
     return new_ranks;
   };
   NewRanks own;
   if (is_first()) {
     for (int rank = 1; rank < group_.size(); ++rank) {
-      ranks::send_value(group_, new_ranks_of(cells_[at(rank)]), rank);
+      ranks::send_value(group_, new_ranks_of(whole_.cells_of(rank)), rank);
     }
-    own.of_cells = new_ranks_of(cells_.front());
+    own.of_cells = new_ranks_of(whole_.cells_of(0));
   } else {
     own.of_cells = ranks::receive_value<std::vector<int>>(group_, 0);
   }
@@ -408,6 +327,15 @@ NewRanks FlowOfRank::new_ranks_of_own(const FlowOfRank& next) {
     own.of_boundaries.push_back(own.of_cells[at(mesh.left[at(mesh.boundaries[at(b)].edge)])]);
   }
   return own;
+}
+
+bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
+           ranks::Group& group) {
+  auto next = std::make_unique<FlowOfRank>(contents, plan, group);
+  if (next->start().outcome != RankStart::Outcome::good) return false;
+  part->move_to(*next);
+  part = std::move(next);
+  return true;
 }
 
 }  // namespace fields

@@ -14,6 +14,7 @@
 #include "fields/Flow.hpp"
 #include "fields/PartLooks.hpp"
 #include "fields/TableFields.hpp"
+#include "fields/WholeOnFirst.hpp"
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
 #include "ranks/RowPlan.hpp"
@@ -120,19 +121,10 @@ class FlowOfRank {
   /// That of this rank; on rank 0 after it has dealt out those of all others.
   ranks::Share take_share(const cases::Case& contents);
   RankStart start_engine(const RanksPlan& plan);
-  std::size_t number_of_boundaries() const;
   /// Makes one start of those of all ranks.
   void agree_on_start();
   void list_own_boundaries();
-  /// Those of all ranks, on rank 0.
-  void list_boundaries(const cases::Mesh& mesh);
   void gather_not_hyperbolic();
-  /// Values of own cells, put into those of all on rank 0.
-  void gather(std::span<const double> own, std::span<double> all);
-  template <class Value>
-  void gather_parts(const Value& own, Value& all);
-  template <class Value>
-  Value own_part_of(const Value& all);
   /// What the cells and boundaries of this rank have in another flow.
   NewRanks new_ranks_of_own(const FlowOfRank& next);
   /// That of the own cells and boundaries.
@@ -143,6 +135,7 @@ class FlowOfRank {
   const FlowPart& own_part();
 
   ranks::Group& group_;
+  WholeOnFirst whole_;
   cases::Part part_;
   std::vector<cases::Number> own_boundaries_;  ///< of the part, those of its own cells
   std::unique_ptr<engine::Exchange> exchange_;
@@ -155,14 +148,14 @@ class FlowOfRank {
   RankStart start_;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;
 
-  // On rank 0.
-  std::vector<ranks::Cells> cells_;                     ///< of every rank
-  std::vector<int> owners_;                             ///< of the cells
-  std::vector<std::vector<cases::Number>> boundaries_;  ///< of the cells of every rank
-
   // Kept for their memory.
-  std::vector<double> own_values_, received_;
+  std::vector<double> own_values_;
   engine::State own_state_;
 };
+
+/// On all ranks: lets the steps go on with the cells shared out as another plan says, if all can
+/// start so; the case is looked at on rank 0. Answers whether they could.
+bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
+           ranks::Group& group);
 
 }  // namespace fields

@@ -8,6 +8,7 @@
 
 #include "case/hll_cell.hpp"
 #include "fields/missing_threads.hpp"
+#include "fields/orders.hpp"
 #include "ranks/values.hpp"
 #include "utils/not_hyperbolic.hpp"
 
@@ -18,181 +19,9 @@ using cases::Number;
 
 namespace {
 
-/// What rank 0 calls all ranks for: a flow that the first of them make, or the end.
-struct Call {
-  int members = 0;  ///< of a flow; 0: the end
-  int number = 0;   ///< of the end
-};
-
-enum class Task {
-  stable_step,
-  advance,
-  keep_maxima,
-  note_maxima,
-  watch,
-  read,
-  read_some,
-  state,
-  read_inflows,
-  save,
-  save_notes,
-  load,
-  load_notes,
-  weigh_ranks,
-  weigh_cells,
-  recut,
-  look,
-  save_looks,
-  load_looks,
-  gather_rows,
-  pass_rows,
-  end
-};
-
 /// Looks at the whole case: ranks that look at their parts would each find a fault of their own.
 void require_scheme_takes(const cases::Case& contents) {
   if (cases::is_hll(contents.scheme)) cases::sides_for_hll(contents);
-}
-
-/// What the ranks of a flow do next, with what it takes.
-struct Order {
-  Task task;
-  Field field = Field::depth;
-  Number number = 0;  ///< a cell, a table, or how many
-  int rank = 0;
-  std::size_t bytes = 0;
-  double value = 0.0;
-  StepTimes times = {};
-};
-
-void tell(ranks::Group& group, Order order) { ranks::broadcast_plain(group, order); }
-
-void read_some(FlowOfRank& part, ranks::Group& group, const Order& order) {
-  std::vector<Number> cells(at(order.number));
-  group.broadcast(std::as_writable_bytes(std::span(cells)));
-  part.read(order.field, cells, {});
-}
-
-/// Computes steps, as the clock brings them, up to a pause.
-void advance_up_to_pause(FlowOfRank& part, const StepTimes& first,
-                         const std::function<bool()>& is_interrupted) {
-  Clock clock{first.t, first.dt, 0};
-  do {
-    const StepTimes times = {clock.t, first.t_start, first.t_end, clock.dt};
-    clock.move(part.advance(times, {.stop = is_interrupted()}), part.contents());
-  } while (part.goes_on(clock));
-}
-
-/// Lets the steps go on with the cells shared out as another plan says, if all ranks can start so.
-/// Answers whether they could.
-bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
-           ranks::Group& group) {
-  auto next = std::make_unique<FlowOfRank>(contents, plan, group);
-  if (next->start().outcome != RankStart::Outcome::good) return false;
-  part->move_to(*next);
-  part = std::move(next);
-  return true;
-}
-
-void take_part_in_recut(std::unique_ptr<FlowOfRank>& part, ranks::Group& group) {
-  RanksPlan plan;
-  ranks::broadcast_in(group, plan);
-  const cases::Case no_case;  // rank 0 has it
-  recut(part, no_case, plan, group);
-}
-
-void see(FlowOfRank& part, ranks::Group& group) {
-  Look look{};
-  ranks::broadcast_plain(group, look);
-  part.see(look);
-}
-
-void gather_rows(int table, RowsOfRank& rows, FlowOfRank& part, ranks::Group& group) {
-  RowsRequest request;
-  ranks::broadcast_in(group, request);
-  rows.gather(table, request, part);
-}
-
-/// Does what rank 0 orders until it ends the flow.
-void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
-                const std::function<bool()>& is_interrupted) {
-  std::vector<BoundaryInflow> no_inflows;
-  engine::State no_state;
-  engine::SavedNotes no_notes;
-  std::vector<double> no_values;
-  RowsOfRank rows(group);
-  while (true) {
-    Order order{};
-    ranks::broadcast_plain(group, order);
-    FlowOfRank& part = *own;
-    switch (order.task) {
-      case Task::stable_step:
-        part.stable_step(order.value);
-        break;
-      case Task::advance:
-        advance_up_to_pause(part, order.times, is_interrupted);
-        break;
-      case Task::keep_maxima:
-        part.keep_maxima(order.value);
-        break;
-      case Task::note_maxima:
-        part.note_maxima(order.value);
-        break;
-      case Task::watch:
-        part.watch();
-        break;
-      case Task::read:
-        part.read(order.field, {});
-        break;
-      case Task::read_some:
-        read_some(part, group, order);
-        break;
-      case Task::state:
-        part.state(order.number);
-        break;
-      case Task::read_inflows:
-        part.read_inflows(no_inflows);
-        break;
-      case Task::save:
-        part.save(no_state);
-        break;
-      case Task::save_notes:
-        part.save_notes(no_notes);
-        break;
-      case Task::load:
-        part.load(no_state);
-        break;
-      case Task::load_notes:
-        part.load_notes(no_notes);
-        break;
-      case Task::weigh_ranks:
-        part.seconds_of_ranks();
-        break;
-      case Task::weigh_cells:
-        part.read_work({});
-        break;
-      case Task::recut:
-        take_part_in_recut(own, group);
-        break;
-      case Task::look:
-        see(part, group);
-        break;
-      case Task::save_looks:
-        part.save_looks(no_values);
-        break;
-      case Task::load_looks:
-        part.load_looks({});
-        break;
-      case Task::gather_rows:
-        gather_rows(order.number, rows, part, group);
-        break;
-      case Task::pass_rows:
-        rows.pass(order.number, order.rank, order.bytes);
-        break;
-      case Task::end:
-        return;
-    }
-  }
 }
 
 /// Patches that leave every rank about a hundred of them to be weighed.
@@ -200,32 +29,7 @@ int cells_per_patch_for(Number cells, int ranks) {
   return std::clamp(cells / (100 * ranks), 1, 64);
 }
 
-/// Takes part in the next flow.
-void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interrupted) {
-  RanksPlan plan;
-  ranks::broadcast_in(group, plan);
-  const cases::Case no_case;  // rank 0 has it
-  auto part = std::make_unique<FlowOfRank>(no_case, plan, group);
-  if (part->start().outcome != RankStart::Outcome::good) return;
-  serve_flow(std::move(part), group, is_interrupted);
-}
-
 }  // namespace
-
-int serve(ranks::Group& group, const std::function<bool()>& is_interrupted) {
-  while (true) {
-    Call call;
-    ranks::broadcast_plain(group, call);
-    if (call.members == 0) return call.number;
-    const auto members = group.first(call.members);
-    if (members) serve_next_flow(*members, is_interrupted);
-  }
-}
-
-void end_service(ranks::Group& group, int number) {
-  Call call{0, number};
-  ranks::broadcast_plain(group, call);
-}
 
 RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
                      const RanksRequest& request, int most_threads,

@@ -1,5 +1,5 @@
 // The flow of a case that several ranks compute. Rank 0 runs the program and has the flow; the
-// others serve: they do what it asks of them, step by step, and know nothing of outputs.
+// others serve it.
 #pragma once
 
 #include <cmath>
@@ -116,12 +116,5 @@ class RanksFlow : public Flow {
   std::optional<ranks::Curve> curve_;      ///< once cells are shared out anew
   mutable Gathered gathered_;              ///< since the last step
 };
-
-/// On a rank that is not rank 0: takes part in the flows that rank 0 makes, until that ends the
-/// service; answers the number that it ends with. `is_interrupted` is asked in every step: whether
-/// this process was asked to end.
-int serve(ranks::Group& group, const std::function<bool()>& is_interrupted);
-/// On rank 0, without a flow.
-void end_service(ranks::Group& group, int number);
 
 }  // namespace fields

@@ -3,7 +3,7 @@
 #include <iostream>
 #include <string>
 
-#include "fields/RanksFlow.hpp"
+#include "fields/serve.hpp"
 #include "main/program.hpp"
 #include "ranks/mpi/MpiGroup.hpp"
 #include "utils/signals.hpp"

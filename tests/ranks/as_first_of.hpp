@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "fields/RanksFlow.hpp"
+#include "fields/serve.hpp"
 #include "ranks/InProcess.hpp"
 
 namespace test_ranks {

@@ -5,6 +5,7 @@
 
 #include "fields/Clock.hpp"
 #include "fields/RanksFlow.hpp"
+#include "fields/serve.hpp"
 #include "fields/make_flow.hpp"
 #include "ranks/Curve.hpp"
 #include "ranks/PartsOfCourse.hpp"

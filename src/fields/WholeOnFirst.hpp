@@ -1,0 +1,90 @@
+// Values of all cells and boundaries on rank 0, which gathers them from the parts of all ranks and
+// hands them out.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "case/Mesh.hpp"
+#include "fields/parts_of_states.hpp"
+#include "ranks/share_of.hpp"
+#include "ranks/values.hpp"
+
+namespace fields {
+
+/// Rank 0 knows which cells and boundaries every rank has; the others need not, and nothing of all
+/// is looked at or filled there. What gathers and hands out is called on all ranks.
+class WholeOnFirst {
+ public:
+  /// The group must outlive it.
+  explicit WholeOnFirst(ranks::Group& group) : group_(group) {}
+
+  /// On rank 0: the cells of every rank of this mesh.
+  void set_cells(const std::vector<ranks::Cells>& cells, const cases::Mesh& mesh);
+  const ranks::Cells& cells_of(int rank) const { return cells_[cases::at(rank)]; }
+  const std::vector<int>& owners() const { return owners_; }
+  int owner_of(cases::Number cell) const { return owners_[cases::at(cell)]; }
+  std::size_t number_of_cells() const { return owners_.size(); }
+
+  /// Values of own cells, put into those of all.
+  void gather(std::span<const double> own, std::span<double> all);
+  /// Values of those of some cells that are own ones, put into those of all of them. Ranks without
+  /// any have no part in it.
+  void gather_some(std::span<const cases::Number> cells, std::span<const double> own,
+                   std::span<double> values);
+  void hand_out(std::span<const double> all, std::span<double> own);
+  /// What own boundaries have.
+  template <class Value>
+  void gather_over_boundaries(std::vector<Value> own, std::vector<Value>& all);
+  /// A state or notes.
+  template <class Value>
+  void gather_parts(const Value& own, Value& all);
+  template <class Value>
+  Value own_part_of(const Value& all);
+
+ private:
+  bool is_first() const { return group_.rank() == 0; }
+  std::size_t number_of_boundaries() const;
+  Entries entries_of_rank(int rank) const {
+    return {cells_[cases::at(rank)], boundaries_[cases::at(rank)]};
+  }
+
+  ranks::Group& group_;
+  std::vector<ranks::Cells> cells_;                     ///< of every rank
+  std::vector<int> owners_;                             ///< of the cells
+  std::vector<std::vector<cases::Number>> boundaries_;  ///< of the cells of every rank
+  std::vector<double> received_;                        ///< kept for its memory
+};
+
+template <class Value>
+void WholeOnFirst::gather_over_boundaries(std::vector<Value> own, std::vector<Value>& all) {
+  if (!is_first()) return group_.send(std::as_bytes(std::span(own)), 0);
+  all.resize(number_of_boundaries());
+  for (int rank = 0; rank < group_.size(); ++rank) {
+    const std::vector<cases::Number>& numbers = boundaries_[cases::at(rank)];
+    own.resize(numbers.size());
+    if (rank > 0) group_.receive(std::as_writable_bytes(std::span(own)), rank);
+    for (std::size_t k = 0; k < numbers.size(); ++k) all[cases::at(numbers[k])] = own[k];
+  }
+}
+
+template <class Value>
+void WholeOnFirst::gather_parts(const Value& own, Value& all) {
+  if (!is_first()) return ranks::send_value(group_, own, 0);
+  take_the_rest(all, own);
+  for (int rank = 0; rank < group_.size(); ++rank) {
+    const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
+    put_part(part, entries_of_rank(rank), number_of_cells(), number_of_boundaries(), all);
+  }
+}
+
+template <class Value>
+Value WholeOnFirst::own_part_of(const Value& all) {
+  if (!is_first()) return ranks::receive_value<Value>(group_, 0);
+  for (int rank = 1; rank < group_.size(); ++rank) {
+    ranks::send_value(group_, part_of(all, entries_of_rank(rank)), rank);
+  }
+  return part_of(all, entries_of_rank(0));
+}
+
+}  // namespace fields

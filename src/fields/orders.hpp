@@ -1,0 +1,57 @@
+// What rank 0 tells the ranks that serve it: flows to take part in, and in these one order after
+// the other.
+#pragma once
+
+#include <cstddef>
+
+#include "fields/Field.hpp"
+#include "fields/Flow.hpp"
+#include "ranks/values.hpp"
+
+namespace fields {
+
+/// What rank 0 calls all ranks for: a flow that the first of them make, or the end.
+struct Call {
+  int members = 0;  ///< of a flow; 0: the end
+  int number = 0;   ///< of the end
+};
+
+enum class Task {
+  stable_step,
+  advance,
+  keep_maxima,
+  note_maxima,
+  watch,
+  read,
+  read_some,
+  state,
+  read_inflows,
+  save,
+  save_notes,
+  load,
+  load_notes,
+  weigh_ranks,
+  weigh_cells,
+  recut,
+  look,
+  save_looks,
+  load_looks,
+  gather_rows,
+  pass_rows,
+  end
+};
+
+/// What the ranks of a flow do next, with what it takes.
+struct Order {
+  Task task;
+  Field field = Field::depth;
+  cases::Number number = 0;  ///< a cell, a table, or how many
+  int rank = 0;
+  std::size_t bytes = 0;
+  double value = 0.0;
+  StepTimes times = {};
+};
+
+inline void tell(ranks::Group& group, Order order) { ranks::broadcast_plain(group, order); }
+
+}  // namespace fields
