@@ -1,8 +1,8 @@
 // Times a whole run on a generated mesh:
-// bench_run CELLS [KIND [STEPS [report|checkpoint|results|SCHEME]]].
+// bench_run CELLS [KIND [STEPS [report|checkpoint|results [SNAPSHOTS]|SCHEME]]].
 // Prints one row of a table: triangles, steps, set-up time, time of a step per cell, peak memory
 // per cell. STEPS is about their number; without it the run takes a second or so. With "report" it
-// writes a report, with "results" ten snapshots in NetCDF; with "checkpoint" it keeps checkpoints,
+// writes a report, with "results" snapshots (10) in NetCDF; with "checkpoint" it keeps checkpoints,
 // one in the middle of the run, and says for how long the loop stood for that and how long it took
 // to write.
 #include <sys/resource.h>
@@ -42,15 +42,15 @@ double peak_memory_bytes() {
   return 1024.0 * static_cast<double>(usage.ru_maxrss);
 }
 
-/// Lets the case of this folder write results at ten times up to its end (s).
-void wish_results(double end) {
+/// Lets the case of this folder write results so many times up to its end (s).
+void wish_results(int snapshots, double end) {
   nlohmann::json data = nlohmann::json::parse(std::ifstream("data.json"));
   data["output"]["results"] = "results.nc";
   data["output"]["results times"] = "times.txt";
   std::ofstream("data.json") << data;
   std::ofstream times("times.txt");
-  times << 10;
-  for (int i = 0; i < 10; ++i) times << ' ' << 0.1 * i * end;
+  times << snapshots;
+  for (int i = 0; i < snapshots; ++i) times << ' ' << end * i / snapshots;
 }
 
 std::string make_folder() {
@@ -108,12 +108,13 @@ int main(int argc, char** argv) {
   const auto kind = kinds.find(argc > 2 ? argv[2] : "wet");
   if (wanted < 100 || kind == kinds.end()) {
     std::cerr << "usage: bench_run CELLS [wet|dry|shuffled|sources|sediment [STEPS "
-                 "[report|checkpoint|results|SCHEME]]], at least 100 cells\n";
+                 "[report|checkpoint|results [SNAPSHOTS]|SCHEME]]], at least 100 cells\n";
     return 2;
   }
   const double steps_wanted =
       argc > 3 ? std::max(1.0, std::atof(argv[3])) : std::clamp(3e7 / wanted, 50.0, 3000.0);
   const std::string option = argc > 4 ? argv[4] : "";
+  const int snapshots = argc > 5 ? std::max(1, std::atoi(argv[5])) : 10;
   const std::string scheme = cases::find_scheme(option) != nullptr ? option : "LHLLC";
   const Channel channel = channel_of(wanted);
   const std::string folder = make_folder();
@@ -122,7 +123,7 @@ int main(int argc, char** argv) {
     constexpr double usual_step = 0.05;  // s
     write_channel_case(channel, kind->second, scheme, folder, usual_step * steps_wanted);
     std::filesystem::current_path(folder);
-    if (option == "results") wish_results(usual_step * steps_wanted);
+    if (option == "results") wish_results(snapshots, usual_step * steps_wanted);
     _exit(0);
   }
   int status = 0;
