@@ -48,6 +48,10 @@ std::unique_ptr<Rows> Flow::rows(const cases::Mesh& mesh, const RowsRequest& req
   return std::make_unique<WholeRows>(*this, mesh, request);
 }
 
+std::unique_ptr<Ground> Flow::ground(const cases::Case& contents) const {
+  return std::make_unique<WholeGround>(contents);
+}
+
 std::unique_ptr<Looks> Flow::looks(const cases::Case& contents) const {
   return std::make_unique<WholeLooks>(*this, contents);
 }

@@ -8,6 +8,7 @@
 #include "engine/State.hpp"
 #include "engine/step_values.hpp"
 #include "fields/Field.hpp"
+#include "fields/Ground.hpp"
 #include "fields/Rows.hpp"
 #include "fields/looks.hpp"
 #include "physics/flow_extremes.hpp"
@@ -93,6 +94,9 @@ class Flow {
                     std::span<double> values) const = 0;
   virtual CellState state(cases::Number cell) const = 0;
   virtual FlowSurvey survey() const = 0;
+  /// What the run asks of the mesh of this case from now on: which must live as long, as must the
+  /// flow.
+  virtual std::unique_ptr<Ground> ground(const cases::Case& contents) const;
   /// Looks at all cells at once, those of this case, from now on: which must live as long, as must
   /// the flow.
   virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
