@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "case/EndAtFirstError.hpp"
-#include "case/PointLocator.hpp"
 #include "case/read_case.hpp"
 #include "checkpoint/CheckpointKeeper.hpp"
 #include "checkpoint/checkpoint_pair.hpp"
@@ -153,12 +152,12 @@ class Domain {
   int passes_ = 0;        ///< steps since the clock was last shown, and the one that comes
   double t_begin_ = 0.0;  ///< of this call of the program, s
   bool is_asked_to_end_ = false;
-  std::unique_ptr<fields::Flow> flow_;  ///< of case_
-  std::unique_ptr<WaterLooks> looks_;   ///< at flow_; null before the steps
+  std::unique_ptr<fields::Flow> flow_;      ///< of case_
+  std::unique_ptr<fields::Ground> ground_;  ///< of case_; once there is a flow, of that
+  std::unique_ptr<WaterLooks> looks_;       ///< at flow_; null before the steps
   bool has_warned_of_much_ = false;
-  double outputs_done_ = -HUGE_VAL;               ///< what was due up to this time is taken, s
-  double next_enveloppe_time = 0.0;               ///< s
-  mutable std::unique_ptr<PointLocator> locator;  ///< kept while gauges are placed
+  double outputs_done_ = -HUGE_VAL;  ///< what was due up to this time is taken, s
+  double next_enveloppe_time = 0.0;  ///< s
   GatheredFields envelope_{case_.mesh, {{fields::Field::largest_depth}}};
   std::string envelope_file_;
   utils::WriterThread envelope_writer_;

@@ -16,8 +16,8 @@ using cases::Number;
 using fields::ColumnSurvey;
 using fields::FieldInfo;
 
-std::string named_place(const cases::Mesh& mesh, Number cell) {
-  const physics::SpacePoint center = mesh.center_of(cell);
+std::string named_place(const fields::Ground& ground, Number cell) {
+  const physics::SpacePoint center = ground.geometry_of(cell).center;
   return "cell " + utils::cell_place(cell, center.x, center.y);
 }
 
@@ -36,28 +36,28 @@ std::string advice(const cases::Case& contents) {
          "\" keeps depths at or above zero.";
 }
 
-std::string seen_first(const cases::Mesh& mesh, const Sighting& first) {
-  return "seen first" + at_time(first.t) + " in " + named_place(mesh, first.cell);
+std::string seen_first(const fields::Ground& ground, const Sighting& first) {
+  return "seen first" + at_time(first.t) + " in " + named_place(ground, first.cell);
 }
 
 /// `more` goes between the last figure and the end of the sentence.
-void warn_below_zero(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
-                     double t, const std::string& more) {
+void warn_below_zero(const fields::Ground& ground, const FieldInfo& field,
+                     const ColumnSurvey& found, double t, const std::string& more) {
   if (found.below_zero == 0) return;
   utils::warn(
       "the " + std::string(field.quantity) + " of " + utils::counted(found.below_zero, "cell") +
       " is below zero" + at_time(t) + ": " + utils::number_text(found.deficit.value()) +
       " m3 are missing, while the other cells hold " + utils::number_text(found.held.value()) +
       " m3; it is " + utils::number_text(found.lowest) + " m in " +
-      named_place(mesh, found.lowest_cell) + more);
+      named_place(ground, found.lowest_cell) + more);
 }
 
-void warn_not_finite(const cases::Mesh& mesh, const FieldInfo& field, const ColumnSurvey& found,
-                     double t) {
+void warn_not_finite(const fields::Ground& ground, const FieldInfo& field,
+                     const ColumnSurvey& found, double t) {
   if (found.not_finite == 0) return;
   utils::warn("the " + std::string(field.quantity) + " of " +
               utils::counted(found.not_finite, "cell") + " is not a number" + at_time(t) +
-              ", the first of them in " + named_place(mesh, found.not_finite_cell) + ".");
+              ", the first of them in " + named_place(ground, found.not_finite_cell) + ".");
 }
 
 /// Whether both are components of one vector.
@@ -75,13 +75,13 @@ void Domain::warn_of_much_below_zero() {
   end_progress();
   utils::warn("at t = " + utils::number_text(clock_.t) + " s " + percent(depths.share()) +
               " of the water is missing in cells whose depth is below zero; " +
-              seen_first(case_.mesh, looks_->first_below_zero()) + "." + advice(case_));
+              seen_first(*ground_, looks_->first_below_zero()) + "." + advice(case_));
 }
 
 void Domain::warn_of_strange_water() const {
   if (looks_->first_given_out().is_any()) {
     utils::warn("soils gave out " + utils::number_text(looks_->given_out()) +
-                " m3 of water or more, " + seen_first(case_.mesh, looks_->first_given_out()) + "." +
+                " m3 of water or more, " + seen_first(*ground_, looks_->first_given_out()) + "." +
                 advice(case_));
   }
   const Sighting& film = looks_->first_film();
@@ -90,7 +90,7 @@ void Domain::warn_of_strange_water() const {
   utils::warn("water ran at " + utils::number_text(std::hypot(state.qx, state.qy) / state.h) +
               " m/s in a depth of " + utils::number_text(state.h) +
               " m, which is beyond a Froude number of " +
-              utils::number_text(physics::largest_froude) + ", " + seen_first(case_.mesh, film) +
+              utils::number_text(physics::largest_froude) + ", " + seen_first(*ground_, film) +
               "; at most " + utils::counted(looks_->most_films(), "cell") + " at one time did so.");
 }
 
@@ -101,7 +101,7 @@ void Domain::warn_of_lost_results() {
     const Sighting& first = looks_->first_below_zero();
     if (!first.is_any()) return std::string(".");
     return "; " + percent(survey.share()) + " of the water is missing, " +
-           seen_first(case_.mesh, first) + "." + advice(case_);
+           seen_first(*ground_, first) + "." + advice(case_);
   };
   const auto seen = flow_->looks(case_);
   const auto& table = fields::field_table;
@@ -111,11 +111,11 @@ void Domain::warn_of_lost_results() {
     while (k + 1 < table.size() && is_same_quantity(table[k], table[k + 1])) ++k;
     const ColumnSurvey survey = seen->column(table[first].field, static_cast<int>(k - first) + 1);
     if (table[k].is_depth) {
-      warn_below_zero(case_.mesh, table[k], survey, clock_.t,
+      warn_below_zero(*ground_, table[k], survey, clock_.t,
                       table[k].field == fields::Field::depth ? about_depths(survey) : ".");
     }
     // What belongs to a state that is no number has been told of.
-    if (!table[k].is_of_state) warn_not_finite(case_.mesh, table[k], survey, clock_.t);
+    if (!table[k].is_of_state) warn_not_finite(*ground_, table[k], survey, clock_.t);
   }
   warn_of_strange_water();
 }

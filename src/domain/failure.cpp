@@ -15,10 +15,10 @@
 
 namespace {
 
-void show(const cases::Mesh& mesh, cases::Number cell, const fields::CellState& state) {
+void show(const fields::Ground& ground, cases::Number cell, const fields::CellState& state) {
   const bool is_finite = std::isfinite(state.h + state.qx + state.qy);
   const double velocity = state.h != 0.0 ? std::hypot(state.qx, state.qy) / state.h : 0.0;
-  const cases::CellGeometry geometry = mesh.geometry_of(cell);
+  const cases::CellGeometry geometry = ground.geometry_of(cell);
   std::cerr << (is_finite ? "Limiting cell: " : "Cell whose state is not a number: ")
             << utils::cell_place(cell, geometry.center.x, geometry.center.y) << ", depth "
             << state.h << " m, velocity " << velocity << " m/s, characteristic length "
@@ -45,7 +45,7 @@ void Domain::stop_on_lost_clock() {
 void Domain::stop_at_limiting_cell(const std::string& what) {
   const cases::Number cell = limiting_cell(*flow_, case_);
   if (cell >= 0) {
-    show(case_.mesh, cell, flow_->state(cell));
+    show(*ground_, cell, flow_->state(cell));
     report_failure(what, cell);
   }
   warn_of_lost_results();
@@ -58,7 +58,7 @@ void Domain::warn_of_lost_states() const {
   utils::warn("the state of " + std::to_string(survey.not_finite) +
               " cells is not a number at t = " + utils::fixed_text(clock_.t, 6) + " s.");
   const cases::Number cell = survey.a_cell_not_finite;
-  show(case_.mesh, cell, flow_->state(cell));
+  show(*ground_, cell, flow_->state(cell));
 }
 
 void Domain::report_lost_states() {

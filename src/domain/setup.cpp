@@ -17,6 +17,7 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
   }
   if (keeper_ || is_restarted()) inputs_ = checkpoint::inputs_of(case_, settings.version);
   if (is_restarted()) require_same_inputs();
+  ground_ = std::make_unique<fields::WholeGround>(case_);
   set_outputs();
   if (is_restarted()) require_same_results();
   set_other_parameters();
@@ -76,10 +77,8 @@ void Domain::set_gauges() {
   }
   log << "positions read in " << *data_.gauges << '\n';
   utils::TextScanner file(*data_.gauges);
-  gauge = std::make_unique<Gauge>(
-      cases::read_gauges(file), data_.output_folder,
-      [this](double x, double y) { return CellWithPoint(x, y); }, case_.t_start);
-  locator.reset();
+  gauge = std::make_unique<Gauge>(cases::read_gauges(file), data_.output_folder, *ground_,
+                                  case_.t_start);
   if (!is_restarted()) gauge->begin(log);
 }
 
@@ -121,7 +120,7 @@ void Domain::set_sections() {
   log << "sections read in " << *data_.discharges << '\n';
   utils::TextScanner file(*data_.discharges);
   monitor_section = std::make_unique<CMonitorSection>(
-      cases::read_sections(file, case_.mesh.n_edges()), case_.mesh, case_.t_start);
+      cases::read_sections(file, ground_->counts().edges), *ground_, case_.t_start);
   if (!is_restarted()) monitor_section->begin();
 }
 
@@ -129,6 +128,7 @@ void Domain::set_other_parameters() {
   std::ostream& log = settings_.log;
   log << "Other parameters:\n";
   flow_ = fields::make_flow(case_, diagnostics_, settings_.flow);
+  ground_ = flow_->ground(case_);
   if (data_.maxima) flow_->keep_maxima(data_.maxima->arrival_depth);
   if (settings_.flow.asks_for_card()) {
     log << "  Graphics card: " << flow_->execution_path().instruction_set << '\n';
@@ -155,6 +155,6 @@ void Domain::warn_of_implausible_input() {
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {
-  if (!locator) locator = std::make_unique<PointLocator>(case_.mesh);
-  return locator->cell_at(x, y);
+  const physics::PlanPoint point = {x, y};
+  return ground_->cells_at({&point, 1}).front();
 }

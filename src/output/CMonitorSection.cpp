@@ -2,15 +2,15 @@
 
 #include "physics/section_discharge.hpp"
 
-CMonitorSection::CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh,
+CMonitorSection::CMonitorSection(const cases::SectionRequest& request, const fields::Ground& ground,
                                  double start_time)
     : name_(request.result), interval_(request.interval), next_time_(start_time) {
   utils::Checksum columns;
   for (const std::vector<cases::Number>& section : request.sections) {
     columns.add_values(section);
-    for (const cases::Number edge : section) {
-      edges_.push_back(mesh.edge_of(edge));
-      cells_.push_back(mesh.left[cases::at(edge)]);
+    for (const fields::GroundEdge& edge : ground.edges(section)) {
+      edges_.push_back(edge.geometry());
+      cells_.push_back(edge.left);
     }
     section_ends_.push_back(edges_.size());
   }

@@ -13,7 +13,8 @@
 class CMonitorSection {
  public:
   /// Its result file comes by begin() or go_on().
-  CMonitorSection(const cases::SectionRequest& request, const cases::Mesh& mesh, double start_time);
+  CMonitorSection(const cases::SectionRequest& request, const fields::Ground& ground,
+                  double start_time);
 
   /// Creates the result file.
   void begin() { output_.open(name_); }

@@ -26,7 +26,7 @@ std::uint64_t checksum_of(const std::vector<physics::PlanPoint>& points) {
 }  // namespace
 
 Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-             const CellLocator& cell_with_point, double start_time)
+             const fields::Ground& ground, double start_time)
     : name_(prefix + request.result),
       result_(request.result),
       interval_(request.interval),
@@ -34,14 +34,13 @@ Gauge::Gauge(const cases::GaugeRequest& request, const std::string& prefix,
       columns_(checksum_of(request.points)),
       states_(request.points.size()) {
   utils::RepeatedWarning warnings("gauges in no cell.");
-  for (std::size_t i = 0; i < request.points.size(); ++i) {
-    const physics::PlanPoint point = request.points[i];
-    const cases::Number cell = cell_with_point(point.x, point.y);
-    if (cell < 0) {
-      warnings.add(without_cell(static_cast<int>(i), point));
+  const std::vector<cases::Number> cells = ground.cells_at(request.points);
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (cells[i] < 0) {
+      warnings.add(without_cell(static_cast<int>(i), request.points[i]));
       continue;
     }
-    cells_.push_back(cell);
+    cells_.push_back(cells[i]);
     points_.push_back(i);
   }
   values_.resize(cells_.size());

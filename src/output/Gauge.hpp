@@ -1,7 +1,6 @@
 // Time series of the flow at chosen points.
 #pragma once
 
-#include <functional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -12,14 +11,11 @@
 #include "output/OutputPositions.hpp"
 #include "utils/WriterThread.hpp"
 
-/// Finds the cell that contains a point of the plane; -1 if there is none.
-using CellLocator = std::function<cases::Number(double x, double y)>;
-
 class Gauge {
  public:
   /// The name of the result file begins with the prefix. Its file comes by begin() or go_on().
-  Gauge(const cases::GaugeRequest& request, const std::string& prefix,
-        const CellLocator& cell_with_point, double start_time);
+  Gauge(const cases::GaugeRequest& request, const std::string& prefix, const fields::Ground& ground,
+        double start_time);
 
   /// Creates the result file, writes its header, and says so in the log.
   void begin(std::ostream& log);

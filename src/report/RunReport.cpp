@@ -81,6 +81,7 @@ void RunReport::begin(fields::Flow& flow, const cases::Case& contents, const fie
   enter(Phase::steps);
   flow_ = &flow;
   case_ = &contents;
+  ground_ = flow.ground(contents);
   flow.watch();
   ledger_ = std::make_unique<VolumeLedger>(flow, contents);
   smallest_cell_ = flow.looks(contents)->bounds().smallest;
@@ -142,7 +143,7 @@ void RunReport::add_failure(const std::string& what, cases::Number cell,
   what_failed_ = what;
   if (has_failure()) return;
   failure_ = {{"what", what}, {"time_s", clock_of_run_->t}, {"steps_computed", steps_}};
-  if (cell >= 0) failure_.update(surroundings_of(*flow_, *case_, clock_of_run_->t, cell));
+  if (cell >= 0) failure_.update(surroundings_of(*flow_, *ground_, *case_, clock_of_run_->t, cell));
   failure_["snapshot"] = snapshot;
   failure_["last_steps"] = last_steps();
 }
@@ -179,7 +180,7 @@ void RunReport::add_what_the_flow_tells(json& report) const {
 
 // --- Parts of the report -------------------------------------------------------------------------
 
-json RunReport::place_of(cases::Number cell) const { return ::place_of(case_->mesh, cell); }
+json RunReport::place_of(cases::Number cell) const { return ::place_of(*ground_, cell); }
 
 json RunReport::step_json(const StepRecord& step) const {
   const bool by_wave = step.cell >= 0;
@@ -189,7 +190,7 @@ json RunReport::step_json(const StepRecord& step) const {
   const int number = by_wave ? step.cell : smallest_cell_;
   if (number < 0) return result;
   result.update(place_of(number));
-  result["length_m"] = case_->mesh.geometry_of(number).char_length();
+  result["length_m"] = ground_->geometry_of(number).char_length();
   if (!by_wave) return result;
   result["depth_m"] = step.state.h;
   result["velocity_m_per_s"] = speed_of(step.state);
@@ -249,7 +250,7 @@ json RunReport::execution() const {
                  {"threads", path.threads},
                  {"instruction_set", path.instruction_set},
                  {"flux_scheme", cases::kind_of(case_->scheme).name},
-                 {"cells", case_->mesh.n_cells()}};
+                 {"cells", ground_->counts().cells}};
   if (path.ranks > 1) {
     result["recuts"] = path.recuts;
     result["imbalance"] = path.imbalance;

@@ -109,6 +109,7 @@ class RunReport {
   const fields::Clock* clock_of_run_ = nullptr;  ///< null before the steps
   fields::Flow* flow_ = nullptr;                 ///< null before the steps
   const cases::Case* case_ = nullptr;
+  std::unique_ptr<fields::Ground> ground_;
   const WaterLooks* looks_ = nullptr;
   std::unique_ptr<VolumeLedger> ledger_;
   cases::Number smallest_cell_ = -1;  ///< of the mesh

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-nlohmann::ordered_json place_of(const cases::Mesh& mesh, cases::Number cell) {
-  const physics::SpacePoint center = mesh.center_of(cell);
+nlohmann::ordered_json place_of(const fields::Ground& ground, cases::Number cell) {
+  const physics::SpacePoint center = ground.geometry_of(cell).center;
   return {{"cell", cell}, {"centre_m", {center.x, center.y}}};
 }
 

@@ -3,11 +3,10 @@
 
 #include <nlohmann/json.hpp>
 
-#include "case/Mesh.hpp"
 #include "fields/Flow.hpp"
 
 /// Number and centre.
-nlohmann::ordered_json place_of(const cases::Mesh& mesh, cases::Number cell);
+nlohmann::ordered_json place_of(const fields::Ground& ground, cases::Number cell);
 
 /// Speed of a state, m/s; 0 without water.
 double speed_of(const fields::CellState& state);

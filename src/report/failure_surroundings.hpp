@@ -9,5 +9,5 @@
 
 /// "cells", the cell first, and "edges" of these cells. The fluxes are those of the states at t
 /// (s).
-nlohmann::ordered_json surroundings_of(const fields::Flow& flow, const cases::Case& contents,
-                                       double t, cases::Number cell);
+nlohmann::ordered_json surroundings_of(const fields::Flow& flow, const fields::Ground& ground,
+                                       const cases::Case& contents, double t, cases::Number cell);

@@ -19,7 +19,8 @@ class CMonitorSectionTest : public OutputTest {
   std::unique_ptr<CMonitorSection> sections(const std::vector<std::vector<cases::Number>>& edges,
                                             double interval = 60.0, double start_time = 0.0) {
     auto section = std::make_unique<CMonitorSection>(
-        cases::SectionRequest{folder.file("result.txt"), interval, edges}, mesh_, start_time);
+        cases::SectionRequest{folder.file("result.txt"), interval, edges},
+        fields::WholeGround(case_), start_time);
     section->begin();
     return section;
   }
@@ -38,7 +39,8 @@ class CMonitorSectionTest : public OutputTest {
     return mesh_.n_nodes() - 1;
   }
 
-  cases::Mesh mesh_;
+  cases::Case case_;
+  cases::Mesh& mesh_ = case_.mesh;
 };
 
 TEST_F(CMonitorSectionTest, CreatesAResultWithoutHeader) {
@@ -144,7 +146,7 @@ TEST_F(CMonitorSectionTest, AcceptsAResultNameOfAnyLength) {
   std::string name = folder.path();
   for (int i = 0; i < 100; ++i) name += "/.";
   name += "/" + std::string(200, 'n');
-  CMonitorSection section({name, 60.0, {}}, contents.mesh, 0.0);
+  CMonitorSection section({name, 60.0, {}}, fields::WholeGround(contents), 0.0);
   section.begin();
   EXPECT_TRUE(folder.has(std::string(200, 'n')));
 }

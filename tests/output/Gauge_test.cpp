@@ -14,7 +14,6 @@ using testing::internal::GetCapturedStderr;
 
 class GaugeTest : public OutputTest {
  protected:
-  /// Gauges that find the lower cell under points with y < x, the upper cell for y > x.
   std::unique_ptr<Gauge> gauges(const std::vector<physics::PlanPoint>& points,
                                 double start_time = 0.0) {
     return gauges_with_prefix(prefix(), points, start_time);
@@ -22,12 +21,8 @@ class GaugeTest : public OutputTest {
   std::unique_ptr<Gauge> gauges_with_prefix(const std::string& prefix,
                                             const std::vector<physics::PlanPoint>& points,
                                             double start_time = 0.0) {
-    const auto locate = [](double x, double y) {
-      if (x < 0.0 || x > 1.0 || x == y) return -1;
-      return y < x ? 0 : 1;
-    };
     auto gauge = std::make_unique<Gauge>(cases::GaugeRequest{"result.txt", 10.0, points}, prefix,
-                                         locate, start_time);
+                                         fields::WholeGround(contents), start_time);
     gauge->begin(log);
     return gauge;
   }
