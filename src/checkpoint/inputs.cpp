@@ -24,21 +24,9 @@ std::uint64_t sum_of(const Values&... values) {
   return sum.value();
 }
 
-std::uint64_t sum_of_boundaries(const cases::Mesh& mesh) {
+std::uint64_t sum_of_series(const cases::Case& contents, std::uint64_t of_boundaries) {
   utils::Checksum sum;
-  for (const cases::Boundary& boundary : mesh.boundaries) {
-    const bool has_series = boundary.series >= 0;
-    const std::uint64_t of = sum_of(boundary.edge, boundary.code, has_series, boundary.value);
-    sum.add(&of, sizeof of);
-  }
-  return sum.value();
-}
-
-std::uint64_t sum_of_series(const cases::Case& contents) {
-  utils::Checksum sum;
-  for (const cases::Boundary& boundary : contents.mesh.boundaries) {
-    sum.add(&boundary.series, sizeof boundary.series);
-  }
+  sum.add(&of_boundaries, sizeof of_boundaries);
   for (const cases::Series& series : contents.series) {
     sum.add_values(series.times);
     sum.add_values(series.values);
@@ -50,9 +38,9 @@ std::uint64_t sum_of(const cases::Hyetogram& rain) {
   return sum_of(rain.step, rain.times, rain.intensities);
 }
 
-std::uint64_t sum_of_rain(const cases::Case& contents) {
+std::uint64_t sum_of_rain(const cases::Case& contents, std::uint64_t of_cells) {
   utils::Checksum sum;
-  sum.add_values(contents.fields.rain);
+  sum.add(&of_cells, sizeof of_cells);
   for (const cases::Hyetogram& rain : contents.rain) {
     const std::uint64_t of = sum_of(rain);
     sum.add(&rain.id, sizeof rain.id);
@@ -69,9 +57,9 @@ std::uint64_t sum_of(const cases::HortonParameters& soil) {
   return sum_of(soil.f0, soil.fc, soil.k, soil.Fmax, soil.kr);
 }
 
-std::uint64_t sum_of_soils(const cases::Case& contents) {
+std::uint64_t sum_of_soils(const cases::Case& contents, std::uint64_t of_cells) {
   utils::Checksum sum;
-  sum.add_values(contents.fields.soil);
+  sum.add(&of_cells, sizeof of_cells);
   for (const cases::Soil& soil : contents.soils) {
     const std::uint64_t kind = soil.parameters.index();
     const std::uint64_t of = std::visit([](const auto& p) { return sum_of(p); }, soil.parameters);
@@ -83,9 +71,8 @@ std::uint64_t sum_of_soils(const cases::Case& contents) {
 
 }  // namespace
 
-std::vector<Input> inputs_of(const cases::Case& contents, const std::string& version) {
-  const cases::Mesh& mesh = contents.mesh;
-  const cases::CellFields& fields = contents.fields;
+std::vector<Input> inputs_of(const cases::Case& contents, const cases::InputSums& sums,
+                             const std::string& version) {
   const cases::SedimentParameters& sand = contents.sediment;
   utils::Checksum of_version;
   of_version.add(version.data(), version.size());
@@ -97,20 +84,20 @@ std::vector<Input> inputs_of(const cases::Case& contents, const std::string& ver
       {"the start time", sum_of(contents.t_start)},
       {"the Courant number", sum_of(contents.cfl)},
       {"the depth up to which a cell is dry", sum_of(contents.zero_depth)},
-      {"the nodes of the mesh", sum_of(mesh.x, mesh.y, mesh.z)},
-      {"the cells of the mesh", sum_of(mesh.cell_nodes, mesh.first_node)},
-      {"the edges of the mesh", sum_of(mesh.left, mesh.right, mesh.node1, mesh.node2)},
-      {"the boundary conditions", sum_of_boundaries(mesh)},
-      {"the initial conditions", sum_of(fields.level, fields.qx, fields.qy, fields.infiltrated)},
-      {"the bed", sum_of(fields.bed)},
-      {"the friction", sum_of(fields.manning)},
-      {"the soils", sum_of_soils(contents)},
-      {"the initial sediments", sum_of(fields.sediment)},
+      {"the nodes of the mesh", sums.nodes},
+      {"the cells of the mesh", sums.cells},
+      {"the edges of the mesh", sums.edges},
+      {"the boundary conditions", sums.boundaries},
+      {"the initial conditions", sums.initial},
+      {"the bed", sums.bed},
+      {"the friction", sums.friction},
+      {"the soils", sum_of_soils(contents, sums.soils)},
+      {"the initial sediments", sums.sediment},
       {"the parameters of the sediments",
        sum_of(sand.d50, sand.density, sand.manning, sand.porosity)},
       {"the end time", sum_of(contents.t_end), may_change},
-      {"the boundary series", sum_of_series(contents), may_change},
-      {"the rain", sum_of_rain(contents), may_change},
+      {"the boundary series", sum_of_series(contents, sums.boundary_series), may_change},
+      {"the rain", sum_of_rain(contents, sums.rain), may_change},
   };
 }
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/input_sums.hpp"
 
 namespace checkpoint {
 
@@ -21,8 +22,10 @@ struct Input {
   }
 };
 
-/// All that the steps of a run depend on: its case, and the version of the program.
-std::vector<Input> inputs_of(const cases::Case& contents, const std::string& version);
+/// All that the steps of a run depend on: its case, of whose mesh and cells nothing but the sums is
+/// looked at, and the version of the program.
+std::vector<Input> inputs_of(const cases::Case& contents, const cases::InputSums& sums,
+                             const std::string& version);
 
 /// Names of what is not the same in two lists.
 struct Changes {

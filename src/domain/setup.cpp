@@ -15,7 +15,9 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
   if (settings.checkpoints != nullptr) {
     keeper_ = std::make_unique<checkpoint::CheckpointKeeper>(*settings.checkpoints);
   }
-  if (keeper_ || is_restarted()) inputs_ = checkpoint::inputs_of(case_, settings.version);
+  if (keeper_ || is_restarted()) {
+    inputs_ = checkpoint::inputs_of(case_, cases::input_sums_of(case_), settings.version);
+  }
   if (is_restarted()) require_same_inputs();
   ground_ = std::make_unique<fields::WholeGround>(case_);
   set_outputs();

@@ -12,13 +12,15 @@
 #include <type_traits>
 #include <vector>
 
+#include "utils/mixed_bits.hpp"
+
 namespace utils {
 
 class Checksum {
  public:
   /// Sums of different seeds have nothing in common.
   explicit Checksum(std::uint64_t seed = 0) {
-    for (std::size_t k = 0; k < lanes_.size(); ++k) lanes_[k] = mixed(seed + (k + 1) * odd);
+    for (std::size_t k = 0; k < lanes_.size(); ++k) lanes_[k] = mixed_bits(seed + (k + 1) * odd);
   }
 
   void add(const void* bytes, std::size_t count) {
@@ -62,14 +64,14 @@ class Checksum {
       std::memcpy(rest.data(), stripe_.data(), held_);
       add_stripe(rest.data(), lanes);
     }
-    std::uint64_t sum = mixed(count_);
-    for (const std::uint64_t lane : lanes) sum = (std::rotl(sum, 5) ^ mixed(lane)) * odd;
-    return mixed(sum);
+    std::uint64_t sum = mixed_bits(count_);
+    for (const std::uint64_t lane : lanes) sum = (std::rotl(sum, 5) ^ mixed_bits(lane)) * odd;
+    return mixed_bits(sum);
   }
 
  private:
   static constexpr std::size_t stripe_size = 64;
-  static constexpr std::uint64_t odd = 0x9E3779B97F4A7C15U;        ///< 2^64 over the golden ratio
+  static constexpr std::uint64_t odd = odd_of_golden_ratio;
   static constexpr std::uint64_t other_odd = 0xB504F333F9DE6485U;  ///< 2^63 times the root of 2
   using Lanes = std::array<std::uint64_t, stripe_size / 8>;
 
@@ -80,13 +82,6 @@ class Checksum {
       lanes[k] = (std::rotl(lanes[k], 27) ^ (word * odd)) * other_odd;
     }
   }
-  /// The finaliser of splitmix64: Steele, Lea and Flood (2014), OOPSLA.
-  static std::uint64_t mixed(std::uint64_t x) {
-    x = (x ^ (x >> 30)) * 0xBF58476D1CE4E5B9U;
-    x = (x ^ (x >> 27)) * 0x94D049BB133111EBU;
-    return x ^ (x >> 31);
-  }
-
   Lanes lanes_{};
   std::array<unsigned char, stripe_size> stripe_{};  ///< bytes that fill no stripe yet
   std::size_t held_ = 0;                             ///< of them

@@ -13,11 +13,14 @@ using Names = std::vector<std::string>;
 
 class Inputs : public testing::Test {
  protected:
+  static std::vector<checkpoint::Input> of(const cases::Case& contents,
+                                           const std::string& version) {
+    return checkpoint::inputs_of(contents, cases::input_sums_of(contents), version);
+  }
   checkpoint::Changes after(const std::function<void(cases::Case&)>& change) const {
     cases::Case changed = contents;
     change(changed);
-    return checkpoint::changes_between(checkpoint::inputs_of(contents, "1"),
-                                       checkpoint::inputs_of(changed, "1"));
+    return checkpoint::changes_between(of(contents, "1"), of(changed, "1"));
   }
   Names refused(const std::function<void(cases::Case&)>& change) const {
     EXPECT_EQ(after(change).allowed, Names{});
@@ -73,8 +76,8 @@ TEST_F(Inputs, ThatMayNotChangeAreNamed) {
             Names{"the initial sediments"});
   EXPECT_EQ(name_of([](cases::Case& c) { c.sediment.porosity = 0.3; }),
             Names{"the parameters of the sediments"});
-  const checkpoint::Changes of_program = checkpoint::changes_between(
-      checkpoint::inputs_of(contents, "1"), checkpoint::inputs_of(contents, "2"));
+  const checkpoint::Changes of_program =
+      checkpoint::changes_between(of(contents, "1"), of(contents, "2"));
   EXPECT_EQ(of_program.refused, Names{"the version of the program"});
 }
 
