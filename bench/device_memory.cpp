@@ -13,8 +13,7 @@
 #include "case/read_case.hpp"
 #include "channel_case.hpp"
 #include "engine/Engine.hpp"
-#include "engine/device/DeviceBackend.hpp"
-#include "engine/device/Emulator.hpp"
+#include "engine/device/PatchKernels.hpp"
 
 namespace {
 
@@ -27,20 +26,6 @@ struct Model {
   ChannelKind kind;
   const char* scheme;
 };
-
-int words_of(const Tables& tables) {
-  const bool has_demands = !tables.soils.empty();
-  PatchScratch room = room_of(tables);
-  HllScratch of_hll = tables.hll ? room_of(*tables.hll, has_demands) : HllScratch{};
-  room.findings = of_hll.findings = {256, false, tables.has_bed && !tables.hll};
-  if (!tables.hll) {
-    return tables.has_bed ? AdvancePatches<true>::words_of(room)
-                          : AdvancePatches<false>::words_of(room);
-  }
-  if (tables.hll->second_order) return AdvanceHll2::words_of(of_hll);
-  return tables.has_bed ? AdvanceHll1<true>::words_of(of_hll)
-                        : AdvanceHll1<false>::words_of(of_hll);
-}
 
 /// Of the kernels of LHLLC: state read and written; bed, largest depth, highest vertex, area,
 /// length and roughness, or with sediments hs, the bed load and its derivative read and written,
@@ -86,7 +71,7 @@ void print(const Model& model, const Channel& channel) {
   const Engine engine(contents, 1, 0, {.device = engine::Device::emulated});
   const Tables& tables = engine.tables();
   std::printf("%s;%d;%.1f;%.0f\n", model.name, tables.cells_per_patch(),
-              words_of(tables) * 8 / 1024.0,
+              PatchKernels(tables).scratch_words(false, tables.has_bed && !tables.hll) * 8 / 1024.0,
               tables.hll ? bytes_of_hll(tables) : bytes_of_lhllc(tables));
   std::filesystem::current_path("/");
   std::filesystem::remove_all(folder);

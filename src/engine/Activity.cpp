@@ -92,8 +92,12 @@ void Activity::find(const Tables& tables, bool it_rains) {
 }
 
 void Activity::set(std::vector<char> marks, std::vector<char> can_change) {
-  marks_ = std::move(marks);
+  set_marks(std::move(marks));
   can_change_ = std::move(can_change);
+}
+
+void Activity::set_marks(std::vector<char> marks) {
+  marks_ = std::move(marks);
   active_.clear();
   for (std::size_t p = 0; p < marks_.size(); ++p) {
     if (marks_[p] != 0) active_.push_back(static_cast<int>(p));

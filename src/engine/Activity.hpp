@@ -33,6 +33,8 @@ class Activity {
   bool can_change(int patch) const { return can_change_[at(patch)] != 0; }
   /// Goes on after a step that was computed elsewhere.
   void set(std::vector<char> marks, std::vector<char> can_change);
+  /// The same of who does not ask yet which patches may change.
+  void set_marks(std::vector<char> marks);
 
   /// It rains on other cells than before.
   void find_rain(const Tables& tables);

@@ -13,11 +13,8 @@ namespace engine {
 
 namespace {
 
-std::unique_ptr<Backend> make_backend(Tables& tables, ThreadTeam& team,
-                                      const Processor& processor) {
-  if (processor.device != Device::none) {
-    return device::make_device_backend(processor.device, tables, team);
-  }
+std::unique_ptr<PatchBackend> make_host_backend(Tables& tables, ThreadTeam& team,
+                                                const Processor& processor) {
   const Loops& loops = loops_for(processor.instruction_set);
   if (tables.hll) return std::make_unique<HllBackend>(tables, team, loops);
   return std::make_unique<HostBackend>(tables, team, loops);
@@ -48,9 +45,12 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
       team_(threads),
       tables_(make_tables(contents, part, team_, cells_per_patch, processor)),
       forcing_(contents, tables_),
-      activity_(tables_),
-      is_on_device_(processor.device != Device::none),
-      backend_(make_backend(tables_, team_, processor)) {
+      activity_(tables_) {
+  if (processor.device == Device::none) {
+    host_ = make_host_backend(tables_, team_, processor);
+  } else {
+    device_ = device::make_device_backend(processor.device, tables_, forcing_, activity_, team_);
+  }
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;
@@ -60,10 +60,10 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
 
 bool Engine::advance_alone(RunClock& clock, const StepLimits& limits) {
   const bool is_first_step = !tables_.cells.eta.empty();
-  const bool can = backend_->can_go_alone() && &exchange_ == &alone_ && !notes_ && !is_first_step;
+  const bool can = device_ && &exchange_ == &alone_ && !notes_ && !is_first_step;
   if (!can) return false;
-  backend_->advance_alone(forcing_, activity_, step_, limits, clock);
-  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  device_->advance_alone(step_, limits, clock);
+  const std::optional<NotHyperbolic> found = device_->not_hyperbolic();
   agreed_ = {};
   if (found) agreed_.not_hyperbolic = found->edge;
   find_not_hyperbolic();
@@ -71,7 +71,7 @@ bool Engine::advance_alone(RunClock& clock, const StepLimits& limits) {
 }
 
 double Engine::stable_step(double t) {
-  backend_->bring_home();
+  bring_home();
   double smallest = physics::unbounded_step;
   for (std::size_t i = 0; i < at(tables_.owned); ++i) {
     smallest = physics::smaller(smallest, tables_.stable_step_at(i));
@@ -82,45 +82,76 @@ double Engine::stable_step(double t) {
 }
 
 double Engine::advance(const StepTimes& times, const Wishes& own) {
-  backend_->bring_home();
+  return device_ ? advance_on_device(times, own) : advance_on_host(times, own);
+}
+
+double Engine::advance_on_host(const StepTimes& times, const Wishes& own) {
   forcing_.begin_step(times, tables_);
   step_.dt = times.dt;
   step_.rain_depths = forcing_.rain_depths();
   activity_.find(tables_, forcing_.it_rains());
   if (tables_.maxima) {
     tables_.maxima->t = times.t;
-    backend_->note_maxima(activity_.gone_to_rest());
+    host_->note_maxima(activity_.gone_to_rest());
   }
   if (meter_) meter_->begin_work();
-  backend_->outer_fluxes(activity_.with_fluxes(), step_);
+  host_->outer_fluxes(activity_.with_fluxes(), step_);
 
   // What others wait for comes first; it is on its way while the rest is computed.
   const double of_border = advance_patches(activity_.border_patches());
   if (meter_) meter_->end_work();
-  if (backend_->works_in_place()) exchange_.start_halo(tables_);
+  if (host_->works_in_place()) exchange_.start_halo(tables_);
   if (meter_) meter_->begin_work();
   const double of_interior = advance_patches(activity_.interior_patches());
-  backend_->finish_step(activity_);
+  host_->finish_step(activity_);
   if (meter_) {
     meter_->end_work();
     meter_->end_step(activity_.patches());
   }
-  if (!backend_->works_in_place()) exchange_.start_halo(tables_);
+  if (!host_->works_in_place()) exchange_.start_halo(tables_);
   start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
                 own);
+  take_halo();
+  return agree_on_step();
+}
+
+double Engine::advance_on_device(const StepTimes& times, const Wishes& own) {
+  if (meter_) meter_->begin_work();
+  device_->start_step(times, step_, notes_.get());
+  if (meter_) meter_->end_work();
+  exchange_.start_halo(tables_);
+  if (meter_) meter_->begin_work();
+  const double smallest = device_->finish_step();
+  if (meter_) {
+    meter_->end_work();
+    meter_->end_step(activity_.patches());
+  }
+  start_minimum(bounded_by_boundaries(smallest, times.t + times.dt), own);
+  take_halo();
+  device_->take_ghosts();
+  return agree_on_step();
+}
+
+void Engine::take_halo() {
   exchange_.finish_halo(tables_);
   tables_.set_bed_from_sediment(tables_.ghosts());
-  if (tables_.ghosts().size() > 0 || !tables_.cells.eta.empty()) backend_->take_anew();
   tables_.drop_given_surface();
-  agreed_ = exchange_.finish_minimum();
+}
 
+double Engine::agree_on_step() {
+  agreed_ = exchange_.finish_minimum();
   find_not_hyperbolic();
-  if (notes_) notes_->sum_up(tables_, activity_.patches(), agreed_.step, place_of_bound());
+  if (notes_) {
+    notes_->sum_up(tables_, activity_.patches(), agreed_.step, place_of_bound(),
+                   [&](const Range& places) {
+                     if (device_) device_->bring_home(places);
+                   });
+  }
   return physics::stable_step_domain(agreed_.step, tables_.char_length_min);
 }
 
 double Engine::advance_patches(const std::vector<int>& patches) {
-  return backend_->advance(patches, step_, forcing_.soil_steps(), activity_, notes_.get());
+  return host_->advance(patches, step_, forcing_.soil_steps(), activity_, notes_.get());
 }
 
 double Engine::bounded_by_boundaries(double smallest, double t) {
@@ -139,7 +170,7 @@ int Engine::place_of_bound() const { return step_of_bound_ == agreed_.step ? pla
 void Engine::start_minimum(double smallest, const Wishes& own) {
   const bool skipped_dry_cells = activity_.patches().size() < tables_.patches.patches.size();
   if (skipped_dry_cells) smallest = physics::smaller(smallest, tables_.dry_step);
-  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  const std::optional<NotHyperbolic> found = backend().not_hyperbolic();
   exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.pause,
                            found ? static_cast<double>(found->edge) : HUGE_VAL});
 }
@@ -147,7 +178,7 @@ void Engine::start_minimum(double smallest, const Wishes& own) {
 void Engine::find_not_hyperbolic() {
   not_hyperbolic_.reset();
   if (agreed_.not_hyperbolic == HUGE_VAL) return;
-  const std::optional<NotHyperbolic> found = backend_->not_hyperbolic();
+  const std::optional<NotHyperbolic> found = backend().not_hyperbolic();
   ignore_not_hyperbolic();
   // An edge between two ranks is found on both.
   if (!found || found->edge != agreed_.not_hyperbolic || found->place >= tables_.owned) return;
@@ -157,7 +188,7 @@ void Engine::find_not_hyperbolic() {
 }
 
 void Engine::ignore_not_hyperbolic() {
-  backend_->ignore_not_hyperbolic();
+  backend().ignore_not_hyperbolic();
   has_told_not_hyperbolic_ = true;
 }
 
@@ -198,7 +229,7 @@ State Engine::state() {
 }
 
 void Engine::save(State& state) {
-  backend_->bring_home();
+  bring_home();
   for_each_column(state, tables_, [&](std::vector<double>& values, const Column& column) {
     save_column(column, values);
   });
@@ -215,7 +246,7 @@ void Engine::set_state(const State& state) {
   if (tables_.maxima && state.peak_depth.empty()) {
     throw std::invalid_argument("The state holds no maxima of the flow.");
   }
-  backend_->bring_home();
+  bring_home();
   for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
     column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
     load_column(values, column);
@@ -228,7 +259,7 @@ void Engine::set_state(const State& state) {
   activity_.wake_all();
   if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
   if (tables_.maxima) tables_.maxima->forget_hints();
-  backend_->take_anew();
+  take_anew();
 }
 
 void Engine::load_column(const std::vector<double>& values, Column& column) const {
@@ -239,7 +270,7 @@ void Engine::load_column(const std::vector<double>& values, Column& column) cons
 
 void Engine::set_water(std::span<const cases::Number> cells,
                        std::span<const physics::InitialWater> water) {
-  backend_->bring_home();
+  bring_home();
   CellTable& c = tables_.cells;
   for (std::size_t i = 0; i < cells.size(); ++i) {
     const std::size_t place = at(tables_.place[at(cells[i])]);
@@ -250,23 +281,24 @@ void Engine::set_water(std::span<const cases::Number> cells,
   }
   activity_.wake_all();
   if (tables_.maxima) tables_.maxima->forget_hints();
-  backend_->take_anew();
+  take_anew();
 }
 
 void Engine::impose_on_boundary(int boundary, double value) {
+  if (device_) device_->bring_forcing_home();
   forcing_.impose_on_boundary(at(boundary), value);
 }
 
 void Engine::impose_rain(std::span<const cases::Number> cells,
                          std::span<const double> intensities) {
-  backend_->bring_home();
+  bring_home();
   forcing_.impose_rain(cells, intensities, tables_);
   activity_.find_rain(tables_);
-  backend_->take_anew();
+  take_anew();
 }
 
 void Engine::read(const Column& column, std::span<double> values) {
-  backend_->bring_home(column);
+  if (device_) device_->bring_home(column);
   team_.run([&](int member) {
     const Range share = share_of(member, team_.size(), values.size());
     for (int k = share.begin; k < share.end; ++k) {
@@ -277,10 +309,16 @@ void Engine::read(const Column& column, std::span<double> values) {
 
 void Engine::read(const Column& column, std::span<const cases::Number> cells,
                   std::span<double> values) const {
-  backend_->bring_home(column);
+  if (device_) device_->bring_home(column);
   for (std::size_t i = 0; i < cells.size(); ++i) {
     values[i] = column[at(tables_.place[at(cells[i])])];
   }
+}
+
+std::size_t Engine::place_at_hand(cases::Number cell) const {
+  const int place = tables_.place[at(cell)];
+  if (device_) device_->bring_home(Range{place, place + 1});
+  return at(place);
 }
 
 void Engine::read_work(std::span<double> values) const {
@@ -300,14 +338,14 @@ BoundaryInflow Engine::boundary_inflow(int boundary) const {
   if (!activity_.takes_part(tables_.boundaries[at(number)].cell / tables_.cells_per_patch())) {
     return {};
   }
-  backend_->bring_home();
+  if (device_) device_->bring_inflows_home();
   const std::size_t slot = at(tables_.first_boundary_slot() + number);
   return {tables_.outer.mass[slot], tables_.has_bed ? tables_.outer.bed[slot] : 0.0};
 }
 
 void Engine::keep_maxima(double arrival_depth) {
-  backend_->bring_home();
-  backend_->take_anew();
+  bring_home();
+  take_anew();
   tables_.maxima.emplace(tables_.cells.h.size(), tables_.has_bed, arrival_depth);
 }
 
@@ -316,7 +354,7 @@ void Engine::note_maxima(double t) {
   tables_.maxima->t = t;
   std::vector<int> all(tables_.patches.patches.size());
   std::iota(all.begin(), all.end(), 0);
-  backend_->note_maxima(all);
+  backend().note_maxima(all);
 }
 
 void Engine::watch(double t) {
@@ -325,6 +363,7 @@ void Engine::watch(double t) {
 }
 
 void Engine::save_notes(SavedNotes& notes) {
+  bring_home();
   notes.of_last_step = notes_->of_last_step();
   save_column(notes_->recovered, notes.recovered);
   save_column(notes_->lifted, notes.lifted);
@@ -332,13 +371,16 @@ void Engine::save_notes(SavedNotes& notes) {
 }
 
 void Engine::load_notes(const SavedNotes& notes) {
+  bring_home();
   notes_->set_last_step(notes.of_last_step);
   load_column(notes.recovered, notes_->recovered);
   load_column(notes.lifted, notes_->lifted);
   load_column(notes.taken_discharge, notes_->taken_discharge);
+  take_anew();
 }
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {
+  bring_home();
   return notes_->unseen_depths(tables_.place[at(cell)]);
 }
 

@@ -8,12 +8,12 @@
 #include <optional>
 #include <span>
 
-#include "engine/Backend.hpp"
 #include "engine/Exchange.hpp"
 #include "engine/Processor.hpp"
 #include "engine/State.hpp"
 #include "engine/ThreadTeam.hpp"
 #include "engine/WorkMeter.hpp"
+#include "engine/device/DeviceSteps.hpp"
 #include "physics/initial_water.hpp"
 
 namespace engine {
@@ -98,13 +98,16 @@ class Engine {
   /// The columns of the cells, for read(): what they hold may be elsewhere.
   const CellTable& columns() const { return tables_.cells; }
   const Tables& tables() const {
-    backend_->bring_home();
+    bring_home();
     return tables_;
   }
-  int threads() const { return backend_->threads(); }
-  const char* instruction_set() const { return backend_->instruction_set(); }
+  /// The place of an owned cell, where columns() then hold its present state: that of the water,
+  /// the sediment and the bed.
+  std::size_t place_at_hand(cases::Number cell) const;
+  int threads() const { return backend().threads(); }
+  const char* instruction_set() const { return backend().instruction_set(); }
   /// What a report calls the path: tables, or device.
-  const char* path() const { return is_on_device_ ? "device" : "tables"; }
+  const char* path() const { return device_ ? "device" : "tables"; }
   /// Of one of several ranks: ends a window of steps, see WorkMeter; for how long they have kept
   /// this rank busy, s.
   double end_window() { return meter_->end_window(); }
@@ -118,7 +121,23 @@ class Engine {
   Engine(const cases::Case& contents, const cases::Part* part, Exchange& exchange, int threads,
          int cells_per_patch, const Processor& processor);
 
+  Backend& backend() const { return device_ ? static_cast<Backend&>(*device_) : *host_; }
+  /// To be called before the tables are read or changed, which may be elsewhere; and after they or
+  /// the notes were changed otherwise than by a step.
+  void bring_home() const {
+    if (device_) device_->bring_home();
+  }
+  void take_anew() {
+    if (device_) device_->take_anew();
+  }
+
+  double advance_on_host(const StepTimes& times, const Wishes& own);
+  double advance_on_device(const StepTimes& times, const Wishes& own);
   double advance_patches(const std::vector<int>& patches);
+  /// Takes what other ranks have computed in a step.
+  void take_halo();
+  /// Ends a step, once all ranks have told their smallest one; that of the whole domain, s.
+  double agree_on_step();
   /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.
   double bounded_by_boundaries(double smallest_step, double t);
   /// Place of the cell whose boundary bounds the step of all ranks; -1: none here does.
@@ -137,10 +156,10 @@ class Engine {
   Tables tables_;
   Forcing forcing_;
   Activity activity_;
-  bool is_on_device_;
-  std::unique_ptr<Backend> backend_;
-  std::optional<WorkMeter> meter_;    ///< of one of several ranks
-  std::unique_ptr<StepNotes> notes_;  ///< null: nobody asks for notes
+  std::unique_ptr<PatchBackend> host_;           ///< or
+  std::unique_ptr<device::DeviceSteps> device_;  ///< the other is null
+  std::optional<WorkMeter> meter_;               ///< of one of several ranks
+  std::unique_ptr<StepNotes> notes_;             ///< null: nobody asks for notes
   kernels::StepValues step_{};
   double step_of_bound_ = 0.0;  ///< by which a boundary here bounds the next step, s
   int place_of_bound_ = -1;     ///< of its cell; -1: cells bound it more

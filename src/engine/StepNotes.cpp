@@ -69,13 +69,15 @@ UnseenDepths StepNotes::unseen_depths(int place) const {
 }
 
 void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
-                       int place_of_bound) {
+                       int place_of_bound, const BringHome& bring_home) {
   const int limited_before = notes_.limiting_cell;
-  notes_.limiting_cell = place_of_bound >= 0 ? cell_at_place_[at(place_of_bound)]
-                                             : limiting_cell(tables, patches, smallest_step);
-  note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared);
+  notes_.limiting_cell = place_of_bound >= 0
+                             ? cell_at_place_[at(place_of_bound)]
+                             : limiting_cell(tables, patches, smallest_step, bring_home);
+  note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared,
+              bring_home);
   note_record(tables, patches, notes_.speed_squared_per_depth,
-              &physics::FlowExtremes::speed_squared_per_depth);
+              &physics::FlowExtremes::speed_squared_per_depth, bring_home);
   notes_.not_finite = notes_.films = 0;
   for (const physics::FlowExtremes& patch : extremes) {
     notes_.not_finite += patch.not_finite;
@@ -84,34 +86,37 @@ void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches, do
   notes_ = exchange_.unite(notes_, limited_before);
 }
 
-int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patches,
-                             double smallest) const {
+int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest,
+                             const BringHome& bring_home) const {
   const auto sets_it = [&](std::size_t place) { return sets_step(tables, place, smallest); };
   return physics::limiting_cell(
       smallest, tables.dry_step, notes_.limiting_cell,
       [&](int number) {
         const int cell = tables.cell_of(number);
-        return cell >= 0 && sets_it(at(tables.place[at(cell)]));
+        if (cell < 0) return false;
+        const int place = tables.place[at(cell)];
+        bring_home({place, place + 1});
+        return sets_it(at(place));
       },
       [&] {
         return first_cell(
             tables, patches, [&](int patch) { return smallest_steps[at(patch)] == smallest; },
-            sets_it);
+            sets_it, bring_home);
       });
 }
 
 void StepNotes::note_record(const Tables& tables, const std::vector<int>& patches,
-                            physics::FlowRecord& record,
-                            double physics::FlowExtremes::*value) const {
+                            physics::FlowRecord& record, double physics::FlowExtremes::*value,
+                            const BringHome& bring_home) const {
   double largest = record.value;
   for (const int p : patches) largest = std::max(largest, extremes[at(p)].*value);
   if (!(largest > record.value)) return;
   const auto has_it = [&](std::size_t place) {
     return extremes_at(tables, place).*value == largest;
   };
-  record = {largest,
-            first_cell(
-                tables, patches, [&](int p) { return extremes[at(p)].*value == largest; }, has_it)};
+  record = {largest, first_cell(
+                         tables, patches, [&](int p) { return extremes[at(p)].*value == largest; },
+                         has_it, bring_home)};
 }
 
 int StepNotes::limiting_place(const Tables& tables) const {
@@ -121,11 +126,13 @@ int StepNotes::limiting_place(const Tables& tables) const {
 
 template <class Qualifies, class IsMeant>
 int StepNotes::first_cell(const Tables& tables, const std::vector<int>& patches,
-                          const Qualifies& qualifies, const IsMeant& is_meant) const {
+                          const Qualifies& qualifies, const IsMeant& is_meant,
+                          const BringHome& bring_home) const {
   int first = -1;
   for (const int p : patches) {
     if (!qualifies(p)) continue;
     const Range cells = tables.patches.patches[at(p)].cells;
+    bring_home(cells);
     for (int i = cells.begin; i < cells.end; ++i) {
       const int cell = cell_at_place_[at(i)];
       if ((first < 0 || cell < first) && is_meant(at(i))) first = cell;

@@ -1,6 +1,7 @@
 // What the patches note of a step for a report, while their cells are in cache.
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "engine/Exchange.hpp"
@@ -31,10 +32,12 @@ class StepNotes {
   /// Per cell, see UnseenDepths; empty without soils, sediments, or an HLL scheme.
   Column recovered, lifted, taken_discharge;
 
+  /// To be called before the states of the cells at places are read: they may be elsewhere.
+  using BringHome = std::function<void(const Range& places)>;
   /// Sums up a step that computed these patches and found this smallest step (s), which the
   /// boundary of the cell at a place bounds (-1: none does).
   void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
-              int place_of_bound);
+              int place_of_bound, const BringHome& bring_home);
   const physics::StepNotes& of_last_step() const { return notes_; }
   /// Goes on from the notes of an earlier run.
   void set_last_step(const physics::StepNotes& notes) { notes_ = notes; }
@@ -44,14 +47,16 @@ class StepNotes {
 
  private:
   void note_present(const Tables& tables, double stable_step, int place_of_bound);
-  int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest) const;
+  int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest,
+                    const BringHome& bring_home) const;
   void note_record(const Tables& tables, const std::vector<int>& patches,
-                   physics::FlowRecord& record, double physics::FlowExtremes::*value) const;
+                   physics::FlowRecord& record, double physics::FlowExtremes::*value,
+                   const BringHome& bring_home) const;
   /// The lowest number of a cell whose place is meant in a patch that qualifies; -1
   /// without one.
   template <class Qualifies, class IsMeant>
   int first_cell(const Tables& tables, const std::vector<int>& patches, const Qualifies& qualifies,
-                 const IsMeant& is_meant) const;
+                 const IsMeant& is_meant, const BringHome& bring_home) const;
 
   physics::StepNotes notes_;
   Exchange& exchange_;

@@ -90,8 +90,8 @@ std::size_t Tables::bytes() const {
   return bytes_of(c.h, c.qx, c.qy, c.eta, c.max_h, c.bed, c.max_node, c.reciprocal_area,
                   c.char_length, c.manning, c.infiltrated, c.hs, c.qsx, c.qsy, c.dqs_dh, c.rock,
                   c.rain, c.soil) +
-         bytes_of(shortest, place, cell_number, boundaries, boundary_place) + p.edges.bytes() +
-         p.cut_edges.bytes() +
+         bytes_of(shortest, place, border, cell_number, boundaries, boundary_place) +
+         p.edges.bytes() + p.cut_edges.bytes() +
          bytes_of(p.edge_number, p.cut_edge_number, p.boundary_edge, p.slots[0], p.slots[1],
                   p.slots[2], p.patches, p.neighbours, p.outer_slots) +
          bytes_of(outer.mass, outer.momentum_x, outer.momentum_y, outer.bed) +

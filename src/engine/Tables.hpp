@@ -54,9 +54,10 @@ struct Tables {
   physics::Grains grains{};      ///< of the bed
 
   CellTable cells;
-  Column shortest;         ///< characteristic length of every run of cells_of_shortest cells, m
-  std::vector<int> place;  ///< of the cells of the case, or of the part, in the tables
-  int owned = 0;           ///< places below are computed; those from there on are ghosts
+  Column shortest;          ///< characteristic length of every run of cells_of_shortest cells, m
+  std::vector<int> place;   ///< of the cells of the case, or of the part, in the tables
+  int owned = 0;            ///< places below are computed; those from there on are ghosts
+  std::vector<int> border;  ///< places of the cells that are ghosts of others
   /// Numbers in the whole case of the cells that a part owns, ascending; empty: the case is whole.
   std::vector<cases::Number> cell_number;
   Patches patches;

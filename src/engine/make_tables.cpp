@@ -163,7 +163,8 @@ std::vector<Soil> soils_of(const cases::Case& contents) {
 
 void mark_border(Tables& tables, const std::vector<Number>& border) {
   for (const Number cell : border) {
-    tables.patches.patches[at(tables.place[at(cell)] / tables.cells_per_patch())].is_border = true;
+    const int place = tables.border.emplace_back(tables.place[at(cell)]);
+    tables.patches.patches[at(place / tables.cells_per_patch())].is_border = true;
   }
 }
 

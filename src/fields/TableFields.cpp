@@ -75,8 +75,8 @@ void TableFields::read(Field field, std::span<const cases::Number> cells,
 }
 
 CellState TableFields::state(cases::Number cell) const {
-  const engine::CellTable& c = engine_.tables().cells;
-  const auto k = static_cast<std::size_t>(engine_.tables().place[cases::at(cell)]);
+  const engine::CellTable& c = engine_.columns();
+  const std::size_t k = engine_.place_at_hand(cell);
   const auto value = [&](const engine::Column& column) { return column.empty() ? 0.0 : column[k]; };
   return {.h = c.h[k],
           .qx = c.qx[k],

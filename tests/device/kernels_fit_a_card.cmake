@@ -5,7 +5,7 @@ set(architectures 80 90 100)
 set(threads_per_multiprocessor_water 768)  # three blocks of a patch
 set(threads_per_multiprocessor_bed 512)
 set(threads_per_multiprocessor_hll2 512)  # two
-set(kernels_of_a_step 12)
+set(kernels_of_a_step 14)
 
 # The architectures that this compiler knows.
 execute_process(COMMAND ${NVCC} --list-gpu-code OUTPUT_VARIABLE known ERROR_VARIABLE refusal)

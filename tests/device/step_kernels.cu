@@ -2,6 +2,7 @@
 #include "engine/device/AdvanceHll1.hpp"
 #include "engine/device/AdvanceHll2.hpp"
 #include "engine/device/AdvancePatches.hpp"
+#include "engine/device/CopyCells.hpp"
 #include "engine/device/EndStep.hpp"
 #include "engine/device/FindActive.hpp"
 #include "engine/device/KeepStates.hpp"
@@ -23,5 +24,7 @@ template __global__ void run_on_card(const BeginStep, int);
 template __global__ void run_on_card(const FindActive, int);
 template __global__ void run_on_card(const EndStep, int);
 template __global__ void run_on_card(const NoteMaxima, int);
+template __global__ void run_on_card(const CopyCells<false>, int);
+template __global__ void run_on_card(const CopyCells<true>, int);
 
 }  // namespace engine::device

@@ -8,17 +8,19 @@ namespace engine::device {
 
 template <bool has_bed>
 struct AdvanceHll1 {
-  static constexpr int phases = 5, threads = 256, blocks_at_once = has_bed ? 2 : 0;
+  static constexpr int phases = 5, threads = threads_of_patch, blocks_at_once = has_bed ? 2 : 0;
 
   HllStep step;
 
   static int words_of(const HllScratch& room) {
     constexpr int per_state = has_bed ? 7 + 4 : 7, per_slot = has_bed ? 4 : 3;
-    return per_state * room.states + per_slot * room.slots + room.demands + room.findings.words();
+    return per_state * room.states + per_slot * room.slots + room.demands;
   }
-  int scratch_words() const { return words_of(step.room); }
+  int scratch_words() const {
+    return FindingsInScratch::words_of(step.looks_for) + words_of(step.room);
+  }
   QM_HD bool has_work(const AdvanceHll1& kernel, int patch) {
-    return device::has_work(kernel.step, patch);
+    return is_computed(kernel.step, patch);
   }
 
   /// 0: the states of the cells of the patch and of the ring around it.
@@ -28,7 +30,7 @@ struct AdvanceHll1 {
     const HllPatchView& patch = hll_patch_of(step, thread);
     const Words<Scratch> words = parts_of(step, scratch);
     for (int k = thread.number; k < patch.cells; k += thread.count) {
-      begin_hll_cell(step, patch, k, words.demand);
+      begin_cell(step, patch.first_cell + k, patch.has_soil, words.demand, k);
     }
     const kernels::StepValues values = present_values(*step.clock, step.values);
     for (int k = thread.number; k < patch.with_states; k += thread.count) {
@@ -67,21 +69,17 @@ struct AdvanceHll1 {
                                                                     waters.drag};
     const PatchFindings found =
         advance_hll_cells<has_bed>(step, thread, before, words.slots, words.demand);
-    FindingsInScratch::store_cells(step.room.findings, words.findings, thread.number, found);
+    FindingsInScratch::store_cells(step.looks_for, scratch, thread.number, found);
   }
 
   /// 3 and 4: what the threads of the block have found.
   template <class Scratch>
   QM_HD void run(Phase<3>, const AdvanceHll1& kernel, const Thread& thread, Scratch scratch) {
-    const HllStep& step = kernel.step;
-    FindingsInScratch::unite_group(step.room.findings, parts_of(step, scratch).findings, thread);
+    unite_findings(kernel.step, thread, scratch);
   }
   template <class Scratch>
   QM_HD void run(Phase<4>, const AdvanceHll1& kernel, const Thread& thread, Scratch scratch) {
-    if (thread.number > 0) return;
-    const HllStep& step = kernel.step;
-    step.findings[thread.block] =
-        FindingsInScratch::of_groups(step.room.findings, parts_of(step, scratch).findings);
+    tell_findings(kernel.step, thread, scratch);
   }
 
  private:
@@ -91,23 +89,21 @@ struct AdvanceHll1 {
     kernels::HllCellStatesWith<Scratch> states;
     kernels::HllBedColumnsWith<Scratch> beds;  ///< nothing where no bed moves
     kernels::SlotColumnsWith<Scratch> slots;
-    Scratch demand, findings;
+    Scratch demand;
   };
 
   template <class Scratch>
   QM_HD Words<Scratch> parts_of(const HllStep& step, Scratch scratch) {
     const HllScratch& room = step.room;
     const int n = room.states;
-    const Scratch giving = scratch + 5 * n, bed = giving + 2 * n;
+    const Scratch water = behind_findings(step, scratch);
+    const Scratch giving = water + 5 * n, bed = giving + 2 * n;
     const Scratch slots = has_bed ? bed + 4 * n : bed;
     const Scratch demand = slots + (has_bed ? 4 : 3) * room.slots;
-    return {{{scratch, scratch + n, scratch + 2 * n, scratch + 3 * n, scratch + 4 * n},
-             giving,
-             giving + n},
+    return {{{water, water + n, water + 2 * n, water + 3 * n, water + 4 * n}, giving, giving + n},
             {bed, bed + n, bed + 2 * n, bed + 3 * n},
             hll_slots<has_bed>(step, slots),
-            demand,
-            demand + room.demands};
+            demand};
   }
 
   template <class Scratch>

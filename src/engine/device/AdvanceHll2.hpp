@@ -7,17 +7,18 @@
 namespace engine::device {
 
 struct AdvanceHll2 {
-  static constexpr int phases = 6, threads = 256, blocks_at_once = 0;
+  static constexpr int phases = 6, threads = threads_of_patch, blocks_at_once = 0;
 
   HllStep step;
 
   static int words_of(const HllScratch& room) {
-    return 5 * room.waters + (5 * 3 + 2) * room.states + 3 * room.slots + room.demands +
-           room.findings.words();
+    return 5 * room.waters + (5 * 3 + 2) * room.states + 3 * room.slots + room.demands;
   }
-  int scratch_words() const { return words_of(step.room); }
+  int scratch_words() const {
+    return FindingsInScratch::words_of(step.looks_for) + words_of(step.room);
+  }
   QM_HD bool has_work(const AdvanceHll2& kernel, int patch) {
-    return device::has_work(kernel.step, patch);
+    return is_computed(kernel.step, patch);
   }
 
   /// 0: the water of all cells that others see.
@@ -27,7 +28,7 @@ struct AdvanceHll2 {
     const HllPatchView& patch = hll_patch_of(step, thread);
     const Words<Scratch> words = parts_of(step, patch, scratch);
     for (int k = thread.number; k < patch.cells; k += thread.count) {
-      begin_hll_cell(step, patch, k, words.demand);
+      begin_cell(step, patch.first_cell + k, patch.has_soil, words.demand, k);
     }
     const kernels::CellColumns& cells = step.tables.cells;
     const double zero_depth = step.values.zero_depth;
@@ -83,22 +84,17 @@ struct AdvanceHll2 {
     constexpr bool has_bed = false;
     const PatchFindings found =
         advance_hll_cells<has_bed>(step, thread, before, words.slots, words.demand);
-    FindingsInScratch::store_cells(step.room.findings, words.findings, thread.number, found);
+    FindingsInScratch::store_cells(step.looks_for, scratch, thread.number, found);
   }
 
   /// 4 and 5: what the threads of the block have found.
   template <class Scratch>
   QM_HD void run(Phase<4>, const AdvanceHll2& kernel, const Thread& thread, Scratch scratch) {
-    const HllStep& step = kernel.step;
-    FindingsInScratch::unite_group(
-        step.room.findings, parts_of(step, hll_patch_of(step, thread), scratch).findings, thread);
+    unite_findings(kernel.step, thread, scratch);
   }
   template <class Scratch>
   QM_HD void run(Phase<5>, const AdvanceHll2& kernel, const Thread& thread, Scratch scratch) {
-    if (thread.number > 0) return;
-    const HllStep& step = kernel.step;
-    step.findings[thread.block] = FindingsInScratch::of_groups(
-        step.room.findings, parts_of(step, hll_patch_of(step, thread), scratch).findings);
+    tell_findings(kernel.step, thread, scratch);
   }
 
  private:
@@ -108,21 +104,21 @@ struct AdvanceHll2 {
     kernels::HllWaterColumnsWith<Scratch> waters;
     kernels::HllEdgeColumnsWith<Scratch> edges;
     kernels::SlotColumnsWith<Scratch> slots;
-    Scratch demand, findings;
+    Scratch demand;
   };
 
   template <class Scratch>
   QM_HD Words<Scratch> parts_of(const HllStep& step, const HllPatchView& patch, Scratch scratch) {
     const HllScratch& room = step.room;
     const int w = room.waters, e = 3 * room.states;
-    const Scratch edge = scratch + 5 * w, source = edge + 5 * e;
+    const Scratch water = behind_findings(step, scratch);
+    const Scratch edge = water + 5 * w, source = edge + 5 * e;
     const Scratch slots = source + 2 * room.states, demand = slots + 3 * room.slots;
-    return {{scratch, scratch + w, scratch + 2 * w, scratch + 3 * w, scratch + 4 * w},
+    return {{water, water + w, water + 2 * w, water + 3 * w, water + 4 * w},
             {edge, edge + e, edge + 2 * e, edge + 3 * e, edge + 4 * e, source, source + room.states,
              patch.with_states},
             hll_slots<false>(step, slots),
-            demand,
-            demand + room.demands};
+            demand};
   }
 };
 

@@ -126,9 +126,9 @@ class CardArray {
     resize(values.size());
     CardStream::of_process().copy_to_card(values_, values.data(), values.size_bytes());
   }
-  /// Copies the first of them to the host.
-  void give(std::span<Value> values) const {
-    CardStream::of_process().copy_from_card(values.data(), values_, values.size_bytes());
+  /// Copies those from a place on to the host, as many as are asked for.
+  void give(std::span<Value> values, std::size_t from = 0) const {
+    CardStream::of_process().copy_from_card(values.data(), values_ + from, values.size_bytes());
   }
 
  private:
@@ -149,11 +149,47 @@ class CardArray {
   std::size_t size_ = 0, capacity_ = 0;
 };
 
+/// Values on their way from the card to the host, while the card goes on.
+class CardParcel {
+ public:
+  CardParcel() { check(cudaEventCreateWithFlags(&copied_, cudaEventDisableTiming)); }
+  CardParcel(const CardParcel&) = delete;
+  CardParcel& operator=(const CardParcel&) = delete;
+  ~CardParcel() {
+    cudaEventDestroy(copied_);
+    cudaFreeHost(values_);
+  }
+
+  /// Takes all of an array, as it is once what was launched before is done; returns at once.
+  void start(const CardArray<double>& values) {
+    if (values.size() > size_) {
+      check(cudaFreeHost(std::exchange(values_, nullptr)));
+      check(cudaMallocHost(&values_, values.size() * sizeof(double)));
+    }
+    size_ = values.size();
+    CardStream& stream = CardStream::of_process();
+    check(cudaMemcpyAsync(values_, values.data(), size_ * sizeof(double), cudaMemcpyDeviceToHost,
+                          stream));
+    check(cudaEventRecord(copied_, stream));
+  }
+  /// Returns what was taken, when it is there.
+  std::span<const double> wait() const {
+    check(cudaEventSynchronize(copied_));
+    return {values_, size_};
+  }
+
+ private:
+  double* values_ = nullptr;
+  std::size_t size_ = 0;
+  cudaEvent_t copied_ = nullptr;
+};
+
 /// The first card that the driver shows.
 class Card {
  public:
   template <class Value>
   using Array = CardArray<Value>;
+  using Parcel = CardParcel;
 
   Card() {
     int device = 0;

@@ -1,114 +1,53 @@
-// The parts of a step on a device, by its kernels. Machine is the device: Emulator, say. States
-// stay on the device while it steps by itself; the host keeps the tables as well, for whoever looks
-// at them between steps.
+// The steps of a device, by its kernels. Machine is the device: Emulator, say. States stay on the
+// device; the host keeps the tables as well, for whoever looks at them between steps.
 #pragma once
 
 #include <algorithm>
+#include <cmath>
+#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "engine/Backend.hpp"
-#include "engine/device/AdvanceHll1.hpp"
-#include "engine/device/AdvanceHll2.hpp"
-#include "engine/device/AdvancePatches.hpp"
+#include "engine/device/CellCopies.hpp"
+#include "engine/device/DeviceActivity.hpp"
 #include "engine/device/DeviceForcing.hpp"
+#include "engine/device/DeviceNotes.hpp"
+#include "engine/device/DeviceSteps.hpp"
 #include "engine/device/DeviceTables.hpp"
 #include "engine/device/EndStep.hpp"
-#include "engine/device/FindActive.hpp"
 #include "engine/device/KeepStates.hpp"
 #include "engine/device/NoteMaxima.hpp"
 #include "engine/device/OuterFluxes.hpp"
+#include "engine/device/PatchKernels.hpp"
 
 namespace engine::device {
 
-/// What the largest patch takes of its scratch, without what the threads find in it.
-inline PatchScratch room_of(const Tables& tables) {
-  PatchScratch room = {};
-  for (const Patch& patch : tables.patches.patches) {
-    room.slots = std::max(room.slots, patch.empty_slot() + 1);
-    room.cells = std::max(room.cells, patch.cells.size());
-  }
-  if (!tables.soils.empty()) room.demands = room.cells;
-  return room;
-}
-
 template <class Machine>
-class DeviceBackend : public Backend {
+class DeviceBackend : public DeviceSteps {
  public:
-  /// Works on the tables, which must outlive it. Throws std::runtime_error where the machine has
-  /// too little scratch for a patch.
-  DeviceBackend(Tables& tables, Machine machine)
+  /// Works on what the host has of a run, which must outlive it. Throws std::runtime_error where
+  /// the machine has too little scratch for a patch.
+  DeviceBackend(Tables& tables, Forcing& forcing, Activity& activity, Machine machine)
       : tables_(tables),
+        forcing_(forcing),
+        activity_(activity),
         machine_(std::move(machine)),
+        kernels_(tables),
         on_device_(tables),
-        room_(room_of(tables)),
+        activity_on_device_(tables),
+        border_(tables.border),
+        ghosts_(places_of(tables.ghosts())),
+        level_boundaries_(cells_with_levels(tables)),
         watches_hyperbolicity_(tables.has_bed && !tables.hll) {
-    if (tables.hll) room_of_hll_ = room_of(*tables.hll, !tables.soils.empty());
     require_scratch();
-    findings_.take(std::vector<PatchFindings>(patch_count()));
-    edges_found_.take(std::vector<EdgeFound>(patch_count()));
   }
 
-  /// Begins a step.
-  void outer_fluxes(const std::vector<int>& patches, const kernels::StepValues& step) override {
-    bring_to_device();
-    on_device_.take_boundaries(tables_);
-    not_hyperbolic_.reset();
-    set_clock(step);
-    if (tables_.hll) return;  // every patch computes those around it
-    takes_part_.take(marks_of(patches));
-    constexpr bool around = false;
-    launch_outer_fluxes(step, around);
-    std::vector<EdgeFound> found(watches_hyperbolicity_ ? patch_count() : 0);
-    edges_found_.give(found);
-    for (const int p : patches) {
-      if (watches_hyperbolicity_) note(found[at(p)]);
-    }
-  }
-
-  double advance(const std::vector<int>& patches, const kernels::StepValues& values,
-                 const std::vector<physics::SoilStep>& soil_steps, Activity& activity,
-                 StepNotes* notes) override {
-    const Step step = {values, soil_steps, activity, notes};
-    takes_part_.take(marks_of(patches));
-    soil_steps_.take(step.soil_steps);
-    launch_patches(on_device(values), soil_steps_.data(), take_notes(notes));
-    give_notes(notes);
-    return tell_findings(patches, step);
-  }
-
-  void note_maxima(const std::vector<int>& patches) override {
-    if (!tables_.maxima || patches.empty()) return;
-    bring_to_device();
-    set_clock({});
-    goes_to_rest_.take(marks_of(patches));
-    launch_note_maxima();
-    on_device_.give_maxima(tables_);
-  }
-
-  void finish_step(const Activity& activity) override {
-    if (tables_.hll) {
-      goes_to_rest_.take(marks_of(activity.gone_to_rest()));
-      launch_keep_states();
-    }
-    on_device_.give_state(tables_);
-  }
-  bool works_in_place() const override { return false; }
-  std::optional<NotHyperbolic> not_hyperbolic() const override { return not_hyperbolic_; }
-  void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
-
-  bool can_go_alone() const override { return true; }
-  void advance_alone(Forcing& forcing, Activity& activity, const kernels::StepValues& constants,
-                     const StepLimits& limits, RunClock& clock) override {
-    bring_to_device();
-    on_device_.take_boundaries(tables_);
-    forcing_.take(forcing.tables(tables_), tables_.soils.size());
-    take_activity(activity);
-    is_home_ = false;
-    at_home_.clear();
+  void advance_alone(const kernels::StepValues& constants, const StepLimits& limits,
+                     RunClock& clock) override {
+    begin(nullptr);
     StepClock now = {};
     now.run = clock;
     now.till = limits;
@@ -116,32 +55,102 @@ class DeviceBackend : public Backend {
       clock_.take({&now, 1});
       const long steps_before = now.run.steps;
       const long launched = std::clamp(limits.last_step - steps_before, 1L, steps_at_once);
-      for (long k = 0; k < launched; ++k) launch_step(constants);
+      constexpr bool is_alone = true;
+      for (long k = 0; k < launched; ++k) launch_step(constants, is_alone);
       clock_.give({&now, 1});
       // Every launch has exchanged the states, also those that found the clock halted.
       const long computed = now.run.steps - steps_before;
       if (tables_.hll && (launched - computed) % 2 != 0) on_device_.take_states_after();
     } while (!now.halted);
     clock = now.run;
-    not_hyperbolic_.reset();
     note(now.not_hyperbolic);
     if (tables_.maxima) tables_.maxima->t = clock.begun;
-    forcing_.give_rain_clocks(forcing.rain_clocks());
-    give_activity(activity);
+    activity_on_device_.give_marks(activity_);
   }
 
+  void start_step(const StepTimes& times, const kernels::StepValues& constants,
+                  StepNotes* notes) override {
+    begin(notes);
+    if (tables_.maxima) tables_.maxima->t = times.t;
+    StepClock now = {};
+    now.run.t = times.t;
+    now.run.dt = times.dt;
+    now.till = {.t_start = times.t_start,
+                .t_end = times.t_end,
+                .t_stop = HUGE_VAL,
+                .last_step = 1,
+                .smallest_step = 0.0,
+                .cfl = 1.0,
+                .advances_by_new_step = false};
+    clock_.take({&now, 1});
+    constexpr bool is_alone = false;
+    launch_step(constants, is_alone);
+    border_.finish_home();
+  }
+  double finish_step() override {
+    StepClock now = {};
+    clock_.give({&now, 1});
+    note(now.not_hyperbolic);
+    activity_on_device_.give_marks(activity_);
+    if (StepNotes* const notes = notes_.of_host()) {
+      activity_on_device_.give_notes(activity_, *notes);
+    }
+    if (tables_.hll && tables_.has_bed) bring_levels_home();
+    return now.smallest_step;
+  }
+  void take_ghosts() override {
+    if (tables_.cells.eta.empty()) on_device_.drop_given_surface();
+    ghosts_.take(on_device_.state_columns(tables_), machine_);
+  }
+
+  void note_maxima(const std::vector<int>& patches) override {
+    if (!tables_.maxima || patches.empty()) return;
+    bring_to_device();
+    StepClock now = {};
+    now.run.t = tables_.maxima->t;
+    clock_.take({&now, 1});
+    std::vector<char> marks(patch_count(), 0);
+    for (const int p : patches) marks[at(p)] = 1;
+    marked_.take(marks);
+    launch_note_maxima(marked_.data());
+    on_device_.give_maxima(tables_);
+  }
+  std::optional<NotHyperbolic> not_hyperbolic() const override { return not_hyperbolic_; }
+  void ignore_not_hyperbolic() override { watches_hyperbolicity_ = false; }
+
   void bring_home() override {
-    if (is_home_) return;
+    bring_forcing_home();
+    if (home_.has_all) return;
     on_device_.give_state(tables_);
-    is_home_ = true;
+    notes_.give();
+    home_ = {};
   }
   void bring_home(const Column& column) override {
-    const bool is_there = std::find(at_home_.begin(), at_home_.end(), &column) != at_home_.end();
-    if (is_home_ || is_there) return;
+    if (home_.has_all || contains(home_.columns, &column)) return;
     on_device_.give_column(tables_, column);
-    at_home_.push_back(&column);
+    home_.columns.push_back(&column);
   }
-  void take_anew() override { is_on_device_ = false; }
+  void bring_home(const Range& places) override {
+    const bool are_there = std::any_of(
+        home_.places.begin(), home_.places.end(),
+        [&](const Range& known) { return known.begin <= places.begin && places.end <= known.end; });
+    if (home_.has_all || are_there) return;
+    on_device_.give_cells(tables_, places);
+    home_.places.push_back(places);
+  }
+  void bring_inflows_home() override {
+    if (home_.has_all || std::exchange(home_.has_inflows, true)) return;
+    on_device_.give_inflows(tables_);
+  }
+  void bring_forcing_home() override {
+    if (!std::exchange(has_forcing_, false)) return;
+    forcing_on_device_.give_rain_clocks(forcing_.rain_clocks());
+    activity_on_device_.give(activity_);
+  }
+  void take_anew() override {
+    is_on_device_ = false;
+    notes_.take_anew();
+  }
 
   int threads() const override { return machine_.threads(); }
   const char* instruction_set() const override { return machine_.name(); }
@@ -150,43 +159,64 @@ class DeviceBackend : public Backend {
   template <class Value>
   using Array = typename Machine::template Array<Value>;
 
+  /// What the host has of the present state, or a later one.
+  struct Home {
+    bool has_all = true;
+    // Where it has not:
+    std::vector<const Column*> columns = {};
+    std::vector<Range> places = {};
+    bool has_inflows = false;
+  };
+
   /// Steps that are launched before the host asks whether they have halted.
   static constexpr long steps_at_once = 32;
 
+  template <class Value>
+  static bool contains(const std::vector<Value>& values, const Value& value) {
+    return std::find(values.begin(), values.end(), value) != values.end();
+  }
+
+  static std::vector<int> places_of(const Range& range) {
+    std::vector<int> places(at(range.size()));
+    std::iota(places.begin(), places.end(), range.begin);
+    return places;
+  }
+  static std::vector<int> cells_with_levels(const Tables& tables) {
+    std::vector<int> places;
+    for (const kernels::BoundaryEdge& boundary : tables.boundaries) {
+      if (boundary.kind == kernels::BoundaryKind::water_level) places.push_back(boundary.cell);
+    }
+    return places;
+  }
+
   std::size_t patch_count() const { return tables_.patches.patches.size(); }
 
-  void bring_to_device() {
-    if (is_on_device_) return;
-    on_device_.take_state(tables_);
-    is_on_device_ = true;
-  }
-
-  std::vector<char> marks_of(const std::vector<int>& patches) const {
-    std::vector<char> marks(patch_count(), 0);
-    for (const int p : patches) marks[at(p)] = 1;
-    return marks;
-  }
-
-  /// What a step takes at most, in 8 bytes each.
-  int most_scratch_words() const {
-    PatchScratch room = room_;
-    HllScratch of_hll = room_of_hll_;
-    room.findings = of_hll.findings = {AdvancePatches<true>::threads, true, watches_hyperbolicity_};
-    if (!tables_.hll) {
-      return tables_.has_bed ? AdvancePatches<true>::words_of(room)
-                             : AdvancePatches<false>::words_of(room);
-    }
-    if (tables_.hll->second_order) return AdvanceHll2::words_of(of_hll);
-    return tables_.has_bed ? AdvanceHll1<true>::words_of(of_hll)
-                           : AdvanceHll1<false>::words_of(of_hll);
-  }
   void require_scratch() const {
-    const std::size_t bytes = at(most_scratch_words()) * sizeof(double);
+    constexpr bool for_notes = true;
+    const auto words = at(kernels_.scratch_words(for_notes, watches_hyperbolicity_));
+    const std::size_t bytes = words * sizeof(double);
     if (bytes <= machine_.scratch_bytes()) return;
     throw std::runtime_error("Error. The device has " + std::to_string(machine_.scratch_bytes()) +
                              " bytes of scratch, but some cells have so many edges that " +
-                             std::to_string(bytes) +
-                             " are needed; the processor can run them.");
+                             std::to_string(bytes) + " are needed; the processor can run them.");
+  }
+
+  void bring_to_device() {
+    if (std::exchange(is_on_device_, true)) return;
+    on_device_.take_state(tables_);
+  }
+
+  /// Before steps, of which notes are taken (null: none).
+  void begin(StepNotes* notes) {
+    bring_to_device();
+    notes_.take(notes);
+    if (!std::exchange(has_forcing_, true)) {
+      on_device_.take_boundaries(tables_);
+      forcing_on_device_.take(forcing_.tables(tables_), tables_.soils.size());
+      activity_on_device_.take(activity_);
+    }
+    home_ = {.has_all = false};
+    not_hyperbolic_.reset();
   }
 
   kernels::MaximaValues maxima_values() const {
@@ -194,221 +224,131 @@ class DeviceBackend : public Backend {
     return {0.0, tables_.zero_depth, tables_.maxima->arrival_depth};
   }
 
-  /// The clock of a step that the host has begun.
-  void set_clock(const kernels::StepValues& step) {
-    StepClock now = {};
-    now.run.t = tables_.maxima ? tables_.maxima->t : 0.0;
-    now.run.dt = step.dt;
-    now.it_rains = step.rain_depths != nullptr;
-    clock_.take({&now, 1});
-  }
-
-  /// The same values with rain in the memory of the device.
-  kernels::StepValues on_device(kernels::StepValues step) {
-    if (step.rain_depths == nullptr) return step;
-    rain_depths_.take({step.rain_depths, on_device_.rain_numbers()});
-    step.rain_depths = rain_depths_.data();
-    return step;
-  }
-
-  /// What the threads of a block look for.
-  FindingsInScratch findings_of(const NotesView& notes, int threads) const {
-    return {threads, notes.are_taken, watches_hyperbolicity_};
-  }
-
-  void launch_step(const kernels::StepValues& constants) {
-    const ForcingView forcing = forcing_.view();
+  /// Where it `is_alone`, the host has no part in it.
+  void launch_step(const kernels::StepValues& constants, bool is_alone) {
+    const ForcingView forcing = forcing_on_device_.view();
     kernels::StepValues values = constants;
     values.rain_depths = forcing.rain_depths;
     machine_.launch(BeginStep{on_device_.view(), forcing, on_device_.boundaries(),
                               tables_.hll.has_value(), clock_.data()},
                     1);
-    machine_.launch(
-        FindActive{.tables = on_device_.view(),
-                   .activity = {always_active_.data(), has_rain_.data(), on_device_.neighbours(),
-                                takes_part_.data(), goes_to_rest_.data(), findings_.data()},
-                   .patches = static_cast<int>(patch_count()),
-                   .zero_depth = tables_.zero_depth,
-                   .clock = clock_.data()},
-        FindActive::blocks_for(patch_count()));
-    if (tables_.maxima) launch_note_maxima();
-    constexpr bool around = true;
-    if (!tables_.hll) launch_outer_fluxes(values, around);
-    launch_patches(values, forcing.soil_steps, {});
-    if (tables_.hll) launch_keep_states();
+    machine_.launch(FindActive{.tables = on_device_.view(),
+                               .activity = activity_on_device_.view(on_device_.neighbours()),
+                               .patches = static_cast<int>(patch_count()),
+                               .owned = tables_.owned,
+                               .zero_depth = tables_.zero_depth,
+                               .clock = clock_.data()},
+                    FindActive::blocks_for(patch_count()));
+    if (tables_.maxima) launch_note_maxima(activity_on_device_.goes_to_rest());
+    if (tables_.hll) {
+      launch_patches(values, forcing.soil_steps, all_patches);
+      launch_keep_states();
+      start_border_home();
+    } else {
+      launch_outer_fluxes(values);
+      launch_patches(values, forcing.soil_steps,
+                     border_.is_empty() ? all_patches : activity_on_device_.is_border());
+      start_border_home();
+      // What others wait for is on its way while the rest is computed.
+      if (!border_.is_empty()) {
+        launch_patches(values, forcing.soil_steps, activity_on_device_.is_interior());
+      }
+    }
     machine_.launch(EndStep{.tables = on_device_.view(),
                             .forcing = forcing,
-                            .takes_part = takes_part_.data(),
-                            .findings = findings_.data(),
-                            .edges_found = watches_hyperbolicity_ ? edges_found_.data() : nullptr,
+                            .takes_part = activity_on_device_.takes_part(),
+                            .findings = activity_on_device_.findings(),
+                            .edges_found = edges_found(),
                             .patches = static_cast<int>(patch_count()),
-                            .is_hll = tables_.hll.has_value(),
+                            .boundaries_bound_step = tables_.hll && is_alone,
                             .dry_step = tables_.dry_step,
                             .char_length_min = tables_.char_length_min,
                             .clock = clock_.data()},
                     1);
   }
 
-  /// Of the patches that are marked to go to rest.
-  void launch_note_maxima() {
-    machine_.launch(
-        NoteMaxima{on_device_.view(), goes_to_rest_.data(), clock_.data(), maxima_values()},
-        patch_count());
+  static constexpr const char* all_patches = nullptr;
+
+  /// Null: nobody looks.
+  EdgeFound* edges_found() const {
+    return watches_hyperbolicity_ ? activity_on_device_.edges_found() : nullptr;
   }
+
+  void launch_note_maxima(const char* wanted) {
+    machine_.launch(NoteMaxima{on_device_.view(), wanted, clock_.data(), maxima_values()},
+                    patch_count());
+  }
+  /// Those of the patches that go to rest.
   void launch_keep_states() {
-    machine_.launch(KeepStates{on_device_.view(), on_device_.hll_view().after, goes_to_rest_.data(),
-                               clock_.data()},
+    machine_.launch(KeepStates{on_device_.view(), on_device_.hll_view().after,
+                               activity_on_device_.goes_to_rest(), clock_.data()},
                     patch_count());
     on_device_.take_states_after();
   }
 
-  void launch_outer_fluxes(const kernels::StepValues& step, bool around) {
-    tables_.has_bed ? launch_outer_fluxes<true>(step, around)
-                    : launch_outer_fluxes<false>(step, around);
+  void launch_outer_fluxes(const kernels::StepValues& step) {
+    tables_.has_bed ? launch_outer_fluxes<true>(step) : launch_outer_fluxes<false>(step);
   }
   template <bool has_bed>
-  void launch_outer_fluxes(const kernels::StepValues& step, bool around) {
-    machine_.launch(
-        OuterFluxes<has_bed>{.tables = on_device_.view(),
-                             .takes_part = takes_part_.data(),
-                             .around = around,
-                             .neighbours = on_device_.neighbours(),
-                             .clock = clock_.data(),
-                             .step = step,
-                             .found = watches_hyperbolicity_ ? edges_found_.data() : nullptr},
-        patch_count());
-  }
-
-  void launch_patches(const kernels::StepValues& values, const physics::SoilStep* soil_steps,
-                      const NotesView& notes) {
-    if (!tables_.hll) {
-      tables_.has_bed ? launch_patches<true>(values, soil_steps, notes)
-                      : launch_patches<false>(values, soil_steps, notes);
-    } else if (tables_.hll->second_order) {
-      launch_hll<AdvanceHll2>(values, soil_steps, notes);
-    } else {
-      tables_.has_bed ? launch_hll<AdvanceHll1<true>>(values, soil_steps, notes)
-                      : launch_hll<AdvanceHll1<false>>(values, soil_steps, notes);
-    }
-  }
-
-  template <bool has_bed>
-  void launch_patches(const kernels::StepValues& values, const physics::SoilStep* soil_steps,
-                      const NotesView& notes) {
-    PatchScratch room = room_;
-    room.findings = findings_of(notes, AdvancePatches<has_bed>::threads);
-    machine_.launch(AdvancePatches<has_bed>{.tables = on_device_.view(),
-                                            .takes_part = takes_part_.data(),
-                                            .clock = clock_.data(),
-                                            .step = values,
-                                            .soil_steps = soil_steps,
-                                            .maxima = maxima_values(),
-                                            .notes = notes,
-                                            .room = room,
-                                            .findings = findings_.data()},
+  void launch_outer_fluxes(const kernels::StepValues& step) {
+    machine_.launch(OuterFluxes<has_bed>{.tables = on_device_.view(),
+                                         .takes_part = activity_on_device_.takes_part(),
+                                         .neighbours = on_device_.neighbours(),
+                                         .clock = clock_.data(),
+                                         .step = step,
+                                         .found = edges_found()},
                     patch_count());
   }
 
-  template <class Kernel>
-  void launch_hll(const kernels::StepValues& values, const physics::SoilStep* soil_steps,
-                  const NotesView& notes) {
-    HllScratch room = room_of_hll_;
-    room.findings = findings_of(notes, Kernel::threads);
-    machine_.launch(Kernel{{.tables = on_device_.view(),
-                            .hll = on_device_.hll_view(),
-                            .takes_part = takes_part_.data(),
-                            .clock = clock_.data(),
-                            .values = values,
-                            .soil_steps = soil_steps,
-                            .maxima = maxima_values(),
-                            .notes = notes,
-                            .room = room,
-                            .findings = findings_.data()}},
-                    patch_count());
+  void launch_patches(const kernels::StepValues& values, const physics::SoilStep* soil_steps,
+                      const char* among) {
+    const NotesView notes = notes_.view();
+    const PatchStep step = {
+        .tables = on_device_.view(),
+        .takes_part = activity_on_device_.takes_part(),
+        .among = among,
+        .clock = clock_.data(),
+        .values = values,
+        .soil_steps = soil_steps,
+        .maxima = maxima_values(),
+        .notes = notes,
+        .looks_for = {threads_of_patch, notes.are_taken, watches_hyperbolicity_},
+        .findings = activity_on_device_.findings()};
+    kernels_.launch(step, tables_.hll ? on_device_.hll_view() : HllTableView{}, patch_count(),
+                    machine_);
   }
 
-  NotesView take_notes(const StepNotes* notes) {
-    if (notes == nullptr) return {};
-    recovered_.take(notes->recovered);
-    lifted_.take(notes->lifted);
-    taken_discharge_.take(notes->taken_discharge);
-    return {true, recovered_.data(), lifted_.data(), taken_discharge_.data()};
-  }
-  void give_notes(StepNotes* notes) const {
-    if (notes == nullptr) return;
-    recovered_.give(notes->recovered);
-    lifted_.give(notes->lifted);
-    taken_discharge_.give(notes->taken_discharge);
-  }
+  void start_border_home() { border_.start_home(on_device_.halo_columns(tables_), machine_); }
 
-  /// Tells the schedule what the patches found; their smallest step, s.
-  double tell_findings(const std::vector<int>& patches, const Step& step) {
-    if (patches.empty()) return physics::unbounded_step;
-    std::vector<PatchFindings> findings(patch_count());
-    findings_.give(findings);
-    double smallest = physics::unbounded_step;
-    for (const int p : patches) {
-      const PatchFindings& of_patch = findings[at(p)];
-      smallest = physics::smaller(smallest, of_patch.smallest_step);
-      step.activity.set_can_change(p, of_patch.changing_cells > 0);
-      note(of_patch.not_hyperbolic);
-      if (step.notes == nullptr) continue;
-      step.notes->smallest_steps[at(p)] = of_patch.smallest_step;
-      step.notes->extremes[at(p)] = of_patch.extremes;
-    }
-    return smallest;
+  void bring_levels_home() {
+    level_boundaries_.start_home(on_device_.bed_column(tables_), machine_);
+    level_boundaries_.finish_home();
   }
 
   void note(const EdgeFound& found) {
     if (found.edge == HUGE_VAL) return;
-    const int edge = static_cast<int>(found.edge);
-    if (not_hyperbolic_ && not_hyperbolic_->edge <= edge) return;
-    not_hyperbolic_ = {edge, static_cast<int>(found.place), found.h, found.qx, found.qy};
-  }
-
-  void take_activity(const Activity& activity) {
-    takes_part_.take(activity.marks());
-    always_active_.take(activity.always_active());
-    has_rain_.take(activity.with_rain());
-    goes_to_rest_.resize(patch_count());
-    std::vector<PatchFindings> findings(patch_count());
-    for (std::size_t p = 0; p < findings.size(); ++p) {
-      findings[p].changing_cells = activity.can_change(static_cast<int>(p)) ? 1 : 0;
-    }
-    findings_.take(findings);
-    edges_found_.take(std::vector<EdgeFound>(patch_count()));
-  }
-  void give_activity(Activity& activity) const {
-    std::vector<char> marks(patch_count()), can_change(patch_count());
-    std::vector<PatchFindings> findings(patch_count());
-    takes_part_.give(marks);
-    findings_.give(findings);
-    for (std::size_t p = 0; p < findings.size(); ++p) {
-      can_change[p] = findings[p].changing_cells > 0;
-    }
-    activity.set(std::move(marks), std::move(can_change));
+    not_hyperbolic_ = {static_cast<int>(found.edge), static_cast<int>(found.place), found.h,
+                       found.qx, found.qy};
   }
 
   Tables& tables_;
+  Forcing& forcing_;
+  Activity& activity_;
   Machine machine_;
+  PatchKernels kernels_;
   DeviceTables<Machine> on_device_;
-  DeviceForcing<Machine> forcing_;
-  PatchScratch room_;
-  HllScratch room_of_hll_ = {};
+  DeviceForcing<Machine> forcing_on_device_;
+  DeviceActivity<Machine> activity_on_device_;
+  DeviceNotes<Machine> notes_;
+  CellCopies<Machine> border_, ghosts_, level_boundaries_;
   bool watches_hyperbolicity_;
-  bool is_on_device_ = false;           ///< the state of the host, or a later one
-  bool is_home_ = true;                 ///< the host has the state of the device, or a later one
-  std::vector<const Column*> at_home_;  ///< those that are there where not all is
+  bool is_on_device_ = false;  ///< the state of the host, or a later one
+  bool has_forcing_ = false;   ///< the device goes on with those of the host
+  Home home_;
   std::optional<NotHyperbolic> not_hyperbolic_;
 
-  Array<StepClock> clock_;                 ///< one
-  Array<char> takes_part_, goes_to_rest_;  ///< of the patches
-  Array<char> always_active_, has_rain_;   ///< the same
-  Array<PatchFindings> findings_;          ///< the same
-  Array<EdgeFound> edges_found_;           ///< the same, of outer fluxes
-  Array<double> rain_depths_;              ///< of a step of the host, m
-  Array<physics::SoilStep> soil_steps_;    ///< the same
-  Array<double> recovered_, lifted_, taken_discharge_;
+  Array<StepClock> clock_;  ///< one
+  Array<char> marked_;      ///< patches whose maxima are noted
 };
 
 }  // namespace engine::device

@@ -4,10 +4,11 @@
 
 #include <algorithm>
 #include <optional>
+#include <span>
 #include <vector>
 
-#include "engine/StepNotes.hpp"
-#include "engine/Tables.hpp"
+#include "engine/Exchange.hpp"
+#include "engine/device/CellCopies.hpp"
 #include "engine/device/HllDeviceTables.hpp"
 #include "engine/device/TableView.hpp"
 
@@ -67,12 +68,50 @@ class DeviceTables {
       if (&of_host == &column) own.give(of_host);
     });
   }
+  /// The states of the cells at places.
+  void give_cells(Tables& tables, const Range& places) {
+    const auto give = [&](const Numbers& own, Column& of_host) {
+      if (of_host.empty()) return;
+      own.give(std::span(of_host).subspan(at(places.begin), at(places.size())), at(places.begin));
+    };
+    for_each_state_column(tables.cells, give);
+    if (tables.has_bed) give(bed_, tables.cells.bed);
+  }
+  /// The slots of the boundaries.
+  void give_inflows(Tables& tables) {
+    const std::size_t first = at(tables.first_boundary_slot());
+    const auto give = [&](const Numbers& own, Column& of_host) {
+      if (!of_host.empty()) own.give(std::span(of_host).subspan(first), first);
+    };
+    give(outer_.mass, tables.outer.mass);
+    give(outer_.bed, tables.outer.bed);
+  }
   void give_maxima(Tables& tables) {
     if (!tables.maxima) return;
     for_each_maximum(*tables.maxima,
                      [](const Numbers& own, Column& of_host) { own.give(of_host); });
     tables.maxima->forget_hints();
   }
+
+  /// See for_each_halo_column.
+  std::vector<CopiedColumn> halo_columns(Tables& tables) {
+    std::vector<CopiedColumn> columns;
+    for_each_halo_column(tables.cells, [&](Column& of_host) {
+      columns.push_back({own(of_host, tables), &of_host});
+    });
+    return columns;
+  }
+  std::vector<CopiedColumn> bed_column(Tables& tables) {
+    return {{bed_.data(), &tables.cells.bed}};
+  }
+  /// Of those of a halo, the bed included where it moves.
+  std::vector<CopiedColumn> state_columns(Tables& tables) {
+    std::vector<CopiedColumn> columns = halo_columns(tables);
+    if (tables.has_bed) columns.push_back({bed_.data(), &tables.cells.bed});
+    return columns;
+  }
+  /// From now on the free surface is bed and depth.
+  void drop_given_surface() { eta_.resize(0); }
 
   /// Of a scheme of the HLL family: the states after a step come into force.
   void take_states_after() { hll_->swap_states(h_, qx_, qy_, hs_, bed_); }
@@ -160,17 +199,31 @@ class DeviceTables {
     return views;
   }
 
+  /// The column here that belongs to one of the cells on the host.
+  double* own(const Column& column, Tables& tables) {
+    double* found = nullptr;
+    for_each_column(tables.cells, [&](const Numbers& own, const Column& of_host) {
+      if (&of_host == &column) found = own.data();
+    });
+    return found;
+  }
+
   /// Calls visit(a column here, that of the host) for what a step changes of the cells, and the
   /// free surface, which is given only at first.
   template <class Cells, class Visit>
   void for_each_column(Cells& c, const Visit& visit) {
+    for_each_state_column(c, visit);
+    visit(max_h_, c.max_h);
+    visit(bed_, c.bed);
+    visit(infiltrated_, c.infiltrated);
+  }
+  /// Those on which the stable step of a cell depends, with the bed, and what it moves.
+  template <class Cells, class Visit>
+  void for_each_state_column(Cells& c, const Visit& visit) {
     visit(h_, c.h);
     visit(qx_, c.qx);
     visit(qy_, c.qy);
     visit(eta_, c.eta);
-    visit(max_h_, c.max_h);
-    visit(bed_, c.bed);
-    visit(infiltrated_, c.infiltrated);
     visit(hs_, c.hs);
     visit(qsx_, c.qsx);
     visit(qsy_, c.qsy);

@@ -46,9 +46,9 @@ class EmulatedArray {
     std::copy(values.begin(), values.end(), values_.get());
     EmulatedTraffic::bytes += values.size_bytes();
   }
-  /// Copies the first of them to the host.
-  void give(std::span<Value> values) const {
-    std::copy_n(values_.get(), values.size(), values.begin());
+  /// Copies those from a place on to the host, as many as are asked for.
+  void give(std::span<Value> values, std::size_t from = 0) const {
+    std::copy_n(values_.get() + from, values.size(), values.begin());
     EmulatedTraffic::bytes += values.size_bytes();
   }
 
@@ -57,12 +57,28 @@ class EmulatedArray {
   std::size_t size_ = 0;
 };
 
+/// Values on their way from the device to the host.
+class EmulatedParcel {
+ public:
+  /// Takes all of an array, as it is once what was launched before is done.
+  void start(const EmulatedArray<double>& values) {
+    values_.resize(values.size());
+    values.give(values_);
+  }
+  /// Returns what was taken, when it is there.
+  std::span<const double> wait() const { return values_; }
+
+ private:
+  std::vector<double> values_;
+};
+
 /// Blocks run in random order on the threads of a team, the threads of a block in reverse, each
 /// block in scratch of exactly its size that holds nothing yet.
 class Emulator {
  public:
   template <class Value>
   using Array = EmulatedArray<Value>;
+  using Parcel = EmulatedParcel;
   enum class Mode { plain, watching };
 
   /// The team must outlive it. Where it is `watching`, a launch throws std::logic_error if threads

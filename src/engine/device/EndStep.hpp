@@ -17,7 +17,7 @@ struct EndStep {
   const PatchFindings* findings;  ///< of the patches that take part
   const EdgeFound* edges_found;   ///< around the patches with outer fluxes; null: nobody looks
   int patches;
-  bool is_hll;
+  bool boundaries_bound_step;  ///< see step_of_boundaries
   double dry_step, char_length_min;  ///< s, m
   StepClock* clock;
 
@@ -39,7 +39,7 @@ struct EndStep {
       first = first_of(first, kernel.edges_found[p]);
       if (takes_part) first = first_of(first, kernel.findings[p].not_hyperbolic);
     }
-    if (kernel.is_hll) smallest = physics::smaller(smallest, step_of_boundaries(kernel, thread));
+    if (kernel.boundaries_bound_step) smallest = physics::smaller(smallest, step_of_boundaries(kernel, thread));
     store(kernel, thread.number, scratch, smallest, first);
   }
 
@@ -54,6 +54,7 @@ struct EndStep {
     if (thread.number > 0) return;
     unite(kernel, 0, groups, 1, scratch);
     const double smallest = scratch[0];
+    kernel.clock->smallest_step = smallest;
     kernel.clock->not_hyperbolic = load_edge_found(scratch + threads, threads);
     go_on(*kernel.clock, physics::stable_step_domain(smallest, kernel.char_length_min));
   }

@@ -2,30 +2,15 @@
 // Emulator, say.
 #pragma once
 
-#include <algorithm>
 #include <functional>
 #include <type_traits>
 #include <utility>
 #include <vector>
 
 #include "engine/Tables.hpp"
-#include "engine/device/HllPatchStep.hpp"
+#include "engine/device/HllTableView.hpp"
 
 namespace engine::device {
-
-/// What the largest patch takes of its scratch, without what the threads find in it.
-inline HllScratch room_of(const HllTables& hll, bool has_demands) {
-  HllScratch room = {};
-  int cells = 0;
-  for (const HllPatch& patch : hll.patches) {
-    cells = std::max(cells, patch.cells);
-    room.waters = std::max(room.waters, patch.ring + static_cast<int>(patch.around.size()));
-    room.states = std::max(room.states, patch.with_states);
-    room.slots = std::max(room.slots, patch.empty_slot() + 1);
-  }
-  if (has_demands) room.demands = cells;
-  return room;
-}
 
 template <class Machine>
 class HllDeviceTables {

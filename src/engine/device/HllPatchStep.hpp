@@ -3,36 +3,21 @@
 #pragma once
 
 #include "engine/device/HllTableView.hpp"
-#include "engine/device/PatchFindings.hpp"
-#include "engine/device/StepClock.hpp"
-#include "engine/device/soil_demand.hpp"
+#include "engine/device/PatchStep.hpp"
 
 namespace engine::device {
 
-/// What the scratch of a block has room for.
+/// What the scratch of a block has room for, beside what its threads find.
 struct HllScratch {
   int waters, states, slots;  ///< of a patch
   int demands;                ///< of its soils
-  FindingsInScratch findings;
 };
 
 /// What a kernel is told.
-struct HllStep {
-  TableView tables;
+struct HllStep : PatchStep {
   HllTableView hll;
-  const char* takes_part;  ///< of the patches
-  const StepClock* clock;
-  kernels::StepValues values;  ///< see present_values
-  const physics::SoilStep* soil_steps;
-  kernels::MaximaValues maxima;
-  NotesView notes;
   HllScratch room;
-  PatchFindings* findings;  ///< of the patches
 };
-
-QM_HD inline bool has_work(const HllStep& step, int patch) {
-  return !step.clock->halted && step.takes_part[patch] != 0;
-}
 
 QM_HD inline const HllPatchView& hll_patch_of(const HllStep& step, const Thread& thread) {
   return step.hll.patches[thread.block];
@@ -47,18 +32,6 @@ QM_HD inline kernels::SlotColumnsWith<Scratch> hll_slots(const HllStep& step, Sc
   } else {
     return {words, words + n, words + 2 * n, {}};
   }
-}
-
-/// What comes before all of a cell of the patch: its maxima, and the demand of its soil.
-template <class Scratch>
-QM_HD inline void begin_hll_cell(const HllStep& step, const HllPatchView& patch, int k,
-                                 Scratch demand) {
-  const int i = patch.first_cell + k;
-  if (step.tables.maxima.depth != nullptr) {
-    kernels::note_state(step.tables.cells, step.tables.maxima, i,
-                        at_time(step.maxima, step.clock->run.t));
-  }
-  if (patch.has_soil) demand[k] = demand_of(step.tables, step.soil_steps, step.notes, i);
 }
 
 /// The share of a thread of the fluxes between two cells; and the slot that never carries anything.

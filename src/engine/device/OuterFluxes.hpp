@@ -1,5 +1,5 @@
-// The kernel of the fluxes around patches: over the cut edges and boundaries that they list, into
-// the outer slots. A block to a patch.
+// The kernel of the fluxes around the patches that take part: over the cut edges and boundaries
+// that these and their neighbours list, into the outer slots. A block to a patch.
 #pragma once
 
 #include "engine/device/StepClock.hpp"
@@ -15,7 +15,6 @@ struct OuterFluxes {
 
   TableView tables;
   const char* takes_part;  ///< of the patches
-  bool around;             ///< those that take part, and not over these alone
   const int* neighbours;
   const StepClock* clock;
   kernels::StepValues step;  ///< all but what changes from step to step
@@ -27,7 +26,7 @@ struct OuterFluxes {
     if (kernel.clock->halted) return false;
     bool wanted = kernel.takes_part[patch] != 0;
     const PatchView& view = kernel.tables.patches[patch];
-    for (int k = 0; kernel.around && k < view.neighbours; ++k) {
+    for (int k = 0; k < view.neighbours; ++k) {
       wanted = wanted || kernel.takes_part[kernel.neighbours[view.first_neighbour + k]] != 0;
     }
     return wanted;

@@ -27,8 +27,9 @@ struct FindingsInScratch {
   int threads;
   bool with_extremes, with_not_hyperbolic;
 
-  int words() const {
-    return threads * (2 + (with_extremes ? 4 : 0) + (with_not_hyperbolic ? EdgeFound::words : 0));
+  QM_HD int words_of(const FindingsInScratch& layout) {
+    return layout.threads * (2 + (layout.with_extremes ? 4 : 0) +
+                             (layout.with_not_hyperbolic ? EdgeFound::words : 0));
   }
 
   template <class Scratch>

@@ -11,8 +11,9 @@ struct StepClock {
   RunClock run;     ///< the next step
   StepLimits till;  ///< where it halts
   bool halted = false;
-  bool it_rains = false;     ///< in the present step
-  EdgeFound not_hyperbolic;  ///< in the last step
+  bool it_rains = false;       ///< in the present step
+  double smallest_step = 0.0;  ///< stable step after the last step, before the Courant factor, s
+  EdgeFound not_hyperbolic;    ///< in the last step
 };
 
 /// The values of the present step, whose constants are those.

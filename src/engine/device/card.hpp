@@ -4,8 +4,7 @@
 
 #include <memory>
 
-#include "engine/Backend.hpp"
-#include "engine/Tables.hpp"
+#include "engine/device/DeviceSteps.hpp"
 
 namespace engine::device {
 
@@ -13,8 +12,9 @@ namespace engine::device {
 /// names what is missing.
 void require_card();
 
-/// The card on the tables, which must outlive it. Throws std::runtime_error as require_card() does,
-/// and where the card lacks memory.
-std::unique_ptr<Backend> make_card_backend(Tables& tables);
+/// The card for what a run has on the host, which must outlive it. Throws std::runtime_error as
+/// require_card() does, and where the card lacks memory.
+std::unique_ptr<DeviceSteps> make_card_backend(Tables& tables, Forcing& forcing,
+                                               Activity& activity);
 
 }  // namespace engine::device

@@ -15,9 +15,10 @@ void require_card() {
                            ".");
 }
 
-std::unique_ptr<Backend> make_card_backend(Tables& tables) {
+std::unique_ptr<DeviceSteps> make_card_backend(Tables& tables, Forcing& forcing,
+                                               Activity& activity) {
   require_card();
-  return std::make_unique<DeviceBackend<Card>>(tables, Card());
+  return std::make_unique<DeviceBackend<Card>>(tables, forcing, activity, Card());
 }
 
 }  // namespace engine::device

@@ -6,11 +6,12 @@
 
 namespace engine::device {
 
-std::unique_ptr<Backend> make_device_backend(Device device, Tables& tables, ThreadTeam& team) {
-  if (device == Device::card) return make_card_backend(tables);
+std::unique_ptr<DeviceSteps> make_device_backend(Device device, Tables& tables, Forcing& forcing,
+                                                 Activity& activity, ThreadTeam& team) {
+  if (device == Device::card) return make_card_backend(tables, forcing, activity);
   const Emulator::Mode mode =
       device == Device::watched ? Emulator::Mode::watching : Emulator::Mode::plain;
-  return std::make_unique<DeviceBackend<Emulator>>(tables, Emulator(team, mode));
+  return std::make_unique<DeviceBackend<Emulator>>(tables, forcing, activity, Emulator(team, mode));
 }
 
 }  // namespace engine::device

@@ -13,7 +13,7 @@
 
 namespace engine {
 
-class HllBackend : public Backend {
+class HllBackend : public PatchBackend {
  public:
   /// Works on the tables, which must outlive it.
   HllBackend(Tables& tables, ThreadTeam& team, const Loops& loops);

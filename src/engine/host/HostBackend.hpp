@@ -9,7 +9,7 @@
 
 namespace engine {
 
-class HostBackend : public Backend {
+class HostBackend : public PatchBackend {
  public:
   /// Works on the tables, which must outlive it.
   HostBackend(Tables& tables, ThreadTeam& team, const Loops& loops);

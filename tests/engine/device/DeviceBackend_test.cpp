@@ -74,15 +74,21 @@ int blocks_of_multiprocessor(int words) {
 
 TEST(DeviceBackend, ThreePatchesHaveTheirScratchOnAMultiprocessorAtATime) {
   using engine::device::AdvancePatches;
+  using engine::device::FindingsInScratch;
   const Engine engine(valley(100, 100), 1, 0, {.device = Device::emulated});
   ASSERT_GT(engine.tables().patches.patches.size(), 20U);
-  engine::device::PatchScratch room = engine::device::room_of(engine.tables());
+  const engine::device::PatchScratch room = engine::device::room_of(engine.tables());
   ASSERT_EQ(room.cells, engine::device::cells_per_patch(cases::Scheme::lhllc));
   for (const bool notes : {false, true}) {
-    room.findings = {AdvancePatches<false>::threads, notes, false};
-    EXPECT_GE(blocks_of_multiprocessor(AdvancePatches<false>::words_of(room)), 3);
-    room.findings.with_not_hyperbolic = true;
-    EXPECT_GE(blocks_of_multiprocessor(AdvancePatches<true>::words_of(room)), 2);
+    const auto words_with = [&](int words, bool watches_hyperbolicity) {
+      return words + FindingsInScratch::words_of(
+                         {engine::device::threads_of_patch, notes, watches_hyperbolicity});
+    };
+    const int water = words_with(AdvancePatches<false>::words_of(room), false);
+    EXPECT_GE(blocks_of_multiprocessor(water), 3);
+    const int bed = words_with(AdvancePatches<true>::words_of(room), true);
+    EXPECT_GE(blocks_of_multiprocessor(bed), 2);
+    EXPECT_EQ(engine::device::PatchKernels(engine.tables()).scratch_words(notes, false), water);
   }
 }
 
@@ -142,11 +148,12 @@ TEST(DeviceBackend, TwoPatchesOfTheHllSchemesHaveTheirScratchOnAMultiprocessorAt
     ASSERT_EQ(tables.cells_per_patch(), engine::device::cells_per_patch(scheme));
     for (const bool notes : {false, true}) {
       constexpr bool has_demands = true;
-      engine::device::HllScratch room = engine::device::room_of(*tables.hll, has_demands);
-      room.findings = {AdvanceHll2::threads, notes, false};
-      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll2::words_of(room)), 2);
-      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<false>::words_of(room)), 3);
-      EXPECT_GE(blocks_of_multiprocessor(AdvanceHll1<true>::words_of(room)), 2);
+      const engine::device::HllScratch room = engine::device::room_of(*tables.hll, has_demands);
+      const int found = engine::device::FindingsInScratch::words_of(
+          {engine::device::threads_of_patch, notes, false});
+      EXPECT_GE(blocks_of_multiprocessor(found + AdvanceHll2::words_of(room)), 2);
+      EXPECT_GE(blocks_of_multiprocessor(found + AdvanceHll1<false>::words_of(room)), 3);
+      EXPECT_GE(blocks_of_multiprocessor(found + AdvanceHll1<true>::words_of(room)), 2);
     }
   }
 }

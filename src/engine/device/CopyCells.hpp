@@ -1,0 +1,46 @@
+// The kernels that bring values of cells here and there together, so that they are copied as one,
+// and back to their places. A thread to a cell.
+#pragma once
+
+#include <cstddef>
+
+#include "engine/device/launch.hpp"
+
+namespace engine::device {
+
+struct CopiedCells {
+  static constexpr int most_columns = 9;
+  double* columns[most_columns];
+  int column_count;
+  const int* places;
+  int cells;
+  double* values;  ///< of the first column, of the second, ...
+};
+
+template <bool to_their_places>
+struct CopyCells {
+  static constexpr int phases = 1, threads = 256, blocks_at_once = 0;
+
+  CopiedCells copied;
+
+  static int scratch_words() { return 0; }
+  static std::size_t blocks_for(std::size_t cells) { return (cells + threads - 1) / threads; }
+
+  template <class Scratch>
+  QM_HD void run(Phase<0>, const CopyCells& kernel, const Thread& thread, Scratch) {
+    const CopiedCells& copied = kernel.copied;
+    const int k = thread.block * thread.count + thread.number;
+    if (k >= copied.cells) return;
+    for (int c = 0; c < copied.column_count; ++c) {
+      double& value = copied.values[c * copied.cells + k];
+      double& of_cell = copied.columns[c][copied.places[k]];
+      if constexpr (to_their_places) {
+        of_cell = value;
+      } else {
+        value = of_cell;
+      }
+    }
+  }
+};
+
+}  // namespace engine::device
