@@ -22,16 +22,6 @@ TEST_F(RanksInProcess, GiveTheSameBitsWithSediments) {
   expect_same_on_any_number(basin({.sediments = true}), 100);
 }
 
-TEST_F(RanksInProcess, GiveTheSameBitsOnDevices) {
-  const engine::Processor device{.device = engine::Device::emulated};
-  for (const bool sediments : {false, true}) {
-    const cases::Case contents = basin({.sediments = sediments});
-    const Course expected = run_alone(contents, 60);
-    expect_same(contents, expected, shares_of(contents, ranks::cut_along_curve(contents.mesh, 3)),
-                1, 64, device);
-  }
-}
-
 TEST_F(RanksInProcess, GiveTheSameBitsWhereMostOfTheMeshIsDry) {
   for (const bool sediments : {false, true}) {
     expect_same_on_any_number(basin({.sediments = sediments, .mostly_dry = true}), 100);

@@ -38,21 +38,32 @@ class NotesOfRanks : public RanksInProcess {
 
   static void expect_same_notes(const cases::Case& contents, int steps) {
     const Notes expected = notes_alone(contents, steps);
-    for (const int count : {2, 3, 5}) {
-      const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, count));
-      run_side_by_side(shares, 1, 64, [&](int rank, engine::Engine& engine) {
-        const std::vector<physics::StepNotes> notes = notes_of_steps(engine, steps);
-        for (std::size_t i = 0; i < notes.size(); ++i)
-          expect_same_note(notes[i], expected.steps[i]);
-        const cases::Part& part = shares[at(rank)].part;
-        for (Number cell = 0; cell < part.owned; ++cell) {
-          const Number number = part.cell_number[at(cell)];
-          const engine::UnseenDepths unseen = engine.unseen_depths(cell);
-          EXPECT_EQ(unseen.recovered, expected.unseen[at(number)].recovered) << number;
-          EXPECT_EQ(unseen.lifted, expected.unseen[at(number)].lifted) << number;
-        }
-      });
+    for (const int count : {2, 3, 5}) expect_same_notes(contents, expected, count, {});
+    for (const int count : {1, 3}) {
+      expect_same_notes(contents, expected, count, {.device = engine::Device::emulated});
     }
+  }
+
+  static void expect_same_notes(const cases::Case& contents, const Notes& expected, int count,
+                                const engine::Processor& processor) {
+    const auto shares = shares_of(contents, ranks::cut_along_curve(contents.mesh, count));
+    run_side_by_side(
+        shares, 1, 64,
+        [&](int rank, engine::Engine& engine) {
+          const auto steps = static_cast<int>(expected.steps.size()) - 1;
+          const std::vector<physics::StepNotes> notes = notes_of_steps(engine, steps);
+          for (std::size_t i = 0; i < notes.size(); ++i) {
+            expect_same_note(notes[i], expected.steps[i]);
+          }
+          const cases::Part& part = shares[at(rank)].part;
+          for (Number cell = 0; cell < part.owned; ++cell) {
+            const Number number = part.cell_number[at(cell)];
+            const engine::UnseenDepths unseen = engine.unseen_depths(cell);
+            EXPECT_EQ(unseen.recovered, expected.unseen[at(number)].recovered) << number;
+            EXPECT_EQ(unseen.lifted, expected.unseen[at(number)].lifted) << number;
+          }
+        },
+        processor);
   }
 
   static void expect_same_note(const physics::StepNotes& a, const physics::StepNotes& b) {
