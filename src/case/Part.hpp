@@ -39,6 +39,7 @@ struct Part {
   Number owned = 0;                     ///< how many cells are its own
   std::vector<Number> cell_number;      ///< in the whole case, of each cell
   std::vector<Number> edge_number;      ///< the same of the edges
+  std::vector<Number> node_number;      ///< the same of the nodes
   std::vector<Number> boundary_number;  ///< the same of mesh.boundaries
   std::vector<Number> border;           ///< own cells that are ghosts of others, in its own numbers
   CaseScales scales;                    ///< of the whole case
@@ -53,8 +54,8 @@ struct Part {
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.contents, self.owned, self.cell_number, self.edge_number, self.boundary_number,
-          self.border, self.scales);
+    visit(self.contents, self.owned, self.cell_number, self.edge_number, self.node_number,
+          self.boundary_number, self.border, self.scales);
   }
 };
 

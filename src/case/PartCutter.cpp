@@ -2,21 +2,13 @@
 
 #include <utility>
 
+#include "case/entries_of.hpp"
 #include "case/initial_state.hpp"
 #include "physics/stable_step.hpp"
 
 namespace cases {
 
 namespace {
-
-template <class Value>
-std::vector<Value> entries_of(const std::vector<Value>& column, std::span<const Number> numbers) {
-  std::vector<Value> entries;
-  if (column.empty()) return entries;
-  entries.reserve(numbers.size());
-  for (const Number number : numbers) entries.push_back(column[at(number)]);
-  return entries;
-}
 
 /// Copies what is not an array over the mesh.
 template <class Value>
@@ -26,12 +18,6 @@ void copy(const Value& from, Value& to) {
 void copy(const Mesh&, Mesh&) {}
 void copy(const CellFields&, CellFields&) {}
 
-void copy_all_but_mesh_and_fields(const Case& from, Case& to) {
-  Case::visit_parts(from, [&](const auto&... of_one) {
-    Case::visit_parts(to, [&](auto&... of_other) { (copy(of_one, of_other), ...); });
-  });
-}
-
 void copy_fields(const CellFields& from, std::span<const Number> cells, CellFields& to) {
   CellFields::visit_parts(from, [&](const auto&... of_one) {
     CellFields::visit_parts(
@@ -40,6 +26,12 @@ void copy_fields(const CellFields& from, std::span<const Number> cells, CellFiel
 }
 
 }  // namespace
+
+void copy_parameters(const Case& from, Case& to) {
+  Case::visit_parts(from, [&](const auto&... of_one) {
+    Case::visit_parts(to, [&](auto&... of_other) { (copy(of_one, of_other), ...); });
+  });
+}
 
 CaseScales scales_of(const Case& contents) {
   CaseScales scales = {0.0, physics::unbounded_step};
@@ -51,9 +43,11 @@ CaseScales scales_of(const Case& contents) {
   return scales;
 }
 
-PartCutter::PartCutter(const Case& whole)
+PartCutter::PartCutter(const Case& whole) : PartCutter(whole, scales_of(whole)) {}
+
+PartCutter::PartCutter(const Case& whole, const CaseScales& scales)
     : whole_(whole),
-      scales_(scales_of(whole)),
+      scales_(scales),
       first_edge_(at(whole.mesh.n_cells()) + 1, 0),
       local_cell_(at(whole.mesh.n_cells()), absent),
       local_node_(at(whole.mesh.n_nodes()), absent) {
@@ -88,17 +82,22 @@ Number PartCutter::across(Number edge, Number cell) const {
 }
 
 Part PartCutter::part_of(std::span<const Number> own, int rings) {
+  Part part = mesh_part_of(own, rings);
+  copy_parameters(whole_, part.contents);
+  return part;
+}
+
+Part PartCutter::mesh_part_of(std::span<const Number> own, int rings) {
   Part part;
   part.scales = scales_;
   number_cells(own, rings, part);
   find_border(rings, part);
   find_edges(part);
-  const std::vector<Number> nodes = number_nodes(part);
-  copy_all_but_mesh_and_fields(whole_, part.contents);
-  copy_mesh(nodes, part);
+  part.node_number = number_nodes(part);
+  copy_mesh(part);
   copy_boundaries(part);
   copy_fields(whole_.fields, part.cell_number, part.contents.fields);
-  forget(part, nodes);
+  forget(part);
   return part;
 }
 
@@ -178,12 +177,12 @@ std::vector<Number> PartCutter::number_nodes(const Part& part) {
   return nodes;
 }
 
-void PartCutter::copy_mesh(const std::vector<Number>& nodes, Part& part) const {
+void PartCutter::copy_mesh(Part& part) const {
   const Mesh& from = whole_.mesh;
   Mesh& to = part.contents.mesh;
-  to.x = entries_of(from.x, nodes);
-  to.y = entries_of(from.y, nodes);
-  to.z = entries_of(from.z, nodes);
+  to.x = entries_of(from.x, part.node_number);
+  to.y = entries_of(from.y, part.node_number);
+  to.z = entries_of(from.z, part.node_number);
   std::vector<Number> nodes_of_cell;
   to.cell_nodes.reserve(3 * part.cell_number.size());
   for (const Number cell : part.cell_number) {
@@ -215,9 +214,9 @@ void PartCutter::copy_boundaries(Part& part) const {
   }
 }
 
-void PartCutter::forget(const Part& part, const std::vector<Number>& nodes) {
+void PartCutter::forget(const Part& part) {
   for (const Number cell : part.cell_number) local_cell_[at(cell)] = absent;
-  for (const Number node : nodes) local_node_[at(node)] = absent;
+  for (const Number node : part.node_number) local_node_[at(node)] = absent;
 }
 
 }  // namespace cases

@@ -9,15 +9,22 @@
 
 namespace cases {
 
+/// Copies what a case holds besides arrays over the mesh.
+void copy_parameters(const Case& from, Case& to);
+
 /// Knows the neighbours of all cells, so that every part takes a time that goes with its own size.
 class PartCutter {
  public:
   /// The case must outlive it.
   explicit PartCutter(const Case& whole);
+  /// The same of a case of which the scales are known.
+  PartCutter(const Case& whole, const CaseScales& scales);
 
   /// The part of these cells (ascending), with so many rings of ghosts around them: the first are
   /// the cells that share an edge with own cells, the second those that share one with the first.
   Part part_of(std::span<const Number> own, int rings);
+  /// Mesh and fields of that part alone.
+  Part mesh_part_of(std::span<const Number> own, int rings);
 
  private:
   std::span<const Number> edges_of(Number cell) const;
@@ -29,9 +36,9 @@ class PartCutter {
   void find_border(int rings, Part& part) const;
   void find_edges(Part& part) const;
   std::vector<Number> number_nodes(const Part& part);
-  void copy_mesh(const std::vector<Number>& nodes, Part& part) const;
+  void copy_mesh(Part& part) const;
   void copy_boundaries(Part& part) const;
-  void forget(const Part& part, const std::vector<Number>& nodes);
+  void forget(const Part& part);
 
   static constexpr Number absent = -1;
 

@@ -7,6 +7,7 @@
 
 #include "fields/moving_cells.hpp"
 #include "fields/parts_of_states.hpp"
+#include "ranks/share_anew.hpp"
 #include "ranks/values.hpp"
 
 namespace fields {
@@ -53,28 +54,13 @@ class FlowOfRank::OwnPart final : public FlowPart {
   const FlowOfRank& flow_;
 };
 
-FlowOfRank::FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group)
-    : group_(group), whole_(group) {
-  if (is_first()) whole_.set_cells(plan.cells, contents.mesh);
-  ranks::Share share = take_share(contents);
-  part_ = std::move(share.part);
+FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group)
+    : group_(group), part_(std::move(share.part)), whole_(group) {
   list_own_boundaries();
+  whole_.gather_numbers(numbers_of_own());
   exchange_ = group.exchange(std::move(share.halos));
   start_ = start_engine(plan);
   agree_on_start();
-}
-
-ranks::Share FlowOfRank::take_share(const cases::Case& contents) {
-  if (!is_first()) return ranks::receive_value<ranks::Share>(group_, 0);
-  cases::PartCutter cutter(contents);
-  const auto share_of = [&](int rank) {
-    return ranks::share_of(cutter, whole_.cells_of(rank), whole_.owners(),
-                           cases::rings_of(contents.scheme));
-  };
-  for (int rank = 1; rank < group_.size(); ++rank) {
-    ranks::send_value(group_, share_of(rank), rank);
-  }
-  return share_of(0);
 }
 
 RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
@@ -111,6 +97,12 @@ void FlowOfRank::list_own_boundaries() {
       own_boundaries_.push_back(static_cast<Number>(b));
     }
   }
+}
+
+Entries FlowOfRank::numbers_of_own() const {
+  const auto& cells = part_.cell_number;
+  return {{cells.begin(), cells.begin() + part_.owned},
+          cases::entries_of(part_.boundary_number, own_boundaries_)};
 }
 
 bool FlowOfRank::goes_on(const Clock& clock) const {
@@ -228,16 +220,38 @@ void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<doub
 }
 
 std::vector<double> FlowOfRank::seconds_of_ranks() {
-  const double own = engine_->end_window();
-  std::vector<double> all(at(group_.size()));
-  group_.gather_all(std::as_bytes(std::span(&own, 1)), std::as_writable_bytes(std::span(all)));
-  return all;
+  return ranks::gather_all_plain(group_, engine_->end_window());
 }
 
-void FlowOfRank::read_work(std::span<double> values) {
-  own_values_.resize(at(engine_->tables().owned));
+std::vector<ranks::CurvePlace> FlowOfRank::places_along_curve() {
+  const cases::Mesh& mesh = part_.contents.mesh;
+  std::vector<physics::SpacePoint> centers;
+  centers.reserve(at(mesh.n_cells()));
+  for (Number cell = 0; cell < mesh.n_cells(); ++cell) centers.push_back(mesh.center_of(cell));
+  const engine::HilbertCurve curve = ranks::curve_over(group_, centers);
+  std::vector<ranks::CurvePlace> places;
+  places.reserve(centers.size());
+  for (std::size_t k = 0; k < centers.size(); ++k) {
+    places.push_back({curve.distance_of(centers[k].x, centers[k].y), part_.cell_number[k]});
+  }
+  return places;
+}
+
+ranks::CutCurve FlowOfRank::even_cuts() {
+  own_values_.resize(at(part_.owned));
   engine_->read_work(own_values_);
-  whole_.gather(own_values_, values);
+  const std::vector<ranks::CurvePlace> places = places_along_curve();
+  std::vector<ranks::WeighedCell> cells;
+  cells.reserve(own_values_.size());
+  for (std::size_t k = 0; k < own_values_.size(); ++k) cells.push_back({places[k], own_values_[k]});
+  return ranks::cuts_by_weight(group_, std::move(cells));
+}
+
+std::vector<int> FlowOfRank::owners_by(const ranks::CutCurve& cuts) {
+  std::vector<int> owners;
+  for (const ranks::CurvePlace& place : places_along_curve())
+    owners.push_back(cuts.owner_of(place));
+  return owners;
 }
 
 CellState FlowOfRank::state(Number cell) {
@@ -257,7 +271,7 @@ void FlowOfRank::read_inflows(std::vector<BoundaryInflow>& inflows) {
 
 void FlowOfRank::save_own(engine::State& state) {
   engine_->save(state);
-  state.imposed_on_boundaries = entries_of(state.imposed_on_boundaries, own_boundaries_);
+  state.imposed_on_boundaries = cases::entries_of(state.imposed_on_boundaries, own_boundaries_);
 }
 
 void FlowOfRank::save(engine::State& state) {
@@ -285,17 +299,13 @@ void FlowOfRank::load_notes(const engine::SavedNotes& notes) {
   engine_->load_notes(whole_.own_part_of(notes));
 }
 
-void FlowOfRank::move_to(FlowOfRank& next) {
+void FlowOfRank::move_to(FlowOfRank& next, const std::vector<int>& owners) {
   MovingCells own;
-  const auto& numbers = part_.cell_number;
-  own.numbers.cells.assign(numbers.begin(), numbers.begin() + part_.owned);
-  for (const Number b : own_boundaries_) {
-    own.numbers.boundaries.push_back(part_.boundary_number[at(b)]);
-  }
+  own.numbers = numbers_of_own();
   save_own(own.state);
   if (is_watched_) engine_->save_notes(own.notes.emplace());
   if (looks_) own.infiltrated = looks_->infiltrated();
-  MovingCells moved = fields::moved(own, new_ranks_of_own(next), group_);
+  MovingCells moved = fields::moved(own, new_ranks_of_own(owners), group_);
   const auto& maxima = engine_->tables().maxima;
   if (maxima) next.keep_maxima(maxima->arrival_depth);
   next.load_own(std::move(moved.state));
@@ -306,36 +316,37 @@ void FlowOfRank::move_to(FlowOfRank& next) {
   if (looks_) next.looks().go_on_from(*looks_, std::move(moved.infiltrated));
 }
 
-/// Rank 0 tells every rank.
-NewRanks FlowOfRank::new_ranks_of_own(const FlowOfRank& next) {
-  const auto new_ranks_of = [&](const ranks::Cells& cells) {
-    std::vector<int> new_ranks;
-    for (const Number cell : cells) new_ranks.push_back(next.whole_.owner_of(cell));
-    return new_ranks;
-  };
-  NewRanks own;
-  if (is_first()) {
-    for (int rank = 1; rank < group_.size(); ++rank) {
-      ranks::send_value(group_, new_ranks_of(whole_.cells_of(rank)), rank);
-    }
-    own.of_cells = new_ranks_of(whole_.cells_of(0));
-  } else {
-    own.of_cells = ranks::receive_value<std::vector<int>>(group_, 0);
-  }
+NewRanks FlowOfRank::new_ranks_of_own(const std::vector<int>& owners) const {
+  NewRanks own{{owners.begin(), owners.begin() + part_.owned}, {}};
   const cases::Mesh& mesh = part_.contents.mesh;
   for (const Number b : own_boundaries_) {
-    own.of_boundaries.push_back(own.of_cells[at(mesh.left[at(mesh.boundaries[at(b)].edge)])]);
+    own.of_boundaries.push_back(owners[at(mesh.left[at(mesh.boundaries[at(b)].edge)])]);
   }
   return own;
 }
 
-bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
-           ranks::Group& group) {
-  auto next = std::make_unique<FlowOfRank>(contents, plan, group);
-  if (next->start().outcome != RankStart::Outcome::good) return false;
-  part->move_to(*next);
-  part = std::move(next);
+namespace {
+
+bool go_on_with(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
+                const RanksPlan& plan, ranks::Group& group) {
+  std::optional<ranks::Share> share = ranks::share_anew(group, flow->part(), owners);
+  if (!share) return false;
+  auto next = std::make_unique<FlowOfRank>(std::move(*share), plan, group);
+  if (next->start().outcome != Outcome::good) return false;
+  flow->move_to(*next, owners);
+  flow = std::move(next);
   return true;
+}
+
+}  // namespace
+
+Recut recut(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
+            const RanksPlan& plan, ranks::Group& group) {
+  const double begun = engine::seconds_of_thread();
+  const bool is_done = go_on_with(flow, owners, plan, group);
+  const std::vector<double> seconds =
+      ranks::gather_all_plain(group, engine::seconds_of_thread() - begun);
+  return {is_done, *std::max_element(seconds.begin(), seconds.end())};
 }
 
 }  // namespace fields

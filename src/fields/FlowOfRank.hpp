@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/entries_of.hpp"
 #include "engine/Engine.hpp"
 #include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
@@ -18,17 +19,17 @@
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
 #include "ranks/RowPlan.hpp"
+#include "ranks/cuts_by_weight.hpp"
 #include "ranks/share_of.hpp"
 
 namespace fields {
 
-/// How the ranks share a case.
+/// How the ranks compute their parts of a case.
 struct RanksPlan {
-  std::vector<ranks::Cells> cells;  ///< of every rank; on rank 0 alone
-  int threads = 1;                  ///< of each
+  int threads = 1;  ///< of each
   engine::Processor processor = {};
 
-  /// For utils/bytes.hpp: what all ranks know.
+  /// For utils/bytes.hpp.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.threads, self.processor.instruction_set, self.processor.device);
@@ -53,10 +54,9 @@ struct RankStart {
 /// its size.
 class FlowOfRank {
  public:
-  /// Rank 0 deals out the parts of the case, one after the other; on other ranks nobody looks at
-  /// the case. The group must outlive it. Where any rank could not start there is no flow on any,
-  /// see start().
-  FlowOfRank(const cases::Case& contents, const RanksPlan& plan, ranks::Group& group);
+  /// Of the share of this rank. The group must outlive it. Where any rank could not start there is
+  /// no flow on any, see start().
+  FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group);
   FlowOfRank(const FlowOfRank&) = delete;
   FlowOfRank& operator=(const FlowOfRank&) = delete;
 
@@ -75,20 +75,27 @@ class FlowOfRank {
   void note_maxima(double t) { engine_->note_maxima(t); }
   void watch();
   /// Between two steps, once both have started: the steps go on in another flow of the same ranks,
-  /// among which it shares the cells otherwise. This one is not used any more.
-  void move_to(FlowOfRank& next);
+  /// where its cells, ghosts included, have these owners. This one is not used any more.
+  void move_to(FlowOfRank& next, const std::vector<int>& owners);
 
   /// For how long the steps have kept every rank busy since the last call, s; without waiting for
   /// each other. On all ranks.
   std::vector<double> seconds_of_ranks();
+  /// Where ranks would have to cut the curve over all cells to have had the same to do between the
+  /// last two calls of that. On all ranks.
+  ranks::CutCurve even_cuts();
+  /// The ranks that the cells, ghosts included, get by cuts of that curve. On all ranks.
+  std::vector<int> owners_by(const ranks::CutCurve& cuts);
+  /// The same of owners of all cells of the whole case.
+  std::vector<int> owners_by(const std::vector<int>& of_all) const {
+    return cases::entries_of(of_all, part_.cell_number);
+  }
 
   // What rank 0 gathers; the others give nothing to be filled.
   void read(Field field, std::span<double> values);
   void read(Field field, std::span<const cases::Number> cells, std::span<double> values);
   CellState state(cases::Number cell);
   void read_inflows(std::vector<BoundaryInflow>& inflows);
-  /// What every cell cost between the last two calls of seconds_of_ranks(), s.
-  void read_work(std::span<double> values);
   void save(engine::State& state);
   void save_notes(engine::SavedNotes& notes);
   /// On rank 0: where the last step was not hyperbolic, if that is to be told.
@@ -113,20 +120,22 @@ class FlowOfRank {
   const engine::Engine& engine() const { return *engine_; }
   /// The case of its part, with the parameters of the whole one.
   const cases::Case& contents() const { return part_.contents; }
+  const cases::Part& part() const { return part_; }
 
  private:
   class OwnPart;
 
   bool is_first() const { return group_.rank() == 0; }
-  /// That of this rank; on rank 0 after it has dealt out those of all others.
-  ranks::Share take_share(const cases::Case& contents);
   RankStart start_engine(const RanksPlan& plan);
   /// Makes one start of those of all ranks.
   void agree_on_start();
   void list_own_boundaries();
+  /// Numbers of the own cells and boundaries in the whole case.
+  Entries numbers_of_own() const;
+  NewRanks new_ranks_of_own(const std::vector<int>& owners) const;
+  /// Of all cells, ghosts included. On all ranks.
+  std::vector<ranks::CurvePlace> places_along_curve();
   void gather_not_hyperbolic();
-  /// What the cells and boundaries of this rank have in another flow.
-  NewRanks new_ranks_of_own(const FlowOfRank& next);
   /// That of the own cells and boundaries.
   void save_own(engine::State& state);
   void load_own(engine::State own);
@@ -135,8 +144,8 @@ class FlowOfRank {
   const FlowPart& own_part();
 
   ranks::Group& group_;
-  WholeOnFirst whole_;
   cases::Part part_;
+  WholeOnFirst whole_;
   std::vector<cases::Number> own_boundaries_;  ///< of the part, those of its own cells
   std::unique_ptr<engine::Exchange> exchange_;
   std::unique_ptr<engine::Engine> engine_;
@@ -153,9 +162,14 @@ class FlowOfRank {
   engine::State own_state_;
 };
 
-/// On all ranks: lets the steps go on with the cells shared out as another plan says, if all can
-/// start so; the case is looked at on rank 0. Answers whether they could.
-bool recut(std::unique_ptr<FlowOfRank>& part, const cases::Case& contents, const RanksPlan& plan,
-           ranks::Group& group);
+struct Recut {
+  bool is_done = false;
+  double seconds = 0.0;  ///< that it kept the busiest rank busy
+};
+
+/// On all ranks: lets the steps go on with other owners of the cells, those that `owners` gives of
+/// the cells here, ghosts included, if all can start so.
+Recut recut(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
+            const RanksPlan& plan, ranks::Group& group);
 
 }  // namespace fields

@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "case/PartCutter.hpp"
 #include "case/hll_cell.hpp"
 #include "fields/missing_threads.hpp"
 #include "fields/orders.hpp"
@@ -24,9 +25,16 @@ void require_scheme_takes(const cases::Case& contents) {
   if (cases::is_hll(contents.scheme)) cases::sides_for_hll(contents);
 }
 
-/// Patches that leave every rank about a hundred of them to be weighed.
-int cells_per_patch_for(Number cells, int ranks) {
-  return std::clamp(cells / (100 * ranks), 1, 64);
+/// Deals out the parts of a case, one after the other; answers that of rank 0.
+ranks::Share deal_shares(const cases::Case& contents, const std::vector<ranks::Cells>& cells,
+                         ranks::Group& group) {
+  cases::PartCutter cutter(contents);
+  const std::vector<int> owners = ranks::owners_of(cells);
+  const auto share_of = [&](int rank) {
+    return ranks::share_of(cutter, cells[at(rank)], owners, cases::rings_of(contents.scheme));
+  };
+  for (int rank = 1; rank < group.size(); ++rank) ranks::send_value(group, share_of(rank), rank);
+  return share_of(0);
 }
 
 }  // namespace
@@ -39,19 +47,20 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
       on_stop_(request.on_stop),
       largest_text_(request.largest_text),
       are_balanced_(request.are_balanced),
-      plan_{request.cut(contents.mesh, request.group->size()), 1, processor} {
+      plan_{1, processor} {
   require_scheme_takes(contents);
-  const auto members = static_cast<int>(plan_.cells.size());
+  const std::vector<ranks::Cells> cells = request.cut(contents.mesh, request.group->size());
+  const auto members = static_cast<int>(cells.size());
   plan_.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
   Call call{members, 0};
   ranks::broadcast_plain(*request.group, call);
   group_ = request.group->first(members);
   ranks::broadcast_out(*group_, plan_);
+  ranks::Share share = deal_shares(contents, cells, *group_);
   const double begun = engine::seconds_of_thread();
-  part_ = std::make_unique<FlowOfRank>(contents, plan_, *group_);
+  part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_);
   // To share the cells out again will take as long, for all that is known.
   balance_.emplace(engine::seconds_of_thread() - begun);
-  plan_.cells = {};
   rows_ = std::make_unique<RowsOfRank>(*group_);
   const RankStart& start = part_->start();
   switch (start.outcome) {
@@ -77,14 +86,13 @@ ranks::Group& RanksFlow::waiting_ranks() const {
   return *group_;
 }
 
-bool RanksFlow::recut(std::vector<ranks::Cells> cells) {
+bool RanksFlow::recut(const std::vector<ranks::Cells>& cells) {
+  const std::vector<int> owners = ranks::owners_of(cells);
   tell(waiting_ranks(), {Task::recut});
-  plan_.cells = std::move(cells);
-  ranks::broadcast_out(*group_, plan_);
-  const bool is_new = fields::recut(part_, case_, plan_, *group_);
-  plan_.cells = {};
-  if (is_new) ++recuts_;
-  return is_new;
+  ranks::broadcast_out(*group_, owners);
+  const Recut recut = fields::recut(part_, part_->owners_by(owners), plan_, *group_);
+  if (recut.is_done) ++recuts_;
+  return recut.is_done;
 }
 
 FlowScales RanksFlow::scales() const {
@@ -104,17 +112,14 @@ void RanksFlow::look_at_balance() {
 }
 
 void RanksFlow::move_cells() {
-  const double begun = engine::seconds_of_thread();
-  tell(waiting_ranks(), {Task::weigh_cells});
-  std::vector<double> of_cells(at(case_.mesh.n_cells()));
-  part_->read_work(of_cells);
-  if (!curve_)
-    curve_.emplace(case_.mesh, cells_per_patch_for(case_.mesh.n_cells(), group_->size()));
-  const std::vector<double> weights = curve_->sums_of_patches(of_cells);
-  const std::vector<int> cuts = curve_->cuts(weights, group_->size());
-  if (!balance_->pays(ranks::weights_of_runs(weights, cuts))) return;
-  are_balanced_ = recut(curve_->runs(cuts));  // where that failed once it would fail again
-  balance_->has_moved(engine::seconds_of_thread() - begun);
+  tell(waiting_ranks(), {Task::find_cuts});
+  const ranks::CutCurve cuts = part_->even_cuts();
+  if (!balance_->pays(cuts.weights)) return;
+  tell(waiting_ranks(), {Task::follow_cuts});
+  const Recut recut = fields::recut(part_, part_->owners_by(cuts), plan_, *group_);
+  are_balanced_ = recut.is_done;  // where that failed once it would fail again
+  if (recut.is_done) ++recuts_;
+  balance_->has_moved(recut.seconds);
 }
 
 double RanksFlow::advance(const StepTimes& times) {

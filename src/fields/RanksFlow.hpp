@@ -12,7 +12,6 @@
 #include "fields/FlowOfRank.hpp"
 #include "fields/RowsOfRank.hpp"
 #include "ranks/Balance.hpp"
-#include "ranks/Curve.hpp"
 #include "ranks/cut_along_curve.hpp"
 
 namespace fields {
@@ -45,7 +44,7 @@ class RanksFlow : public Flow {
   /// Between two steps: the cells of every rank that takes part are others from now on, unless one
   /// of them cannot start so. What boundaries took in during the last step is forgotten. Answers
   /// whether they are.
-  bool recut(std::vector<ranks::Cells> cells);
+  bool recut(const std::vector<ranks::Cells>& cells);
   /// How often that was done.
   int recuts() const { return recuts_; }
   /// For how long the steps have kept the ranks busy.
@@ -102,7 +101,7 @@ class RanksFlow : public Flow {
   std::function<void()> on_stop_;
   std::size_t largest_text_;
   bool are_balanced_;
-  RanksPlan plan_;                       ///< its cells are empty, but while they are dealt out
+  RanksPlan plan_;
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
   std::unique_ptr<RowsOfRank> rows_;
@@ -113,7 +112,6 @@ class RanksFlow : public Flow {
   int recuts_ = 0;
   std::optional<ranks::Balance> balance_;  ///< once the ranks have started
   int steps_since_look_ = 0;               ///< at the balance
-  std::optional<ranks::Curve> curve_;      ///< once cells are shared out anew
   mutable Gathered gathered_;              ///< since the last step
 };
 

@@ -5,27 +5,30 @@ namespace fields {
 using cases::at;
 using cases::Number;
 
-void WholeOnFirst::set_cells(const std::vector<ranks::Cells>& cells, const cases::Mesh& mesh) {
-  cells_ = cells;
-  owners_ = ranks::owners_of(cells_);
-  boundaries_.assign(at(group_.size()), {});
-  for (std::size_t b = 0; b < mesh.boundaries.size(); ++b) {
-    const int owner = owner_of(mesh.left[at(mesh.boundaries[b].edge)]);
-    boundaries_[at(owner)].push_back(static_cast<Number>(b));
+void WholeOnFirst::gather_numbers(const Entries& own) {
+  if (!is_first()) return ranks::send_value(group_, own, 0);
+  std::size_t cells = 0;
+  for (int rank = 0; rank < group_.size(); ++rank) {
+    of_ranks_.push_back(rank == 0 ? own : ranks::receive_value<Entries>(group_, rank));
+    cells += of_ranks_.back().cells.size();
+  }
+  owners_.resize(cells);
+  for (int rank = 0; rank < group_.size(); ++rank) {
+    for (const Number cell : of_ranks_[at(rank)].cells) owners_[at(cell)] = rank;
   }
 }
 
 std::size_t WholeOnFirst::number_of_boundaries() const {
   std::size_t count = 0;
-  for (const std::vector<Number>& of_rank : boundaries_) count += of_rank.size();
+  for (const Entries& of_rank : of_ranks_) count += of_rank.boundaries.size();
   return count;
 }
 
 void WholeOnFirst::gather(std::span<const double> own, std::span<double> all) {
   if (!is_first()) return group_.send(std::as_bytes(own), 0);
-  for (std::size_t k = 0; k < own.size(); ++k) all[at(cells_.front()[k])] = own[k];
+  for (std::size_t k = 0; k < own.size(); ++k) all[at(of_ranks_.front().cells[k])] = own[k];
   for (int rank = 1; rank < group_.size(); ++rank) {
-    const ranks::Cells& cells = cells_[at(rank)];
+    const std::vector<Number>& cells = of_ranks_[at(rank)].cells;
     received_.resize(cells.size());
     group_.receive(std::as_writable_bytes(std::span(received_)), rank);
     place(received_, cells, all);
@@ -55,10 +58,10 @@ void WholeOnFirst::hand_out(std::span<const double> all, std::span<double> own) 
   if (!is_first()) return group_.receive(std::as_writable_bytes(own), 0);
   for (int rank = 1; rank < group_.size(); ++rank) {
     received_.clear();
-    for (const Number cell : cells_[at(rank)]) received_.push_back(all[at(cell)]);
+    for (const Number cell : of_ranks_[at(rank)].cells) received_.push_back(all[at(cell)]);
     group_.send(std::as_bytes(std::span(received_)), rank);
   }
-  for (std::size_t k = 0; k < own.size(); ++k) own[k] = all[at(cells_.front()[k])];
+  for (std::size_t k = 0; k < own.size(); ++k) own[k] = all[at(of_ranks_.front().cells[k])];
 }
 
 }  // namespace fields

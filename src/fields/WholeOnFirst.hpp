@@ -12,17 +12,15 @@
 
 namespace fields {
 
-/// Rank 0 knows which cells and boundaries every rank has; the others need not, and nothing of all
-/// is looked at or filled there. What gathers and hands out is called on all ranks.
+/// Rank 0 knows which cells and boundaries every rank has; on the others nothing of all is looked
+/// at or filled. What gathers and hands out is called on all ranks.
 class WholeOnFirst {
  public:
   /// The group must outlive it.
   explicit WholeOnFirst(ranks::Group& group) : group_(group) {}
 
-  /// On rank 0: the cells of every rank of this mesh.
-  void set_cells(const std::vector<ranks::Cells>& cells, const cases::Mesh& mesh);
-  const ranks::Cells& cells_of(int rank) const { return cells_[cases::at(rank)]; }
-  const std::vector<int>& owners() const { return owners_; }
+  /// Gathers which cells and boundaries of the whole case (ascending) every rank has.
+  void gather_numbers(const Entries& own);
   int owner_of(cases::Number cell) const { return owners_[cases::at(cell)]; }
   std::size_t number_of_cells() const { return owners_.size(); }
 
@@ -45,15 +43,11 @@ class WholeOnFirst {
  private:
   bool is_first() const { return group_.rank() == 0; }
   std::size_t number_of_boundaries() const;
-  Entries entries_of_rank(int rank) const {
-    return {cells_[cases::at(rank)], boundaries_[cases::at(rank)]};
-  }
 
   ranks::Group& group_;
-  std::vector<ranks::Cells> cells_;                     ///< of every rank
-  std::vector<int> owners_;                             ///< of the cells
-  std::vector<std::vector<cases::Number>> boundaries_;  ///< of the cells of every rank
-  std::vector<double> received_;                        ///< kept for its memory
+  std::vector<Entries> of_ranks_;  ///< what every rank has; on rank 0
+  std::vector<int> owners_;        ///< of the cells; on rank 0
+  std::vector<double> received_;   ///< kept for its memory
 };
 
 template <class Value>
@@ -61,7 +55,7 @@ void WholeOnFirst::gather_over_boundaries(std::vector<Value> own, std::vector<Va
   if (!is_first()) return group_.send(std::as_bytes(std::span(own)), 0);
   all.resize(number_of_boundaries());
   for (int rank = 0; rank < group_.size(); ++rank) {
-    const std::vector<cases::Number>& numbers = boundaries_[cases::at(rank)];
+    const std::vector<cases::Number>& numbers = of_ranks_[cases::at(rank)].boundaries;
     own.resize(numbers.size());
     if (rank > 0) group_.receive(std::as_writable_bytes(std::span(own)), rank);
     for (std::size_t k = 0; k < numbers.size(); ++k) all[cases::at(numbers[k])] = own[k];
@@ -74,7 +68,7 @@ void WholeOnFirst::gather_parts(const Value& own, Value& all) {
   take_the_rest(all, own);
   for (int rank = 0; rank < group_.size(); ++rank) {
     const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
-    put_part(part, entries_of_rank(rank), number_of_cells(), number_of_boundaries(), all);
+    put_part(part, of_ranks_[cases::at(rank)], number_of_cells(), number_of_boundaries(), all);
   }
 }
 
@@ -82,9 +76,9 @@ template <class Value>
 Value WholeOnFirst::own_part_of(const Value& all) {
   if (!is_first()) return ranks::receive_value<Value>(group_, 0);
   for (int rank = 1; rank < group_.size(); ++rank) {
-    ranks::send_value(group_, part_of(all, entries_of_rank(rank)), rank);
+    ranks::send_value(group_, part_of(all, of_ranks_[cases::at(rank)]), rank);
   }
-  return part_of(all, entries_of_rank(0));
+  return part_of(all, of_ranks_.front());
 }
 
 }  // namespace fields

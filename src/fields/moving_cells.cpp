@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace fields {
 
@@ -16,20 +17,13 @@ void for_each_rank(const std::vector<int>& ranks, const Add& add) {
   for (std::size_t k = 0; k < ranks.size(); ++k) add(ranks[k], static_cast<Number>(k));
 }
 
-std::vector<Number> entries_of(const std::vector<Number>& numbers,
-                               const std::vector<Number>& entries) {
-  std::vector<Number> found;
-  for (const Number k : entries) found.push_back(numbers[at(k)]);
-  return found;
-}
-
-MovingCells entries_of(const MovingCells& all, const Entries& entries) {
+MovingCells part_of(const MovingCells& all, const Entries& entries) {
   MovingCells part;
-  part.numbers.cells = entries_of(all.numbers.cells, entries.cells);
-  part.numbers.boundaries = entries_of(all.numbers.boundaries, entries.boundaries);
-  part.state = part_of(all.state, entries);
-  if (all.notes) part.notes = part_of(*all.notes, entries);
-  part.infiltrated = fields::entries_of(all.infiltrated, entries.cells);
+  part.numbers.cells = cases::entries_of(all.numbers.cells, entries.cells);
+  part.numbers.boundaries = cases::entries_of(all.numbers.boundaries, entries.boundaries);
+  part.state = fields::part_of(all.state, entries);
+  if (all.notes) part.notes = fields::part_of(*all.notes, entries);
+  part.infiltrated = cases::entries_of(all.infiltrated, entries.cells);
   return part;
 }
 
@@ -82,10 +76,15 @@ MovingCells moved(const MovingCells& own, const NewRanks& new_ranks, ranks::Grou
   for_each_rank(new_ranks.of_boundaries,
                 [&](int rank, Number k) { entries_for[rank].boundaries.push_back(k); });
   std::vector<ranks::Message> sent;
-  for (const auto& [rank, entries] : entries_for) {
-    utils::put_into(sent.emplace_back(ranks::Message{rank, {}}).bytes, entries_of(own, entries));
-  }
   std::vector<MovingCells> parts;
+  for (const auto& [rank, entries] : entries_for) {
+    MovingCells part = part_of(own, entries);
+    if (rank == group.rank()) {
+      parts.push_back(std::move(part));
+    } else {
+      utils::put_into(sent.emplace_back(ranks::Message{rank, {}}).bytes, part);
+    }
+  }
   for (const ranks::Message& message : group.send_to_some(std::move(sent))) {
     utils::take_out_of(message.bytes, parts.emplace_back());
   }

@@ -4,6 +4,7 @@
 #include <span>
 #include <vector>
 
+#include "case/entries_of.hpp"
 #include "engine/State.hpp"
 
 namespace fields {
@@ -40,15 +41,6 @@ inline void place(const std::vector<double>& part, const std::vector<cases::Numb
   for (std::size_t k = 0; k < part.size(); ++k) all[cases::at(numbers[k])] = part[k];
 }
 
-inline std::vector<double> entries_of(const std::vector<double>& column,
-                                      const std::vector<cases::Number>& numbers) {
-  std::vector<double> entries;
-  if (column.empty()) return entries;
-  entries.reserve(numbers.size());
-  for (const cases::Number number : numbers) entries.push_back(column[cases::at(number)]);
-  return entries;
-}
-
 /// Numbers of cells and of boundaries.
 struct Entries {
   std::vector<cases::Number> cells, boundaries;
@@ -68,8 +60,9 @@ template <class Value>
 Value part_of(const Value& all, const Entries& entries) {
   Value part;
   take_the_rest(part, all);
-  for_each_column_of(
-      all, [&](auto column, Over over) { part.*column = entries_of(all.*column, entries[over]); });
+  for_each_column_of(all, [&](auto column, Over over) {
+    part.*column = cases::entries_of(all.*column, entries[over]);
+  });
   return part;
 }
 

@@ -32,11 +32,11 @@ void advance_up_to_pause(FlowOfRank& part, const StepTimes& first,
   } while (part.goes_on(clock));
 }
 
-void take_part_in_recut(std::unique_ptr<FlowOfRank>& part, ranks::Group& group) {
-  RanksPlan plan;
-  ranks::broadcast_in(group, plan);
-  const cases::Case no_case;  // rank 0 has it
-  recut(part, no_case, plan, group);
+/// Takes the owners of all cells from rank 0.
+std::vector<int> owners_told(const FlowOfRank& part, ranks::Group& group) {
+  std::vector<int> owners;
+  ranks::broadcast_in(group, owners);
+  return part.owners_by(owners);
 }
 
 void see(FlowOfRank& part, ranks::Group& group) {
@@ -52,12 +52,13 @@ void gather_rows(int table, RowsOfRank& rows, FlowOfRank& part, ranks::Group& gr
 }
 
 /// Does what rank 0 orders until it ends the flow.
-void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
+void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
   std::vector<BoundaryInflow> no_inflows;
   engine::State no_state;
   engine::SavedNotes no_notes;
   std::vector<double> no_values;
+  ranks::CutCurve cuts;
   RowsOfRank rows(group);
   while (true) {
     Order order{};
@@ -106,11 +107,14 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
       case Task::weigh_ranks:
         part.seconds_of_ranks();
         break;
-      case Task::weigh_cells:
-        part.read_work({});
+      case Task::find_cuts:
+        cuts = part.even_cuts();
+        break;
+      case Task::follow_cuts:
+        recut(own, part.owners_by(cuts), plan, group);
         break;
       case Task::recut:
-        take_part_in_recut(own, group);
+        recut(own, owners_told(part, group), plan, group);
         break;
       case Task::look:
         see(part, group);
@@ -137,10 +141,10 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, ranks::Group& group,
 void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interrupted) {
   RanksPlan plan;
   ranks::broadcast_in(group, plan);
-  const cases::Case no_case;  // rank 0 has it
-  auto part = std::make_unique<FlowOfRank>(no_case, plan, group);
+  auto part =
+      std::make_unique<FlowOfRank>(ranks::receive_value<ranks::Share>(group, 0), plan, group);
   if (part->start().outcome != RankStart::Outcome::good) return;
-  serve_flow(std::move(part), group, is_interrupted);
+  serve_flow(std::move(part), plan, group, is_interrupted);
 }
 
 }  // namespace

@@ -5,54 +5,22 @@
 #include <cstdint>
 #include <limits>
 #include <map>
-#include <tuple>
 
 #include "engine/Range.hpp"
-#include "engine/numbering.hpp"
+#include "ranks/cuts_by_weight.hpp"
 
 namespace ranks {
 
 namespace {
 
-/// A cell and its place along the curve.
-struct CellOnCurve {
-  std::uint64_t distance;
-  Number cell;
-
-  friend bool operator<(const CellOnCurve& a, const CellOnCurve& b) {
-    return std::tie(a.distance, a.cell) < std::tie(b.distance, b.cell);
-  }
-
-  template <class Self, class Visit>
-  static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.distance, self.cell);
-  }
-};
-
-/// The curve over the centres of all cells.
-engine::HilbertCurve curve_over(Group& group, const std::vector<physics::SpacePoint>& centers) {
-  constexpr double infinite = std::numeric_limits<double>::infinity();
-  struct Extent {
-    double x_min = infinite, x_max = -infinite, y_min = infinite, y_max = -infinite;
-  };
-  const auto widen = [](Extent& extent, const Extent& by) {
-    extent = {std::min(extent.x_min, by.x_min), std::max(extent.x_max, by.x_max),
-              std::min(extent.y_min, by.y_min), std::max(extent.y_max, by.y_max)};
-  };
-  Extent extent;
-  for (const auto& center : centers) widen(extent, {center.x, center.x, center.y, center.y});
-  for (const Extent& of_rank : gather_all_plain(group, extent)) widen(extent, of_rank);
-  return {extent.x_min, extent.x_max, extent.y_min, extent.y_max};
-}
-
 /// The cells of the block of this rank along the curve.
-std::vector<CellOnCurve> cells_on_curve(Group& group, const CaseBlocks& blocks) {
+std::vector<CurvePlace> cells_on_curve(Group& group, const CaseBlocks& blocks) {
   const cases::Mesh& mesh = blocks.contents.mesh;
   std::vector<physics::SpacePoint> centers;
   centers.reserve(at(mesh.n_cells()));
   for (Number cell = 0; cell < mesh.n_cells(); ++cell) centers.push_back(mesh.center_of(cell));
   const engine::HilbertCurve curve = curve_over(group, centers);
-  std::vector<CellOnCurve> cells;
+  std::vector<CurvePlace> cells;
   cells.reserve(centers.size());
   Number number = blocks.cells.begin(group.rank());
   for (const auto& center : centers) {
@@ -64,21 +32,21 @@ std::vector<CellOnCurve> cells_on_curve(Group& group, const CaseBlocks& blocks) 
 
 /// Where the ranks begin to sort: places along the curve that cut it into runs of a like number of
 /// cells. Every rank tells as many cells of its own, evenly spaced among them.
-std::vector<CellOnCurve> splitters(Group& group, const std::vector<CellOnCurve>& cells) {
+std::vector<CurvePlace> splitters(Group& group, const std::vector<CurvePlace>& cells) {
   constexpr std::size_t told_by_each = 64;
-  constexpr CellOnCurve nothing = {std::numeric_limits<std::uint64_t>::max(), -1};
-  std::array<CellOnCurve, told_by_each> own;
+  constexpr CurvePlace nothing = {std::numeric_limits<std::uint64_t>::max(), -1};
+  std::array<CurvePlace, told_by_each> own;
   own.fill(nothing);
   for (std::size_t k = 0; k < told_by_each && !cells.empty(); ++k) {
     own[k] = cells[cells.size() * k / told_by_each];
   }
-  std::vector<CellOnCurve> all;
+  std::vector<CurvePlace> all;
   for (const auto& of_rank : gather_all_plain(group, own)) {
     all.insert(all.end(), of_rank.begin(), of_rank.end());
   }
   std::sort(all.begin(), all.end());
   while (!all.empty() && all.back().distance == nothing.distance) all.pop_back();
-  std::vector<CellOnCurve> first(1, {0, 0});  // of rank 0: everything up to the next
+  std::vector<CurvePlace> first(1, {0, 0});  // of rank 0: everything up to the next
   const auto ranks = static_cast<std::size_t>(group.size());
   for (std::size_t rank = 1; rank < ranks; ++rank) first.push_back(all[all.size() * rank / ranks]);
   return first;
@@ -93,7 +61,7 @@ int owner_at(std::int64_t place, int ranks, std::size_t cells) {
   return owner;
 }
 
-using CellsOfRank = std::pair<int, std::vector<CellOnCurve>>;
+using CellsOfRank = std::pair<int, std::vector<CurvePlace>>;
 
 /// The owners of cells that ranks sent here to be sorted, all those between two places along the
 /// curve, of which the first is known in the whole order.
@@ -101,7 +69,7 @@ std::map<int, std::vector<int>> owners_of_sorted(const std::vector<CellsOfRank>&
                                                  std::int64_t first_place, int ranks,
                                                  std::size_t cells_of_all) {
   struct Sorted {
-    CellOnCurve cell;
+    CurvePlace cell;
     int sender;
     std::size_t place;
   };
@@ -122,10 +90,10 @@ std::map<int, std::vector<int>> owners_of_sorted(const std::vector<CellsOfRank>&
 }  // namespace
 
 std::vector<int> owners_along_curve(Group& group, const CaseBlocks& blocks) {
-  const std::vector<CellOnCurve> cells = cells_on_curve(group, blocks);
-  const std::vector<CellOnCurve> firsts = splitters(group, cells);
-  std::map<int, std::vector<CellOnCurve>> runs;
-  for (const CellOnCurve& cell : cells) {
+  const std::vector<CurvePlace> cells = cells_on_curve(group, blocks);
+  const std::vector<CurvePlace> firsts = splitters(group, cells);
+  std::map<int, std::vector<CurvePlace>> runs;
+  for (const CurvePlace& cell : cells) {
     const auto next = std::upper_bound(firsts.begin() + 1, firsts.end(), cell);
     runs[static_cast<int>(next - firsts.begin()) - 1].push_back(cell);
   }

@@ -261,6 +261,7 @@ void ShareGatherer::number_nodes() {
   mesh.x = std::move(corners.x);
   mesh.y = std::move(corners.y);
   mesh.z = std::move(corners.z);
+  share_.part.node_number = std::move(nodes);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/entries_of.hpp"
 
 namespace ranks {
 
@@ -40,13 +41,14 @@ struct TravellingCells {
   /// Those at some places.
   TravellingCells at_places(const std::vector<cases::Number>& places) const {
     TravellingCells some;
+    some.numbers = cases::entries_of(numbers, places);
     for (const cases::Number place : places) {
-      some.numbers.push_back(numbers[cases::at(place)]);
       some.cells.add_cell(cells.nodes_of(place));
     }
     cases::CellFields::visit_parts(fields, [&](const auto&... of_this) {
-      cases::CellFields::visit_parts(
-          some.fields, [&](auto&... of_some) { (take(of_this, places, of_some), ...); });
+      cases::CellFields::visit_parts(some.fields, [&](auto&... of_some) {
+        ((of_some = cases::entries_of(of_this, places)), ...);
+      });
     });
     return some;
   }
@@ -54,15 +56,6 @@ struct TravellingCells {
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.numbers, self.cells, self.fields);
-  }
-
- private:
-  template <class Value>
-  static void take(const std::vector<Value>& column, const std::vector<cases::Number>& places,
-                   std::vector<Value>& some) {
-    if (column.empty()) return;
-    some.reserve(places.size());
-    for (const cases::Number place : places) some.push_back(column[cases::at(place)]);
   }
 };
 

@@ -158,6 +158,7 @@ class WholeReading {
     const cases::Part &part = found.share.part, &expected_part = expected.part;
     EXPECT_EQ(part.cell_number, expected_part.cell_number);
     EXPECT_EQ(part.edge_number, expected_part.edge_number);
+    EXPECT_EQ(part.node_number, expected_part.node_number);
     EXPECT_EQ(part.boundary_number, expected_part.boundary_number);
     EXPECT_EQ(part.border, expected_part.border);
     EXPECT_TRUE(bytes_that_are(part.contents.mesh) == bytes_that_are(expected_part.contents.mesh));

@@ -9,6 +9,7 @@
 #include "ranks/DelayedGroup.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/cuts_by_weight.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
 
@@ -97,7 +98,7 @@ class Recut : public PartsOfCourse {
     for (int k = 0; k < curve.patches(); ++k) {
       weights.push_back(k % 100 == 0 ? 1.0 + static_cast<double>(random_() % 400) : 1.0);
     }
-    return curve.runs(curve.cuts(weights, ranks));
+    return curve.runs(ranks::cuts_of(weights, ranks));
   }
 
   void expect_the_run_of_one(const cases::Case& contents, const std::vector<int>& counts) {

@@ -5,10 +5,11 @@
 
 #include "fields/Clock.hpp"
 #include "fields/RanksFlow.hpp"
-#include "fields/serve.hpp"
 #include "fields/make_flow.hpp"
+#include "fields/serve.hpp"
 #include "ranks/Curve.hpp"
 #include "ranks/PartsOfCourse.hpp"
+#include "ranks/cuts_by_weight.hpp"
 #include "ranks/mpi/MpiGroup.hpp"
 #include "support/Told.hpp"
 
@@ -23,7 +24,7 @@ class MpiFlow : public test_ranks::PartsOfCourse {
     for (int k = 0; k < curve.patches(); ++k) {
       weights.push_back(k * ranks / curve.patches() % 2 == which ? 5.0 : 1.0);
     }
-    return curve.runs(curve.cuts(weights, ranks));
+    return curve.runs(ranks::cuts_of(weights, ranks));
   }
 
   static engine::State state_of(const fields::Flow& flow) {
