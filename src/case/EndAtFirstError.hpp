@@ -12,4 +12,10 @@ class EndAtFirstError : public Diagnostics {
   void warn(const std::string& message) override { utils::warn(message); }
 };
 
+/// Where others give the same warnings.
+class WithoutWarnings : public EndAtFirstError {
+ public:
+  void warn(const std::string&) override {}
+};
+
 }  // namespace cases

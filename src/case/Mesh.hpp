@@ -38,6 +38,10 @@ struct CellGeometry {
   double char_length() const { return physics::characteristic_length(area, perimeter); }
 };
 
+struct MeshCounts {
+  Number nodes = 0, cells = 0, edges = 0;
+};
+
 struct Mesh {
   std::vector<double> x, y, z;           ///< of the nodes, m
   std::vector<Number> cell_nodes;        ///< those of the first cell, of the second, ...
@@ -53,6 +57,7 @@ struct Mesh {
     return static_cast<Number>(count);
   }
   Number n_edges() const { return static_cast<Number>(left.size()); }
+  MeshCounts counts() const { return {n_nodes(), n_cells(), n_edges()}; }
 
   std::span<const Number> nodes_of(Number cell) const {
     if (first_node.empty()) return {cell_nodes.data() + 3 * at(cell), 3};

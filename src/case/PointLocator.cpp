@@ -81,10 +81,10 @@ PointLocator::Grid PointLocator::grid_over(const Box& box, std::size_t bins) {
   return {box, static_cast<std::size_t>(nx), static_cast<std::size_t>(ny), nx / width, ny / height};
 }
 
-PointLocator::PointLocator(const cases::Mesh& mesh) : mesh_(mesh) {
-  if (mesh_.n_cells() == 0) return;
+PointLocator::PointLocator(const cases::Mesh& mesh, Number cells) : mesh_(mesh), cells_(cells) {
+  if (cells_ == 0) return;
   Box all = box_of(0);
-  for (Number cell = 0; cell < mesh_.n_cells(); ++cell) all.include(box_of(cell));
+  for (Number cell = 0; cell < cells_; ++cell) all.include(box_of(cell));
   const double diameter = std::hypot(all.x_max - all.x_min, all.y_max - all.y_min);
   const double margin = answered_distance * diameter;
   answered_ = {all.x_min - margin, all.y_min - margin, all.x_max + margin, all.y_max + margin};
@@ -117,7 +117,7 @@ PointLocator::Box PointLocator::reach_of(Number cell) const {
 
 void PointLocator::fill_bins() {
   std::vector<Number> placed;
-  for (Number i = 0; i < mesh_.n_cells(); ++i) (is_reliable(i) ? placed : always_).push_back(i);
+  for (Number i = 0; i < cells_; ++i) (is_reliable(i) ? placed : always_).push_back(i);
   if (placed.empty()) return;
   Box all = reach_of(placed.front());
   for (const Number i : placed) all.include(reach_of(i));
@@ -149,7 +149,7 @@ void PointLocator::fill_bins() {
 }
 
 Number PointLocator::cell_at(double x, double y) const {
-  const Number none = mesh_.n_cells();
+  const Number none = cells_;
   Number found = none;
   if (!answered_.contains(x, y)) {
     for (found = 0; found < none && !contains(found, {x, y}); ++found) {

@@ -9,7 +9,9 @@
 class PointLocator {
  public:
   /// The mesh must stay as it is while the locator is in use.
-  explicit PointLocator(const cases::Mesh& mesh);
+  explicit PointLocator(const cases::Mesh& mesh) : PointLocator(mesh, mesh.n_cells()) {}
+  /// Among the first so many cells.
+  PointLocator(const cases::Mesh& mesh, cases::Number cells);
 
   /// The first cell, in their order, with a triangle (centre, node, next node) that contains the
   /// point; -1 if there is none.
@@ -45,6 +47,7 @@ class PointLocator {
   void fill_bins();
 
   const cases::Mesh& mesh_;
+  cases::Number cells_;
   Box answered_{};                     ///< points outside are tried with every cell
   double rounding_ = 0.0;              ///< bound of the error of a cross product, m2
   std::vector<cases::Number> always_;  ///< cells that no bin can hold, tried for every point

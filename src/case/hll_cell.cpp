@@ -12,18 +12,6 @@ namespace cases {
 
 namespace {
 
-/// Water that rain takes away would have to be there.
-void require_rain_that_falls(const Case& contents, const char* scheme) {
-  for (const Hyetogram& rain : contents.rain) {
-    for (const double intensity : rain.intensities) {
-      if (intensity >= 0.0) continue;
-      throw std::runtime_error("Error. The flux scheme " + std::string(scheme) +
-                               " takes no rain below zero, as hyetogram " +
-                               std::to_string(rain.id) + " has it.");
-    }
-  }
-}
-
 struct Corners {
   physics::PlanPoint of[3];
 };
@@ -84,10 +72,20 @@ physics::PlanVector slope_of_bed_file(const Case& contents, const TriangleSides&
 
 }  // namespace
 
+void require_rain_that_falls(const Case& contents) {
+  for (const Hyetogram& rain : contents.rain) {
+    for (const double intensity : rain.intensities) {
+      if (intensity >= 0.0) continue;
+      throw std::runtime_error(
+          "Error. The flux scheme " + std::string(kind_of(contents.scheme).name) +
+          " takes no rain below zero, as hyetogram " + std::to_string(rain.id) + " has it.");
+    }
+  }
+}
+
 std::vector<TriangleSides> sides_for_hll(const Case& contents) {
-  const char* const scheme = kind_of(contents.scheme).name;
-  require_rain_that_falls(contents, scheme);
-  return sides_of_triangles(contents.mesh, scheme);
+  require_rain_that_falls(contents);
+  return sides_of_triangles(contents.mesh, kind_of(contents.scheme).name);
 }
 
 physics::Edge edge_at_side(const Mesh& mesh, Number cell, int k) {

@@ -17,8 +17,11 @@ struct HllCellOfCase {
 };
 
 /// The sides of the cells of a case that asks for an HLL scheme. Throws std::runtime_error as
-/// sides_of_triangles does, and where rain is below zero: the water would have to be there.
+/// sides_of_triangles and require_rain_that_falls do.
 std::vector<TriangleSides> sides_for_hll(const Case& contents);
+
+/// Throws std::runtime_error where rain is below zero: the water would have to be there.
+void require_rain_that_falls(const Case& contents);
 
 /// Reads the neighbours of the cell too; nothing else of the other cells, so that any order will
 /// do.

@@ -35,6 +35,16 @@ std::string sentence(const std::string& remark) {
   return remark.ends_with('?') ? remark : remark + ".";
 }
 
+void Outliers::add(const Outliers& other) {
+  const bool is_worse =
+      other.largest > largest || (other.largest == largest && other.worst < worst);
+  if (other.count > 0 && (count == 0 || is_worse)) {
+    worst = other.worst;
+    largest = other.largest;
+  }
+  count += other.count;
+}
+
 std::string Outliers::place() const {
   return utils::counted(count, "cell") + ", such as cell " + std::to_string(worst);
 }
@@ -83,13 +93,15 @@ Remark on_interval(const std::string& interval, double seconds) {
          " s, expected a positive interval: there is an output at every step";
 }
 
-Remark on_friction(const std::string& file, const std::vector<double>& coefficients) {
+bool is_strange_friction(double coefficient) {
   constexpr double smoothest = 0.005, roughest = 1.0;  // s/m^(1/3)
-  const Outliers outside(coefficients,
-                         [](double n) { return n != 0.0 && !(n >= smoothest && n <= roughest); });
-  if (outside.count == 0) return {};
-  const double worst = coefficients[outside.worst];
-  return file + ": the Manning coefficient is " + number_text(worst) + " in " + outside.place() +
+  return coefficient != 0.0 && !(coefficient >= smoothest && coefficient <= roughest);
+}
+
+Remark on_friction(const std::string& file, const Outliers& strange) {
+  if (strange.count == 0) return {};
+  const double worst = strange.largest;
+  return file + ": the Manning coefficient is " + number_text(worst) + " in " + strange.place() +
          ", expected 0.005 to 1 s/m^(1/3), or 0" +
          (worst > 5.0   ? ": is it Strickler's, the inverse?"
           : worst < 0.0 ? ": its square counts, so the sign does not"
@@ -163,17 +175,22 @@ Remarks on_soil(const std::string& file, int id, const cases::HortonParameters& 
   return remarks;
 }
 
-Remarks on_initial_infiltration(const std::string& file, const std::vector<double>& depths) {
+bool is_infiltration_below_zero(double depth) { return depth < 0.0; }
+
+bool is_deep_infiltration(double depth) {
   constexpr double deepest = 100.0;  // m
+  return depth > deepest;
+}
+
+Remarks on_initial_infiltration(const std::string& file, const Outliers& below_zero,
+                                const Outliers& deep) {
   Remarks remarks;
-  const Outliers negative(depths, [](double F) { return F < 0.0; });
-  if (negative.count > 0) {
-    remarks.push_back(file + ": the initial infiltration is negative in " + negative.place() +
+  if (below_zero.count > 0) {
+    remarks.push_back(file + ": the initial infiltration is negative in " + below_zero.place() +
                       ", expected 0 m or more");
   }
-  const Outliers deep(depths, [](double F) { return F > deepest; });
   if (deep.count > 0) {
-    remarks.push_back(file + ": the initial infiltration is " + number_text(depths[deep.worst]) +
+    remarks.push_back(file + ": the initial infiltration is " + number_text(deep.largest) +
                       " m in " + deep.place() + ", expected at most 100 m: is it in metres?");
   }
   return remarks;

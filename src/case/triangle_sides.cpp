@@ -1,6 +1,6 @@
 #include "case/triangle_sides.hpp"
 
-#include <stdexcept>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -8,22 +8,15 @@ namespace cases {
 
 namespace {
 
-[[noreturn]] void refuse(const char* scheme, const std::string& what) {
-  throw std::runtime_error("Error. The flux scheme " + std::string(scheme) + " " + what + ".");
-}
-
 std::string cell_name(Number cell) { return "cell " + std::to_string(cell); }
 
-void require_triangle(const Mesh& mesh, Number cell, const char* scheme) {
-  const std::size_t nodes = mesh.nodes_of(cell).size();
-  if (nodes != 3) {
-    refuse(scheme, "takes triangles alone, and " + cell_name(cell) + " (counted from 0) has " +
-                       std::to_string(nodes) + " nodes");
-  }
-  if (!(mesh.geometry_of(cell).area > 0.0)) {
-    refuse(scheme, "cannot take " + cell_name(cell) + " (counted from 0), which has no area");
-  }
-}
+/// Under which numbers users know cells and edges: their own, where nothing else is said.
+struct NumbersInFiles {
+  std::span<const Number> cells = {}, edges = {};
+
+  Number cell(Number here) const { return cells.empty() ? here : cells[at(here)]; }
+  Number edge(Number here) const { return edges.empty() ? here : edges[at(here)]; }
+};
 
 /// The side of a cell between two nodes; -1 if it has none.
 int side_between(const Mesh& mesh, Number cell, Number a, Number b) {
@@ -38,11 +31,11 @@ int side_between(const Mesh& mesh, Number cell, Number a, Number b) {
 /// Puts edges at the sides of their cells.
 class SideFinder {
  public:
-  SideFinder(const Mesh& mesh, const char* scheme)
-      : mesh_(mesh), scheme_(scheme), sides_(at(mesh.n_cells())) {}
+  SideFinder(const Mesh& mesh, const char* scheme, const NumbersInFiles& numbers = {})
+      : mesh_(mesh), scheme_(scheme), numbers_(numbers), sides_(at(mesh.n_cells())) {}
 
   std::vector<TriangleSides> find() {
-    for (Number cell = 0; cell < mesh_.n_cells(); ++cell) require_triangle(mesh_, cell, scheme_);
+    for (Number cell = 0; cell < mesh_.n_cells(); ++cell) require_triangle(cell);
     auto boundary = mesh_.boundaries.begin();
     for (Number edge = 0; edge < mesh_.n_edges(); ++edge) {
       const bool is_boundary = boundary != mesh_.boundaries.end() && boundary->edge == edge;
@@ -53,6 +46,23 @@ class SideFinder {
   }
 
  private:
+  [[noreturn]] void refuse(const std::string& what, std::int64_t place) const {
+    throw SideRefusal("Error. The flux scheme " + std::string(scheme_) + " " + what + ".", place);
+  }
+
+  void require_triangle(Number cell) const {
+    const Number number = numbers_.cell(cell);
+    const std::size_t nodes = mesh_.nodes_of(cell).size();
+    if (nodes != 3) {
+      refuse("takes triangles alone, and " + cell_name(number) + " (counted from 0) has " +
+                 std::to_string(nodes) + " nodes",
+             number);
+    }
+    if (!(mesh_.geometry_of(cell).area > 0.0)) {
+      refuse("cannot take " + cell_name(number) + " (counted from 0), which has no area", number);
+    }
+  }
+
   void add(Number edge, bool is_boundary) {
     const Number left = mesh_.left[at(edge)], right = mesh_.right[at(edge)];
     const int l = place(edge, left);
@@ -64,16 +74,23 @@ class SideFinder {
     sides_[at(right)][at(r)].neighbour_side = l;
   }
 
+  /// Edges are looked at behind all cells, first with their left cells.
+  [[noreturn]] void refuse_edge(Number edge, Number cell, const std::string& why) const {
+    constexpr std::int64_t behind_all_cells = std::int64_t{1} << 32;
+    const Number number = numbers_.edge(edge);
+    const int side = mesh_.left[at(edge)] == cell ? 0 : 1;
+    refuse("cannot take edge " + std::to_string(number) + " and " + cell_name(numbers_.cell(cell)) +
+               " (counted from 0): " + why,
+           behind_all_cells + 2 * std::int64_t{number} + side);
+  }
+
   int place(Number edge, Number cell) {
     const int k = side_between(mesh_, cell, mesh_.node1[at(edge)], mesh_.node2[at(edge)]);
-    const std::string both = "edge " + std::to_string(edge) + " and " + cell_name(cell);
-    if (k < 0) {
-      refuse(scheme_, "cannot take " + both + " (counted from 0): the edge is no side of the cell");
-    }
+    if (k < 0) refuse_edge(edge, cell, "the edge is no side of the cell");
     TriangleSide& side = sides_[at(cell)][at(k)];
     if (side.edge >= 0) {
-      refuse(scheme_, "cannot take " + both + " (counted from 0): edge " +
-                          std::to_string(side.edge) + " lies at the same side");
+      const Number other = numbers_.edge(side.edge);
+      refuse_edge(edge, cell, "edge " + std::to_string(other) + " lies at the same side");
     }
     side.edge = edge;
     return k;
@@ -81,6 +98,7 @@ class SideFinder {
 
   const Mesh& mesh_;
   const char* scheme_;
+  NumbersInFiles numbers_;
   std::vector<TriangleSides> sides_;
 };
 
@@ -102,6 +120,10 @@ int side_at_edge(const TriangleSides& sides, Number edge) {
 
 std::vector<TriangleSides> sides_of_triangles(const Mesh& mesh, const char* scheme) {
   return SideFinder(mesh, scheme).find();
+}
+
+void require_triangles(const Part& part, const char* scheme) {
+  SideFinder(part.contents.mesh, scheme, {part.cell_number, part.edge_number}).find();
 }
 
 }  // namespace cases

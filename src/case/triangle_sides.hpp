@@ -3,9 +3,12 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
-#include "case/Mesh.hpp"
+#include "case/Part.hpp"
 
 namespace cases {
 
@@ -24,9 +27,25 @@ int side_at_edge(const TriangleSides& sides, Number edge);
 /// The nodes of a triangle, counter-clockwise from its first.
 std::array<Number, 3> nodes_counter_clockwise(const Mesh& mesh, Number cell);
 
-/// The sides of all cells. Throws std::runtime_error where a cell is no triangle or has no area,
+/// What a scheme cannot take, and where it stands in the order in which that is looked for, from 0
+/// on.
+class SideRefusal : public std::runtime_error {
+ public:
+  SideRefusal(const std::string& what, std::int64_t place)
+      : std::runtime_error(what), place_(place) {}
+  std::int64_t place() const { return place_; }
+
+ private:
+  std::int64_t place_;
+};
+
+/// The sides of all cells. Throws SideRefusal where a cell is no triangle or has no area,
 /// where an edge is no side of its cells, and where two edges lie at one side; `scheme` names what
 /// asks for triangles.
 std::vector<TriangleSides> sides_of_triangles(const Mesh& mesh, const char* scheme);
+
+/// Throws a SideRefusal in words and numbers of the whole mesh, where something is wrong with the
+/// own cells of a part. Of those of all parts it is the first that sides_of_triangles() meets.
+void require_triangles(const Part& part, const char* scheme);
 
 }  // namespace cases

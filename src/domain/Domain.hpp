@@ -71,6 +71,10 @@ class Domain {
  private:
   // Set-up.
   cases::ReadCase read_case(const std::string& data_file);
+  /// Whether no rank needs more of the case than its share.
+  bool can_share_case() const;
+  /// Reads the case once more, all of it on this rank, as this is what the run needs.
+  void fetch_mesh();
   void set_outputs();
   void set_gauges();
   void set_pictures();
@@ -144,7 +148,10 @@ class Domain {
   cases::EndAtFirstError diagnostics_;
   /// Where the run goes on, until it does; null: it begins at its start.
   std::unique_ptr<checkpoint::Loaded> restart_;
-  const cases::ReadCase read_;
+  std::string data_file_;
+  /// The case as ranks have read it together; null: this rank has all of it.
+  std::unique_ptr<fields::SharedCase> shared_;
+  cases::ReadCase read_;
   const cases::Case& case_ = read_.contents;
   const cases::DataFile& data_ = read_.data;
   std::vector<checkpoint::Input> inputs_;  ///< of a run with checkpoints, or that goes on

@@ -11,7 +11,11 @@
 #include "utils/stop.hpp"
 
 Domain::Domain(const std::string& data_file, const RunSettings& settings)
-    : settings_(settings), restart_(load_checkpoint(settings)), read_(read_case(data_file)) {
+    : settings_(settings),
+      restart_(load_checkpoint(settings)),
+      data_file_(data_file),
+      read_(read_case(data_file)) {
+  if (shared_ && data_.results) fetch_mesh();
   if (settings.checkpoints != nullptr) {
     keeper_ = std::make_unique<checkpoint::CheckpointKeeper>(*settings.checkpoints);
   }
@@ -19,7 +23,7 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
     inputs_ = checkpoint::inputs_of(case_, cases::input_sums_of(case_), settings.version);
   }
   if (is_restarted()) require_same_inputs();
-  ground_ = std::make_unique<fields::WholeGround>(case_);
+  ground_ = shared_ ? shared_->ground() : std::make_unique<fields::WholeGround>(case_);
   set_outputs();
   if (is_restarted()) require_same_results();
   set_other_parameters();
@@ -36,7 +40,29 @@ cases::ReadCase Domain::read_case(const std::string& data_file) {
       settings_.report->take_data_file(uses, contents.t_start, contents.t_end);
     };
   }
-  return cases::read_case(data_file, listeners, diagnostics_);
+  if (!can_share_case()) return cases::read_case(data_file, listeners, diagnostics_);
+  shared_ = std::make_unique<fields::SharedCase>(*settings_.flow.ranks.group, data_file, listeners,
+                                                 diagnostics_);
+  return shared_->take_case();
+}
+
+// What needs the whole case until it can do with shares: checkpoints, results in NetCDF and the
+// objects.
+bool Domain::can_share_case() const {
+  const fields::RanksRequest& ranks = settings_.flow.ranks;
+  const bool has_ranks = ranks.group != nullptr && ranks.group->size() > 1 && ranks.can_read_files;
+  return has_ranks && settings_.flow.path != "objects" && settings_.checkpoints == nullptr &&
+         !is_restarted();
+}
+
+void Domain::fetch_mesh() {
+  std::ostream nowhere(nullptr);
+  utils::Console console(nowhere);
+  cases::WithoutWarnings silent;
+  cases::Case whole = cases::read_case(data_file_, {nowhere, console}, silent).contents;
+  read_.contents.mesh = std::move(whole.mesh);
+  read_.contents.fields = std::move(whole.fields);
+  shared_.reset();
 }
 
 void Domain::set_outputs() {
@@ -129,7 +155,10 @@ void Domain::set_sections() {
 void Domain::set_other_parameters() {
   std::ostream& log = settings_.log;
   log << "Other parameters:\n";
-  flow_ = fields::make_flow(case_, diagnostics_, settings_.flow);
+  fields::FlowRequest request = settings_.flow;
+  request.ranks.shared = shared_.get();
+  if (shared_) request.fetch_mesh = [this] { fetch_mesh(); };
+  flow_ = fields::make_flow(case_, diagnostics_, request);
   ground_ = flow_->ground(case_);
   if (data_.maxima) flow_->keep_maxima(data_.maxima->arrival_depth);
   if (settings_.flow.asks_for_card()) {
@@ -153,7 +182,9 @@ void Domain::warn_of_implausible_input() {
   if (monitor_section) {
     check_interval(*data_.discharges + ": the recording interval", monitor_section->interval());
   }
-  cases::warn_of_implausible_fields(case_, data_, read_.area_loss, diagnostics_);
+  cases::warn_of_implausible_fields(
+      shared_ ? shared_->implausible() : cases::implausible_fields(case_), case_, data_,
+      read_.area_loss, diagnostics_);
 }
 
 cases::Number Domain::CellWithPoint(double x, double y) const {

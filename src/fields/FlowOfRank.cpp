@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <stdexcept>
 #include <utility>
 
 #include "fields/moving_cells.hpp"
 #include "fields/parts_of_states.hpp"
+#include "ranks/Blocks.hpp"
 #include "ranks/share_anew.hpp"
 #include "ranks/values.hpp"
 
@@ -55,9 +57,10 @@ class FlowOfRank::OwnPart final : public FlowPart {
 };
 
 FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group)
-    : group_(group), part_(std::move(share.part)), whole_(group) {
+    : group_(group),
+      part_(std::move(share.part)),
+      whole_(group, [this] { return numbers_of_own(); }) {
   list_own_boundaries();
-  whole_.gather_numbers(numbers_of_own());
   exchange_ = group.exchange(std::move(share.halos));
   start_ = start_engine(plan);
   agree_on_start();
@@ -181,7 +184,8 @@ Seen FlowOfRank::see(const Look& look) {
 }
 
 void FlowOfRank::save_looks(std::vector<double>& infiltrated) {
-  if (is_first()) infiltrated.resize(whole_.number_of_cells());
+  whole_.learn();
+  if (is_first()) infiltrated.resize(whole_.number_of(Over::cells));
   whole_.gather(looks().infiltrated(), infiltrated);
 }
 
@@ -210,13 +214,15 @@ void FlowOfRank::read(Field field, std::span<double> values) {
 }
 
 void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<double> values) {
-  std::vector<Number> own;
-  for (const Number cell : cells) {
-    if (owns(cell)) own.push_back(part_.own_cell(cell));
+  std::vector<Number> own, places;
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    if (!owns(cells[i])) continue;
+    own.push_back(part_.own_cell(cells[i]));
+    places.push_back(static_cast<Number>(i));
   }
   own_values_.resize(own.size());
   fields_->read(field, own, own_values_);
-  whole_.gather_some(cells, own_values_, values);
+  whole_.gather_some(places, own_values_, values);
 }
 
 std::vector<double> FlowOfRank::seconds_of_ranks() {
@@ -255,12 +261,12 @@ std::vector<int> FlowOfRank::owners_by(const ranks::CutCurve& cuts) {
 }
 
 CellState FlowOfRank::state(Number cell) {
-  CellState state;
-  if (owns(cell)) state = fields_->state(part_.own_cell(cell));
-  const auto bytes = std::as_writable_bytes(std::span(&state, 1));
-  if (is_first() && !owns(cell)) group_.receive(bytes, whole_.owner_of(cell));
-  if (!is_first() && owns(cell)) group_.send(bytes, 0);
-  return state;
+  const bool is_own = owns(cell);
+  if (is_first() && is_own) return fields_->state(part_.own_cell(cell));
+  std::map<int, CellState> sent;
+  if (is_own) sent[0] = fields_->state(part_.own_cell(cell));
+  const auto received = ranks::exchange_values(group_, std::move(sent));
+  return received.empty() ? CellState{} : received.front().second;
 }
 
 void FlowOfRank::read_inflows(std::vector<BoundaryInflow>& inflows) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <numeric>
 #include <utility>
 
 #include "case/PointLocator.hpp"
@@ -32,7 +33,15 @@ physics::SpacePoint node_of(const cases::Mesh& mesh, Number node) {
   return {mesh.x[at(node)], mesh.y[at(node)], mesh.z[at(node)]};
 }
 
-GroundEdge edge_of(const cases::Mesh& mesh, Number edge) {
+template <class Item>
+const Item& with_number(const std::vector<Item>& items, Number number) {
+  return *std::lower_bound(items.begin(), items.end(), number,
+                           [](const Item& item, Number wanted) { return item.number < wanted; });
+}
+
+}  // namespace
+
+GroundEdge ground_edge(const cases::Mesh& mesh, Number edge) {
   GroundEdge result = {edge,
                        mesh.left[at(edge)],
                        mesh.right[at(edge)],
@@ -41,11 +50,12 @@ GroundEdge edge_of(const cases::Mesh& mesh, Number edge) {
                        {}};
   if (const cases::Boundary* const condition = mesh.boundary_on(edge)) {
     result.condition = *condition;
+    result.condition->edge = -1;
   }
   return result;
 }
 
-GroundCell cell_of(const cases::Case& contents, Number cell) {
+GroundCell ground_cell(const cases::Case& contents, Number cell) {
   GroundCell result;
   result.number = cell;
   for (const Number number : contents.mesh.nodes_of(cell)) {
@@ -60,22 +70,24 @@ GroundCell cell_of(const cases::Case& contents, Number cell) {
   return result;
 }
 
-}  // namespace
-
-const GroundCell& Surroundings::cell(Number number) const {
-  return *std::lower_bound(
-      cells.begin(), cells.end(), number,
-      [](const GroundCell& cell, Number wanted) { return cell.number < wanted; });
+cases::CellGeometry GroundCell::geometry() const {
+  cases::Mesh mesh;
+  mesh.x = x;
+  mesh.y = y;
+  mesh.z = z;
+  std::vector<Number> nodes(x.size());
+  std::iota(nodes.begin(), nodes.end(), 0);
+  mesh.add_cell(nodes);
+  return mesh.geometry_of(0);
 }
+
+const GroundEdge& Surroundings::edge(Number number) const { return with_number(edges, number); }
+
+const GroundCell& Surroundings::cell(Number number) const { return with_number(cells, number); }
 
 void Surroundings::add(Surroundings other) {
   unite(edges, std::move(other.edges));
   unite(cells, std::move(other.cells));
-}
-
-MeshCounts WholeGround::counts() const {
-  const cases::Mesh& mesh = case_.mesh;
-  return {mesh.n_nodes(), mesh.n_cells(), mesh.n_edges()};
 }
 
 cases::CellGeometry WholeGround::geometry_of(Number cell) const {
@@ -84,7 +96,7 @@ cases::CellGeometry WholeGround::geometry_of(Number cell) const {
 
 std::vector<GroundEdge> WholeGround::edges(std::span<const Number> numbers) const {
   std::vector<GroundEdge> edges;
-  for (const Number number : numbers) edges.push_back(edge_of(case_.mesh, number));
+  for (const Number number : numbers) edges.push_back(ground_edge(case_.mesh, number));
   return edges;
 }
 
@@ -105,13 +117,13 @@ Surroundings WholeGround::around(std::span<const Number> cells) const {
   for (Number edge = 0; edge < mesh.n_edges(); ++edge) {
     const Number left = mesh.left[at(edge)], right = mesh.right[at(edge)];
     if (!is_asked_for(left) && !is_asked_for(right)) continue;
-    result.edges.push_back(edge_of(mesh, edge));
+    result.edges.push_back(ground_edge(mesh, edge));
     at_sides.push_back(left);
     if (right >= 0) at_sides.push_back(right);
   }
   std::sort(at_sides.begin(), at_sides.end());
   at_sides.erase(std::unique(at_sides.begin(), at_sides.end()), at_sides.end());
-  for (const Number cell : at_sides) result.cells.push_back(cell_of(case_, cell));
+  for (const Number cell : at_sides) result.cells.push_back(ground_cell(case_, cell));
   return result;
 }
 

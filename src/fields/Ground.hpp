@@ -10,9 +10,7 @@
 
 namespace fields {
 
-struct MeshCounts {
-  cases::Number nodes = 0, cells = 0, edges = 0;
-};
+using cases::MeshCounts;
 
 /// An edge with its ends and its boundary condition, which names no edge; none on an interior one.
 struct GroundEdge {
@@ -40,6 +38,8 @@ struct GroundCell {
   std::optional<double> bed = {};  ///< of cases::CellFields, m
   double manning = 0.0;            ///< s/m^(1/3)
 
+  cases::CellGeometry geometry() const;
+
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.number, self.x, self.y, self.z, self.bed, self.manning);
@@ -51,6 +51,7 @@ struct Surroundings {
   std::vector<GroundEdge> edges;
   std::vector<GroundCell> cells;
 
+  const GroundEdge& edge(cases::Number number) const;
   const GroundCell& cell(cases::Number number) const;
   /// Takes in what another part of the mesh has; what both have comes once.
   void add(Surroundings other);
@@ -60,6 +61,10 @@ struct Surroundings {
     visit(self.edges, self.cells);
   }
 };
+
+/// An edge or cell of a case under its number there.
+GroundEdge ground_edge(const cases::Mesh& mesh, cases::Number edge);
+GroundCell ground_cell(const cases::Case& contents, cases::Number cell);
 
 /// Cells, edges and nodes have their numbers in the files. To be asked while the flow takes
 /// questions.
@@ -84,7 +89,7 @@ class WholeGround final : public Ground {
   /// The case must outlive it.
   explicit WholeGround(const cases::Case& contents) : case_(contents) {}
 
-  MeshCounts counts() const override;
+  MeshCounts counts() const override { return case_.mesh.counts(); }
   cases::CellGeometry geometry_of(cases::Number cell) const override;
   std::vector<GroundEdge> edges(std::span<const cases::Number> numbers) const override;
   std::vector<cases::Number> cells_at(std::span<const physics::PlanPoint> points) const override;

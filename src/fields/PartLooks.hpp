@@ -7,6 +7,7 @@
 #include "case/Case.hpp"
 #include "fields/Flow.hpp"
 #include "fields/looks.hpp"
+#include "utils/bytes.hpp"
 
 namespace fields {
 
@@ -88,6 +89,7 @@ class WholeLooks final : public Looks {
   void add_step(double dt) override { looks_.add_step(dt); }
   void save(std::vector<double>& infiltrated) const override { infiltrated = looks_.infiltrated(); }
   void load(const std::vector<double>& infiltrated) override {
+    if (infiltrated.size() != looks_.infiltrated().size()) throw utils::BadBytes();
     looks_.set_infiltrated(infiltrated);
   }
 

@@ -20,11 +20,6 @@ using cases::Number;
 
 namespace {
 
-/// Looks at the whole case: ranks that look at their parts would each find a fault of their own.
-void require_scheme_takes(const cases::Case& contents) {
-  if (cases::is_hll(contents.scheme)) cases::sides_for_hll(contents);
-}
-
 /// Deals out the parts of a case, one after the other; answers that of rank 0.
 ranks::Share deal_shares(const cases::Case& contents, const std::vector<ranks::Cells>& cells,
                          ranks::Group& group) {
@@ -43,20 +38,14 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
                      const RanksRequest& request, int most_threads,
                      const engine::Processor& processor)
     : case_(contents),
+      counts_(request.shared != nullptr ? request.shared->counts() : contents.mesh.counts()),
       diagnostics_(diagnostics),
       on_stop_(request.on_stop),
       largest_text_(request.largest_text),
       are_balanced_(request.are_balanced),
       plan_{1, processor} {
-  require_scheme_takes(contents);
-  const std::vector<ranks::Cells> cells = request.cut(contents.mesh, request.group->size());
-  const auto members = static_cast<int>(cells.size());
-  plan_.threads = engine::threads_for(contents.mesh.n_cells() / members, most_threads);
-  Call call{members, 0};
-  ranks::broadcast_plain(*request.group, call);
-  group_ = request.group->first(members);
-  ranks::broadcast_out(*group_, plan_);
-  ranks::Share share = deal_shares(contents, cells, *group_);
+  ranks::Share share = request.shared != nullptr ? share_of_shared(request, most_threads)
+                                                 : share_of_whole(request, most_threads);
   const double begun = engine::seconds_of_thread();
   part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_);
   // To share the cells out again will take as long, for all that is known.
@@ -72,6 +61,30 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
       break;
   }
   warn_of_missing_threads(start.threads, plan_.threads, diagnostics);
+}
+
+void RanksFlow::call_members(const RanksRequest& request, Call::Kind kind, int members,
+                             int most_threads) {
+  plan_.threads = engine::threads_for(counts_.cells / members, most_threads);
+  call(*request.group, {kind, members});
+  group_ = request.group->first(members);
+  ranks::broadcast_out(*group_, plan_);
+}
+
+ranks::Share RanksFlow::share_of_whole(const RanksRequest& request, int most_threads) {
+  if (cases::is_hll(case_.scheme)) cases::sides_for_hll(case_);
+  const std::vector<ranks::Cells> cells = request.cut(case_.mesh, request.group->size());
+  call_members(request, Call::Kind::flow, static_cast<int>(cells.size()), most_threads);
+  return deal_shares(case_, cells, *group_);
+}
+
+ranks::Share RanksFlow::share_of_shared(const RanksRequest& request, int most_threads) {
+  if (cases::is_hll(case_.scheme)) cases::require_rain_that_falls(case_);
+  const int members = std::min(request.group->size(), counts_.cells);
+  call_members(request, Call::Kind::flow_of_shares, members, most_threads);
+  ranks::Share share = request.shared->take_share();
+  require_scheme_takes(*group_, share.part);
+  return share;
 }
 
 RanksFlow::~RanksFlow() {
@@ -207,11 +220,13 @@ class RanksFlow::LooksOfRanks final : public Looks {
   Seen see(const Look& look) override { return flow_.see(look); }
   void add_step(double) override {}  // every rank has done it, as it advanced
   void save(std::vector<double>& infiltrated) const override {
-    if (flow_.case_.fields.soil.empty()) return infiltrated.clear();
+    if (!flow_.has_soils()) return infiltrated.clear();
     tell(flow_.waiting_ranks(), {Task::save_looks});
     flow_.part_->save_looks(infiltrated);
   }
   void load(const std::vector<double>& infiltrated) override {
+    const std::size_t expected = flow_.has_soils() ? at(flow_.counts_.cells) : 0;
+    if (infiltrated.size() != expected) throw utils::BadBytes();
     if (infiltrated.empty()) return;
     tell(flow_.waiting_ranks(), {Task::load_looks});
     flow_.part_->load_looks(infiltrated);
@@ -220,6 +235,13 @@ class RanksFlow::LooksOfRanks final : public Looks {
  private:
   const RanksFlow& flow_;
 };
+
+std::unique_ptr<Ground> RanksFlow::ground(const cases::Case&) const {
+  return std::make_unique<RanksGround>(counts_, [this](GroundQuestion question) {
+    tell(waiting_ranks(), {Task::ground});
+    return answer_together(*group_, part_->part(), std::move(question));
+  });
+}
 
 std::unique_ptr<Looks> RanksFlow::looks(const cases::Case&) const {
   return std::make_unique<LooksOfRanks>(*this);

@@ -11,6 +11,8 @@
 #include "case/Diagnostics.hpp"
 #include "fields/FlowOfRank.hpp"
 #include "fields/RowsOfRank.hpp"
+#include "fields/SharedCase.hpp"
+#include "fields/orders.hpp"
 #include "ranks/Balance.hpp"
 #include "ranks/cut_along_curve.hpp"
 
@@ -19,6 +21,10 @@ namespace fields {
 /// The ranks that share a flow.
 struct RanksRequest {
   ranks::Group* group = nullptr;  ///< this is rank 0 of it; null: there is one rank
+  /// The case as the ranks have read it together; null: rank 0 has all of it and deals it out.
+  SharedCase* shared = nullptr;
+  /// Whether all ranks find the files of a case under the names that this one has for them.
+  bool can_read_files = false;
   /// The cells of every rank.
   std::function<std::vector<ranks::Cells>(const cases::Mesh& mesh, int ranks)> cut =
       ranks::cut_along_curve;
@@ -34,7 +40,8 @@ struct RanksRequest {
 /// What is asked of it while it takes no questions throws std::logic_error.
 class RanksFlow : public Flow {
  public:
-  /// On rank 0, while the others serve; more ranks than cells take no part. Case, diagnostics and
+  /// On rank 0, while the others serve; more ranks than cells take no part. Of a shared case
+  /// `contents` needs no mesh and no fields. Case, diagnostics and
   /// group must outlive it. Throws as TablesFlow does, and std::runtime_error where a rank cannot
   /// start. `most_threads` of each rank, as in FlowRequest.
   RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
@@ -61,6 +68,7 @@ class RanksFlow : public Flow {
             std::span<double> values) const override;
   CellState state(cases::Number cell) const override;
   FlowSurvey survey() const override;
+  std::unique_ptr<Ground> ground(const cases::Case& contents) const override;
   std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
   std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const override;
   ExecutionPath execution_path() const override;
@@ -82,6 +90,14 @@ class RanksFlow : public Flow {
   class LooksOfRanks;
   class RowsOfRanks;
   Seen see(Look look) const;
+  /// Of all cells, or of none: so that those of rank 0 tell.
+  bool has_soils() const { return !part_->contents().fields.soil.empty(); }
+
+  /// Lets the first ranks make a flow.
+  void call_members(const RanksRequest& request, Call::Kind kind, int members, int most_threads);
+  // After that: the share of rank 0, of a case that it deals out or that all have read.
+  ranks::Share share_of_whole(const RanksRequest& request, int most_threads);
+  ranks::Share share_of_shared(const RanksRequest& request, int most_threads);
 
   /// The ranks, who wait for an order.
   ranks::Group& waiting_ranks() const;
@@ -97,6 +113,7 @@ class RanksFlow : public Flow {
   };
 
   const cases::Case& case_;
+  MeshCounts counts_;
   cases::Diagnostics& diagnostics_;
   std::function<void()> on_stop_;
   std::size_t largest_text_;

@@ -2,33 +2,34 @@
 // hands them out.
 #pragma once
 
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
-#include "case/Mesh.hpp"
 #include "fields/parts_of_states.hpp"
 #include "ranks/share_of.hpp"
 #include "ranks/values.hpp"
 
 namespace fields {
 
-/// Rank 0 knows which cells and boundaries every rank has; on the others nothing of all is looked
-/// at or filled. What gathers and hands out is called on all ranks.
+/// Every function is called on all ranks; nothing of all is looked at or filled but on rank 0. Once
+/// the first values of all are wanted, rank 0 knows which cells and boundaries every rank has.
 class WholeOnFirst {
  public:
-  /// The group must outlive it.
-  explicit WholeOnFirst(ranks::Group& group) : group_(group) {}
+  /// `own_numbers` answers the numbers of the cells and boundaries of this rank. The group must
+  /// outlive it.
+  WholeOnFirst(ranks::Group& group, std::function<Entries()> own_numbers)
+      : group_(group), own_numbers_(std::move(own_numbers)) {}
 
-  /// Gathers which cells and boundaries of the whole case (ascending) every rank has.
-  void gather_numbers(const Entries& own);
-  int owner_of(cases::Number cell) const { return owners_[cases::at(cell)]; }
-  std::size_t number_of_cells() const { return owners_.size(); }
+  /// Rank 0 hears which cells and boundaries every rank has, and knows what follows.
+  void learn();
+  std::size_t number_of(Over over) const;
 
   /// Values of own cells, put into those of all.
   void gather(std::span<const double> own, std::span<double> all);
-  /// Values of those of some cells that are own ones, put into those of all of them. Ranks without
-  /// any have no part in it.
-  void gather_some(std::span<const cases::Number> cells, std::span<const double> own,
+  /// The same of some cells: own ones, at these places among them.
+  void gather_some(const std::vector<cases::Number>& places, const std::vector<double>& own,
                    std::span<double> values);
   void hand_out(std::span<const double> all, std::span<double> own);
   /// What own boundaries have.
@@ -42,18 +43,18 @@ class WholeOnFirst {
 
  private:
   bool is_first() const { return group_.rank() == 0; }
-  std::size_t number_of_boundaries() const;
-
   ranks::Group& group_;
-  std::vector<Entries> of_ranks_;  ///< what every rank has; on rank 0
-  std::vector<int> owners_;        ///< of the cells; on rank 0
+  std::function<Entries()> own_numbers_;
+  bool is_learned_ = false;
+  std::vector<Entries> of_ranks_;  ///< on rank 0
   std::vector<double> received_;   ///< kept for its memory
 };
 
 template <class Value>
 void WholeOnFirst::gather_over_boundaries(std::vector<Value> own, std::vector<Value>& all) {
+  learn();
   if (!is_first()) return group_.send(std::as_bytes(std::span(own)), 0);
-  all.resize(number_of_boundaries());
+  all.resize(number_of(Over::boundaries));
   for (int rank = 0; rank < group_.size(); ++rank) {
     const std::vector<cases::Number>& numbers = of_ranks_[cases::at(rank)].boundaries;
     own.resize(numbers.size());
@@ -64,16 +65,19 @@ void WholeOnFirst::gather_over_boundaries(std::vector<Value> own, std::vector<Va
 
 template <class Value>
 void WholeOnFirst::gather_parts(const Value& own, Value& all) {
+  learn();
   if (!is_first()) return ranks::send_value(group_, own, 0);
   take_the_rest(all, own);
   for (int rank = 0; rank < group_.size(); ++rank) {
     const Value part = rank == 0 ? own : ranks::receive_value<Value>(group_, rank);
-    put_part(part, of_ranks_[cases::at(rank)], number_of_cells(), number_of_boundaries(), all);
+    put_part(part, of_ranks_[cases::at(rank)], number_of(Over::cells), number_of(Over::boundaries),
+             all);
   }
 }
 
 template <class Value>
 Value WholeOnFirst::own_part_of(const Value& all) {
+  learn();
   if (!is_first()) return ranks::receive_value<Value>(group_, 0);
   for (int rank = 1; rank < group_.size(); ++rank) {
     ranks::send_value(group_, part_of(all, of_ranks_[cases::at(rank)]), rank);

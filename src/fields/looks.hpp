@@ -155,6 +155,7 @@ class Looks {
   /// The infiltrated depths at the last look at the water, with which the next one goes on: of all
   /// cells, or none without soils.
   virtual void save(std::vector<double>& infiltrated) const = 0;
+  /// Throws utils::BadBytes where these are not as many.
   virtual void load(const std::vector<double>& infiltrated) = 0;
 
   WaterSeen water() { return std::get<WaterSeen>(see({Look::Kind::water})); }

@@ -21,7 +21,8 @@ std::unique_ptr<Flow> make_walk(const cases::Case& contents) {
 
 bool has_several_ranks(const cases::Case& contents, const FlowRequest& request) {
   const ranks::Group* const group = request.ranks.group;
-  return group != nullptr && group->size() > 1 && contents.mesh.n_cells() > 1;
+  const bool is_shared = request.ranks.shared != nullptr;
+  return group != nullptr && group->size() > 1 && (is_shared || contents.mesh.n_cells() > 1);
 }
 
 engine::Processor processor_for(const FlowRequest& request) {
@@ -64,7 +65,10 @@ std::unique_ptr<Flow> make_flow(const cases::Case& contents, cases::Diagnostics&
     }
     return make_tables_flow(contents, diagnostics, request);
   } catch (const std::length_error&) {  // more edges of a cell than the tables can number
-    if (path.empty()) return make_walk(contents);
+    if (path.empty()) {
+      if (request.fetch_mesh) request.fetch_mesh();
+      return make_walk(contents);
+    }
     throw std::runtime_error("Error. QUILLMERE_ENGINE asks for " +
                              std::string(path == "device" ? "a device" : "tables") +
                              ", but the model holds what they do not know.");

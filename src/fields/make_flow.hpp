@@ -1,6 +1,7 @@
 // The choice of what a run steps on.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,8 @@ struct FlowRequest {
   /// Whether the steps are to run on a graphics card.
   bool asks_for_card() const { return path == "device" && (device.empty() || device == "card"); }
   RanksRequest ranks = {};  ///< of the tables; the objects run on one rank, and the others wait
+  /// Gets the mesh and the fields of a shared case for the objects, which need all of them.
+  std::function<void()> fetch_mesh = {};
 };
 
 /// The flow of a case, which must outlive it, at its start. On objects there can be one flow in a

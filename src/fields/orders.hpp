@@ -10,11 +10,20 @@
 
 namespace fields {
 
-/// What rank 0 calls all ranks for: a flow that the first of them make, or the end.
+/// What rank 0 calls all ranks for.
 struct Call {
-  int members = 0;  ///< of a flow; 0: the end
-  int number = 0;   ///< of the end
+  enum class Kind {
+    read,            ///< they read a case together
+    ground,          ///< they tell of what they have read
+    flow_of_shares,  ///< the first of them make a flow of that
+    flow,            ///< the first of them make a flow, of what rank 0 deals out
+    end
+  };
+  Kind kind;
+  int number = 0;  ///< of the members of a flow, or that of the end
 };
+
+inline void call(ranks::Group& group, Call what) { ranks::broadcast_plain(group, what); }
 
 enum class Task {
   stable_step,
@@ -39,6 +48,7 @@ enum class Task {
   load_looks,
   gather_rows,
   pass_rows,
+  ground,
   end
 };
 

@@ -1,13 +1,16 @@
 #include "fields/serve.hpp"
 
 #include <memory>
+#include <optional>
 #include <span>
 #include <utility>
 #include <vector>
 
 #include "fields/FlowOfRank.hpp"
 #include "fields/RowsOfRank.hpp"
+#include "fields/SharedCase.hpp"
 #include "fields/orders.hpp"
+#include "utils/stop.hpp"
 
 namespace fields {
 
@@ -131,37 +134,66 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
       case Task::pass_rows:
         rows.pass(order.number, order.rank, order.bytes);
         break;
+      case Task::ground:
+        answer_together(group, part.part());
+        break;
       case Task::end:
         return;
     }
   }
 }
 
-/// Takes part in the next flow.
-void serve_next_flow(ranks::Group& group, const std::function<bool()>& is_interrupted) {
+/// Takes part in the next flow, with the share of the case that this rank has read, or with what
+/// rank 0 deals out.
+void serve_next_flow(ranks::Group& group, std::optional<ranks::Share> read,
+                     const std::function<bool()>& is_interrupted) {
   RanksPlan plan;
   ranks::broadcast_in(group, plan);
-  auto part =
-      std::make_unique<FlowOfRank>(ranks::receive_value<ranks::Share>(group, 0), plan, group);
+  if (read) require_scheme_takes(group, read->part);
+  ranks::Share share = read ? std::move(*read) : ranks::receive_value<ranks::Share>(group, 0);
+  auto part = std::make_unique<FlowOfRank>(std::move(share), plan, group);
   if (part->start().outcome != RankStart::Outcome::good) return;
   serve_flow(std::move(part), plan, group, is_interrupted);
+}
+
+/// The same if this rank is one of the first.
+void join_next_flow(ranks::Group& group, int members, std::optional<ranks::Share> read,
+                    const std::function<bool()>& is_interrupted) {
+  const auto group_of_flow = group.first(members);
+  if (!group_of_flow) return;
+  try {
+    serve_next_flow(*group_of_flow, std::move(read), is_interrupted);
+  } catch (const utils::FatalError&) {  // of all ranks; rank 0 tells it
+  }
 }
 
 }  // namespace
 
 int serve(ranks::Group& group, const std::function<bool()>& is_interrupted) {
+  std::optional<ranks::Share> read;
   while (true) {
-    Call call;
+    Call call{};
     ranks::broadcast_plain(group, call);
-    if (call.members == 0) return call.number;
-    const auto members = group.first(call.members);
-    if (members) serve_next_flow(*members, is_interrupted);
+    switch (call.kind) {
+      case Call::Kind::read:
+        read = read_own_share(group);
+        break;
+      case Call::Kind::ground:
+        answer_together(group, read->part);
+        break;
+      case Call::Kind::flow_of_shares:
+        join_next_flow(group, call.number, std::exchange(read, {}), is_interrupted);
+        break;
+      case Call::Kind::flow:
+        read.reset();
+        join_next_flow(group, call.number, {}, is_interrupted);
+        break;
+      case Call::Kind::end:
+        return call.number;
+    }
   }
 }
 
-void end_service(ranks::Group& group, int number) {
-  Call call{0, number};
-  ranks::broadcast_plain(group, call);
-}
+void end_service(ranks::Group& group, int number) { call(group, {Call::Kind::end, number}); }
 
 }  // namespace fields

@@ -47,7 +47,8 @@ void Simulation::Run::begin(const cases::DataFile& data, const AreaLoss& area_lo
   request.most_threads = options.threads;
   flow_ = fields::make_tables_flow(case_, warnings_, request);
   cases::warn_of_implausible_parameters(case_, warnings_);
-  cases::warn_of_implausible_fields(case_, data, area_loss, warnings_);
+  cases::warn_of_implausible_fields(cases::implausible_fields(case_), case_, data, area_loss,
+                                    warnings_);
   clock_ = fields::clock_at_start(case_, *flow_);
 }
 

@@ -3,6 +3,7 @@
 #include <cctype>
 #include <csignal>
 #include <ctime>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <limits>
@@ -11,6 +12,7 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "case/data_file_schema.hpp"
@@ -107,10 +109,17 @@ std::string device_of(const utils::InputParser& parser) {
   return name;
 }
 
+/// Whether several processes can read these files, each a piece of its own: pipes they cannot.
+bool can_be_shared(const std::vector<std::string>& inputs) {
+  return std::all_of(inputs.begin(), inputs.end(), [](const std::string& name) {
+    std::error_code ignored;
+    return !std::filesystem::exists(name, ignored) ||
+           std::filesystem::is_regular_file(name, ignored);
+  });
+}
+
 /// Ends the run, before it opens any result, if one would destroy an input or another result.
-void refuse_results_that_destroy(const std::string& data_file, const std::string& report,
-                                 const std::string& checkpoint) {
-  cases::PlannedFiles files = cases::plan_files(data_file, report);
+void refuse_results_that_destroy(cases::PlannedFiles files, const std::string& checkpoint) {
   if (!checkpoint.empty()) {
     for (const std::string& name : checkpoint::files_of(checkpoint)) {
       files.results.push_back({"the checkpoint", name, false});
@@ -136,6 +145,7 @@ struct Program {
   std::string device = {};  ///< of the options
   std::optional<Domain> domain = {};
   ranks::Group* group = nullptr;     ///< of the ranks that share the run; null: there is one
+  bool can_share_files = false;      ///< of the case, among ranks
   bool other_rank_is_ended = false;  ///< by a signal that did not come here
 
   /// The signal that ends the run; 0: it goes on.
@@ -202,6 +212,7 @@ fields::FlowRequest flow_request_of(Program& program) {
     request.device = program.device;
   }
   request.ranks.group = program.group;
+  request.ranks.can_read_files = program.can_share_files;
   if (program.group != nullptr && request.most_threads <= 0) {
     request.most_threads = program.group->cores();
   }
@@ -272,8 +283,9 @@ int serve(Program& program, const utils::InputParser& parser) {
   program.device = device_of(parser);
   if (program.checkpoints) utils::listen_for_checkpoint_wishes();
   const std::string data_file = utils::readable_again(given_name);
-  refuse_results_that_destroy(data_file, report_name,
-                              program.checkpoints ? program.checkpoints->name : "");
+  const cases::PlannedFiles files = cases::plan_files(data_file, report_name);
+  program.can_share_files = data_file == given_name && can_be_shared(files.inputs);
+  refuse_results_that_destroy(files, program.checkpoints ? program.checkpoints->name : "");
   if (has_report) program.report.emplace(report_name, given_name);
   if (parser.cmdOptionExists("--progress")) {
     program.progress.emplace(Progress::on_standard_error());

@@ -56,7 +56,7 @@ void FirstRefusal::end(Group& group) const {
   } else {
     broadcast_in(group, told);
   }
-  if (group.rank() == teller) std::rethrow_exception(error_);
+  if (group.rank() == 0 && teller == 0) std::rethrow_exception(error_);
   utils::fatal(told.text, told.status, told.output);
 }
 

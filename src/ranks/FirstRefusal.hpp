@@ -33,8 +33,8 @@ class FirstRefusal {
   }
   /// The first record that any rank refuses; `none` if all are well. Called by all ranks.
   std::int64_t record_of_all(Group& group) const;
-  /// Throws what that rank kept, on all ranks, if anything; on the others as a utils::FatalError
-  /// that tells the same. Called by all ranks.
+  /// Throws what that rank kept, on all ranks, if anything: as a utils::FatalError that tells the
+  /// same, but what rank 0 kept itself there as it was. Called by all ranks.
   void end(Group& group) const;
 
  private:

@@ -1,23 +1,17 @@
 #include "ranks/read_share.hpp"
 
+#include <map>
 #include <ostream>
 #include <utility>
 
+#include "case/EndAtFirstError.hpp"
 #include "ranks/SplitFiles.hpp"
 #include "ranks/cut_blocks.hpp"
 #include "ranks/share_of_blocks.hpp"
-#include "utils/stop.hpp"
 
 namespace ranks {
 
 namespace {
-
-/// Of ranks whose warnings rank 0 gives, too.
-class WithoutWarnings final : public cases::Diagnostics {
- public:
-  void error(const std::string& message) override { utils::fatal(message); }
-  void warn(const std::string&) override {}
-};
 
 CaseBlocks read_blocks(Group& group, const std::string& data_file,
                        const cases::Listeners& listeners, cases::Diagnostics& diagnostics,
@@ -26,6 +20,13 @@ CaseBlocks read_blocks(Group& group, const std::string& data_file,
   SplitFiles files(group, diagnostics, blocks);
   cases::read_case(data_file, files, listeners, diagnostics, blocks.contents, data);
   return blocks;
+}
+
+cases::ImplausibleFields implausible_in_all(Group& group, const cases::Part& part) {
+  cases::ImplausibleFields all;
+  std::map<int, cases::ImplausibleFields> own = {{0, cases::implausible_fields(part)}};
+  for (const auto& [rank, found] : exchange_values(group, std::move(own))) all.add(found);
+  return all;
 }
 
 }  // namespace
@@ -40,14 +41,16 @@ ReadShare read_share(Group& group, const std::string& data_file, const cases::Li
     std::ostream nowhere(nullptr);
     utils::Console console(nowhere);
     console.mute();
-    WithoutWarnings silent;
+    cases::WithoutWarnings silent;  // rank 0 gives the same
     blocks = read_blocks(group, data_file, {nowhere, console}, silent, read.data);
   }
   read.area_loss = blocks.area_loss;
+  read.counts = {blocks.nodes.total(), blocks.cells.total(), blocks.edges.total()};
   read.cells = blocks.cells;
   read.owners = owners_along_curve(group, blocks);
   const int rings = cases::rings_of(blocks.contents.scheme);
   read.share = share_of_blocks(group, std::move(blocks), read.owners, rings);
+  read.implausible = implausible_in_all(group, read.share.part);
   return read;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "case/implausible_case.hpp"
 #include "case/read_case.hpp"
 #include "ranks/Blocks.hpp"
 #include "ranks/share_of.hpp"
@@ -13,9 +14,11 @@ namespace ranks {
 struct ReadShare {
   Share share;
   cases::DataFile data;
-  AreaLoss area_loss;       ///< of all cells; on rank 0
-  Blocks cells;             ///< who knows the owner of which cell ...
-  std::vector<int> owners;  ///< ... and those of the block of this rank
+  cases::MeshCounts counts;              ///< of the whole mesh
+  AreaLoss area_loss;                    ///< of all cells; on rank 0
+  cases::ImplausibleFields implausible;  ///< of the whole case; on rank 0
+  Blocks cells;                          ///< who knows the owner of which cell ...
+  std::vector<int> owners;               ///< ... and those of the block of this rank
 };
 
 /// Ends on all ranks with what cases::read_case() ends with, on the others as a FatalError that

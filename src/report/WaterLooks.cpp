@@ -2,16 +2,12 @@
 
 #include <algorithm>
 
-using cases::at;
 using fields::ColumnSurvey;
 using fields::WaterSeen;
 
 WaterLooks::WaterLooks(const fields::Flow& flow, const cases::Case& contents,
                        const fields::Clock& clock)
-    : flow_(flow),
-      clock_(clock),
-      cells_with_soils_(contents.fields.soil.size()),
-      seen_(flow.looks(contents)) {
+    : flow_(flow), clock_(clock), seen_(flow.looks(contents)) {
   look();
 }
 
@@ -45,9 +41,4 @@ void WaterLooks::note_films(const WaterSeen& seen) {
 void WaterLooks::note_given_out(const WaterSeen& seen) {
   given_out_.add(seen.given_out);
   if (!first_given_out_.is_any()) first_given_out_ = {clock_.t, seen.cell_of_most};
-}
-
-void WaterLooks::go_on_from(const std::vector<double>& infiltrated) {
-  if (infiltrated.size() != cells_with_soils_) throw utils::BadBytes();
-  seen_->load(infiltrated);
 }

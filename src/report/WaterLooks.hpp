@@ -62,7 +62,7 @@ class WaterLooks {
     std::vector<double> infiltrated;
     if constexpr (std::is_const_v<Self>) self.seen_->save(infiltrated);
     visit(infiltrated);
-    if constexpr (!std::is_const_v<Self>) self.go_on_from(infiltrated);
+    if constexpr (!std::is_const_v<Self>) self.seen_->load(infiltrated);
     visit(self.looked_at_, self.looks_, self.most_films_, self.depths_, self.given_out_,
           self.first_below_zero_, self.first_given_out_, self.first_film_,
           self.state_of_first_film_);
@@ -72,12 +72,9 @@ class WaterLooks {
   void note_depths_below_zero(const fields::WaterSeen& seen);
   void note_films(const fields::WaterSeen& seen);
   void note_given_out(const fields::WaterSeen& seen);
-  /// Throws utils::BadBytes where these are not as many depths as there are cells with soils.
-  void go_on_from(const std::vector<double>& infiltrated);
 
   const fields::Flow& flow_;
   const fields::Clock& clock_;
-  std::size_t cells_with_soils_;  ///< all cells or none
   std::unique_ptr<fields::Looks> seen_;
 
   long looked_at_ = -1;  ///< step

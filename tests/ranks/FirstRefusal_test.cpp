@@ -54,12 +54,15 @@ TEST(FirstRefusal, EndsNothingWhereAllIsWell) {
   });
 }
 
-TEST(FirstRefusal, IsThrownAsItIsWhereItWasMet) {
-  test_ranks::on_ranks(3, [](ranks::Group& group) {
-    const auto step = [&] {
-      if (group.rank() == 1) throw std::logic_error("broken");
-    };
-    EXPECT_EQ(end_of([&] { ranks::do_together(group, step); }),
-              group.rank() == 1 ? "logic: broken" : "fatal -1: broken\n");
-  });
+TEST(FirstRefusal, IsThrownAsItIsWhereRank0MetIt) {
+  for (const int meeting : {0, 1}) {
+    test_ranks::on_ranks(3, [&](ranks::Group& group) {
+      const auto step = [&] {
+        if (group.rank() == meeting) throw std::logic_error("broken");
+      };
+      const bool is_as_it_was = group.rank() == 0 && meeting == 0;
+      EXPECT_EQ(end_of([&] { ranks::do_together(group, step); }),
+                is_as_it_was ? "logic: broken" : "fatal -1: broken\n");
+    });
+  }
 }

@@ -29,14 +29,14 @@ void check_initial_state(const cases::CellFields& fields, const std::vector<Cell
   constexpr double largest_velocity = 20.0;  // m/s
   const Outliers deep(depths, [](double h) { return h > largest_depth; });
   if (deep.count > 0) {
-    findings.warning("depth", "the initial depth is " + number(depths[deep.worst]) + " m in " +
+    findings.warning("depth", "the initial depth is " + number(deep.largest) + " m in " +
                                   deep.place() +
                                   ", expected at most 100 m: are level and bed in metres?");
   }
   const Outliers fast(velocities, [](double v) { return v > largest_velocity; });
   if (fast.count > 0) {
-    findings.warning("velocity", "the initial velocity is " + number(velocities[fast.worst]) +
-                                     " m/s in " + fast.place() +
+    findings.warning("velocity", "the initial velocity is " + number(fast.largest) + " m/s in " +
+                                     fast.place() +
                                      ", expected at most 20 m/s: qx and qy are in m2/s");
   }
   const double highest = *std::max_element(fields.level.begin(), fields.level.end());
@@ -53,9 +53,9 @@ void check_initial_state(const cases::CellFields& fields, const std::vector<Cell
 
 void check_friction(const DataFile& data, const cases::CellFields& fields, Findings& findings) {
   if (fields.manning.empty()) return;
-  findings.add_remark(
-      "friction",
-      plausibility::on_friction(data.files.at(key("model/conditions/friction")), fields.manning));
+  findings.add_remark("friction", plausibility::on_friction(
+                                      data.files.at(key("model/conditions/friction")),
+                                      Outliers(fields.manning, plausibility::is_strange_friction)));
 }
 
 void check_rain(const DataFile& data, const std::vector<cases::Hyetogram>& rain,
@@ -103,9 +103,11 @@ void check_soils(const DataFile& data, const cases::CellFields& fields,
     findings.add_remarks("infiltration", std::visit(remarks_on, soil.parameters));
   }
   if (fields.infiltrated.empty()) return;
-  findings.add_remarks("infiltration", plausibility::on_initial_infiltration(
-                                           data.files.at(key("model/sources/initial infiltration")),
-                                           fields.infiltrated));
+  findings.add_remarks("infiltration",
+                       plausibility::on_initial_infiltration(
+                           data.files.at(key("model/sources/initial infiltration")),
+                           Outliers(fields.infiltrated, plausibility::is_infiltration_below_zero),
+                           Outliers(fields.infiltrated, plausibility::is_deep_infiltration)));
 }
 
 void check_sediments(const DataFile& data, const cases::CellFields& fields, Findings& findings) {

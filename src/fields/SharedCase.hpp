@@ -1,0 +1,44 @@
+// A case that ranks have read together, as rank 0 has it: all of it but what grows with the mesh,
+// of which every rank has its share until a flow is made of these.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "fields/PartGround.hpp"
+#include "ranks/read_share.hpp"
+
+namespace fields {
+
+class SharedCase {
+ public:
+  /// On rank 0, while the others serve: all of them read. Ends as cases::read_case() does. The
+  /// group must outlive it.
+  SharedCase(ranks::Group& group, const std::string& data_file, const cases::Listeners& listeners,
+             cases::Diagnostics& diagnostics);
+
+  /// Without mesh and fields; once.
+  cases::ReadCase take_case() { return std::move(case_); }
+  const MeshCounts& counts() const { return read_.counts; }
+  const cases::ImplausibleFields& implausible() const { return read_.implausible; }
+  /// Until a flow is made; it must not outlive this.
+  std::unique_ptr<Ground> ground() const;
+  /// That of rank 0; once, for the flow.
+  ranks::Share take_share() { return std::move(read_.share); }
+
+ private:
+  ranks::Group& group_;
+  ranks::ReadShare read_;
+  cases::ReadCase case_;
+};
+
+/// On the other ranks, when they are called to it: their share; none where the case was refused.
+std::optional<ranks::Share> read_own_share(ranks::Group& group);
+
+/// On all ranks of a flow: throws what cases::sides_for_hll() would say of the triangles of the
+/// whole case, if its scheme asks for any.
+void require_scheme_takes(ranks::Group& group, const cases::Part& part);
+
+}  // namespace fields
