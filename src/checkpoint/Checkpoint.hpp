@@ -1,5 +1,5 @@
-// What a checkpoint holds: all that a run needs to go on from between two steps as if it had never
-// stopped.
+// What a checkpoint holds besides the rows of its flow: with these, all that a run needs to go on
+// from between two steps as if it had never stopped.
 #pragma once
 
 #include <vector>
@@ -19,14 +19,13 @@ struct Checkpoint {
   OutputPositions outputs;
   utils::Bytes looks;  ///< of WaterLooks
   bool has_warned_of_much_below_zero = false;
-  utils::Bytes report;  ///< of RunReport; empty without one
-  engine::State flow;
-  engine::SavedNotes notes;  ///< of a run with a report
+  utils::Bytes report;     ///< of RunReport; empty without one
+  fields::SavedFlow flow;  ///< with notes in a run with a report
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.inputs, self.rain, self.clock, self.outputs, self.looks,
-          self.has_warned_of_much_below_zero, self.report, self.flow, self.notes);
+          self.has_warned_of_much_below_zero, self.report, self.flow);
   }
 };
 

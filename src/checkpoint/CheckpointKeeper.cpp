@@ -12,6 +12,8 @@ namespace checkpoint {
 
 namespace {
 
+using Piece = utils::WriterThread::Piece;
+
 [[noreturn]] void refuse(const std::string& name, const std::string& why) {
   throw std::runtime_error("Error. The checkpoint " + name + " cannot be kept: " + why + ".");
 }
@@ -51,26 +53,61 @@ Checkpoint& CheckpointKeeper::contents() {
   return contents_;
 }
 
-void CheckpointKeeper::write(std::function<bool()> results_are_written) {
+void CheckpointKeeper::write(fields::SavedRows& rows, std::function<bool()> results_are_written) {
   is_wished_ = false;
   next_ = Clock::now() + interval();
-  writer_.hand_over([this, results_are_written = std::move(results_are_written)] {
-    write_file(results_are_written);
-    return true;  // a run does not end for a checkpoint
-  });
+  writer_.hand_over_pieces(pieces(rows, std::move(results_are_written)));
 }
 
-void CheckpointKeeper::write_file(const std::function<bool()>& results_are_written) {
-  const std::string name = files_of(request_.name)[target_];
-  const std::string trouble =
-      checkpoint::write_file(name, last_number_ + 1, contents_, results_are_written);
-  if (!trouble.empty()) {
-    utils::warn("the checkpoint " + name + " couldn't be written: " + trouble +
-                "; the one before it stays.");
-    return;
-  }
+utils::WriterThread::Pieces CheckpointKeeper::pieces(fields::SavedRows& rows,
+                                                     std::function<bool()> results_are_written) {
+  // A run does not end for a checkpoint: no piece fails.
+  const auto piece = [this, results_are_written](auto&& put, bool is_last) {
+    auto work = [this, results_are_written, put = std::move(put), is_last] {
+      put();
+      if (is_last) finish_file(results_are_written);
+      return true;
+    };
+    return Piece{std::move(work), is_last};
+  };
+  return [this, &rows, piece, is_first = true]() mutable -> std::optional<Piece> {
+    if (std::exchange(is_first, false)) {
+      return piece([this, &rows] { begin_file(rows); }, !rows.has_others());
+    }
+    try {
+      std::optional<fields::RowText> next = rows.next();
+      if (!next) return {};
+      const bool is_last = next->is_last;
+      return piece(
+          [this, bytes = std::move(next->text)] { file_->put(bytes.data(), bytes.size()); },
+          is_last);
+    } catch (const std::runtime_error& error) {
+      return Piece{[this, trouble = std::string(error.what())] {
+                     file_.reset();
+                     tell_trouble(trouble);
+                     return true;
+                   },
+                   true};
+    }
+  };
+}
+
+void CheckpointKeeper::begin_file(const fields::SavedRows& rows) {
+  file_.emplace(files_of(request_.name)[target_], last_number_ + 1, contents_);
+  rows.put_own_to(*file_);
+}
+
+void CheckpointKeeper::finish_file(const std::function<bool()>& results_are_written) {
+  const std::string trouble = file_->finish(results_are_written);
+  file_.reset();
+  if (!trouble.empty()) return tell_trouble(trouble);
   ++last_number_;
   target_ = 1 - target_;
+}
+
+void CheckpointKeeper::tell_trouble(const std::string& trouble) const {
+  utils::warn("the checkpoint " + files_of(request_.name)[target_] +
+              " couldn't be written: " + trouble + "; the one before it stays.");
 }
 
 }  // namespace checkpoint

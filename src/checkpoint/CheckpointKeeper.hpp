@@ -5,9 +5,11 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 
-#include "checkpoint/Checkpoint.hpp"
+#include "checkpoint/checkpoint_file.hpp"
+#include "fields/Rows.hpp"
 #include "utils/WriterThread.hpp"
 
 namespace checkpoint {
@@ -28,9 +30,10 @@ class CheckpointKeeper {
   bool is_due();
   /// To be filled, once the last one is written.
   Checkpoint& contents();
-  /// Hands what was filled to the writer. `results_are_written` is asked by its thread, and tells
+  /// Hands what was filled to the writer, with the rows that were gathered, which must stay as they
+  /// are until the last one is written. `results_are_written` is asked by its thread, and tells
   /// whether all results from before the checkpoint lie on the disk.
-  void write(std::function<bool()> results_are_written);
+  void write(fields::SavedRows& rows, std::function<bool()> results_are_written);
   /// Waits until the last one is written.
   void finish() { writer_.wait(); }
 
@@ -38,7 +41,12 @@ class CheckpointKeeper {
   using Clock = std::chrono::steady_clock;
 
   Clock::duration interval() const;
-  void write_file(const std::function<bool()>& results_are_written);
+  /// The head of the file and the rows of this process, and then those of others as they come.
+  utils::WriterThread::Pieces pieces(fields::SavedRows& rows,
+                                     std::function<bool()> results_are_written);
+  void begin_file(const fields::SavedRows& rows);
+  void finish_file(const std::function<bool()>& results_are_written);
+  void tell_trouble(const std::string& trouble) const;
 
   Request request_;
   Clock::time_point next_;
@@ -46,7 +54,8 @@ class CheckpointKeeper {
   std::size_t target_ = 0;         ///< the file to be written next
   std::uint64_t last_number_ = 0;  ///< in the row
   Checkpoint contents_;
-  utils::WriterThread writer_;  ///< uses all that stands above
+  std::optional<FileWriter> file_;  ///< that is being written
+  utils::WriterThread writer_;      ///< uses all that stands above
 };
 
 }  // namespace checkpoint

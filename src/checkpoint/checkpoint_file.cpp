@@ -14,7 +14,7 @@ namespace checkpoint {
 
 namespace {
 
-constexpr std::uint32_t version = 4;  // to be counted up with every change of what is written
+constexpr std::uint32_t version = 5;  // to be counted up with every change of what is written
 constexpr std::uint32_t byte_order = 0x01020304;
 constexpr std::uint32_t largest_block = 4 << 20;
 constexpr std::array<char, 8> start_mark = {'Q', 'm', 'C', 'h', 'e', 'c', 'k', '\n'};
@@ -50,8 +50,24 @@ utils::Checksum checksum_of_block(std::uint64_t number, std::uint64_t block) {
   return utils::Checksum((number * odd) ^ block);
 }
 
+std::string reason_of(int error) { return std::generic_category().message(error); }
+
+template <class Record>
+bool read_record(std::istream& file, Record& record) {
+  return static_cast<bool>(file.read(reinterpret_cast<char*>(&record), sizeof record));
+}
+
+std::uint64_t size_of(std::istream& file) {
+  file.clear();
+  file.seekg(0, std::ios::end);
+  const std::istream::pos_type end = file.tellg();
+  return end < 0 ? 0 : static_cast<std::uint64_t>(end);
+}
+
+}  // namespace
+
 /// Writes bytes in blocks; after an error nothing more.
-class BlockWriter : public utils::ByteSink {
+class FileWriter::BlockWriter : public utils::ByteSink {
  public:
   BlockWriter(utils::WritableFile& file, std::uint64_t number) : file_(file) {
     footer_.number = number;
@@ -107,20 +123,8 @@ class BlockWriter : public utils::ByteSink {
 
 // --- Reading -------------------------------------------------------------------------------------
 
-template <class Record>
-bool read_record(std::istream& file, Record& record) {
-  return static_cast<bool>(file.read(reinterpret_cast<char*>(&record), sizeof record));
-}
-
-std::uint64_t size_of(std::istream& file) {
-  file.clear();
-  file.seekg(0, std::ios::end);
-  const std::istream::pos_type end = file.tellg();
-  return end < 0 ? 0 : static_cast<std::uint64_t>(end);
-}
-
 /// Reads blocks as if they were one, each after its checksum has been found to be right.
-class BlockReader : public utils::ByteSource {
+class FileReader::BlockReader : public utils::ByteSource {
  public:
   /// Reads header and footer; throws a BadFile.
   explicit BlockReader(std::istream& file) : file_(file) {
@@ -144,9 +148,8 @@ class BlockReader : public utils::ByteSource {
   }
   std::uint64_t left() const override { return footer_.bytes - read_ + (block_.size() - next_); }
 
-  /// Throws a BadFile unless all was read and the footer belongs to it.
+  /// Throws a BadFile unless the footer belongs to all that was read.
   void finish() const {
-    if (left() > 0) throw utils::BadBytes();
     if (blocks_ != footer_.blocks || sums_.value() != footer_.checksum) {
       throw BadFile("its end does not belong to it");
     }
@@ -181,21 +184,26 @@ class BlockReader : public utils::ByteSource {
   utils::Checksum sums_;
 };
 
-std::string reason_of(int error) { return std::generic_category().message(error); }
-
-}  // namespace
-
-std::string write_file(const std::string& name, std::uint64_t number, const Checkpoint& contents,
-                       const std::function<bool()>& may_count) {
-  utils::WritableFile file;
-  if (const int error = file.open(name); error != 0) return reason_of(error);
-  BlockWriter blocks(file, number);
-  const utils::ByteWriter write(blocks);
+FileWriter::FileWriter(const std::string& name, std::uint64_t number, const Checkpoint& contents) {
+  error_ = file_.open(name);
+  if (error_ != 0) return;
+  blocks_ = std::make_unique<BlockWriter>(file_, number);
+  const utils::ByteWriter write(*blocks_);
   write(contents);
-  if (const int error = blocks.finish_blocks(); error != 0) return reason_of(error);
+}
+
+FileWriter::~FileWriter() = default;
+
+void FileWriter::put(const void* from, std::size_t count) {
+  if (blocks_) blocks_->put(from, count);
+}
+
+std::string FileWriter::finish(const std::function<bool()>& may_count) {
+  if (error_ != 0) return reason_of(error_);
+  if (const int error = blocks_->finish_blocks(); error != 0) return reason_of(error);
   if (!may_count()) return "a result before it was lost";
-  if (const int error = blocks.finish(); error != 0) return reason_of(error);
-  const int error = file.close();
+  if (const int error = blocks_->finish(); error != 0) return reason_of(error);
+  const int error = file_.close();
   return error == 0 ? "" : reason_of(error);
 }
 
@@ -229,17 +237,41 @@ Look look_at(std::istream& file) {
   return {.number = header.number};
 }
 
-Checkpoint read_file(std::istream& file) {
-  BlockReader blocks(file);
-  Checkpoint contents;
+FileReader::FileReader(std::istream& file) : blocks_(std::make_unique<BlockReader>(file)) {
   try {
-    const utils::ByteReader read(blocks);
-    read(contents);
-    blocks.finish();
+    const utils::ByteReader read(*blocks_);
+    read(contents_);
   } catch (const utils::BadBytes& bad) {
     throw BadFile(bad.what());
   }
-  return contents;
+}
+
+FileReader::~FileReader() = default;
+
+void FileReader::take(void* to, std::size_t count) {
+  try {
+    blocks_->take(to, count);
+  } catch (const utils::BadBytes& bad) {
+    throw BadFile(bad.what());
+  }
+}
+
+std::uint64_t FileReader::left() const { return blocks_->left(); }
+
+void FileReader::finish() const { blocks_->finish(); }
+
+Checkpoint read_file(std::istream& file) {
+  FileReader reader(file);
+  const fields::SavedFlow& flow = reader.contents().flow;
+  const std::uint64_t bytes = reader.left(), per_row = flow.bytes_per_row();
+  const bool is_whole =
+      per_row == 0 ? bytes == 0 : bytes % per_row == 0 && bytes / per_row == flow.cells;
+  if (!is_whole) throw BadFile(utils::BadBytes().what());
+  std::vector<char> piece(std::min<std::uint64_t>(bytes, largest_block));
+  while (reader.left() > 0)
+    reader.take(piece.data(), std::min(reader.left(), std::uint64_t{piece.size()}));
+  reader.finish();
+  return reader.contents();
 }
 
 }  // namespace checkpoint

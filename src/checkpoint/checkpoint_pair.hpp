@@ -21,7 +21,7 @@ std::array<FoundFile, 2> find_files(const std::string& name);
 
 struct Loaded {
   std::string file;
-  Checkpoint contents;
+  Checkpoint contents;                ///< without its rows, which have been found to be whole
   std::vector<std::string> warnings;  ///< of the other file, where that is not whole
 };
 /// The newer one of those that are whole. Throws std::runtime_error, with a message for the user,

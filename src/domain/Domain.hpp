@@ -92,7 +92,11 @@ class Domain {
   void require_same_results() const;
   std::string continuation() const;
   void require_same_maxima(const std::optional<double>& before) const;
+  /// Calls load(rows) with the rows of the checkpoint.
+  template <class Load>
+  void load_rows(const Load& load) const;
   void load_flow();
+  [[noreturn]] void refuse_other_flow() const;
   void load_books();
   void go_on_with_outputs();
 
@@ -159,9 +163,10 @@ class Domain {
   int passes_ = 0;        ///< steps since the clock was last shown, and the one that comes
   double t_begin_ = 0.0;  ///< of this call of the program, s
   bool is_asked_to_end_ = false;
-  std::unique_ptr<fields::Flow> flow_;      ///< of case_
-  std::unique_ptr<fields::Ground> ground_;  ///< of case_; once there is a flow, of that
-  std::unique_ptr<WaterLooks> looks_;       ///< at flow_; null before the steps
+  std::unique_ptr<fields::Flow> flow_;             ///< of case_
+  std::unique_ptr<fields::Ground> ground_;         ///< of case_; once there is a flow, of that
+  std::unique_ptr<WaterLooks> looks_;              ///< at flow_; null before the steps
+  std::unique_ptr<fields::SavedRows> saved_rows_;  ///< of flow_, for checkpoints and restarts
   bool has_warned_of_much_ = false;
   double outputs_done_ = -HUGE_VAL;  ///< what was due up to this time is taken, s
   double next_enveloppe_time = 0.0;  ///< s

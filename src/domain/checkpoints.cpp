@@ -12,12 +12,11 @@ void Domain::keep_checkpoint() {
   kept.outputs = output_positions();
   kept.has_warned_of_much_below_zero = has_warned_of_much_;
   utils::put_into(kept.looks, *looks_);
-  flow_->save(kept.flow);
-  if (settings_.report != nullptr) {
-    settings_.report->save(kept.report);
-    flow_->save_notes(kept.notes);
-  }
-  keeper_->write([this, &kept] { return has_written_results(kept.outputs); });
+  const bool has_report = settings_.report != nullptr;
+  if (has_report) settings_.report->save(kept.report);
+  saved_rows_->gather({&looks_->at_cells(), has_report});
+  kept.flow = saved_rows_->flow();
+  keeper_->write(*saved_rows_, [this, &kept] { return has_written_results(kept.outputs); });
 }
 
 void Domain::keep_last_checkpoint() {

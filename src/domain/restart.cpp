@@ -1,4 +1,5 @@
 // A run that goes on from a checkpoint: what must be as it was, and what it takes over.
+#include <fstream>
 #include <stdexcept>
 #include <string>
 
@@ -166,26 +167,42 @@ void Domain::require_same_maxima(const std::optional<double>& before) const {
                              utils::number_text(*before) + " m");
 }
 
+template <class Load>
+void Domain::load_rows(const Load& load) const {
+  try {
+    std::ifstream file(restart_->file, std::ios::binary);
+    checkpoint::FileReader rows(file);
+    load(rows);
+  } catch (const checkpoint::BadFile& bad) {  // it was whole when it was looked at
+    refuse(restart_->file, bad.what());
+  }
+}
+
 void Domain::load_flow() {
   checkpoint::Checkpoint& from = restart_->contents;
-  engine::State present;
-  flow_->save(present);
-  if (!data_.maxima) engine::drop_maxima(from.flow);
+  saved_rows_->gather({});
   const bool has_all_clocks = from.rain.size() == from.flow.rain_clocks.size();
   from.flow.rain_clocks =
       checkpoint::rain_clocks_for(case_, from.clock.t, from.rain, from.flow.rain_clocks);
-  const bool needs_notes = settings_.report != nullptr && !from.report.empty();
-  const bool notes_fit = !needs_notes || engine::fits(from.notes, case_);
-  if (!has_all_clocks || !notes_fit || !engine::fits(from.flow, present, case_)) {
-    refuse(restart_->file, "it is one of another mesh or model");
+  if (!has_all_clocks || !fields::fits(from.flow, saved_rows_->flow(), case_)) {
+    refuse_other_flow();
   }
-  flow_->load(from.flow);
-  for (const auto column : engine::columns_of_flow) from.flow.*column = {};
+  load_rows([&](utils::ByteSource& rows) { flow_->load(from.flow, rows); });
+}
+
+void Domain::refuse_other_flow() const {
+  refuse(restart_->file, "it is one of another mesh or model");
 }
 
 void Domain::load_books() {
   const checkpoint::Checkpoint& from = restart_->contents;
   const bool has_books = settings_.report != nullptr && !from.report.empty();
+  saved_rows_->gather({&looks_->at_cells(), has_books});
+  const fields::SavedFlow& present = saved_rows_->flow();
+  const bool notes_fit = !has_books || fields::fits(fields::SavedPart::notes, from.flow, present);
+  if (!notes_fit || !fields::fits(fields::SavedPart::infiltrated, from.flow, present)) {
+    refuse_other_flow();
+  }
   try {
     utils::take_out_of(from.looks, *looks_);
     if (has_books) settings_.report->load(from.report);
@@ -193,7 +210,9 @@ void Domain::load_books() {
     refuse(restart_->file, bad.what());
   }
   has_warned_of_much_ = from.has_warned_of_much_below_zero;
-  if (has_books) flow_->load_notes(from.notes);
+  load_rows([&](utils::ByteSource& rows) {
+    flow_->load_books(from.flow, has_books, looks_->at_cells(), rows);
+  });
   if (settings_.report == nullptr) return;
   settings_.report->continue_from(clock_.t, from.flow.rain_clocks, has_books);
 }

@@ -27,9 +27,10 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
   set_outputs();
   if (is_restarted()) require_same_results();
   set_other_parameters();
+  if (keeper_ || is_restarted()) saved_rows_ = flow_->saved_rows();
   if (is_restarted()) load_flow();
   // The loop does not wait for the system to give memory.
-  if (keeper_) flow_->save(keeper_->contents().flow);
+  if (keeper_) saved_rows_->gather({});
   warn_of_implausible_input();
 }
 

@@ -23,20 +23,4 @@ bool fits(const State& state, const State& present, const cases::Case& contents)
   return fits;
 }
 
-bool fits(const SavedNotes& notes, const cases::Case& contents) {
-  const std::size_t n_cells = cases::at(contents.mesh.n_cells());
-  const auto is_cell_or_none = [&](int cell) {
-    return cell >= -1 && cell < contents.mesh.n_cells();
-  };
-  const auto has_size = [&](const std::vector<double>& column, bool is_there) {
-    return column.size() == (is_there ? n_cells : 0);
-  };
-  const physics::StepNotes& last = notes.of_last_step;
-  return has_size(notes.recovered, !contents.fields.soil.empty() && !contents.soils.empty()) &&
-         has_size(notes.lifted, contents.has_sediments) &&
-         has_size(notes.taken_discharge, cases::is_hll(contents.scheme)) &&
-         is_cell_or_none(last.limiting_cell) && is_cell_or_none(last.speed_squared.cell) &&
-         is_cell_or_none(last.speed_squared_per_depth.cell);
-}
-
 }  // namespace engine

@@ -60,11 +60,6 @@ inline constexpr auto columns_of_flow = [] {
   return all;
 }();
 
-/// Forgets the maxima of a state.
-inline void drop_maxima(State& state) {
-  for (const StateColumn column : columns_of_maxima) (state.*column).clear();
-}
-
 template <class Self, class Visit>
 void State::visit_parts(Self& self, const Visit& visit) {
   for (const auto column : columns_of_flow) visit(self.*column);
@@ -74,10 +69,6 @@ void State::visit_parts(Self& self, const Visit& visit) {
 
 /// Whether further steps of a case can begin with a state; `present` is one that they have.
 bool fits(const State& state, const State& present, const cases::Case& contents);
-
-struct SavedNotes;
-/// The same of notes.
-bool fits(const SavedNotes& notes, const cases::Case& contents);
 
 /// What the notes of a report hold: what a step tells, and what was summed up for every cell in the
 /// order of the case, see fields::UnseenDepth. Columns that nobody sums up are empty.

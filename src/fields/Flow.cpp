@@ -42,7 +42,62 @@ class WholeRows final : public Rows {
   std::vector<double> values_;  ///< of the first field, of the second, ...
 };
 
+/// What is kept of a flow that this process computes alone.
+class WholeSavedRows final : public SavedRows {
+ public:
+  explicit WholeSavedRows(const Flow& flow) : whole_(flow) {}
+
+  void gather(const Books& books) override {
+    whole_.save(cells_.state);
+    cells_.notes = {};
+    if (books.has_notes) whole_.save_notes(cells_.notes);
+    cells_.infiltrated.clear();
+    if (books.looks != nullptr) books.looks->save(cells_.infiltrated);
+    flow_.describe(cells_, cells_.state.h.size());
+  }
+  void put_own_to(utils::ByteSink& sink) const override {
+    std::vector<const double*> columns;
+    for_each_saved_column(cells_, [&](const std::vector<double>& column) {
+      if (!column.empty()) columns.push_back(column.data());
+    });
+    put_rows(columns, flow_.cells, sink);
+  }
+
+ private:
+  const Flow& whole_;
+  SavedCells cells_;
+};
+
+/// The parts of all cells that were asked for.
+SavedCells taken_from(const SavedFlow& saved, const std::vector<SavedPart>& parts,
+                      utils::ByteSource& rows) {
+  SavedCells cells;
+  std::vector<double*> columns;
+  for (std::vector<double>* const column : columns_in_rows(saved, parts, cells)) {
+    if (column != nullptr) column->resize(saved.cells);
+    columns.push_back(column != nullptr ? column->data() : nullptr);
+  }
+  take_rows(columns, saved.cells, rows);
+  take_the_rest(saved, cells);
+  return cells;
+}
+
 }  // namespace
+
+std::unique_ptr<SavedRows> Flow::saved_rows() const {
+  return std::make_unique<WholeSavedRows>(*this);
+}
+
+void Flow::load(const SavedFlow& saved, utils::ByteSource& rows) {
+  load(taken_from(saved, {SavedPart::state}, rows).state);
+}
+
+void Flow::load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
+                      utils::ByteSource& rows) {
+  const SavedCells books = taken_from(saved, {SavedPart::notes, SavedPart::infiltrated}, rows);
+  if (has_notes) load_notes(books.notes);
+  looks.load(books.infiltrated);
+}
 
 std::unique_ptr<Rows> Flow::rows(const cases::Mesh& mesh, const RowsRequest& request) const {
   return std::make_unique<WholeRows>(*this, mesh, request);

@@ -102,6 +102,14 @@ class Flow {
   virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
   /// The rows of a table of all cells of a mesh, which must live as long, as must the flow.
   virtual std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const;
+  /// The rows of what is kept of the flow between steps, which must outlive them.
+  virtual std::unique_ptr<SavedRows> saved_rows() const;
+  /// Puts the state that was saved in force, see fields::fits(), of rows that come one behind the
+  /// other. What `rows` throws comes out, and nothing has changed then.
+  virtual void load(const SavedFlow& saved, utils::ByteSource& rows);
+  /// The same of books: of the notes, of steps that are watched, and of what looks have seen.
+  virtual void load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
+                          utils::ByteSource& rows);
   virtual ExecutionPath execution_path() const = 0;
 
   /// From now on the maxima of the flow are kept, with the states that steps begin with.

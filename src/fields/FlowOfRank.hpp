@@ -14,6 +14,7 @@
 #include "fields/Clock.hpp"
 #include "fields/Flow.hpp"
 #include "fields/PartLooks.hpp"
+#include "fields/SavedFlow.hpp"
 #include "fields/TableFields.hpp"
 #include "fields/WholeOnFirst.hpp"
 #include "fields/moving_cells.hpp"
@@ -109,6 +110,12 @@ class FlowOfRank {
   void read_rows(const std::vector<Field>& fields, std::vector<double>& values);
   /// x, y and z, m.
   void centres_of_rows(std::vector<double>& values);
+  /// What is kept of the flow, and the columns of its rows.
+  void save_rows(const SavedRequest& request, SavedFlow& saved, std::vector<double>& values);
+
+  /// Takes what was saved from its rows, which rank 0 reads and hands to the ranks of the rows.
+  /// Where the source throws, that comes out on rank 0, and nothing has changed.
+  void load_rows(const LoadRequest& request, utils::ByteSource* rows);
 
   // What rank 0 hands out; it is not looked at on the others.
   void load(const engine::State& state);
@@ -140,6 +147,9 @@ class FlowOfRank {
   void save_own(engine::State& state);
   void load_own(engine::State own);
   PartLooks& looks();
+  /// Of the own cells.
+  SavedCells saved_cells(const SavedRequest& request);
+  void load_cells(const LoadRequest& request, const SavedCells& own);
   const ranks::RowPlan& row_plan();
   const FlowPart& own_part();
 

@@ -247,42 +247,6 @@ std::unique_ptr<Looks> RanksFlow::looks(const cases::Case&) const {
   return std::make_unique<LooksOfRanks>(*this);
 }
 
-/// A table of which every rank has rows.
-class RanksFlow::RowsOfRanks final : public Rows {
- public:
-  RowsOfRanks(const RanksFlow& flow, int table, RowsRequest request)
-      : flow_(flow), table_(table), request_(std::move(request)) {}
-
-  void gather() override {
-    tell(flow_.waiting_ranks(), {.task = Task::gather_rows, .number = table_});
-    ranks::broadcast_out(*flow_.group_, request_);
-    own_ = &flow_.rows_->gather(table_, request_, *flow_.part_);
-    from_ = 1;
-  }
-  void add_own_to(utils::CellTable& table) const override { own_->add_to(table); }
-  bool has_others() const override { return flow_.group_->size() > 1; }
-  std::optional<RowText> next() override {
-    const std::size_t largest = flow_.largest_text_;
-    tell(flow_.waiting_ranks(),
-         {.task = Task::pass_rows, .number = table_, .rank = from_, .bytes = largest});
-    std::optional<RowText> piece = flow_.rows_->pass(table_, from_, largest);
-    if (!piece || !piece->is_last) return piece;
-    piece->is_last = ++from_ == flow_.group_->size();
-    return piece;
-  }
-
- private:
-  const RanksFlow& flow_;
-  int table_;
-  RowsRequest request_;
-  const RowsOfRank::Table* own_ = nullptr;
-  int from_ = 1;  ///< whose text comes next
-};
-
-std::unique_ptr<Rows> RanksFlow::rows(const cases::Mesh&, const RowsRequest& request) const {
-  return std::make_unique<RowsOfRanks>(*this, tables_++, request);
-}
-
 ExecutionPath RanksFlow::execution_path() const {
   return {part_->engine().path(),
           part_->start().threads,

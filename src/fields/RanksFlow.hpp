@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <vector>
 
 #include "case/Diagnostics.hpp"
@@ -71,6 +72,10 @@ class RanksFlow : public Flow {
   std::unique_ptr<Ground> ground(const cases::Case& contents) const override;
   std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
   std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const override;
+  std::unique_ptr<SavedRows> saved_rows() const override;
+  void load(const SavedFlow& saved, utils::ByteSource& rows) override;
+  void load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
+                  utils::ByteSource& rows) override;
   ExecutionPath execution_path() const override;
 
   void keep_maxima(double arrival_depth) override;
@@ -88,7 +93,12 @@ class RanksFlow : public Flow {
 
  private:
   class LooksOfRanks;
+  template <class Kind>
+  class OfRanks;
   class RowsOfRanks;
+  class SavedRowsOfRanks;
+  /// On all ranks.
+  void load_rows(LoadRequest request, utils::ByteSource& rows);
   Seen see(Look look) const;
   /// Of all cells, or of none: so that those of rank 0 tell.
   bool has_soils() const { return !part_->contents().fields.soil.empty(); }
@@ -122,7 +132,7 @@ class RanksFlow : public Flow {
   std::unique_ptr<ranks::Group> group_;  ///< of the ranks that take part
   std::unique_ptr<FlowOfRank> part_;
   std::unique_ptr<RowsOfRank> rows_;
-  mutable int tables_ = 0;     ///< that rows were asked for
+  mutable std::set<int> numbers_;  ///< of results that have rows
   bool is_under_way_ = false;  ///< the others have begun the next step, at the time of the clock
   Clock clock_;                ///< after the last step
   double pause_ = -HUGE_VAL;   ///< for which the next step asks, s

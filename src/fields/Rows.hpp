@@ -1,5 +1,6 @@
-// Tables with a row per cell, of values taken at one time: the rows that this process makes text of
-// itself, in the thread that writes, and the text of the rows that other ranks have.
+// Tables with a row per cell, of values taken at one time: the rows that this process has, which
+// the thread that writes makes text or bytes of, and the text or bytes of the rows that other ranks
+// have.
 #pragma once
 
 #include <memory>
@@ -8,6 +9,7 @@
 #include <vector>
 
 #include "fields/Field.hpp"
+#include "fields/SavedFlow.hpp"
 #include "utils/CellTable.hpp"
 
 namespace fields {
@@ -24,24 +26,52 @@ struct RowsRequest {
   }
 };
 
-/// Text of consecutive rows.
+/// Text of consecutive rows, or bytes that hold them.
 struct RowText {
   std::string text;
   bool is_last = false;  ///< no rows come behind them
 };
 
-class Rows {
+/// Those of other ranks; in the thread of the steps.
+class RowsOfOthers {
  public:
-  virtual ~Rows() = default;
+  virtual ~RowsOfOthers() = default;
 
-  /// Takes the present values; in the thread of the steps, as next().
+  /// Whether rows come behind those of this process.
+  virtual bool has_others() const { return false; }
+  /// Those that come next, in pieces; nothing as long as they are not there yet. Throws
+  /// std::runtime_error where they cannot be had.
+  virtual std::optional<RowText> next() { return {}; }
+};
+
+class Rows : public RowsOfOthers {
+ public:
+  /// Takes the present values; in the thread of the steps.
   virtual void gather() = 0;
   /// Adds the first rows of the table; in any thread.
   virtual void add_own_to(utils::CellTable& table) const = 0;
-  /// Whether rows come behind these.
-  virtual bool has_others() const { return false; }
-  /// Those that come next, in pieces; nothing as long as they are not there yet.
-  virtual std::optional<RowText> next() { return {}; }
+};
+
+class Looks;
+
+/// What is kept with the state, for the looks and the report of the run that goes on.
+struct Books {
+  const Looks* looks = nullptr;  ///< null: nothing of them
+  bool has_notes = false;
+};
+
+/// Of what is kept of a flow: numbers as they lie in memory.
+class SavedRows : public RowsOfOthers {
+ public:
+  /// Takes the present state; in the thread of the steps.
+  virtual void gather(const Books& books) = 0;
+  /// What was gathered besides rows.
+  const SavedFlow& flow() const { return flow_; }
+  /// Puts the first rows; in any thread.
+  virtual void put_own_to(utils::ByteSink& sink) const = 0;
+
+ protected:
+  SavedFlow flow_;
 };
 
 }  // namespace fields

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -11,79 +12,80 @@ namespace {
 
 /// What comes before a piece of text.
 struct PieceHeader {
-  bool is_there = false, is_last = false;
+  bool is_there = false, is_last = false, is_lost = false;
   std::uint64_t size = 0;
 };
 
 }  // namespace
 
-template <class Add>
-void RowsOfRank::Table::for_each_row(const Add& add) const {
-  const std::size_t rows = centres_->size() / 3;
-  const double* const x = centres_->data();
-  std::vector<double> row(request_.fields.size());
-  for (std::size_t i = 0; i < rows; ++i) {
-    for (std::size_t column = 0; column < row.size(); ++column) {
-      row[column] = values_[column * rows + i];
-    }
-    add(x[i], x[rows + i], x[2 * rows + i], row);
-  }
-}
-
-void RowsOfRank::Table::add_to(utils::CellTable& to) const {
-  for_each_row(
-      [&](double x, double y, double z, std::span<const double> row) { to.add_row(x, y, z, row); });
-}
-
-bool RowsOfRank::Table::make_text() {
-  for_each_row([&](double x, double y, double z, std::span<const double> row) {
-    utils::put_row(text_, request_.bed, x, y, z, row);
-  });
-  return true;
-}
-
 RowsOfRank::RowsOfRank(ranks::Group& group) : group_(group) {}
 
 RowsOfRank::~RowsOfRank() = default;
 
-const RowsOfRank::Table& RowsOfRank::gather(int number, const RowsRequest& request,
-                                            FlowOfRank& part) {
+template <class Own, class Request, class... Arguments>
+const Own& RowsOfRank::gather_as(int number, const Request& request, FlowOfRank& part,
+                                 const Arguments&... arguments) {
+  std::unique_ptr<Result>& kept = results_[number];
+  const bool is_of_kind = kept && dynamic_cast<Own*>(kept->rows.get()) != nullptr;
+  if (!is_of_kind || kept->formatter.has_failed()) {
+    kept = std::make_unique<Result>();
+    kept->rows = std::make_unique<Own>(arguments...);
+  }
+  Result& result = *kept;
+  if (group_.rank() > 0) result.formatter.wait();  // rank 0 would go on with its writers
+  result.text.clear();
+  result.passed = 0;
+  auto& own = static_cast<Own&>(*result.rows);
+  own.gather(request, part);
+  if (group_.rank() > 0) {
+    result.formatter.hand_over([&result] {
+      result.rows->make_text(result.text);
+      return true;
+    });
+  }
+  return own;
+}
+
+const OwnTableRows& RowsOfRank::gather(int number, const RowsRequest& request, FlowOfRank& part) {
   if (centres_.empty()) part.centres_of_rows(centres_);
-  std::unique_ptr<Table>& kept = tables_[number];
-  if (!kept) kept = std::make_unique<Table>();
-  Table& table = *kept;
-  table.request_ = request;
-  table.centres_ = &centres_;
-  table.passed_ = 0;
-  part.read_rows(request.fields, table.values_);
-  if (group_.rank() > 0) table.formatter_.hand_over([&table] { return table.make_text(); });
-  return table;
+  return gather_as<OwnTableRows>(number, request, part, centres_);
+}
+
+const OwnSavedRows& RowsOfRank::gather(int number, const SavedRequest& request, FlowOfRank& part) {
+  return gather_as<OwnSavedRows>(number, request, part);
 }
 
 std::optional<RowText> RowsOfRank::pass(int number, int from, std::size_t largest) {
+  if (group_.rank() == 0) return receive(from);
+  if (group_.rank() == from) send(*results_.at(number), largest);
+  return {};
+}
+
+std::optional<RowText> RowsOfRank::receive(int from) {
   PieceHeader header;
-  const auto header_bytes = std::as_writable_bytes(std::span(&header, 1));
-  if (group_.rank() == 0) {
-    group_.receive(header_bytes, from);
-    if (!header.is_there) return {};
-    RowText piece = {std::string(header.size, ' '), header.is_last};
-    group_.receive(std::as_writable_bytes(std::span(piece.text)), from);
-    return piece;
+  group_.receive(std::as_writable_bytes(std::span(&header, 1)), from);
+  if (header.is_lost) {
+    throw std::runtime_error("rank " + std::to_string(from) + " could not make its rows of it");
   }
-  if (group_.rank() != from) return {};
-  Table& table = *tables_.at(number);
-  if (table.formatter_.is_busy()) {
-    group_.send(header_bytes, 0);
-    return {};
-  }
-  const std::string_view left = table.text_.text().substr(table.passed_);
+  if (!header.is_there) return {};
+  RowText piece = {std::string(header.size, ' '), header.is_last};
+  group_.receive(std::as_writable_bytes(std::span(piece.text)), from);
+  return piece;
+}
+
+void RowsOfRank::send(Result& result, std::size_t largest) {
+  PieceHeader header;
+  const auto header_bytes = std::as_bytes(std::span(&header, 1));
+  if (result.formatter.is_busy()) return group_.send(header_bytes, 0);
+  header.is_lost = result.formatter.has_failed();
+  if (header.is_lost) return group_.send(header_bytes, 0);
+  const std::string_view left = result.text.text().substr(result.passed);
   const std::string_view piece = left.substr(0, largest);
-  header = {true, piece.size() == left.size(), piece.size()};
+  header = {true, piece.size() == left.size(), false, piece.size()};
   group_.send(header_bytes, 0);
   group_.send(std::as_bytes(std::span(piece)), 0);
-  table.passed_ += piece.size();
-  if (header.is_last) table.text_ = {};
-  return {};
+  result.passed += piece.size();
+  if (header.is_last) result.text = {};
 }
 
 }  // namespace fields

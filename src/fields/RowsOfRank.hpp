@@ -1,62 +1,56 @@
-// The rows of tables that one of several ranks makes text of, and the way of that text to rank 0,
-// which alone writes. The values come to the rank of the rows at once; the text is made in threads,
-// and goes to rank 0 piece by piece, as there is room for it.
+// The rows of results that one of several ranks makes text or bytes of, and the way of these to
+// rank 0, which alone writes. The values come to the rank of the rows at once; the text is made in
+// threads, and goes to rank 0 piece by piece, as there is room for it.
 #pragma once
 
 #include <cstddef>
 #include <map>
 #include <memory>
 #include <optional>
+#include <variant>
 #include <vector>
 
-#include "fields/FlowOfRank.hpp"
-#include "fields/Rows.hpp"
-#include "utils/TextBuffer.hpp"
+#include "fields/OwnRows.hpp"
 #include "utils/WriterThread.hpp"
 
 namespace fields {
 
+/// What rows are asked for.
+using AnyRowsRequest = std::variant<RowsRequest, SavedRequest>;
+
 class RowsOfRank {
  public:
-  /// The rows of a table, in memory.
-  class Table;
-
   /// The group must outlive it.
   explicit RowsOfRank(ranks::Group& group);
   ~RowsOfRank();
 
-  /// On all ranks: takes the present values of a table, which has a number. All text of its last
-  /// ones has been passed on. Answers the rows of this rank, which keep their place.
-  const Table& gather(int table, const RowsRequest& request, FlowOfRank& part);
+  /// On all ranks: takes the present values of a result, which has a number, in place of those that
+  /// another one had under it. Answers the rows of this rank; they stay where they are as long as
+  /// results of the same kind have the number.
+  const OwnTableRows& gather(int number, const RowsRequest& request, FlowOfRank& part);
+  const OwnSavedRows& gather(int number, const SavedRequest& request, FlowOfRank& part);
   /// On all ranks: passes the next text of a rank on to rank 0, where it comes out, if it is made:
-  /// so many bytes at most.
-  std::optional<RowText> pass(int table, int from, std::size_t largest);
+  /// so many bytes at most. Throws std::runtime_error there where it could not be made.
+  std::optional<RowText> pass(int number, int from, std::size_t largest);
 
  private:
+  /// Rows with their text.
+  struct Result {
+    std::unique_ptr<OwnRows> rows;
+    utils::TextBuffer text;
+    std::size_t passed = 0;         ///< bytes of the text
+    utils::WriterThread formatter;  ///< uses all that stands above
+  };
+
+  template <class Own, class Request, class... Arguments>
+  const Own& gather_as(int number, const Request& request, FlowOfRank& part,
+                       const Arguments&... arguments);
+  std::optional<RowText> receive(int from);
+  void send(Result& result, std::size_t largest);
+
   ranks::Group& group_;
   std::vector<double> centres_;  ///< of the rows of this rank: x of all, then y, then z, m
-  std::map<int, std::unique_ptr<Table>> tables_;
-};
-
-class RowsOfRank::Table {
- public:
-  /// Puts all rows into a file; in any thread.
-  void add_to(utils::CellTable& to) const;
-
- private:
-  friend RowsOfRank;
-
-  /// Calls add(x, y, z, values) for all rows.
-  template <class Add>
-  void for_each_row(const Add& add) const;
-  bool make_text();
-
-  RowsRequest request_;
-  const std::vector<double>* centres_ = nullptr;
-  std::vector<double> values_;  ///< column by column
-  utils::TextBuffer text_;
-  std::size_t passed_ = 0;         ///< bytes of the text
-  utils::WriterThread formatter_;  ///< uses all that stands above
+  std::map<int, std::unique_ptr<Result>> results_;
 };
 
 }  // namespace fields

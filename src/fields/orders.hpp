@@ -48,6 +48,7 @@ enum class Task {
   load_looks,
   gather_rows,
   pass_rows,
+  load_rows,
   ground,
   end
 };

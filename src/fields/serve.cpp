@@ -48,10 +48,16 @@ void see(FlowOfRank& part, ranks::Group& group) {
   part.see(look);
 }
 
-void gather_rows(int table, RowsOfRank& rows, FlowOfRank& part, ranks::Group& group) {
-  RowsRequest request;
+void gather_rows(int number, RowsOfRank& rows, FlowOfRank& part, ranks::Group& group) {
+  AnyRowsRequest any;
+  ranks::broadcast_in(group, any);
+  std::visit([&](const auto& request) { rows.gather(number, request, part); }, any);
+}
+
+void load_rows(FlowOfRank& part, ranks::Group& group) {
+  LoadRequest request;
   ranks::broadcast_in(group, request);
-  rows.gather(table, request, part);
+  part.load_rows(request, nullptr);
 }
 
 /// Does what rank 0 orders until it ends the flow.
@@ -130,6 +136,9 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
         break;
       case Task::gather_rows:
         gather_rows(order.number, rows, part, group);
+        break;
+      case Task::load_rows:
+        load_rows(part, group);
         break;
       case Task::pass_rows:
         rows.pass(order.number, order.rank, order.bytes);

@@ -31,10 +31,15 @@ class RowPlan {
   RowPlan(std::span<const cases::Number> own, Group& group);
 
   std::size_t rows() const { return static_cast<std::size_t>(rows_.count); }
+  /// Of all ranks.
+  cases::Number rows_of_all() const { return rows_of_all_; }
 
   /// From columns over the own cells, one behind the other, to the same columns over the own rows.
   void send(std::span<const double> columns_of_cells, std::span<double> columns_of_rows,
             Group& group) const;
+  /// The way back.
+  void send_back(std::span<const double> columns_of_rows, std::span<double> columns_of_cells,
+                 Group& group) const;
 
  private:
   struct Run {
@@ -46,6 +51,7 @@ class RowPlan {
     std::vector<cases::Number> rows;  ///< within the block
   };
 
+  cases::Number rows_of_all_;
   RowBlock rows_;
   std::size_t cells_;
   std::vector<Run> to_;     ///< who has rows of own cells

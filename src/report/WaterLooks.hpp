@@ -4,8 +4,6 @@
 #pragma once
 
 #include <memory>
-#include <type_traits>
-#include <vector>
 
 #include "case/Case.hpp"
 #include "fields/Clock.hpp"
@@ -56,13 +54,12 @@ class WaterLooks {
   const Sighting& first_film() const { return first_film_; }
   const fields::CellState& state_of_first_film() const { return state_of_first_film_; }
 
-  /// All that further looks go on with.
+  /// What sees them; what it remembers of cells is not among the parts below.
+  fields::Looks& at_cells() const { return *seen_; }
+
+  /// All else that further looks go on with.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    std::vector<double> infiltrated;
-    if constexpr (std::is_const_v<Self>) self.seen_->save(infiltrated);
-    visit(infiltrated);
-    if constexpr (!std::is_const_v<Self>) self.seen_->load(infiltrated);
     visit(self.looked_at_, self.looks_, self.most_films_, self.depths_, self.given_out_,
           self.first_below_zero_, self.first_given_out_, self.first_film_,
           self.state_of_first_film_);

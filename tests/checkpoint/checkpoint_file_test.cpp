@@ -27,7 +27,42 @@ TEST_F(CheckpointFile, GivesBackAllThatWasWritten) {
     EXPECT_EQ(checkpoint::look_at(stream).number, 9U);
     EXPECT_EQ(checkpoint::look_at(stream).trouble, "");
     EXPECT_TRUE(support::are_the_same(checkpoint::read_file(stream), some_checkpoint(cells)));
+    checkpoint::FileReader file(stream);
+    std::vector<double> rows(3 * cells);
+    file.take(rows.data(), rows.size() * sizeof(double));
+    file.finish();
+    EXPECT_EQ(rows, std::vector<double>(3 * cells, 0.5));
   }
+}
+
+TEST_F(CheckpointFile, IsRefusedWithOtherRowsThanItTellsOf) {
+  checkpoint::Checkpoint kept = some_checkpoint(20);
+  const auto trouble_with_rows = [&](std::size_t bytes) {
+    checkpoint::FileWriter file(folder.file("rows"), 1, kept);
+    file.put(std::string(bytes, 'x').data(), bytes);
+    EXPECT_EQ(file.finish([] { return true; }), "");
+    return trouble_with(folder.read("rows"));
+  };
+  const std::string senseless = "what it holds makes no sense";
+  EXPECT_EQ(trouble_with_rows(20 * 24), "");
+  for (const std::size_t bytes : {0, 24, 20 * 24 - 1, 20 * 24 + 1, 21 * 24}) {
+    EXPECT_EQ(trouble_with_rows(bytes), senseless) << bytes;
+  }
+  kept.flow.columns.clear();
+  EXPECT_EQ(trouble_with_rows(24), senseless);
+  EXPECT_EQ(trouble_with_rows(0), "");
+}
+
+TEST_F(CheckpointFile, GivesNoDamagedRows) {
+  std::string damaged = text(2000000);
+  damaged[9 << 20] ^= 1;
+  std::istringstream stream(damaged);
+  checkpoint::FileReader file(stream);
+  std::vector<char> rows(file.left());
+  EXPECT_THROW(file.take(rows.data(), rows.size()), checkpoint::BadFile);
+  std::istringstream whole(text());
+  checkpoint::FileReader short_file(whole);
+  EXPECT_THROW(short_file.take(rows.data(), short_file.left() + 1), checkpoint::BadFile);
 }
 
 TEST_F(CheckpointFile, IsRefusedWithAnyByteChanged) {
@@ -75,7 +110,7 @@ TEST_F(CheckpointFile, OfAnotherFormatIsToldFromADamagedOne) {
   std::string older = whole, turned = whole;
   older[12] = 0;
   EXPECT_EQ(trouble_with(older),
-            "it is of version 0 of the format, and this program reads version 4");
+            "it is of version 0 of the format, and this program reads version 5");
   std::swap(turned[8], turned[11]);
   std::swap(turned[9], turned[10]);
   EXPECT_EQ(trouble_with(turned), "it was written by a machine with another order of bytes");
@@ -85,14 +120,14 @@ TEST_F(CheckpointFile, OfAnotherFormatIsToldFromADamagedOne) {
 
 TEST_F(CheckpointFile, DoesNotCountWithoutItsFooter) {
   const auto trouble =
-      checkpoint::write_file(folder.file("kept"), 1, some_checkpoint(), [] { return false; });
+      support::write_checkpoint(folder.file("kept"), 1, some_checkpoint(), [] { return false; });
   EXPECT_EQ(trouble, "a result before it was lost");
   EXPECT_EQ(trouble_with(folder.read("kept")), "it is not complete");
 }
 
 TEST_F(CheckpointFile, SaysWhyItCannotBeWritten) {
   const auto write = [&](const std::string& name) {
-    return checkpoint::write_file(name, 1, some_checkpoint(), [] { return true; });
+    return support::write_checkpoint(name, 1, some_checkpoint());
   };
   EXPECT_EQ(write(folder.file("nowhere/kept")), "No such file or directory");
   EXPECT_EQ(write("/dev/full"), "No space left on device");

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "checkpoint/CheckpointKeeper.hpp"
 #include "checkpoint/SomeCheckpoint.hpp"
 #include "support/text.hpp"
@@ -15,10 +17,11 @@ class CheckpointPair : public testing::Test {
     checkpoint::CheckpointKeeper keeper({.name = name});
     keep(keeper, steps);
   }
-  static void keep(checkpoint::CheckpointKeeper& keeper, long steps) {
+  static void keep(checkpoint::CheckpointKeeper& keeper, long steps,
+                   support::SomeRows rows = support::SomeRows()) {
     keeper.contents() = support::some_checkpoint();
     keeper.contents().clock.steps = steps;
-    keeper.write([] { return true; });
+    keeper.write(rows, [] { return true; });
     keeper.finish();
   }
   long newest() const { return checkpoint::load_newest(name).contents.clock.steps; }
@@ -54,6 +57,32 @@ TEST_F(CheckpointPair, IsWrittenInTurnAndReadFromItsNewerFile) {
     EXPECT_EQ(folder.read("kept.b") != before_b, steps % 2 == 0);
     EXPECT_EQ(newest(), steps);
   }
+}
+
+TEST_F(CheckpointPair, IsTheSameWhereRowsComeInPieces) {
+  keep(1);
+  const std::string whole = folder.read("kept.a");
+  for (const std::size_t pieces : {1, 2, 4}) {
+    std::filesystem::remove(folder.file("kept.a"));
+    checkpoint::CheckpointKeeper keeper({.name = name});
+    keep(keeper, 1, support::SomeRows(pieces));
+    EXPECT_TRUE(folder.read("kept.a") == whole) << pieces;
+  }
+}
+
+TEST_F(CheckpointPair, StaysWhereRowsAreLost) {
+  checkpoint::CheckpointKeeper keeper({.name = name});
+  keep(keeper, 1);
+  support::SomeRows rows(2);
+  rows.is_lost = true;
+  testing::internal::CaptureStderr();
+  keep(keeper, 2, rows);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Warning: the checkpoint " + name +
+                ".b couldn't be written: their rank has no memory; the one before it stays.\n");
+  EXPECT_EQ(newest(), 1);
+  keep(keeper, 3, support::SomeRows(2));
+  EXPECT_EQ(newest(), 3);
 }
 
 TEST_F(CheckpointPair, GoesOnInTurnInTheNextRun) {

@@ -35,6 +35,7 @@ void expect_rows(ranks::Group& group, const std::vector<Number>& own, Number cel
   const ranks::RowPlan plan(own, group);
   const ranks::RowBlock block = ranks::rows_of(group.rank(), group.size(), cells);
   ASSERT_EQ(plan.rows(), at(block.count));
+  EXPECT_EQ(plan.rows_of_all(), cells);
   for (const std::size_t columns : {1U, 4U}) {
     std::vector<double> sent, rows(columns * plan.rows());
     for (std::size_t column = 0; column < columns; ++column) {
@@ -46,12 +47,15 @@ void expect_rows(ranks::Group& group, const std::vector<Number>& own, Number cel
         EXPECT_EQ(rows[column * plan.rows() + at(row)], value(column, block.first + row));
       }
     }
+    std::vector<double> back(sent.size());
+    plan.send_back(rows, back, group);
+    EXPECT_EQ(back, sent);
   }
 }
 
 }  // namespace
 
-TEST(RowPlan, BringsEveryValueToItsRow) {
+TEST(RowPlan, BringsEveryValueToItsRowAndBack) {
   for (const int count : {1, 2, 3, 5, 7}) {
     for (const Number cells : {7, 100, 1001}) {
       const auto of_ranks = any_cells(count, cells, static_cast<unsigned>(cells));
