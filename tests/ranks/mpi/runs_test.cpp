@@ -24,6 +24,13 @@ using Words = std::vector<std::string>;
 /// The environment of a job, by which its processes are found.
 constexpr const char* mark = "QUILLMERE_TEST_JOB";
 
+/// What is asked of a run besides its case. A report needs orders for every step; with checkpoints
+/// or results in NetCDF rank 0 has the whole case, and without them no rank more than its share.
+struct Asked {
+  bool report = false, checkpoints = false, netcdf = false;
+};
+constexpr Asked everything = {true, true, true};
+
 class MpiRuns : public testing::Test {
  protected:
   /// Lets Open MPI start more ranks than cores, for any user.
@@ -67,21 +74,13 @@ class MpiRuns : public testing::Test {
 
   template <class Prepare>
   static void expect_the_files_of_one_process(const Prepare& prepare,
-                                              const std::vector<int>& numbers) {
-    for (const bool has_report : {true, false}) {
-      expect_the_files_of_one_process(prepare, numbers, has_report);
-    }
-  }
-  /// Without a report the ranks need no orders for most of their steps; without checkpoints and
-  /// results in NetCDF none of them needs more of the case than its share.
-  template <class Prepare>
-  static void expect_the_files_of_one_process(const Prepare& prepare,
-                                              const std::vector<int>& numbers, bool has_report) {
+                                              const std::vector<int>& numbers, const Asked& asked) {
     Words words;
-    if (has_report) words = {"--checkpoint", "kept", "--report", "report.json"};
+    if (asked.report) words = {"--report", "report.json"};
+    if (asked.checkpoints) words = with(words, {"--checkpoint", "kept"});
     const auto prepare_folder = [&](const TemporaryFolder& folder) {
       prepare(folder);
-      if (has_report) return;
+      if (asked.netcdf) return;
       nlohmann::json data = nlohmann::json::parse(folder.read("data.json"));
       data["output"].erase("results");
       data["output"].erase("results times");
@@ -99,7 +98,7 @@ class MpiRuns : public testing::Test {
       EXPECT_EQ(result.status, 0) << result.err;
       EXPECT_EQ(result.out, expected.out);
       EXPECT_EQ(result.err, expected.err);
-      if (has_report) {
+      if (asked.report) {
         EXPECT_EQ(ranks_in_report(folder), ranks);
       }
       const auto files = all_of(folder);
@@ -174,13 +173,18 @@ class LongMpiRun : public MpiRuns {
 }  // namespace
 
 TEST_F(MpiRuns, OfWaterWithEverythingLeaveTheFilesOfOneProcess) {
-  expect_the_files_of_one_process(
-      [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {1, 2, 4});
+  for (const Asked& asked : {everything, Asked{.report = true}}) {
+    expect_the_files_of_one_process(
+        [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {1, 2, 4},
+        asked);
+  }
 }
 
 TEST_F(MpiRuns, OfSandWithEverythingLeaveTheFilesOfOneProcess) {
-  expect_the_files_of_one_process(
-      [](const TemporaryFolder& folder) { test_restart::sand_case().write(folder); }, {3});
+  for (const Asked& asked : {everything, Asked{.netcdf = true}}) {
+    expect_the_files_of_one_process(
+        [](const TemporaryFolder& folder) { test_restart::sand_case().write(folder); }, {3}, asked);
+  }
 }
 
 TEST_F(MpiRuns, OfThePositiveSchemesLeaveTheFilesOfOneProcess) {
@@ -192,7 +196,7 @@ TEST_F(MpiRuns, OfThePositiveSchemesLeaveTheFilesOfOneProcess) {
           c.data["model"]["flux scheme"] = scheme;
           c.write(folder);
         },
-        {2}, true);
+        {2}, everything);
   }
 }
 
@@ -211,7 +215,7 @@ TEST_F(MpiRuns, OfTheExamplesLeaveTheFilesOfOneProcess) {
           data["tend"] = 0.1 * data["tend"].get<double>();
           folder.write("data.json", data.dump());
         },
-        {2}, false);
+        {2}, {});
   }
 }
 
