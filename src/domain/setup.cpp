@@ -163,7 +163,11 @@ void Domain::set_other_parameters() {
   ground_ = flow_->ground(case_);
   if (data_.maxima) flow_->keep_maxima(data_.maxima->arrival_depth);
   if (settings_.flow.asks_for_card()) {
-    log << "  Graphics card: " << flow_->execution_path().instruction_set << '\n';
+    const fields::ExecutionPath path = flow_->execution_path();
+    log << "  Graphics card: " << path.instruction_set << '\n';
+    for (std::size_t rank = 1; rank < path.ranks_run_on.size(); ++rank) {
+      log << "  Graphics card of rank " << rank << ": " << path.ranks_run_on[rank] << '\n';
+    }
   }
   const fields::FlowScales scales = flow_->scales();
   log << "  Largest initial water depth (h0): " << scales.h0 << '\n'

@@ -49,7 +49,7 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
   if (processor.device == Device::none) {
     host_ = make_host_backend(tables_, team_, processor);
   } else {
-    device_ = device::make_device_backend(processor.device, tables_, forcing_, activity_, team_);
+    device_ = device::make_device_backend(processor, tables_, forcing_, activity_, team_);
   }
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;

@@ -14,6 +14,8 @@ struct Processor {
   /// Of the host: baseline, avx2 or avx512; without one the best of this machine.
   std::optional<std::string> instruction_set = {};
   Device device = Device::none;
+  /// Of several users of the graphics cards of a machine, which take one each in turn.
+  int number_on_machine = 0;
 };
 
 }  // namespace engine

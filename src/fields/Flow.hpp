@@ -3,6 +3,8 @@
 
 #include <memory>
 #include <span>
+#include <string>
+#include <vector>
 
 #include "case/Case.hpp"
 #include "engine/State.hpp"
@@ -51,6 +53,7 @@ struct ExecutionPath {
   int ranks = 1;
   int recuts = 0;
   double imbalance = 1.0;
+  std::vector<std::string> ranks_run_on = {};  ///< of several, what each has as instruction set
 };
 
 /// What the rule of the time step takes for cells without water.

@@ -68,10 +68,12 @@ FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& 
 
 RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
   try {
-    engine_ = std::make_unique<engine::Engine>(
-        part_, *exchange_, plan.threads, cells_per_patch_for(plan, part_.owned), plan.processor);
+    engine::Processor processor = plan.processor;
+    processor.number_on_machine = group_.rank_on_machine();
+    engine_ = std::make_unique<engine::Engine>(part_, *exchange_, plan.threads,
+                                               cells_per_patch_for(plan, part_.owned), processor);
     fields_ = std::make_unique<TableFields>(part_.contents, *engine_);
-    return {.threads = engine_->threads()};
+    return {.threads = engine_->threads(), .run_on = {engine_->instruction_set()}};
   } catch (const std::length_error& error) {
     return {Outcome::no_room_in_tables, error.what()};
   } catch (const std::exception& error) {
@@ -83,9 +85,11 @@ void FlowOfRank::agree_on_start() {
   if (is_first()) {
     for (int rank = 1; rank < group_.size(); ++rank) {
       auto other = ranks::receive_value<RankStart>(group_, rank);
-      const int threads = std::min(start_.threads, other.threads);
-      if (start_.outcome == Outcome::good) start_ = std::move(other);
-      start_.threads = threads;
+      start_.threads = std::min(start_.threads, other.threads);
+      start_.run_on.insert(start_.run_on.end(), other.run_on.begin(), other.run_on.end());
+      if (start_.outcome != Outcome::good) continue;
+      start_.outcome = other.outcome;
+      start_.trouble = std::move(other.trouble);
     }
   } else {
     ranks::send_value(group_, start_, 0);

@@ -42,11 +42,12 @@ struct RankStart {
   enum class Outcome { good, no_room_in_tables, failed };
   Outcome outcome = Outcome::good;
   std::string trouble = {};
-  int threads = 0;  ///< that the system gave
+  int threads = 0;                       ///< that the system gave
+  std::vector<std::string> run_on = {};  ///< instruction set or device, of every rank
 
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.outcome, self.trouble, self.threads);
+    visit(self.outcome, self.trouble, self.threads, self.run_on);
   }
 };
 

@@ -253,7 +253,8 @@ ExecutionPath RanksFlow::execution_path() const {
           part_->engine().instruction_set(),
           group_->size(),
           recuts_,
-          balance_->imbalance()};
+          balance_->imbalance(),
+          part_->start().run_on};
 }
 
 UnseenDepth RanksFlow::unseen_depth(Number cell) const {

@@ -30,6 +30,9 @@ class Group {
   /// Cores that this rank may use, at least 1: those of its machine, shared among the ranks there.
   virtual int cores() const = 0;
 
+  /// From 0 on, among those of the same machine.
+  virtual int rank_on_machine() const = 0;
+
   /// Bytes of rank 0, for all others.
   virtual void broadcast(std::span<std::byte> bytes) = 0;
   virtual void send(std::span<const std::byte> bytes, int to) = 0;

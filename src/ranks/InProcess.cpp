@@ -100,6 +100,7 @@ class InProcess::Member : public Group {
   int cores() const override {
     return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / size());
   }
+  int rank_on_machine() const override { return rank_; }
 
   void broadcast(std::span<std::byte> bytes) override {
     if (rank_ > 0) return receive(bytes, 0);

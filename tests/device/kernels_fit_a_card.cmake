@@ -1,27 +1,13 @@
-# Compiles the kernels of a step for cards, as `cmake -DNVCC=... -DFLAGS=... -DFOLDER=... -P` of this
-# file, and looks at what the compiler says of each: nothing may be spilled to memory, and registers
-# must leave room for enough threads on a multiprocessor (65,536 registers).
-set(architectures 80 90 100)
+# Compiles the kernels of a step for cards, as `cmake -DNVCC=... -DFLAGS=... -DARCHITECTURES=...
+# -DFOLDER=... -P` of this file, and looks at what the compiler says of each: nothing may be spilled to
+# memory, and registers must leave room for enough threads on a multiprocessor (65,536 registers).
 set(threads_per_multiprocessor_water 768)  # three blocks of a patch
 set(threads_per_multiprocessor_bed 512)
 set(threads_per_multiprocessor_hll2 512)  # two
 set(kernels_of_a_step 14)
 
-# The architectures that this compiler knows.
-execute_process(COMMAND ${NVCC} --list-gpu-code OUTPUT_VARIABLE known ERROR_VARIABLE refusal)
-foreach(architecture IN LISTS architectures)
-  if(NOT known MATCHES "sm_${architecture}\n")
-    message(STATUS "This compiler knows no sm_${architecture}")
-    list(REMOVE_ITEM architectures ${architecture})
-  endif()
-endforeach()
-if(NOT architectures)
-  message(STATUS "Skipped: this compiler knows none of the architectures ${refusal}")
-  return()
-endif()
-
 set(code)
-foreach(architecture IN LISTS architectures)
+foreach(architecture IN LISTS ARCHITECTURES)
   list(APPEND code -gencode arch=compute_${architecture},code=sm_${architecture})
 endforeach()
 execute_process(
@@ -37,7 +23,7 @@ set(line "[^\n]*\n")
 string(REGEX MATCHALL
   "Compiling entry function '[^']+' for '[^']+'\n${line}${line}[^\n]*Used [0-9]+ registers"
   kernels "${said}")
-list(LENGTH architectures per_kernel)
+list(LENGTH ARCHITECTURES per_kernel)
 list(LENGTH kernels count)
 math(EXPR expected "${kernels_of_a_step} * ${per_kernel}")
 if(NOT count EQUAL expected)

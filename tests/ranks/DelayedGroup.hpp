@@ -65,6 +65,7 @@ class DelayedGroup final : public ranks::Group {
   int rank() const override { return group_->rank(); }
   int size() const override { return group_->size(); }
   int cores() const override { return group_->cores(); }
+  int rank_on_machine() const override { return group_->rank_on_machine(); }
   void broadcast(std::span<std::byte> bytes) override {
     wait_();
     group_->broadcast(bytes);

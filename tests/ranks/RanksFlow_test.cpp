@@ -24,6 +24,7 @@ class CountingGroup final : public ranks::Group {
   int rank() const override { return group_->rank(); }
   int size() const override { return group_->size(); }
   int cores() const override { return group_->cores(); }
+  int rank_on_machine() const override { return group_->rank_on_machine(); }
   void broadcast(std::span<std::byte> bytes) override {
     if (rank() == 0) ++broadcasts_;
     group_->broadcast(bytes);
@@ -110,6 +111,8 @@ TEST_F(RanksFlow, TellsOnceThatTheSystemIsNotHyperbolicWhereverThatIs) {
         EXPECT_EQ(told_.warnings, expected);
         EXPECT_EQ(flow->execution_path().name, path);
         EXPECT_EQ(flow->execution_path().ranks, 3);
+        const std::string what = flow->execution_path().instruction_set;
+        EXPECT_EQ(flow->execution_path().ranks_run_on, std::vector<std::string>(3, what));
       });
     }
   }

@@ -54,6 +54,14 @@ inline void expect_messages_to_some(ranks::Group& group) {
   }
 }
 
+/// Of ranks that are all on one machine.
+inline void expect_ranks_of_a_machine(ranks::Group& group) {
+  const int own = group.rank_on_machine();
+  std::vector<int> all(engine::at(group.size()));
+  group.gather_all(std::as_bytes(std::span(&own, 1)), std::as_writable_bytes(std::span(all)));
+  for (int rank = 0; rank < group.size(); ++rank) EXPECT_EQ(all[engine::at(rank)], rank);
+}
+
 inline void expect_gathered_by_all(ranks::Group& group) {
   for (const std::size_t count : {0U, 1U, 7U, 8U, 1000U}) {
     const utils::Bytes own = some_bytes(count, group.rank());

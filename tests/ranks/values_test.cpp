@@ -79,6 +79,7 @@ TEST(RanksInOneProcess, SendToSomeAndGatherInAnyOrderOfArrival) {
     on_ranks(count, [](ranks::Group& group) {
       test_ranks::expect_messages_to_some(group);
       test_ranks::expect_gathered_by_all(group);
+      test_ranks::expect_ranks_of_a_machine(group);
     });
     test_ranks::on_late_ranks(count, [](ranks::Group& group) {
       test_ranks::expect_messages_to_some(group);

@@ -184,19 +184,24 @@ class CardParcel {
   cudaEvent_t copied_ = nullptr;
 };
 
-/// The first card that the driver shows.
+/// One of the cards that the driver shows.
 class Card {
  public:
   template <class Value>
   using Array = CardArray<Value>;
   using Parcel = CardParcel;
 
-  Card() {
-    int device = 0;
-    check(cudaGetDevice(&device));
+  /// Cards are counted over and over from 0. The process, and its calling thread, use it from now
+  /// on.
+  explicit Card(int number) {
+    int cards = 0;
+    check(cudaGetDeviceCount(&cards));
+    const int device = number % cards;
+    check(cudaSetDevice(device));
     cudaDeviceProp properties;
     check(cudaGetDeviceProperties(&properties, device));
     name_ = properties.name;
+    if (cards > 1) name_ += ", card " + std::to_string(device) + " of " + std::to_string(cards);
     multiprocessors_ = properties.multiProcessorCount;
     scratch_bytes_ = properties.sharedMemPerBlockOptin;
   }

@@ -17,7 +17,7 @@ struct EndStep {
   const PatchFindings* findings;  ///< of the patches that take part
   const EdgeFound* edges_found;   ///< around the patches with outer fluxes; null: nobody looks
   int patches;
-  bool boundaries_bound_step;  ///< see step_of_boundaries
+  bool boundaries_bound_step;        ///< see step_of_boundaries
   double dry_step, char_length_min;  ///< s, m
   StepClock* clock;
 
@@ -39,7 +39,8 @@ struct EndStep {
       first = first_of(first, kernel.edges_found[p]);
       if (takes_part) first = first_of(first, kernel.findings[p].not_hyperbolic);
     }
-    if (kernel.boundaries_bound_step) smallest = physics::smaller(smallest, step_of_boundaries(kernel, thread));
+    if (kernel.boundaries_bound_step)
+      smallest = physics::smaller(smallest, step_of_boundaries(kernel, thread));
     store(kernel, thread.number, scratch, smallest, first);
   }
 

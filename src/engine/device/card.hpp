@@ -1,4 +1,4 @@
-// The graphics card of this machine, in a program that was built for one: make_card_backend.cu, or
+// The graphics cards of this machine, in a program that was built for one: make_card_backend.cu, or
 // no_card.cpp in any other.
 #pragma once
 
@@ -12,9 +12,10 @@ namespace engine::device {
 /// names what is missing.
 void require_card();
 
-/// The card for what a run has on the host, which must outlive it. Throws std::runtime_error as
-/// require_card() does, and where the card lacks memory.
-std::unique_ptr<DeviceSteps> make_card_backend(Tables& tables, Forcing& forcing,
+/// A card for what a run has on the host, which must outlive it: of several the one with this
+/// number, counted over and over from 0. Throws std::runtime_error as require_card() does, and
+/// where the card lacks memory.
+std::unique_ptr<DeviceSteps> make_card_backend(int number, Tables& tables, Forcing& forcing,
                                                Activity& activity);
 
 }  // namespace engine::device

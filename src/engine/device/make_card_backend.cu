@@ -15,10 +15,10 @@ void require_card() {
                            ".");
 }
 
-std::unique_ptr<DeviceSteps> make_card_backend(Tables& tables, Forcing& forcing,
+std::unique_ptr<DeviceSteps> make_card_backend(int number, Tables& tables, Forcing& forcing,
                                                Activity& activity) {
   require_card();
-  return std::make_unique<DeviceBackend<Card>>(tables, forcing, activity, Card());
+  return std::make_unique<DeviceBackend<Card>>(tables, forcing, activity, Card(number));
 }
 
 }  // namespace engine::device

@@ -6,11 +6,14 @@
 
 namespace engine::device {
 
-std::unique_ptr<DeviceSteps> make_device_backend(Device device, Tables& tables, Forcing& forcing,
-                                                 Activity& activity, ThreadTeam& team) {
-  if (device == Device::card) return make_card_backend(tables, forcing, activity);
+std::unique_ptr<DeviceSteps> make_device_backend(const Processor& processor, Tables& tables,
+                                                 Forcing& forcing, Activity& activity,
+                                                 ThreadTeam& team) {
+  if (processor.device == Device::card) {
+    return make_card_backend(processor.number_on_machine, tables, forcing, activity);
+  }
   const Emulator::Mode mode =
-      device == Device::watched ? Emulator::Mode::watching : Emulator::Mode::plain;
+      processor.device == Device::watched ? Emulator::Mode::watching : Emulator::Mode::plain;
   return std::make_unique<DeviceBackend<Emulator>>(tables, forcing, activity, Emulator(team, mode));
 }
 

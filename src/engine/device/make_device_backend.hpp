@@ -12,9 +12,11 @@ namespace engine::device {
 /// the states around the patch as well.
 constexpr int cells_per_patch(cases::Scheme scheme) { return cases::is_hll(scheme) ? 256 : 512; }
 
-/// A device for what a run has on the host, which must outlive it, as the team that emulates one.
-/// Throws std::runtime_error where there is no such device, or it has too little memory.
-std::unique_ptr<DeviceSteps> make_device_backend(Device device, Tables& tables, Forcing& forcing,
-                                                 Activity& activity, ThreadTeam& team);
+/// The device of a processor for what a run has on the host, which must outlive it, as the team
+/// that emulates one. Throws std::runtime_error where there is no such device, or it has too little
+/// memory.
+std::unique_ptr<DeviceSteps> make_device_backend(const Processor& processor, Tables& tables,
+                                                 Forcing& forcing, Activity& activity,
+                                                 ThreadTeam& team);
 
 }  // namespace engine::device

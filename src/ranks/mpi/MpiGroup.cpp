@@ -22,15 +22,6 @@ constexpr int tag_of_messages = 3;
 /// that this one is over.
 constexpr int tags_of_sizes[] = {4, 5};
 
-int ranks_on_this_machine(MPI_Comm communicator) {
-  MPI_Comm here = MPI_COMM_NULL;
-  MPI_Comm_split_type(communicator, MPI_COMM_TYPE_SHARED, 0, MPI_INFO_NULL, &here);
-  int ranks = 1;
-  MPI_Comm_size(here, &ranks);
-  MPI_Comm_free(&here);
-  return ranks;
-}
-
 /// Whoever starts the job may have bound its processes to cores, or may have left that to them.
 int cores_for_a_rank(int ranks_here) {
   const auto all = static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN));
@@ -58,8 +49,16 @@ void MpiSession::abort(int status) {
 }
 
 MpiGroup::MpiGroup(MPI_Comm communicator, std::size_t piece)
-    : piece_(piece), cores_(cores_for_a_rank(ranks_on_this_machine(communicator))) {
+    : piece_(piece), machine_(communicator), cores_(cores_for_a_rank(machine_.ranks)) {
   MPI_Comm_dup(communicator, &communicator_);
+}
+
+MpiGroup::Machine::Machine(MPI_Comm communicator) {
+  MPI_Comm here = MPI_COMM_NULL;
+  MPI_Comm_split_type(communicator, MPI_COMM_TYPE_SHARED, 0, MPI_INFO_NULL, &here);
+  MPI_Comm_size(here, &ranks);
+  MPI_Comm_rank(here, &rank);
+  MPI_Comm_free(&here);
 }
 
 MpiGroup::~MpiGroup() { MPI_Comm_free(&communicator_); }

@@ -36,6 +36,7 @@ class MpiGroup final : public Group {
   int rank() const override;
   int size() const override;
   int cores() const override { return cores_; }
+  int rank_on_machine() const override { return machine_.rank; }
   void broadcast(std::span<std::byte> bytes) override;
   void send(std::span<const std::byte> bytes, int to) override;
   void receive(std::span<std::byte> bytes, int from) override;
@@ -51,8 +52,16 @@ class MpiGroup final : public Group {
   /// The sizes of what others send to this rank, which tell theirs.
   std::vector<Message> receive_sizes(const std::vector<Message>& sent);
 
+  /// Those of the communicator that are on the machine of this one.
+  struct Machine {
+    int ranks = 1, rank = 0;
+
+    explicit Machine(MPI_Comm communicator);
+  };
+
   MPI_Comm communicator_ = MPI_COMM_NULL;  ///< its own
   std::size_t piece_;
+  Machine machine_;
   int rounds_ = 0;  ///< of messages to some
   int cores_;
 };

@@ -16,6 +16,7 @@ TEST(MpiGroup, GathersTheSameOnAll) {
   for (const std::size_t piece : {ranks::MpiGroup::largest_piece, std::size_t{13}}) {
     ranks::MpiGroup group(MPI_COMM_WORLD, piece);
     test_ranks::expect_gathered_by_all(group);
+    test_ranks::expect_ranks_of_a_machine(group);
   }
 }
 
