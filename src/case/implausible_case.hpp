@@ -13,7 +13,7 @@ namespace cases {
 /// What hardly was meant in the cells of a case and at their boundaries; of parts of it, added up,
 /// the same.
 struct ImplausibleFields {
-  plausibility::Outliers friction, infiltration_below_zero, deep_infiltration;
+  plausibility::Outliers friction = {}, infiltration_below_zero = {}, deep_infiltration = {};
   /// Edges that let water out of dry cells; the largest discharge (m2/s) over the first of them,
   /// and the depth in its cell, m.
   long outflows = 0;

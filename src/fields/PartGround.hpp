@@ -14,8 +14,8 @@ namespace fields {
 struct GroundQuestion {
   enum class Kind { cells, edges, around, cells_at };
   Kind kind = Kind::cells;
-  std::vector<cases::Number> numbers;  ///< of cells or edges
-  std::vector<double> x, y;            ///< of points, m
+  std::vector<cases::Number> numbers = {};  ///< of cells or edges
+  std::vector<double> x = {}, y = {};       ///< of points, m
 
   /// Here and below for utils/bytes.hpp.
   template <class Self, class Visit>

@@ -42,9 +42,9 @@ struct RanksRequest {
 class RanksFlow : public Flow {
  public:
   /// On rank 0, while the others serve; more ranks than cells take no part. Of a shared case
-  /// `contents` needs no mesh and no fields. Case, diagnostics and
-  /// group must outlive it. Throws as TablesFlow does, and std::runtime_error where a rank cannot
-  /// start. `most_threads` of each rank, as in FlowRequest.
+  /// `contents` needs no mesh and no fields. Case, diagnostics and group must outlive it. Throws as
+  /// TablesFlow does, and std::runtime_error where a rank cannot start. `most_threads` of each
+  /// rank, as in FlowRequest.
   RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostics,
             const RanksRequest& request, int most_threads, const engine::Processor& processor);
   ~RanksFlow() override;

@@ -18,6 +18,7 @@ SharedCase::SharedCase(ranks::Group& group, const std::string& data_file,
   cases::copy_parameters(read_.share.part.contents, case_.contents);
   case_.data = std::move(read_.data);
   case_.area_loss = read_.area_loss;
+  read_.owners = {};
 }
 
 std::unique_ptr<Ground> SharedCase::ground() const {
