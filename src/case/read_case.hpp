@@ -24,6 +24,18 @@ struct Listeners {
   std::function<void(const utils::KeyUses&, const Case&)> on_keys = {};
 };
 
+/// Listeners that hear nothing.
+class NoListeners {
+ public:
+  NoListeners() { console_.mute(); }
+
+  Listeners listeners() { return {nowhere_, console_}; }
+
+ private:
+  std::ostream nowhere_{nullptr};
+  utils::Console console_{nowhere_};
+};
+
 struct ReadCase {
   Case contents;
   DataFile data;

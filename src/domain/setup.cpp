@@ -57,10 +57,9 @@ bool Domain::can_share_case() const {
 }
 
 void Domain::fetch_mesh() {
-  std::ostream nowhere(nullptr);
-  utils::Console console(nowhere);
   cases::WithoutWarnings silent;
-  cases::Case whole = cases::read_case(data_file_, {nowhere, console}, silent).contents;
+  cases::Case whole =
+      cases::read_case(data_file_, cases::NoListeners().listeners(), silent).contents;
   read_.contents.mesh = std::move(whole.mesh);
   read_.contents.fields = std::move(whole.fields);
   shared_.reset();

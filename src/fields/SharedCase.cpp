@@ -31,11 +31,9 @@ std::unique_ptr<Ground> SharedCase::ground() const {
 std::optional<ranks::Share> read_own_share(ranks::Group& group) {
   std::string data_file;
   ranks::broadcast_in(group, data_file);
-  std::ostream nowhere(nullptr);
-  utils::Console console(nowhere);
   cases::WithoutWarnings silent;
   try {
-    return ranks::read_share(group, data_file, {nowhere, console}, silent).share;
+    return ranks::read_share(group, data_file, cases::NoListeners().listeners(), silent).share;
   } catch (const utils::FatalError&) {  // as all ranks end; rank 0 tells it
     return {};
   }

@@ -33,10 +33,7 @@ Simulation::Run::Run(const Case& given, const Options& options)
 }
 
 Simulation::Run::Run(const std::string& data_file, const Options& options) {
-  std::ostream nowhere(nullptr);
-  utils::Console console(nowhere);
-  console.mute();
-  cases::ReadCase read = cases::read_case(data_file, {nowhere, console}, warnings_);
+  cases::ReadCase read = cases::read_case(data_file, cases::NoListeners().listeners(), warnings_);
   case_ = std::move(read.contents);
   begin(read.data, read.area_loss, options);
 }

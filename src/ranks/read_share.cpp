@@ -1,7 +1,6 @@
 #include "ranks/read_share.hpp"
 
 #include <map>
-#include <ostream>
 #include <utility>
 
 #include "case/EndAtFirstError.hpp"
@@ -38,11 +37,8 @@ ReadShare read_share(Group& group, const std::string& data_file, const cases::Li
   if (group.rank() == 0) {
     blocks = read_blocks(group, data_file, listeners, diagnostics, read.data);
   } else {
-    std::ostream nowhere(nullptr);
-    utils::Console console(nowhere);
-    console.mute();
     cases::WithoutWarnings silent;  // rank 0 gives the same
-    blocks = read_blocks(group, data_file, {nowhere, console}, silent, read.data);
+    blocks = read_blocks(group, data_file, cases::NoListeners().listeners(), silent, read.data);
   }
   read.area_loss = blocks.area_loss;
   read.counts = {blocks.nodes.total(), blocks.cells.total(), blocks.edges.total()};

@@ -121,11 +121,8 @@ class ChangedCase {
     std::error_code error;
     fs::current_path(folder, error);
     if (error) throw tools::Error("the folder " + folder + " can't be entered: " + error.message());
-    std::ostream nowhere(nullptr);
-    utils::Console console(nowhere);
-    console.mute();
     FirstError diagnostics;
-    read_ = cases::read_case(cases::data_file_name, {nowhere, console}, diagnostics);
+    read_ = cases::read_case(cases::data_file_name, cases::NoListeners().listeners(), diagnostics);
     std::ifstream file(cases::data_file_name, std::ios::binary);
     data_ = nlohmann::ordered_json::parse(file);
   }
