@@ -20,7 +20,8 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
     keeper_ = std::make_unique<checkpoint::CheckpointKeeper>(*settings.checkpoints);
   }
   if (keeper_ || is_restarted()) {
-    inputs_ = checkpoint::inputs_of(case_, cases::input_sums_of(case_), settings.version);
+    const cases::InputSums sums = shared_ ? shared_->input_sums() : cases::input_sums_of(case_);
+    inputs_ = checkpoint::inputs_of(case_, sums, settings.version);
   }
   if (is_restarted()) require_same_inputs();
   ground_ = shared_ ? shared_->ground() : std::make_unique<fields::WholeGround>(case_);
@@ -47,13 +48,11 @@ cases::ReadCase Domain::read_case(const std::string& data_file) {
   return shared_->take_case();
 }
 
-// What needs the whole case until it can do with shares: checkpoints, results in NetCDF and the
-// objects.
+// What needs the whole case until it can do with shares: results in NetCDF and the objects.
 bool Domain::can_share_case() const {
   const fields::RanksRequest& ranks = settings_.flow.ranks;
   const bool has_ranks = ranks.group != nullptr && ranks.group->size() > 1 && ranks.can_read_files;
-  return has_ranks && settings_.flow.path != "objects" && settings_.checkpoints == nullptr &&
-         !is_restarted();
+  return has_ranks && settings_.flow.path != "objects";
 }
 
 void Domain::fetch_mesh() {

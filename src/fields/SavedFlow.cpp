@@ -73,7 +73,8 @@ bool fits(const SavedFlow& saved, const SavedFlow& present, const cases::Case& c
   for (std::size_t column = 0; column < columns_of_state; ++column) {
     // The free surface of the start is there before the first step alone; maxima may be kept no
     // more.
-    const bool may_be_missing = is_of_start(column), may_be_more = is_maximum(column);
+    const bool may_be_missing = is_of_start(column);
+    const bool may_be_more = is_of_start(column) || is_maximum(column);
     const bool is_there = has(saved, column), is_needed = has(present, column);
     if (is_needed && !is_there && !may_be_missing) return false;
     if (is_there && !is_needed && !may_be_more) return false;

@@ -22,6 +22,7 @@ class SharedCase {
   /// Without mesh and fields; once.
   cases::ReadCase take_case() { return std::move(case_); }
   const MeshCounts& counts() const { return read_.counts; }
+  const cases::InputSums& input_sums() const { return read_.input_sums; }
   const cases::ImplausibleFields& implausible() const { return read_.implausible; }
   /// Until a flow is made; it must not outlive this.
   std::unique_ptr<Ground> ground() const;

@@ -21,6 +21,18 @@ CaseBlocks read_blocks(Group& group, const std::string& data_file,
   return blocks;
 }
 
+/// Of the whole case.
+cases::InputSums input_sums_of(Group& group, const CaseBlocks& blocks) {
+  const int rank = group.rank();
+  cases::InputSums own, all;
+  own.add_nodes(blocks.nodes.begin(rank), blocks.corners.x, blocks.corners.y, blocks.corners.z);
+  own.add_cells(blocks.cells.begin(rank), blocks.contents.mesh, blocks.node_number);
+  own.add_fields(blocks.cells.begin(rank), blocks.contents.fields);
+  own.add_edges(blocks.edges.begin(rank), blocks.edges_here, blocks.first_boundary);
+  for (const cases::InputSums& sums : gather_all_plain(group, own)) all.add(sums);
+  return all;
+}
+
 cases::ImplausibleFields implausible_in_all(Group& group, const cases::Part& part) {
   cases::ImplausibleFields all;
   std::map<int, cases::ImplausibleFields> own = {{0, cases::implausible_fields(part)}};
@@ -42,6 +54,7 @@ ReadShare read_share(Group& group, const std::string& data_file, const cases::Li
   }
   read.area_loss = blocks.area_loss;
   read.counts = {blocks.nodes.total(), blocks.cells.total(), blocks.edges.total()};
+  read.input_sums = input_sums_of(group, blocks);
   read.cells = blocks.cells;
   read.owners = owners_along_curve(group, blocks);
   const int rings = cases::rings_of(blocks.contents.scheme);

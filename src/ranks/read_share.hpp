@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "case/implausible_case.hpp"
+#include "case/input_sums.hpp"
 #include "case/read_case.hpp"
 #include "ranks/Blocks.hpp"
 #include "ranks/share_of.hpp"
@@ -15,6 +16,7 @@ struct ReadShare {
   Share share;
   cases::DataFile data;
   cases::MeshCounts counts;              ///< of the whole mesh
+  cases::InputSums input_sums;           ///< of the whole case
   AreaLoss area_loss;                    ///< of all cells; on rank 0
   cases::ImplausibleFields implausible;  ///< of the whole case; on rank 0
   Blocks cells;                          ///< who knows the owner of which cell ...

@@ -15,6 +15,7 @@ class RunOnRanks : public Restart {
     int count;
     bool is_uneven = false, is_late = false;
     bool have_report = true;  ///< which asks after every step
+    bool read_together = false;
   };
 
   long run_on(const Ranks& how, const support::TemporaryFolder& folder,
@@ -29,6 +30,7 @@ class RunOnRanks : public Restart {
     test_ranks::as_first_of(others, [&](ranks::Group& group) {
       fields::FlowRequest machine{.most_threads = threads};
       machine.ranks.group = &group;
+      machine.ranks.can_read_files = how.read_together;
       if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
       steps = run(folder, stop, machine, how.have_report);
     });
@@ -121,6 +123,31 @@ TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {
       EXPECT_EQ(run_on(calls.first, folder, calls.stop), calls.stop);
       EXPECT_EQ(run_on(calls.second, folder), steps_);
       expect_whole_results(folder, "stopped at step " + std::to_string(calls.stop));
+    }
+  }
+}
+
+TEST_F(RunOnRanks, GoesOnWhereRanksReadTheCaseTogether) {
+  for (Case c : {water_case(), sand_case()}) {
+    for (const char* const results : {"results", "results times"}) c.data["output"].erase(results);
+    const support::TemporaryFolder alone;
+    c.write(alone);
+    run(alone, {}, {});
+    const auto expected = all_of(alone);
+    run_whole(c);
+    const Ranks three{.count = 3, .read_together = true};
+    const Ranks two{.count = 2, .is_late = true, .read_together = true};
+    const support::TemporaryFolder at_once;
+    c.write(at_once);
+    EXPECT_EQ(run_on(three, at_once), steps_);
+    EXPECT_TRUE(all_of(at_once) == expected);
+    for (const auto& [first, second] :
+         {std::pair(three, two), std::pair(two, Ranks{1}), std::pair(Ranks{1}, three)}) {
+      const support::TemporaryFolder folder;
+      c.write(folder);
+      EXPECT_EQ(run_on(first, folder, 33), 33);
+      EXPECT_EQ(run_on(second, folder), steps_);
+      expect_whole_results(folder, "stopped at step 33");
     }
   }
 }

@@ -105,6 +105,8 @@ TEST_F(SharedCaseTest, HasTheGroundOfAWholeOneBeforeAndAfterItsFlowIsMade) {
     for (const int count : {2, 3, 5}) {
       with_shared(count, data_file, [&](auto& shared, auto& read, const auto& request) {
         expect_same_ground(*shared.ground(), whole.contents());
+        const cases::InputSums sums = cases::input_sums_of(whole.contents());
+        EXPECT_EQ(std::memcmp(&shared.input_sums(), &sums, sizeof sums), 0);
         const auto flow = fields::make_flow(read.contents, told_, request);
         expect_same_ground(*flow->ground(read.contents), whole.contents());
       });
