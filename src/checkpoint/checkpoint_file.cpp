@@ -14,7 +14,7 @@ namespace checkpoint {
 
 namespace {
 
-constexpr std::uint32_t version = 5;  // to be counted up with every change of what is written
+constexpr std::uint32_t version = 6;  // to be counted up with every change of what is written
 constexpr std::uint32_t byte_order = 0x01020304;
 constexpr std::uint32_t largest_block = 4 << 20;
 constexpr std::array<char, 8> start_mark = {'Q', 'm', 'C', 'h', 'e', 'c', 'k', '\n'};

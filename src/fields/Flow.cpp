@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "case/initial_state.hpp"
 #include "fields/PartLooks.hpp"
 
 namespace fields {
@@ -40,6 +41,31 @@ class WholeRows final : public Rows {
   const cases::Mesh& mesh_;
   RowsRequest request_;
   std::vector<double> values_;  ///< of the first field, of the second, ...
+};
+
+/// All values of a flow that this process computes alone.
+class WholeValueRows final : public ValueRows {
+ public:
+  WholeValueRows(const Flow& flow, const cases::Case& contents) : flow_(flow) {
+    bed_.reserve(at(contents.mesh.n_cells()));
+    for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
+      bed_.push_back(cases::bed_level_of(contents, cell));
+    }
+  }
+
+  void gather(const std::vector<Field>& fields) override {
+    for (const Field field : fields) {
+      columns_[field].resize(bed_.size());
+      flow_.read(field, columns_[field]);
+    }
+  }
+  const Columns& columns() const override { return columns_; }
+  const std::vector<double>& bed() const override { return bed_; }
+
+ private:
+  const Flow& flow_;
+  Columns columns_;
+  std::vector<double> bed_;
 };
 
 /// What is kept of a flow that this process computes alone.
@@ -83,6 +109,10 @@ SavedCells taken_from(const SavedFlow& saved, const std::vector<SavedPart>& part
 }
 
 }  // namespace
+
+std::unique_ptr<ValueRows> Flow::value_rows(const cases::Case& contents) const {
+  return std::make_unique<WholeValueRows>(*this, contents);
+}
 
 std::unique_ptr<SavedRows> Flow::saved_rows() const {
   return std::make_unique<WholeSavedRows>(*this);

@@ -105,6 +105,8 @@ class Flow {
   virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
   /// The rows of a table of all cells of a mesh, which must live as long, as must the flow.
   virtual std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const;
+  /// Rows of numbers of all cells, those of this case, which must live as long, as must the flow.
+  virtual std::unique_ptr<ValueRows> value_rows(const cases::Case& contents) const;
   /// The rows of what is kept of the flow between steps, which must outlive them.
   virtual std::unique_ptr<SavedRows> saved_rows() const;
   /// Puts the state that was saved in force, see fields::fits(), of rows that come one behind the

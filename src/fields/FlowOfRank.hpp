@@ -111,6 +111,8 @@ class FlowOfRank {
   void read_rows(const std::vector<Field>& fields, std::vector<double>& values);
   /// x, y and z, m.
   void centres_of_rows(std::vector<double>& values);
+  /// At the start, m.
+  void beds_of_rows(std::vector<double>& values);
   /// What is kept of the flow, and the columns of its rows.
   void save_rows(const SavedRequest& request, SavedFlow& saved, std::vector<double>& values);
 

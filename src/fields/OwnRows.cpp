@@ -50,6 +50,19 @@ void OwnTableRows::make_text(utils::TextBuffer& text) const {
   });
 }
 
+void OwnValueRows::gather(const ValuesRequest& request, FlowOfRank& part) {
+  fields_ = request.fields;
+  for (const Field field : fields_) part.read_rows({field}, columns_[field]);
+}
+
+void OwnValueRows::make_text(utils::TextBuffer& text) const {
+  std::vector<const double*> columns;
+  for (const Field field : fields_) columns.push_back(columns_[field].data());
+  columns.push_back(bed_.data());
+  TextSink sink(text);
+  put_rows(columns, bed_.size(), sink);
+}
+
 void OwnSavedRows::gather(const SavedRequest& request, FlowOfRank& part) {
   part.save_rows(request, flow_, values_);
 }

@@ -36,6 +36,23 @@ class OwnTableRows final : public OwnRows {
   std::vector<double> values_;  ///< column by column
 };
 
+/// Of values of fields, and of the bed.
+class OwnValueRows final : public OwnRows {
+ public:
+  /// `bed`: of all rows at the start, m; it must outlive it.
+  explicit OwnValueRows(const std::vector<double>& bed) : bed_(bed) {}
+
+  void gather(const ValuesRequest& request, FlowOfRank& part);
+  const Columns& columns() const { return columns_; }
+  const std::vector<double>& bed() const { return bed_; }
+  void make_text(utils::TextBuffer& text) const override;
+
+ private:
+  const std::vector<double>& bed_;
+  std::vector<Field> fields_;
+  Columns columns_;
+};
+
 /// Of what is kept of a flow.
 class OwnSavedRows final : public OwnRows {
  public:

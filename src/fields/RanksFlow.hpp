@@ -72,6 +72,7 @@ class RanksFlow : public Flow {
   std::unique_ptr<Ground> ground(const cases::Case& contents) const override;
   std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
   std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const override;
+  std::unique_ptr<ValueRows> value_rows(const cases::Case& contents) const override;
   std::unique_ptr<SavedRows> saved_rows() const override;
   void load(const SavedFlow& saved, utils::ByteSource& rows) override;
   void load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
@@ -96,6 +97,7 @@ class RanksFlow : public Flow {
   template <class Kind>
   class OfRanks;
   class RowsOfRanks;
+  class ValueRowsOfRanks;
   class SavedRowsOfRanks;
   /// On all ranks.
   void load_rows(LoadRequest request, utils::ByteSource& rows);

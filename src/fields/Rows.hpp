@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "fields/Columns.hpp"
 #include "fields/Field.hpp"
 #include "fields/SavedFlow.hpp"
 #include "utils/CellTable.hpp"
@@ -23,6 +24,16 @@ struct RowsRequest {
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.fields, self.bed);
+  }
+};
+
+/// The fields of rows of numbers.
+struct ValuesRequest {
+  std::vector<Field> fields;
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.fields);
   }
 };
 
@@ -50,6 +61,17 @@ class Rows : public RowsOfOthers {
   virtual void gather() = 0;
   /// Adds the first rows of the table; in any thread.
   virtual void add_own_to(utils::CellTable& table) const = 0;
+};
+
+/// Of values of fields, and of the bed at the start: numbers as they lie in memory, those of a row
+/// in the order in which the fields were asked for, the bed last.
+class ValueRows : public RowsOfOthers {
+ public:
+  /// Takes the present values of fields, each once; in the thread of the steps.
+  virtual void gather(const std::vector<Field>& fields) = 0;
+  // The first rows; in any thread.
+  virtual const Columns& columns() const = 0;
+  virtual const std::vector<double>& bed() const = 0;  ///< m
 };
 
 class Looks;

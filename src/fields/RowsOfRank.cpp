@@ -51,6 +51,11 @@ const OwnTableRows& RowsOfRank::gather(int number, const RowsRequest& request, F
   return gather_as<OwnTableRows>(number, request, part, centres_);
 }
 
+const OwnValueRows& RowsOfRank::gather(int number, const ValuesRequest& request, FlowOfRank& part) {
+  if (bed_.empty()) part.beds_of_rows(bed_);
+  return gather_as<OwnValueRows>(number, request, part, bed_);
+}
+
 const OwnSavedRows& RowsOfRank::gather(int number, const SavedRequest& request, FlowOfRank& part) {
   return gather_as<OwnSavedRows>(number, request, part);
 }

@@ -16,7 +16,7 @@
 namespace fields {
 
 /// What rows are asked for.
-using AnyRowsRequest = std::variant<RowsRequest, SavedRequest>;
+using AnyRowsRequest = std::variant<RowsRequest, ValuesRequest, SavedRequest>;
 
 class RowsOfRank {
  public:
@@ -28,6 +28,7 @@ class RowsOfRank {
   /// another one had under it. Answers the rows of this rank; they stay where they are as long as
   /// results of the same kind have the number.
   const OwnTableRows& gather(int number, const RowsRequest& request, FlowOfRank& part);
+  const OwnValueRows& gather(int number, const ValuesRequest& request, FlowOfRank& part);
   const OwnSavedRows& gather(int number, const SavedRequest& request, FlowOfRank& part);
   /// On all ranks: passes the next text of a rank on to rank 0, where it comes out, if it is made:
   /// so many bytes at most. Throws std::runtime_error there where it could not be made.
@@ -50,6 +51,7 @@ class RowsOfRank {
 
   ranks::Group& group_;
   std::vector<double> centres_;  ///< of the rows of this rank: x of all, then y, then z, m
+  std::vector<double> bed_;      ///< the same, at the start, m
   std::map<int, std::unique_ptr<Result>> results_;
 };
 

@@ -59,6 +59,20 @@ class RanksFlow::RowsOfRanks final : public OfRanks<Rows> {
   const OwnTableRows* own_ = nullptr;
 };
 
+class RanksFlow::ValueRowsOfRanks final : public OfRanks<ValueRows> {
+ public:
+  using OfRanks::OfRanks;
+
+  void gather(const std::vector<Field>& fields) override {
+    own_ = &gather_on_all(ValuesRequest{fields});
+  }
+  const Columns& columns() const override { return own_->columns(); }
+  const std::vector<double>& bed() const override { return own_->bed(); }
+
+ private:
+  const OwnValueRows* own_ = nullptr;
+};
+
 class RanksFlow::SavedRowsOfRanks final : public OfRanks<SavedRows> {
  public:
   using OfRanks::OfRanks;
@@ -75,6 +89,10 @@ class RanksFlow::SavedRowsOfRanks final : public OfRanks<SavedRows> {
 
 std::unique_ptr<Rows> RanksFlow::rows(const cases::Mesh&, const RowsRequest& request) const {
   return std::make_unique<RowsOfRanks>(*this, request);
+}
+
+std::unique_ptr<ValueRows> RanksFlow::value_rows(const cases::Case&) const {
+  return std::make_unique<ValueRowsOfRanks>(*this);
 }
 
 std::unique_ptr<SavedRows> RanksFlow::saved_rows() const {

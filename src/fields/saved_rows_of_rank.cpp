@@ -1,12 +1,22 @@
 // What a rank keeps of its part of a flow, and its way to the ranks of the rows and back.
 #include <algorithm>
 
+#include "case/initial_state.hpp"
 #include "fields/FlowOfRank.hpp"
 #include "ranks/deal_out_rows.hpp"
 
 namespace fields {
 
 using cases::at;
+
+void FlowOfRank::beds_of_rows(std::vector<double>& values) {
+  std::vector<double> own;
+  for (cases::Number k = 0; k < own_part().count(); ++k) {
+    own.push_back(cases::bed_level_of(part_.contents, own_part().in_case(k)));
+  }
+  values.resize(row_plan().rows());
+  row_plan().send(own, values, group_);
+}
 
 SavedCells FlowOfRank::saved_cells(const SavedRequest& request) {
   SavedCells own;

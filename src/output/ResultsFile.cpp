@@ -20,6 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using Piece = utils::WriterThread::Piece;
+
 std::vector<double> bed_of_cells(const cases::Case& contents) {
   std::vector<double> bed;
   bed.reserve(cases::at(contents.mesh.n_cells()));
@@ -101,7 +103,6 @@ ResultsFile::ResultsFile(const cases::DataFile& data, std::vector<double> times,
       name_(data.output_folder + data.results->name),
       place_(regular_file_at(name_)),
       times_(std::move(times)),
-      bed_(bed_of_cells(contents)),
       layout_(contents_of(data, contents)),
       bytes_(bytes_of(name_, layout_)) {
   require_order(data, times_);
@@ -121,7 +122,8 @@ void ResultsFile::begin() {
   }
   classic_.emplace(file_, bytes_);
   classic_->begin();
-  layout_.put_mesh(*classic_, ugrid::mesh_of(case_.mesh, origin_, bed_of_nodes(case_, bed_)), bed_);
+  const std::vector<double> bed = bed_of_cells(case_);
+  layout_.put_mesh(*classic_, ugrid::mesh_of(case_.mesh, origin_, bed_of_nodes(case_, bed)), bed);
   layout_.put_no_maxima(*classic_);
   if (classic_->error() == 0) return;
   std::remove(part_of(place_).c_str());
@@ -174,14 +176,14 @@ void ResultsFile::WriteMeasure(const fields::Flow& flow) {
   if (has_failed()) return;
   gather(layout_.quantities_in_time(), flow);
   ++records_;
-  writer_.hand_over([this, t = times_[next_++]] { return write_snapshot(t); });
+  writer_.hand_over_pieces(pieces(times_[next_++]));
 }
 
 void ResultsFile::finish(const fields::Flow& flow) {
   writer_.wait();
   if (has_failed()) return;
   gather(layout_.maxima(), flow);
-  writer_.hand_over([this] { return write_maxima(); });
+  writer_.hand_over_pieces(pieces({}));
 }
 
 void ResultsFile::gather(const std::vector<fields::Quantity>& quantities,
@@ -190,24 +192,79 @@ void ResultsFile::gather(const std::vector<fields::Quantity>& quantities,
   for (const fields::Quantity& quantity : quantities) {
     needed.insert({quantity.source, quantity.depth});
   }
-  for (const fields::Field field : needed) {
-    columns_[field].resize(cases::at(case_.mesh.n_cells()));
-    flow.read(field, columns_[field]);
+  fields_.assign(needed.begin(), needed.end());
+  if (flow_ != &flow) rows_ = flow.value_rows(case_);
+  flow_ = &flow;
+  rows_->gather(fields_);
+}
+
+utils::WriterThread::Pieces ResultsFile::pieces(std::optional<double> t) {
+  return [this, t, is_first = true]() mutable -> std::optional<Piece> {
+    if (!std::exchange(is_first, false)) return next_piece(t);
+    const bool is_all = !rows_->has_others();
+    auto work = [this, t, is_all] {
+      put_first_cells(t);
+      return !is_all || finish_result(t.has_value());
+    };
+    return Piece{std::move(work), is_all};
+  };
+}
+
+std::optional<Piece> ResultsFile::next_piece(std::optional<double> t) {
+  std::optional<fields::RowText> rows = rows_->next();
+  if (!rows) return {};
+  const bool is_last = rows->is_last;
+  auto work = [this, bytes = std::move(rows->text), is_snapshot = t.has_value(), is_last] {
+    put_next_cells(is_snapshot, bytes);
+    return !is_last || finish_result(is_snapshot);
+  };
+  return Piece{std::move(work), is_last};
+}
+
+void ResultsFile::put_first_cells(std::optional<double> t) {
+  cells_ = 0;
+  rest_.clear();
+  if (t) layout_.put_time(*classic_, written_.count, *t);
+  put_cells(t.has_value(), rows_->columns(), rows_->bed());
+}
+
+void ResultsFile::put_next_cells(bool is_snapshot, const std::string& bytes) {
+  const auto added = std::as_bytes(std::span(bytes));
+  rest_.insert(rest_.end(), added.begin(), added.end());
+  const std::size_t bytes_per_row = (fields_.size() + 1) * sizeof(double);
+  const std::size_t rows = rest_.size() / bytes_per_row;
+  fields::Columns columns;
+  std::vector<double> bed(rows);
+  std::vector<double*> places;
+  for (const fields::Field field : fields_) {
+    columns[field].resize(rows);
+    places.push_back(columns[field].data());
   }
+  places.push_back(bed.data());
+  utils::MemorySource source(rest_);
+  fields::take_rows(places, rows, source);
+  rest_.erase(rest_.begin(), rest_.end() - static_cast<std::ptrdiff_t>(source.left()));
+  put_cells(is_snapshot, columns, bed);
 }
 
-bool ResultsFile::write_snapshot(double t) {
-  const std::uint64_t record = written_.count;
-  layout_.put_snapshot(*classic_, record, t, gathered());
-  if (!show(record + 1)) return false;
+void ResultsFile::put_cells(bool is_snapshot, const fields::Columns& columns,
+                            const std::vector<double>& bed) {
+  const fields::CellValues cells = {columns, bed, case_.zero_depth};
+  if (is_snapshot) {
+    layout_.put_cells_of_snapshot(*classic_, written_.count, cells_, cells);
+  } else {
+    layout_.put_cells_of_maxima(*classic_, cells_, cells);
+  }
+  cells_ += bed.size();
+}
+
+bool ResultsFile::finish_result(bool is_snapshot) {
+  if (!is_snapshot) return show(written_.count);
+  const std::uint64_t records = written_.count + 1;
+  if (!show(records)) return false;
   const std::lock_guard lock(mutex_);
-  written_ = {record + 1, classic_->checksum()};
+  written_ = {records, classic_->checksum()};
   return true;
-}
-
-bool ResultsFile::write_maxima() {
-  layout_.put_maxima(*classic_, gathered());
-  return show(written_.count);
 }
 
 bool ResultsFile::show(std::uint64_t records) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cmath>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -55,9 +56,15 @@ class ResultsFile {
 
  private:
   void gather(const std::vector<fields::Quantity>& quantities, const fields::Flow& flow);
-  fields::CellValues gathered() const { return {columns_, bed_, case_.zero_depth}; }
-  bool write_snapshot(double t);
-  bool write_maxima();
+  /// Of a snapshot at a time (s), or, without one, of the largest values: the cells of this
+  /// process, and then those of others as they come.
+  utils::WriterThread::Pieces pieces(std::optional<double> t);
+  std::optional<utils::WriterThread::Piece> next_piece(std::optional<double> t);
+  void put_first_cells(std::optional<double> t);
+  /// Puts the cells of rows of numbers, of which the last may lack its end.
+  void put_next_cells(bool is_snapshot, const std::string& bytes);
+  void put_cells(bool is_snapshot, const fields::Columns& columns, const std::vector<double>& bed);
+  bool finish_result(bool is_snapshot);
   /// Lets readers see so many snapshots, and all else that was put.
   bool show(std::uint64_t records);
   bool put_in_place();
@@ -68,10 +75,14 @@ class ResultsFile {
   std::string place_;          ///< the name, or that of the file that a link of the name leads to
   std::vector<double> times_;  ///< s
   std::size_t next_ = 0;
-  std::vector<double> bed_;  ///< of the cells at the start, m
   ugrid::UgridLayout layout_;
   ugrid::ClassicLayout bytes_;
-  fields::Columns columns_;  ///< for the writer
+  std::unique_ptr<fields::ValueRows> rows_;
+  const fields::Flow* flow_ = nullptr;  ///< of the rows
+  std::vector<fields::Field> fields_;   ///< that were gathered
+  // For the writer.
+  std::size_t cells_ = 0;  ///< of the present result that were put
+  utils::Bytes rest_;      ///< beginning of a row
   utils::WritableFile file_;
   std::optional<ugrid::ClassicFile> classic_;
   bool is_in_place_ = false;

@@ -23,13 +23,22 @@ void ClassicFile::go_on(std::uint64_t records) {
 }
 
 void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const int> values) {
-  put_values<std::uint32_t>(variable, record, values);
+  put_values<std::uint32_t>(variable, record, 0, values);
 }
 void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const float> values) {
-  put_values<std::uint32_t>(variable, record, values);
+  put_values<std::uint32_t>(variable, record, 0, values);
 }
 void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const double> values) {
-  put_values<std::uint64_t>(variable, record, values);
+  put_values<std::uint64_t>(variable, record, 0, values);
+}
+
+void ClassicFile::put_part(std::size_t variable, std::size_t record, std::size_t first,
+                           std::span<const float> values) {
+  put_values<std::uint32_t>(variable, record, first, values);
+}
+void ClassicFile::put_part(std::size_t variable, std::size_t record, std::size_t first,
+                           std::span<const double> values) {
+  put_values<std::uint64_t>(variable, record, first, values);
 }
 
 void ClassicFile::put(std::size_t variable, std::string_view characters) {
@@ -46,10 +55,10 @@ void ClassicFile::show(std::uint64_t records) {
 }
 
 template <class Bits, class Value>
-void ClassicFile::put_values(std::size_t variable, std::size_t record,
+void ClassicFile::put_values(std::size_t variable, std::size_t record, std::size_t first,
                              std::span<const Value> values) {
   constexpr std::size_t piece_size = 1 << 20;  // bytes
-  std::uint64_t place = layout_.place(variable, record);
+  std::uint64_t place = layout_.place(variable, record) + first * sizeof(Bits);
   while (!values.empty()) {
     const std::size_t count = std::min(values.size(), piece_size / sizeof(Bits));
     piece_.resize(count * sizeof(Bits));
@@ -68,9 +77,9 @@ void ClassicFile::write_at(std::uint64_t place, std::string_view bytes) {
   error_ = file_.write_at(place, bytes);
   if (place < layout_.begin_of_records) return;
   if (error_ != 0) file_.cut_off(layout_.end_of_record(shown_));
-  const bool begins_a_record = (place - layout_.begin_of_records) % layout_.record_size == 0;
-  if (begins_a_record) sum_ = utils::Checksum();
-  sum_.add(bytes.data(), bytes.size());
+  const std::uint64_t in_record = (place - layout_.begin_of_records) % layout_.record_size;
+  if (in_record == 0) sum_ = utils::WordSum();
+  sum_.add(in_record / utils::WordSum::word, bytes.data(), bytes.size());
 }
 
 void ClassicFile::write_count() {
@@ -109,14 +118,14 @@ std::optional<std::uint64_t> checksum_of_record(const std::string& name,
   constexpr std::uint64_t piece_size = 1 << 20;  // bytes
   std::ifstream file(name, std::ios::binary);
   file.seekg(static_cast<std::streamoff>(layout.end_of_record(record)));  // of that before it
-  utils::Checksum sum;
+  utils::WordSum sum;
   std::vector<char> piece(std::min(piece_size, layout.record_size));
   for (std::uint64_t left = layout.record_size; left > 0;) {
     file.read(piece.data(),
               static_cast<std::streamsize>(std::min<std::uint64_t>(left, piece.size())));
     if (!file) return {};
     const auto count = static_cast<std::size_t>(file.gcount());
-    sum.add(piece.data(), count);
+    sum.add((layout.record_size - left) / utils::WordSum::word, piece.data(), count);
     left -= count;
   }
   return sum.value();

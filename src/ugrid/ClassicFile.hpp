@@ -9,7 +9,7 @@
 
 #include "ugrid/ClassicLayout.hpp"
 #include "ugrid/DataFile.hpp"
-#include "utils/Checksum.hpp"
+#include "utils/WordSum.hpp"
 #include "utils/WritableFile.hpp"
 
 namespace ugrid {
@@ -28,7 +28,12 @@ class ClassicFile : public DataFile {
   void put(std::size_t variable, std::size_t record, std::span<const float> values) override;
   void put(std::size_t variable, std::size_t record, std::span<const double> values) override;
   void put(std::size_t variable, std::string_view characters) override;
-  /// Of the record that was put last, whose variables were put in their order: what
+  /// Some values, from the one with a number on.
+  void put_part(std::size_t variable, std::size_t record, std::size_t first,
+                std::span<const float> values);
+  void put_part(std::size_t variable, std::size_t record, std::size_t first,
+                std::span<const double> values);
+  /// Of the record that was put last, its first variable before all others: what
   /// checksum_of_record() finds, without reading it again.
   std::uint64_t checksum() const { return sum_.value(); }
   /// Lets readers see so many records, once all that was put lies on the disk.
@@ -40,7 +45,8 @@ class ClassicFile : public DataFile {
 
  private:
   template <class Bits, class Value>
-  void put_values(std::size_t variable, std::size_t record, std::span<const Value> values);
+  void put_values(std::size_t variable, std::size_t record, std::size_t first,
+                  std::span<const Value> values);
   void write_at(std::uint64_t place, std::string_view bytes);
   void write_count();
 
@@ -49,7 +55,7 @@ class ClassicFile : public DataFile {
   std::uint64_t shown_ = 0;  ///< records
   int error_ = 0;
   std::vector<char> piece_;
-  utils::Checksum sum_;  ///< of the last record so far
+  utils::WordSum sum_;  ///< of the last record so far
 };
 
 /// Why a file cannot be continued behind so many records, as the end of a sentence that begins with

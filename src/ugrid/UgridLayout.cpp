@@ -228,22 +228,58 @@ void UgridLayout::put_mesh(DataFile& file, const Mesh& mesh, const std::vector<d
   if (bed_) put(*bed_, std::span(bed));
 }
 
-void UgridLayout::put_snapshot(DataFile& file, std::size_t record, double t,
-                               const fields::CellValues& cells) const {
-  file.put(time_, record, std::span<const double>(&t, 1));
-  if (is_double_) {
-    put_results<double>(file, record, in_time_, cells);
-  } else {
-    put_results<float>(file, record, in_time_, cells);
+namespace {
+
+template <class Real, class Put>
+void put_each(std::size_t variable, const std::vector<fields::Quantity>& quantities,
+              const fields::CellValues& cells, const Put& put) {
+  std::vector<Real> values;
+  for (const fields::Quantity& quantity : quantities) {
+    fields::evaluate(quantity, cells, values);
+    put(variable++, std::span<const Real>(values));
   }
 }
 
-void UgridLayout::put_maxima(DataFile& file, const fields::CellValues& cells) const {
+}  // namespace
+
+template <class Put>
+void UgridLayout::for_each_result(const Results& results, const fields::CellValues& cells,
+                                  const Put& put) const {
   if (is_double_) {
-    put_results<double>(file, 0, maxima_, cells);
+    put_each<double>(results.first_variable, results.quantities, cells, put);
   } else {
-    put_results<float>(file, 0, maxima_, cells);
+    put_each<float>(results.first_variable, results.quantities, cells, put);
   }
+}
+
+void UgridLayout::put_snapshot(DataFile& file, std::size_t record, double t,
+                               const fields::CellValues& cells) const {
+  put_time(file, record, t);
+  for_each_result(in_time_, cells,
+                  [&](std::size_t variable, auto values) { file.put(variable, record, values); });
+}
+
+void UgridLayout::put_time(DataFile& file, std::size_t record, double t) const {
+  file.put(time_, record, std::span<const double>(&t, 1));
+}
+
+void UgridLayout::put_cells_of_snapshot(ClassicFile& file, std::size_t record, std::size_t first,
+                                        const fields::CellValues& cells) const {
+  for_each_result(in_time_, cells, [&](std::size_t variable, auto values) {
+    file.put_part(variable, record, first, values);
+  });
+}
+
+void UgridLayout::put_cells_of_maxima(ClassicFile& file, std::size_t first,
+                                      const fields::CellValues& cells) const {
+  for_each_result(maxima_, cells, [&](std::size_t variable, auto values) {
+    file.put_part(variable, 0, first, values);
+  });
+}
+
+void UgridLayout::put_maxima(DataFile& file, const fields::CellValues& cells) const {
+  for_each_result(maxima_, cells,
+                  [&](std::size_t variable, auto values) { file.put(variable, 0, values); });
 }
 
 void UgridLayout::put_no_maxima(DataFile& file) const {
@@ -257,16 +293,6 @@ void UgridLayout::put_no_maxima(DataFile& file) const {
     put_everywhere(std::numeric_limits<double>::quiet_NaN());
   } else {
     put_everywhere(std::numeric_limits<float>::quiet_NaN());
-  }
-}
-
-template <class Real>
-void UgridLayout::put_results(DataFile& file, std::size_t record, const Results& results,
-                              const fields::CellValues& cells) const {
-  std::vector<Real> values;
-  for (std::size_t k = 0; k < results.quantities.size(); ++k) {
-    fields::evaluate(results.quantities[k], cells, values);
-    file.put(results.first_variable + k, record, std::span<const Real>(values));
   }
 }
 

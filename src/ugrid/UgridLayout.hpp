@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "fields/quantities.hpp"
+#include "ugrid/ClassicFile.hpp"
 #include "ugrid/DataFile.hpp"
 #include "ugrid/Definitions.hpp"
 #include "ugrid/Mesh.hpp"
@@ -59,6 +60,14 @@ class UgridLayout {
   /// Puts the state of a time t (s) as a record.
   void put_snapshot(DataFile& file, std::size_t record, double t,
                     const fields::CellValues& cells) const;
+  /// Puts a time (s), and then cells from the one with a number on, of a record that comes piece by
+  /// piece; `cells` has nothing but these.
+  void put_time(DataFile& file, std::size_t record, double t) const;
+  void put_cells_of_snapshot(ClassicFile& file, std::size_t record, std::size_t first,
+                             const fields::CellValues& cells) const;
+  /// The same of what is of the whole run.
+  void put_cells_of_maxima(ClassicFile& file, std::size_t first,
+                           const fields::CellValues& cells) const;
   /// Puts what is of the whole run.
   void put_maxima(DataFile& file, const fields::CellValues& cells) const;
   /// Puts that nothing is known of the whole run.
@@ -90,9 +99,10 @@ class UgridLayout {
   void place(std::size_t variable, const std::string& location);
   void add_grid_mapping(std::size_t variable);
 
-  template <class Real>
-  void put_results(DataFile& file, std::size_t record, const Results& results,
-                   const fields::CellValues& cells) const;
+  /// Calls put(variable, values) for the values of cells.
+  template <class Put>
+  void for_each_result(const Results& results, const fields::CellValues& cells,
+                       const Put& put) const;
 
   Definitions definitions_;
   std::size_t n_faces_;

@@ -110,7 +110,7 @@ TEST_F(CheckpointFile, OfAnotherFormatIsToldFromADamagedOne) {
   std::string older = whole, turned = whole;
   older[12] = 0;
   EXPECT_EQ(trouble_with(older),
-            "it is of version 0 of the format, and this program reads version 5");
+            "it is of version 0 of the format, and this program reads version 6");
   std::swap(turned[8], turned[11]);
   std::swap(turned[9], turned[10]);
   EXPECT_EQ(trouble_with(turned), "it was written by a machine with another order of bytes");

@@ -31,6 +31,7 @@ class RunOnRanks : public Restart {
       fields::FlowRequest machine{.most_threads = threads};
       machine.ranks.group = &group;
       machine.ranks.can_read_files = how.read_together;
+      machine.ranks.largest_text = 10001;  // some rows of a rank, and a piece of one
       if (how.is_uneven) machine.ranks.cut = test_ranks::uneven_parts;
       steps = run(folder, stop, machine, how.have_report);
     });
