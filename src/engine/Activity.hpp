@@ -1,6 +1,7 @@
 // Which patches take part in a step.
 #pragma once
 
+#include <utility>
 #include <vector>
 
 #include "engine/Tables.hpp"
@@ -40,6 +41,11 @@ class Activity {
   void find_rain(const Tables& tables);
   /// The states have changed otherwise than by a step.
   void wake_all() { can_change_.assign(can_change_.size(), 1); }
+  /// The same of some patches alone, by their marks: the others are at rest.
+  void wake(std::vector<char> marks) { can_change_ = std::move(marks); }
+  /// Whether a patch may change in the next step without inflow, or took part in the last one, and
+  /// is noted once more as it comes to rest.
+  bool is_awake(int patch) const { return can_change(patch) || takes_part(patch); }
   /// After its step: whether a patch may change in the next one without inflow.
   void set_can_change(int patch, bool can_change) { can_change_[at(patch)] = can_change; }
 

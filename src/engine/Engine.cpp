@@ -262,6 +262,22 @@ void Engine::set_state(const State& state) {
   take_anew();
 }
 
+std::vector<char> Engine::awake() const {
+  std::vector<char> awake;
+  for (int k = 0; k < tables_.owned; ++k) {
+    awake.push_back(activity_.is_awake(tables_.place[at(k)] / tables_.cells_per_patch()) ? 1 : 0);
+  }
+  return awake;
+}
+
+void Engine::set_awake(const std::vector<char>& awake) {
+  std::vector<char> of_patches(tables_.patches.patches.size(), 0);
+  for (std::size_t k = 0; k < awake.size(); ++k) {
+    if (awake[k] != 0) of_patches[at(tables_.place[k] / tables_.cells_per_patch())] = 1;
+  }
+  activity_.wake(std::move(of_patches));
+}
+
 void Engine::load_column(const std::vector<double>& values, Column& column) const {
   for (int k = 0; k < static_cast<int>(values.size()); ++k) {
     column[at(tables_.place[at(k)])] = values[at(k)];

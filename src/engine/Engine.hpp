@@ -58,6 +58,11 @@ class Engine {
   void set_state(const State& state);
 
   // Between steps; the cells are owned.
+  /// For every cell: whether it may change in the next step, or did so in the last one, if nothing
+  /// flows into its patch.
+  std::vector<char> awake() const;
+  /// The state in force comes from an engine of which that is known; without it all are awake.
+  void set_awake(const std::vector<char>& awake);
   /// Replaces depths and discharges.
   void set_water(std::span<const cases::Number> cells,
                  std::span<const physics::InitialWater> water);

@@ -315,10 +315,12 @@ void FlowOfRank::move_to(FlowOfRank& next, const std::vector<int>& owners) {
   save_own(own.state);
   if (is_watched_) engine_->save_notes(own.notes.emplace());
   if (looks_) own.infiltrated = looks_->infiltrated();
+  own.awake = engine_->awake();
   MovingCells moved = fields::moved(own, new_ranks_of_own(owners), group_);
   const auto& maxima = engine_->tables().maxima;
   if (maxima) next.keep_maxima(maxima->arrival_depth);
   next.load_own(std::move(moved.state));
+  next.engine_->set_awake(moved.awake);
   if (is_watched_) {
     next.watch();
     next.engine_->load_notes(*moved.notes);

@@ -24,6 +24,7 @@ MovingCells part_of(const MovingCells& all, const Entries& entries) {
   part.state = fields::part_of(all.state, entries);
   if (all.notes) part.notes = fields::part_of(*all.notes, entries);
   part.infiltrated = cases::entries_of(all.infiltrated, entries.cells);
+  part.awake = cases::entries_of(all.awake, entries.cells);
   return part;
 }
 
@@ -52,6 +53,7 @@ MovingCells united(const std::vector<MovingCells>& parts) {
   std::sort(all.numbers.cells.begin(), all.numbers.cells.end());
   std::sort(all.numbers.boundaries.begin(), all.numbers.boundaries.end());
   const std::size_t cells = all.numbers.cells.size(), boundaries = all.numbers.boundaries.size();
+  all.awake.resize(cells);
   for (const MovingCells& part : parts) {
     const Entries entries = {places_in(all.numbers.cells, part.numbers.cells),
                              places_in(all.numbers.boundaries, part.numbers.boundaries)};
@@ -59,6 +61,7 @@ MovingCells united(const std::vector<MovingCells>& parts) {
     put_part(part.state, entries, cells, boundaries, all.state);
     if (!part.infiltrated.empty()) all.infiltrated.resize(cells);
     place(part.infiltrated, entries.cells, all.infiltrated);
+    place(part.awake, entries.cells, all.awake);
     if (!part.notes) continue;
     if (!all.notes) all.notes.emplace();
     take_the_rest(*all.notes, *part.notes);

@@ -14,11 +14,12 @@ struct MovingCells {
   engine::State state;
   std::optional<engine::SavedNotes> notes;  ///< of steps that are watched
   std::vector<double> infiltrated;          ///< at the last look, see PartLooks; or none
+  std::vector<char> awake;                  ///< see Engine
 
   /// For utils/bytes.hpp.
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.numbers, self.state, self.notes, self.infiltrated);
+    visit(self.numbers, self.state, self.notes, self.infiltrated, self.awake);
   }
 };
 

@@ -36,8 +36,9 @@ inline void take_the_rest(engine::SavedNotes& to, const engine::SavedNotes& from
   to.of_last_step = from.of_last_step;
 }
 
-inline void place(const std::vector<double>& part, const std::vector<cases::Number>& numbers,
-                  std::span<double> all) {
+template <class Value, class Values>
+void place(const std::vector<Value>& part, const std::vector<cases::Number>& numbers,
+           Values&& all) {
   for (std::size_t k = 0; k < part.size(); ++k) all[cases::at(numbers[k])] = part[k];
 }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 #include "engine/aligned_vector.hpp"
 #include "ranks/values.hpp"
@@ -49,6 +50,18 @@ Grains grains_of(std::vector<WeighedCell> cells) {
     before += of_cell + of_weight * cell.weight;
   }
   return grains;
+}
+
+void raise_to_least(Group& group, std::vector<WeighedCell>& cells) {
+  struct Sum {
+    double weight, count;
+  };
+  Sum all = {0.0, static_cast<double>(cells.size())};
+  for (const WeighedCell& cell : cells) all.weight += cell.weight;
+  const std::vector<Sum> of_ranks = gather_all_plain(group, std::exchange(all, {0.0, 0.0}));
+  for (const Sum& sum : of_ranks) all = {all.weight + sum.weight, all.count + sum.count};
+  const double least = least_weight * all.weight / all.count;
+  for (WeighedCell& cell : cells) cell.weight = std::max(cell.weight, least);
 }
 
 }  // namespace
@@ -99,6 +112,7 @@ int CutCurve::owner_of(const CurvePlace& place) const {
 }
 
 CutCurve cuts_by_weight(Group& group, std::vector<WeighedCell> cells) {
+  raise_to_least(group, cells);
   std::vector<Grain> grains;
   for (const Grains& of_rank : gather_all_plain(group, grains_of(std::move(cells)))) {
     std::copy_if(of_rank.begin(), of_rank.end(), std::back_inserter(grains),

@@ -55,6 +55,11 @@ struct WeighedCell {
   double weight;
 };
 
+/// What a cell weighs at least, of the mean of all: a rank whose cells weigh nothing, as they are
+/// dry, holds no more than some times the mean number, for the sake of its memory, and of the time
+/// that it takes when they get other ranks.
+constexpr double least_weight = 0.3;
+
 /// Cuts the curve over the cells of all ranks by their weights; here are those of this rank, in any
 /// order. Where every rank has a run of the curve already, in the order of the ranks, runs weigh
 /// about as much as each other, but for some hundredths of what a rank has now. Fewer runs than

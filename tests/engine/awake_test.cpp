@@ -1,0 +1,57 @@
+// An engine that goes on from the state of another one knows which of its patches are at rest.
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "engine/Engine.hpp"
+#include "model/SWE.hpp"
+#include "support/RectangleMesh.hpp"
+#include "support/RunGlobals.hpp"
+#include "support/case_of.hpp"
+
+namespace {
+
+/// Water behind a dam that breaks, while most of the basin is dry.
+cases::Case dry_basin() {
+  const support::RunGlobals globals(1e-3, 1.0, 100.0);
+  const auto model = support::build_rectangle<SWE>({60, 30, 60.0, 30.0});
+  support::fill(*model, [](double x, double) { return x < 6.0 ? 1.0 : -1.0; });
+  return support::case_of(*model);
+}
+
+double step(engine::Engine& engine, double t, double dt) {
+  return engine.advance({t, 0.0, 100.0, dt});
+}
+
+}  // namespace
+
+TEST(AwakeCells, AreAllThatTheNextStepLooksAt) {
+  constexpr int per_patch = 64;
+  const cases::Case contents = dry_basin();
+  engine::Engine before(contents, 1, per_patch);
+  double t = 0.0, dt = 0.5 * before.stable_step(t);
+  for (int k = 0; k < 4; ++k) {
+    dt = 0.5 * step(before, t, dt);
+    t += dt;
+  }
+  // Others have cut the cells into patches of their own.
+  engine::Engine after(contents, 1, 2 * per_patch), woken(contents, 1, 2 * per_patch);
+  const engine::State state = before.state();
+  after.set_state(state);
+  after.set_awake(before.awake());
+  woken.set_state(state);
+  const int all = static_cast<int>(after.tables().patches.patches.size());
+  const double next = step(before, t, dt);
+  EXPECT_EQ(step(after, t, dt), next);
+  EXPECT_EQ(step(woken, t, dt), next);
+  EXPECT_EQ(woken.active_patches(), all);
+  EXPECT_LT(after.active_patches(), all / 2);
+  EXPECT_GT(after.active_patches(), 0);
+  for (int k = 0; k < 40; ++k) {
+    t += 0.5 * next;
+    EXPECT_EQ(step(after, t, 0.5 * next), step(before, t, 0.5 * next));
+  }
+  const engine::State found = after.state(), expected = before.state();
+  EXPECT_EQ(std::memcmp(found.h.data(), expected.h.data(), 8 * found.h.size()), 0);
+  EXPECT_EQ(std::memcmp(found.qx.data(), expected.qx.data(), 8 * found.qx.size()), 0);
+}
