@@ -58,10 +58,10 @@ class Engine {
   void set_state(const State& state);
 
   // Between steps; the cells are owned.
-  /// For every cell: whether it may change in the next step, or did so in the last one, if nothing
-  /// flows into its patch.
+  /// For every cell: whether its patch may change in the next step without inflow, or took part in
+  /// the last one.
   std::vector<char> awake() const;
-  /// The state in force comes from an engine of which that is known; without it all are awake.
+  /// That of the engine from which the state in force comes; without it all are awake.
   void set_awake(const std::vector<char>& awake);
   /// Replaces depths and discharges.
   void set_water(std::span<const cases::Number> cells,

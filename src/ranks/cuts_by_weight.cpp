@@ -52,14 +52,16 @@ Grains grains_of(std::vector<WeighedCell> cells) {
   return grains;
 }
 
+/// Gives every cell its least weight.
 void raise_to_least(Group& group, std::vector<WeighedCell>& cells) {
   struct Sum {
     double weight, count;
   };
-  Sum all = {0.0, static_cast<double>(cells.size())};
-  for (const WeighedCell& cell : cells) all.weight += cell.weight;
-  const std::vector<Sum> of_ranks = gather_all_plain(group, std::exchange(all, {0.0, 0.0}));
-  for (const Sum& sum : of_ranks) all = {all.weight + sum.weight, all.count + sum.count};
+  Sum own = {0.0, static_cast<double>(cells.size())}, all = {0.0, 0.0};
+  for (const WeighedCell& cell : cells) own.weight += cell.weight;
+  for (const Sum& of_rank : gather_all_plain(group, own)) {
+    all = {all.weight + of_rank.weight, all.count + of_rank.count};
+  }
   const double least = least_weight * all.weight / all.count;
   for (WeighedCell& cell : cells) cell.weight = std::max(cell.weight, least);
 }
