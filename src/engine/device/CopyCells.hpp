@@ -31,7 +31,9 @@ struct CopyCells {
     const CopiedCells& copied = kernel.copied;
     const int k = thread.block * thread.count + thread.number;
     if (k >= copied.cells) return;
-    for (int c = 0; c < copied.column_count; ++c) {
+    // A number of columns that the compiler knows: it keeps no list of them in memory.
+    for (int c = 0; c < CopiedCells::most_columns; ++c) {
+      if (c >= copied.column_count) continue;
       double& value = copied.values[c * copied.cells + k];
       double& of_cell = copied.columns[c][copied.places[k]];
       if constexpr (to_their_places) {
