@@ -20,6 +20,9 @@ ND 4 0 1 0
 E3T 1 1 2 3 1
 E3T 2 1 3 4 1
 """
+GEOMETRY = """Point(1) = {0, 0, 0, 1}; Point(2) = {1, 0, 0, 1}; Point(3) = {1, 1, 0, 1};
+Line(1) = {1, 2}; Line(2) = {2, 3}; Line(3) = {3, 1}; Curve Loop(1) = {1, 2, 3}; Plane Surface(1) = {1};
+"""
 PROGRAMS = {"quillmere": ["quillmere"], "quillmere-mpi": ["quillmere-mpi"],
             "quillmere-tools": ["quillmere-mesh", "quillmere-export"]}
 PYTHON_FOLDER = "usr/lib/python3/dist-packages"
@@ -51,6 +54,10 @@ def use_programs(root, folder):
     program = lambda name: os.path.join(root, "bin", name)
     with open(os.path.join(folder, "square.2dm"), "w", encoding="ascii") as file:
         file.write(SQUARE)
+    if os.path.exists(os.path.join(root, "lib/quillmere/gmsh.so")):
+        with open(os.path.join(folder, "triangle.geo"), "w", encoding="ascii") as file:
+            file.write(GEOMETRY)
+        run(program("quillmere-mesh"), "import", "triangle.geo", "triangle", folder=folder)
     run(program("quillmere-mesh"), "import", "square.2dm", "case", "--level", "1", "--end", "1",
         folder=folder)
     case = os.path.join(folder, "case")

@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "support/PartialFile.hpp"
+#include "support/beside_program.hpp"
 #include "support/child_process.hpp"
 #include "support/read_file.hpp"
 
@@ -15,16 +16,9 @@ namespace exports {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-/// The script has its place beside the program: ../share/quillmere from the program's folder, in
-/// the build tree and where it is installed.
 std::string script_name() {
-  std::error_code error;
-  const fs::path program = fs::read_symlink("/proc/self/exe", error);
-  std::string script =
-      (program.parent_path().parent_path() / "share" / "quillmere" / "draw_results.py").string();
-  if (error || !fs::exists(script)) {
+  const std::string script = tools::beside_program("share/quillmere/draw_results.py");
+  if (!std::filesystem::exists(script)) {
     throw tools::Error("The script " + script + ", which draws, is not there.");
   }
   return script;

@@ -1,6 +1,5 @@
 #include "mesh/geo_mesher.hpp"
 
-#include <gmsh.h>
 #include <stdlib.h>
 
 #include <algorithm>
@@ -51,7 +50,7 @@ Mesh mesh_geo(const std::string& path, bool allows_commands) {
   GmshTask task;
   task.name = path;
   if (!allows_commands) task.prepare = forbid_commands;
-  task.build = [&path] { gmsh::open(path); };
+  task.build = [&path](const GmshModule& gmsh) { gmsh.open(path); };
   task.on_forbidden_call =
       place +
       ": the geometry runs a command, itself or through a file that it reads; expected one that "

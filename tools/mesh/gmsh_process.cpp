@@ -1,7 +1,5 @@
 #include "mesh/gmsh_process.hpp"
 
-#include <gmsh.h>
-#include <stdlib.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,10 +8,6 @@
 #include <csignal>
 #include <exception>
 #include <filesystem>
-#include <map>
-#include <new>
-#include <regex>
-#include <vector>
 
 #include "mesh/gmsh_reader.hpp"
 #include "support/Error.hpp"
@@ -24,70 +18,6 @@ namespace mesh_import {
 
 namespace {
 
-/// What Gmsh calls errors, a line for those that differ in their numbers alone. It goes on after
-/// most of them, with a part of the mesh.
-std::string logged_errors() {
-  std::vector<std::string> lines;
-  gmsh::logger::get(lines);
-  const std::string mark = "Error: ";
-  std::erase_if(lines, [&mark](const std::string& line) { return !line.starts_with(mark); });
-  std::string errors;
-  std::map<std::string, long> of_kind;  // by the text without its numbers
-  static const std::regex number("[-+.0-9]+(e[-+]?[0-9]+)?");
-  const auto kind = [](const std::string& line) { return std::regex_replace(line, number, "#"); };
-  for (const auto& line : lines) ++of_kind[kind(line)];
-  for (const auto& line : lines) {
-    long& count = of_kind[kind(line)];
-    if (count > 0) errors += "\n  " + line.substr(mark.size());
-    if (count > 1) errors += " (and " + std::to_string(count - 1) + " more like it)";
-    count = 0;
-  }
-  return errors;
-}
-
-/// The words for what was thrown; some releases of Gmsh throw texts and numbers.
-std::string describe(const std::exception_ptr& thrown) {
-  try {
-    if (thrown) std::rethrow_exception(thrown);
-  } catch (const std::bad_alloc&) {
-    return "\n  out of memory; expected a mesh size in the unit of the points, and fewer cells";
-  } catch (const std::exception& error) {
-    return std::string("\n  ") + error.what();
-  } catch (...) {
-  }
-  return "\n  no mesh could be made";
-}
-
-/// Meshes with Gmsh; the errors, none if all is well.
-std::string run_gmsh(const GmshTask& task, const std::string& home, const std::string& msh) {
-  std::string thrown;
-  try {
-    if (task.prepare) task.prepare(home);
-  } catch (...) {
-    return describe(std::current_exception());
-  }
-  try {
-    constexpr bool reads_settings = false;  // a settings file is a program in Gmsh's language, too
-    gmsh::initialize(0, nullptr, reads_settings);
-    gmsh::option::setNumber("General.Terminal", 0);
-    gmsh::option::setNumber("General.NumThreads", 1);  // the same mesh every time
-    gmsh::logger::start();
-    task.build();
-    gmsh::model::mesh::generate(2);
-    gmsh::vectorpair surfaces;
-    gmsh::model::getPhysicalGroups(surfaces, 2);
-    // Without a named surface, all of them are meant.
-    if (surfaces.empty()) gmsh::option::setNumber("Mesh.SaveAll", 1);
-    gmsh::option::setNumber("Mesh.MshFileVersion", 4.1);
-    gmsh::option::setNumber("Mesh.Binary", 1);
-    gmsh::write(msh);
-  } catch (...) {
-    thrown = describe(std::current_exception());
-  }
-  const std::string errors = logged_errors();
-  return errors.empty() ? thrown : errors;
-}
-
 int report_descriptor = -1;  // of the process that meshes
 
 [[noreturn]] void report_and_exit(const std::string& errors) {
@@ -95,10 +25,15 @@ int report_descriptor = -1;  // of the process that meshes
   _exit(errors.empty() && is_said ? 0 : 1);
 }
 
-/// Reports what led to an exception that left a thread of Gmsh, where nothing can catch it.
-[[noreturn]] void report_uncaught() {
-  const std::string errors = logged_errors();
-  report_and_exit(errors.empty() ? describe(std::current_exception()) : errors);
+/// Meshes with Gmsh; the errors, none if all is well.
+std::string run_gmsh(const GmshModule& gmsh, const GmshTask& task, const std::string& home,
+                     const std::string& msh) {
+  try {
+    if (task.prepare) task.prepare(home);
+  } catch (const std::exception& error) {
+    return std::string("\n  ") + error.what();
+  }
+  return gmsh.mesh([&] { task.build(gmsh); }, msh, report_and_exit);
 }
 
 /// A mesh size in the wrong unit asks for billions of cells: Gmsh may take all memory that the
@@ -119,6 +54,7 @@ void limit_memory() {
 // Intended: a process of its own, since some faulty geometries crash Gmsh, and so that the system
 // can keep all that a geometry does from running commands.
 Mesh mesh_with_gmsh(const GmshTask& task) {
+  const GmshModule& gmsh = load_gmsh();
   const tools::TemporaryFolder folder;
   const std::string msh = folder.file("mesh.msh");
   int ends[2];
@@ -127,9 +63,8 @@ Mesh mesh_with_gmsh(const GmshTask& task) {
   if (child == 0) {
     close(ends[0]);
     report_descriptor = ends[1];
-    std::set_terminate(report_uncaught);
     limit_memory();
-    report_and_exit(run_gmsh(task, folder.path(), msh));
+    report_and_exit(run_gmsh(gmsh, task, folder.path(), msh));
   }
   close(ends[1]);
   const std::string errors = tools::read_all(ends[0]);
@@ -143,7 +78,7 @@ Mesh mesh_with_gmsh(const GmshTask& task) {
                        ": Gmsh ended without a mesh; expected a geometry without Exit.");
   }
   Mesh mesh = read_msh(msh);
-  mesh.format = "meshed with Gmsh " + std::string(GMSH_API_VERSION);
+  mesh.format = "meshed with Gmsh " + std::string(gmsh.version);
   return mesh;
 }
 

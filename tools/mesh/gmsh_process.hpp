@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "mesh/gmsh_module.hpp"
 #include "mesh/mesh.hpp"
 
 namespace mesh_import {
@@ -13,7 +14,7 @@ struct GmshTask {
   std::string name;  // of the geometry, for messages
   /// Called before Gmsh starts, with the folder that is its home. May be empty.
   std::function<void(const std::string& home)> prepare;
-  std::function<void()> build;  // makes or reads the geometry
+  std::function<void(const GmshModule& gmsh)> build;  // makes or reads the geometry
   /// The message where the process ends because of a system call that it must not use.
   std::string on_forbidden_call;
 };

@@ -123,3 +123,16 @@ TEST_F(GeoCommands, NothingStaysOfAnImportThatIsEndedFromOutside) {
         });
   }
 }
+
+TEST_F(GeoCommands, NeedTheModuleThatIsInstalledWithTheProgram) {
+  std::filesystem::create_directory(folder.file("bin"));
+  std::filesystem::copy_file(QUILLMERE_MESH_PROGRAM, folder.file("bin/quillmere-mesh"));
+  folder.write("m.geo", square);
+  support::RunOptions alone;
+  alone.program = folder.file("bin/quillmere-mesh");
+  const auto result = support::run_program(folder.path(), {"import", "m.geo", "case"}, alone);
+  EXPECT_EQ(result.status, 1);
+  EXPECT_TRUE(support::starts_with(
+      result.err, "quillmere-mesh: Gmsh cannot be loaded: " + folder.file("lib/quillmere/gmsh.so")))
+      << result.err;
+}
