@@ -1,5 +1,6 @@
 #include "export/commands.hpp"
 
+#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
 #include <string>

@@ -1,7 +1,9 @@
 // The commands of quillmere-export: their options, and what they call.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace exports {
 

@@ -1,5 +1,6 @@
 #include "export/common_options.hpp"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "case/keys.hpp"

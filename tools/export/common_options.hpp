@@ -1,12 +1,15 @@
 // Options that commands of quillmere-export share.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 
 #include "export/CaseFiles.hpp"
 #include "export/crs.hpp"
+
+namespace CLI {
+class App;
+}
 
 namespace exports {
 

@@ -1,4 +1,5 @@
 // The commands that draw.
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <memory>

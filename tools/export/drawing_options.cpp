@@ -1,5 +1,6 @@
 #include "export/drawing_options.hpp"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
 #include <optional>

@@ -1,9 +1,11 @@
 // Options of pictures, and what their texts mean.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include "export/DrawingJob.hpp"
+
+namespace CLI {
+class App;
+}
 
 namespace exports {
 

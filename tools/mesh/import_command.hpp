@@ -1,6 +1,8 @@
 // The command `import`: from a mesh and terrain to a case.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 void add_import_command(CLI::App& app);

@@ -1,5 +1,6 @@
 #include "mesh/import_options.hpp"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
 

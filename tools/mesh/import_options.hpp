@@ -1,13 +1,16 @@
 // What the command lines of `import` and `make` say.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "case/keys.hpp"
+
+namespace CLI {
+class App;
+}
 
 namespace mesh_import {
 

@@ -1,5 +1,6 @@
 #include "mesh/make_command.hpp"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <string>

@@ -1,6 +1,8 @@
 // The command `make`: from an outline and terrain to a case.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 void add_make_command(CLI::App& app);

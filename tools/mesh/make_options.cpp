@@ -1,5 +1,6 @@
 #include "mesh/make_options.hpp"
 
+#include <CLI/CLI.hpp>
 #include <cmath>
 
 namespace mesh_import {

@@ -1,11 +1,14 @@
 // What the command line of `make` says.
 #pragma once
 
-#include <CLI/CLI.hpp>
 #include <limits>
 #include <string>
 
 #include "mesh/import_options.hpp"
+
+namespace CLI {
+class App;
+}
 
 namespace mesh_import {
 

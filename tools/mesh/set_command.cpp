@@ -1,5 +1,6 @@
 #include "mesh/set_command.hpp"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>

@@ -1,6 +1,8 @@
 // The command `set`: changes values of a case without a new import.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 void add_set_command(CLI::App& app);

@@ -86,6 +86,6 @@ TEST_P(Mutants, OfAGeometryEndInACaseOrInAMessage) {
   EXPECT_LE(n_killed, n_mutants / 25);
 }
 
-INSTANTIATE_TEST_SUITE_P(Seeds, Mutants, testing::Values(1U, 2U, 3U, 4U));
+INSTANTIATE_TEST_SUITE_P(Seeds, Mutants, testing::Values(1U, 2U));
 
 }  // namespace

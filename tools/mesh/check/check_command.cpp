@@ -1,5 +1,6 @@
 #include "mesh/check/check_command.hpp"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -14,13 +15,13 @@ namespace tools::check {
 
 namespace {
 
-struct Options {
+struct CheckOptions {
   std::string path;
   bool json = false;
   bool quick = false;
 };
 
-void check(const Options& options) {
+void check(const CheckOptions& options) {
   const CaseReport report = check_case(options.path, !options.quick);
   if (options.json) {
     using Json = nlohmann::ordered_json;
@@ -35,7 +36,7 @@ void check(const Options& options) {
 }  // namespace
 
 void add_check_command(CLI::App& app) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<CheckOptions>();
   CLI::App* const command = app.add_subcommand(
       "check",
       "Examples:\n"

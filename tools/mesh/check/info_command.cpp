@@ -1,5 +1,6 @@
 #include "mesh/check/info_command.hpp"
 
+#include <CLI/CLI.hpp>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -12,12 +13,12 @@ namespace tools::check {
 
 namespace {
 
-struct Options {
+struct InfoOptions {
   std::string path;
   bool json = false;
 };
 
-void info(const Options& options) {
+void info(const InfoOptions& options) {
   const CaseReport report = read_case(options.path);
   if (options.json) {
     using Json = nlohmann::ordered_json;
@@ -30,7 +31,7 @@ void info(const Options& options) {
 }  // namespace
 
 void add_info_command(CLI::App& app) {
-  const auto options = std::make_shared<Options>();
+  const auto options = std::make_shared<InfoOptions>();
   CLI::App* const command = app.add_subcommand(
       "info",
       "Examples:\n"

@@ -1,7 +1,9 @@
 // The command `info`.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace tools::check {
 
