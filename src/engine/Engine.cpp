@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <stdexcept>
 
 #include "engine/device/make_device_backend.hpp"
 #include "engine/host/HllBackend.hpp"
@@ -192,98 +191,6 @@ void Engine::ignore_not_hyperbolic() {
   has_told_not_hyperbolic_ = true;
 }
 
-namespace {
-
-/// Calls visit(a column of a state, that of the tables) for all that a state holds.
-template <class State, class Tables, class Visit>
-void for_each_column(State& state, Tables& tables, const Visit& visit) {
-  auto& c = tables.cells;
-  visit(state.h, c.h);
-  visit(state.qx, c.qx);
-  visit(state.qy, c.qy);
-  visit(state.eta, c.eta);
-  visit(state.max_h, c.max_h);
-  visit(state.infiltrated, c.infiltrated);
-  visit(state.hs, c.hs);
-  visit(state.qsx, c.qsx);
-  visit(state.qsy, c.qsy);
-  visit(state.dqs_dh, c.dqs_dh);
-  if (!tables.maxima) return;
-  auto& m = *tables.maxima;
-  visit(state.peak_depth, m.depth);
-  visit(state.time_of_peak, m.time_of_depth);
-  visit(state.peak_level, m.level);
-  visit(state.peak_speed_squared, m.speed_squared);
-  visit(state.peak_discharge_squared, m.discharge_squared);
-  visit(state.arrival_time, m.arrival);
-  visit(state.under_water_since, m.under_water_since);
-  visit(state.time_under_water, m.time_under_water);
-}
-
-}  // namespace
-
-State Engine::state() {
-  State state;
-  save(state);
-  return state;
-}
-
-void Engine::save(State& state) {
-  bring_home();
-  for_each_column(state, tables_, [&](std::vector<double>& values, const Column& column) {
-    save_column(column, values);
-  });
-  forcing_.save(state);
-  state.has_told_not_hyperbolic = has_told_not_hyperbolic_;
-}
-
-void Engine::save_column(const Column& column, std::vector<double>& values) {
-  values.resize(column.empty() ? 0 : at(tables_.owned));
-  if (!column.empty()) read(column, values);
-}
-
-void Engine::set_state(const State& state) {
-  if (tables_.maxima && state.peak_depth.empty()) {
-    throw std::invalid_argument("The state holds no maxima of the flow.");
-  }
-  bring_home();
-  for_each_column(state, tables_, [&](const std::vector<double>& values, Column& column) {
-    column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
-    load_column(values, column);
-  });
-  exchange_.start_halo(tables_);
-  exchange_.finish_halo(tables_);
-  tables_.set_bed_from_sediment({0, tables_.ghosts().end});
-  forcing_.load(state, tables_);
-  activity_.find_rain(tables_);
-  activity_.wake_all();
-  if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
-  if (tables_.maxima) tables_.maxima->forget_hints();
-  take_anew();
-}
-
-std::vector<char> Engine::awake() const {
-  std::vector<char> awake;
-  for (int k = 0; k < tables_.owned; ++k) {
-    awake.push_back(activity_.is_awake(tables_.place[at(k)] / tables_.cells_per_patch()) ? 1 : 0);
-  }
-  return awake;
-}
-
-void Engine::set_awake(const std::vector<char>& awake) {
-  std::vector<char> of_patches(tables_.patches.patches.size(), 0);
-  for (std::size_t k = 0; k < awake.size(); ++k) {
-    if (awake[k] != 0) of_patches[at(tables_.place[k] / tables_.cells_per_patch())] = 1;
-  }
-  activity_.wake(std::move(of_patches));
-}
-
-void Engine::load_column(const std::vector<double>& values, Column& column) const {
-  for (int k = 0; k < static_cast<int>(values.size()); ++k) {
-    column[at(tables_.place[at(k)])] = values[at(k)];
-  }
-}
-
 void Engine::set_water(std::span<const cases::Number> cells,
                        std::span<const physics::InitialWater> water) {
   bring_home();
@@ -376,23 +283,6 @@ void Engine::note_maxima(double t) {
 void Engine::watch(double t) {
   const double step = stable_step(t);
   notes_ = std::make_unique<StepNotes>(tables_, step, place_of_bound(), exchange_);
-}
-
-void Engine::save_notes(SavedNotes& notes) {
-  bring_home();
-  notes.of_last_step = notes_->of_last_step();
-  save_column(notes_->recovered, notes.recovered);
-  save_column(notes_->lifted, notes.lifted);
-  save_column(notes_->taken_discharge, notes.taken_discharge);
-}
-
-void Engine::load_notes(const SavedNotes& notes) {
-  bring_home();
-  notes_->set_last_step(notes.of_last_step);
-  load_column(notes.recovered, notes_->recovered);
-  load_column(notes.lifted, notes_->lifted);
-  load_column(notes.taken_discharge, notes_->taken_discharge);
-  take_anew();
 }
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {
