@@ -75,8 +75,11 @@ class WholeSavedRows final : public SavedRows {
 
   void gather(const Books& books) override {
     whole_.save(cells_.state);
-    cells_.notes = {};
-    if (books.has_notes) whole_.save_notes(cells_.notes);
+    if (books.has_notes) {
+      whole_.save_notes(cells_.notes);
+    } else {
+      cells_.notes = {};
+    }
     cells_.infiltrated.clear();
     if (books.looks != nullptr) books.looks->save(cells_.infiltrated);
     flow_.describe(cells_, cells_.state.h.size());

@@ -6,8 +6,6 @@
 #include <cstdint>
 #include <cstring>
 
-#include "utils/mixed_bits.hpp"
-
 namespace utils {
 
 class WordSum {
@@ -16,18 +14,21 @@ class WordSum {
 
   /// Whole words, from the one with a number on.
   void add(std::uint64_t first, const char* bytes, std::size_t count) {
-    std::uint64_t key = (first + 1) * odd_of_golden_ratio, sum = sum_;  // copies, for registers
+    auto key = static_cast<std::uint32_t>(first + 1) * odd;
+    std::uint64_t sum = sum_;  // a copy, which stays in registers
     for (std::size_t i = 0; i < count; i += word) {
       std::uint32_t bits = 0;
       std::memcpy(&bits, bytes + i, word);
-      sum += (std::uint64_t{bits} + 1) * ((key >> 32) | 1);
-      key += odd_of_golden_ratio;
+      sum += (std::uint64_t{bits} + 1) * (key | 1);  // of 32 bits each, as vectors multiply
+      key += odd;
     }
     sum_ = sum;
   }
   std::uint64_t value() const { return sum_; }
 
  private:
+  static constexpr std::uint32_t odd = 0x9E3779B1U;  ///< a prime beside 2^32 over the golden ratio
+
   std::uint64_t sum_ = 0;
 };
 
