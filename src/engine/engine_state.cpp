@@ -76,6 +76,7 @@ void Engine::set_state(const State& state) {
 }
 
 std::vector<char> Engine::awake() const {
+  if (device_) device_->bring_forcing_home();
   std::vector<char> awake;
   for (int k = 0; k < tables_.owned; ++k) {
     awake.push_back(activity_.is_awake(tables_.place[at(k)] / tables_.cells_per_patch()) ? 1 : 0);
@@ -88,6 +89,7 @@ void Engine::set_awake(const std::vector<char>& awake) {
   for (std::size_t k = 0; k < awake.size(); ++k) {
     if (awake[k] != 0) of_patches[at(tables_.place[k] / tables_.cells_per_patch())] = 1;
   }
+  if (device_) device_->bring_forcing_home();
   activity_.wake(std::move(of_patches));
 }
 

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <vector>
 
 #include "engine/Engine.hpp"
 #include "model/SWE.hpp"
@@ -23,22 +24,22 @@ double step(engine::Engine& engine, double t, double dt) {
   return engine.advance({t, 0.0, 100.0, dt});
 }
 
-}  // namespace
-
-TEST(AwakeCells, AreAllThatTheNextStepLooksAt) {
+void expect_same_steps_after(const engine::Processor& processor) {
   constexpr int per_patch = 64;
   const cases::Case contents = dry_basin();
-  engine::Engine before(contents, 1, per_patch);
+  engine::Engine before(contents, 1, per_patch, processor);
   double t = 0.0, dt = 0.5 * before.stable_step(t);
   for (int k = 0; k < 4; ++k) {
     dt = 0.5 * step(before, t, dt);
     t += dt;
   }
   // Others have cut the cells into patches of their own.
-  engine::Engine after(contents, 1, 2 * per_patch), woken(contents, 1, 2 * per_patch);
+  const std::vector<char> awake = before.awake();
   const engine::State state = before.state();
+  engine::Engine after(contents, 1, 2 * per_patch, processor);
+  engine::Engine woken(contents, 1, 2 * per_patch, processor);
   after.set_state(state);
-  after.set_awake(before.awake());
+  after.set_awake(awake);
   woken.set_state(state);
   const int all = static_cast<int>(after.tables().patches.patches.size());
   const double next = step(before, t, dt);
@@ -54,4 +55,12 @@ TEST(AwakeCells, AreAllThatTheNextStepLooksAt) {
   const engine::State found = after.state(), expected = before.state();
   EXPECT_EQ(std::memcmp(found.h.data(), expected.h.data(), 8 * found.h.size()), 0);
   EXPECT_EQ(std::memcmp(found.qx.data(), expected.qx.data(), 8 * found.qx.size()), 0);
+}
+
+}  // namespace
+
+TEST(AwakeCells, AreAllThatTheNextStepLooksAt) { expect_same_steps_after({}); }
+
+TEST(AwakeCells, AreThoseOfTheLastStepOnADevice) {
+  expect_same_steps_after({.device = engine::Device::emulated});
 }
