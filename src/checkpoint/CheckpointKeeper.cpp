@@ -61,11 +61,16 @@ void CheckpointKeeper::write(fields::SavedRows& rows, std::function<bool()> resu
 
 utils::WriterThread::Pieces CheckpointKeeper::pieces(fields::SavedRows& rows,
                                                      std::function<bool()> results_are_written) {
-  // A run does not end for a checkpoint: no piece fails.
+  // A run does not end for a checkpoint: no piece fails. Behind one that could not be put there is
+  // no file any more.
   const auto piece = [this, results_are_written](auto&& put, bool is_last) {
     auto work = [this, results_are_written, put = std::move(put), is_last] {
-      put();
-      if (is_last) finish_file(results_are_written);
+      try {
+        put();
+        if (is_last && file_) finish_file(results_are_written);
+      } catch (const std::exception& error) {
+        give_up(error.what());
+      }
       return true;
     };
     return Piece{std::move(work), is_last};
@@ -79,12 +84,13 @@ utils::WriterThread::Pieces CheckpointKeeper::pieces(fields::SavedRows& rows,
       if (!next) return {};
       const bool is_last = next->is_last;
       return piece(
-          [this, bytes = std::move(next->text)] { file_->put(bytes.data(), bytes.size()); },
+          [this, bytes = std::move(next->text)] {
+            if (file_) file_->put(bytes.data(), bytes.size());
+          },
           is_last);
-    } catch (const std::runtime_error& error) {
+    } catch (const std::exception& error) {
       return Piece{[this, trouble = std::string(error.what())] {
-                     file_.reset();
-                     tell_trouble(trouble);
+                     if (file_) give_up(trouble);
                      return true;
                    },
                    true};
@@ -103,6 +109,11 @@ void CheckpointKeeper::finish_file(const std::function<bool()>& results_are_writ
   if (!trouble.empty()) return tell_trouble(trouble);
   ++last_number_;
   target_ = 1 - target_;
+}
+
+void CheckpointKeeper::give_up(const std::string& trouble) {
+  file_.reset();
+  tell_trouble(trouble);
 }
 
 void CheckpointKeeper::tell_trouble(const std::string& trouble) const {

@@ -46,6 +46,8 @@ class CheckpointKeeper {
                                      std::function<bool()> results_are_written);
   void begin_file(const fields::SavedRows& rows);
   void finish_file(const std::function<bool()>& results_are_written);
+  /// Of the file that is being written.
+  void give_up(const std::string& trouble);
   void tell_trouble(const std::string& trouble) const;
 
   Request request_;

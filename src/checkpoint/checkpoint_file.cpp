@@ -146,6 +146,7 @@ class FileReader::BlockReader : public utils::ByteSource {
       count -= taken;
     }
   }
+  std::uint64_t number() const { return footer_.number; }
   std::uint64_t left() const override { return footer_.bytes - read_ + (block_.size() - next_); }
 
   /// Throws a BadFile unless the footer belongs to all that was read.
@@ -255,6 +256,8 @@ void FileReader::take(void* to, std::size_t count) {
     throw BadFile(bad.what());
   }
 }
+
+std::uint64_t FileReader::number() const { return blocks_->number(); }
 
 std::uint64_t FileReader::left() const { return blocks_->left(); }
 

@@ -61,6 +61,8 @@ class FileReader : public utils::ByteSource {
   ~FileReader() override;
 
   const Checkpoint& contents() const { return contents_; }
+  /// In a row, as of Look.
+  std::uint64_t number() const;
   /// Bytes of rows; throws a BadFile where the file does not hold them undamaged.
   void take(void* to, std::size_t count) override;
   std::uint64_t left() const override;

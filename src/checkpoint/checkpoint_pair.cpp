@@ -42,6 +42,7 @@ Loaded load_newest(const std::string& name) {
         std::ifstream stream(file.name, std::ios::binary);
         loaded.contents = read_file(stream);
         loaded.file = file.name;
+        loaded.number = file.look.number;
       } catch (const BadFile& bad) {
         trouble = bad.what();
       }

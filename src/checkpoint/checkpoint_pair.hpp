@@ -21,6 +21,7 @@ std::array<FoundFile, 2> find_files(const std::string& name);
 
 struct Loaded {
   std::string file;
+  std::uint64_t number = 0;           ///< in a row
   Checkpoint contents;                ///< without its rows, which have been found to be whole
   std::vector<std::string> warnings;  ///< of the other file, where that is not whole
 };

@@ -172,7 +172,10 @@ void Domain::load_rows(const Load& load) const {
   try {
     std::ifstream file(restart_->file, std::ios::binary);
     checkpoint::FileReader rows(file);
+    // Another run that writes the same checkpoint may have done so meanwhile.
+    if (rows.number() != restart_->number) throw checkpoint::BadFile("it was replaced meanwhile");
     load(rows);
+    rows.finish();
   } catch (const checkpoint::BadFile& bad) {  // it was whole when it was looked at
     refuse(restart_->file, bad.what());
   }

@@ -53,7 +53,7 @@ struct RankStart {
 
 /// Every function is called on all ranks, in the same order. What it reads of the flow is there on
 /// rank 0; cells and boundaries have the numbers of the whole case. No rank but 0 holds anything of
-/// its size.
+/// its size, unless it is told the ranks of all cells.
 class FlowOfRank {
  public:
   /// Of the share of this rank. The group must outlive it. Where any rank could not start there is

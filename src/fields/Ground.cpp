@@ -101,9 +101,11 @@ std::vector<GroundEdge> WholeGround::edges(std::span<const Number> numbers) cons
 }
 
 std::vector<Number> WholeGround::cells_at(std::span<const physics::PlanPoint> points) const {
-  const PointLocator locator(case_.mesh);
   std::vector<Number> cells;
-  for (const physics::PlanPoint& point : points) cells.push_back(locator.cell_at(point.x, point.y));
+  for (const physics::PlanPoint& point : points) {
+    if (!locator_) locator_ = std::make_unique<PointLocator>(case_.mesh);
+    cells.push_back(locator_->cell_at(point.x, point.y));
+  }
   return cells;
 }
 

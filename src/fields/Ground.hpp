@@ -2,11 +2,13 @@
 // what surrounds a cell. Whoever has the mesh answers, so that nobody needs all of it.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
 
 #include "case/Case.hpp"
+#include "case/PointLocator.hpp"
 
 namespace fields {
 
@@ -97,6 +99,7 @@ class WholeGround final : public Ground {
 
  private:
   const cases::Case& case_;
+  mutable std::unique_ptr<PointLocator> locator_;  ///< from the first point on
 };
 
 }  // namespace fields

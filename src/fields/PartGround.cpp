@@ -76,6 +76,7 @@ Surroundings around(const cases::Part& part, const std::vector<Number>& numbers)
 }
 
 std::vector<Number> cells_at(const cases::Part& part, const GroundQuestion& question) {
+  if (question.x.empty()) return {};
   const PointLocator locator(part.contents.mesh, part.owned);
   std::vector<Number> cells;
   for (std::size_t i = 0; i < question.x.size(); ++i) {

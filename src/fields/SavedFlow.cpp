@@ -48,8 +48,9 @@ std::vector<std::vector<double>*> columns_of(SavedCells& cells) {
 
 /// Whether a row can have these columns.
 bool are_columns(const std::vector<std::uint8_t>& columns) {
-  return std::is_sorted(columns.begin(), columns.end(), std::less_equal<>()) &&
-         (columns.empty() || columns.back() < columns_of_all);
+  const bool ascend =
+      std::adjacent_find(columns.begin(), columns.end(), std::greater_equal<>()) == columns.end();
+  return ascend && (columns.empty() || columns.back() < columns_of_all);
 }
 
 }  // namespace

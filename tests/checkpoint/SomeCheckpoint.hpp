@@ -62,6 +62,7 @@ class SomeRows final : public fields::SavedRows {
 
   void gather(const fields::Books&) override { next_ = 0; }
   void put_own_to(utils::ByteSink& sink) const override {
+    if (lacks_memory) throw std::bad_alloc();
     const std::string bytes = piece();
     sink.put(bytes.data(), bytes.size());
   }
@@ -74,7 +75,7 @@ class SomeRows final : public fields::SavedRows {
     return fields::RowText{piece(), next_ == pieces_};
   }
 
-  bool is_lost = false;
+  bool is_lost = false, lacks_memory = false;
 
  private:
   /// Of the pieces that come, each holds as much.

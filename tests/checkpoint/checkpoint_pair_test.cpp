@@ -85,6 +85,23 @@ TEST_F(CheckpointPair, StaysWhereRowsAreLost) {
   EXPECT_EQ(newest(), 3);
 }
 
+TEST_F(CheckpointPair, IsKeptAgainAfterMemoryWasShort) {
+  checkpoint::CheckpointKeeper keeper({.name = name});
+  keep(keeper, 1);
+  for (const std::size_t pieces : {0, 2}) {
+    support::SomeRows rows(pieces);
+    rows.lacks_memory = true;
+    testing::internal::CaptureStderr();
+    keep(keeper, 2, rows);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Warning: the checkpoint " + name +
+                  ".b couldn't be written: std::bad_alloc; the one before it stays.\n");
+    EXPECT_EQ(newest(), 1);
+  }
+  keep(keeper, 3, support::SomeRows(2));
+  EXPECT_EQ(newest(), 3);
+}
+
 TEST_F(CheckpointPair, GoesOnInTurnInTheNextRun) {
   for (long steps = 1; steps <= 5; ++steps) {
     keep(steps);
@@ -103,6 +120,7 @@ TEST_F(CheckpointPair, IsReadFromTheFileThatIsWhole) {
   const checkpoint::Loaded loaded = checkpoint::load_newest(name);
   EXPECT_EQ(loaded.contents.clock.steps, 1);
   EXPECT_EQ(loaded.file, name + ".a");
+  EXPECT_EQ(loaded.number, 1U);
   ASSERT_EQ(loaded.warnings.size(), 1U);
   EXPECT_EQ(loaded.warnings[0], name + ".b: it is not complete");
   keep(3);  // into the file that is not whole

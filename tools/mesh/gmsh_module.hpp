@@ -1,4 +1,4 @@
-// Gmsh, in a module that is loaded when something is to be meshed: with it come 180 libraries,
+// Gmsh, in a module that is loaded when something is to be meshed: with it come 70 libraries,
 // which take longer to load than most commands to run.
 #pragma once
 

@@ -19,6 +19,7 @@ namespace engine::device {
 /// Throws std::runtime_error for what a call of CUDA answers, but success.
 inline void check(cudaError_t status) {
   if (status == cudaSuccess) return;
+  cudaGetLastError();  // or the next launch would be taken to have failed
   throw std::runtime_error(
       "Error. The graphics card fails: " + std::string(cudaGetErrorString(status)) + ".");
 }
@@ -138,6 +139,7 @@ class CardArray {
     std::swap(capacity_, other.capacity_);
   }
   [[noreturn]] static void lack_memory(std::size_t size) {
+    cudaGetLastError();  // forgotten: who asked may go on without
     std::size_t free = 0, all = 0;
     cudaMemGetInfo(&free, &all);
     throw std::runtime_error("Error. The graphics card lacks memory: " + std::to_string(free) +
@@ -191,8 +193,8 @@ class Card {
   using Array = CardArray<Value>;
   using Parcel = CardParcel;
 
-  /// Cards are counted over and over from 0. The process, and its calling thread, use it from now
-  /// on.
+  /// Cards are counted over and over from 0. The calling thread uses it from now on; all that a
+  /// process makes have the same number, as they share its stream.
   explicit Card(int number) {
     int cards = 0;
     check(cudaGetDeviceCount(&cards));

@@ -2,6 +2,7 @@
 // Machine is the device: Emulator, say.
 #pragma once
 
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -60,6 +61,7 @@ class CellCopies {
  private:
   template <bool to_their_places>
   void launch(Machine& machine) {
+    if (columns_.size() > CopiedCells::most_columns) throw std::logic_error("too many columns");
     CopiedCells copied = {{},
                           static_cast<int>(columns_.size()),
                           places_on_device_.data(),

@@ -24,8 +24,8 @@ using Words = std::vector<std::string>;
 /// The environment of a job, by which its processes are found.
 constexpr const char* mark = "QUILLMERE_TEST_JOB";
 
-/// What is asked of a run besides its case. A report needs orders for every step; with checkpoints
-/// or results in NetCDF rank 0 has the whole case, and without them no rank more than its share.
+/// What is asked of a run besides its case. A report needs orders for every step; with results in
+/// NetCDF rank 0 has the whole case, and without them no rank more than its share.
 struct Asked {
   bool report = false, checkpoints = false, netcdf = false;
 };
@@ -173,7 +173,7 @@ class LongMpiRun : public MpiRuns {
 }  // namespace
 
 TEST_F(MpiRuns, OfWaterWithEverythingLeaveTheFilesOfOneProcess) {
-  for (const Asked& asked : {everything, Asked{.report = true}}) {
+  for (const Asked& asked : {everything, Asked{.report = true}, Asked{.checkpoints = true}}) {
     expect_the_files_of_one_process(
         [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {1, 2, 4},
         asked);
