@@ -22,12 +22,12 @@ double seconds_since(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
 
-void run(ranks::Group& group, const std::string& folder) {
-  std::filesystem::current_path(folder);
+void run(ranks::Group& group) {
   std::ofstream nowhere("/dev/null");
   utils::Console console(nowhere);
   fields::FlowRequest request = flow_request_of_environment();
   request.ranks.group = &group;
+  request.ranks.can_read_files = true;
   const auto start = std::chrono::steady_clock::now();
   Domain domain("data.json", {.log = nowhere, .console = console, .flow = request});
   const double setup = seconds_since(start);
@@ -53,8 +53,9 @@ int main(int argc, char** argv) {
   const ranks::MpiSession session(argc, argv);
   ranks::MpiGroup group;
   if (argc < 2) return 2;
+  std::filesystem::current_path(argv[1]);  // of all ranks, which read the case together
   if (group.rank() == 0) {
-    run(group, argv[1]);
+    run(group);
     fields::end_service(group, 0);
   } else {
     fields::serve(group, [] { return false; });

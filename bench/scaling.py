@@ -218,7 +218,7 @@ def page(scaling, sizes, memory_cells, steps, before):
         "more comes from the looks at the balance of the ranks, every 64 steps.",
         shown(scaling.messages(300_000)),
         "## Memory",
-        f"Peak of every process on a mesh of about {memory_cells:,} triangles. Rank 0 reads the case.",
+        f"Peak of every process on a mesh of about {memory_cells:,} triangles. All ranks read the case together.",
         shown(scaling.memory(memory_cells)),
         "## Balance",
         "Time of the busiest rank over the mean of all, summed up over the looks of a run: 1 is even, "
