@@ -4,6 +4,8 @@
 #include <map>
 #include <utility>
 
+#include "ranks/unite_parts.hpp"
+
 namespace fields {
 
 using cases::at;
@@ -28,17 +30,6 @@ MovingCells part_of(const MovingCells& all, const Entries& entries) {
   return part;
 }
 
-/// Where some numbers stand among all; both ascend.
-std::vector<Number> places_in(const std::vector<Number>& all, const std::vector<Number>& some) {
-  std::vector<Number> places;
-  auto from = all.begin();
-  for (const Number number : some) {
-    from = std::lower_bound(from, all.end(), number);
-    places.push_back(static_cast<Number>(from - all.begin()));
-  }
-  return places;
-}
-
 void append(std::vector<Number>& all, const std::vector<Number>& more) {
   all.insert(all.end(), more.begin(), more.end());
 }
@@ -55,8 +46,8 @@ MovingCells united(const std::vector<MovingCells>& parts) {
   const std::size_t cells = all.numbers.cells.size(), boundaries = all.numbers.boundaries.size();
   all.awake.resize(cells);
   for (const MovingCells& part : parts) {
-    const Entries entries = {places_in(all.numbers.cells, part.numbers.cells),
-                             places_in(all.numbers.boundaries, part.numbers.boundaries)};
+    const Entries entries = {ranks::places_among(all.numbers.cells, part.numbers.cells),
+                             ranks::places_among(all.numbers.boundaries, part.numbers.boundaries)};
     take_the_rest(all.state, part.state);
     put_part(part.state, entries, cells, boundaries, all.state);
     if (!part.infiltrated.empty()) all.infiltrated.resize(cells);
