@@ -1,6 +1,7 @@
 #include "fields/quantities.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <iterator>
 #include <limits>
@@ -50,6 +51,12 @@ double largest_level(Of cells, Cell i) {
   return cells.bed[i] + value<Field::largest_depth>(cells, i);
 }
 
+/// The value of every cell by a formula, which stands in the loop.
+template <double (*of_cell)(Of, Cell)>
+void each(Of cells, Cell first, std::span<double> values) {
+  for (std::size_t k = 0; k < values.size(); ++k) values[k] = of_cell(cells, first + k);
+}
+
 /// A field as it is.
 Quantity plain(Field field, const char* name, const char* long_name, Part part = Part::scalar) {
   const std::string unit = info(field).unit;
@@ -60,8 +67,8 @@ Quantity plain(Field field, const char* name, const char* long_name, Part part =
 
 /// What is made of the water of wet cells.
 Quantity of_water(For use, const char* name, const char* long_name, const char* unit, Part part,
-                  double (*of_cell)(Of, Cell)) {
-  return {Field::depth, Field::depth, use, name, long_name, unit, part, WhenDry::hidden, of_cell};
+                  decltype(Quantity::of_cells) of_cells) {
+  return {Field::depth, Field::depth, use, name, long_name, unit, part, WhenDry::hidden, of_cells};
 }
 
 }  // namespace
@@ -69,17 +76,17 @@ Quantity of_water(For use, const char* name, const char* long_name, const char* 
 const std::vector<Quantity>& quantities_in_time() {
   static const std::vector<Quantity> table = {
       {Field::depth, Field::depth, For::both, "depth", "depth", "m", Part::scalar,
-       WhenDry::left_off_maps, depth_of<Field::depth>},
-      of_water(For::both, "level", "water level", "m", Part::scalar, level),
-      of_water(For::datasets, "velocity", "velocity", "m s-1", Part::x, velocity_x),
-      of_water(For::datasets, "velocity", "velocity", "m s-1", Part::y, velocity_y),
-      of_water(For::maps, "velocity", "velocity", "m s-1", Part::scalar, speed),
+       WhenDry::left_off_maps, each<depth_of<Field::depth>>},
+      of_water(For::both, "level", "water level", "m", Part::scalar, each<level>),
+      of_water(For::datasets, "velocity", "velocity", "m s-1", Part::x, each<velocity_x>),
+      of_water(For::datasets, "velocity", "velocity", "m s-1", Part::y, each<velocity_y>),
+      of_water(For::maps, "velocity", "velocity", "m s-1", Part::scalar, each<speed>),
       plain(Field::discharge_x, "unit_discharge", "unit discharge", Part::x),
       plain(Field::discharge_y, "unit_discharge", "unit discharge", Part::y),
       plain(Field::infiltrated_depth, "infiltrated_depth", "infiltrated depth"),
       plain(Field::bed_level, "bed", "bed elevation"),
       {Field::bed_level, Field::depth, For::both, "bed_change", "bed change", "m", Part::scalar,
-       WhenDry::shown, bed_change},
+       WhenDry::shown, each<bed_change>},
       plain(Field::sediment_thickness, "sediment_thickness", "sediment thickness"),
       plain(Field::bed_load_x, "bed_load", "bed load", Part::x),
       plain(Field::bed_load_y, "bed_load", "bed load", Part::y),
@@ -109,10 +116,10 @@ std::vector<Quantity> dataset_maxima_of_flow() {
 std::vector<Quantity> dataset_largest_depths(bool has_sediments) {
   constexpr Field depth = Field::largest_depth;
   std::vector<Quantity> shown = {{depth, depth, For::datasets, "max_depth", "largest depth", "m",
-                                  Part::scalar, WhenDry::left_off_maps, depth_of<depth>}};
+                                  Part::scalar, WhenDry::left_off_maps, each<depth_of<depth>>}};
   if (!has_sediments) {  // whose bed at that time is not known
     shown.push_back({depth, depth, For::datasets, "max_level", "largest water level", "m",
-                     Part::scalar, WhenDry::hidden, largest_level});
+                     Part::scalar, WhenDry::hidden, each<largest_level>});
   }
   return shown;
 }
@@ -129,18 +136,40 @@ std::string variable_name(const Quantity& quantity) {
   return quantity.name;
 }
 
+namespace {
+
+/// Values of cells, or nan where the depth does not exceed that of a dry cell.
+template <class Real>
+void hide_dry(std::span<const double> of_cells, const double* depth, double dry_depth,
+              Real* values) {
+  constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+  for (std::size_t k = 0; k < of_cells.size(); ++k) {
+    values[k] = static_cast<Real>(depth[k] > dry_depth ? of_cells[k] : nan);
+  }
+}
+
+}  // namespace
+
 template <class Real>
 void evaluate(const Quantity& quantity, const CellValues& cells, std::vector<Real>& values) {
+  constexpr std::size_t block_size = 1024;  // cells that stay in the first cache
   const std::vector<double>& depth = cells.columns[quantity.depth];
   const std::vector<double>& source = cells.columns[quantity.source];
   values.resize(source.size());
-  const bool hides = quantity.when_dry == WhenDry::hidden;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (hides && !(depth[i] > cells.dry_depth)) {
-      values[i] = std::numeric_limits<Real>::quiet_NaN();
+  std::array<double, block_size> computed;
+  for (std::size_t first = 0; first < values.size(); first += block_size) {
+    const std::size_t count = std::min(block_size, values.size() - first);
+    std::span<const double> of_cells(source.data() + first, count);
+    if (quantity.of_cells != nullptr) {
+      quantity.of_cells(cells, first, std::span(computed.data(), count));
+      of_cells = std::span(computed.data(), count);
+    }
+    Real* const to = values.data() + first;
+    if (quantity.when_dry == WhenDry::hidden) {
+      hide_dry(of_cells, depth.data() + first, cells.dry_depth, to);
     } else {
-      values[i] =
-          static_cast<Real>(quantity.of_cell != nullptr ? quantity.of_cell(cells, i) : source[i]);
+      std::transform(of_cells.begin(), of_cells.end(), to,
+                     [](double value) { return static_cast<Real>(value); });
     }
   }
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,8 @@ struct Quantity {
   std::string unit;
   Part part;
   WhenDry when_dry;
-  /// Null: the field as it is.
-  double (*of_cell)(const CellValues&, std::size_t cell) = nullptr;
+  /// The values of as many cells as there is room for, from a first one on; null: the field itself.
+  void (*of_cells)(const CellValues&, std::size_t first, std::span<double> values) = nullptr;
 };
 
 /// Those of a time, in the order in which they are shown.
