@@ -198,12 +198,13 @@ bool slots_fit(const Patches& patches) {
 
 }  // namespace
 
-int cells_per_patch_for(int cells, int threads) {
-  constexpr int grain = cells_of_shortest;
-  const int most = std::clamp(cells / 128, 1024, most_cells_per_patch);
-  const int rounds = std::max(1, (cells + most * threads - 1) / (most * threads));
-  const int patches = rounds * threads;
-  return std::max(1, (cells + patches * grain - 1) / (patches * grain)) * grain;
+int cells_per_patch_for(std::int64_t cells, int threads) {
+  constexpr std::int64_t one = 1, fewest = 1024, grain = cells_of_shortest;
+  const std::int64_t most = std::clamp<std::int64_t>(cells / 128, fewest, most_cells_per_patch);
+  const std::int64_t rounds = std::max(one, (cells + most * threads - 1) / (most * threads));
+  const std::int64_t patches = rounds * threads;
+  const std::int64_t grains = std::max(one, (cells + patches * grain - 1) / (patches * grain));
+  return static_cast<int>(grains * grain);
 }
 
 Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,

@@ -2,6 +2,7 @@
 // their balance are computed, and that a step skips where nothing can change.
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "case/Mesh.hpp"
@@ -74,7 +75,7 @@ inline constexpr int most_cells_per_patch = 4096;
 
 /// How many cells of a number of them a patch takes: as many patches for every thread; a multiple
 /// of a cache line of doubles, so that no two threads write to one.
-int cells_per_patch_for(int cells, int threads);
+int cells_per_patch_for(std::int64_t cells, int threads);
 
 /// Cuts cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
 /// where their edges cannot be numbered. `place` is where each cell of the mesh stands: below

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <map>
 #include <stdexcept>
 #include <utility>
@@ -20,12 +21,13 @@ using Outcome = RankStart::Outcome;
 
 namespace {
 
-/// Some tens of patches for a rank, where they do not get too small by that: the work of a patch is
-/// all or none, so that small ones tell better where the water is, and what to give to others.
-int cells_per_patch_for(const RanksPlan& plan, Number cells) {
+/// The patches that one process would have with the threads of all ranks, but some tens for a rank,
+/// where they do not get too small by that: the work of a patch is all or none, so that small ones
+/// tell better where the water is, and what to give to others.
+int cells_per_patch_for(const RanksPlan& plan, int ranks, Number cells) {
   if (plan.processor.device != engine::Device::none) return 0;  // has its own
   constexpr int patches = 32, fewest_cells = 256, grain = engine::cells_of_shortest;
-  return std::min(engine::cells_per_patch_for(cells, plan.threads),
+  return std::min(engine::cells_per_patch_for(std::int64_t{cells} * ranks, plan.threads * ranks),
                   std::max(fewest_cells, cells / patches / grain * grain));
 }
 
@@ -70,8 +72,9 @@ RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
   try {
     engine::Processor processor = plan.processor;
     processor.number_on_machine = group_.rank_on_machine();
-    engine_ = std::make_unique<engine::Engine>(part_, *exchange_, plan.threads,
-                                               cells_per_patch_for(plan, part_.owned), processor);
+    engine_ = std::make_unique<engine::Engine>(
+        part_, *exchange_, plan.threads, cells_per_patch_for(plan, group_.size(), part_.owned),
+        processor);
     fields_ = std::make_unique<TableFields>(part_.contents, *engine_);
     return {.threads = engine_->threads(), .run_on = {engine_->instruction_set()}};
   } catch (const std::length_error& error) {
