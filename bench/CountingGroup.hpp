@@ -19,24 +19,22 @@ struct Counts {
 
 class CountingExchange final : public engine::Exchange {
  public:
-  CountingExchange(std::unique_ptr<engine::Exchange> exchange, std::vector<ranks::Halo> halos,
-                   bool is_first, Counts& counts)
+  /// Of an exchange that sends so many messages in a step.
+  CountingExchange(std::unique_ptr<engine::Exchange> exchange, std::size_t messages, bool is_first,
+                   Counts& counts)
       : exchange_(std::move(exchange)),
-        halos_(std::move(halos)),
+        messages_(static_cast<long>(messages)),
         is_first_(is_first),
         counts_(counts) {}
 
-  void start_halo(engine::Tables& tables) override {
-    long columns = 0;
-    engine::for_each_halo_column(tables.cells, [&](const engine::Column&) { ++columns; });
-    for (const ranks::Halo& halo : halos_) {
-      ++counts_.messages;
-      counts_.bytes +=
-          columns * static_cast<long>(sizeof(double)) * static_cast<long>(halo.sent.size());
-    }
-    exchange_->start_halo(tables);
+  const engine::HaloCells& halo() const override { return exchange_->halo(); }
+  bool takes_memory_of_card() const override { return exchange_->takes_memory_of_card(); }
+  void start_halo(const engine::PackedHalo& packed) override {
+    counts_.messages += messages_;
+    counts_.bytes += static_cast<long>(halo().sent.size() * sizeof(double)) * packed.columns;
+    exchange_->start_halo(packed);
   }
-  void finish_halo(engine::Tables& tables) override { exchange_->finish_halo(tables); }
+  void finish_halo() override { exchange_->finish_halo(); }
   void start_minimum(const engine::StepMinimum& own) override {
     if (is_first_) ++counts_.reductions;
     exchange_->start_minimum(own);
@@ -49,7 +47,7 @@ class CountingExchange final : public engine::Exchange {
 
  private:
   std::unique_ptr<engine::Exchange> exchange_;
-  std::vector<ranks::Halo> halos_;
+  long messages_;
   bool is_first_;
   Counts& counts_;
 };
@@ -81,9 +79,9 @@ class CountingGroup final : public ranks::Group {
     return group ? std::make_unique<CountingGroup>(std::move(group), counts_) : nullptr;
   }
   std::unique_ptr<engine::Exchange> exchange(std::vector<ranks::Halo> halos) override {
-    auto exchange = group_->exchange(halos);
-    return std::make_unique<CountingExchange>(std::move(exchange), std::move(halos), rank() == 0,
-                                              counts_);
+    const std::size_t messages = halos.size();
+    return std::make_unique<CountingExchange>(group_->exchange(std::move(halos)), messages,
+                                              rank() == 0, counts_);
   }
 
  private:

@@ -43,12 +43,14 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
     : exchange_(exchange),
       team_(threads),
       tables_(make_tables(contents, part, team_, cells_per_patch, processor)),
+      halo_(tables_, exchange_),
       forcing_(contents, tables_),
       activity_(tables_) {
   if (processor.device == Device::none) {
     host_ = make_host_backend(tables_, team_, processor);
   } else {
-    device_ = device::make_device_backend(processor, tables_, forcing_, activity_, team_);
+    device_ =
+        device::make_device_backend(processor, tables_, forcing_, activity_, exchange_, team_);
   }
   step_.zero_depth = tables_.zero_depth;
   step_.dry_step = tables_.dry_step;
@@ -99,7 +101,7 @@ double Engine::advance_on_host(const StepTimes& times, const Wishes& own) {
   // What others wait for comes first; it is on its way while the rest is computed.
   const double of_border = advance_patches(activity_.border_patches());
   if (meter_) meter_->end_work();
-  if (host_->works_in_place()) exchange_.start_halo(tables_);
+  if (host_->works_in_place()) halo_.start(tables_);
   if (meter_) meter_->begin_work();
   const double of_interior = advance_patches(activity_.interior_patches());
   host_->finish_step(activity_);
@@ -107,18 +109,21 @@ double Engine::advance_on_host(const StepTimes& times, const Wishes& own) {
     meter_->end_work();
     meter_->end_step(activity_.patches());
   }
-  if (!host_->works_in_place()) exchange_.start_halo(tables_);
+  if (!host_->works_in_place()) halo_.start(tables_);
   start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
                 own);
-  take_halo();
+  halo_.finish();
+  tables_.set_bed_from_sediment(tables_.ghosts());
+  tables_.drop_given_surface();
   return agree_on_step();
 }
 
 double Engine::advance_on_device(const StepTimes& times, const Wishes& own) {
   if (meter_) meter_->begin_work();
   device_->start_step(times, step_, notes_.get());
+  const PackedHalo packed = device_->packed_halo();
   if (meter_) meter_->end_work();
-  exchange_.start_halo(tables_);
+  exchange_.start_halo(packed);
   if (meter_) meter_->begin_work();
   const double smallest = device_->finish_step();
   if (meter_) {
@@ -126,15 +131,10 @@ double Engine::advance_on_device(const StepTimes& times, const Wishes& own) {
     meter_->end_step(activity_.patches());
   }
   start_minimum(bounded_by_boundaries(smallest, times.t + times.dt), own);
-  take_halo();
+  exchange_.finish_halo();
+  tables_.drop_given_surface();
   device_->take_ghosts();
   return agree_on_step();
-}
-
-void Engine::take_halo() {
-  exchange_.finish_halo(tables_);
-  tables_.set_bed_from_sediment(tables_.ghosts());
-  tables_.drop_given_surface();
 }
 
 double Engine::agree_on_step() {

@@ -11,6 +11,7 @@
 #include "engine/Exchange.hpp"
 #include "engine/Processor.hpp"
 #include "engine/State.hpp"
+#include "engine/TablesHalo.hpp"
 #include "engine/ThreadTeam.hpp"
 #include "engine/WorkMeter.hpp"
 #include "engine/device/DeviceSteps.hpp"
@@ -139,8 +140,6 @@ class Engine {
   double advance_on_host(const StepTimes& times, const Wishes& own);
   double advance_on_device(const StepTimes& times, const Wishes& own);
   double advance_patches(const std::vector<int>& patches);
-  /// Takes what other ranks have computed in a step.
-  void take_halo();
   /// Ends a step, once all ranks have told their smallest one; that of the whole domain, s.
   double agree_on_step();
   /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.
@@ -159,6 +158,7 @@ class Engine {
   Exchange& exchange_;
   ThreadTeam team_;
   Tables tables_;
+  TablesHalo halo_;
   Forcing forcing_;
   Activity activity_;
   std::unique_ptr<PatchBackend> host_;           ///< or

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cmath>
+#include <vector>
 
 #include "engine/Tables.hpp"
 #include "physics/flow_extremes.hpp"
@@ -40,16 +41,34 @@ inline physics::StepNotes united(const physics::StepNotes& a, const physics::Ste
           a.films + b.films};
 }
 
+/// The cells of the halo, by their numbers in the part of a rank, as messages have them: those of
+/// the first neighbour, then those of the next.
+struct HaloCells {
+  std::vector<cases::Number> sent, received;
+};
+
+/// Their values: all columns of the first cell, then those of the next. In the memory of the host,
+/// or of a card.
+struct PackedHalo {
+  const double* sent;
+  double* received;
+  int columns;
+
+  bool operator==(const PackedHalo&) const = default;
+};
+
 /// Every rank calls the same functions in the same order, each start before its finish.
 class Exchange {
  public:
   virtual ~Exchange() = default;
 
-  /// Takes the columns of the halo of the cells that are ghosts of others; these may change again
-  /// on return.
-  virtual void start_halo(Tables& tables) = 0;
-  /// Fills those of the ghosts.
-  virtual void finish_halo(Tables& tables) = 0;
+  virtual const HaloCells& halo() const = 0;
+  /// Whether a halo may lie in the memory of a card.
+  virtual bool takes_memory_of_card() const = 0;
+  /// Sends what is sent of a halo and fills what is received, which nobody else may touch before
+  /// finish_halo() is over.
+  virtual void start_halo(const PackedHalo& packed) = 0;
+  virtual void finish_halo() = 0;
   virtual void start_minimum(const StepMinimum& own) = 0;
   virtual StepMinimum finish_minimum() = 0;
 
@@ -60,13 +79,16 @@ class Exchange {
 /// One rank has the whole case.
 class Alone final : public Exchange {
  public:
-  void start_halo(Tables&) override {}
-  void finish_halo(Tables&) override {}
+  const HaloCells& halo() const override { return none_; }
+  bool takes_memory_of_card() const override { return true; }
+  void start_halo(const PackedHalo&) override {}
+  void finish_halo() override {}
   void start_minimum(const StepMinimum& own) override { own_ = own; }
   StepMinimum finish_minimum() override { return own_; }
   physics::StepNotes unite(const physics::StepNotes& own, int) override { return own; }
 
  private:
+  HaloCells none_;
   StepMinimum own_;
 };
 

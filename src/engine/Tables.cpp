@@ -57,6 +57,12 @@ int Tables::cell_of(cases::Number number) const {
   return is_here ? static_cast<int>(found - cell_number.begin()) : -1;
 }
 
+std::vector<int> Tables::places_of(std::span<const cases::Number> cells) const {
+  std::vector<int> places;
+  for (const cases::Number cell : cells) places.push_back(place[at(cell)]);
+  return places;
+}
+
 void Tables::set_bed_from_sediment(const Range& places) {
   if (!has_bed) return;
   for (std::size_t i = at(places.begin); i < at(places.end); ++i) {

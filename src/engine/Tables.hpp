@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "case/Part.hpp"
@@ -83,6 +84,7 @@ struct Tables {
   int cell_of(cases::Number number) const;
   Range ghosts() const { return {owned, static_cast<int>(cells.h.size())}; }
   kernels::CellColumns columns();
+  std::vector<int> places_of(std::span<const cases::Number> cells) const;
   /// Lays the sediment of cells on their rock.
   void set_bed_from_sediment(const Range& places);
   /// From now on the free surface is bed and depth.

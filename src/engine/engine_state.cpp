@@ -64,8 +64,8 @@ void Engine::set_state(const State& state) {
     column.resize(values.empty() ? 0 : at(tables_.ghosts().end));
     load_column(values, column);
   });
-  exchange_.start_halo(tables_);
-  exchange_.finish_halo(tables_);
+  halo_.start(tables_);
+  halo_.finish();
   tables_.set_bed_from_sediment({0, tables_.ghosts().end});
   forcing_.load(state, tables_);
   activity_.find_rain(tables_);

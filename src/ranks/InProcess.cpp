@@ -11,18 +11,20 @@ using engine::at;
 
 /// What the ranks of a group have in common.
 struct InProcess::Shared {
-  explicit Shared(int ranks) : size(ranks), minimum(ranks), notes(ranks) {}
+  Shared(int ranks, bool memory_of_card)
+      : size(ranks), takes_memory_of_card(memory_of_card), minimum(ranks), notes(ranks) {}
 
   /// That of the first members, or of one exchange of all; `which` of those that were asked for,
   /// one after the other.
   std::shared_ptr<Shared> part(int which, int members) {
     const std::lock_guard lock(mutex);
     std::shared_ptr<Shared>& found = parts[which];
-    if (!found) found = std::make_shared<Shared>(members);
+    if (!found) found = std::make_shared<Shared>(members, takes_memory_of_card);
     return found;
   }
 
   const int size;
+  const bool takes_memory_of_card;
   Mailboxes<std::byte> messages;
   Mailboxes<std::optional<utils::Bytes>> parcels;  ///< that go to some: of the others each is empty
   Mailboxes<double> halos;
@@ -35,36 +37,36 @@ struct InProcess::Shared {
 /// The exchange of one rank.
 class InProcess::MemberExchange : public engine::Exchange {
  public:
-  MemberExchange(std::shared_ptr<Shared> shared, int rank, std::vector<Halo> halos)
-      : shared_(std::move(shared)) {
-    for (Halo& halo : halos) {
+  MemberExchange(std::shared_ptr<Shared> shared, int rank, const std::vector<Halo>& halos,
+                 bool takes_memory_of_card)
+      : shared_(std::move(shared)),
+        cells_(cells_of(halos)),
+        takes_memory_of_card_(takes_memory_of_card) {
+    for (const Halo& halo : halos) {
       const int other = halo.neighbour;
-      neighbours_.push_back({std::move(halo), shared_->halos.between(rank, other),
+      neighbours_.push_back({halo.sent.size(), shared_->halos.between(rank, other),
                              shared_->halos.between(other, rank)});
     }
   }
 
-  void start_halo(engine::Tables& tables) override {
+  const engine::HaloCells& halo() const override { return cells_; }
+  bool takes_memory_of_card() const override { return takes_memory_of_card_; }
+
+  void start_halo(const engine::PackedHalo& packed) override {
+    const double* value = packed.sent;
     for (const Neighbour& neighbour : neighbours_) {
-      neighbour.to.post([&](std::vector<double>& values) {
-        engine::for_each_halo_column(tables.cells, [&](const engine::Column& column) {
-          for (const Number cell : neighbour.halo.sent) {
-            values.push_back(column[at(tables.place[at(cell)])]);
-          }
-        });
-      });
+      const double* const end = value + neighbour.sent * at(packed.columns);
+      neighbour.to.post([&](std::vector<double>& values) { values.assign(value, end); });
+      value = end;
     }
+    received_ = packed.received;
   }
 
-  void finish_halo(engine::Tables& tables) override {
+  void finish_halo() override {
+    double* value = received_;
     for (const Neighbour& neighbour : neighbours_) {
       neighbour.from.take([&](const std::vector<double>& values) {
-        auto value = values.begin();
-        engine::for_each_halo_column(tables.cells, [&](engine::Column& column) {
-          for (const Number cell : neighbour.halo.received) {
-            column[at(tables.place[at(cell)])] = *value++;
-          }
-        });
+        value = std::copy(values.begin(), values.end(), value);
       });
     }
   }
@@ -82,12 +84,15 @@ class InProcess::MemberExchange : public engine::Exchange {
 
  private:
   struct Neighbour {
-    Halo halo;
+    std::size_t sent;  ///< cells
     Mailbox<double>&to, &from;
   };
 
   std::shared_ptr<Shared> shared_;
+  engine::HaloCells cells_;
+  bool takes_memory_of_card_;
   std::vector<Neighbour> neighbours_;
+  double* received_ = nullptr;   ///< of the halo that is on its way
   long minima_ = 0, notes_ = 0;  ///< rounds that this rank has seen
 };
 
@@ -145,8 +150,8 @@ class InProcess::Member : public Group {
     return std::make_unique<Member>(shared_->part(which, members), rank_);
   }
   std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) override {
-    return std::make_unique<MemberExchange>(shared_->part(parts_++, size()), rank_,
-                                            std::move(halos));
+    return std::make_unique<MemberExchange>(shared_->part(parts_++, size()), rank_, halos,
+                                            shared_->takes_memory_of_card);
   }
 
  private:
@@ -155,7 +160,8 @@ class InProcess::Member : public Group {
   int parts_ = 0;  ///< of what is shared, made so far
 };
 
-InProcess::InProcess(int ranks) : shared_(std::make_shared<Shared>(ranks)) {}
+InProcess::InProcess(int ranks, bool takes_memory_of_card)
+    : shared_(std::make_shared<Shared>(ranks, takes_memory_of_card)) {}
 
 InProcess::~InProcess() = default;
 

@@ -93,7 +93,9 @@ class Reduction {
 /// A number of ranks, which may then run in threads of their own.
 class InProcess {
  public:
-  explicit InProcess(int ranks);
+  /// Whose exchanges may say that they take the memory of a card: they take that of an emulated
+  /// one.
+  explicit InProcess(int ranks, bool takes_memory_of_card = false);
   ~InProcess();
 
   /// As one of the ranks sees them; once for each.

@@ -55,6 +55,15 @@ std::vector<Number> reached_from(const std::vector<Number>& ghosts, int steps,
 
 }  // namespace
 
+engine::HaloCells cells_of(const std::vector<Halo>& halos) {
+  engine::HaloCells cells;
+  for (const Halo& halo : halos) {
+    cells.sent.insert(cells.sent.end(), halo.sent.begin(), halo.sent.end());
+    cells.received.insert(cells.received.end(), halo.received.begin(), halo.received.end());
+  }
+  return cells;
+}
+
 std::vector<int> owners_of(const std::vector<Cells>& cells_of_ranks) {
   std::size_t count = 0;
   for (const Cells& cells : cells_of_ranks) count += cells.size();

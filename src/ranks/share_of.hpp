@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "case/PartCutter.hpp"
+#include "engine/Exchange.hpp"
 
 namespace ranks {
 
@@ -20,6 +21,9 @@ struct Halo {
     visit(self.neighbour, self.sent, self.received);
   }
 };
+
+/// The cells of all halos, as an exchange has them.
+engine::HaloCells cells_of(const std::vector<Halo>& halos);
 
 struct Share {
   cases::Part part;

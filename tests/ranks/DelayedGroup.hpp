@@ -31,13 +31,15 @@ class DelayedExchange final : public engine::Exchange {
   DelayedExchange(std::unique_ptr<engine::Exchange> exchange, unsigned seed)
       : exchange_(std::move(exchange)), wait_(seed) {}
 
-  void start_halo(engine::Tables& tables) override {
+  const engine::HaloCells& halo() const override { return exchange_->halo(); }
+  bool takes_memory_of_card() const override { return exchange_->takes_memory_of_card(); }
+  void start_halo(const engine::PackedHalo& packed) override {
     wait_();
-    exchange_->start_halo(tables);
+    exchange_->start_halo(packed);
   }
-  void finish_halo(engine::Tables& tables) override {
+  void finish_halo() override {
     wait_();
-    exchange_->finish_halo(tables);
+    exchange_->finish_halo();
   }
   void start_minimum(const engine::StepMinimum& own) override {
     wait_();

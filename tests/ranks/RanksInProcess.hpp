@@ -15,8 +15,9 @@ class RanksInProcess : public PartsOfCourse {
   template <class Body>
   static void run_side_by_side(const std::vector<ranks::Share>& shares, int threads,
                                int cells_per_patch, const Body& body,
-                               const engine::Processor& processor = {}) {
-    ranks::InProcess job(static_cast<int>(shares.size()));
+                               const engine::Processor& processor = {},
+                               bool takes_memory_of_card = false) {
+    ranks::InProcess job(static_cast<int>(shares.size()), takes_memory_of_card);
     std::vector<std::thread> members;
     for (int rank = 0; rank < static_cast<int>(shares.size()); ++rank) {
       members.emplace_back([&, rank] {
@@ -36,7 +37,8 @@ class RanksInProcess : public PartsOfCourse {
   };
   static Work expect_same(const cases::Case& contents, const Course& expected,
                           const std::vector<ranks::Share>& shares, int threads = 1,
-                          int cells_per_patch = 64, const engine::Processor& processor = {}) {
+                          int cells_per_patch = 64, const engine::Processor& processor = {},
+                          bool takes_memory_of_card = false) {
     std::atomic<int> computed = 0, patches = 0;
     run_side_by_side(
         shares, threads, cells_per_patch,
@@ -45,7 +47,7 @@ class RanksInProcess : public PartsOfCourse {
           computed += engine.active_patches();
           patches += static_cast<int>(engine.tables().patches.patches.size());
         },
-        processor);
+        processor, takes_memory_of_card);
     return {computed, patches};
   }
 

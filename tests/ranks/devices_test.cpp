@@ -1,5 +1,5 @@
-// Ranks whose parts are on devices give the bits of one engine on the host, and copy no more after
-// a step than what they tell each other.
+// Ranks whose parts are on devices give the bits of one engine on the host, whether their messages
+// go from device to device or through the host, and copy no more after a step than these messages.
 #include <gtest/gtest.h>
 
 #include <barrier>
@@ -30,14 +30,16 @@ class RanksOnDevices : public RanksInProcess {
     const Course expected = run_alone(contents, steps);
     for (const int count : {1, 2, 3, 5}) {
       const auto shares = shares_along_curve(contents, count);
-      expect_same(contents, expected, shares, 1, per_patch, device_);
-      expect_same_where_nobody_looks(expected, shares);
+      for (const bool directly : {false, true}) {
+        expect_same(contents, expected, shares, 1, per_patch, device_, directly);
+        expect_same_where_nobody_looks(expected, shares, directly);
+      }
     }
   }
 
   /// Steps with nothing in between that would bring a state to the host.
   void expect_same_where_nobody_looks(const Course& expected,
-                                      const std::vector<ranks::Share>& shares) {
+                                      const std::vector<ranks::Share>& shares, bool directly) {
     run_side_by_side(
         shares, 1, per_patch,
         [&](int rank, engine::Engine& engine) {
@@ -49,16 +51,41 @@ class RanksOnDevices : public RanksInProcess {
           const std::vector<Number> own = own_cells_of(shares[at(rank)].part);
           EXPECT_TRUE(have_same_bits(engine.state(), part_of(expected.states.back(), own)));
         },
-        device_);
+        device_, directly);
+  }
+
+  /// What all ranks copy in each of ten steps, behind two that bring what the ranks start with and
+  /// drop given surfaces.
+  std::vector<std::size_t> bytes_of_every_step(const std::vector<ranks::Share>& shares,
+                                               bool directly) {
+    std::barrier all_are_here(static_cast<std::ptrdiff_t>(shares.size()));
+    std::vector<std::size_t> bytes;
+    run_side_by_side(
+        shares, 1, per_patch,
+        [&](int rank, engine::Engine& engine) {
+          double t = 0.0, dt = courant * engine.stable_step(t);
+          for (int step = 0; step < 12; ++step) {
+            all_are_here.arrive_and_wait();
+            const std::size_t before = EmulatedTraffic::bytes;
+            all_are_here.arrive_and_wait();
+            dt = courant * engine.advance({t, 0.0, t_end, dt});
+            t += dt;
+            all_are_here.arrive_and_wait();
+            if (rank == 0 && step > 1) bytes.push_back(EmulatedTraffic::bytes - before);
+          }
+        },
+        device_, directly);
+    return bytes;
   }
 };
 
 /// What a rank copies in a step: its clock there and back, which patches took part, and so many
-/// columns of the cells that others see and of its ghosts.
-std::size_t bytes_of_step(const cases::Part& part, std::size_t sent, std::size_t received) {
-  const std::size_t patches = (at(part.owned) + 63) / 64;
-  return 2 * sizeof(engine::device::StepClock) + patches +
-         sizeof(double) * (sent * part.border.size() + received * at(part.ghosts()));
+/// columns of the cells of its halo.
+std::size_t bytes_of_step(const ranks::Share& share, std::size_t columns) {
+  const std::size_t patches = (at(share.part.owned) + 63) / 64;
+  std::size_t cells = 0;
+  for (const ranks::Halo& halo : share.halos) cells += halo.sent.size() + halo.received.size();
+  return 2 * sizeof(engine::device::StepClock) + patches + sizeof(double) * columns * cells;
 }
 
 }  // namespace
@@ -78,38 +105,22 @@ TEST_F(RanksOnDevices, CopyOnlyTheStatesThatTheyTellEachOther) {
   struct Model {
     bool sediments;
     Scheme scheme;
-    std::size_t sent, received;  ///< columns; the bed of a ghost follows from what is sent
+    std::size_t columns;  ///< the bed of a ghost follows from what is sent
   };
   constexpr Model models[] = {
-      {false, Scheme::lhllc, 3, 3}, {false, Scheme::hll2, 3, 3}, {true, Scheme::lhllc, 7, 8}};
+      {false, Scheme::lhllc, 3}, {false, Scheme::hll2, 3}, {true, Scheme::lhllc, 7}};
   for (const Model& model : models) {
     cases::Case contents = basin({.sediments = model.sediments});
     contents.scheme = model.scheme;
     for (const int count : {1, 2, 3, 5}) {
-      const auto shares = shares_along_curve(contents, count);
-      std::size_t expected = 0;
-      for (const ranks::Share& share : shares) {
-        expected += bytes_of_step(share.part, model.sent, model.received);
+      for (const bool directly : {false, true}) {
+        const auto shares = shares_along_curve(contents, count);
+        std::size_t expected = 0;
+        for (const ranks::Share& share : shares) {
+          expected += bytes_of_step(share, directly ? 0 : model.columns);
+        }
+        EXPECT_EQ(bytes_of_every_step(shares, directly), std::vector<std::size_t>(10, expected));
       }
-      std::barrier all_are_here(count);
-      run_side_by_side(
-          shares, 1, per_patch,
-          [&](int rank, engine::Engine& engine) {
-            double t = 0.0, dt = courant * engine.stable_step(t);
-            for (int step = 0; step < 12; ++step) {
-              all_are_here.arrive_and_wait();
-              const std::size_t before = EmulatedTraffic::bytes;
-              all_are_here.arrive_and_wait();
-              dt = courant * engine.advance({t, 0.0, t_end, dt});
-              t += dt;
-              all_are_here.arrive_and_wait();
-              // The first two steps bring what the ranks start with, and drop given surfaces.
-              if (rank == 0 && step > 1) {
-                EXPECT_EQ(EmulatedTraffic::bytes - before, expected);
-              }
-            }
-          },
-          device_);
     }
   }
 }
@@ -118,5 +129,27 @@ TEST_F(RanksOnDevices, DoNotRace) {
   const cases::Case contents = basin({});
   const Course expected = run_alone(contents, 4);
   const engine::Processor watched{.device = engine::Device::watched};
-  expect_same(contents, expected, shares_along_curve(contents, 3), 1, per_patch, watched);
+  for (const bool directly : {false, true}) {
+    expect_same(contents, expected, shares_along_curve(contents, 3), 1, per_patch, watched,
+                directly);
+  }
+}
+
+TEST_F(RanksOnDevices, SayWhichWayTheirMessagesGo) {
+  const cases::Case contents = basin({});
+  for (const bool directly : {false, true}) {
+    const auto way_of = [&](int count) {
+      std::string way;
+      run_side_by_side(
+          shares_along_curve(contents, count), 1, per_patch,
+          [&](int rank, engine::Engine& engine) {
+            if (rank == 0) way = engine.instruction_set();
+          },
+          device_, directly);
+      return way;
+    };
+    EXPECT_EQ(way_of(1), "emulated");
+    EXPECT_EQ(way_of(2), directly ? "emulated, messages from its memory"
+                                  : "emulated, messages through the host");
+  }
 }

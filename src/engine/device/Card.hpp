@@ -151,39 +151,74 @@ class CardArray {
   std::size_t size_ = 0, capacity_ = 0;
 };
 
-/// Values on their way from the card to the host, while the card goes on.
+/// A place in the course of what was launched.
+class CardMark {
+ public:
+  CardMark() { check(cudaEventCreateWithFlags(&event_, cudaEventDisableTiming)); }
+  CardMark(const CardMark&) = delete;
+  CardMark& operator=(const CardMark&) = delete;
+  ~CardMark() { cudaEventDestroy(event_); }
+
+  void set() { check(cudaEventRecord(event_, CardStream::of_process())); }
+  /// Returns when all before it is done.
+  void wait() const { check(cudaEventSynchronize(event_)); }
+
+ private:
+  cudaEvent_t event_ = nullptr;
+};
+
+/// Values on their way between the card and the host, while the card goes on.
 class CardParcel {
  public:
-  CardParcel() { check(cudaEventCreateWithFlags(&copied_, cudaEventDisableTiming)); }
+  CardParcel() = default;
   CardParcel(const CardParcel&) = delete;
   CardParcel& operator=(const CardParcel&) = delete;
-  ~CardParcel() {
-    cudaEventDestroy(copied_);
-    cudaFreeHost(values_);
+  ~CardParcel() { release(); }
+
+  /// Other values, which are not set.
+  void resize(std::size_t size) {
+    if (size > capacity_) {
+      release();
+      check(cudaMallocHost(&values_, size * sizeof(double)));
+      capacity_ = size;
+    }
+    size_ = size;
   }
+  double* data() { return values_; }
 
   /// Takes all of an array, as it is once what was launched before is done; returns at once.
-  void start(const CardArray<double>& values) {
-    if (values.size() > size_) {
-      check(cudaFreeHost(std::exchange(values_, nullptr)));
-      check(cudaMallocHost(&values_, values.size() * sizeof(double)));
-    }
-    size_ = values.size();
-    CardStream& stream = CardStream::of_process();
-    check(cudaMemcpyAsync(values_, values.data(), size_ * sizeof(double), cudaMemcpyDeviceToHost,
-                          stream));
-    check(cudaEventRecord(copied_, stream));
+  void start_home(const CardArray<double>& values) {
+    resize(values.size());
+    copy(values_, values.data(), cudaMemcpyDeviceToHost);
+    taken_.set();
   }
   /// Returns what was taken, when it is there.
   std::span<const double> wait() const {
-    check(cudaEventSynchronize(copied_));
+    taken_.wait();
     return {values_, size_};
+  }
+  /// Gives all to an array of this size, before what is launched from now on; until that is done,
+  /// nothing may change here. Returns at once.
+  void start_away(CardArray<double>& values) const {
+    copy(values.data(), values_, cudaMemcpyHostToDevice);
   }
 
  private:
+  /// Copies may still be under way.
+  void release() {
+    if (values_ == nullptr) return;
+    cudaStreamSynchronize(CardStream::of_process());
+    cudaFreeHost(std::exchange(values_, nullptr));
+    capacity_ = 0;
+  }
+  void copy(double* to, const double* from, cudaMemcpyKind direction) const {
+    if (size_ == 0) return;
+    check(cudaMemcpyAsync(to, from, size_ * sizeof(double), direction, CardStream::of_process()));
+  }
+
   double* values_ = nullptr;
-  std::size_t size_ = 0;
-  cudaEvent_t copied_ = nullptr;
+  std::size_t size_ = 0, capacity_ = 0;
+  CardMark taken_;
 };
 
 /// One of the cards that the driver shows.
@@ -192,6 +227,7 @@ class Card {
   template <class Value>
   using Array = CardArray<Value>;
   using Parcel = CardParcel;
+  using Mark = CardMark;
 
   /// Cards are counted over and over from 0. The calling thread uses it from now on; all that a
   /// process makes have the same number, as they share its stream.

@@ -14,7 +14,13 @@ struct CopiedCells {
   int column_count;
   const int* places;
   int cells;
-  double* values;  ///< of the first column, of the second, ...
+  double* values;  ///< all columns of the first cell, of the second, ...
+};
+
+/// A bed that moves follows from its sediment, which lies on rock; null: there is none.
+struct BedColumns {
+  const double *rock, *sediment;
+  double* bed;
 };
 
 template <bool to_their_places>
@@ -22,6 +28,7 @@ struct CopyCells {
   static constexpr int phases = 1, threads = 256, blocks_at_once = 0;
 
   CopiedCells copied;
+  BedColumns laid;  ///< with what comes to its place
 
   static int scratch_words() { return 0; }
   static std::size_t blocks_for(std::size_t cells) { return (cells + threads - 1) / threads; }
@@ -31,17 +38,19 @@ struct CopyCells {
     const CopiedCells& copied = kernel.copied;
     const int k = thread.block * thread.count + thread.number;
     if (k >= copied.cells) return;
+    const int i = copied.places[k];
+    double* const values = copied.values + static_cast<std::ptrdiff_t>(k) * copied.column_count;
     // A number of columns that the compiler knows: it keeps no list of them in memory.
     for (int c = 0; c < CopiedCells::most_columns; ++c) {
       if (c >= copied.column_count) continue;
-      double& value = copied.values[c * copied.cells + k];
-      double& of_cell = copied.columns[c][copied.places[k]];
       if constexpr (to_their_places) {
-        of_cell = value;
+        copied.columns[c][i] = values[c];
       } else {
-        value = of_cell;
+        values[c] = copied.columns[c][i];
       }
     }
+    if (!to_their_places || kernel.laid.bed == nullptr) return;
+    kernel.laid.bed[i] = kernel.laid.rock[i] + kernel.laid.sediment[i];
   }
 };
 

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -14,6 +13,7 @@
 #include "engine/device/CellCopies.hpp"
 #include "engine/device/DeviceActivity.hpp"
 #include "engine/device/DeviceForcing.hpp"
+#include "engine/device/DeviceHalo.hpp"
 #include "engine/device/DeviceNotes.hpp"
 #include "engine/device/DeviceSteps.hpp"
 #include "engine/device/DeviceTables.hpp"
@@ -30,7 +30,8 @@ class DeviceBackend : public DeviceSteps {
  public:
   /// Works on what the host has of a run, which must outlive it. Throws std::runtime_error where
   /// the machine has too little scratch for a patch.
-  DeviceBackend(Tables& tables, Forcing& forcing, Activity& activity, Machine machine)
+  DeviceBackend(Tables& tables, Forcing& forcing, Activity& activity, const Exchange& exchange,
+                Machine machine)
       : tables_(tables),
         forcing_(forcing),
         activity_(activity),
@@ -38,9 +39,9 @@ class DeviceBackend : public DeviceSteps {
         kernels_(tables),
         on_device_(tables),
         activity_on_device_(tables),
-        border_(tables.border),
-        ghosts_(places_of(tables.ghosts())),
-        level_boundaries_(cells_with_levels(tables)),
+        halo_(tables, exchange),
+        name_(name_of(machine_, halo_)),
+        cells_with_levels_(cells_with_levels(tables)),
         watches_hyperbolicity_(tables.has_bed && !tables.hll) {
     require_scratch();
   }
@@ -85,8 +86,8 @@ class DeviceBackend : public DeviceSteps {
     clock_.take({&now, 1});
     constexpr bool is_alone = false;
     launch_step(constants, is_alone);
-    border_.finish_home();
   }
+  PackedHalo packed_halo() override { return halo_.packed(); }
   double finish_step() override {
     StepClock now = {};
     clock_.give({&now, 1});
@@ -99,8 +100,8 @@ class DeviceBackend : public DeviceSteps {
     return now.smallest_step;
   }
   void take_ghosts() override {
+    halo_.take(on_device_.laid_bed(tables_), machine_);
     if (tables_.cells.eta.empty()) on_device_.drop_given_surface();
-    ghosts_.take(on_device_.state_columns(tables_), machine_);
   }
 
   void note_maxima(const std::vector<int>& patches) override {
@@ -153,7 +154,7 @@ class DeviceBackend : public DeviceSteps {
   }
 
   int threads() const override { return machine_.threads(); }
-  const char* instruction_set() const override { return machine_.name(); }
+  const char* instruction_set() const override { return name_.c_str(); }
 
  private:
   template <class Value>
@@ -176,10 +177,11 @@ class DeviceBackend : public DeviceSteps {
     return std::find(values.begin(), values.end(), value) != values.end();
   }
 
-  static std::vector<int> places_of(const Range& range) {
-    std::vector<int> places(at(range.size()));
-    std::iota(places.begin(), places.end(), range.begin);
-    return places;
+  /// With the way that messages go, where there are any.
+  static std::string name_of(const Machine& machine, const DeviceHalo<Machine>& halo) {
+    if (halo.is_empty()) return machine.name();
+    return std::string(machine.name()) +
+           (halo.is_direct() ? ", messages from its memory" : ", messages through the host");
   }
   static std::vector<int> cells_with_levels(const Tables& tables) {
     std::vector<int> places;
@@ -243,14 +245,14 @@ class DeviceBackend : public DeviceSteps {
     if (tables_.hll) {
       launch_patches(values, forcing.soil_steps, all_patches);
       launch_keep_states();
-      start_border_home();
+      start_halo();
     } else {
       launch_outer_fluxes(values);
       launch_patches(values, forcing.soil_steps,
-                     border_.is_empty() ? all_patches : activity_on_device_.is_border());
-      start_border_home();
+                     halo_.is_empty() ? all_patches : activity_on_device_.is_border());
+      start_halo();
       // What others wait for is on its way while the rest is computed.
-      if (!border_.is_empty()) {
+      if (!halo_.is_empty()) {
         launch_patches(values, forcing.soil_steps, activity_on_device_.is_interior());
       }
     }
@@ -318,11 +320,13 @@ class DeviceBackend : public DeviceSteps {
                     machine_);
   }
 
-  void start_border_home() { border_.start_home(on_device_.halo_columns(tables_), machine_); }
+  void start_halo() {
+    if (!halo_.is_empty()) halo_.start(on_device_.halo_columns(tables_), machine_);
+  }
 
   void bring_levels_home() {
-    level_boundaries_.start_home(on_device_.bed_column(tables_), machine_);
-    level_boundaries_.finish_home();
+    copies_.bring_home({on_device_.copied(tables_.cells.bed, tables_)}, cells_with_levels_,
+                       machine_);
   }
 
   void note(const EdgeFound& found) {
@@ -340,7 +344,10 @@ class DeviceBackend : public DeviceSteps {
   DeviceForcing<Machine> forcing_on_device_;
   DeviceActivity<Machine> activity_on_device_;
   DeviceNotes<Machine> notes_;
-  CellCopies<Machine> border_, ghosts_, level_boundaries_;
+  DeviceHalo<Machine> halo_;
+  const std::string name_;
+  CellCopies<Machine> copies_;
+  std::vector<int> cells_with_levels_;
   bool watches_hyperbolicity_;
   bool is_on_device_ = false;  ///< the state of the host, or a later one
   bool has_forcing_ = false;   ///< the device goes on with those of the host

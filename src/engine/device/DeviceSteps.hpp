@@ -3,6 +3,7 @@
 #pragma once
 
 #include "engine/Backend.hpp"
+#include "engine/Exchange.hpp"
 
 namespace engine::device {
 
@@ -14,22 +15,25 @@ class DeviceSteps : public Backend {
                              RunClock& clock) = 0;
 
   // A single step, that of one of several ranks, or one of which notes are taken (null: none).
-  /// Begins it. On return the tables hold the states after it of the cells that are ghosts of
-  /// others; the other cells may still be under way.
+  /// Begins it; returns at once.
   virtual void start_step(const StepTimes& times, const kernels::StepValues& constants,
                           StepNotes* notes) = 0;
+  /// The states after it of the cells that are ghosts of others, when they are there; the other
+  /// cells may still be under way.
+  virtual PackedHalo packed_halo() = 0;
   /// Ends it: the notes hold what patches tell for StepNotes::sum_up, and the tables the level of
   /// the bed where a level is imposed. The smallest stable step of the cells, s.
   virtual double finish_step() = 0;
-  /// Takes the ghosts of the tables, which have changed, and whether the free surface is given.
+  /// Takes those of the ghosts, which have been received, and whether the tables still have a given
+  /// free surface.
   virtual void take_ghosts() = 0;
 
   // To be called before anybody reads or changes what the host has of a run:
   virtual void bring_home() = 0;                      ///< all of it
   virtual void bring_home(const Column& column) = 0;  ///< a column of the cells
-  virtual void bring_home(const Range& places) = 0;   ///< the states of cells
-  virtual void bring_inflows_home() = 0;              ///< what passed the boundaries
-  virtual void bring_forcing_home() = 0;              ///< Forcing and Activity
+  virtual void bring_home(const Range& places) = 0;  ///< the states of cells
+  virtual void bring_inflows_home() = 0;             ///< what passed the boundaries
+  virtual void bring_forcing_home() = 0;             ///< Forcing and Activity
   /// To be called after the tables or the notes were changed otherwise than by a step.
   virtual void take_anew() = 0;
 };

@@ -93,22 +93,26 @@ class DeviceTables {
     tables.maxima->forget_hints();
   }
 
+  /// One of the columns of the cells.
+  CopiedColumn copied(const Column& column, Tables& tables) {
+    CopiedColumn found = {};
+    for_each_column(tables.cells, [&](const Numbers& own, Column& of_host) {
+      if (&of_host == &column) found = {own.data(), &of_host};
+    });
+    return found;
+  }
   /// See for_each_halo_column.
-  std::vector<CopiedColumn> halo_columns(Tables& tables) {
-    std::vector<CopiedColumn> columns;
-    for_each_halo_column(tables.cells, [&](Column& of_host) {
-      columns.push_back({own(of_host, tables), &of_host});
+  std::vector<double*> halo_columns(Tables& tables) {
+    std::vector<double*> columns;
+    for_each_halo_column(tables.cells, [&](const Column& of_host) {
+      columns.push_back(copied(of_host, tables).own);
     });
     return columns;
   }
-  std::vector<CopiedColumn> bed_column(Tables& tables) {
-    return {{bed_.data(), &tables.cells.bed}};
-  }
-  /// Of those of a halo, the bed included where it moves.
-  std::vector<CopiedColumn> state_columns(Tables& tables) {
-    std::vector<CopiedColumn> columns = halo_columns(tables);
-    if (tables.has_bed) columns.push_back({bed_.data(), &tables.cells.bed});
-    return columns;
+  /// Of a bed that moves.
+  BedColumns laid_bed(const Tables& tables) const {
+    if (!tables.has_bed) return {};
+    return {rock_.data(), hs_.data(), bed_.data()};
   }
   /// From now on the free surface is bed and depth.
   void drop_given_surface() { eta_.resize(0); }
@@ -197,15 +201,6 @@ class DeviceTables {
                        .has_soil = has_soil});
     }
     return views;
-  }
-
-  /// The column here that belongs to one of the cells on the host.
-  double* own(const Column& column, Tables& tables) {
-    double* found = nullptr;
-    for_each_column(tables.cells, [&](const Numbers& own, const Column& of_host) {
-      if (&of_host == &column) found = own.data();
-    });
-    return found;
   }
 
   /// Calls visit(a column here, that of the host) for what a step changes of the cells, and the

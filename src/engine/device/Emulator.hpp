@@ -57,16 +57,30 @@ class EmulatedArray {
   std::size_t size_ = 0;
 };
 
-/// Values on their way from the device to the host.
+/// A place in the course of what was launched.
+class EmulatedMark {
+ public:
+  void set() {}
+  /// Returns when all before it is done.
+  void wait() const {}
+};
+
+/// Values on their way between the device and the host.
 class EmulatedParcel {
  public:
+  /// Other values, which are not set.
+  void resize(std::size_t size) { values_.resize(size); }
+  double* data() { return values_.data(); }
+
   /// Takes all of an array, as it is once what was launched before is done.
-  void start(const EmulatedArray<double>& values) {
+  void start_home(const EmulatedArray<double>& values) {
     values_.resize(values.size());
     values.give(values_);
   }
   /// Returns what was taken, when it is there.
   std::span<const double> wait() const { return values_; }
+  /// Gives all to an array of this size, before what is launched from now on.
+  void start_away(EmulatedArray<double>& values) const { values.take(values_); }
 
  private:
   std::vector<double> values_;
@@ -79,6 +93,7 @@ class Emulator {
   template <class Value>
   using Array = EmulatedArray<Value>;
   using Parcel = EmulatedParcel;
+  using Mark = EmulatedMark;
   enum class Mode { plain, watching };
 
   /// The team must outlive it. Where it is `watching`, a launch throws std::logic_error if threads

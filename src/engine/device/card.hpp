@@ -16,6 +16,6 @@ void require_card();
 /// number, counted over and over from 0. Throws std::runtime_error as require_card() does, and
 /// where the card lacks memory.
 std::unique_ptr<DeviceSteps> make_card_backend(int number, Tables& tables, Forcing& forcing,
-                                               Activity& activity);
+                                               Activity& activity, const Exchange& exchange);
 
 }  // namespace engine::device

@@ -16,9 +16,9 @@ void require_card() {
 }
 
 std::unique_ptr<DeviceSteps> make_card_backend(int number, Tables& tables, Forcing& forcing,
-                                               Activity& activity) {
+                                               Activity& activity, const Exchange& exchange) {
   require_card();
-  return std::make_unique<DeviceBackend<Card>>(tables, forcing, activity, Card(number));
+  return std::make_unique<DeviceBackend<Card>>(tables, forcing, activity, exchange, Card(number));
 }
 
 }  // namespace engine::device

@@ -17,6 +17,6 @@ constexpr int cells_per_patch(cases::Scheme scheme) { return cases::is_hll(schem
 /// memory.
 std::unique_ptr<DeviceSteps> make_device_backend(const Processor& processor, Tables& tables,
                                                  Forcing& forcing, Activity& activity,
-                                                 ThreadTeam& team);
+                                                 const Exchange& exchange, ThreadTeam& team);
 
 }  // namespace engine::device

@@ -12,7 +12,7 @@ void require_card() {
       "processor.");
 }
 
-std::unique_ptr<DeviceSteps> make_card_backend(int, Tables&, Forcing&, Activity&) {
+std::unique_ptr<DeviceSteps> make_card_backend(int, Tables&, Forcing&, Activity&, const Exchange&) {
   require_card();
   return nullptr;
 }

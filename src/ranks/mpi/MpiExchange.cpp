@@ -9,7 +9,6 @@ namespace ranks {
 
 namespace {
 
-using cases::Number;
 using engine::at;
 
 constexpr int tag_of_halos = 1;
@@ -18,9 +17,13 @@ int count_of(const std::vector<MPI_Request>& requests) { return static_cast<int>
 
 }  // namespace
 
-MpiExchange::MpiExchange(MPI_Comm communicator, std::vector<Halo> halos) {
+MpiExchange::MpiExchange(MPI_Comm communicator, const std::vector<Halo>& halos,
+                         bool takes_memory_of_card)
+    : cells_(cells_of(halos)), takes_memory_of_card_(takes_memory_of_card) {
   MPI_Comm_dup(communicator, &communicator_);
-  for (Halo& halo : halos) neighbours_.push_back({std::move(halo), {}, {}});
+  for (const Halo& halo : halos) {
+    neighbours_.push_back({halo.neighbour, halo.sent.size(), halo.received.size()});
+  }
 }
 
 MpiExchange::~MpiExchange() {
@@ -35,48 +38,34 @@ void MpiExchange::free_requests() {
   }
 }
 
-void MpiExchange::make_requests(int columns) {
-  if (columns == columns_) return;
+void MpiExchange::make_requests(const engine::PackedHalo& packed) {
+  if (packed == packed_) return;
   free_requests();
-  columns_ = columns;
-  const auto add = [&](auto make, std::vector<double>& values, std::size_t cells, int neighbour,
-                       std::vector<MPI_Request>& requests) {
-    values.resize(cells * at(columns));
-    make(values.data(), static_cast<int>(values.size()), MPI_DOUBLE, neighbour, tag_of_halos,
-         communicator_, &requests.emplace_back());
+  packed_ = packed;
+  const double* sent = packed.sent;
+  double* received = packed.received;
+  const auto add = [&](auto make, auto*& values, std::size_t cells, int rank, auto& requests) {
+    const std::size_t count = cells * at(packed.columns);
+    make(values, static_cast<int>(count), MPI_DOUBLE, rank, tag_of_halos, communicator_,
+         &requests.emplace_back());
+    values += count;
   };
-  for (Neighbour& n : neighbours_) {
-    add(MPI_Recv_init, n.received, n.halo.received.size(), n.halo.neighbour, receives_);
-    add(MPI_Send_init, n.sent, n.halo.sent.size(), n.halo.neighbour, sends_);
+  for (const Neighbour& n : neighbours_) {
+    add(MPI_Recv_init, received, n.received, n.rank, receives_);
+    add(MPI_Send_init, sent, n.sent, n.rank, sends_);
   }
 }
 
-void MpiExchange::start_halo(engine::Tables& tables) {
+void MpiExchange::start_halo(const engine::PackedHalo& packed) {
   if (neighbours_.empty()) return;  // MPI_Startall does not take an empty list everywhere
-  int columns = 0;
-  engine::for_each_halo_column(tables.cells, [&](const engine::Column&) { ++columns; });
-  make_requests(columns);
+  make_requests(packed);
   MPI_Startall(count_of(receives_), receives_.data());
-  for (Neighbour& neighbour : neighbours_) {
-    auto value = neighbour.sent.begin();
-    engine::for_each_halo_column(tables.cells, [&](const engine::Column& column) {
-      for (const Number cell : neighbour.halo.sent) *value++ = column[at(tables.place[at(cell)])];
-    });
-  }
   MPI_Startall(count_of(sends_), sends_.data());
 }
 
-void MpiExchange::finish_halo(engine::Tables& tables) {
+void MpiExchange::finish_halo() {
   if (neighbours_.empty()) return;
   wait_for(receives_);
-  for (const Neighbour& neighbour : neighbours_) {
-    auto value = neighbour.received.begin();
-    engine::for_each_halo_column(tables.cells, [&](engine::Column& column) {
-      for (const Number cell : neighbour.halo.received) {
-        column[at(tables.place[at(cell)])] = *value++;
-      }
-    });
-  }
   wait_for(sends_);
 }
 

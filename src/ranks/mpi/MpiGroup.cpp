@@ -201,7 +201,7 @@ std::unique_ptr<Group> MpiGroup::first(int members) {
 }
 
 std::unique_ptr<engine::Exchange> MpiGroup::exchange(std::vector<Halo> halos) {
-  return std::make_unique<MpiExchange>(communicator_, std::move(halos));
+  return std::make_unique<MpiExchange>(communicator_, halos);
 }
 
 }  // namespace ranks

@@ -26,15 +26,17 @@ int number_of_ranks() {
 
 class MpiExchange : public test_ranks::PartsOfCourse {
  protected:
+  static ranks::Share share_here(const cases::Case& contents) {
+    return std::move(shares_of(contents, ranks::cut_along_curve(contents.mesh, number_of_ranks()))
+                         .at(engine::at(rank_here())));
+  }
+
   /// The part of this process and its exchange with the others.
   struct Part {
-    explicit Part(const cases::Case& contents)
-        : Part(std::move(
-              shares_of(contents, ranks::cut_along_curve(contents.mesh, number_of_ranks()))
-                  .at(engine::at(rank_here())))) {}
+    explicit Part(const cases::Case& contents) : Part(share_here(contents)) {}
     explicit Part(ranks::Share share)
         : cells(std::move(share.part)),
-          exchange(std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD, std::move(share.halos))) {}
+          exchange(std::make_unique<ranks::MpiExchange>(MPI_COMM_WORLD, share.halos)) {}
 
     cases::Part cells;
     std::unique_ptr<ranks::MpiExchange> exchange;
@@ -77,6 +79,22 @@ TEST_F(MpiExchange, GoesOnFromAnyState) {
   for (const int first : {20, 0}) {
     engine.set_state(part_of(expected.states[engine::at(first)], own_cells_of(part.cells)));
     expect_same_steps(contents, expected, part.cells, engine, first);
+  }
+}
+
+/// The memory of an emulated device is one that any library takes.
+TEST_F(MpiExchange, GivesTheSameBitsFromDeviceToDeviceAndThroughTheHost) {
+  const cases::Case contents = basin({.sediments = true});
+  const test_ranks::Course expected = run_alone(contents, 30);
+  for (const bool directly : {false, true}) {
+    const ranks::Share share = share_here(contents);
+    ranks::MpiExchange exchange(MPI_COMM_WORLD, share.halos, directly);
+    engine::Engine engine(share.part, exchange, 1, 64, {.device = engine::Device::emulated});
+    engine.keep_maxima(test_ranks::arrival_depth);
+    for (const int first : {0, 20}) {
+      engine.set_state(part_of(expected.states[engine::at(first)], own_cells_of(share.part)));
+      expect_same_steps(contents, expected, share.part, engine, first);
+    }
   }
 }
 
