@@ -232,7 +232,7 @@ void Engine::read(const Column& column, std::span<double> values) {
 
 void Engine::read(const Column& column, std::span<const cases::Number> cells,
                   std::span<double> values) const {
-  if (device_) device_->bring_home(column);
+  if (device_) device_->bring_home(column, tables_.places_of(cells));
   for (std::size_t i = 0; i < cells.size(); ++i) {
     values[i] = column[at(tables_.place[at(cells[i])])];
   }

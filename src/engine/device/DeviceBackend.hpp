@@ -4,7 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <map>
+#include <numeric>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -131,13 +135,16 @@ class DeviceBackend : public DeviceSteps {
     on_device_.give_column(tables_, column);
     home_.columns.push_back(&column);
   }
+  void bring_home(const Column& column, std::span<const int> places) override {
+    if (home_.has_all || contains(home_.columns, &column)) return;
+    copies_.bring_home({on_device_.copied(column, tables_)}, places, machine_);
+  }
   void bring_home(const Range& places) override {
-    const bool are_there = std::any_of(
-        home_.places.begin(), home_.places.end(),
-        [&](const Range& known) { return known.begin <= places.begin && places.end <= known.end; });
-    if (home_.has_all || are_there) return;
-    on_device_.give_cells(tables_, places);
-    home_.places.push_back(places);
+    if (home_.has_all || home_.has(places)) return;
+    std::vector<int> listed(at(places.size()));
+    std::iota(listed.begin(), listed.end(), places.begin);
+    copies_.bring_home(on_device_.state_columns(tables_), listed, machine_);
+    home_.ends_of_places[places.begin] = places.end;
   }
   void bring_inflows_home() override {
     if (home_.has_all || std::exchange(home_.has_inflows, true)) return;
@@ -165,8 +172,13 @@ class DeviceBackend : public DeviceSteps {
     bool has_all = true;
     // Where it has not:
     std::vector<const Column*> columns = {};
-    std::vector<Range> places = {};
+    std::map<int, int> ends_of_places = {};  ///< of states, by their beginnings
     bool has_inflows = false;
+
+    bool has(const Range& places) const {
+      const auto next = ends_of_places.upper_bound(places.begin);
+      return next != ends_of_places.begin() && std::prev(next)->second >= places.end;
+    }
   };
 
   /// Steps that are launched before the host asks whether they have halted.

@@ -2,6 +2,8 @@
 // there, and what of it the host sees is copied when it asks.
 #pragma once
 
+#include <span>
+
 #include "engine/Backend.hpp"
 #include "engine/Exchange.hpp"
 
@@ -31,6 +33,8 @@ class DeviceSteps : public Backend {
   // To be called before anybody reads or changes what the host has of a run:
   virtual void bring_home() = 0;                      ///< all of it
   virtual void bring_home(const Column& column) = 0;  ///< a column of the cells
+  /// That of the cells at places.
+  virtual void bring_home(const Column& column, std::span<const int> places) = 0;
   virtual void bring_home(const Range& places) = 0;  ///< the states of cells
   virtual void bring_inflows_home() = 0;             ///< what passed the boundaries
   virtual void bring_forcing_home() = 0;             ///< Forcing and Activity

@@ -68,15 +68,6 @@ class DeviceTables {
       if (&of_host == &column) own.give(of_host);
     });
   }
-  /// The states of the cells at places.
-  void give_cells(Tables& tables, const Range& places) {
-    const auto give = [&](const Numbers& own, Column& of_host) {
-      if (of_host.empty()) return;
-      own.give(std::span(of_host).subspan(at(places.begin), at(places.size())), at(places.begin));
-    };
-    for_each_state_column(tables.cells, give);
-    if (tables.has_bed) give(bed_, tables.cells.bed);
-  }
   /// The slots of the boundaries.
   void give_inflows(Tables& tables) {
     const std::size_t first = at(tables.first_boundary_slot());
@@ -100,6 +91,16 @@ class DeviceTables {
       if (&of_host == &column) found = {own.data(), &of_host};
     });
     return found;
+  }
+  /// Those of the state of a cell.
+  std::vector<CopiedColumn> state_columns(Tables& tables) {
+    std::vector<CopiedColumn> columns;
+    const auto add = [&](const Numbers& own, Column& of_host) {
+      if (!of_host.empty()) columns.push_back({own.data(), &of_host});
+    };
+    for_each_state_column(tables.cells, add);
+    if (tables.has_bed) add(bed_, tables.cells.bed);
+    return columns;
   }
   /// See for_each_halo_column.
   std::vector<double*> halo_columns(Tables& tables) {

@@ -196,12 +196,21 @@ TEST_F(AdvanceAlone, CopiesNothingBetweenTheSteps) {
     // Now and then the host asks whether the clock has halted.
     constexpr std::size_t of_clock = 2 * sizeof(engine::device::StepClock);
     EXPECT_EQ(bytes_of(100), of_one_step + 3 * of_clock);
+    // Who looks at the depths of some cells names these, and copies no more.
+    const std::vector<cases::Number> some = {700, 3, 4, 90};
+    std::vector<double> of_some(some.size());
+    const std::size_t before_some = EmulatedTraffic::bytes;
+    device.engine.read(device.engine.columns().h, some, of_some);
+    EXPECT_EQ(EmulatedTraffic::bytes - before_some, some.size() * (sizeof(double) + sizeof(int)));
     // Who looks at depths copies these, once; who looks at all states the rest.
     std::vector<double> depths(contents.fields.level.size());
     for (const std::size_t columns : {1, 0}) {
       const std::size_t before = EmulatedTraffic::bytes;
       device.engine.read(device.engine.columns().h, depths);
       EXPECT_EQ(EmulatedTraffic::bytes - before, columns * depths.size() * sizeof(double));
+    }
+    for (std::size_t k = 0; k < some.size(); ++k) {
+      EXPECT_EQ(of_some[k], depths[static_cast<std::size_t>(some[k])]);
     }
     EXPECT_EQ(device.engine.state().h, depths);
     const std::size_t before = EmulatedTraffic::bytes;

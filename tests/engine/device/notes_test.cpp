@@ -42,7 +42,7 @@ TEST(NotesOnADevice, CopyWhatPatchesFoundAndTheCellsThatMayHaveSetTheStep) {
     };
     step();  // brings what the run starts with
 
-    constexpr std::size_t water = 3 * sizeof(double);  // of a cell
+    constexpr std::size_t water = 3 * sizeof(double) + sizeof(int);  // of a cell, and its place
     const std::size_t told = 2 * sizeof(engine::device::StepClock) +
                              patches * (sizeof(char) + sizeof(engine::device::PatchFindings));
     const std::size_t all = contents.fields.level.size() * water;
