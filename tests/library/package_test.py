@@ -17,14 +17,14 @@ def run(*command):
     return done.stdout
 
 
-def main():
-    build, example, compiler = sys.argv[1:]
+def check(build, example, compiler, *options):
+    """What a build folder installs; with options for the build of the example."""
     with tempfile.TemporaryDirectory() as folder:
         prefix, there = pathlib.Path(folder, "prefix"), pathlib.Path(folder, "build")
         run("cmake", "--install", build, "--prefix", prefix, "--component", "library")
         run("cmake", "-S", example, "-B", there, f"-DCMAKE_PREFIX_PATH={prefix}",
             "-DCMAKE_DISABLE_FIND_PACKAGE_nlohmann_json=TRUE", f"-DCMAKE_CXX_COMPILER={compiler}",
-            "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Werror")
+            "-DCMAKE_CXX_FLAGS=-Wall -Wextra -Werror", *options)
         run("cmake", "--build", there)
         headers = sorted(file.name for file in prefix.rglob("*.hpp"))
         assert headers == ["simulation.hpp"], headers
@@ -39,4 +39,5 @@ def main():
     assert 80.0 < upper < 100.0 and lower > 100.0, text
 
 
-main()
+if __name__ == "__main__":
+    check(*sys.argv[1:])
