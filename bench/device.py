@@ -53,7 +53,8 @@ def without_card(build, bench, cells=100000):
         emulated.append([f"{scheme}, {kind}", page.minimum_and_median(report.times(runs))])
     return [
         "What the compiler says of the kernels; none spills a register (`device.KernelsFitACard`). A "
-        "block has 256 threads, one of the outer fluxes 64; a multiprocessor has 65,536 registers.",
+        "block has 256 threads, one of the outer fluxes 64, that of the end of a step 1,024; a "
+        "multiprocessor has 65,536 registers.",
         registers(build),
         f"Scratch of a block, and bytes of the columns that a step moves per cell, each once for every "
         f"patch that needs it, on {cells:,} triangles. A multiprocessor of compute capability 9.0 has "

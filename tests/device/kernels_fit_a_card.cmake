@@ -4,6 +4,7 @@
 set(threads_per_multiprocessor_water 768)  # three blocks of a patch
 set(threads_per_multiprocessor_bed 512)
 set(threads_per_multiprocessor_hll2 512)  # two
+set(threads_per_multiprocessor_end 1024)  # its only one
 set(kernels_of_a_step 14)
 
 set(code)
@@ -39,6 +40,8 @@ foreach(kernel IN LISTS kernels)
     set(threads ${threads_per_multiprocessor_bed})
   elseif(name MATCHES "AdvanceHll2")
     set(threads ${threads_per_multiprocessor_hll2})
+  elseif(name MATCHES "EndStep")
+    set(threads ${threads_per_multiprocessor_end})
   endif()
   math(EXPR most "65536 / ${threads} / 8 * 8")  # they are given out by 8
   message(STATUS "${name}: ${registers} registers of at most ${most}")

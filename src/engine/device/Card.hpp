@@ -117,7 +117,9 @@ class CardArray {
     if (size > capacity_) {
       check(cudaFree(std::exchange(values_, nullptr)));
       capacity_ = 0;
-      if (cudaMalloc(&values_, size * sizeof(Value)) != cudaSuccess) lack_memory(size);
+      const cudaError_t status = cudaMalloc(&values_, size * sizeof(Value));
+      if (status == cudaErrorMemoryAllocation) lack_memory(size);
+      check(status);
       capacity_ = size;
     }
     size_ = size;

@@ -210,9 +210,11 @@ class DeviceBackend : public DeviceSteps {
     const auto words = at(kernels_.scratch_words(for_notes, watches_hyperbolicity_));
     const std::size_t bytes = words * sizeof(double);
     if (bytes <= machine_.scratch_bytes()) return;
-    throw std::runtime_error("Error. The device has " + std::to_string(machine_.scratch_bytes()) +
-                             " bytes of scratch, but some cells have so many edges that " +
-                             std::to_string(bytes) + " are needed; the processor can run them.");
+    throw std::runtime_error("Error. A patch of this case needs " + std::to_string(bytes) +
+                             " bytes of scratch, but the device has " +
+                             std::to_string(machine_.scratch_bytes()) +
+                             ": its cells have too many edges, or the device is too small; the "
+                             "processor can run them.");
   }
 
   void bring_to_device() {

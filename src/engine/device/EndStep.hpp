@@ -1,5 +1,6 @@
 // The kernel that ends a step: the smallest stable step of all patches and boundaries, the clock,
-// and whether somebody has to see the states. One block.
+// and whether somebody has to see the states. One block, of as many threads as a card allows: it
+// looks through all patches by itself.
 #pragma once
 
 #include "engine/device/BeginStep.hpp"
@@ -9,7 +10,7 @@
 namespace engine::device {
 
 struct EndStep {
-  static constexpr int phases = 3, threads = 256, blocks_at_once = 1;
+  static constexpr int phases = 3, threads = 1024, blocks_at_once = 1;
 
   TableView tables;
   ForcingView forcing;
