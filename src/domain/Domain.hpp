@@ -73,23 +73,25 @@ class Domain {
   cases::ReadCase read_case(const std::string& data_file);
   /// Whether no rank needs more of the case than its share.
   bool can_share_case() const;
-  /// Reads the case once more, all of it on this rank, as this is what the run needs.
+  /// Reads the case once more, all of it on this rank, as the objects need it.
   void fetch_mesh();
   void set_outputs();
   void set_gauges();
   void set_pictures();
   void set_results();
+  std::unique_ptr<fields::ListedMesh> listed_mesh() const;
   void set_sections();
   void set_maxima();
   void set_other_parameters();
   void warn_of_implausible_input();
 
-  // Restart. Nothing is written, and no result touched, before all of the checkpoint has been found
-  // to be fit.
+  // Restart. No result is touched before all of the checkpoint has been found to be fit.
   bool is_restarted() const { return restart_ != nullptr; }
   static std::unique_ptr<checkpoint::Loaded> load_checkpoint(const RunSettings& settings);
   void require_same_inputs();
   void require_same_results() const;
+  /// Whether results in NetCDF go on in the file of the run before.
+  bool goes_on_in_results() const;
   std::string continuation() const;
   void require_same_maxima(const std::optional<double>& before) const;
   /// Calls load(rows) with the rows of the checkpoint.

@@ -64,12 +64,6 @@ void require_same_file(const std::optional<RecordingPosition>& before,
   utils::require_lines(before->lines);
 }
 
-/// Whether results go on in the file of the run before.
-bool goes_on_in_file(const std::optional<ResultsPosition>& before,
-                     const std::optional<ResultsPosition>& now) {
-  return before && now && before->records > 0 && before->name == now->name;
-}
-
 /// Says in the log how results in NetCDF go on.
 void say_changes(std::ostream& log, const std::optional<ResultsPosition>& before,
                  const std::optional<ResultsPosition>& now) {
@@ -133,7 +127,7 @@ void Domain::require_same_results() const {
   require_same_file(before.gauges, now.gauges, "gauges");
   require_same_file(before.sections, now.sections, "sections");
   require_same_maxima(before.arrival_depth);
-  if (goes_on_in_file(before.results, now.results)) results_->require(*before.results);
+  if (results_ && goes_on_in_results()) results_->require(*before.results);
   std::ostream& log = settings_.log;
   RecordingChanges(log, "Gauges").say(before.gauges, now.gauges);
   RecordingChanges(log, "Sections").say(before.sections, now.sections);
@@ -148,6 +142,11 @@ void Domain::require_same_results() const {
   if (times_of(before.snapshots) != times_of(now.snapshots)) {
     log << "  The times of the snapshots have changed\n";
   }
+}
+
+bool Domain::goes_on_in_results() const {
+  const std::optional<ResultsPosition>& before = restart_->contents.outputs.results;
+  return before && before->records > 0 && before->name == results_->position().name;
 }
 
 void Domain::require_same_maxima(const std::optional<double>& before) const {
@@ -231,10 +230,10 @@ void Domain::go_on_with_outputs() {
     picture->go_on(from.snapshots.value_or(SnapshotPosition{}), from.done);
   }
   if (results_) {
-    if (goes_on_in_file(from.results, results_->position())) {
+    if (goes_on_in_results()) {
       results_->go_on(*from.results, from.done);
     } else {
-      results_->begin_behind(from.done);
+      results_->skip_to(from.done);
     }
   }
   restart_.reset();

@@ -15,7 +15,6 @@ Domain::Domain(const std::string& data_file, const RunSettings& settings)
       restart_(load_checkpoint(settings)),
       data_file_(data_file),
       read_(read_case(data_file)) {
-  if (shared_ && data_.results) fetch_mesh();
   if (settings.checkpoints != nullptr) {
     keeper_ = std::make_unique<checkpoint::CheckpointKeeper>(*settings.checkpoints);
   }
@@ -48,7 +47,7 @@ cases::ReadCase Domain::read_case(const std::string& data_file) {
   return shared_->take_case();
 }
 
-// What needs the whole case until it can do with shares: results in NetCDF and the objects.
+// What needs the whole case: the objects.
 bool Domain::can_share_case() const {
   const fields::RanksRequest& ranks = settings_.flow.ranks;
   const bool has_ranks = ranks.group != nullptr && ranks.group->size() > 1 && ranks.can_read_files;
@@ -133,8 +132,16 @@ void Domain::set_results() {
   } else {
     times = picture->times();
   }
-  results_ = std::make_unique<ResultsFile>(data_, std::move(times), case_);
-  if (!is_restarted()) results_->begin();
+  const std::unique_ptr<fields::ListedMesh> mesh = listed_mesh();
+  results_ = std::make_unique<ResultsFile>(data_, std::move(times), case_, *mesh);
+  // Of several ranks, none has what the file lists of the mesh once there is a flow.
+  if (!is_restarted() || !goes_on_in_results()) results_->begin(*mesh);
+}
+
+std::unique_ptr<fields::ListedMesh> Domain::listed_mesh() const {
+  if (shared_) return shared_->listed_mesh();
+  const physics::PlanPoint origin = {data_.origin[0], data_.origin[1]};
+  return std::make_unique<fields::WholeListedMesh>(case_, origin);
 }
 
 void Domain::set_sections() {

@@ -9,6 +9,33 @@
 
 namespace fields {
 
+namespace {
+
+/// The rows that ranks have kept, by rank.
+class RowsOfBlocks final : public ListedMesh {
+ public:
+  RowsOfBlocks(ranks::Group& group, ranks::ReadShare& own)
+      : group_(group), own_(own), width_(own.mesh_rows.width) {}
+
+  MeshCounts counts() const override { return own_.counts; }
+  std::size_t width() const override { return width_; }
+  std::optional<cases::MeshRows> next() override {
+    const int rank = next_rank_++;
+    if (rank == 0) return std::exchange(own_.mesh_rows, {});
+    if (rank >= group_.size()) return {};
+    call(group_, {Call::Kind::mesh_rows, rank});
+    return ranks::receive_value<cases::MeshRows>(group_, rank);
+  }
+
+ private:
+  ranks::Group& group_;
+  ranks::ReadShare& own_;
+  std::size_t width_;
+  int next_rank_ = 0;
+};
+
+}  // namespace
+
 SharedCase::SharedCase(ranks::Group& group, const std::string& data_file,
                        const cases::Listeners& listeners, cases::Diagnostics& diagnostics)
     : group_(group) {
@@ -28,12 +55,23 @@ std::unique_ptr<Ground> SharedCase::ground() const {
   });
 }
 
-std::optional<ranks::Share> read_own_share(ranks::Group& group) {
+std::unique_ptr<ListedMesh> SharedCase::listed_mesh() {
+  return std::make_unique<RowsOfBlocks>(group_, read_);
+}
+
+ranks::Share SharedCase::take_share() {
+  read_.mesh_rows = {};
+  return std::move(read_.share);
+}
+
+std::optional<ranks::ReadShare> read_own_share(ranks::Group& group) {
   std::string data_file;
   ranks::broadcast_in(group, data_file);
   cases::WithoutWarnings silent;
   try {
-    return ranks::read_share(group, data_file, cases::NoListeners().listeners(), silent).share;
+    auto read = ranks::read_share(group, data_file, cases::NoListeners().listeners(), silent);
+    read.owners = {};
+    return read;
   } catch (const utils::FatalError&) {  // as all ranks end; rank 0 tells it
     return {};
   }

@@ -7,6 +7,7 @@
 #include <string>
 #include <utility>
 
+#include "fields/ListedMesh.hpp"
 #include "fields/PartGround.hpp"
 #include "ranks/read_share.hpp"
 
@@ -26,8 +27,11 @@ class SharedCase {
   const cases::ImplausibleFields& implausible() const { return read_.implausible; }
   /// Until a flow is made; it must not outlive this.
   std::unique_ptr<Ground> ground() const;
+  /// Where the case asks for results that list it: one rank after the other brings its rows here,
+  /// once, until a flow is made. It must not outlive this.
+  std::unique_ptr<ListedMesh> listed_mesh();
   /// That of rank 0; once, for the flow.
-  ranks::Share take_share() { return std::move(read_.share); }
+  ranks::Share take_share();
 
  private:
   ranks::Group& group_;
@@ -35,8 +39,8 @@ class SharedCase {
   cases::ReadCase case_;
 };
 
-/// On the other ranks, when they are called to it: their share; none where the case was refused.
-std::optional<ranks::Share> read_own_share(ranks::Group& group);
+/// On the other ranks, when they are called to it: what they read; none where the case was refused.
+std::optional<ranks::ReadShare> read_own_share(ranks::Group& group);
 
 /// On all ranks of a flow: throws what cases::sides_for_hll() would say of the triangles of the
 /// whole case, if its scheme asks for any.

@@ -15,12 +15,13 @@ struct Call {
   enum class Kind {
     read,            ///< they read a case together
     ground,          ///< they tell of what they have read
+    mesh_rows,       ///< one of them sends what results list of the mesh that it has read
     flow_of_shares,  ///< the first of them make a flow of that
     flow,            ///< the first of them make a flow, of what rank 0 deals out
     end
   };
   Kind kind;
-  int number = 0;  ///< of the members of a flow, or that of the end
+  int number = 0;  ///< of the members of a flow, of a rank, or of the end
 };
 
 inline void call(ranks::Group& group, Call what) { ranks::broadcast_plain(group, what); }

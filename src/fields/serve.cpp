@@ -179,7 +179,7 @@ void join_next_flow(ranks::Group& group, int members, std::optional<ranks::Share
 }  // namespace
 
 int serve(ranks::Group& group, const std::function<bool()>& is_interrupted) {
-  std::optional<ranks::Share> read;
+  std::optional<ranks::ReadShare> read;
   while (true) {
     Call call{};
     ranks::broadcast_plain(group, call);
@@ -188,11 +188,19 @@ int serve(ranks::Group& group, const std::function<bool()>& is_interrupted) {
         read = read_own_share(group);
         break;
       case Call::Kind::ground:
-        answer_together(group, read->part);
+        answer_together(group, read->share.part);
         break;
-      case Call::Kind::flow_of_shares:
-        join_next_flow(group, call.number, std::exchange(read, {}), is_interrupted);
+      case Call::Kind::mesh_rows:
+        if (group.rank() == call.number) {
+          ranks::send_value(group, std::exchange(read->mesh_rows, {}), 0);
+        }
         break;
+      case Call::Kind::flow_of_shares: {
+        ranks::Share own = std::move(read->share);
+        read.reset();  // nothing else of it is needed while there is a flow
+        join_next_flow(group, call.number, std::move(own), is_interrupted);
+        break;
+      }
       case Call::Kind::flow:
         read.reset();
         join_next_flow(group, call.number, {}, is_interrupted);

@@ -10,8 +10,6 @@
 #include <system_error>
 #include <utility>
 
-#include "case/initial_state.hpp"
-#include "case/node_bed.hpp"
 #include "utils/files.hpp"
 #include "utils/number_text.hpp"
 #include "utils/stop.hpp"
@@ -22,29 +20,15 @@ namespace fs = std::filesystem;
 
 using Piece = utils::WriterThread::Piece;
 
-std::vector<double> bed_of_cells(const cases::Case& contents) {
-  std::vector<double> bed;
-  bed.reserve(cases::at(contents.mesh.n_cells()));
-  for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
-    bed.push_back(cases::bed_level_of(contents, cell));
-  }
-  return bed;
-}
-
-/// The nodes' own elevation, unless something else makes the bed of the cells.
-std::vector<double> bed_of_nodes(const cases::Case& contents, const std::vector<double>& bed) {
-  const bool is_own = contents.fields.bed.empty() && contents.fields.sediment.empty();
-  return is_own ? contents.mesh.z : cases::bed_at_nodes(contents.mesh, bed);
-}
-
-ugrid::Contents contents_of(const cases::DataFile& data, const cases::Case& contents) {
+ugrid::Contents contents_of(const cases::DataFile& data, const cases::Case& contents,
+                            const fields::ListedMesh& mesh) {
   ugrid::Contents result;
   result.title = data.simulation_name;
   if (data.epsg) result.crs = ugrid::Crs{*data.epsg, {}, {}};
   result.epoch = data.epoch;
-  result.n_nodes = cases::at(contents.mesh.n_nodes());
-  result.n_faces = cases::at(contents.mesh.n_cells());
-  result.width = ugrid::most_nodes_of_a_cell(contents.mesh);
+  result.n_nodes = cases::at(mesh.counts().nodes);
+  result.n_faces = cases::at(mesh.counts().cells);
+  result.width = mesh.width();
   result.has_sediments = contents.has_sediments;
   result.has_infiltration = contents.has_infiltration;
   result.has_maxima_of_flow = data.maxima.has_value();
@@ -97,13 +81,12 @@ std::string part_of(const std::string& place) { return place + ".part"; }
 }  // namespace
 
 ResultsFile::ResultsFile(const cases::DataFile& data, std::vector<double> times,
-                         const cases::Case& contents)
+                         const cases::Case& contents, const fields::ListedMesh& mesh)
     : case_(contents),
-      origin_{data.origin[0], data.origin[1]},
       name_(data.output_folder + data.results->name),
       place_(regular_file_at(name_)),
       times_(std::move(times)),
-      layout_(contents_of(data, contents)),
+      layout_(contents_of(data, contents, mesh)),
       bytes_(bytes_of(name_, layout_)) {
   require_order(data, times_);
 }
@@ -113,7 +96,7 @@ ResultsFile::~ResultsFile() {
   if (file_.is_open() && !is_in_place_) std::remove(part_of(place_).c_str());
 }
 
-void ResultsFile::begin() {
+void ResultsFile::begin(fields::ListedMesh& mesh) {
   if (utils::is_input_file(place_) || utils::is_input_file(part_of(place_))) {
     refuse(name_, "isn't written: it, or its name with .part, is an input file of this run");
   }
@@ -122,18 +105,15 @@ void ResultsFile::begin() {
   }
   classic_.emplace(file_, bytes_);
   classic_->begin();
-  const std::vector<double> bed = bed_of_cells(case_);
-  layout_.put_mesh(*classic_, ugrid::mesh_of(case_.mesh, origin_, bed_of_nodes(case_, bed)), bed);
+  layout_.put_topology(*classic_);
+  while (const auto rows = mesh.next()) layout_.put_rows_of_mesh(*classic_, *rows);
   layout_.put_no_maxima(*classic_);
   if (classic_->error() == 0) return;
   std::remove(part_of(place_).c_str());
   refuse(name_, "couldn't be written completely: " + reason_of(classic_->error()));
 }
 
-void ResultsFile::begin_behind(double done) {
-  next_ = next_snapshot(times_, {}, done);
-  begin();
-}
+void ResultsFile::skip_to(double done) { next_ = next_snapshot(times_, {}, done); }
 
 void ResultsFile::require(const ResultsPosition& position) const {
   const auto cannot_go_on = [&](const std::string& trouble) {

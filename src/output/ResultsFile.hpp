@@ -12,6 +12,7 @@
 #include "case/Case.hpp"
 #include "case/DataFile.hpp"
 #include "fields/Flow.hpp"
+#include "fields/ListedMesh.hpp"
 #include "output/OutputPositions.hpp"
 #include "ugrid/ClassicFile.hpp"
 #include "ugrid/UgridLayout.hpp"
@@ -23,18 +24,19 @@
 class ResultsFile {
  public:
   /// Of the file that `data` asks for, with snapshots at `times` (s). Ends the run with a message
-  /// where these do not increase, or no file can be written. The case must outlive it. The file
-  /// comes by begin() or go_on().
-  ResultsFile(const cases::DataFile& data, std::vector<double> times, const cases::Case& contents);
+  /// where these do not increase, or no file can be written. The case, whose mesh may be elsewhere,
+  /// must outlive it. The file comes by begin() or go_on().
+  ResultsFile(const cases::DataFile& data, std::vector<double> times, const cases::Case& contents,
+              const fields::ListedMesh& mesh);
   /// Removes a file that has not got its name.
   ~ResultsFile();
   ResultsFile(const ResultsFile&) = delete;
   ResultsFile& operator=(const ResultsFile&) = delete;
 
   /// Creates the file, with all but results, or ends the run with a message.
-  void begin();
-  /// The same in the middle of a run, whose outputs are done up to a time (s).
-  void begin_behind(double done);
+  void begin(fields::ListedMesh& mesh);
+  /// Leaves out snapshots of a run whose outputs are done up to a time (s).
+  void skip_to(double done);
   /// Ends the run with a message where the file of an earlier run is not there any more as it was.
   void require(const ResultsPosition& position) const;
   /// Goes on in the file of an earlier run, whose outputs are done up to a time (s).
@@ -70,7 +72,6 @@ class ResultsFile {
   bool put_in_place();
 
   const cases::Case& case_;
-  physics::PlanPoint origin_;  ///< taken from the coordinates of the mesh, m
   std::string name_;
   std::string place_;          ///< the name, or that of the file that a link of the name leads to
   std::vector<double> times_;  ///< s

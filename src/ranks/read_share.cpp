@@ -6,6 +6,7 @@
 #include "case/EndAtFirstError.hpp"
 #include "ranks/SplitFiles.hpp"
 #include "ranks/cut_blocks.hpp"
+#include "ranks/mesh_rows_of_blocks.hpp"
 #include "ranks/share_of_blocks.hpp"
 
 namespace ranks {
@@ -55,6 +56,9 @@ ReadShare read_share(Group& group, const std::string& data_file, const cases::Li
   read.area_loss = blocks.area_loss;
   read.counts = {blocks.nodes.total(), blocks.cells.total(), blocks.edges.total()};
   read.input_sums = input_sums_of(group, blocks);
+  if (read.data.results) {
+    read.mesh_rows = mesh_rows_of_blocks(group, blocks, {read.data.origin[0], read.data.origin[1]});
+  }
   read.cells = blocks.cells;
   read.owners = owners_along_curve(group, blocks);
   const int rings = cases::rings_of(blocks.contents.scheme);

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "case/MeshRows.hpp"
 #include "case/implausible_case.hpp"
 #include "case/input_sums.hpp"
 #include "case/read_case.hpp"
@@ -19,8 +20,10 @@ struct ReadShare {
   cases::InputSums input_sums;           ///< of the whole case
   AreaLoss area_loss;                    ///< of all cells; on rank 0
   cases::ImplausibleFields implausible;  ///< of the whole case; on rank 0
-  Blocks cells;                          ///< who knows the owner of which cell ...
-  std::vector<int> owners;               ///< ... and those of the block of this rank
+  cases::MeshRows mesh_rows;  ///< of the blocks of this rank; only where the case asks for results
+                              ///< that list its mesh
+  Blocks cells;               ///< who knows the owner of which cell ...
+  std::vector<int> owners;    ///< ... and those of the block of this rank
 };
 
 /// Ends on all ranks with what cases::read_case() ends with, on the others as a FatalError that

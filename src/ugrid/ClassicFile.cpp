@@ -33,6 +33,10 @@ void ClassicFile::put(std::size_t variable, std::size_t record, std::span<const 
 }
 
 void ClassicFile::put_part(std::size_t variable, std::size_t record, std::size_t first,
+                           std::span<const int> values) {
+  put_values<std::uint32_t>(variable, record, first, values);
+}
+void ClassicFile::put_part(std::size_t variable, std::size_t record, std::size_t first,
                            std::span<const float> values) {
   put_values<std::uint32_t>(variable, record, first, values);
 }

@@ -30,6 +30,8 @@ class ClassicFile : public DataFile {
   void put(std::size_t variable, std::string_view characters) override;
   /// Some values, from the one with a number on.
   void put_part(std::size_t variable, std::size_t record, std::size_t first,
+                std::span<const int> values);
+  void put_part(std::size_t variable, std::size_t record, std::size_t first,
                 std::span<const float> values);
   void put_part(std::size_t variable, std::size_t record, std::size_t first,
                 std::span<const double> values);

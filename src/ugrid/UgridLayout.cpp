@@ -86,7 +86,7 @@ void UgridLayout::define_mesh() {
   add_attribute(face_nodes_, "cf_role", "face_node_connectivity");
   add_attribute(face_nodes_, "long_name", "nodes of the cells, counter-clockwise");
   add_attribute(face_nodes_, "start_index", 0);  // without it the whole file is refused
-  add_attribute(face_nodes_, "_FillValue", Mesh::no_node);
+  add_attribute(face_nodes_, "_FillValue", cases::MeshRows::no_node);
 }
 
 std::size_t UgridLayout::add_coordinate(const char* name, std::size_t dimension,
@@ -214,18 +214,32 @@ void UgridLayout::add_grid_mapping(std::size_t variable) {
   if (has_crs_) add_attribute(variable, "grid_mapping", "crs");
 }
 
-void UgridLayout::put_mesh(DataFile& file, const Mesh& mesh, const std::vector<double>& bed) const {
+void UgridLayout::put_topology(DataFile& file) const {
   const int none[] = {0};  // these two are there for their attributes
-  const auto put = [&file](std::size_t variable, auto values) { file.put(variable, 0, values); };
-  put(topology_, std::span<const int>(none));
-  if (has_crs_) put(crs_, std::span<const int>(none));
-  put(node_x_, std::span(mesh.node_x));
-  put(node_y_, std::span(mesh.node_y));
-  put(node_z_, std::span(mesh.node_bed));
-  put(face_x_, std::span(mesh.face_x));
-  put(face_y_, std::span(mesh.face_y));
-  put(face_nodes_, std::span(mesh.face_nodes));
-  if (bed_) put(*bed_, std::span(bed));
+  file.put(topology_, 0, std::span<const int>(none));
+  if (has_crs_) file.put(crs_, 0, std::span<const int>(none));
+}
+
+template <class Put>
+void UgridLayout::for_each_of_mesh(const cases::MeshRows& rows, const Put& put) const {
+  put(node_x_, rows.first_node, std::span(rows.node_x));
+  put(node_y_, rows.first_node, std::span(rows.node_y));
+  put(node_z_, rows.first_node, std::span(rows.node_bed));
+  put(face_x_, rows.first_cell, std::span(rows.cell_x));
+  put(face_y_, rows.first_cell, std::span(rows.cell_y));
+  put(face_nodes_, rows.first_cell * rows.width, std::span(rows.cell_nodes));
+  if (bed_) put(*bed_, rows.first_cell, std::span(rows.cell_bed));
+}
+
+void UgridLayout::put_mesh(DataFile& file, const cases::MeshRows& rows) const {
+  for_each_of_mesh(
+      rows, [&](std::size_t variable, std::size_t, auto values) { file.put(variable, 0, values); });
+}
+
+void UgridLayout::put_rows_of_mesh(ClassicFile& file, const cases::MeshRows& rows) const {
+  for_each_of_mesh(rows, [&](std::size_t variable, std::size_t first, auto values) {
+    file.put_part(variable, 0, first, values);
+  });
 }
 
 namespace {
@@ -282,11 +296,15 @@ void UgridLayout::put_maxima(DataFile& file, const fields::CellValues& cells) co
                   [&](std::size_t variable, auto values) { file.put(variable, 0, values); });
 }
 
-void UgridLayout::put_no_maxima(DataFile& file) const {
+void UgridLayout::put_no_maxima(ClassicFile& file) const {
   const auto put_everywhere = [&](auto nan) {
-    const std::vector<decltype(nan)> values(n_faces_, nan);
+    constexpr std::size_t most = 1 << 16;
+    const std::vector<decltype(nan)> values(std::min(n_faces_, most), nan);
     for (std::size_t k = 0; k < maxima_.quantities.size(); ++k) {
-      file.put(maxima_.first_variable + k, 0, std::span(values));
+      for (std::size_t first = 0; first < n_faces_; first += most) {
+        const std::size_t count = std::min(n_faces_ - first, most);
+        file.put_part(maxima_.first_variable + k, 0, first, std::span(values).first(count));
+      }
     }
   };
   if (is_double_) {

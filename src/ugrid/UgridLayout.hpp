@@ -8,11 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "case/MeshRows.hpp"
 #include "fields/quantities.hpp"
 #include "ugrid/ClassicFile.hpp"
 #include "ugrid/DataFile.hpp"
 #include "ugrid/Definitions.hpp"
-#include "ugrid/Mesh.hpp"
 
 namespace ugrid {
 
@@ -53,8 +53,12 @@ class UgridLayout {
 
   const Definitions& definitions() const { return definitions_; }
 
-  /// Puts all that does not change while a run goes on. `bed` is that of the cells at the start, m.
-  void put_mesh(DataFile& file, const Mesh& mesh, const std::vector<double>& bed) const;
+  /// Puts that there is a mesh, and its reference system.
+  void put_topology(DataFile& file) const;
+  /// Puts the whole mesh.
+  void put_mesh(DataFile& file, const cases::MeshRows& rows) const;
+  /// The same of a mesh that comes piece by piece.
+  void put_rows_of_mesh(ClassicFile& file, const cases::MeshRows& rows) const;
   /// Puts the names of what the run recorded, and the places of the gauges.
   void put_stations(DataFile& file, const Stations& stations) const;
   /// Puts the state of a time t (s) as a record.
@@ -71,7 +75,7 @@ class UgridLayout {
   /// Puts what is of the whole run.
   void put_maxima(DataFile& file, const fields::CellValues& cells) const;
   /// Puts that nothing is known of the whole run.
-  void put_no_maxima(DataFile& file) const;
+  void put_no_maxima(ClassicFile& file) const;
 
   const std::vector<fields::Quantity>& quantities_in_time() const { return in_time_.quantities; }
   const std::vector<fields::Quantity>& maxima() const { return maxima_.quantities; }
@@ -99,6 +103,10 @@ class UgridLayout {
   void place(std::size_t variable, const std::string& location);
   void add_grid_mapping(std::size_t variable);
 
+  /// Calls put(variable, first, values) for the values of nodes and of cells, from the one with a
+  /// number on, counted as the file does.
+  template <class Put>
+  void for_each_of_mesh(const cases::MeshRows& rows, const Put& put) const;
   /// Calls put(variable, values) for the values of cells.
   template <class Put>
   void for_each_result(const Results& results, const fields::CellValues& cells,

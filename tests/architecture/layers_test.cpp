@@ -29,7 +29,7 @@ const std::map<std::string, std::set<std::string>> allowed_folders = {
     {"interfaces", {"physics", "case", "model", "globals", "utils"}},
     {"sources", {"physics", "case", "model", "globals", "utils"}},
     {"fields", {"physics", "case", "engine", "model", "ranks", "globals", "utils"}},
-    {"ugrid", {"physics", "fields", "utils"}},
+    {"ugrid", {"physics", "case", "fields", "utils"}},
     {"output", {"physics", "case", "fields", "ugrid", "utils"}},
     {"report", {"physics", "case", "fields", "utils"}},
     {"checkpoint", {"physics", "case", "fields", "output", "utils"}},

@@ -1,9 +1,11 @@
 // Runs on several ranks, which are threads of this process, leave the files of a run on one, byte
 // for byte: results, report, log, console and checkpoints.
+#include "case/write_case.hpp"
 #include "checkpoint/RestartTest.hpp"
 #include "ranks/DelayedGroup.hpp"
 #include "ranks/as_first_of.hpp"
 #include "ranks/uneven_parts.hpp"
+#include "support/mixed_grid.hpp"
 
 using namespace test_restart;
 
@@ -130,7 +132,6 @@ TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {
 
 TEST_F(RunOnRanks, GoesOnWhereRanksReadTheCaseTogether) {
   for (Case c : {water_case(), sand_case()}) {
-    for (const char* const results : {"results", "results times"}) c.data["output"].erase(results);
     const support::TemporaryFolder alone;
     c.write(alone);
     run(alone, {}, {});
@@ -150,6 +151,79 @@ TEST_F(RunOnRanks, GoesOnWhereRanksReadTheCaseTogether) {
       EXPECT_EQ(run_on(second, folder), steps_);
       expect_whole_results(folder, "stopped at step 33");
     }
+  }
+}
+
+namespace {
+
+/// Triangles and squares from whose coordinates an origin was taken, with results in NetCDF.
+void write_mixed_case(int nx, int ny, bool has_bed, const support::TemporaryFolder& folder) {
+  cases::Case contents = support::mixed_grid(nx, ny);
+  contents.t_end = 1.0;
+  contents.mesh.x.push_back(-5.0);  // of no cell
+  contents.mesh.y.push_back(3.0);
+  contents.mesh.z.push_back(0.7);
+  for (cases::Number cell = 0; has_bed && cell < contents.mesh.n_cells(); ++cell) {
+    contents.fields.bed.push_back(0.3 * std::sin(cell));
+  }
+  cases::RunRequest asked;
+  asked.name = "mixed";
+  asked.output_folder = "out/";
+  asked.envelope_interval = 0.5;
+  asked.origin = {423000.3, 5170000.7};
+  cases::write_case(contents, asked, [&](const std::string& name, const std::string& text) {
+    folder.write(name, text);
+  });
+  nlohmann::json data = nlohmann::json::parse(folder.read("data.json"));
+  data["output"]["results"] = "results.nc";
+  data["output"]["results times"] = "times.txt";
+  folder.write("times.txt", "3 0 0.4 1");
+  folder.write("data.json", data.dump());
+  fs::create_directory(folder.file("out"));
+}
+
+}  // namespace
+
+TEST_F(RunOnRanks, ListsAMeshOfAnyCellsThatNoRankHas) {
+  struct Size {
+    int nx, ny;
+    bool has_bed;
+  };
+  for (const Size& size : {Size{13, 9, true}, Size{13, 9, false}, Size{1, 1, true}}) {
+    const auto write = [&](const support::TemporaryFolder& folder) {
+      write_mixed_case(size.nx, size.ny, size.has_bed, folder);
+    };
+    const support::TemporaryFolder alone;
+    write(alone);
+    run(alone, {}, {});
+    const auto expected = all_of(alone);
+    ASSERT_TRUE(expected.count("out/results.nc"));
+    for (const int count : {2, 3, 5, 7}) {
+      const support::TemporaryFolder folder;
+      write(folder);
+      run_on({.count = count, .is_late = count == 3, .read_together = true}, folder);
+      EXPECT_TRUE(all_of(folder) == expected) << count << " ranks, " << size.nx;
+    }
+  }
+}
+
+TEST_F(RunOnRanks, BeginsOtherResultsWhereItGoesOn) {
+  Case c = sand_case();
+  const auto files_with = [&](const Ranks& how) {
+    const support::TemporaryFolder folder;
+    c.data["output"]["results"] = "results.nc";
+    c.write(folder);
+    run_on(how, folder, 33);
+    c.data["output"]["results"] = "more.nc";
+    c.write(folder);
+    run_on(how, folder);
+    return all_of(folder);
+  };
+  const auto expected = files_with({1});
+  ASSERT_TRUE(expected.count("out/results.nc"));
+  ASSERT_TRUE(expected.count("out/more.nc"));
+  for (const int count : {2, 5}) {
+    EXPECT_TRUE(files_with({.count = count, .read_together = true}) == expected) << count;
   }
 }
 

@@ -137,6 +137,9 @@ TEST_F(Restart, KeepsMaximaOnlyFromTheStartOnAndByOneDepth) {
   EXPECT_TRUE(support::contains(refusal(with_maxima),
                                 "out/results.nc describes other results than this run's"));
   c.data["output"]["results"] = "more.nc";
+  c.data["output"]["maxima of flow"] = {{"file", "maxima.txt"}, {"arrival depth", 0.3}};
+  EXPECT_TRUE(support::contains(refusal(with_maxima), "is 0.3 m, which was 0.4 m"));
+  c.data["output"].erase("maxima of flow");
   c.write(with_maxima);
   run(with_maxima, {}, {});
   EXPECT_TRUE(support::contains(log_, "Maxima of the flow are kept no more")) << log_;

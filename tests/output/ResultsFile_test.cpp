@@ -14,6 +14,11 @@ class Results : public OutputTest {
     data.results = cases::ResultsRequest{"results.nc", "times.txt", false};
     cell(0).U.set_values(2.0, 6.0, 8.0);
   }
+  fields::WholeListedMesh mesh() const { return {contents, {0.0, 0.0}}; }
+  void begin(ResultsFile& file) const {
+    fields::WholeListedMesh listed = mesh();
+    file.begin(listed);
+  }
   std::string text() const { return folder.read("results.nc"); }
   int snapshots() const { return static_cast<unsigned char>(text().at(7)); }
   void write_some(ResultsFile& file, int count) {
@@ -24,8 +29,8 @@ class Results : public OutputTest {
   }
   /// Where a file stands that a run has left behind so many snapshots.
   ResultsPosition position_behind(int snapshots) {
-    ResultsFile file(data, times, contents);
-    file.begin();
+    ResultsFile file(data, times, contents, mesh());
+    begin(file);
     write_some(file, snapshots);
     file.wait();
     return file.position();
@@ -37,8 +42,8 @@ class Results : public OutputTest {
 
 TEST_F(Results, TakeTheirNameWithTheFirstSnapshot) {
   folder.write("results.nc", "earlier");
-  ResultsFile file(data, times, contents);
-  file.begin();
+  ResultsFile file(data, times, contents, mesh());
+  begin(file);
   EXPECT_EQ(text(), "earlier");
   file.WriteMeasure(flow);
   file.wait();
@@ -49,8 +54,8 @@ TEST_F(Results, TakeTheirNameWithTheFirstSnapshot) {
 TEST_F(Results, WithoutASnapshotLeaveTheEarlierOnesAndNoPart) {
   folder.write("results.nc", "earlier");
   {
-    ResultsFile file(data, times, contents);
-    file.begin();
+    ResultsFile file(data, times, contents, mesh());
+    begin(file);
     EXPECT_TRUE(folder.has("results.nc.part"));
   }
   EXPECT_EQ(text(), "earlier");
@@ -58,8 +63,8 @@ TEST_F(Results, WithoutASnapshotLeaveTheEarlierOnesAndNoPart) {
 }
 
 TEST_F(Results, AreDueAtTheirTimes) {
-  ResultsFile file(data, {1.0, 2.0}, contents);
-  file.begin();
+  ResultsFile file(data, {1.0, 2.0}, contents, mesh());
+  begin(file);
   EXPECT_FALSE(file.CheckTime(0.5, 1e-8));
   EXPECT_TRUE(file.CheckTime(1.0 - 1e-9, 1e-8));
   file.WriteMeasure(flow);
@@ -71,8 +76,8 @@ TEST_F(Results, AreDueAtTheirTimes) {
 TEST_F(Results, GoOnWithTheSameBytesBehindTheSnapshotsOfThePosition) {
   ResultsPosition position;
   {
-    ResultsFile whole(data, times, contents);
-    whole.begin();
+    ResultsFile whole(data, times, contents, mesh());
+    begin(whole);
     write_some(whole, 2);
     whole.wait();
     position = whole.position();
@@ -88,7 +93,7 @@ TEST_F(Results, GoOnWithTheSameBytesBehindTheSnapshotsOfThePosition) {
   EXPECT_EQ(position.snapshots.next, 2U);
   EXPECT_EQ(position.written.count, 2U);
 
-  ResultsFile next(data, times, contents);
+  ResultsFile next(data, times, contents, mesh());
   next.require(position);
   next.go_on(position, 1.0);
   EXPECT_EQ(snapshots(), 2);
@@ -105,7 +110,7 @@ TEST_F(Results, GoOnWithTheSameBytesBehindTheSnapshotsOfThePosition) {
 
 TEST_F(Results, OfAnotherListOfTimesGoOnBehindWhatIsDone) {
   const ResultsPosition position = position_behind(2);
-  ResultsFile next(data, {0.5, 1.5, 1.75}, contents);
+  ResultsFile next(data, {0.5, 1.5, 1.75}, contents, mesh());
   next.go_on(position, 1.6);
   EXPECT_FALSE(next.CheckTime(1.7, 0.0));
   EXPECT_TRUE(next.CheckTime(1.75, 0.0));
@@ -115,7 +120,7 @@ TEST_F(Results, DoNotGoOnInAFileThatIsAnotherOne) {
   const ResultsPosition position = position_behind(2);
   const std::string whole = text();
   const auto refusal = [&] {
-    const ResultsFile next(data, times, contents);
+    const ResultsFile next(data, times, contents, mesh());
     try {
       next.require(position);
     } catch (const utils::FatalError& error) {

@@ -1,4 +1,6 @@
 // A case that ranks have read together, none of them all of it, is to a run what a whole one is.
+#include <fstream>
+#include <nlohmann/json.hpp>
 #include <random>
 
 #include "fields/Clock.hpp"
@@ -6,6 +8,7 @@
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/SplitReading.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/on_ranks.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
 #include "support/TriangleGrid.hpp"
@@ -112,6 +115,83 @@ TEST_F(SharedCaseTest, HasTheGroundOfAWholeOneBeforeAndAfterItsFlowIsMade) {
       });
     }
   }
+}
+
+namespace {
+
+/// Lets a case ask for results that list its mesh.
+void ask_for_results(const std::string& data_file) {
+  std::ifstream before(data_file);
+  nlohmann::json data = nlohmann::json::parse(before);
+  data["output"]["results"] = "results.nc";
+  data["output"]["results times"] = "times.txt";
+  std::ofstream(data_file) << data;
+}
+
+template <class Value>
+void append(std::vector<Value>& to, const std::vector<Value>& values) {
+  to.insert(to.end(), values.begin(), values.end());
+}
+
+/// All rows as one; they follow each other.
+cases::MeshRows all_rows_of(fields::ListedMesh& mesh) {
+  cases::MeshRows all;
+  all.width = mesh.width();
+  while (const auto rows = mesh.next()) {
+    EXPECT_EQ(rows->first_node, all.n_nodes());
+    EXPECT_EQ(rows->first_cell, all.n_cells());
+    EXPECT_EQ(rows->width, all.width);
+    for (const auto column :
+         {&cases::MeshRows::node_x, &cases::MeshRows::node_y, &cases::MeshRows::node_bed,
+          &cases::MeshRows::cell_x, &cases::MeshRows::cell_y, &cases::MeshRows::cell_bed}) {
+      append(all.*column, *rows.*column);
+    }
+    append(all.cell_nodes, rows->cell_nodes);
+  }
+  return all;
+}
+
+}  // namespace
+
+TEST_F(SharedCaseTest, ListsTheMeshOfAWholeOne) {
+  for (const bool has_polygons : {false, true}) {
+    const std::string data_file = has_polygons ? write_case(support::mixed_grid(13, 9), files_)
+                                               : basin_in_files({.sediments = true});
+    ask_for_results(data_file);
+    const WholeReading whole(data_file);
+    ASSERT_EQ(whole.told().status, 0) << whole.told();
+    fields::WholeListedMesh expected(whole.contents(), {0.0, 0.0});
+    const auto rows = expected.next();
+    EXPECT_FALSE(expected.next());
+    ASSERT_EQ(rows->n_cells(), at(whole.contents().mesh.n_cells()));
+    for (const int count : {2, 3, 5}) {
+      with_shared(count, data_file, [&](auto& shared, auto& read, const auto& request) {
+        const auto mesh = shared.listed_mesh();
+        EXPECT_EQ(mesh->counts().nodes, whole.contents().mesh.n_nodes());
+        EXPECT_TRUE(bytes_that_are(all_rows_of(*mesh)) == bytes_that_are(*rows)) << count;
+        EXPECT_FALSE(mesh->next());
+        EXPECT_EQ(fields::make_flow(read.contents, told_, request)->execution_path().ranks, count);
+      });
+    }
+  }
+}
+
+TEST_F(SharedCaseTest, KeepsNoListOfItsMeshThatNobodyAskedFor) {
+  const std::string data_file = basin_in_files({.sediments = true});
+  const auto cells_listed_on = [&](int rank) {
+    std::size_t cells = 0;
+    on_ranks(3, [&](ranks::Group& group) {
+      told_by([&](const auto& listeners, auto& diagnostics) {
+        const auto read = ranks::read_share(group, data_file, listeners, diagnostics);
+        if (group.rank() == rank) cells = read.mesh_rows.n_cells();
+      });
+    });
+    return cells;
+  };
+  EXPECT_EQ(cells_listed_on(0), 0U);
+  EXPECT_EQ(cells_listed_on(2), 0U);
+  ask_for_results(data_file);
+  EXPECT_GT(cells_listed_on(2), 0U);
 }
 
 TEST_F(SharedCaseTest, FlowsOnAsAWholeOne) {

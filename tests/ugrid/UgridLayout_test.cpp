@@ -6,7 +6,8 @@
 #include <cmath>
 #include <map>
 
-#include "ugrid/square.hpp"
+#include "support/TemporaryFolder.hpp"
+#include "support/square.hpp"
 
 namespace {
 
@@ -88,7 +89,9 @@ TEST(UgridLayout, PutsTheMeshTheFlowAndItsLargestDepths) {
     KeptFile file(layout.definitions());
     const std::vector<double> bed{1.0, 3.0};
     const fields::Columns columns = water();
-    layout.put_mesh(file, ugrid::mesh_of(support::square(), {0.0, 0.0}, support::square().z), bed);
+    layout.put_topology(file);
+    layout.put_mesh(file,
+                    cases::all_rows_of(support::square(), {0.0, 0.0}, support::square().z, bed));
     layout.put_snapshot(file, 3, 60.0, {columns, bed, 0.001});
     layout.put_maxima(file, {columns, bed, 0.001});
     EXPECT_EQ(file.of("Mesh2d_node_z"), (std::vector<double>{0.0, 0.0, 3.0, 6.0}));
@@ -104,15 +107,75 @@ TEST(UgridLayout, PutsTheMeshTheFlowAndItsLargestDepths) {
   }
 }
 
+/// The bytes of a file of this layout that put(file) writes.
+template <class Put>
+std::string written(const ugrid::UgridLayout& layout, const Put& put) {
+  const support::TemporaryFolder folder;
+  utils::WritableFile bytes;
+  bytes.open(folder.file("a.nc"));
+  ugrid::ClassicFile file(bytes, ugrid::classic_layout(layout.definitions()));
+  file.begin();
+  put(file);
+  EXPECT_EQ(file.error(), 0);
+  return folder.read("a.nc");
+}
+
+TEST(UgridLayout, PutsAMeshPieceByPieceAsAtOnce) {
+  cases::Mesh mesh = support::square();
+  mesh.add_cell(std::vector<cases::Number>{0, 1, 2, 3});
+  ugrid::Contents contents = contents_of_square();
+  contents.n_faces = 3;
+  contents.width = 4;
+  const ugrid::UgridLayout layout(contents);
+  const cases::MeshRows whole =
+      cases::all_rows_of(mesh, {7.0, 9.0}, {1.0, 2.0, 3.0, 4.0}, {5.0, 6.0, 7.0});
+  const auto piece = [&](std::size_t node, std::size_t nodes, std::size_t cell, std::size_t cells) {
+    const auto part = [](const auto& values, std::size_t first, std::size_t count) {
+      const auto begin = values.begin() + static_cast<std::ptrdiff_t>(first);
+      return std::vector(begin, begin + static_cast<std::ptrdiff_t>(count));
+    };
+    return cases::MeshRows{node,
+                           cell,
+                           part(whole.node_x, node, nodes),
+                           part(whole.node_y, node, nodes),
+                           part(whole.node_bed, node, nodes),
+                           part(whole.cell_x, cell, cells),
+                           part(whole.cell_y, cell, cells),
+                           part(whole.cell_bed, cell, cells),
+                           4,
+                           part(whole.cell_nodes, 4 * cell, 4 * cells)};
+  };
+  const auto at_once = [&](auto& file) { layout.put_mesh(file, whole); };
+  const auto in_pieces = [&](auto& file) {
+    layout.put_rows_of_mesh(file, piece(1, 3, 0, 1));
+    layout.put_rows_of_mesh(file, piece(4, 0, 3, 0));
+    layout.put_rows_of_mesh(file, piece(0, 1, 1, 2));
+  };
+  EXPECT_TRUE(written(layout, in_pieces) == written(layout, at_once));
+}
+
 TEST(UgridLayout, PutsNoNumbersWhereTheLargestDepthsAreNotKnown) {
-  const ugrid::UgridLayout layout(contents_of_square());
-  KeptFile file(layout.definitions());
-  layout.put_no_maxima(file);
-  for (const char* const name : {"Mesh2d_max_depth", "Mesh2d_max_level"}) {
-    EXPECT_TRUE(std::isnan(file.of(name)[0])) << name;
-    EXPECT_TRUE(std::isnan(file.of(name)[1])) << name;
+  for (const bool is_double : {false, true}) {
+    ugrid::Contents contents = contents_of_square();
+    contents.n_faces = 150000;  // more than are put at once
+    contents.is_double = is_double;
+    const ugrid::UgridLayout layout(contents);
+    const ugrid::ClassicLayout places = ugrid::classic_layout(layout.definitions());
+    const std::string bytes =
+        written(layout, [&](ugrid::ClassicFile& file) { layout.put_no_maxima(file); });
+    const std::string nan =
+        is_double ? std::string("\x7f\xf8\0\0\0\0\0\0", 8) : std::string("\x7f\xc0\0\0", 4);
+    std::string expected;
+    for (std::size_t cell = 0; cell < contents.n_faces; ++cell) expected += nan;
+    const auto& variables = layout.definitions().variables;
+    int maxima = 0;
+    for (std::size_t k = 0; k < variables.size(); ++k) {
+      if (variables[k].name.find("Mesh2d_max_") != 0) continue;
+      ++maxima;
+      EXPECT_TRUE(bytes.substr(places.places[k], expected.size()) == expected) << variables[k].name;
+    }
+    EXPECT_EQ(maxima, 2);
   }
-  EXPECT_FALSE(file.has("Mesh2d_depth"));
 }
 
 TEST(UgridLayout, NamesTheReferenceSystemWhereThereIsOne) {

@@ -74,12 +74,12 @@ class UgridWriter {
   UgridWriter(const CaseResults& results, const UgridOptions& options)
       : results_(results),
         stations_(stations_of(results.files)),
-        mesh_(ugrid::mesh_of(results.mesh, {0.0, 0.0}, results.node_bed())),
+        mesh_(cases::all_rows_of(results.mesh, {0.0, 0.0}, results.node_bed(), results.bed)),
         layout_({.title = results.files.title,
                  .crs = options.crs,
                  .epoch = options.epoch,
                  .n_nodes = mesh_.n_nodes(),
-                 .n_faces = mesh_.n_faces(),
+                 .n_faces = mesh_.n_cells(),
                  .width = mesh_.width,
                  .has_sediments = results.files.has_sediment,
                  .has_infiltration = results.files.has_infiltration,
@@ -92,7 +92,8 @@ class UgridWriter {
 
   /// Puts everything; what `tell` is told then is that of the snapshots.
   void put_into(ugrid::DataFile& file, BelowZero& below_zero) const {
-    layout_.put_mesh(file, mesh_, results_.bed);
+    layout_.put_topology(file);
+    layout_.put_mesh(file, mesh_);
     layout_.put_stations(file, stations_);
     const fields::Columns of_run = whole_run(results_);
     layout_.put_maxima(file, values_of(of_run));
@@ -111,7 +112,7 @@ class UgridWriter {
 
   const CaseResults& results_;
   ugrid::Stations stations_;
-  ugrid::Mesh mesh_;
+  cases::MeshRows mesh_;
   ugrid::UgridLayout layout_;
 };
 

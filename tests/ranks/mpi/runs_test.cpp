@@ -24,8 +24,7 @@ using Words = std::vector<std::string>;
 /// The environment of a job, by which its processes are found.
 constexpr const char* mark = "QUILLMERE_TEST_JOB";
 
-/// What is asked of a run besides its case. A report needs orders for every step; with results in
-/// NetCDF rank 0 has the whole case, and without them no rank more than its share.
+/// What is asked of a run besides its case. A report needs orders for every step.
 struct Asked {
   bool report = false, checkpoints = false, netcdf = false;
 };

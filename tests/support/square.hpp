@@ -1,10 +1,9 @@
-// What the tests of UGRID files share: a square of two triangles.
+// A square of two triangles.
 #pragma once
 
 #include <vector>
 
 #include "case/Mesh.hpp"
-#include "ugrid/Mesh.hpp"
 
 namespace support {
 
