@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <limits>
 
+namespace arithmetic_test {
+
 namespace {
 
 // Ten million numbers for each function; in builds with sanitizers or without optimisation, where
@@ -142,3 +144,5 @@ TEST(Arithmetic, TheSmallerNumberPassesOverOneThatIsNot) {
   EXPECT_EQ(physics::minimum_ignoring_nan(1.0, not_a_number), 1.0);
   EXPECT_TRUE(std::isnan(physics::minimum_ignoring_nan(not_a_number, not_a_number)));
 }
+
+}  // namespace arithmetic_test

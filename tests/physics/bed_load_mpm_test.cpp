@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace bed_load_mpm_test {
+
 namespace {
 const physics::Grains sand = {0.001, 2.65};
 }
@@ -60,3 +62,5 @@ TEST(BedLoadMpm, StillWaterNeverDividesByItsDischarge) {
 TEST(BedLoadMpm, WithoutFrictionNothingMoves) {
   EXPECT_FALSE(physics::bed_load_mpm(1.0, 1.0, 5.0, 0.0, 0.0, sand).moves);
 }
+
+}  // namespace bed_load_mpm_test

@@ -5,7 +5,7 @@
 #include "support/edge_side.hpp"
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace boundary_discharge_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -76,4 +76,4 @@ TEST(BoundaryDischarge, ADryCellExchangesTheDischargeWithoutMomentum) {
   }
 }
 
-}  // namespace
+}  // namespace boundary_discharge_test

@@ -5,7 +5,7 @@
 #include "support/edge_side.hpp"
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace boundary_transmissive_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -68,4 +68,4 @@ TEST(BoundaryTransmissive, ADryCellLetsNothingThrough) {
   EXPECT_EQ(flux.tangential, 0.0);
 }
 
-}  // namespace
+}  // namespace boundary_transmissive_test

@@ -5,7 +5,7 @@
 #include "support/edge_side.hpp"
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace boundary_wall_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -39,4 +39,4 @@ TEST(BoundaryWall, ADryCellFeelsNothing) {
   EXPECT_EQ(wall(-1.0, 5.0).normal, 0.0);
 }
 
-}  // namespace
+}  // namespace boundary_wall_test

@@ -5,7 +5,7 @@
 #include "support/edge_side.hpp"
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace boundary_water_level_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -67,4 +67,4 @@ TEST(BoundaryWaterLevel, ADryCellGetsNothingFromALevelAtTheThresholdOrBelow) {
   }
 }
 
-}  // namespace
+}  // namespace boundary_water_level_test

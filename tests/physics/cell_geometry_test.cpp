@@ -4,7 +4,7 @@
 
 #include <vector>
 
-namespace {
+namespace cell_geometry_test {
 
 using physics::PlanPoint;
 
@@ -58,4 +58,4 @@ TEST(AreaLoss, IsRelativeToTheAccurateAreaAndNothingWhereBothAreZero) {
   EXPECT_EQ(physics::area_loss(0.0, 0.0), 0.0);
 }
 
-}  // namespace
+}  // namespace cell_geometry_test

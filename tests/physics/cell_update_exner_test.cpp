@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace cell_update_exner_test {
+
 namespace {
 
 constexpr double zero_depth = 1e-3;
@@ -88,3 +90,5 @@ TEST(UpdateExner, ADepthAtTheThresholdIsNotEmptied) {
   c.h = zero_depth;
   EXPECT_EQ(update_exner(c, zero_depth).qx, 0.5);
 }
+
+}  // namespace cell_update_exner_test

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace cell_update_swe_test {
 
 constexpr double zero_depth = 0.01;
 
@@ -149,4 +149,4 @@ TEST(UpdateSwe, ANegativeDepthIsKeptAndStands) {
   EXPECT_EQ(after.free_surface_level, 9.5);
 }
 
-}  // namespace
+}  // namespace cell_update_swe_test

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace cell_update_test {
 
 constexpr double zero_depth = 0.01;
 
@@ -50,4 +50,4 @@ TEST(UpdatedMaxima, AFilmCountsForTheDepthAndNotForTheVelocity) {
   EXPECT_EQ(film.v, 0.0);
 }
 
-}  // namespace
+}  // namespace cell_update_test

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace edge_frame_test {
 
 constexpr double zero_depth = 0.01;
 constexpr physics::Edge oblique{0.6, 0.8, 2.0};
@@ -52,4 +52,4 @@ TEST(EdgeFrame, ABoundarySlotIsThatOfALeftCell) {
   EXPECT_DOUBLE_EQ(slot.qy, -20.0);
 }
 
-}  // namespace
+}  // namespace edge_frame_test

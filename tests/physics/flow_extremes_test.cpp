@@ -5,7 +5,7 @@
 #include <array>
 #include <limits>
 
-namespace {
+namespace flow_extremes_test {
 
 using physics::FlowExtremes;
 
@@ -69,4 +69,4 @@ TEST(FlowExtremes, AStateBeyondTheLargestFroudeNumberIsAFilm) {
   expect(false, 0.5, nan, 0.0, 1e-4);
 }
 
-}  // namespace
+}  // namespace flow_extremes_test

@@ -4,7 +4,7 @@
 
 #include <random>
 
-namespace {
+namespace flow_maxima_test {
 
 using physics::FlowMaxima;
 
@@ -122,4 +122,4 @@ TEST(FlowMaxima, OfAllButNoWaterAreFinite) {
   EXPECT_TRUE(std::isfinite(m.speed_squared));
 }
 
-}  // namespace
+}  // namespace flow_maxima_test

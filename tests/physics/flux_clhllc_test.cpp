@@ -6,6 +6,8 @@
 
 #include "physics/flux_lhllc.hpp"
 
+namespace flux_clhllc_test {
+
 namespace {
 
 constexpr double zero_depth = 1e-3;
@@ -143,3 +145,5 @@ TEST(FluxClhllc, TellsWhichSideIsNotHyperbolic) {
   EXPECT_LT(slots.right_radicand, 0.0);
   EXPECT_TRUE(std::isfinite(slots.left.water.h + slots.left.hs));
 }
+
+}  // namespace flux_clhllc_test

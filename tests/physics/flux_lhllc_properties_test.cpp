@@ -5,7 +5,7 @@
 
 #include "physics/flux_lhllc.hpp"
 
-namespace {
+namespace flux_lhllc_properties_test {
 
 constexpr double zero_depth = 1e-3;
 constexpr double pi = 3.14159265358979323846;
@@ -165,4 +165,4 @@ TEST(FluxLhllcProperties, SlotsTurnWithTheEdgeAndTheFlow) {
   }
 }
 
-}  // namespace
+}  // namespace flux_lhllc_properties_test

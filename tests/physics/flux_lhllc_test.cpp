@@ -4,7 +4,7 @@
 
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace flux_lhllc_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -120,4 +120,4 @@ TEST(FluxLhllc, SupercriticalFlowCarriesTheUpstreamFlux) {
   EXPECT_DOUBLE_EQ(slots.right.qy, 2.0 * 10.0 * k);
 }
 
-}  // namespace
+}  // namespace flux_lhllc_test

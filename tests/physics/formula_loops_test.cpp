@@ -10,6 +10,8 @@
 #include <random>
 #include <vector>
 
+namespace formula_loops_test {
+
 namespace {
 
 using formula_loops::Loops;
@@ -106,3 +108,5 @@ TEST(FormulaLoops, SoilsTakeWhatTheirCellsTakeOneByOne) {
     }
   }
 }
+
+}  // namespace formula_loops_test

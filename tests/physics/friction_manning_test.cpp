@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace friction_manning_test {
 
 TEST(FrictionManning, OpposesTheFlowWithTheSquareOfTheVelocity) {
   // h = 8 m: h^(4/3) = 16. n^2 |q| / (h h^(4/3)) = 0.0016 * 5 / 128 = 6.25e-5, over h again.
@@ -25,4 +25,4 @@ TEST(FrictionManning, ASmoothBedGivesNegativeZero) {
   EXPECT_TRUE(std::signbit(source.qy));
 }
 
-}  // namespace
+}  // namespace friction_manning_test

@@ -6,7 +6,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_bed_flux_test {
 
 using physics::HllBed;
 using physics::HllEdgeState;
@@ -140,4 +140,4 @@ TEST(HllBedFluxOfABoundary, IsWhatIsImposedOnAWetEdge) {
   EXPECT_EQ(imposed(0.5 * zero_depth, -6e-4), 0.0);
 }
 
-}  // namespace
+}  // namespace hll_bed_flux_test

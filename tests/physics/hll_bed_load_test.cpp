@@ -6,7 +6,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_bed_load_test {
 
 using physics::HllBed;
 using physics::PrimitiveWater;
@@ -132,4 +132,4 @@ TEST(HllBedLoad, NoWaveIsFasterThanTheBoundOfTheStep) {
   }
 }
 
-}  // namespace
+}  // namespace hll_bed_load_test

@@ -4,7 +4,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_boundary_test {
 
 using hll_random::Source;
 using hll_random::zero_depth;
@@ -231,4 +231,4 @@ TEST(HllBoundary, BoundsTheStepByTheWavesThatItMaySendIn) {
   EXPECT_EQ(physics::wave_speed_of_level(1.0, 3.0), 0.0);
 }
 
-}  // namespace
+}  // namespace hll_boundary_test

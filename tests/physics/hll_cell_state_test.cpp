@@ -7,7 +7,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_cell_state_test {
 
 constexpr int trials = 2000;
 
@@ -69,4 +69,4 @@ TEST(HllCellState, GivesMoreWhereTheWaterRuns) {
   EXPECT_GT(below, 5.0 * physics::hll_edge_state(state, edges[2]).cap);
 }
 
-}  // namespace
+}  // namespace hll_cell_state_test

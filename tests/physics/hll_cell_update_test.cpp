@@ -4,7 +4,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_cell_update_test {
 
 using hll_random::Source;
 using physics::HllCellStep;
@@ -170,4 +170,4 @@ TEST(UpdateHll, WithoutRoughnessHasTheBitsOfNoFriction) {
   }
 }
 
-}  // namespace
+}  // namespace hll_cell_update_test

@@ -5,7 +5,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_edge_flux_test {
 
 using hll_random::Source;
 using hll_random::zero_depth;
@@ -152,4 +152,4 @@ TEST(HllEdgeFlux, AFilmFeelsTheWholeStepBelowIt) {
   EXPECT_GT(slots.left.qx, 9.81 * 0.01 * 0.5);
 }
 
-}  // namespace
+}  // namespace hll_edge_flux_test

@@ -6,7 +6,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_edge_states_test {
 
 using hll_random::Source;
 using hll_random::zero_depth;
@@ -228,4 +228,4 @@ TEST(HllEdgeStates, MomentumIsKeptOverALevelBed) {
   }
 }
 
-}  // namespace
+}  // namespace hll_edge_states_test

@@ -4,7 +4,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_limited_slope_test {
 
 using hll_random::Source;
 using physics::EdgeValues;
@@ -73,4 +73,4 @@ TEST(LimitedSlope, TurnsItsSignWithThatOfTheDifferences) {
   }
 }
 
-}  // namespace
+}  // namespace hll_limited_slope_test

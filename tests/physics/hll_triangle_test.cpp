@@ -4,7 +4,7 @@
 
 #include "support/hll_random.hpp"
 
-namespace {
+namespace hll_triangle_test {
 
 using hll_random::Source;
 
@@ -100,4 +100,4 @@ TEST(LeastSquaresWeights, WithoutNeighboursAreZero) {
   for (const float weight : {w.x0, w.y0, w.x1, w.y1, w.x2, w.y2}) EXPECT_EQ(weight, 0.0f);
 }
 
-}  // namespace
+}  // namespace hll_triangle_test

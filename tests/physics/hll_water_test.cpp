@@ -7,7 +7,7 @@
 #include "support/edge_side.hpp"
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace hll_water_test {
 
 using support::k;
 constexpr double zero_depth = 1e-6;
@@ -119,4 +119,4 @@ TEST(HllWater, WaveBoundsThatAreNotNumbersLetNothingFlow) {
   EXPECT_EQ(F.Ft, 0.0);
 }
 
-}  // namespace
+}  // namespace hll_water_test

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace {
+namespace infiltration_test {
 
 // psi dtheta = 0.02 m.
 constexpr physics::GreenAmptSoil loam{1e-5, 0.1, 0.2, 0.5, 0.0};
@@ -140,4 +140,4 @@ TEST(SoilStep, HoldsThePondedDepthAndTheRecoveryOfTheStep) {
   EXPECT_DOUBLE_EQ(step.recovery, 1.0 - std::exp(-0.01));
 }
 
-}  // namespace
+}  // namespace infiltration_test

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace initial_water_test {
 
 constexpr double zero_depth = 0.01;
 
@@ -28,4 +28,4 @@ TEST(InitialWater, AFilmKeepsItsDepthAndStandsStill) {
   EXPECT_EQ(physics::initial_water(zero_depth, 0.0, 0.25, -0.5, zero_depth).qx, 0.25);
 }
 
-}  // namespace
+}  // namespace initial_water_test

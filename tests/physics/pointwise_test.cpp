@@ -4,7 +4,7 @@
 
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace pointwise_test {
 
 using support::k;
 constexpr double zero_depth = 0.01;
@@ -55,4 +55,4 @@ TEST(Pointwise, TheTangentialMomentumFluxIsCarriedByTheNormalVelocity) {
   EXPECT_DOUBLE_EQ(physics::mu(3.0, -5.0, 2.0, zero_depth), -7.5);
 }
 
-}  // namespace
+}  // namespace pointwise_test

@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-namespace {
+namespace primitive_water_test {
 
 constexpr double zero_depth = 1e-3;
 
@@ -46,4 +46,4 @@ TEST(CrossingRate, OfADryCellIsZero) {
   EXPECT_EQ(physics::crossing_rate({zero_depth, 0.0, 0.0, 0.0}, 0.25, zero_depth), 0.0);
 }
 
-}  // namespace
+}  // namespace primitive_water_test

@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace {
+namespace rain_test {
 
 constexpr double never = 1e20;  // s
 constexpr double far_end = 1e9;
@@ -114,4 +114,4 @@ TEST(RainAddition, TheLastIntensityLastsForEver) {
   EXPECT_EQ(physics::rain_addition(storm, {1e5, 2, 30.0}, 1e5 + 40.0, 0.0, far_end).depth, 200.0);
 }
 
-}  // namespace
+}  // namespace rain_test

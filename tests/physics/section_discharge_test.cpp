@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-namespace {
+namespace section_discharge_test {
 
 TEST(SectionDischarge, AddsTheNormalDischargeTimesTheLength) {
   // (10 * 0.6 + 5 * 0.8) * 2 = 20 m3/s on top of 7.
@@ -17,4 +17,4 @@ TEST(SectionDischarge, FlowAlongTheEdgeDoesNotCount) {
   EXPECT_EQ(physics::add_edge_discharge(1.0, 0.0, 3.0, {-1.0, 0.0, 5.0}), 1.0);
 }
 
-}  // namespace
+}  // namespace section_discharge_test

@@ -4,7 +4,7 @@
 
 #include "support/unit_wave.hpp"
 
-namespace {
+namespace stable_step_test {
 
 using support::k;
 constexpr double zero_depth = 0.01;
@@ -34,4 +34,4 @@ TEST(StableStepDomain, IsATenthOfTheSmallestLengthWhereNoCellBoundsIt) {
   EXPECT_EQ(physics::stable_step_domain(1e20, 12.0), 1.2);
 }
 
-}  // namespace
+}  // namespace stable_step_test

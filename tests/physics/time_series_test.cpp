@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace time_series_test {
+
 namespace {
 
 TEST(InterpolateLinear, TakesTheSamplesAtTheirTimes) {
@@ -44,3 +46,5 @@ TEST(SampledSeries, IsInterpolatedAndKeepsItsLastValue) {
   EXPECT_EQ(physics::value_of_series(series, 1, 30.0), 6.0);
   EXPECT_EQ(physics::value_of_series(series, 0, 1e9), 6.0);
 }
+
+}  // namespace time_series_test

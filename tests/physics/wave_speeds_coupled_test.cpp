@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace wave_speeds_coupled_test {
+
 namespace {
 
 constexpr double zero_depth = 1e-3;
@@ -71,3 +73,5 @@ TEST(CoupledSpeeds, ADrySideHasNoSpeed) {
   EXPECT_EQ(s.s3, 0.0);
   EXPECT_GE(s.radicand, 0.0);
 }
+
+}  // namespace wave_speeds_coupled_test
