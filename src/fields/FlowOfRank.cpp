@@ -1,6 +1,7 @@
 #include "fields/FlowOfRank.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
 #include <map>
@@ -152,27 +153,28 @@ const ranks::RowPlan& FlowOfRank::row_plan() {
 }
 
 void FlowOfRank::read_rows(const std::vector<Field>& fields, std::vector<double>& values) {
-  const std::size_t own = at(own_part().count());
-  own_values_.resize(own * fields.size());
+  own_values_.resize(at(own_part().count()));
+  const std::size_t rows = row_plan().rows();
+  values.resize(rows * fields.size());
   for (std::size_t k = 0; k < fields.size(); ++k) {
-    fields_->read(fields[k], std::span(own_values_).subspan(k * own, own));
+    fields_->read(fields[k], own_values_);
+    row_plan().send(own_values_, std::span(values).subspan(k * rows, rows), group_);
   }
-  values.resize(row_plan().rows() * fields.size());
-  row_plan().send(own_values_, values, group_);
 }
 
 void FlowOfRank::centres_of_rows(std::vector<double>& values) {
-  const std::size_t own = at(own_part().count());
-  own_values_.resize(3 * own);
-  for (std::size_t k = 0; k < own; ++k) {
-    const Number cell = own_part().in_case(static_cast<Number>(k));
-    const physics::SpacePoint center = part_.contents.mesh.center_of(cell);
-    own_values_[k] = center.x;
-    own_values_[own + k] = center.y;
-    own_values_[2 * own + k] = center.z;
+  constexpr std::array axes = {&physics::SpacePoint::x, &physics::SpacePoint::y,
+                               &physics::SpacePoint::z};
+  own_values_.resize(at(own_part().count()));
+  const std::size_t rows = row_plan().rows();
+  values.resize(rows * axes.size());
+  for (std::size_t axis = 0; axis < axes.size(); ++axis) {
+    for (std::size_t k = 0; k < own_values_.size(); ++k) {
+      const Number cell = own_part().in_case(static_cast<Number>(k));
+      own_values_[k] = part_.contents.mesh.center_of(cell).*axes[axis];
+    }
+    row_plan().send(own_values_, std::span(values).subspan(axis * rows, rows), group_);
   }
-  values.resize(row_plan().rows() * 3);
-  row_plan().send(own_values_, values, group_);
 }
 
 Seen FlowOfRank::see(const Look& look) {

@@ -34,12 +34,10 @@ class RowPlan {
   /// Of all ranks.
   cases::Number rows_of_all() const { return rows_of_all_; }
 
-  /// From columns over the own cells, one behind the other, to the same columns over the own rows.
-  void send(std::span<const double> columns_of_cells, std::span<double> columns_of_rows,
-            Group& group) const;
+  /// From a column over the own cells to that over the own rows.
+  void send(std::span<const double> of_cells, std::span<double> of_rows, Group& group) const;
   /// The way back.
-  void send_back(std::span<const double> columns_of_rows, std::span<double> columns_of_cells,
-                 Group& group) const;
+  void send_back(std::span<const double> of_rows, std::span<double> of_cells, Group& group) const;
 
  private:
   struct Run {
@@ -53,7 +51,6 @@ class RowPlan {
 
   cases::Number rows_of_all_;
   RowBlock rows_;
-  std::size_t cells_;
   std::vector<Run> to_;     ///< who has rows of own cells
   std::vector<Rows> from_;  ///< who has the cells of own rows, ascending
 };

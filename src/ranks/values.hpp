@@ -32,6 +32,58 @@ std::vector<Value> gather_all_plain(Group& group, const Value& own) {
   return all;
 }
 
+/// Numbers, or other values that are their bytes, behind what bytes hold.
+template <class Value>
+void append_values(utils::Bytes& bytes, std::span<const Value> values) {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  const auto added = std::as_bytes(values);
+  bytes.insert(bytes.end(), added.begin(), added.end());
+}
+
+template <class Value>
+std::vector<Value> values_of(const utils::Bytes& bytes) {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  std::vector<Value> values(bytes.size() / sizeof(Value));
+  if (!values.empty()) std::memcpy(values.data(), bytes.data(), bytes.size());
+  return values;
+}
+
+/// Those of messages, in their order.
+template <class Value>
+std::vector<Value> values_end_to_end(std::vector<Message> messages) {
+  static_assert(std::is_trivially_copyable_v<Value>);
+  if (messages.size() == 1) return values_of<Value>(messages.front().bytes);
+  std::size_t count = 0;
+  for (const Message& message : messages) count += message.bytes.size() / sizeof(Value);
+  std::vector<Value> values(count);
+  Value* next = values.data();
+  for (Message& message : messages) {
+    if (message.bytes.empty()) continue;
+    std::memcpy(next, message.bytes.data(), message.bytes.size());
+    next += message.bytes.size() / sizeof(Value);
+    message.bytes = {};
+  }
+  return values;
+}
+
+/// Sums of numbers of every rank, place by place, on all of them. Each rank hears those that stand
+/// above it in a tree of pairs, and tells the one below.
+inline void sum_over_ranks(Group& group, std::vector<std::int64_t>& sums) {
+  const int rank = group.rank();
+  const auto bytes = std::as_writable_bytes(std::span(sums));
+  for (int distance = 1; distance < group.size(); distance *= 2) {
+    if (rank % (2 * distance) != 0) {
+      group.send(bytes, rank - distance);
+      break;
+    }
+    if (rank + distance >= group.size()) continue;
+    std::vector<std::int64_t> above(sums.size());
+    group.receive(std::as_writable_bytes(std::span(above)), rank + distance);
+    for (std::size_t k = 0; k < sums.size(); ++k) sums[k] += above[k];
+  }
+  group.broadcast(bytes);
+}
+
 /// Bytes on their way to other ranks, or from one: the call of a group that moves them.
 using MoveBytes = std::function<void(std::span<std::byte>)>;
 

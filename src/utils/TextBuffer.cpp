@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
+#include <new>
 
 namespace utils {
 
@@ -115,9 +117,22 @@ char* write_general(char* out, double value) {
 
 }  // namespace
 
+// A long text moves without a second copy, and what is never written is never taken.
+void TextBuffer::grow(std::size_t characters) {
+  const std::size_t room = 2 * room_ + characters;
+  void* const larger = std::realloc(memory_.get(), room);
+  if (larger == nullptr) {
+    if (const std::new_handler missing = std::get_new_handler()) missing();
+    throw std::bad_alloc();
+  }
+  static_cast<void>(memory_.release());
+  memory_.reset(static_cast<char*>(larger));
+  room_ = room;
+}
+
 TextBuffer& TextBuffer::operator<<(double value) {
   make_room(longest_number);
-  char* const begin = memory_.data() + size_;
+  char* const begin = memory_.get() + size_;
   char* end = fixed_ ? write_fixed(begin, value) : write_general(begin, value);
   if (end == nullptr) {
     const auto notation = fixed_ ? std::chars_format::fixed : std::chars_format::general;

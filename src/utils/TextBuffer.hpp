@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
-#include <cstring>
-#include <string>
+#include <cstdlib>
+#include <memory>
 #include <string_view>
 
 namespace utils {
@@ -19,27 +19,32 @@ class TextBuffer {
   TextBuffer& operator<<(double value);
   TextBuffer& operator<<(char c) {
     make_room(1);
-    memory_[size_++] = c;
+    memory_.get()[size_++] = c;
     return *this;
   }
   TextBuffer& operator<<(std::string_view text) {
     make_room(text.size());
-    text.copy(memory_.data() + size_, text.size());
+    text.copy(memory_.get() + size_, text.size());
     size_ += text.size();
     return *this;
   }
 
   /// What was written since the buffer was made or cleared; it holds until more is written.
-  std::string_view text() const { return {memory_.data(), size_}; }
+  std::string_view text() const { return {memory_.get(), size_}; }
   void clear() { size_ = 0; }
 
  private:
   void make_room(std::size_t characters) {
-    if (memory_.size() - size_ < characters) memory_.resize(2 * memory_.size() + characters);
+    if (room_ - size_ < characters) grow(characters);
   }
+  void grow(std::size_t characters);
 
-  std::string memory_;    ///< the text and room for more
-  std::size_t size_ = 0;  ///< of the text
+  struct Free {
+    void operator()(char* memory) const { std::free(memory); }
+  };
+
+  std::unique_ptr<char, Free> memory_;  ///< the text, and more of which nothing is written yet
+  std::size_t room_ = 0, size_ = 0;     ///< of the memory, and of the text
   bool fixed_ = false;
 };
 
