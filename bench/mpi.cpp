@@ -15,6 +15,7 @@
 #include "fields/serve.hpp"
 #include "main/environment.hpp"
 #include "ranks/mpi/MpiGroup.hpp"
+#include "utils/memory.hpp"
 
 namespace {
 
@@ -50,6 +51,7 @@ double peak_memory() {
 }  // namespace
 
 int main(int argc, char** argv) {
+  utils::return_large_blocks();  // as the program does
   const ranks::MpiSession session(argc, argv);
   ranks::MpiGroup group;
   if (argc < 2) return 2;
