@@ -9,7 +9,7 @@ namespace engine {
 
 namespace {
 
-constexpr int levels = 16;
+constexpr int levels = HilbertCurve::bits_of_distance / 2;
 constexpr std::uint32_t side = 1U << levels;
 
 /// Distance along the curve of the square (x, y) of a grid of side 2^levels.

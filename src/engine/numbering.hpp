@@ -12,6 +12,8 @@ namespace engine {
 /// The Hilbert curve over an extent (m). Source: Hilbert (1891), Math. Ann. 38.
 class HilbertCurve {
  public:
+  static constexpr int bits_of_distance = 32;  ///< distances are below 2 to the power of that
+
   HilbertCurve(double x_min, double x_max, double y_min, double y_max);
   /// How far along the curve a point lies.
   std::uint64_t distance_of(double x, double y) const;

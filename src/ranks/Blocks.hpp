@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -59,51 +60,21 @@ std::vector<std::pair<int, Value>> exchange_values(Group& group, std::map<int, V
   return received;
 }
 
-/// Asks ranks for what they have under some numbers: answer(number) gives the value of one. The
-/// answers are in the order of `wanted`. Called by all ranks.
-template <class Value, class OwnerOf, class Answer>
-std::vector<Value> ask(Group& group, const std::vector<Number>& wanted, const OwnerOf& owner_of,
-                       const Answer& answer) {
-  std::map<int, std::vector<Number>> questions;
-  for (const Number number : wanted) questions[owner_of(number)].push_back(number);
-  std::map<int, std::vector<Value>> answers;
-  for (const auto& [asking, numbers] : exchange_values(group, std::move(questions))) {
-    std::vector<Value>& own = answers[asking];
-    own.reserve(numbers.size());
-    for (const Number number : numbers) own.push_back(answer(number));
-  }
-  std::map<int, std::vector<Value>> found;
-  for (auto& [rank, values] : exchange_values(group, std::move(answers)))
-    found[rank] = std::move(values);
-  std::map<int, std::size_t> next;
-  std::vector<Value> ordered;
-  ordered.reserve(wanted.size());
-  for (const Number number : wanted) {
-    const int owner = owner_of(number);
-    ordered.push_back(found[owner][next[owner]++]);
-  }
-  return ordered;
-}
-
 /// A column whose entries here follow each other from a first record on, cut anew into blocks.
 /// Called by all ranks.
 template <class Value>
 std::vector<Value> into_blocks(Group& group, const std::vector<Value>& entries, Number first,
                                const Blocks& blocks) {
-  std::map<int, std::vector<Value>> slices;
+  std::vector<Message> slices;
   const Number end = first + static_cast<Number>(entries.size());
   for (Number record = first; record < end;) {
     const int owner = blocks.owner_of(record);
     const Number slice_end = std::min(end, blocks.end(owner));
-    slices[owner].assign(entries.begin() + (record - first), entries.begin() + (slice_end - first));
+    append_values(slices.emplace_back(Message{owner, {}}).bytes,
+                  std::span(entries).subspan(at(record - first), at(slice_end - record)));
     record = slice_end;
   }
-  std::vector<Value> own;
-  own.reserve(at(blocks.size(group.rank())));
-  for (const auto& [sender, slice] : exchange_values(group, std::move(slices))) {
-    own.insert(own.end(), slice.begin(), slice.end());
-  }
-  return own;
+  return values_end_to_end<Value>(group.send_to_some(std::move(slices)));
 }
 
 /// Each once, ascending.

@@ -32,7 +32,7 @@ struct CaseBlocks {
   AreaLoss area_loss;  ///< of all cells on rank 0, of nobody knows which elsewhere
 };
 
-/// The corners under distinct numbers, of whoever has them. Called by all ranks.
+/// The corners under distinct numbers, ascending, of whoever has them. Called by all ranks.
 Corners corners_of(Group& group, const CaseBlocks& blocks, const std::vector<Number>& nodes);
 
 }  // namespace ranks

@@ -13,6 +13,7 @@
 #include "case/mesh_records.hpp"
 #include "case/read_mesh.hpp"
 #include "case/read_series.hpp"
+#include "ranks/SendPlan.hpp"
 #include "ranks/read_piece.hpp"
 #include "ranks/split_files.hpp"
 #include "ranks/values.hpp"
@@ -28,13 +29,6 @@ void pass_over(Source& file, const cases::Records& records, const CaseBlocks& bl
   cases::read_edge_run(
       file, records, blocks.nodes.total(), blocks.cells.total(), edges, [](int) {},
       [](const cases::EdgeRecord&) {});
-}
-
-std::vector<Number> ends_of(const cases::Mesh& edges) {
-  std::vector<Number> nodes = edges.node1;
-  nodes.insert(nodes.end(), edges.node2.begin(), edges.node2.end());
-  make_distinct(nodes);
-  return nodes;
 }
 
 }  // namespace
@@ -113,12 +107,13 @@ void SplitEdges::read_series() {
 }
 
 void SplitEdges::take_corners() {
-  nodes_ = ends_of(blocks_.edges_here);
-  corners_ = corners_of(group_, blocks_, nodes_);
+  const cases::Mesh& edges = blocks_.edges_here;
+  nodes_ = NumberSet({edges.node1, edges.node2});
+  corners_ = corners_of(group_, blocks_, nodes_.numbers());
 }
 
 physics::PlanPoint SplitEdges::corner(Number node) const {
-  const std::size_t k = at(place_among(nodes_, node));
+  const std::size_t k = at(nodes_.place_of(node));
   return {corners_.x[k], corners_.y[k]};
 }
 
@@ -131,7 +126,7 @@ void SplitEdges::check_geometry(const std::string& name) {
     mesh.x = corners_.x;
     mesh.y = corners_.y;
     mesh.z = corners_.z;
-    const Number ends[] = {place_among(nodes_, a), place_among(nodes_, b)};
+    const Number ends[] = {nodes_.place_of(a), nodes_.place_of(b)};
     refuse_record(
         name, piece_, piece_.records.first + edge, cases::overflow_of(mesh, ends), refusal_,
         [&](auto& file, const cases::Records& up_to_it) { pass_over(file, up_to_it, blocks_); });
@@ -141,15 +136,17 @@ void SplitEdges::check_geometry(const std::string& name) {
 
 void SplitEdges::remark_on_edges(std::int64_t refused) {
   const cases::Mesh& edges = blocks_.edges_here;
-  std::vector<Number> cells = edges.left;
-  make_distinct(cells);
-  using Center = std::array<double, 2>;
-  const auto center_of = [&](Number cell) {
-    const auto center = blocks_.contents.mesh.center_of(cell - blocks_.cells.begin(group_.rank()));
-    return Center{center.x, center.y};
-  };
-  const auto owner_of = [&](Number cell) { return blocks_.cells.owner_of(cell); };
-  const std::vector<Center> centers = ask<Center>(group_, cells, owner_of, center_of);
+  const cases::Mesh& mesh = blocks_.contents.mesh;
+  std::vector<double> x(at(mesh.n_cells())), y(x.size());  // of the centres of the cells here
+  for (std::size_t k = 0; k < x.size(); ++k) {
+    const physics::SpacePoint center = mesh.center_of(static_cast<Number>(k));
+    x[k] = center.x;
+    y[k] = center.y;
+  }
+  const NumberSet cells({edges.left});
+  const SendPlan plan = SendPlan::of_wanted(group_, cells.numbers(), blocks_.cells);
+  x = plan.send(x);
+  y = plan.send(y);
 
   auto boundary = edges.boundaries.begin();
   for (Number edge = 0; edge < edges.n_edges(); ++edge) {
@@ -157,10 +154,10 @@ void SplitEdges::remark_on_edges(std::int64_t refused) {
     if (number >= refused) return;
     const bool is_boundary = boundary != edges.boundaries.end() && boundary->edge == edge;
     const Number left = edges.left[at(edge)], right = edges.right[at(edge)];
-    const auto& [x, y] = centers[at(place_among(cells, left))];
+    const std::size_t k = at(cells.place_of(left));
     const cases::EdgeFaults faults =
-        cases::faults_of(corner(edges.node1[at(edge)]), corner(edges.node2[at(edge)]), {x, y, 0.0},
-                         is_boundary, right >= 0);
+        cases::faults_of(corner(edges.node1[at(edge)]), corner(edges.node2[at(edge)]),
+                         {x[k], y[k], 0.0}, is_boundary, right >= 0);
     for (auto& remark :
          cases::remarks_on_edge(number, faults, left, right, is_boundary ? &*boundary : nullptr)) {
       remarks_.add(std::move(remark));
@@ -170,17 +167,23 @@ void SplitEdges::remark_on_edges(std::int64_t refused) {
 }
 
 void SplitEdges::remark_on_cells() {
-  std::map<int, std::vector<Number>> sides;
-  for (const auto* column : {&blocks_.edges_here.left, &blocks_.edges_here.right}) {
+  const cases::Mesh& edges = blocks_.edges_here;
+  const NumberSet set({edges.left, edges.right});
+  std::vector<int> sides(set.size(), 0);
+  for (const auto* column : {&edges.left, &edges.right}) {
     for (const Number cell : *column) {
-      if (cell >= 0) sides[blocks_.cells.owner_of(cell)].push_back(cell);
+      if (cell >= 0) ++sides[at(set.place_of(cell))];
     }
   }
+  std::vector<Number> cells = set.numbers();
+  const SendPlan plan(group_, static_cast<Number>(cells.size()), [&](Number k, const auto& visit) {
+    visit(blocks_.cells.owner_of(cells[at(k)]));
+  });
+  cells = plan.send(cells);
+  sides = plan.send(sides);
   const Number first = blocks_.cells.begin(group_.rank());
   std::vector<int> counts(at(blocks_.cells.size(group_.rank())), 0);
-  for (const auto& [sender, cells] : exchange_values(group_, std::move(sides))) {
-    for (const Number cell : cells) ++counts[at(cell - first)];
-  }
+  for (std::size_t k = 0; k < cells.size(); ++k) counts[at(cells[k] - first)] += sides[k];
   for (std::size_t k = 0; k < counts.size(); ++k) {
     const Number cell = first + static_cast<Number>(k);
     for (auto& remark : cases::remarks_on_edges_of_cell(cell, counts[k])) {

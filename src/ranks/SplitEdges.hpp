@@ -11,6 +11,7 @@
 #include "case/text_pieces.hpp"
 #include "ranks/CaseBlocks.hpp"
 #include "ranks/FirstRefusal.hpp"
+#include "ranks/NumberSet.hpp"
 
 namespace ranks {
 
@@ -66,7 +67,7 @@ class SplitEdges {
   cases::PieceOfRecords piece_{};
   FirstRefusal refusal_;
   std::vector<NamedSeries> series_;  ///< numbered in the order of this rank
-  std::vector<Number> nodes_;        ///< at the ends of the edges, distinct
+  NumberSet nodes_;                  ///< at the ends of the edges
   Corners corners_;                  ///< of these
   Remarks remarks_;
 };

@@ -1,7 +1,6 @@
 #include "ranks/SplitFiles.hpp"
 
 #include <algorithm>
-#include <array>
 #include <map>
 #include <utility>
 
@@ -10,6 +9,8 @@
 #include "case/mesh_records.hpp"
 #include "case/read_fields.hpp"
 #include "case/read_mesh.hpp"
+#include "ranks/NumberSet.hpp"
+#include "ranks/SendPlan.hpp"
 #include "ranks/SplitEdges.hpp"
 #include "ranks/read_piece.hpp"
 #include "ranks/split_files.hpp"
@@ -18,20 +19,9 @@
 namespace ranks {
 
 Corners corners_of(Group& group, const CaseBlocks& blocks, const std::vector<Number>& nodes) {
-  using Corner = std::array<double, 3>;
+  const SendPlan plan = SendPlan::of_wanted(group, nodes, blocks.nodes);
   const Corners& here = blocks.corners;
-  const auto answer = [&](Number node) {
-    const std::size_t k = at(node - blocks.nodes.begin(group.rank()));
-    return Corner{here.x[k], here.y[k], here.z[k]};
-  };
-  const auto owner_of = [&](Number node) { return blocks.nodes.owner_of(node); };
-  Corners corners;
-  for (const auto& [x, y, z] : ask<Corner>(group, nodes, owner_of, answer)) {
-    corners.x.push_back(x);
-    corners.y.push_back(y);
-    corners.z.push_back(z);
-  }
-  return corners;
+  return {plan.send(here.x), plan.send(here.y), plan.send(here.z)};
 }
 
 Number SplitFiles::read_nodes(const std::string& name) {
@@ -66,11 +56,10 @@ Number SplitFiles::read_cells(const std::string& name) {
 
 void SplitFiles::take_corners() {
   cases::Mesh& mesh = blocks_.contents.mesh;
-  std::vector<Number>& nodes = blocks_.node_number;
-  nodes = mesh.cell_nodes;
-  make_distinct(nodes);
-  for (Number& node : mesh.cell_nodes) node = place_among(nodes, node);
-  Corners corners = corners_of(group_, blocks_, nodes);
+  const NumberSet nodes({mesh.cell_nodes});
+  for (Number& node : mesh.cell_nodes) node = nodes.place_of(node);
+  blocks_.node_number = nodes.numbers();
+  Corners corners = corners_of(group_, blocks_, blocks_.node_number);
   mesh.x = std::move(corners.x);
   mesh.y = std::move(corners.y);
   mesh.z = std::move(corners.z);

@@ -32,25 +32,6 @@ TEST(Blocks, OfWhatEveryRankTellsAreKnownToAll) {
   });
 }
 
-TEST(Blocks, AnswerWhoeverAsks) {
-  test_ranks::on_ranks(3, [](ranks::Group& group) {
-    const Blocks blocks(Numbers{5, 0, 5});
-    Numbers wanted = {9, 0, 5, 4, 0};
-    if (group.rank() == 1) wanted = {};
-    const auto answers = ranks::ask<int>(
-        group, wanted, [&](Number number) { return blocks.owner_of(number); },
-        [&](Number number) {
-          EXPECT_EQ(blocks.owner_of(number), group.rank());
-          return 100 * group.rank() + number;
-        });
-    if (group.rank() == 1) {
-      EXPECT_TRUE(answers.empty());
-    } else {
-      EXPECT_EQ(answers, (std::vector<int>{209, 0, 205, 4, 0}));
-    }
-  });
-}
-
 TEST(Blocks, TakeAColumnThatWasCutOtherwise) {
   const Numbers as_read = {0, 7, 1, 2}, wanted = {3, 0, 3, 4};
   test_ranks::on_ranks(4, [&](ranks::Group& group) {

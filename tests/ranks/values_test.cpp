@@ -74,6 +74,17 @@ TEST(ValuesOfRanks, AValueIsSentToOneRank) {
   });
 }
 
+TEST(ValuesOfRanks, NumbersAreSummedUpPlaceByPlace) {
+  for (const int count : {1, 2, 3, 5, 8}) {
+    on_ranks(count, [count](ranks::Group& group) {
+      std::vector<std::int64_t> sums = {group.rank(), 1, std::int64_t{1} << 40};
+      ranks::sum_over_ranks(group, sums);
+      EXPECT_EQ(sums, (std::vector<std::int64_t>{count * (count - 1) / 2, count,
+                                                 count * (std::int64_t{1} << 40)}));
+    });
+  }
+}
+
 TEST(RanksInOneProcess, SendToSomeAndGatherInAnyOrderOfArrival) {
   for (const int count : {1, 2, 3, 5, 7}) {
     on_ranks(count, [](ranks::Group& group) {
