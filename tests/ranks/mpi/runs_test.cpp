@@ -239,6 +239,12 @@ TEST_F(MpiRuns, SayWhatIsWrongOnceAndEndWithTheStatusOfOneProcess) {
   expect_same_end([](Case& c) { c.data.erase("tend"); }, {"--report", "report.json"});
   expect_same_end([](Case&) {}, {"--restart", "nothing"});
   expect_same_end(
+      [](Case& c) {  // ranks have read the mesh for a file that cannot be
+        c.add_snapshots({0.0});
+        c.data["output"]["results"] = "../nodes.txt";
+      },
+      {});
+  expect_same_end(
       [](Case& c) {  // collapses in the middle
         c.west = "-33 surge.txt";
         c.files["surge.txt"] = "2\n0 -0.1\n0.5 -1e14\n";
