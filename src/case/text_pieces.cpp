@@ -98,21 +98,30 @@ void PassageTable::walk_edges(const std::string& name, const TextPiece& piece) {
 void PassageTable::walk_cells(const std::string& name, const TextPiece& piece) {
   TokenWalk walk(name, piece);
   for (std::string_view token; walk.take(token); ++tokens_) {
-    of_cells_.push_back({state_behind(shape_, 0, token), 0});
+    nodes_.push_back(static_cast<std::int32_t>(state_behind(shape_, 0, token)));
   }
-  for (std::int64_t i = tokens_ - 1; i >= 0; --i) {
-    Passage& passage = of_cells_[static_cast<std::size_t>(i)];
-    const std::int64_t next = i + 1 + passage.state;
-    passage =
-        next < tokens_ ? of_cells_[static_cast<std::size_t>(next)] : Passage{next - tokens_, 0};
+  for (std::size_t state = 0; state < of_cells_.size(); ++state) {
+    of_cells_[state] = from_token(static_cast<std::int64_t>(state));
+  }
+}
+
+Passage PassageTable::from_token(std::int64_t token) const {
+  Passage passage;
+  while (token < tokens_) {
+    token += std::int64_t{1} + nodes_[static_cast<std::size_t>(token)];
     ++passage.records;
   }
+  passage.state = token - tokens_;
+  return passage;
 }
 
 Passage PassageTable::from(RecordState state) const {
   if (shape_.kind == RecordShape::Kind::edges) return of_edges_[static_cast<std::size_t>(state)];
   if (state >= tokens_) return {state - tokens_, 0};
-  if (shape_.kind == RecordShape::Kind::cells) return of_cells_[static_cast<std::size_t>(state)];
+  if (shape_.kind == RecordShape::Kind::cells) {
+    const auto first = static_cast<std::size_t>(state);
+    return first < of_cells_.size() ? of_cells_[first] : from_token(state);
+  }
   const std::int64_t tokens = tokens_ - state;
   const std::int64_t records = (tokens + shape_.tokens - 1) / shape_.tokens;
   return {records * shape_.tokens - tokens, records};

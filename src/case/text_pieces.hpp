@@ -43,7 +43,7 @@ struct Passage {
 };
 
 /// Finds what a piece holds before it is known where in a record it begins: for all possible
-/// answers at once. Keeps 16 bytes per token of a file of cells, next to nothing of others.
+/// answers at once. Keeps 4 bytes per token of a file of cells, next to nothing of others.
 class PassageTable {
  public:
   PassageTable(const std::string& name, const TextPiece& piece, const RecordShape& shape);
@@ -57,11 +57,15 @@ class PassageTable {
   void walk_edges(const std::string& name, const TextPiece& piece);
   void walk_cells(const std::string& name, const TextPiece& piece);
   Passage from(RecordState state) const;
+  /// From a token of a file of cells on, as if a record began with it.
+  Passage from_token(std::int64_t token) const;
 
   RecordShape shape_;
   std::int64_t tokens_ = 0;
   std::array<Passage, states_of_edges> of_edges_{};
-  std::vector<Passage> of_cells_;  ///< from every token on, as if a record began with it
+  std::vector<std::int32_t> nodes_;  ///< of the cell that a token of a file of cells would begin
+  /// From the first tokens on, as ranks wait for each other's answers: few cells have more nodes.
+  std::array<Passage, 8> of_cells_{};
 };
 
 /// What a reader takes of a file: the records that begin in its piece.
