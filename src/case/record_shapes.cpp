@@ -22,23 +22,18 @@ std::optional<int> integer_of(std::string_view token) {
   return value;
 }
 
-/// Whether a value or a series follows a code of the edges file.
+}  // namespace
+
 bool takes_argument(std::string_view code) {
   const auto number = integer_of(code);
   const BoundaryKind* const kind = number ? boundary_kind(*number) : nullptr;
   return kind != nullptr && (kind->has_value() || kind->has_series());
 }
 
-RecordState behind_token_of_edge(RecordState read, std::string_view token) {
-  constexpr RecordState before_code = 4, before_argument = 5;
-  if (read < before_code) return read + 1;
-  return read == before_code && takes_argument(token) ? before_argument : 0;
-}
-
-}  // namespace
-
 RecordState state_behind(const RecordShape& shape, RecordState state, std::string_view token) {
-  if (shape.kind == RecordShape::Kind::edges) return behind_token_of_edge(state, token);
+  if (shape.kind == RecordShape::Kind::edges) {
+    return state_behind_of_edge(state, takes_argument(token));
+  }
   if (state > 0) return state - 1;
   if (shape.kind == RecordShape::Kind::fixed) return shape.tokens - 1;
   return std::max(integer_of(token).value_or(0), 0);

@@ -25,6 +25,16 @@ constexpr RecordShape records_of(int tokens) { return {RecordShape::Kind::fixed,
 /// how many tokens of the record it has read, of others, how many are left.
 using RecordState = std::int64_t;
 
+/// Whether a token, as the code of an edge, has another one behind it.
+bool takes_argument(std::string_view code);
+
+/// Where a reader stands behind a token of an edge, which takes an argument if it is the code.
+constexpr RecordState state_behind_of_edge(RecordState state, bool takes_argument) {
+  constexpr RecordState before_code = 4, before_argument = 5;
+  if (state < before_code) return state + 1;
+  return state == before_code && takes_argument ? before_argument : 0;
+}
+
 /// Where a reader stands behind a token. A token that makes no sense at its place counts like any
 /// other: whoever reads the record refuses it.
 RecordState state_behind(const RecordShape& shape, RecordState state, std::string_view token);

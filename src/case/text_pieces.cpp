@@ -88,9 +88,10 @@ void PassageTable::walk_edges(const std::string& name, const TextPiece& piece) {
   for (std::size_t s = 0; s < of_edges_.size(); ++s) of_edges_[s].state = static_cast<int>(s);
   TokenWalk walk(name, piece);
   for (std::string_view token; walk.take(token); ++tokens_) {
+    const bool is_before_argument = takes_argument(token);
     for (Passage& passage : of_edges_) {
       if (passage.state == 0) ++passage.records;
-      passage.state = state_behind(shape_, passage.state, token);
+      passage.state = state_behind_of_edge(passage.state, is_before_argument);
     }
   }
 }
