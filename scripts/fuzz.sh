@@ -19,7 +19,7 @@ bin=$source_folder/build/fuzz/bin
 example=examples/meandering_valley
 mkdir -p "$work"
 
-if ! { cmake --preset fuzz && cmake --build --preset fuzz; } >"$work/build.log" 2>&1; then
+if ! { cmake --preset fuzz && cmake --build --preset fuzz --target fuzzers; } >"$work/build.log" 2>&1; then
   tail -n 60 "$work/build.log" >&2
   echo "scripts/fuzz.sh: the fuzzers were not built, and nothing was checked" >&2
   exit 1

@@ -1,10 +1,12 @@
 // Sets up a complete case, one of whose files is made of any bytes, and computes its first step.
+// The name of the program tells the file: nodes_fuzzer makes nodes.txt.
 #include <unistd.h>
 
 #include <cstdint>
 #include <exception>
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 #include <string>
 
 #include "fuzz/fuzzing.hpp"
@@ -15,7 +17,12 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string fuzzed_file = QUILLMERE_FUZZED_FILE;
+std::string fuzzed_file;
+
+std::string file_of_program(const fs::path& program) {
+  const std::string name = program.filename().string();
+  return name.substr(0, name.find("_fuzzer")) + ".txt";
+}
 
 /// The case with every feature, or that with sediments if the file belongs to it.
 support::Case case_of_file() {
@@ -24,6 +31,7 @@ support::Case case_of_file() {
     c.west = "-3 -0.1";
     c.north = "-5";
     c.data["model"]["name"] = "Bramsett";
+    c.files[fuzzed_file] = c.per_cell("0.5");
     c.data["model"]["sources"] = nlohmann::json::object();
     c.data["model"]["conditions"]["initial sediments level"] = fuzzed_file;
     c.data["model"]["parameters"] = {{"sediments mean grain diameter", 0.002},
@@ -42,6 +50,9 @@ class FuzzedCase {
     case_of_file().write(folder_);
     fs::current_path(folder_.path());
     for (const auto& entry : fs::directory_iterator(".")) inputs_.insert(entry.path().string());
+    if (inputs_.count("./" + fuzzed_file) == 0) {
+      throw std::runtime_error("no case has a file " + fuzzed_file);
+    }
   }
   void run_with(const std::string& text) {
     folder_.write(fuzzed_file, text);
@@ -74,7 +85,8 @@ bool may_do_harm(const std::string& text) {
 
 }  // namespace
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
+extern "C" int LLVMFuzzerInitialize(int*, char*** arguments) {
+  fuzzed_file = file_of_program((*arguments)[0]);
   fuzzing::start();
   return 0;
 }
