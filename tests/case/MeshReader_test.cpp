@@ -31,19 +31,19 @@ class MeshReader : public testing::Test {
 };
 
 using MeshReaderDeathTest = MeshReader;
-using Numbers = std::vector<double>;
+using Record = std::vector<double>;
 using Indices = std::vector<int>;
 
 TEST_F(MeshReader, ReadsNodesWithTheirElevation) {
   utils::MeshReader reader = nodes("2\n0 0 0\n1 0 0.5\n");
   EXPECT_EQ(reader.get_number_of_elements(), 2);
-  EXPECT_EQ(reader.read_next_node(3), (Numbers{0, 0, 0}));
-  EXPECT_EQ(reader.read_next_node(3), (Numbers{1, 0, 0.5}));
+  EXPECT_EQ(reader.read_next_node(3), (Record{0, 0, 0}));
+  EXPECT_EQ(reader.read_next_node(3), (Record{1, 0, 0.5}));
 }
 
 TEST_F(MeshReader, ReadsAsManyCoordinatesAsAreAskedFor) {
   utils::MeshReader reader = nodes("1 1 2 3 4 5");
-  EXPECT_EQ(reader.read_next_node(5), (Numbers{1, 2, 3, 4, 5}));
+  EXPECT_EQ(reader.read_next_node(5), (Record{1, 2, 3, 4, 5}));
 }
 
 TEST_F(MeshReader, ReadsCellsOfAnyNumberOfNodes) {
@@ -95,7 +95,7 @@ TEST_F(MeshReader, AcceptsAnyNegativeRightCellOnABoundary) {
 
 TEST_F(MeshReader, IgnoresWhatFollowsTheLastRecord) {
   utils::MeshReader reader = nodes("1\n1 2 3\n4 5 6\nanything else");
-  EXPECT_EQ(reader.read_next_node(3), (Numbers{1, 2, 3}));
+  EXPECT_EQ(reader.read_next_node(3), (Record{1, 2, 3}));
   EXPECT_THROW(reader.read_next_node(3), utils::OutOfBoundsMeshReaderException);
 }
 

@@ -43,7 +43,7 @@ std::string text_of(const std::vector<Token>& tokens) {
   return text + "\n";
 }
 
-bool is_number(const std::string& word) {
+bool is_numeral(const std::string& word) {
   return word.find_first_not_of("+-.0123456789e") == std::string::npos;
 }
 
@@ -88,7 +88,7 @@ TEST_P(MalformedFile, IsWellFormedToBeginWith) {
 
 TEST_P(MalformedFile, IsRefusedForWordsAndHalfNumbers) {
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (!is_number(tokens[i].word)) continue;
+    if (!is_numeral(tokens[i].word)) continue;
     const std::string word = std::vector<std::string>{"abc", "1,5", "0x1"}[i % 3];
     expect_refusal(run_with(i, word), "\"" + word + "\"", i);
   }
@@ -96,7 +96,7 @@ TEST_P(MalformedFile, IsRefusedForWordsAndHalfNumbers) {
 
 TEST_P(MalformedFile, IsRefusedForNumbersThatAreNotFinite) {
   for (std::size_t i = 0; i < tokens.size(); ++i) {
-    if (!is_number(tokens[i].word)) continue;
+    if (!is_numeral(tokens[i].word)) continue;
     const std::string word = std::vector<std::string>{"nan", "-inf", "1e999"}[i % 3];
     expect_refusal(run_with(i, word), "\"" + word + "\"", i);
   }

@@ -16,7 +16,7 @@ using cases::Number;
 using engine::at;
 using Numbers = std::vector<Number>;
 
-constexpr int cells_per_patch = 64;
+constexpr int cells_of_a_patch = 64;
 
 /// What tables hold of cells and edges, by the numbers in the whole case.
 struct Contents {
@@ -51,11 +51,11 @@ class PartTables : public testing::Test {
     for (std::size_t cell = 0; cell < all.size(); ++cell) all[cell] = static_cast<Number>(cell);
     const cases::Part part = cases::PartCutter(whole).part_of(cells_in_corner(whole.mesh),
                                                               cases::rings_of(whole.scheme));
-    const engine::Tables tables = engine::make_tables(part, team, cells_per_patch);
+    const engine::Tables tables = engine::make_tables(part, team, cells_of_a_patch);
     EXPECT_EQ(tables.place.size(), part.cell_number.size());
     EXPECT_EQ(tables.owned, part.owned);
     EXPECT_LT(part.cell_number.size(), all.size());
-    const engine::Tables of_whole = engine::make_tables(whole, team, cells_per_patch);
+    const engine::Tables of_whole = engine::make_tables(whole, team, cells_of_a_patch);
     expect_within(contents_of(tables, part.cell_number, part.contents.scheme),
                   contents_of(of_whole, all, whole.scheme));
     EXPECT_EQ(tables.h0, of_whole.h0);
@@ -178,7 +178,7 @@ TEST_F(PartTables, HaveAPatchWithItsEdgesAndThoseToGhosts) {
   contents.fields.level = contents.fields.qx = contents.fields.qy = std::vector<double>(10, 1.0);
   engine::ThreadTeam team(1);
   const cases::Part part = cases::PartCutter(contents).part_of(Numbers{3, 4, 5}, 1);
-  const engine::Tables tables = engine::make_tables(part, team, cells_per_patch);
+  const engine::Tables tables = engine::make_tables(part, team, cells_of_a_patch);
   EXPECT_EQ(tables.owned, 3);
   EXPECT_EQ(tables.ghosts().size(), 2);
   ASSERT_EQ(tables.patches.patches.size(), 1U);
@@ -192,7 +192,7 @@ TEST_F(PartTables, HaveAPatchWithItsEdgesAndThoseToGhosts) {
   EXPECT_EQ(tables.patches.cut_edges.left[0], tables.place[cell_2]);
   EXPECT_EQ(tables.patches.cut_edges.right[0], tables.place[cell_3]);
   EXPECT_EQ(tables.boundaries.size(), 6U);  // the walls in the south and north
-  const engine::Tables all = engine::make_tables(contents, team, cells_per_patch);
+  const engine::Tables all = engine::make_tables(contents, team, cells_of_a_patch);
   EXPECT_FALSE(all.patches.patches.front().is_border);
 }
 

@@ -228,11 +228,11 @@ TEST(HllWalkBed, ABumpUnderFastWaterWandersUpstreamAndDoesNotGrow) {
 
 // --- An exact solution ---------------------------------------------------------------------------
 
-struct Errors {
+struct BedErrors {
   double bed, depth;
 };
 
-Errors errors_after(double t_end, int cells_along) {
+BedErrors errors_after(double t_end, int cells_along) {
   const SinkingChannel exact;
   const double layer = 0.5, dx = exact.L / cells_along;
   TriangleGrid grid;
@@ -267,7 +267,7 @@ Errors errors_after(double t_end, int cells_along) {
 
 TEST(HllWalkBed, TheSinkingChannelSinksAsItShould) {
   const double t_end = 900.0, sunk = SinkingChannel::sunk(t_end);
-  const Errors coarse = errors_after(t_end, 25), fine = errors_after(t_end, 50);
+  const BedErrors coarse = errors_after(t_end, 25), fine = errors_after(t_end, 50);
   std::printf("bed: %.3g %% and %.3g %% of the sinking\n", 100.0 * coarse.bed / sunk,
               100.0 * fine.bed / sunk);
   EXPECT_LT(fine.bed, 0.1 * sunk);

@@ -14,7 +14,7 @@ std::string some_bytes(std::size_t count) {
   return bytes;
 }
 
-std::uint64_t sum_of(const std::string& bytes, std::uint64_t first = 0) {
+std::uint64_t word_sum_of(const std::string& bytes, std::uint64_t first = 0) {
   utils::WordSum sum;
   sum.add(first, bytes.data(), bytes.size());
   return sum.value();
@@ -28,7 +28,7 @@ TEST(WordSum, KnowsNoOrderOfPieces) {
   sum.add(70, bytes.data() + 280, 120);
   sum.add(0, bytes.data(), 12);
   sum.add(3, bytes.data() + 12, 268);
-  EXPECT_EQ(sum.value(), sum_of(bytes));
+  EXPECT_EQ(sum.value(), word_sum_of(bytes));
 }
 
 TEST(WordSum, ShowsAnyChangeAndAnyOtherPlace) {
@@ -36,11 +36,11 @@ TEST(WordSum, ShowsAnyChangeAndAnyOtherPlace) {
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     std::string changed = bytes;
     changed[i] ^= static_cast<char>(1 << (i % 8));
-    EXPECT_NE(sum_of(changed), sum_of(bytes)) << i;
+    EXPECT_NE(word_sum_of(changed), word_sum_of(bytes)) << i;
   }
   std::string swapped = bytes;
   swapped.replace(0, 4, bytes, 200, 4).replace(200, 4, bytes, 0, 4);
-  EXPECT_NE(sum_of(swapped), sum_of(bytes));
-  EXPECT_NE(sum_of(bytes, 1), sum_of(bytes));
-  EXPECT_NE(sum_of(std::string(8, '\0')), sum_of(std::string(4, '\0')));
+  EXPECT_NE(word_sum_of(swapped), word_sum_of(bytes));
+  EXPECT_NE(word_sum_of(bytes, 1), word_sum_of(bytes));
+  EXPECT_NE(word_sum_of(std::string(8, '\0')), word_sum_of(std::string(4, '\0')));
 }

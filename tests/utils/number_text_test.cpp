@@ -14,11 +14,11 @@
 
 namespace {
 
-constexpr double largest = std::numeric_limits<double>::max();
+constexpr double largest_double = std::numeric_limits<double>::max();
 
 TEST(NumberText, IsThatOfAStream) {
   for (const double value : {0.0, -0.0, 1.0, -2.5, 1e5, 1e6, 123456789.0, 1e-5, 0.1, 1.0 / 3.0,
-                             largest, std::numeric_limits<double>::denorm_min(), HUGE_VAL}) {
+                             largest_double, std::numeric_limits<double>::denorm_min(), HUGE_VAL}) {
     for (const int digits : {3, 6, 12, 15}) {
       std::ostringstream stream;
       stream.precision(digits);
