@@ -92,6 +92,16 @@ TEST_F(Signals, EndTheRunAfterItsStepWithCompleteResults) {
   }
 }
 
+TEST_F(Signals, ReachARunOfTestsThatAScriptStartsInTheBackground) {
+  c.write(folder);
+  const auto before = std::signal(SIGINT, SIG_IGN);
+  RunningProgram program(folder.path(), arguments, {.time_limit = 20.0});
+  std::signal(SIGINT, before);
+  pause_until([&] { return !lines(folder.read("passes.txt")).empty(); });
+  program.send(SIGINT);
+  EXPECT_EQ(program.wait().status, 128 + SIGINT);
+}
+
 TEST_F(Signals, EndARunAtOnceTheSecondTime) {
   c.data["output"]["time step enveloppe of results"] = 1e9;
   const Pipe pipe(folder.file("passes.txt"));

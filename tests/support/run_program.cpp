@@ -31,10 +31,17 @@ std::string text_of(int file) {
   return text;
 }
 
+/// A script that starts the tests in the background lets them ignore some of these; the program would
+/// as well, and run on however often it is told to end.
+void take_signals() {
+  for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) signal(signal_number, SIG_DFL);
+}
+
 /// Turns the child process into the program.
 [[noreturn]] void become_program(const std::string& folder, std::vector<char*> arguments, int in,
                                  int out, int err, const RunOptions& options) {
   constexpr int cannot_run = 127;
+  take_signals();
   dup2(in, STDIN_FILENO);
   dup2(out, STDOUT_FILENO);
   dup2(err, STDERR_FILENO);
