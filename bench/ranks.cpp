@@ -1,9 +1,10 @@
 // Steps of a case on ranks that are threads of this process, as many as there may be:
 // bench_ranks FOLDER RANKS STEPS [fixed]. With "fixed" the cells keep the ranks that they start
 // with. Prints cells, ranks, steps, imbalance (time of the busiest rank over the mean, by the time
-// that threads have a core, from look to look), that of the second half, how often cells were
-// shared out anew, and per step: the messages of a rank and its bytes, both as means, reductions,
-// and orders of rank 0.
+// that threads have a core, from look to look), that of the second half, that of the cells that
+// ranks computed, how often cells were shared out anew, the time that this took the busiest rank
+// over that of the steps of all in the mean, and per step: the messages of a rank and its bytes,
+// both as means, reductions, and orders of rank 0.
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -39,25 +40,24 @@ void run(const cases::Case& contents, ranks::Group& group, int steps, bool are_b
   fields::RanksFlow flow(contents, diagnostics, request, threads, {});
   fields::Clock clock = fields::clock_at_start(contents, flow);
   counts.reset();
-  double busiest_before = 0.0, mean_before = 0.0;
+  ranks::Uneven first_half;
   while (clock.steps < steps && clock.t < contents.t_end) {
     flow.leave_alone_until(clock.steps + 1 < steps ? contents.t_end : clock.t);
     fields::advance(flow, contents, clock);
-    if (clock.steps > steps / 2 && mean_before == 0.0) {
-      busiest_before = flow.balance().busiest();
-      mean_before = flow.balance().mean();
-    }
+    if (clock.steps > steps / 2 && first_half.mean == 0.0) first_half = flow.balance().seconds();
   }
-  const double of_second_half =
-      (flow.balance().busiest() - busiest_before) / (flow.balance().mean() - mean_before);
+  const ranks::Balance& balance = flow.balance();
+  const ranks::Uneven &all = balance.seconds(), &cells = balance.cells();
+  const double of_second_half = (all.largest - first_half.largest) / (all.mean - first_half.mean);
   const auto per_step = [&](long count) {
     return static_cast<double>(count) / static_cast<double>(clock.steps);
   };
   const fields::ExecutionPath path = flow.execution_path();
-  std::printf("%d %d %ld %.4f %.4f %d %.3f %.1f %.3f %.3f\n", contents.mesh.n_cells(), path.ranks,
-              clock.steps, path.imbalance, of_second_half, path.recuts,
-              per_step(counts.messages) / path.ranks, per_step(counts.bytes) / path.ranks,
-              per_step(counts.reductions), per_step(counts.orders));
+  std::printf("%d %d %ld %.4f %.4f %.4f %d %.4f %.3f %.1f %.3f %.3f\n", contents.mesh.n_cells(),
+              path.ranks, clock.steps, path.imbalance, of_second_half, cells.imbalance(),
+              path.recuts, balance.moving() / all.mean, per_step(counts.messages) / path.ranks,
+              per_step(counts.bytes) / path.ranks, per_step(counts.reductions),
+              per_step(counts.orders));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "case/Case.hpp"
@@ -43,6 +44,9 @@ struct Part {
   std::vector<Number> boundary_number;  ///< the same of mesh.boundaries
   std::vector<Number> border;           ///< own cells that are ghosts of others, in its own numbers
   CaseScales scales;                    ///< of the whole case
+  /// Of the own cells: those of a lower band come first in the tables, as they are likely to take
+  /// part in steps together. Empty: all are alike.
+  std::vector<std::uint8_t> band;
 
   Number ghosts() const { return static_cast<Number>(cell_number.size()) - owned; }
   /// The own cell that has a number in the whole case; -1: another part has it.
@@ -55,7 +59,7 @@ struct Part {
   template <class Self, class Visit>
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.contents, self.owned, self.cell_number, self.edge_number, self.node_number,
-          self.boundary_number, self.border, self.scales);
+          self.boundary_number, self.border, self.scales, self.band);
   }
 };
 

@@ -69,7 +69,7 @@ void Activity::find_rain(const Tables& tables) {
 void Activity::find(const Tables& tables, bool it_rains) {
   const std::vector<Patch>& patches = tables.patches.patches;
   for (std::size_t p = 0; p < patches.size(); ++p) {
-    marks_[p] = can_change_[p] != 0 || always_active_[p] != 0 || (it_rains && has_rain_[p] != 0);
+    marks_[p] = can_change_[p] != 0 || needs_no_water(static_cast<int>(p), it_rains);
   }
   gone_to_rest_.swap(active_);  // those of the step before, for now
   active_.clear();

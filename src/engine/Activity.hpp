@@ -31,6 +31,10 @@ class Activity {
   const std::vector<char>& marks() const { return marks_; }  ///< of those that take part
   const std::vector<char>& always_active() const { return always_active_; }
   const std::vector<char>& with_rain() const { return has_rain_; }
+  /// Whether a patch takes part even where all is dry.
+  bool needs_no_water(int patch, bool it_rains) const {
+    return always_active_[at(patch)] != 0 || (it_rains && has_rain_[at(patch)] != 0);
+  }
   bool can_change(int patch) const { return can_change_[at(patch)] != 0; }
   /// Goes on after a step that was computed elsewhere.
   void set(std::vector<char> marks, std::vector<char> can_change);

@@ -56,7 +56,7 @@ Engine::Engine(const cases::Case& contents, const cases::Part* part, Exchange& e
   step_.dry_step = tables_.dry_step;
   step_.porosity = tables_.porosity;
   step_.grains = tables_.grains;
-  if (&exchange_ != &alone_) meter_.emplace(tables_.patches.patches.size());
+  if (&exchange_ != &alone_) meter_.emplace();
 }
 
 bool Engine::advance_alone(RunClock& clock, const StepLimits& limits) {
@@ -107,7 +107,7 @@ double Engine::advance_on_host(const StepTimes& times, const Wishes& own) {
   host_->finish_step(activity_);
   if (meter_) {
     meter_->end_work();
-    meter_->end_step(activity_.patches());
+    meter_->end_step(cells_of_step());
   }
   if (!host_->works_in_place()) halo_.start(tables_);
   start_minimum(bounded_by_boundaries(physics::smaller(of_border, of_interior), times.t + times.dt),
@@ -128,13 +128,21 @@ double Engine::advance_on_device(const StepTimes& times, const Wishes& own) {
   const double smallest = device_->finish_step();
   if (meter_) {
     meter_->end_work();
-    meter_->end_step(activity_.patches());
+    meter_->end_step(cells_of_step());
   }
   start_minimum(bounded_by_boundaries(smallest, times.t + times.dt), own);
   exchange_.finish_halo();
   tables_.drop_given_surface();
   device_->take_ghosts();
   return agree_on_step();
+}
+
+int Engine::cells_of_step() const {
+  int cells = 0;
+  for (const int patch : activity_.patches()) {
+    cells += tables_.patches.patches[at(patch)].cells.size();
+  }
+  return cells;
 }
 
 double Engine::agree_on_step() {
@@ -244,14 +252,19 @@ std::size_t Engine::place_at_hand(cases::Number cell) const {
   return at(place);
 }
 
-void Engine::read_work(std::span<double> values) const {
-  std::vector<int> cells;
-  for (const Patch& patch : tables_.patches.patches) cells.push_back(patch.cells.size());
-  const std::vector<double> of_patches = meter_->seconds_per_cell(cells);
-  for (int k = 0; k < tables_.owned; ++k) {
-    const int place = tables_.place[at(k)];
-    values[at(k)] = of_patches[at(place / tables_.cells_per_patch())];
+std::vector<char> Engine::busy() {
+  if (device_) device_->bring_forcing_home();
+  std::vector<double> depths(at(tables_.owned));
+  read(tables_.cells.h, depths);
+  std::vector<char> busy;
+  busy.reserve(depths.size());
+  for (std::size_t k = 0; k < depths.size(); ++k) {
+    const int patch = tables_.place[k] / tables_.cells_per_patch();
+    const bool is_busy = physics::is_wet(depths[k], tables_.zero_depth) ||
+                         activity_.needs_no_water(patch, forcing_.it_rains());
+    busy.push_back(is_busy ? 1 : 0);
   }
+  return busy;
 }
 
 BoundaryInflow Engine::boundary_inflow(int boundary) const {

@@ -114,11 +114,10 @@ class Engine {
   const char* instruction_set() const { return backend().instruction_set(); }
   /// What a report calls the path: tables, or device.
   const char* path() const { return device_ ? "device" : "tables"; }
-  /// Of one of several ranks: ends a window of steps, see WorkMeter; for how long they have kept
-  /// this rank busy, s.
-  double end_window() { return meter_->end_window(); }
-  /// What the owned cells cost in the last window, in the order of their numbers, s.
-  void read_work(std::span<double> values) const;
+  /// Of one of several ranks: ends a window of steps, see WorkMeter.
+  Work end_window() { return meter_->end_window(); }
+  /// For every owned cell: whether it is wet, or is computed whether there is water or not.
+  std::vector<char> busy();
   /// Patches that the last step computed.
   int active_patches() const { return static_cast<int>(activity_.patches().size()); }
 
@@ -140,6 +139,8 @@ class Engine {
   double advance_on_host(const StepTimes& times, const Wishes& own);
   double advance_on_device(const StepTimes& times, const Wishes& own);
   double advance_patches(const std::vector<int>& patches);
+  /// That the step has computed.
+  int cells_of_step() const;
   /// Ends a step, once all ranks have told their smallest one; that of the whole domain, s.
   double agree_on_step();
   /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.

@@ -1,6 +1,8 @@
 // Builds the tables of a case, or of a part of one.
 #include <algorithm>
+#include <cstdint>
 #include <numeric>
+#include <span>
 
 #include "case/boundary_kinds.hpp"
 #include "case/initial_state.hpp"
@@ -16,12 +18,14 @@ namespace {
 
 using cases::Number;
 
+using Bands = std::span<const std::uint8_t>;  ///< see cases::Part
+
 /// The cells of a mesh in the order of the tables: the first of them, which are owned, in that of
 /// their patches, then the ghosts as they come.
-std::vector<int> order_of_cells(const cases::Mesh& mesh, int owned, int cells_per_patch,
-                                ThreadTeam& team) {
+std::vector<int> order_of_cells(const cases::Mesh& mesh, int owned, const Bands& bands,
+                                int cells_per_patch, ThreadTeam& team) {
   const CentersOfCells centers = centers_of(mesh, owned, team);
-  std::vector<int> order = order_by_swept_runs(centers.x, centers.y, cells_per_patch, team);
+  std::vector<int> order = order_by_swept_runs(centers.x, centers.y, bands, cells_per_patch, team);
   order.resize(at(mesh.n_cells()));
   std::iota(order.begin() + owned, order.end(), owned);
   return order;
@@ -192,8 +196,8 @@ void list_soils(Tables& tables) {
 }
 
 /// All but the scales, of the first cells of a case; the others are their ghosts.
-Tables make_tables_of_first(int owned, const cases::Case& contents, ThreadTeam& team,
-                            int cells_per_patch) {
+Tables make_tables_of_first(int owned, const cases::Case& contents, const Bands& bands,
+                            ThreadTeam& team, int cells_per_patch) {
   Tables tables;
   const cases::Mesh& mesh = contents.mesh;
   tables.has_bed = contents.has_sediments;
@@ -205,7 +209,7 @@ Tables make_tables_of_first(int owned, const cases::Case& contents, ThreadTeam& 
   tables.owned = owned;
   if (cells_per_patch == 0) cells_per_patch = cells_per_patch_for(owned, team.size());
 
-  const std::vector<int> order = order_of_cells(mesh, owned, cells_per_patch, team);
+  const std::vector<int> order = order_of_cells(mesh, owned, bands, cells_per_patch, team);
   tables.place = places_of(order);
   tables.patches = make_patches(mesh, tables.place, owned, cells_per_patch, team);
   CellColumnsOfCase columns(contents, order, tables);
@@ -236,13 +240,14 @@ double imposed_by(int code, double value, const Tables& tables, int place) {
 }
 
 Tables make_tables(const cases::Case& contents, ThreadTeam& team, int cells_per_patch) {
-  Tables tables = make_tables_of_first(contents.mesh.n_cells(), contents, team, cells_per_patch);
+  Tables tables =
+      make_tables_of_first(contents.mesh.n_cells(), contents, {}, team, cells_per_patch);
   set_scales(scales_of_cells(tables), contents.scheme, tables);
   return tables;
 }
 
 Tables make_tables(const cases::Part& part, ThreadTeam& team, int cells_per_patch) {
-  Tables tables = make_tables_of_first(part.owned, part.contents, team, cells_per_patch);
+  Tables tables = make_tables_of_first(part.owned, part.contents, part.band, team, cells_per_patch);
   set_scales(part.scales, part.contents.scheme, tables);
   mark_border(tables, part.border);
   rename_edges(tables.patches, part.edge_number);

@@ -107,8 +107,14 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
 }
 
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
-                                     int run, ThreadTeam& team) {
+                                     std::span<const std::uint8_t> bands, int run,
+                                     ThreadTeam& team) {
   std::vector<int> order = order_along_hilbert_curve(x, y, team);
+  if (!bands.empty()) {
+    std::stable_sort(order.begin(), order.end(), [&](int i, int j) {
+      return bands[static_cast<std::size_t>(i)] < bands[static_cast<std::size_t>(j)];
+    });
+  }
   const std::size_t runs =
       (order.size() + static_cast<std::size_t>(run) - 1) / static_cast<std::size_t>(run);
   team.run([&](int member) {

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "engine/ThreadTeam.hpp"
@@ -31,8 +32,10 @@ std::vector<int> order_along_hilbert_curve(const std::vector<double>& x,
 /// The same points in runs of a length along that curve, each run swept from one end of its longer
 /// extent to the other. Sides of the edges of a run then come from two windows that move through
 /// memory together, which the processor fetches ahead; along the curve alone they jump.
+/// Points of a lower band come first; without bands all are alike.
 std::vector<int> order_by_swept_runs(const std::vector<double>& x, const std::vector<double>& y,
-                                     int run, ThreadTeam& team);
+                                     std::span<const std::uint8_t> bands, int run,
+                                     ThreadTeam& team);
 
 /// Where each of the numbers stands in an order of all of them.
 std::vector<int> places_of(const std::vector<int>& order);

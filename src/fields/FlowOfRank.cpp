@@ -234,39 +234,45 @@ void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<doub
   whole_.gather_some(places, own_values_, values);
 }
 
-std::vector<double> FlowOfRank::seconds_of_ranks() {
+std::vector<engine::Work> FlowOfRank::work_of_ranks() {
   return ranks::gather_all_plain(group_, engine_->end_window());
 }
 
-std::vector<ranks::CurvePlace> FlowOfRank::places_along_curve() {
-  const cases::Mesh& mesh = part_.contents.mesh;
-  std::vector<physics::SpacePoint> centers;
-  centers.reserve(at(mesh.n_cells()));
-  for (Number cell = 0; cell < mesh.n_cells(); ++cell) centers.push_back(mesh.center_of(cell));
-  const engine::HilbertCurve curve = ranks::curve_over(group_, centers);
-  std::vector<ranks::CurvePlace> places;
-  places.reserve(centers.size());
-  for (std::size_t k = 0; k < centers.size(); ++k) {
-    places.push_back({curve.distance_of(centers[k].x, centers[k].y), part_.cell_number[k]});
-  }
-  return places;
+void FlowOfRank::lay_plots() {
+  auto laid = std::make_shared<Plots>(Plots{ranks::squares_over(group_, part_), {}, {}});
+  const std::vector<int> of_cells = ranks::squares_of(laid->squares, part_);
+  laid->cells.assign(at(laid->squares.count()), 0);
+  for (Number cell = 0; cell < part_.owned; ++cell) ++laid->cells[at(of_cells[at(cell)])];
+  ranks::add_up_on_first(group_, laid->cells);
+  if (is_first()) laid->along_curve = laid->squares.along_curve();
+  plots_ = std::move(laid);
 }
 
-ranks::CutCurve FlowOfRank::even_cuts() {
-  own_values_.resize(at(part_.owned));
-  engine_->read_work(own_values_);
-  const std::vector<ranks::CurvePlace> places = places_along_curve();
-  std::vector<ranks::WeighedCell> cells;
-  cells.reserve(own_values_.size());
-  for (std::size_t k = 0; k < own_values_.size(); ++k) cells.push_back({places[k], own_values_[k]});
-  return ranks::cuts_by_weight(group_, std::move(cells));
+NewDeal FlowOfRank::deal_anew() {
+  if (!plots_) lay_plots();
+  if (square_of_cell_.empty()) square_of_cell_ = ranks::squares_of(plots_->squares, part_);
+  const std::vector<char> is_busy = engine_->busy();
+  std::vector<int> busy(at(plots_->squares.count()), 0);
+  for (std::size_t k = 0; k < is_busy.size(); ++k) busy[at(square_of_cell_[k])] += is_busy[k];
+  const std::vector<double> of_ranks = ranks::gather_all_plain(
+      group_, static_cast<double>(std::count(is_busy.begin(), is_busy.end(), 1)));
+  ranks::add_up_on_first(group_, busy);
+  if (!is_first()) return {};
+  const ranks::CellsOfSquares cells = {plots_->cells, std::move(busy)};
+  NewDeal found{ranks::deal_out_cells(plots_->squares, plots_->along_curve, cells, group_.size()),
+                ranks::imbalance_of(of_ranks), 0.0};
+  found.imbalance = ranks::imbalance_of(ranks::loads_of(found.deal, cells, group_.size()));
+  return found;
 }
 
-std::vector<int> FlowOfRank::owners_by(const ranks::CutCurve& cuts) {
-  std::vector<int> owners;
-  for (const ranks::CurvePlace& place : places_along_curve())
-    owners.push_back(cuts.owner_of(place));
-  return owners;
+void FlowOfRank::set_bands(const ranks::Deal& deal, cases::Part& part) const {
+  if (deal.bands.empty()) return;
+  part.band = cases::entries_of(deal.bands, ranks::squares_of(plots_->squares, part));
+  part.band.resize(at(part.owned));
+}
+
+std::vector<int> FlowOfRank::owners_by(const ranks::Deal& deal) const {
+  return cases::entries_of(deal.owners, square_of_cell_);
 }
 
 CellState FlowOfRank::state(Number cell) {
@@ -330,6 +336,7 @@ void FlowOfRank::move_to(FlowOfRank& next, const std::vector<int>& owners) {
     next.watch();
     next.engine_->load_notes(*moved.notes);
   }
+  next.plots_ = plots_;
   if (looks_) next.looks().go_on_from(*looks_, std::move(moved.infiltrated));
 }
 
@@ -345,9 +352,10 @@ NewRanks FlowOfRank::new_ranks_of_own(const std::vector<int>& owners) const {
 namespace {
 
 bool go_on_with(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
-                const RanksPlan& plan, ranks::Group& group) {
+                const ranks::Deal& deal, const RanksPlan& plan, ranks::Group& group) {
   std::optional<ranks::Share> share = ranks::share_anew(group, flow->part(), owners);
   if (!share) return false;
+  flow->set_bands(deal, share->part);
   auto next = std::make_unique<FlowOfRank>(std::move(*share), plan, group);
   if (next->start().outcome != Outcome::good) return false;
   flow->move_to(*next, owners);
@@ -355,15 +363,25 @@ bool go_on_with(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owner
   return true;
 }
 
+Recut measured_recut(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
+                     const ranks::Deal& deal, const RanksPlan& plan, ranks::Group& group) {
+  const double begun = engine::seconds_of_thread();
+  const bool is_done = go_on_with(flow, owners, deal, plan, group);
+  const std::vector<double> seconds =
+      ranks::gather_all_plain(group, engine::seconds_of_thread() - begun);
+  return {is_done, *std::max_element(seconds.begin(), seconds.end())};
+}
+
 }  // namespace
 
 Recut recut(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
             const RanksPlan& plan, ranks::Group& group) {
-  const double begun = engine::seconds_of_thread();
-  const bool is_done = go_on_with(flow, owners, plan, group);
-  const std::vector<double> seconds =
-      ranks::gather_all_plain(group, engine::seconds_of_thread() - begun);
-  return {is_done, *std::max_element(seconds.begin(), seconds.end())};
+  return measured_recut(flow, owners, {}, plan, group);
+}
+
+Recut recut(std::unique_ptr<FlowOfRank>& flow, const ranks::Deal& deal, const RanksPlan& plan,
+            ranks::Group& group) {
+  return measured_recut(flow, flow->owners_by(deal), deal, plan, group);
 }
 
 }  // namespace fields

@@ -20,7 +20,7 @@
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
 #include "ranks/RowPlan.hpp"
-#include "ranks/cuts_by_weight.hpp"
+#include "ranks/deal_out_cells.hpp"
 #include "ranks/share_of.hpp"
 
 namespace fields {
@@ -49,6 +49,12 @@ struct RankStart {
   static void visit_parts(Self& self, const Visit& visit) {
     visit(self.outcome, self.trouble, self.threads, self.run_on);
   }
+};
+
+/// How cells might be dealt out anew, and what it changes.
+struct NewDeal {
+  ranks::Deal deal = {};
+  double imbalance_before = 1.0, imbalance = 1.0;  ///< by the numbers of busy cells
 };
 
 /// Every function is called on all ranks, in the same order. What it reads of the flow is there on
@@ -80,15 +86,15 @@ class FlowOfRank {
   /// where its cells, ghosts included, have these owners. This one is not used any more.
   void move_to(FlowOfRank& next, const std::vector<int>& owners);
 
-  /// For how long the steps have kept every rank busy since the last call, s; without waiting for
-  /// each other. On all ranks.
-  std::vector<double> seconds_of_ranks();
-  /// Where ranks would have to cut the curve over all cells to have had the same to do between the
-  /// last two calls of that. On all ranks.
-  ranks::CutCurve even_cuts();
-  /// The ranks that the cells, ghosts included, get by cuts of that curve. On all ranks.
-  std::vector<int> owners_by(const ranks::CutCurve& cuts);
-  /// The same of owners of all cells of the whole case.
+  /// What every rank has done in the steps since the last call. On all ranks.
+  std::vector<engine::Work> work_of_ranks();
+  /// How the cells would be dealt out by where the water is; on rank 0, elsewhere anything.
+  NewDeal deal_anew();
+  /// The ranks that the cells, ghosts included, get by such a deal.
+  std::vector<int> owners_by(const ranks::Deal& deal) const;
+  /// The bands of a part that follows from it.
+  void set_bands(const ranks::Deal& deal, cases::Part& part) const;
+  /// The ranks of the cells here, of owners of all cells of the whole case.
   std::vector<int> owners_by(const std::vector<int>& of_all) const {
     return cases::entries_of(of_all, part_.cell_number);
   }
@@ -143,8 +149,12 @@ class FlowOfRank {
   /// Numbers of the own cells and boundaries in the whole case.
   Entries numbers_of_own() const;
   NewRanks new_ranks_of_own(const std::vector<int>& owners) const;
-  /// Of all cells, ghosts included. On all ranks.
-  std::vector<ranks::CurvePlace> places_along_curve();
+  /// The squares by which cells are dealt out, from the first time on.
+  struct Plots {
+    ranks::Squares squares;
+    std::vector<int> cells, along_curve;  ///< how many each holds, and an order of them; on rank 0
+  };
+  void lay_plots();
   void gather_not_hyperbolic();
   /// That of the own cells and boundaries.
   void save_own(engine::State& state);
@@ -166,6 +176,8 @@ class FlowOfRank {
   std::unique_ptr<FlowPart> own_part_;
   std::unique_ptr<PartLooks> looks_;  ///< null: nobody has looked yet
   std::optional<ranks::RowPlan> row_plan_;
+  std::shared_ptr<const Plots> plots_;
+  std::vector<int> square_of_cell_;  ///< ghosts included; empty: nobody has asked yet
   bool is_watched_ = false;
   RankStart start_;
   std::optional<engine::NotHyperbolic> not_hyperbolic_;
@@ -184,5 +196,8 @@ struct Recut {
 /// the cells here, ghosts included, if all can start so.
 Recut recut(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
             const RanksPlan& plan, ranks::Group& group);
+/// The same by a deal that follows from its last one.
+Recut recut(std::unique_ptr<FlowOfRank>& flow, const ranks::Deal& deal, const RanksPlan& plan,
+            ranks::Group& group);
 
 }  // namespace fields

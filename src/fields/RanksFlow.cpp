@@ -120,16 +120,17 @@ double RanksFlow::stable_step(double t) {
 
 void RanksFlow::look_at_balance() {
   tell(waiting_ranks(), {Task::weigh_ranks});
-  balance_->add_look(part_->seconds_of_ranks());
+  balance_->add_look(part_->work_of_ranks());
   if (are_balanced_ && balance_->is_time()) move_cells();
 }
 
 void RanksFlow::move_cells() {
-  tell(waiting_ranks(), {Task::find_cuts});
-  const ranks::CutCurve cuts = part_->even_cuts();
-  if (!balance_->pays(cuts.weights)) return;
-  tell(waiting_ranks(), {Task::follow_cuts});
-  const Recut recut = fields::recut(part_, part_->owners_by(cuts), plan_, *group_);
+  tell(waiting_ranks(), {Task::deal_anew});
+  const NewDeal found = part_->deal_anew();
+  if (!balance_->pays(found.imbalance_before, found.imbalance)) return;
+  tell(waiting_ranks(), {Task::follow_deal});
+  ranks::broadcast_out(*group_, found.deal);
+  const Recut recut = fields::recut(part_, found.deal, plan_, *group_);
   are_balanced_ = recut.is_done;  // where that failed once it would fail again
   if (recut.is_done) ++recuts_;
   balance_->has_moved(recut.seconds);
@@ -155,6 +156,8 @@ double RanksFlow::advance(const StepTimes& times) {
 }
 
 void RanksFlow::start_steps(const StepTimes& times) {
+  if (!has_started_ && are_balanced_) move_cells();
+  has_started_ = true;
   if (steps_since_look_ >= ranks::Balance::steps_between_looks) {
     look_at_balance();
     steps_since_look_ = 0;
@@ -253,7 +256,7 @@ ExecutionPath RanksFlow::execution_path() const {
           part_->engine().instruction_set(),
           group_->size(),
           recuts_,
-          balance_->imbalance(),
+          balance_->seconds().imbalance(),
           part_->start().run_on};
 }
 

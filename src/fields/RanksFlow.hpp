@@ -135,6 +135,7 @@ class RanksFlow : public Flow {
   std::unique_ptr<FlowOfRank> part_;
   std::unique_ptr<RowsOfRank> rows_;
   mutable std::set<int> numbers_;  ///< of results that have rows
+  bool has_started_ = false;       ///< with the steps
   bool is_under_way_ = false;  ///< the others have begun the next step, at the time of the clock
   Clock clock_;                ///< after the last step
   double pause_ = -HUGE_VAL;   ///< for which the next step asks, s

@@ -42,6 +42,12 @@ std::vector<int> owners_told(const FlowOfRank& part, ranks::Group& group) {
   return part.owners_by(owners);
 }
 
+void follow_deal(std::unique_ptr<FlowOfRank>& part, const RanksPlan& plan, ranks::Group& group) {
+  ranks::Deal deal;
+  ranks::broadcast_in(group, deal);
+  recut(part, deal, plan, group);
+}
+
 void see(FlowOfRank& part, ranks::Group& group) {
   Look look{};
   ranks::broadcast_plain(group, look);
@@ -67,7 +73,6 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
   engine::State no_state;
   engine::SavedNotes no_notes;
   std::vector<double> no_values;
-  ranks::CutCurve cuts;
   RowsOfRank rows(group);
   while (true) {
     Order order{};
@@ -114,13 +119,13 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
         part.load_notes(no_notes);
         break;
       case Task::weigh_ranks:
-        part.seconds_of_ranks();
+        part.work_of_ranks();
         break;
-      case Task::find_cuts:
-        cuts = part.even_cuts();
+      case Task::deal_anew:
+        part.deal_anew();
         break;
-      case Task::follow_cuts:
-        recut(own, part.owners_by(cuts), plan, group);
+      case Task::follow_deal:
+        follow_deal(own, plan, group);
         break;
       case Task::recut:
         recut(own, owners_told(part, group), plan, group);

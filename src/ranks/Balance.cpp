@@ -1,31 +1,44 @@
 #include "ranks/Balance.hpp"
 
 #include <algorithm>
-#include <numeric>
 
 namespace ranks {
 
-void Balance::add_look(std::span<const double> seconds) {
-  largest_ = *std::max_element(seconds.begin(), seconds.end());
-  mean_ =
-      std::accumulate(seconds.begin(), seconds.end(), 0.0) / static_cast<double>(seconds.size());
-  lost_ += largest_ - mean_;
-  largest_sum_ += largest_;
-  mean_sum_ += mean_;
+namespace {
+
+Uneven uneven(std::span<const engine::Work> of_ranks, double engine::Work::*part) {
+  Uneven found;
+  for (const engine::Work& work : of_ranks) {
+    found.largest = std::max(found.largest, work.*part);
+    found.mean += work.*part / static_cast<double>(of_ranks.size());
+  }
+  return found;
 }
 
-bool Balance::is_time() const { return largest_ > imbalance_to_cure * mean_ && lost_ > cost_; }
+}  // namespace
 
-bool Balance::pays(std::span<const double> seconds) {
+void Balance::add_look(std::span<const engine::Work> of_ranks) {
+  const Uneven seconds = uneven(of_ranks, &engine::Work::seconds);
+  const Uneven cells = uneven(of_ranks, &engine::Work::cells);
+  seconds_.add(seconds);
+  cells_.add(cells);
+  last_ = cells.imbalance();
+  lost_ += (last_ - 1.0) * seconds.mean;
+}
+
+bool Balance::is_time() const { return last_ > imbalance_to_cure && lost_ > cost_; }
+
+bool Balance::pays(double imbalance_before, double imbalance) {
   constexpr double worth = 0.5;  // of what is lost
-  const double largest = *std::max_element(seconds.begin(), seconds.end());
-  const bool pays = largest_ - largest >= worth * (largest_ - mean_);
+  const bool pays = imbalance_before > imbalance_to_cure &&
+                    imbalance_before - imbalance >= worth * (imbalance_before - 1.0);
   if (!pays) lost_ = 0.0;
   return pays;
 }
 
 void Balance::has_moved(double seconds) {
   cost_ = seconds;
+  moving_ += seconds;
   lost_ = 0.0;
 }
 

@@ -1,5 +1,4 @@
-// Where ranks cut a Hilbert curve over the cells of all of them into runs, one for each, by what
-// the cells weigh.
+// A Hilbert curve over the cells of all ranks, and where to cut it into runs, one for each.
 #pragma once
 
 #include <cstdint>
@@ -38,32 +37,5 @@ engine::HilbertCurve curve_over(Group& group, std::span<const physics::SpacePoin
 /// would have no patch. Weights are finite and not below 0. There are as many runs as are wanted,
 /// at least 1; fewer where there are fewer patches.
 std::vector<int> cuts_of(std::span<const double> weights, int runs);
-
-/// The weights of the runs between cuts.
-std::vector<double> weights_of_runs(std::span<const double> weights, const std::vector<int>& cuts);
-
-/// A run of the curve for every rank.
-struct CutCurve {
-  std::vector<CurvePlace> begins;  ///< of all runs but the first
-  std::vector<double> weights;     ///< of the runs
-
-  int owner_of(const CurvePlace& place) const;
-};
-
-struct WeighedCell {
-  CurvePlace place;
-  double weight;
-};
-
-/// What a cell weighs at least, of the mean of all: a rank whose cells weigh nothing, as they are
-/// dry, holds no more than some times the mean number, for the sake of its memory, and of the time
-/// that it takes when they get other ranks.
-constexpr double least_weight = 0.3;
-
-/// Cuts the curve over the cells of all ranks by their weights; here are those of this rank, in any
-/// order. Where every rank has a run of the curve already, in the order of the ranks, runs weigh
-/// about as much as each other, but for some hundredths of what a rank has now. Fewer runs than
-/// ranks where there are fewer cells. Called by all ranks.
-CutCurve cuts_by_weight(Group& group, std::vector<WeighedCell> cells);
 
 }  // namespace ranks

@@ -115,6 +115,7 @@ void PartsInOne::add(const Part& part, Number number) {
 }
 
 void PartsInOne::add_cells() {
+  all_.contents.mesh.cell_nodes.reserve(3 * source_of_cell_.size());
   Numbers corners;
   for (const Source& source : source_of_cell_) {
     corners.clear();

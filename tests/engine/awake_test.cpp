@@ -4,6 +4,7 @@
 #include <cstring>
 #include <vector>
 
+#include "case/boundary_kinds.hpp"
 #include "engine/Engine.hpp"
 #include "model/SWE.hpp"
 #include "support/RectangleMesh.hpp"
@@ -63,4 +64,27 @@ TEST(AwakeCells, AreAllThatTheNextStepLooksAt) { expect_same_steps_after({}); }
 
 TEST(AwakeCells, AreThoseOfTheLastStepOnADevice) {
   expect_same_steps_after({.device = engine::Device::emulated});
+}
+
+TEST(Busy, AreTheWetCells) {
+  const cases::Case contents = dry_basin();
+  engine::Engine engine(contents, 1, 64);
+  const std::vector<char> busy = engine.busy();
+  const engine::State state = engine.state();
+  ASSERT_EQ(busy.size(), state.h.size());
+  for (std::size_t cell = 0; cell < busy.size(); ++cell) {
+    EXPECT_EQ(busy[cell] != 0, state.h[cell] > contents.zero_depth) << cell;
+  }
+}
+
+TEST(Busy, AreDryCellsThatWaterMayComeTo) {
+  cases::Case contents = dry_basin();
+  ASSERT_FALSE(contents.mesh.boundaries.empty());
+  cases::Boundary& last = contents.mesh.boundaries.back();
+  const auto cell = cases::at(contents.mesh.left[cases::at(last.edge)]);
+  engine::Engine before(contents, 1, 64);
+  ASSERT_EQ(before.busy()[cell], 0);
+  last.code = edge_code::discharge;
+  engine::Engine engine(contents, 1, 64);
+  EXPECT_EQ(engine.busy()[cell], 1);
 }

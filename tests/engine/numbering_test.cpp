@@ -60,17 +60,24 @@ TEST_F(Numbering, SweepsEachRunOfTheCurveAlongItsLongerExtent) {
   // A wide run of four points and a tall one, far from each other.
   const std::vector<double> x = {2, 0, 3, 1, 900, 901, 900, 901};
   const std::vector<double> y = {0, 1, 1, 0, 1003, 1000, 1001, 1002};
-  const std::vector<int> order = engine::order_by_swept_runs(x, y, 4, team);
+  const std::vector<int> order = engine::order_by_swept_runs(x, y, {}, 4, team);
   EXPECT_EQ(order, (std::vector<int>{1, 3, 0, 2, 5, 6, 7, 4}));
+}
+
+TEST_F(Numbering, PutsALowerBandFirst) {
+  const std::vector<double> x = {0, 1, 2, 3, 4, 5, 6, 7}, y(8, 0.0);
+  const std::vector<std::uint8_t> bands = {1, 0, 1, 0, 0, 1, 0, 2};
+  EXPECT_EQ(engine::order_by_swept_runs(x, y, bands, 4, team),
+            (std::vector<int>{1, 3, 4, 6, 0, 2, 5, 7}));
 }
 
 TEST_F(Numbering, IsTheSameOnAnyNumberOfThreads) {
   std::vector<double> x, y;
   scatter(x, y);
-  const std::vector<int> expected = engine::order_by_swept_runs(x, y, 64, team);
+  const std::vector<int> expected = engine::order_by_swept_runs(x, y, {}, 64, team);
   for (const int threads : {1, 3, 5, 8}) {
     engine::ThreadTeam other(threads);
-    EXPECT_EQ(engine::order_by_swept_runs(x, y, 64, other), expected) << threads;
+    EXPECT_EQ(engine::order_by_swept_runs(x, y, {}, 64, other), expected) << threads;
   }
 }
 

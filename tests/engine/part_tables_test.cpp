@@ -1,7 +1,9 @@
 // The tables of parts hold what those of the whole case hold for the same cells and edges.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <map>
 
 #include "case/PartCutter.hpp"
@@ -209,4 +211,25 @@ TEST_F(PartTables, KnowTheirCellsByTheNumbersOfTheWhole) {
   const engine::Tables all = engine::make_tables(contents, team);
   EXPECT_EQ(all.number_of(5), 5);
   EXPECT_EQ(all.cell_of(5), 5);
+}
+
+TEST_F(PartTables, PutTheCellsOfALowerBandFirst) {
+  const cases::Case whole = basin({}, cases::Scheme::lhllc);
+  engine::ThreadTeam team(2);
+  cases::Part part =
+      cases::PartCutter(whole).part_of(cells_in_corner(whole.mesh), cases::rings_of(whole.scheme));
+  for (Number cell = 0; cell < part.owned; ++cell) {
+    part.band.push_back(static_cast<std::uint8_t>(cell % 3));
+  }
+  const engine::Tables tables = engine::make_tables(part, team, cells_per_patch);
+  std::vector<int> bands(at(part.owned));
+  for (std::size_t cell = 0; cell < bands.size(); ++cell) {
+    bands[at(tables.place[cell])] = part.band[cell];
+  }
+  // Patch by patch: within one they are swept together.
+  for (auto patch = bands.begin(); bands.end() - patch > cells_per_patch;) {
+    const auto next = patch + cells_per_patch;
+    EXPECT_LE(*std::max_element(patch, next), *std::min_element(next, bands.end()));
+    patch = next;
+  }
 }

@@ -1,0 +1,102 @@
+// Cells dealt out to ranks by where the water is.
+#include "ranks/deal_out_cells.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+
+using ranks::CellsOfSquares;
+using ranks::Deal;
+
+namespace {
+
+constexpr int columns = 80, rows = 40, of_square = 8;
+const ranks::Squares squares(0.0, 0.0, 1.0, columns, rows);
+
+/// As many cells in every square, and water where it is told, by column and row.
+CellsOfSquares cells_with_water(const std::function<bool(int, int)>& is_wet) {
+  CellsOfSquares cells;
+  for (int square = 0; square < squares.count(); ++square) {
+    cells.all.push_back(of_square);
+    cells.busy.push_back(is_wet(square % columns, square / columns) ? 1 : 0);
+  }
+  return cells;
+}
+
+Deal deal_of(const CellsOfSquares& cells, int ranks) {
+  return ranks::deal_out_cells(squares, squares.along_curve(), cells, ranks);
+}
+
+/// Cells of some squares that every rank has.
+std::vector<int> counts_of(const Deal& deal, int ranks, const std::function<bool(int)>& counts) {
+  std::vector<int> of_ranks(cases::at(ranks), 0);
+  for (int square = 0; square < squares.count(); ++square) {
+    if (counts(square)) of_ranks[cases::at(deal.owners[cases::at(square)])] += of_square;
+  }
+  return of_ranks;
+}
+
+void expect_even(const std::vector<int>& counts) {
+  const auto [least, most] = std::minmax_element(counts.begin(), counts.end());
+  EXPECT_LE(*most - *least, of_square);
+}
+
+}  // namespace
+
+TEST(DealOutCells, GivesEveryRankAsMuchWaterAndAsManyCells) {
+  const CellsOfSquares cells = cells_with_water([](int column, int) { return column < 10; });
+  for (const int ranks : {1, 3, 7, 16}) {
+    const Deal deal = deal_of(cells, ranks);
+    expect_even(counts_of(deal, ranks, [&](int square) { return square % columns < 10; }));
+    const std::vector<int> all = counts_of(deal, ranks, [](int) { return true; });
+    for (const int count : all) {
+      EXPECT_NEAR(count, of_square * squares.count() / ranks, 9 * of_square) << ranks;
+    }
+    EXPECT_LT(ranks::imbalance_of(ranks::loads_of(deal, cells, ranks)), 1.05) << ranks;
+  }
+}
+
+TEST(DealOutCells, GivesEveryRankAShareOfWhatTheWaterReachesNext) {
+  constexpr int ranks = 8;
+  const Deal deal = deal_of(cells_with_water([](int column, int) { return column < 10; }), ranks);
+  // Two columns of 40 squares have more than 64 cells for each of 8 ranks, one has not.
+  for (int band = 1; band < 8; ++band) {
+    const int first = 10 + 2 * (band - 1);
+    expect_even(counts_of(deal, ranks, [&](int square) {
+      const int column = square % columns;
+      return column >= first && column < first + 2;
+    }));
+    for (const int column : {first, first + 1}) {
+      EXPECT_EQ(deal.bands[cases::at(5 * columns + column)], band);
+    }
+  }
+  EXPECT_EQ(deal.bands[columns - 1], 8);
+}
+
+TEST(DealOutCells, LeavesRunsWhereAllIsAlike) {
+  for (const bool is_wet : {false, true}) {
+    const CellsOfSquares cells = cells_with_water([&](int, int) { return is_wet; });
+    const Deal deal = deal_of(cells, 5);
+    expect_even(counts_of(deal, 5, [](int) { return true; }));
+    int owner = 0;
+    for (const int square : squares.along_curve()) {
+      EXPECT_GE(deal.owners[cases::at(square)], owner);
+      owner = deal.owners[cases::at(square)];
+    }
+    EXPECT_EQ(*std::max_element(deal.bands.begin(), deal.bands.end()), 0);
+  }
+}
+
+TEST(DealOutCells, IsWorthNothingWhereARankWouldHaveNoCell) {
+  const ranks::Squares two(0.0, 0.0, 1.0, 2, 1);
+  const CellsOfSquares cells = {{5, 4}, {5, 0}};
+  const Deal deal = ranks::deal_out_cells(two, two.along_curve(), cells, 3);
+  EXPECT_EQ(ranks::imbalance_of(ranks::loads_of(deal, cells, 3)), HUGE_VAL);
+}
+
+TEST(ImbalanceOf, IsTheLargestLoadOverTheMean) {
+  EXPECT_DOUBLE_EQ(ranks::imbalance_of({1.0, 3.0, 2.0}), 1.5);
+  EXPECT_EQ(ranks::imbalance_of({0.0, 0.0}), 1.0);
+}
