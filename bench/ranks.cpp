@@ -14,15 +14,18 @@
 #include <thread>
 #include <vector>
 
-#include "CountingGroup.hpp"
 #include "case/EndAtFirstError.hpp"
 #include "case/read_case.hpp"
 #include "fields/Clock.hpp"
 #include "fields/RanksFlow.hpp"
 #include "fields/serve.hpp"
+#include "ranks/CountingGroup.hpp"
 #include "ranks/InProcess.hpp"
 
 namespace {
+
+using test_ranks::CountingGroup;
+using test_ranks::Counts;
 
 cases::ReadCase read(const std::string& folder) {
   std::filesystem::current_path(folder);

@@ -5,6 +5,7 @@
 
 #include "fields/Clock.hpp"
 #include "fields/make_flow.hpp"
+#include "ranks/CountingGroup.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
 #include "support/RunGlobals.hpp"
@@ -14,41 +15,6 @@
 using namespace test_ranks;
 
 namespace {
-
-/// Counts the broadcasts of rank 0.
-class CountingGroup final : public ranks::Group {
- public:
-  CountingGroup(std::unique_ptr<ranks::Group> group, int& broadcasts)
-      : group_(std::move(group)), broadcasts_(broadcasts) {}
-
-  int rank() const override { return group_->rank(); }
-  int size() const override { return group_->size(); }
-  int cores() const override { return group_->cores(); }
-  int rank_on_machine() const override { return group_->rank_on_machine(); }
-  void broadcast(std::span<std::byte> bytes) override {
-    if (rank() == 0) ++broadcasts_;
-    group_->broadcast(bytes);
-  }
-  void send(std::span<const std::byte> bytes, int to) override { group_->send(bytes, to); }
-  void receive(std::span<std::byte> bytes, int from) override { group_->receive(bytes, from); }
-  std::vector<ranks::Message> send_to_some(std::vector<ranks::Message> sent) override {
-    return group_->send_to_some(std::move(sent));
-  }
-  void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
-    group_->gather_all(own, all);
-  }
-  std::unique_ptr<ranks::Group> first(int members) override {
-    auto group = group_->first(members);
-    return group ? std::make_unique<CountingGroup>(std::move(group), broadcasts_) : nullptr;
-  }
-  std::unique_ptr<engine::Exchange> exchange(std::vector<ranks::Halo> halos) override {
-    return group_->exchange(std::move(halos));
-  }
-
- private:
-  std::unique_ptr<ranks::Group> group_;
-  int& broadcasts_;
-};
 
 class RanksFlow : public PartsOfCourse {
  protected:
@@ -143,14 +109,14 @@ TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
       fields::advance(*alone, contents, expected.back());
     }
     const double pause = 0.5 * (expected[at(steps - 1)].t + expected[at(steps)].t);
-    int broadcasts = 0;
+    Counts counts;
     const auto counted = [&](std::unique_ptr<ranks::Group> group) {
-      return std::make_unique<CountingGroup>(std::move(group), broadcasts);
+      return std::make_unique<CountingGroup>(std::move(group), counts);
     };
     as_first_of({.count = 3, .changed = counted}, [&](ranks::Group& group) {
       const auto flow = fields::make_flow(contents, told_, on(group));
       fields::Clock clock = fields::clock_at_start(contents, *flow);
-      broadcasts = 0;
+      counts.reset();
       for (int step = 1; step <= steps; ++step) {
         flow->leave_alone_until(pause);
         fields::advance(*flow, contents, clock);
@@ -158,7 +124,7 @@ TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
         EXPECT_EQ(clock.dt, expected[at(step)].dt) << step;
         EXPECT_EQ(flow->takes_questions(), step == steps) << step;
       }
-      EXPECT_EQ(broadcasts, 2);  // to think of moving cells, and to go
+      EXPECT_EQ(counts.orders, 2);  // to think of moving cells, and to go
       engine::State state, state_alone;
       flow->save(state);
       alone->save(state_alone);

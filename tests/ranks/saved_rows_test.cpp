@@ -7,6 +7,7 @@
 
 #include "fields/make_flow.hpp"
 #include "ranks/DelayedGroup.hpp"
+#include "ranks/GroupAround.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
 #include "support/Told.hpp"
@@ -18,43 +19,38 @@ namespace {
 using GroupPointer = std::unique_ptr<ranks::Group>;
 
 /// Notes the largest number of bytes that a rank sends or is sent at once.
-class WatchedGroup final : public ranks::Group {
+class WatchedGroup final : public GroupAround {
  public:
   WatchedGroup(GroupPointer group, std::atomic<std::size_t>& largest)
-      : group_(std::move(group)), largest_(largest) {}
+      : GroupAround(std::move(group)), largest_(largest) {}
 
-  int rank() const override { return group_->rank(); }
-  int size() const override { return group_->size(); }
-  int cores() const override { return group_->cores(); }
-  int rank_on_machine() const override { return group_->rank_on_machine(); }
   void broadcast(std::span<std::byte> bytes) override {
     note(bytes.size());
-    group_->broadcast(bytes);
+    GroupAround::broadcast(bytes);
   }
   void send(std::span<const std::byte> bytes, int to) override {
     note(bytes.size());
-    group_->send(bytes, to);
+    GroupAround::send(bytes, to);
   }
-  void receive(std::span<std::byte> bytes, int from) override { group_->receive(bytes, from); }
   std::vector<ranks::Message> send_to_some(std::vector<ranks::Message> sent) override {
     note(size_of(sent));
-    std::vector<ranks::Message> received = group_->send_to_some(std::move(sent));
+    std::vector<ranks::Message> received = GroupAround::send_to_some(std::move(sent));
     note(size_of(received));
     return received;
   }
   void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override {
     note(all.size());
-    group_->gather_all(own, all);
-  }
-  GroupPointer first(int members) override {
-    GroupPointer few = group_->first(members);
-    return few ? std::make_unique<WatchedGroup>(std::move(few), largest_) : nullptr;
-  }
-  std::unique_ptr<engine::Exchange> exchange(std::vector<ranks::Halo> halos) override {
-    return group_->exchange(std::move(halos));
+    GroupAround::gather_all(own, all);
   }
 
  private:
+  GroupPointer around(GroupPointer part) override {
+    return std::make_unique<WatchedGroup>(std::move(part), largest_);
+  }
+  std::unique_ptr<engine::Exchange> around(std::unique_ptr<engine::Exchange> exchange,
+                                           std::size_t) override {
+    return exchange;
+  }
   static std::size_t size_of(const std::vector<ranks::Message>& messages) {
     std::size_t size = 0;
     for (const ranks::Message& message : messages) size += message.bytes.size();
@@ -66,7 +62,6 @@ class WatchedGroup final : public ranks::Group {
     }
   }
 
-  GroupPointer group_;
   std::atomic<std::size_t>& largest_;
 };
 
