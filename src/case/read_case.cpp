@@ -136,7 +136,9 @@ void CaseReader::log_model() {
   }
   if (is_hll(case_.scheme)) log_ << "  Flux scheme: " << kind_of(case_.scheme).name << '\n';
   utils::print_delimitator(log_);
-  if (!is_hydrodynamic && !case_.has_sediments) utils::fatal("Physical model not recognized\n");
+  files_.together([&] {
+    if (!is_hydrodynamic && !case_.has_sediments) utils::fatal("Physical model not recognized\n");
+  });
 }
 
 void CaseReader::read_mesh() {

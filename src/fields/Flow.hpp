@@ -88,7 +88,8 @@ class Flow {
   /// Before a step: up to a time (s) nothing but steps as the clock brings them is asked of the
   /// flow, whenever it takes no questions.
   virtual void leave_alone_until(double /*t*/) {}
-  /// Whether anything but the next step may be asked of the flow: always, unless it was left alone.
+  /// Whether anything but the next step may be asked of the flow: always, unless it was left alone
+  /// or one of its ranks has failed.
   virtual bool takes_questions() const { return true; }
 
   /// The present values of a field: of all cells in their order, or of those given.

@@ -123,7 +123,7 @@ class FlowOfRank {
   void save_rows(const SavedRequest& request, SavedFlow& saved, std::vector<double>& values);
 
   /// Takes what was saved from its rows, which rank 0 reads and hands to the ranks of the rows.
-  /// Where the source throws, that comes out on rank 0, and nothing has changed.
+  /// Where the source throws, rank 0 ends with a Refusal, and nothing has changed.
   void load_rows(const LoadRequest& request, utils::ByteSource* rows);
 
   // What rank 0 hands out; it is not looked at on the others.

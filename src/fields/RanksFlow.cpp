@@ -47,7 +47,9 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
   ranks::Share share = request.shared != nullptr ? share_of_shared(request, most_threads)
                                                  : share_of_whole(request, most_threads);
   const double begun = engine::seconds_of_thread();
-  part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_);
+  ranks::in_step(*group_, [&] {
+    part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_);
+  });
   // To share the cells out again will take as long, for all that is known.
   balance_.emplace(engine::seconds_of_thread() - begun);
   rows_ = std::make_unique<RowsOfRank>(*group_);
@@ -74,24 +76,31 @@ void RanksFlow::call_members(const RanksRequest& request, Call::Kind kind, int m
 ranks::Share RanksFlow::share_of_whole(const RanksRequest& request, int most_threads) {
   if (cases::is_hll(case_.scheme)) cases::sides_for_hll(case_);
   const std::vector<ranks::Cells> cells = request.cut(case_.mesh, request.group->size());
-  call_members(request, Call::Kind::flow, static_cast<int>(cells.size()), most_threads);
-  return deal_shares(case_, cells, *group_);
+  return ranks::in_step(*request.group, [&] {
+    call_members(request, Call::Kind::flow, static_cast<int>(cells.size()), most_threads);
+    return deal_shares(case_, cells, *group_);
+  });
 }
 
 ranks::Share RanksFlow::share_of_shared(const RanksRequest& request, int most_threads) {
   if (cases::is_hll(case_.scheme)) cases::require_rain_that_falls(case_);
   const int members = std::min(request.group->size(), counts_.cells);
-  call_members(request, Call::Kind::flow_of_shares, members, most_threads);
-  ranks::Share share = request.shared->take_share();
-  require_scheme_takes(*group_, share.part);
-  return share;
+  return ranks::in_step(*request.group, [&] {
+    call_members(request, Call::Kind::flow_of_shares, members, most_threads);
+    ranks::Share share = request.shared->take_share();
+    require_scheme_takes(*group_, share.part);
+    return share;
+  });
 }
 
 RanksFlow::~RanksFlow() {
-  if (is_under_way_) {  // they hear in the step that it is the last one
-    part_->advance({clock_.t, case_.t_start, case_.t_end, clock_.dt}, {.pause = -HUGE_VAL});
+  try {
+    if (is_under_way_) {  // they hear in the step that it is the last one
+      step_together({clock_.t, case_.t_start, case_.t_end, clock_.dt}, {.pause = -HUGE_VAL});
+    }
+    ranks::in_step(*group_, [this] { tell(*group_, {Task::end}); });
+  } catch (const std::exception&) {  // the group is broken, by which the run ends
   }
-  tell(*group_, {Task::end});
 }
 
 ranks::Group& RanksFlow::waiting_ranks() const {
@@ -99,11 +108,16 @@ ranks::Group& RanksFlow::waiting_ranks() const {
   return *group_;
 }
 
+double RanksFlow::step_together(const StepTimes& times, const engine::Wishes& own) {
+  return ranks::in_step(*group_, [&] { return part_->advance(times, own); });
+}
+
 bool RanksFlow::recut(const std::vector<ranks::Cells>& cells) {
   const std::vector<int> owners = ranks::owners_of(cells);
-  tell(waiting_ranks(), {Task::recut});
-  ranks::broadcast_out(*group_, owners);
-  const Recut recut = fields::recut(part_, part_->owners_by(owners), plan_, *group_);
+  const Recut recut = together({Task::recut}, [&] {
+    ranks::broadcast_out(*group_, owners);
+    return fields::recut(part_, part_->owners_by(owners), plan_, *group_);
+  });
   if (recut.is_done) ++recuts_;
   return recut.is_done;
 }
@@ -114,23 +128,21 @@ FlowScales RanksFlow::scales() const {
 }
 
 double RanksFlow::stable_step(double t) {
-  tell(waiting_ranks(), {.task = Task::stable_step, .value = t});
-  return part_->stable_step(t);
+  return together({.task = Task::stable_step, .value = t}, [&] { return part_->stable_step(t); });
 }
 
 void RanksFlow::look_at_balance() {
-  tell(waiting_ranks(), {Task::weigh_ranks});
-  balance_->add_look(part_->work_of_ranks());
+  balance_->add_look(together({Task::weigh_ranks}, [&] { return part_->work_of_ranks(); }));
   if (are_balanced_ && balance_->is_time()) move_cells();
 }
 
 void RanksFlow::move_cells() {
-  tell(waiting_ranks(), {Task::deal_anew});
-  const NewDeal found = part_->deal_anew();
+  const NewDeal found = together({Task::deal_anew}, [&] { return part_->deal_anew(); });
   if (!balance_->pays(found.imbalance_before, found.imbalance)) return;
-  tell(waiting_ranks(), {Task::follow_deal});
-  ranks::broadcast_out(*group_, found.deal);
-  const Recut recut = fields::recut(part_, found.deal, plan_, *group_);
+  const Recut recut = together({Task::follow_deal}, [&] {
+    ranks::broadcast_out(*group_, found.deal);
+    return fields::recut(part_, found.deal, plan_, *group_);
+  });
   are_balanced_ = recut.is_done;  // where that failed once it would fail again
   if (recut.is_done) ++recuts_;
   balance_->has_moved(recut.seconds);
@@ -145,7 +157,7 @@ double RanksFlow::advance(const StepTimes& times) {
   }
   engine::Wishes own{.pause = std::exchange(pause_, -HUGE_VAL)};
   if (++steps_since_look_ == ranks::Balance::steps_between_looks) own.pause = -HUGE_VAL;
-  const double step = part_->advance(times, own);
+  const double step = step_together(times, own);
   clock_.move(step, case_);
   is_under_way_ = part_->goes_on(clock_);
   if (const auto& found = part_->not_hyperbolic()) {
@@ -163,45 +175,43 @@ void RanksFlow::start_steps(const StepTimes& times) {
     steps_since_look_ = 0;
   }
   clock_ = {times.t, times.dt, 0};
-  tell(*group_, {.task = Task::advance, .times = times});
+  ranks::in_step(*group_, [&] { tell(*group_, {.task = Task::advance, .times = times}); });
 }
 
 void RanksFlow::keep_maxima(double arrival_depth) {
-  tell(waiting_ranks(), {.task = Task::keep_maxima, .value = arrival_depth});
-  part_->keep_maxima(arrival_depth);
+  together({.task = Task::keep_maxima, .value = arrival_depth}, [&] { part_->keep_maxima(arrival_depth); });
 }
 
 void RanksFlow::note_maxima(double t) {
-  tell(waiting_ranks(), {.task = Task::note_maxima, .value = t});
-  part_->note_maxima(t);
+  together({.task = Task::note_maxima, .value = t}, [&] { part_->note_maxima(t); });
 }
 
 void RanksFlow::watch() {
-  tell(waiting_ranks(), {Task::watch});
-  part_->watch();
+  together({Task::watch}, [&] { part_->watch(); });
 }
 
 void RanksFlow::read(Field field, std::span<double> values) const {
-  tell(waiting_ranks(), {Task::read, field});
-  part_->read(field, values);
+  together({Task::read, field}, [&] { part_->read(field, values); });
 }
 
 void RanksFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
-  tell(waiting_ranks(), {Task::read_some, field, static_cast<Number>(cells.size())});
   std::vector<Number> sent(cells.begin(), cells.end());
-  group_->broadcast(std::as_writable_bytes(std::span(sent)));
-  part_->read(field, cells, values);
+  together({Task::read_some, field, static_cast<Number>(cells.size())}, [&] {
+    group_->broadcast(std::as_writable_bytes(std::span(sent)));
+    part_->read(field, cells, values);
+  });
 }
 
 CellState RanksFlow::state(Number cell) const {
-  if (!part_->owns(cell)) tell(waiting_ranks(), {.task = Task::state, .number = cell});
-  return part_->state(cell);
+  if (part_->owns(cell)) return part_->state(cell);
+  return together({.task = Task::state, .number = cell}, [&] { return part_->state(cell); });
 }
 
 Seen RanksFlow::see(Look look) const {
-  tell(waiting_ranks(), {Task::look});
-  ranks::broadcast_plain(*group_, look);
-  return part_->see(look);
+  return together({Task::look}, [&] {
+    ranks::broadcast_plain(*group_, look);
+    return part_->see(look);
+  });
 }
 
 FlowSurvey RanksFlow::survey() const {
@@ -224,15 +234,13 @@ class RanksFlow::LooksOfRanks final : public Looks {
   void add_step(double) override {}  // every rank has done it, as it advanced
   void save(std::vector<double>& infiltrated) const override {
     if (!flow_.has_soils()) return infiltrated.clear();
-    tell(flow_.waiting_ranks(), {Task::save_looks});
-    flow_.part_->save_looks(infiltrated);
+    flow_.together({Task::save_looks}, [&] { flow_.part_->save_looks(infiltrated); });
   }
   void load(const std::vector<double>& infiltrated) override {
     const std::size_t expected = flow_.has_soils() ? at(flow_.counts_.cells) : 0;
     if (infiltrated.size() != expected) throw utils::BadBytes();
     if (infiltrated.empty()) return;
-    tell(flow_.waiting_ranks(), {Task::load_looks});
-    flow_.part_->load_looks(infiltrated);
+    flow_.together({Task::load_looks}, [&] { flow_.part_->load_looks(infiltrated); });
   }
 
  private:
@@ -241,8 +249,9 @@ class RanksFlow::LooksOfRanks final : public Looks {
 
 std::unique_ptr<Ground> RanksFlow::ground(const cases::Case&) const {
   return std::make_unique<RanksGround>(counts_, [this](GroundQuestion question) {
-    tell(waiting_ranks(), {Task::ground});
-    return answer_together(*group_, part_->part(), std::move(question));
+    return together({Task::ground}, [&] {
+      return answer_together(*group_, part_->part(), std::move(question));
+    });
   });
 }
 
@@ -275,32 +284,28 @@ UnseenDepth RanksFlow::unseen_depth(Number cell) const {
 
 BoundaryInflow RanksFlow::boundary_inflow(int boundary) const {
   if (!gathered_.inflows) {
-    tell(waiting_ranks(), {Task::read_inflows});
-    part_->read_inflows(gathered_.inflows.emplace());
+    auto& inflows = gathered_.inflows.emplace();
+    together({Task::read_inflows}, [&] { part_->read_inflows(inflows); });
   }
   return (*gathered_.inflows)[at(boundary)];
 }
 
 void RanksFlow::save(engine::State& state) const {
-  tell(waiting_ranks(), {Task::save});
-  part_->save(state);
+  together({Task::save}, [&] { part_->save(state); });
 }
 
 void RanksFlow::load(const engine::State& state) {
   gathered_ = {};
-  tell(waiting_ranks(), {Task::load});
-  part_->load(state);
+  together({Task::load}, [&] { part_->load(state); });
 }
 
 void RanksFlow::save_notes(engine::SavedNotes& notes) const {
-  tell(waiting_ranks(), {Task::save_notes});
-  part_->save_notes(notes);
+  together({Task::save_notes}, [&] { part_->save_notes(notes); });
 }
 
 void RanksFlow::load_notes(const engine::SavedNotes& notes) {
   gathered_ = {};
-  tell(waiting_ranks(), {Task::load_notes});
-  part_->load_notes(notes);
+  together({Task::load_notes}, [&] { part_->load_notes(notes); });
 }
 
 }  // namespace fields

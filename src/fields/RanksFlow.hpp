@@ -16,6 +16,7 @@
 #include "fields/orders.hpp"
 #include "ranks/Balance.hpp"
 #include "ranks/cut_along_curve.hpp"
+#include "ranks/in_step.hpp"
 
 namespace fields {
 
@@ -38,7 +39,8 @@ struct RanksRequest {
   std::function<void()> on_stop = {};
 };
 
-/// What is asked of it while it takes no questions throws std::logic_error.
+/// What is asked of it while it takes no questions throws. Where a rank fails alone, so does what
+/// was asked for, and the group is broken.
 class RanksFlow : public Flow {
  public:
   /// On rank 0, while the others serve; more ranks than cells take no part. Of a shared case
@@ -62,7 +64,7 @@ class RanksFlow : public Flow {
   double stable_step(double t) override;
   double advance(const StepTimes& times) override;
   void leave_alone_until(double t) override { pause_ = t; }
-  bool takes_questions() const override { return !is_under_way_; }
+  bool takes_questions() const override { return !is_under_way_ && !group_->is_broken(); }
 
   void read(Field field, std::span<double> values) const override;
   void read(Field field, std::span<const cases::Number> cells,
@@ -113,6 +115,10 @@ class RanksFlow : public Flow {
 
   /// The ranks, who wait for an order.
   ranks::Group& waiting_ranks() const;
+  /// Gives them one, and does what they do by it.
+  template <class Do>
+  decltype(auto) together(const Order& order, const Do& do_it) const;
+  double step_together(const StepTimes& times, const engine::Wishes& own);
   /// Lets all ranks begin with a step, after a look at their balance if one is due.
   void start_steps(const StepTimes& times);
   void look_at_balance();
@@ -144,5 +150,13 @@ class RanksFlow : public Flow {
   int steps_since_look_ = 0;               ///< at the balance
   mutable Gathered gathered_;              ///< since the last step
 };
+
+template <class Do>
+decltype(auto) RanksFlow::together(const Order& order, const Do& do_it) const {
+  return ranks::in_step(waiting_ranks(), [&]() -> decltype(auto) {
+    tell(*group_, order);
+    return do_it();
+  });
+}
 
 }  // namespace fields

@@ -2,9 +2,10 @@
 
 #include <cstdint>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <string_view>
+
+#include "ranks/in_step.hpp"
 
 namespace fields {
 
@@ -70,7 +71,8 @@ std::optional<RowText> RowsOfRank::receive(int from) {
   PieceHeader header;
   group_.receive(std::as_writable_bytes(std::span(&header, 1)), from);
   if (header.is_lost) {
-    throw std::runtime_error("rank " + std::to_string(from) + " could not make its rows of it");
+    throw ranks::Refusal(
+        utils::FatalError("rank " + std::to_string(from) + " could not make its rows of it\n"));
   }
   if (!header.is_there) return {};
   RowText piece = {std::string(header.size, ' '), header.is_last};

@@ -31,7 +31,7 @@ class RowsOfRank {
   const OwnValueRows& gather(int number, const ValuesRequest& request, FlowOfRank& part);
   const OwnSavedRows& gather(int number, const SavedRequest& request, FlowOfRank& part);
   /// On all ranks: passes the next text of a rank on to rank 0, where it comes out, if it is made:
-  /// so many bytes at most. Throws std::runtime_error there where it could not be made.
+  /// so many bytes at most. Ends there with a Refusal where it could not be made.
   std::optional<RowText> pass(int number, int from, std::size_t largest);
 
  private:

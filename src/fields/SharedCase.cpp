@@ -23,8 +23,10 @@ class RowsOfBlocks final : public ListedMesh {
     const int rank = next_rank_++;
     if (rank == 0) return std::exchange(own_.mesh_rows, {});
     if (rank >= group_.size()) return {};
-    call(group_, {Call::Kind::mesh_rows, rank});
-    return ranks::receive_value<cases::MeshRows>(group_, rank);
+    return ranks::in_step(group_, [&] {
+      call(group_, {Call::Kind::mesh_rows, rank});
+      return ranks::receive_value<cases::MeshRows>(group_, rank);
+    });
   }
 
  private:
@@ -39,9 +41,11 @@ class RowsOfBlocks final : public ListedMesh {
 SharedCase::SharedCase(ranks::Group& group, const std::string& data_file,
                        const cases::Listeners& listeners, cases::Diagnostics& diagnostics)
     : group_(group) {
-  call(group_, {Call::Kind::read});
-  ranks::broadcast_out(group_, data_file);
-  read_ = ranks::read_share(group_, data_file, listeners, diagnostics);
+  ranks::in_step(group_, [&] {
+    call(group_, {Call::Kind::read});
+    ranks::broadcast_out(group_, data_file);
+    read_ = ranks::read_share(group_, data_file, listeners, diagnostics);
+  });
   cases::copy_parameters(read_.share.part.contents, case_.contents);
   case_.data = std::move(read_.data);
   case_.area_loss = read_.area_loss;
@@ -50,8 +54,10 @@ SharedCase::SharedCase(ranks::Group& group, const std::string& data_file,
 
 std::unique_ptr<Ground> SharedCase::ground() const {
   return std::make_unique<RanksGround>(read_.counts, [this](GroundQuestion question) {
-    call(group_, {Call::Kind::ground});
-    return answer_together(group_, read_.share.part, std::move(question));
+    return ranks::in_step(group_, [&] {
+      call(group_, {Call::Kind::ground});
+      return answer_together(group_, read_.share.part, std::move(question));
+    });
   });
 }
 
@@ -72,7 +78,7 @@ std::optional<ranks::ReadShare> read_own_share(ranks::Group& group) {
     auto read = ranks::read_share(group, data_file, cases::NoListeners().listeners(), silent);
     read.owners = {};
     return read;
-  } catch (const utils::FatalError&) {  // as all ranks end; rank 0 tells it
+  } catch (const ranks::Refusal&) {  // rank 0 tells it
     return {};
   }
 }

@@ -22,9 +22,9 @@ class RanksFlow::OfRanks : public Kind {
   bool has_others() const override { return of_.group_->size() > 1; }
   std::optional<RowText> next() override {
     const std::size_t largest = of_.largest_text_;
-    tell(of_.waiting_ranks(),
-         {.task = Task::pass_rows, .number = number_, .rank = from_, .bytes = largest});
-    std::optional<RowText> piece = of_.rows_->pass(number_, from_, largest);
+    const Order order{.task = Task::pass_rows, .number = number_, .rank = from_, .bytes = largest};
+    std::optional<RowText> piece =
+        of_.together(order, [&] { return of_.rows_->pass(number_, from_, largest); });
     if (!piece || !piece->is_last) return piece;
     piece->is_last = ++from_ == of_.group_->size();
     return piece;
@@ -34,10 +34,12 @@ class RanksFlow::OfRanks : public Kind {
   /// Answers the rows of rank 0.
   template <class Request>
   const auto& gather_on_all(const Request& request) {
-    tell(of_.waiting_ranks(), {.task = Task::gather_rows, .number = number_});
-    ranks::broadcast_out(*of_.group_, AnyRowsRequest(request));
     from_ = 1;
-    return of_.rows_->gather(number_, request, *of_.part_);
+    const Order order{.task = Task::gather_rows, .number = number_};
+    return of_.together(order, [&]() -> const auto& {
+      ranks::broadcast_out(*of_.group_, AnyRowsRequest(request));
+      return of_.rows_->gather(number_, request, *of_.part_);
+    });
   }
 
  private:
@@ -112,9 +114,10 @@ void RanksFlow::load_books(const SavedFlow& saved, bool has_notes, Looks&,
 
 void RanksFlow::load_rows(LoadRequest request, utils::ByteSource& rows) {
   gathered_ = {};
-  tell(waiting_ranks(), {Task::load_rows});
-  ranks::broadcast_out(*group_, request);
-  part_->load_rows(request, &rows);
+  together({Task::load_rows}, [&] {
+    ranks::broadcast_out(*group_, request);
+    part_->load_rows(request, &rows);
+  });
 }
 
 }  // namespace fields

@@ -10,7 +10,7 @@
 #include "fields/RowsOfRank.hpp"
 #include "fields/SharedCase.hpp"
 #include "fields/orders.hpp"
-#include "utils/stop.hpp"
+#include "ranks/in_step.hpp"
 
 namespace fields {
 
@@ -177,7 +177,7 @@ void join_next_flow(ranks::Group& group, int members, std::optional<ranks::Share
   if (!group_of_flow) return;
   try {
     serve_next_flow(*group_of_flow, std::move(read), is_interrupted);
-  } catch (const utils::FatalError&) {  // of all ranks; rank 0 tells it
+  } catch (const ranks::Refusal&) {  // rank 0 tells it
   }
 }
 

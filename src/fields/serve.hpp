@@ -9,7 +9,8 @@
 namespace fields {
 
 /// On a rank that is not rank 0: reads cases with the others and takes part in the flows that
-/// rank 0 makes, until that ends the service; answers the number that it ends with.
+/// rank 0 makes, until that ends the service; answers the number that it ends with. What fails on
+/// this rank alone comes out, and the others wait for it.
 /// `is_interrupted` is asked in every step: whether this process was asked to end.
 int serve(ranks::Group& group, const std::function<bool()>& is_interrupted);
 /// On rank 0, without a flow.

@@ -10,6 +10,8 @@
 
 namespace {
 
+constexpr int status_of_errors = -1;
+
 /// The exit status that rank 0 ends with.
 int serve(ranks::Group& group) {
   utils::listen_for_interruption();
@@ -21,6 +23,8 @@ int serve(ranks::Group& group) {
 int run_rank(ranks::Group& group, int argc, char** argv) {
   if (group.rank() > 0) return serve(group);
   const int status = call_program(argc, argv, &group);
+  // The others wait in what failed.
+  if (group.is_broken()) ranks::MpiSession::abort(status != 0 ? status : status_of_errors);
   fields::end_service(group, status);
   return status;
 }
@@ -29,7 +33,6 @@ int run_rank(ranks::Group& group, int argc, char** argv) {
 
 int main(int argc, char** argv) {
   secure_process();
-  constexpr int status_of_errors = -1;
   try {
     const ranks::MpiSession session(argc, argv);
     try {

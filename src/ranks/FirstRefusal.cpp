@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "ranks/values.hpp"
-#include "utils/stop.hpp"
 
 namespace ranks {
 
@@ -22,15 +21,9 @@ struct Told {
   }
 };
 
-Told told_by(const std::exception_ptr& error) {
-  constexpr int status_of_errors = -1;
-  try {
-    std::rethrow_exception(error);
-  } catch (const utils::FatalError& fatal) {
-    return {fatal.text(), fatal.output(), fatal.status()};
-  } catch (const std::exception& other) {
-    return {other.what() + std::string("\n"), "", status_of_errors};
-  }
+Told told_by_rank(const std::exception_ptr& error) {
+  const utils::FatalError told = told_by(error);
+  return {told.text(), told.output(), told.status()};
 }
 
 }  // namespace
@@ -46,7 +39,7 @@ void FirstRefusal::end(Group& group) const {
   if (*first == none) return;
   const int teller = static_cast<int>(first - records.begin());
   Told told{};
-  if (group.rank() == teller) told = told_by(error_);
+  if (group.rank() == teller) told = told_by_rank(error_);
   if (teller > 0) {
     if (group.rank() == teller) send_value(group, told, 0);
     if (group.rank() == 0) told = receive_value<Told>(group, teller);
@@ -56,8 +49,8 @@ void FirstRefusal::end(Group& group) const {
   } else {
     broadcast_in(group, told);
   }
-  if (group.rank() == 0 && teller == 0) std::rethrow_exception(error_);
-  utils::fatal(told.text, told.status, told.output);
+  if (group.rank() == 0 && teller == 0) throw Refusal(error_);
+  throw Refusal(utils::FatalError(told.text, told.status, told.output));
 }
 
 void do_together(Group& group, const std::function<void()>& step) {

@@ -8,6 +8,7 @@
 
 #include "case/Mesh.hpp"
 #include "ranks/Group.hpp"
+#include "ranks/in_step.hpp"
 
 namespace ranks {
 
@@ -18,8 +19,8 @@ class FirstRefusal {
   /// Behind the last record that any file can have.
   static constexpr std::int64_t none = std::int64_t{1} << 40;
 
-  /// Calls read(); an exception is kept with the record that this rank read then, unless an
-  /// earlier one is kept.
+  /// Calls read(), which asks nothing of other ranks; an exception is kept with the record that this
+  /// rank read then, unless an earlier one is kept.
   template <class Read, class RecordNow>
   void keep(const Read& read, const RecordNow& record_now) {
     try {
@@ -33,8 +34,7 @@ class FirstRefusal {
   }
   /// The first record that any rank refuses; `none` if all are well. Called by all ranks.
   std::int64_t record_of_all(Group& group) const;
-  /// Throws what that rank kept, on all ranks, if anything: as a utils::FatalError that tells the
-  /// same, but what rank 0 kept itself there as it was. Called by all ranks.
+  /// Throws what that rank kept, on all ranks, if anything, as a Refusal. Called by all ranks.
   void end(Group& group) const;
 
  private:
@@ -42,7 +42,7 @@ class FirstRefusal {
   std::exception_ptr error_;
 };
 
-/// Does on every rank what each does for itself; where one of them fails, all do.
+/// Does on every rank what each does for itself, without asking others; where one of them fails, all do.
 void do_together(Group& group, const std::function<void()>& step);
 
 }  // namespace ranks

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <stdexcept>
 #include <vector>
 
 #include "engine/Exchange.hpp"
@@ -16,6 +17,12 @@ namespace ranks {
 struct Message {
   int rank;
   utils::Bytes bytes;
+};
+
+/// What a rank ends with because another one has broken up their group.
+class BrokenGroup : public std::runtime_error {
+ public:
+  BrokenGroup() : std::runtime_error("another rank has failed") {}
 };
 
 /// Every rank calls the same functions in the same order, on one thread; to each send belongs a
@@ -48,6 +55,13 @@ class Group {
   virtual std::unique_ptr<Group> first(int members) = 0;
   /// What the engines of these ranks exchange in their steps; of other halos as often as called.
   virtual std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) = 0;
+
+  /// This rank has failed where the others wait for it, in this group or in another part of the
+  /// same ranks: there is nothing that they could do together any more. Threads that wait for it
+  /// end with a BrokenGroup; processes wait until main() ends their job.
+  virtual void break_up() = 0;
+  /// Whether this rank knows of that.
+  virtual bool is_broken() const = 0;
 };
 
 }  // namespace ranks

@@ -11,18 +11,26 @@ using engine::at;
 
 /// What the ranks of a group have in common.
 struct InProcess::Shared {
-  Shared(int ranks, bool memory_of_card)
-      : size(ranks), takes_memory_of_card(memory_of_card), minimum(ranks), notes(ranks) {}
+  Shared(std::shared_ptr<Meeting> place, int ranks, bool memory_of_card)
+      : meeting(std::move(place)),
+        size(ranks),
+        takes_memory_of_card(memory_of_card),
+        messages(*meeting),
+        parcels(*meeting),
+        halos(*meeting),
+        minimum(*meeting, ranks),
+        notes(*meeting, ranks) {}
 
   /// That of the first members, or of one exchange of all; `which` of those that were asked for,
   /// one after the other.
   std::shared_ptr<Shared> part(int which, int members) {
     const std::lock_guard lock(mutex);
     std::shared_ptr<Shared>& found = parts[which];
-    if (!found) found = std::make_shared<Shared>(members, takes_memory_of_card);
+    if (!found) found = std::make_shared<Shared>(meeting, members, takes_memory_of_card);
     return found;
   }
 
+  const std::shared_ptr<Meeting> meeting;  ///< one for all parts
   const int size;
   const bool takes_memory_of_card;
   Mailboxes<std::byte> messages;
@@ -154,6 +162,9 @@ class InProcess::Member : public Group {
                                             shared_->takes_memory_of_card);
   }
 
+  void break_up() override { shared_->meeting->break_up(); }
+  bool is_broken() const override { return shared_->meeting->is_broken(); }
+
  private:
   std::shared_ptr<Shared> shared_;
   int rank_;
@@ -161,7 +172,7 @@ class InProcess::Member : public Group {
 };
 
 InProcess::InProcess(int ranks, bool takes_memory_of_card)
-    : shared_(std::make_shared<Shared>(ranks, takes_memory_of_card)) {}
+    : shared_(std::make_shared<Shared>(std::make_shared<Meeting>(), ranks, takes_memory_of_card)) {}
 
 InProcess::~InProcess() = default;
 

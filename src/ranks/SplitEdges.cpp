@@ -79,12 +79,13 @@ void SplitEdges::read_records(const std::string& name, int scheme) {
 void SplitEdges::read_series() {
   const std::int64_t refused = refusal_.record_of_all(group_);
   std::vector<cases::Series>& series = blocks_.contents.series;
-  std::map<int, std::vector<NamedSeries>> names = {{0, std::move(series_)}};
+  const auto of_ranks = exchange_values(
+      group_, std::map<int, std::vector<NamedSeries>>{{0, std::move(series_)}});
   std::map<int, std::vector<int>> numbers;
   cases::SeriesFiles files(series);
   Number edge = FirstRefusal::at_start;
   const auto read_all = [&] {
-    for (const auto& of_rank : exchange_values(group_, std::move(names))) {
+    for (const auto& of_rank : of_ranks) {
       for (const NamedSeries& named : of_rank.second) {
         if (named.edge >= refused) return;
         edge = named.edge;

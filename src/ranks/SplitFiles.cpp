@@ -48,7 +48,9 @@ Number SplitFiles::read_cells(const std::string& name) {
   take_corners();
   check_geometry(name, piece, refusal);
   refusal.end(group_);
-  if (records.total == 0) cases::refuse_mesh_without_cells(name);
+  together([&] {
+    if (records.total == 0) cases::refuse_mesh_without_cells(name);
+  });
   blocks_.cells = Blocks(group_, mesh.n_cells());
   sum_up_area_loss();
   return blocks_.cells.total();

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 
+#include "ranks/in_step.hpp"
 #include "ranks/values.hpp"
 
 namespace ranks {
@@ -50,14 +52,19 @@ void receive_rows(Group& group, cases::Number rows_of_all, std::size_t bytes_per
   }
 }
 
-/// Those of one rank.
-void read_rows(Group& group, int rank, cases::Number rows_of_all, std::size_t bytes_per_row,
-               utils::ByteSource& rows, const Take& take) {
+/// Those of one rank; where the source throws, the rank hears it. Answers what it threw.
+std::exception_ptr read_rows(Group& group, int rank, cases::Number rows_of_all,
+                             std::size_t bytes_per_row, utils::ByteSource& rows, const Take& take) {
   utils::Bytes piece;
   for (std::size_t left = rows_left_to(rank, group, rows_of_all); left > 0;) {
     const std::size_t count = std::min(left, rows_at_once(bytes_per_row));
     piece.resize(count * bytes_per_row);
-    rows.take(piece.data(), piece.size());
+    try {
+      rows.take(piece.data(), piece.size());
+    } catch (...) {
+      if (rank > 0) send_count(group, 0, rank);
+      return std::current_exception();
+    }
     left -= count;
     if (rank == 0) {
       take_piece(piece, count, take);
@@ -66,6 +73,7 @@ void read_rows(Group& group, int rank, cases::Number rows_of_all, std::size_t by
       group.send(piece, rank);
     }
   }
+  return nullptr;
 }
 
 }  // namespace
@@ -78,18 +86,17 @@ bool deal_out_rows(Group& group, cases::Number rows_of_all, std::size_t bytes_pe
     broadcast_plain(group, is_whole);
     return is_whole;
   }
-  int rank = 0;
-  try {
-    for (; rank < group.size(); ++rank) {
-      read_rows(group, rank, rows_of_all, bytes_per_row, *rows, take);
+  std::exception_ptr lost;
+  for (int rank = 0; rank < group.size(); ++rank) {
+    if (!lost) {
+      lost = read_rows(group, rank, rows_of_all, bytes_per_row, *rows, take);
+    } else {
+      send_count(group, 0, rank);
     }
-  } catch (...) {
-    for (int other = std::max(rank, 1); other < group.size(); ++other) send_count(group, 0, other);
-    is_whole = false;
-    broadcast_plain(group, is_whole);
-    throw;
   }
+  is_whole = !lost;
   broadcast_plain(group, is_whole);
+  if (lost) throw Refusal(lost);
   return is_whole;
 }
 

@@ -9,7 +9,7 @@
 namespace ranks {
 
 /// Calls take(rows, count) on every rank for its rows, piece by piece; `rows` is read on rank 0
-/// alone. Answers whether all came: where the source throws, that comes out on rank 0. Called by
+/// alone. Answers whether all came: where the source throws, rank 0 ends with a Refusal. Called by
 /// all ranks.
 bool deal_out_rows(Group& group, cases::Number rows_of_all, std::size_t bytes_per_row,
                    utils::ByteSource* rows,

@@ -155,7 +155,7 @@ bool RunReport::write(int status, const std::string& message) {
                  {"outcome", outcome(status, message)},
                  {"time", simulated_time()},
                  {"wall_time", wall_times()}};
-  if (flow_ != nullptr) add_what_the_flow_tells(report);
+  if (flow_ != nullptr && flow_->takes_questions()) add_what_the_flow_tells(report);
   if (!failure_.is_null()) report["failure"] = failure_;
   report["keys"] = keys();
   utils::WholeFile file(file_);

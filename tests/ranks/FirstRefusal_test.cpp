@@ -54,15 +54,18 @@ TEST(FirstRefusal, EndsNothingWhereAllIsWell) {
   });
 }
 
-TEST(FirstRefusal, IsThrownAsItIsWhereRank0MetIt) {
+TEST(FirstRefusal, ComesOutAsItIsWhereRank0MetIt) {
   for (const int meeting : {0, 1}) {
     test_ranks::on_ranks(3, [&](ranks::Group& group) {
       const auto step = [&] {
         if (group.rank() == meeting) throw std::logic_error("broken");
       };
+      const auto all = [&] { ranks::do_together(group, step); };
+      EXPECT_THROW(all(), ranks::Refusal);
       const bool is_as_it_was = group.rank() == 0 && meeting == 0;
-      EXPECT_EQ(end_of([&] { ranks::do_together(group, step); }),
+      EXPECT_EQ(end_of([&] { ranks::in_step(group, all); }),
                 is_as_it_was ? "logic: broken" : "fatal -1: broken\n");
+      EXPECT_FALSE(group.is_broken());
     });
   }
 }

@@ -81,6 +81,8 @@ class GroupAround : public ranks::Group {
     const std::size_t messages = halos.size();
     return around(group_->exchange(std::move(halos)), messages);
   }
+  void break_up() override { group_->break_up(); }
+  bool is_broken() const override { return group_->is_broken(); }
 
  protected:
   /// Called before each message.

@@ -196,6 +196,7 @@ std::unique_ptr<Group> MpiGroup::first(int members) {
   MPI_Comm_split(communicator_, own < members ? 0 : MPI_UNDEFINED, own, &part);
   if (part == MPI_COMM_NULL) return nullptr;
   auto group = std::make_unique<MpiGroup>(part, piece_);
+  group->is_broken_ = is_broken_;
   MPI_Comm_free(&part);
   return group;
 }

@@ -44,6 +44,8 @@ class MpiGroup final : public Group {
   void gather_all(std::span<const std::byte> own, std::span<std::byte> all) override;
   std::unique_ptr<Group> first(int members) override;
   std::unique_ptr<engine::Exchange> exchange(std::vector<Halo> halos) override;
+  void break_up() override { *is_broken_ = true; }
+  bool is_broken() const override { return *is_broken_; }
 
  private:
   /// Calls move(begin, count) for all bytes, piece by piece.
@@ -64,6 +66,7 @@ class MpiGroup final : public Group {
   Machine machine_;
   int rounds_ = 0;  ///< of messages to some
   int cores_;
+  std::shared_ptr<bool> is_broken_ = std::make_shared<bool>(false);  ///< of all parts
 };
 
 }  // namespace ranks

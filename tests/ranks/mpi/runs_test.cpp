@@ -1,5 +1,7 @@
 // The program over processes of an MPI job: the files of one process, one message for what is
 // wrong, and one end for all.
+#include <sys/resource.h>
+
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -51,6 +53,18 @@ class MpiRuns : public testing::Test {
   static RunResult on(int ranks, const TemporaryFolder& folder, const Words& more = {}) {
     return support::run_program(
         folder.path(), job_of(ranks, with({"-f", "data.json", "-nodisplay"}, more)), by_mpiexec());
+  }
+  /// On three ranks with a report, of which one does something before its program.
+  static RunResult with_one_that_begins(const TemporaryFolder& folder, int rank,
+                                        const std::string& by) {
+    const std::string of_one =
+        "case $OMPI_COMM_WORLD_RANK$PMI_RANK in " + std::to_string(rank) + ") " + by + ";; esac; ";
+    return support::run_program(
+        folder.path(),
+        {"-n", "3", "sh", "-c",
+         of_one +
+             "exec " QUILLMERE_MPI_PROGRAM " -f data.json -nodisplay --report report.json"},
+        by_mpiexec());
   }
   static Words with(Words words, const Words& more) {
     words.insert(words.end(), more.begin(), more.end());
@@ -285,6 +299,34 @@ TEST_F(MpiRuns, EndOnAllRanksWhereTheDiskIsFull) {
       << result.err;
 }
 
+TEST_F(MpiRuns, SayOnceWhatOneOfThemAloneCannotRead) {
+  const TemporaryFolder folder;
+  Case().write(folder);
+  const RunResult result = with_one_that_begins(folder, 1, "cd /");
+  EXPECT_EQ(result.status, 255);
+  EXPECT_FALSE(result.timed_out);
+  EXPECT_EQ(occurrences(result.err, "data.json"), 1) << result.err;
+}
+
+TEST_F(MpiRuns, EndOnAllRanksWhereOneFailsInAStep) {
+  Case c = support::full_case();
+  c.set_times(0.0, 1000.0);  // far more than is computed
+  for (const int rank : {0, 1, 2}) {
+    const TemporaryFolder folder;
+    c.write(folder);
+    const RunResult result =
+        with_one_that_begins(folder, rank, "export LD_PRELOAD=" FAILING_REDUCTION);
+    EXPECT_NE(result.status, 0);
+    EXPECT_FALSE(result.timed_out);
+    EXPECT_EQ(occurrences(result.err, "a reduction fails on purpose\n"), 1) << result.err;
+    EXPECT_EQ(folder.has("report.json"), rank == 0);
+    if (rank > 0) continue;
+    const auto report = nlohmann::json::parse(folder.read("report.json"));
+    EXPECT_EQ(report.at("outcome").at("exit_status"), 255) << report.dump(1);
+    EXPECT_FALSE(report.contains("water"));  // which nobody could tell any more
+  }
+}
+
 TEST_F(MpiRuns, GoOnFromACheckpointOnAnotherNumberOfRanks) {
   struct Call {
     double t_end;
@@ -387,6 +429,28 @@ TEST_F(LongMpiRun, EndsOnAllRanksWhenOneIsKilled) {
     EXPECT_FALSE(result.timed_out);
     EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
     expect_whole_results();
+    std::filesystem::remove(folder.file("sections.txt"));
+  }
+}
+
+TEST_F(LongMpiRun, EndsOnAllRanksWhereOneLacksMemory) {
+  const int cells = c.n_cells();
+  c = support::full_case(200, 150);  // so much that a checkpoint needs more than is left over
+  ASSERT_GT(c.n_cells(), 10 * cells);
+  record_every(1e-9);
+  for (const int rank : {0, 2}) {
+    const auto program = start(3, {"--checkpoint", "kept"});
+    const pid_t process = process_of(rank);
+    ASSERT_GT(process, 0);
+    const rlimit none{1 << 20, 1 << 20};  // less than it has
+    ASSERT_EQ(prlimit(process, RLIMIT_AS, &none, nullptr), 0);
+    program->send(SIGUSR1);
+    const RunResult result = program->wait();
+    EXPECT_NE(result.status, 0);
+    EXPECT_FALSE(result.timed_out);
+    EXPECT_EQ(occurrences(result.err, "Error. There is not enough memory for this run."), 1)
+        << result.err;
+    EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
     std::filesystem::remove(folder.file("sections.txt"));
   }
 }
