@@ -221,14 +221,14 @@ TEST_F(PartTables, PutTheCellsOfALowerBandFirst) {
   for (Number cell = 0; cell < part.owned; ++cell) {
     part.band.push_back(static_cast<std::uint8_t>(cell % 3));
   }
-  const engine::Tables tables = engine::make_tables(part, team, cells_per_patch);
+  const engine::Tables tables = engine::make_tables(part, team, cells_of_a_patch);
   std::vector<int> bands(at(part.owned));
   for (std::size_t cell = 0; cell < bands.size(); ++cell) {
     bands[at(tables.place[cell])] = part.band[cell];
   }
   // Patch by patch: within one they are swept together.
-  for (auto patch = bands.begin(); bands.end() - patch > cells_per_patch;) {
-    const auto next = patch + cells_per_patch;
+  for (auto patch = bands.begin(); bands.end() - patch > cells_of_a_patch;) {
+    const auto next = patch + cells_of_a_patch;
     EXPECT_LE(*std::max_element(patch, next), *std::min_element(next, bands.end()));
     patch = next;
   }
