@@ -2,9 +2,9 @@
 // bench_run CELLS [KIND [STEPS [report|checkpoint|results [SNAPSHOTS]|SCHEME]]].
 // Prints one row of a table: triangles, steps, set-up time, time of a step per cell, peak memory
 // per cell. STEPS is about their number; without it the run takes a second or so. With "report" it
-// writes a report, with "results" snapshots (10) in NetCDF, and says what the loop lost by each; with
-// "checkpoint" it keeps checkpoints, one in the middle of the run, and says for how long the loop
-// stood for that and how long it took to write.
+// writes a report, with "results" snapshots (10) in NetCDF, and says what the loop lost by each;
+// with "checkpoint" it keeps checkpoints, one in the middle of the run, and says for how long the
+// loop stood for that and how long it took to write.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -82,8 +82,8 @@ class PassTimes {
 };
 
 /// Measures what the loop loses by a snapshot: the pass in which it is handed over, and those after
-/// it, beside the writer, against the usual ones on both sides of them. The machine's own changes of
-/// speed, which are larger than that, fall out so.
+/// it, beside the writer, against the usual ones on both sides of them. The machine's own changes
+/// of speed, which are larger than that, fall out so.
 class SnapshotCost {
  public:
   SnapshotCost(int snapshots, double end) : distance_(end / snapshots) {}

@@ -47,9 +47,8 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
   ranks::Share share = request.shared != nullptr ? share_of_shared(request, most_threads)
                                                  : share_of_whole(request, most_threads);
   const double begun = engine::seconds_of_thread();
-  ranks::in_step(*group_, [&] {
-    part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_);
-  });
+  ranks::in_step(*group_,
+                 [&] { part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_); });
   // To share the cells out again will take as long, for all that is known.
   balance_.emplace(engine::seconds_of_thread() - begun);
   rows_ = std::make_unique<RowsOfRank>(*group_);
@@ -179,7 +178,8 @@ void RanksFlow::start_steps(const StepTimes& times) {
 }
 
 void RanksFlow::keep_maxima(double arrival_depth) {
-  together({.task = Task::keep_maxima, .value = arrival_depth}, [&] { part_->keep_maxima(arrival_depth); });
+  together({.task = Task::keep_maxima, .value = arrival_depth},
+           [&] { part_->keep_maxima(arrival_depth); });
 }
 
 void RanksFlow::note_maxima(double t) {
@@ -249,9 +249,8 @@ class RanksFlow::LooksOfRanks final : public Looks {
 
 std::unique_ptr<Ground> RanksFlow::ground(const cases::Case&) const {
   return std::make_unique<RanksGround>(counts_, [this](GroundQuestion question) {
-    return together({Task::ground}, [&] {
-      return answer_together(*group_, part_->part(), std::move(question));
-    });
+    return together({Task::ground},
+                    [&] { return answer_together(*group_, part_->part(), std::move(question)); });
   });
 }
 

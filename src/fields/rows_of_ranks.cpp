@@ -36,10 +36,11 @@ class RanksFlow::OfRanks : public Kind {
   const auto& gather_on_all(const Request& request) {
     from_ = 1;
     const Order order{.task = Task::gather_rows, .number = number_};
-    return of_.together(order, [&]() -> const auto& {
-      ranks::broadcast_out(*of_.group_, AnyRowsRequest(request));
-      return of_.rows_->gather(number_, request, *of_.part_);
-    });
+    return of_.together(
+        order, [&]() -> const auto& {
+          ranks::broadcast_out(*of_.group_, AnyRowsRequest(request));
+          return of_.rows_->gather(number_, request, *of_.part_);
+        });
   }
 
  private:

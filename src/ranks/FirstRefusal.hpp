@@ -19,8 +19,8 @@ class FirstRefusal {
   /// Behind the last record that any file can have.
   static constexpr std::int64_t none = std::int64_t{1} << 40;
 
-  /// Calls read(), which asks nothing of other ranks; an exception is kept with the record that this
-  /// rank read then, unless an earlier one is kept.
+  /// Calls read(), which asks nothing of other ranks; an exception is kept with the record that
+  /// this rank read then, unless an earlier one is kept.
   template <class Read, class RecordNow>
   void keep(const Read& read, const RecordNow& record_now) {
     try {
@@ -42,7 +42,8 @@ class FirstRefusal {
   std::exception_ptr error_;
 };
 
-/// Does on every rank what each does for itself, without asking others; where one of them fails, all do.
+/// Does on every rank what each does for itself, without asking others; where one of them fails,
+/// all do.
 void do_together(Group& group, const std::function<void()>& step);
 
 }  // namespace ranks

@@ -79,8 +79,8 @@ void SplitEdges::read_records(const std::string& name, int scheme) {
 void SplitEdges::read_series() {
   const std::int64_t refused = refusal_.record_of_all(group_);
   std::vector<cases::Series>& series = blocks_.contents.series;
-  const auto of_ranks = exchange_values(
-      group_, std::map<int, std::vector<NamedSeries>>{{0, std::move(series_)}});
+  const auto of_ranks =
+      exchange_values(group_, std::map<int, std::vector<NamedSeries>>{{0, std::move(series_)}});
   std::map<int, std::vector<int>> numbers;
   cases::SeriesFiles files(series);
   Number edge = FirstRefusal::at_start;

@@ -7,9 +7,9 @@
 
 namespace ranks {
 
-using engine::at;
 using cases::Number;
 using cases::Part;
+using engine::at;
 
 namespace {
 

@@ -40,9 +40,7 @@ class DelayedExchange final : public ExchangeAround {
 class DelayedGroup final : public GroupAround {
  public:
   DelayedGroup(std::unique_ptr<ranks::Group> group, unsigned seed)
-      : GroupAround(std::move(group)),
-        seed_(seed),
-        wait_(seed + static_cast<unsigned>(rank())) {}
+      : GroupAround(std::move(group)), seed_(seed), wait_(seed + static_cast<unsigned>(rank())) {}
 
  private:
   void before() override { wait_(); }

@@ -31,8 +31,8 @@ std::string text_of(int file) {
   return text;
 }
 
-/// A script that starts the tests in the background lets them ignore some of these; the program would
-/// as well, and run on however often it is told to end.
+/// A script that starts the tests in the background lets them ignore some of these; the program
+/// would as well, and run on however often it is told to end.
 void take_signals() {
   for (const int signal_number : {SIGINT, SIGTERM, SIGHUP}) signal(signal_number, SIG_DFL);
 }

@@ -1,5 +1,5 @@
-// To be loaded before an MPI library: its reductions, of which the thirtieth fails by an exception, as
-// a card or a library may in the middle of a step.
+// To be loaded before an MPI library: its reductions, of which the thirtieth fails by an exception,
+// as a card or a library may in the middle of a step.
 #include <mpi.h>
 
 #include <stdexcept>

@@ -62,8 +62,7 @@ class MpiRuns : public testing::Test {
     return support::run_program(
         folder.path(),
         {"-n", "3", "sh", "-c",
-         of_one +
-             "exec " QUILLMERE_MPI_PROGRAM " -f data.json -nodisplay --report report.json"},
+         of_one + "exec " QUILLMERE_MPI_PROGRAM " -f data.json -nodisplay --report report.json"},
         by_mpiexec());
   }
   static Words with(Words words, const Words& more) {
