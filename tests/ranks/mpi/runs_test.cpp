@@ -1,7 +1,5 @@
 // The program over processes of an MPI job: the files of one process, one message for what is
 // wrong, and one end for all.
-#include <sys/resource.h>
-
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
@@ -326,6 +324,21 @@ TEST_F(MpiRuns, EndOnAllRanksWhereOneFailsInAStep) {
   }
 }
 
+TEST_F(MpiRuns, EndOnAllRanksWhereOneLacksMemory) {
+  Case c = support::full_case();
+  c.set_times(0.0, 1000.0);  // far more than is computed
+  for (const int rank : {0, 2}) {
+    const TemporaryFolder folder;
+    c.write(folder);
+    const RunResult result = with_one_that_begins(
+        folder, rank, "export QUILLMERE_TEST_LACKS_MEMORY=1 LD_PRELOAD=" FAILING_REDUCTION);
+    EXPECT_NE(result.status, 0);
+    EXPECT_FALSE(result.timed_out);
+    EXPECT_EQ(occurrences(result.err, "Error. There is not enough memory for this run."), 1)
+        << result.err;
+  }
+}
+
 TEST_F(MpiRuns, GoOnFromACheckpointOnAnotherNumberOfRanks) {
   struct Call {
     double t_end;
@@ -428,28 +441,6 @@ TEST_F(LongMpiRun, EndsOnAllRanksWhenOneIsKilled) {
     EXPECT_FALSE(result.timed_out);
     EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
     expect_whole_results();
-    std::filesystem::remove(folder.file("sections.txt"));
-  }
-}
-
-TEST_F(LongMpiRun, EndsOnAllRanksWhereOneLacksMemory) {
-  const int cells = c.n_cells();
-  c = support::full_case(200, 150);  // so much that a checkpoint needs more than is left over
-  ASSERT_GT(c.n_cells(), 10 * cells);
-  record_every(1e-9);
-  for (const int rank : {0, 2}) {
-    const auto program = start(3, {"--checkpoint", "kept"});
-    const pid_t process = process_of(rank);
-    ASSERT_GT(process, 0);
-    const rlimit none{1 << 20, 1 << 20};  // less than it has
-    ASSERT_EQ(prlimit(process, RLIMIT_AS, &none, nullptr), 0);
-    program->send(SIGUSR1);
-    const RunResult result = program->wait();
-    EXPECT_NE(result.status, 0);
-    EXPECT_FALSE(result.timed_out);
-    EXPECT_EQ(occurrences(result.err, "Error. There is not enough memory for this run."), 1)
-        << result.err;
-    EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
     std::filesystem::remove(folder.file("sections.txt"));
   }
 }
