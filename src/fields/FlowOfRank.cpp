@@ -244,7 +244,11 @@ void FlowOfRank::lay_plots() {
   laid->cells.assign(at(laid->squares.count()), 0);
   for (Number cell = 0; cell < part_.owned; ++cell) ++laid->cells[at(of_cells[at(cell)])];
   ranks::add_up_on_first(group_, laid->cells);
-  if (is_first()) laid->along_curve = laid->squares.along_curve();
+  if (is_first()) {
+    laid->along_curve = laid->squares.along_curve();
+  } else {
+    laid->cells = {};
+  }
   plots_ = std::move(laid);
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <functional>
 #include <limits>
 #include <numeric>
 #include <span>
@@ -21,7 +20,7 @@ namespace {
 constexpr double infinite = std::numeric_limits<double>::infinity();
 constexpr int squares_of_rank = 512, cells_of_square = 8, most_squares = 1 << 20;
 
-/// What squares over some cells depend on.
+/// What the number of squares over some cells depends on.
 struct Extent {
   double x_min = infinite, x_max = -infinite, y_min = infinite, y_max = -infinite;
   double area = 0.0, cells = 0.0;
@@ -46,14 +45,64 @@ Extent extent_of(const cases::Part& part) {
   return extent;
 }
 
+/// How many cells of all ranks lie where between the ends of their extent.
+class Spread {
+ public:
+  Spread(Group& group, const cases::Part& part, const Extent& all) : all_(all) {
+    counts_.assign(2 * bins, 0);
+    for (Number cell = 0; cell < part.owned; ++cell) {
+      const physics::SpacePoint center = part.contents.mesh.center_of(cell);
+      ++counts_[bin_of(center.x, all.x_min, all.x_max)];
+      ++counts_[bins + bin_of(center.y, all.y_min, all.y_max)];
+    }
+    sum_over_ranks(group, counts_);
+  }
+
+  /// The lines between so many parts, of about as many cells each.
+  std::vector<double> x_lines(int parts) const {
+    return lines(std::span(counts_).first(bins), all_.x_min, all_.x_max, parts);
+  }
+  std::vector<double> y_lines(int parts) const {
+    return lines(std::span(counts_).last(bins), all_.y_min, all_.y_max, parts);
+  }
+
+ private:
+  static constexpr std::size_t bins = std::size_t{1} << 14;
+
+  static std::size_t bin_of(double x, double x_min, double x_max) {
+    const double place = (x - x_min) / (x_max - x_min) * static_cast<double>(bins);
+    return place > 0.0 ? std::min(bins - 1, static_cast<std::size_t>(place)) : 0;
+  }
+
+  std::vector<double> lines(std::span<const std::int64_t> counts, double x_min, double x_max,
+                            int parts) const {
+    const double width = (x_max - x_min) / static_cast<double>(bins);
+    std::vector<double> lines;
+    std::size_t bin = 0;
+    double before = 0.0;  // cells before the bin
+    for (int part = 1; part < parts; ++part) {
+      const double wanted = all_.cells * part / parts;
+      while (bin + 1 < bins && before + static_cast<double>(counts[bin]) < wanted) {
+        before += static_cast<double>(counts[bin++]);
+      }
+      const double within = (wanted - before) / std::max(1.0, static_cast<double>(counts[bin]));
+      lines.push_back(x_min + width * (static_cast<double>(bin) + within));
+    }
+    return lines;
+  }
+
+  const Extent& all_;
+  std::vector<std::int64_t> counts_;  ///< by x, then by y
+};
+
 }  // namespace
 
 std::vector<int> Squares::along_curve() const {
-  const engine::HilbertCurve curve(0.0, columns_, 0.0, rows_);
+  const engine::HilbertCurve curve(0.0, columns(), 0.0, rows());
   std::vector<std::uint64_t> distances;
   distances.reserve(at(count()));
-  for (int row = 0; row < rows_; ++row) {
-    for (int column = 0; column < columns_; ++column) {
+  for (int row = 0; row < rows(); ++row) {
+    for (int column = 0; column < columns(); ++column) {
       distances.push_back(curve.distance_of(column + 0.5, row + 0.5));
     }
   }
@@ -71,12 +120,12 @@ Squares squares_over(Group& group, const cases::Part& part) {
   const double wanted =
       std::min(all.cells / cells_of_square, static_cast<double>(squares_of_rank) * group.size());
   double side = std::sqrt(all.area / std::max(1.0, wanted));
-  // Of a mesh that winds through its extent most squares hold nothing.
   side = std::max({side, std::sqrt(width * height / (most_squares / 4)),
                    std::max(width, height) / (most_squares / 4)});
-  if (!(side > 0.0)) return {all.x_min, all.y_min, 1.0, 1, 1};
-  return {all.x_min, all.y_min, side, 1 + static_cast<int>(width / side),
-          1 + static_cast<int>(height / side)};
+  if (!(side > 0.0)) return {{}, {}};
+  const Spread spread(group, part, all);
+  return {spread.x_lines(1 + static_cast<int>(width / side)),
+          spread.y_lines(1 + static_cast<int>(height / side))};
 }
 
 std::vector<int> squares_of(const Squares& squares, const cases::Part& part) {
@@ -88,20 +137,6 @@ std::vector<int> squares_of(const Squares& squares, const cases::Part& part) {
     squares_of_cells.push_back(squares.at_point(center.x, center.y));
   }
   return squares_of_cells;
-}
-
-/// Each rank hears those that stand above it in a tree of pairs, and tells the one below.
-void add_up_on_first(Group& group, std::vector<int>& numbers) {
-  std::vector<int> more(numbers.size());
-  for (int distance = 1; distance < group.size(); distance *= 2) {
-    const int rank = group.rank();
-    if (rank % (2 * distance) != 0) {
-      return group.send(std::as_bytes(std::span(numbers)), rank - distance);
-    }
-    if (rank + distance >= group.size()) continue;
-    group.receive(std::as_writable_bytes(std::span(more)), rank + distance);
-    std::transform(numbers.begin(), numbers.end(), more.begin(), numbers.begin(), std::plus<>());
-  }
 }
 
 }  // namespace ranks

@@ -1,6 +1,8 @@
-// Equal squares over a mesh, by which ranks tell each other roughly where something is.
+// Squares over a mesh, by which ranks tell each other roughly where something is.
 #pragma once
 
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "case/Part.hpp"
@@ -9,40 +11,38 @@
 
 namespace ranks {
 
+/// They are numbered in rows from the south-west corner on. Where a mesh is fine, they are narrow,
+/// so that none holds very many cells.
 class Squares {
  public:
-  /// In rows from the south-west corner of an extent on; `side`: m, above 0.
-  Squares(double x_min, double y_min, double side, int columns, int rows)
-      : x_min_(x_min), y_min_(y_min), per_metre_(1.0 / side), columns_(columns), rows_(rows) {}
+  /// Between lines of one x (m) each, in ascending order, and of one y.
+  Squares(std::vector<double> x_lines, std::vector<double> y_lines)
+      : x_lines_(std::move(x_lines)), y_lines_(std::move(y_lines)) {}
 
-  int columns() const { return columns_; }
-  int rows() const { return rows_; }
-  int count() const { return columns_ * rows_; }
-  /// The square that holds a point of the extent.
+  int columns() const { return static_cast<int>(x_lines_.size()) + 1; }
+  int rows() const { return static_cast<int>(y_lines_.size()) + 1; }
+  int count() const { return columns() * rows(); }
+  /// The square that holds a point.
   int at_point(double x, double y) const {
-    return place(y, y_min_, rows_) * columns_ + place(x, x_min_, columns_);
+    return place(y, y_lines_) * columns() + place(x, x_lines_);
   }
   /// The numbers of all of them along a Hilbert curve.
   std::vector<int> along_curve() const;
 
  private:
-  int place(double x, double x_min, int count) const {
-    const int k = static_cast<int>((x - x_min) * per_metre_);
-    return k < count ? k : count - 1;
+  static int place(double x, const std::vector<double>& lines) {
+    return static_cast<int>(std::upper_bound(lines.begin(), lines.end(), x) - lines.begin());
   }
 
-  double x_min_, y_min_, per_metre_;
-  int columns_, rows_;
+  std::vector<double> x_lines_, y_lines_;
 };
 
-/// Some hundreds for every rank, as far as several cells are left for each. Called by all ranks.
+/// Some hundreds with cells for every rank, as far as several cells are left for each, and all of
+/// them are not too many for one rank: on a mesh that winds through its extent most hold nothing.
+/// As many cells lie between two neighbouring lines as between any others. Called by all ranks.
 Squares squares_over(Group& group, const cases::Part& part);
 
 /// The squares of the cells of a part, ghosts included.
 std::vector<int> squares_of(const Squares& squares, const cases::Part& part);
-
-/// Numbers of all ranks, added up one by one; on rank 0, on the others anything. Called by all
-/// ranks.
-void add_up_on_first(Group& group, std::vector<int>& numbers);
 
 }  // namespace ranks

@@ -99,8 +99,10 @@ std::vector<double> loads_of(const Deal& deal, const CellsOfSquares& cells, int 
     all[owner] += cells.all[square];
     if (cells.busy[square] > 0) loads[owner] += cells.all[square];
   }
+  constexpr double most = 3.0;  // of the mean
+  const double mean = std::accumulate(all.begin(), all.end(), 0.0) / ranks;
   for (std::size_t rank = 0; rank < all.size(); ++rank) {
-    if (all[rank] == 0) loads[rank] = HUGE_VAL;
+    if (all[rank] == 0 || all[rank] > most * mean) loads[rank] = HUGE_VAL;
   }
   return loads;
 }

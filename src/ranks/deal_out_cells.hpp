@@ -31,7 +31,8 @@ struct Deal {
 Deal deal_out_cells(const Squares& squares, const std::vector<int>& along_curve,
                     const CellsOfSquares& cells, int ranks);
 
-/// How many cells of busy squares every rank gets; infinitely many for one that gets no cell.
+/// How many cells of busy squares every rank gets; infinitely many for one that gets no cell, or so
+/// many cells in all that its memory might not hold them.
 std::vector<double> loads_of(const Deal& deal, const CellsOfSquares& cells, int ranks);
 
 /// Largest over mean; 1 where there is nothing to do.

@@ -66,22 +66,25 @@ std::vector<Value> values_end_to_end(std::vector<Message> messages) {
   return values;
 }
 
-/// Sums of numbers of every rank, place by place, on all of them. Each rank hears those that stand
-/// above it in a tree of pairs, and tells the one below.
-inline void sum_over_ranks(Group& group, std::vector<std::int64_t>& sums) {
+/// Sums of numbers of every rank, place by place: on rank 0, on the others anything. Each rank
+/// hears those that stand above it in a tree of pairs, and tells the one below.
+template <class Number>
+void add_up_on_first(Group& group, std::vector<Number>& sums) {
   const int rank = group.rank();
   const auto bytes = std::as_writable_bytes(std::span(sums));
   for (int distance = 1; distance < group.size(); distance *= 2) {
-    if (rank % (2 * distance) != 0) {
-      group.send(bytes, rank - distance);
-      break;
-    }
+    if (rank % (2 * distance) != 0) return group.send(bytes, rank - distance);
     if (rank + distance >= group.size()) continue;
-    std::vector<std::int64_t> above(sums.size());
+    std::vector<Number> above(sums.size());
     group.receive(std::as_writable_bytes(std::span(above)), rank + distance);
     for (std::size_t k = 0; k < sums.size(); ++k) sums[k] += above[k];
   }
-  group.broadcast(bytes);
+}
+
+/// The same on all ranks.
+inline void sum_over_ranks(Group& group, std::vector<std::int64_t>& sums) {
+  add_up_on_first(group, sums);
+  group.broadcast(std::as_writable_bytes(std::span(sums)));
 }
 
 /// Bytes on their way to other ranks, or from one: the call of a group that moves them.

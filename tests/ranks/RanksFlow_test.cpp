@@ -124,7 +124,7 @@ TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
         EXPECT_EQ(clock.dt, expected[at(step)].dt) << step;
         EXPECT_EQ(flow->takes_questions(), step == steps) << step;
       }
-      EXPECT_EQ(counts.orders, 2);  // to think of moving cells, and to go
+      EXPECT_EQ(counts.orders, 3);  // to think of moving cells, where cells are, and to go
       engine::State state, state_alone;
       flow->save(state);
       alone->save(state_alone);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <numeric>
 
@@ -11,6 +12,7 @@
 #include "model/SWE.hpp"
 #include "ranks/cut_along_curve.hpp"
 #include "ranks/on_ranks.hpp"
+#include "ranks/values.hpp"
 #include "support/RectangleMesh.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/case_of.hpp"
@@ -27,7 +29,7 @@ cases::Case rectangle(int across, int up) {
 }  // namespace
 
 TEST(Squares, HoldThePointsOfTheirExtent) {
-  const ranks::Squares squares(10.0, -5.0, 2.0, 4, 3);
+  const ranks::Squares squares({12.0, 14.0, 16.0}, {-3.0, -1.0});
   EXPECT_EQ(squares.count(), 12);
   EXPECT_EQ(squares.at_point(10.0, -5.0), 0);
   EXPECT_EQ(squares.at_point(11.9, -3.1), 0);
@@ -37,7 +39,8 @@ TEST(Squares, HoldThePointsOfTheirExtent) {
 }
 
 TEST(Squares, FollowEachOtherAlongTheirCurve) {
-  const ranks::Squares squares(0.0, 0.0, 1.0, 16, 16);
+  const std::vector<double> lines = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+  const ranks::Squares squares(lines, lines);
   const std::vector<int> order = squares.along_curve();
   std::vector<int> sorted = order, all(256);
   std::sort(sorted.begin(), sorted.end());
@@ -75,4 +78,21 @@ TEST(Squares, OfAMeshAreTheSameOnAllRanksAndHoldSeveralCells) {
       EXPECT_EQ(counts, expected);
     });
   }
+}
+
+TEST(Squares, AreNarrowWhereAMeshIsFine) {
+  cases::Case contents = rectangle(60, 60);
+  for (double& x : contents.mesh.x) x = 60.0 * std::pow(x / 60.0, 4.0);
+  for (double& y : contents.mesh.y) y = 60.0 * std::pow(y / 60.0, 4.0);
+  cases::PartCutter cutter(contents);
+  const std::vector<ranks::Cells> all = ranks::cut_along_curve(contents.mesh, 1);
+  const cases::Part part = cutter.part_of(all.front(), 1);
+  test_ranks::on_ranks(1, [&](ranks::Group& group) {
+    const ranks::Squares squares = ranks::squares_over(group, part);
+    EXPECT_GT(squares.count(), 300);
+    std::vector<int> counts(cases::at(squares.count()), 0);
+    for (const int square : ranks::squares_of(squares, part)) ++counts[cases::at(square)];
+    // Of 12 in the mean; 2,450 lie in a square of a 30th of the extent's width.
+    EXPECT_LT(*std::max_element(counts.begin(), counts.end()), 60);
+  });
 }

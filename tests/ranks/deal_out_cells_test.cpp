@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <numeric>
+#include <vector>
 
 using ranks::CellsOfSquares;
 using ranks::Deal;
@@ -13,7 +15,14 @@ using ranks::Deal;
 namespace {
 
 constexpr int columns = 80, rows = 40, of_square = 8;
-const ranks::Squares squares(0.0, 0.0, 1.0, columns, rows);
+
+std::vector<double> lines_between(int parts) {
+  std::vector<double> lines(cases::at(parts - 1));
+  std::iota(lines.begin(), lines.end(), 1.0);
+  return lines;
+}
+
+const ranks::Squares squares(lines_between(columns), lines_between(rows));
 
 /// As many cells in every square, and water where it is told, by column and row.
 CellsOfSquares cells_with_water(const std::function<bool(int, int)>& is_wet) {
@@ -90,10 +99,16 @@ TEST(DealOutCells, LeavesRunsWhereAllIsAlike) {
 }
 
 TEST(DealOutCells, IsWorthNothingWhereARankWouldHaveNoCell) {
-  const ranks::Squares two(0.0, 0.0, 1.0, 2, 1);
+  const ranks::Squares two({1.0}, {});
   const CellsOfSquares cells = {{5, 4}, {5, 0}};
   const Deal deal = ranks::deal_out_cells(two, two.along_curve(), cells, 3);
   EXPECT_EQ(ranks::imbalance_of(ranks::loads_of(deal, cells, 3)), HUGE_VAL);
+}
+
+TEST(LoadsOf, AreTooManyWhereARankWouldHaveManyTimesTheMean) {
+  const CellsOfSquares cells = {{5, 5, 90, 5, 5}, {5, 5, 0, 5, 5}};
+  const Deal even{{0, 1, 2, 3, 4}, {}};
+  EXPECT_EQ(ranks::loads_of(even, cells, 5), (std::vector<double>{5, 5, HUGE_VAL, 5, 5}));
 }
 
 TEST(ImbalanceOf, IsTheLargestLoadOverTheMean) {
