@@ -109,12 +109,10 @@ class Scaling:
             last = run[4:]
             alone = alone or last[0]
             limit = 1.25 * alone / ranks + 60
-            rows.append([f"{ranks}", f"{run[2]:.1f}", f"{last[0]:,.0f}",
-                         f"{max(last[1:]):,.0f}" if ranks > 1 else "", f"{sum(last):,.0f}",
-                         f"{limit:,.0f}"])
+            rows.append([f"{ranks}", f"{run[2]:.1f}", f"{max(last):,.0f}", f"{limit:,.0f}"])
         shutil.rmtree(case)
-        return table(["ranks", "set-up (s)", "rank 0 (MB)", "largest of the others (MB)",
-                      "all (MB)", "1.25 shares + 60 (MB)"], rows) + left_out
+        return table(["ranks", "set-up (s)", "largest of all (MB)", "1.25 shares + 60 (MB)"],
+                     rows) + left_out
 
     def balance(self, steps):
         cases = [("all wet", self.case(300_000, "wet", 10_000), 640),

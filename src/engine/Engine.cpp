@@ -253,15 +253,15 @@ std::size_t Engine::place_at_hand(cases::Number cell) const {
 }
 
 std::vector<char> Engine::busy() {
-  if (device_) device_->bring_forcing_home();
+  constexpr bool it_rains = false;  // as in most steps: rain comes in bursts
   std::vector<double> depths(at(tables_.owned));
   read(tables_.cells.h, depths);
   std::vector<char> busy;
   busy.reserve(depths.size());
   for (std::size_t k = 0; k < depths.size(); ++k) {
     const int patch = tables_.place[k] / tables_.cells_per_patch();
-    const bool is_busy = physics::is_wet(depths[k], tables_.zero_depth) ||
-                         activity_.needs_no_water(patch, forcing_.it_rains());
+    const bool is_busy =
+        physics::is_wet(depths[k], tables_.zero_depth) || activity_.needs_no_water(patch, it_rains);
     busy.push_back(is_busy ? 1 : 0);
   }
   return busy;

@@ -21,9 +21,10 @@ struct Uneven {
 
 /// Ranks tell now and then what they have done. All wait for the slowest: what the others lose adds
 /// up, and once it is more than it costs to move cells, these are moved, if that gains enough. So
-/// moves never take longer than what they are made for has taken, however the flow goes on. What is
-/// lost follows from the cells that ranks compute: times tell as well of machines that differ, and
-/// of what else runs there, which no move would change.
+/// but for the first, before the first step, moves never take longer than what they are made for
+/// has taken, however the flow goes on. What is lost follows from the cells that ranks compute:
+/// times tell as well of machines that differ, and of what else runs there, which no move would
+/// change.
 class Balance {
  public:
   static constexpr int steps_between_looks = 64;

@@ -1,9 +1,7 @@
 // A Hilbert curve over the cells of all ranks, and where to cut it into runs, one for each.
 #pragma once
 
-#include <cstdint>
 #include <span>
-#include <tuple>
 #include <vector>
 
 #include "engine/numbering.hpp"
@@ -11,22 +9,6 @@
 #include "ranks/Group.hpp"
 
 namespace ranks {
-
-/// A place along the curve, where a cell lies.
-struct CurvePlace {
-  std::uint64_t distance;
-  cases::Number cell;
-
-  friend bool operator<(const CurvePlace& a, const CurvePlace& b) {
-    return std::tie(a.distance, a.cell) < std::tie(b.distance, b.cell);
-  }
-
-  /// For utils/bytes.hpp.
-  template <class Self, class Visit>
-  static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.distance, self.cell);
-  }
-};
 
 /// The curve over the centres of the cells of all ranks; here are those of this one. Called by all
 /// ranks.

@@ -90,7 +90,7 @@ bool deal_out_rows(Group& group, cases::Number rows_of_all, std::size_t bytes_pe
   for (int rank = 0; rank < group.size(); ++rank) {
     if (!lost) {
       lost = read_rows(group, rank, rows_of_all, bytes_per_row, *rows, take);
-    } else {
+    } else if (rows_left_to(rank, group, rows_of_all) > 0) {
       send_count(group, 0, rank);
     }
   }

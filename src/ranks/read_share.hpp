@@ -26,8 +26,8 @@ struct ReadShare {
   std::vector<int> owners;    ///< ... and those of the block of this rank
 };
 
-/// Ends on all ranks with what cases::read_case() ends with, on the others as a FatalError that
-/// tells it. Rank 0 alone tells the listeners and the diagnostics. Called by all ranks.
+/// Ends on all ranks with what cases::read_case() ends with, on the others as a Refusal that tells
+/// it. Rank 0 alone tells the listeners and the diagnostics. Called by all ranks.
 ReadShare read_share(Group& group, const std::string& data_file, const cases::Listeners& listeners,
                      cases::Diagnostics& diagnostics);
 

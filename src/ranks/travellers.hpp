@@ -13,7 +13,7 @@ struct TravellingEdge {
   cases::Number number, left, right, node1, node2;
   int left_owner, right_owner;  ///< ranks that own the cells; -1 without a right cell
   cases::Number boundary;       ///< number of its boundary condition; -1: none, and nothing follows
-  cases::Boundary condition;    ///< names no edge
+  cases::Boundary condition;    ///< names it by its number in the whole case
 
   /// Here and below for utils/bytes.hpp.
   template <class Self, class Visit>

@@ -5,12 +5,28 @@
 #include <cstdlib>
 #include <memory>
 #include <string_view>
+#include <utility>
 
 namespace utils {
 
 /// Notation holds until it is changed, as on a stream: six significant digits at first.
 class TextBuffer {
  public:
+  TextBuffer() = default;
+  /// The other one is empty then.
+  TextBuffer(TextBuffer&& other) noexcept
+      : memory_(std::move(other.memory_)),
+        room_(std::exchange(other.room_, 0)),
+        size_(std::exchange(other.size_, 0)),
+        fixed_(other.fixed_) {}
+  TextBuffer& operator=(TextBuffer&& other) noexcept {
+    memory_ = std::move(other.memory_);
+    room_ = std::exchange(other.room_, 0);
+    size_ = std::exchange(other.size_, 0);
+    fixed_ = other.fixed_;
+    return *this;
+  }
+
   /// Six significant digits, the default notation of streams.
   void use_default_notation() { fixed_ = false; }
   /// Three decimals.

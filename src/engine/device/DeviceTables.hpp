@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <vector>
 
 #include "engine/Exchange.hpp"
@@ -90,6 +91,7 @@ class DeviceTables {
     for_each_column(tables.cells, [&](const Numbers& own, Column& of_host) {
       if (&of_host == &column) found = {own.data(), &of_host};
     });
+    if (found.of_host == nullptr) throw std::logic_error("The device has no such column.");
     return found;
   }
   /// Those of the state of a cell.

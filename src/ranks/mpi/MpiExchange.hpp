@@ -4,6 +4,7 @@
 #include <mpi.h>
 
 #include <array>
+#include <memory>
 #include <vector>
 
 #include "engine/Exchange.hpp"
@@ -19,9 +20,11 @@ namespace ranks {
 class MpiExchange final : public engine::Exchange {
  public:
   /// Between initialisation and end of MPI; every process of the communicator makes one, of its own
-  /// halos (see share_of).
+  /// halos (see share_of). Where their group is broken by then, it leaves what is under way to the
+  /// end of the job.
   MpiExchange(MPI_Comm communicator, const std::vector<Halo>& halos,
-              bool takes_memory_of_card = mpi_takes_memory_of_card());
+              bool takes_memory_of_card = mpi_takes_memory_of_card(),
+              std::shared_ptr<const bool> is_broken = std::make_shared<bool>(false));
   ~MpiExchange() override;
   MpiExchange(const MpiExchange&) = delete;
   MpiExchange& operator=(const MpiExchange&) = delete;
@@ -49,6 +52,7 @@ class MpiExchange final : public engine::Exchange {
   engine::HaloCells cells_;
   std::vector<Neighbour> neighbours_;
   bool takes_memory_of_card_;
+  std::shared_ptr<const bool> is_broken_;
   engine::PackedHalo packed_{};  ///< that of the requests
   std::vector<MPI_Request> receives_, sends_;
   Values own_{}, agreed_{};

@@ -61,7 +61,9 @@ MpiGroup::Machine::Machine(MPI_Comm communicator) {
   MPI_Comm_free(&here);
 }
 
-MpiGroup::~MpiGroup() { MPI_Comm_free(&communicator_); }
+MpiGroup::~MpiGroup() {
+  if (!is_broken()) MPI_Comm_free(&communicator_);  // which may wait for the others
+}
 
 int MpiGroup::rank() const {
   int rank = 0;
@@ -202,7 +204,8 @@ std::unique_ptr<Group> MpiGroup::first(int members) {
 }
 
 std::unique_ptr<engine::Exchange> MpiGroup::exchange(std::vector<Halo> halos) {
-  return std::make_unique<MpiExchange>(communicator_, halos);
+  return std::make_unique<MpiExchange>(communicator_, halos, mpi_takes_memory_of_card(),
+                                       is_broken_);
 }
 
 }  // namespace ranks
