@@ -49,7 +49,7 @@ struct UnseenDepth {
 struct ExecutionPath {
   const char* name;
   int threads;
-  const char* instruction_set;
+  std::string instruction_set;
   int ranks = 1;
   int recuts = 0;
   double imbalance = 1.0;
