@@ -13,7 +13,9 @@
 namespace ranks {
 
 /// Takes up to 12 bytes for every 64 numbers between the least and the largest of a neighbourhood,
-/// and next to nothing for those of which it holds none nearby.
+/// and next to nothing for those of which it holds none nearby. That is little where what lies
+/// together has near numbers, as mesh generators give them; a number alone takes 92 bytes, for as
+/// long as a case is read.
 class NumberSet {
  public:
   NumberSet() = default;

@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <map>
-#include <utility>
 #include <vector>
 
 #include "case/initial_state.hpp"
 #include "case/node_bed.hpp"
+#include "ranks/SendPlan.hpp"
 
 namespace ranks {
 
@@ -29,38 +28,28 @@ Shape shape_of_all(Group& group, const cases::Case& block) {
   return all;
 }
 
-/// The bed of cells, in their order, with a node of each.
-struct BedTerms {
-  std::vector<Number> nodes;
-  std::vector<double> beds;  ///< m
-
-  template <class Self, class Visit>
-  static void visit_parts(Self& self, const Visit& visit) {
-    visit(self.nodes, self.beds);
-  }
-};
-
 /// At the nodes of the block of this rank, of the cells around them wherever these are.
 std::vector<double> bed_at_nodes(Group& group, const CaseBlocks& blocks,
                                  const std::vector<double>& cell_bed) {
   const cases::Mesh& mesh = blocks.contents.mesh;
-  std::map<int, BedTerms> terms;
+  std::vector<Number> nodes;  // of the corners of all cells, one after the other
+  std::vector<double> beds;   // m, of their cells
   for (Number cell = 0; cell < mesh.n_cells(); ++cell) {
     for (const Number here : mesh.nodes_of(cell)) {
-      const Number node = blocks.node_number[at(here)];
-      BedTerms& of_owner = terms[blocks.nodes.owner_of(node)];
-      of_owner.nodes.push_back(node);
-      of_owner.beds.push_back(cell_bed[at(cell)]);
+      nodes.push_back(blocks.node_number[at(here)]);
+      beds.push_back(cell_bed[at(cell)]);
     }
   }
+  const auto to_owner = [&](Number corner, const auto& visit) {
+    visit(blocks.nodes.owner_of(nodes[at(corner)]));
+  };
+  const SendPlan plan(group, static_cast<Number>(nodes.size()), to_owner);
+  nodes = plan.send(nodes);
+  beds = plan.send(beds);
+  // Blocks follow each other by their ranks: the terms of a node come in the order of all cells.
   cases::NodeBed bed(blocks.corners.z.size());
   const Number first = blocks.nodes.begin(group.rank());
-  // Blocks follow each other by their ranks: the terms of a node come in the order of all cells.
-  for (const auto& [sender, sent] : exchange_values(group, std::move(terms))) {
-    for (std::size_t k = 0; k < sent.nodes.size(); ++k) {
-      bed.add(at(sent.nodes[k] - first), sent.beds[k]);
-    }
-  }
+  for (std::size_t k = 0; k < nodes.size(); ++k) bed.add(at(nodes[k] - first), beds[k]);
   return bed.means(blocks.corners.z);
 }
 
