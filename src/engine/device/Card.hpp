@@ -153,7 +153,7 @@ class CardArray {
   std::size_t size_ = 0, capacity_ = 0;
 };
 
-/// A place in the course of what was launched.
+/// Values of an array that others than the device will read.
 class CardMark {
  public:
   CardMark() { check(cudaEventCreateWithFlags(&event_, cudaEventDisableTiming)); }
@@ -161,12 +161,21 @@ class CardMark {
   CardMark& operator=(const CardMark&) = delete;
   ~CardMark() { cudaEventDestroy(event_); }
 
-  void set() { check(cudaEventRecord(event_, CardStream::of_process())); }
-  /// Returns when all before it is done.
-  void wait() const { check(cudaEventSynchronize(event_)); }
+  /// Those that are there once what was launched before is done; nothing that is launched before
+  /// wait() may read them.
+  void set(const CardArray<double>& values) {
+    values_ = values.data();
+    check(cudaEventRecord(event_, CardStream::of_process()));
+  }
+  /// Returns them when they are there.
+  const double* wait() const {
+    check(cudaEventSynchronize(event_));
+    return values_;
+  }
 
  private:
   cudaEvent_t event_ = nullptr;
+  const double* values_ = nullptr;
 };
 
 /// Values on their way between the card and the host, while the card goes on.
@@ -192,7 +201,7 @@ class CardParcel {
   void start_home(const CardArray<double>& values) {
     resize(values.size());
     copy(values_, values.data(), cudaMemcpyDeviceToHost);
-    taken_.set();
+    taken_.set(values);
   }
   /// Returns what was taken, when it is there.
   std::span<const double> wait() const {

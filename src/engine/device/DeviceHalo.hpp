@@ -30,7 +30,7 @@ class DeviceHalo {
     cells_sent_.pack(columns_, sent_, machine);
     received_.resize(cells_received_.size() * columns_.size());
     if (is_direct_) {
-      packed_.set();
+      packed_.set(sent_);
     } else {
       sent_by_host_.start_home(sent_);
       received_by_host_.resize(received_.size());
@@ -41,10 +41,7 @@ class DeviceHalo {
   PackedHalo packed() {
     const auto columns = static_cast<int>(columns_.size());
     if (is_empty()) return {nullptr, nullptr, columns};
-    if (is_direct_) {
-      packed_.wait();
-      return {sent_.data(), received_.data(), columns};
-    }
+    if (is_direct_) return {packed_.wait(), received_.data(), columns};
     return {sent_by_host_.wait().data(), received_by_host_.data(), columns};
   }
   /// Puts what was received in its places, with a bed that is laid there.

@@ -10,6 +10,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "engine/Range.hpp"
@@ -34,15 +35,14 @@ class EmulatedArray {
   /// Null without values.
   Value* data() const { return values_.get(); }
 
-  /// Other values, which are not set.
+  /// Other values, which are not set: numbers are NaN.
   void resize(std::size_t size) {
-    if (size == size_) return;
-    values_ = size > 0 ? std::make_unique_for_overwrite<Value[]>(size) : nullptr;
-    size_ = size;
+    make_room(size);
+    if constexpr (std::is_same_v<Value, double>) std::fill_n(values_.get(), size, NAN);
   }
   /// Copies from the host, as many as there are there.
   void take(std::span<const Value> values) {
-    resize(values.size());
+    make_room(values.size());
     std::copy(values.begin(), values.end(), values_.get());
     EmulatedTraffic::bytes += values.size_bytes();
   }
@@ -53,37 +53,90 @@ class EmulatedArray {
   }
 
  private:
+  void make_room(std::size_t size) {
+    if (size == size_) return;
+    values_ = size > 0 ? std::make_unique_for_overwrite<Value[]>(size) : nullptr;
+    size_ = size;
+  }
+
   std::unique_ptr<Value[]> values_;
   std::size_t size_ = 0;
 };
 
-/// A place in the course of what was launched.
+/// Numbers that somebody may look at only once he has waited for them; until then he sees NaN.
+class HiddenNumbers {
+ public:
+  /// Hides those that lie in a memory.
+  void hide(std::span<double> values) {
+    shown_ = values;
+    hidden_.assign(values.begin(), values.end());
+    std::fill(values.begin(), values.end(), NAN);
+  }
+  void show() {
+    if (hidden_.empty()) return;
+    std::copy(hidden_.begin(), hidden_.end(), shown_.begin());
+    hidden_.clear();
+  }
+
+ private:
+  std::span<double> shown_;
+  std::vector<double> hidden_;
+};
+
+/// Values of an array that others than the device will read.
 class EmulatedMark {
  public:
-  void set() {}
-  /// Returns when all before it is done.
-  void wait() const {}
+  /// Those that are there once what was launched before is done; nothing that is launched before
+  /// wait() may read them.
+  void set(EmulatedArray<double>& values) {
+    values_ = values.data();
+    hidden_.hide({values_, values.size()});
+  }
+  /// Returns them when they are there.
+  const double* wait() {
+    hidden_.show();
+    return values_;
+  }
+
+ private:
+  HiddenNumbers hidden_;
+  double* values_ = nullptr;
 };
 
 /// Values on their way between the device and the host.
 class EmulatedParcel {
  public:
   /// Other values, which are not set.
-  void resize(std::size_t size) { values_.resize(size); }
+  void resize(std::size_t size) {
+    values_.assign(size, NAN);
+    hidden_ = {};
+  }
   double* data() { return values_.data(); }
 
   /// Takes all of an array, as it is once what was launched before is done.
   void start_home(const EmulatedArray<double>& values) {
     values_.resize(values.size());
     values.give(values_);
+    hidden_.hide(values_);
   }
   /// Returns what was taken, when it is there.
-  std::span<const double> wait() const { return values_; }
-  /// Gives all to an array of this size, before what is launched from now on.
-  void start_away(EmulatedArray<double>& values) const { values.take(values_); }
+  std::span<const double> wait() {
+    hidden_.show();
+    return values_;
+  }
+  /// Gives all to an array of this size, or throws std::logic_error; before what is launched from
+  /// now on.
+  void start_away(EmulatedArray<double>& values) const {
+    if (values.size() != values_.size()) {
+      throw std::logic_error("a parcel of " + std::to_string(values_.size()) +
+                             " numbers goes to an array of " + std::to_string(values.size()));
+    }
+    values.take(values_);
+  }
 
  private:
   std::vector<double> values_;
+  HiddenNumbers hidden_;
 };
 
 /// Blocks run in random order on the threads of a team, the threads of a block in reverse, each

@@ -1,10 +1,12 @@
 // The emulated device runs every thread of every phase of every block, and finds threads of a block
-// that misuse their scratch.
+// that misuse their scratch and hosts that do not wait.
 #include "engine/device/Emulator.hpp"
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <numeric>
+#include <span>
 
 namespace {
 
@@ -142,4 +144,54 @@ TEST(Emulator, FindsMisuseOfTheScratch) {
   EXPECT_EQ(complaint_of(Misuse::reads_beyond), "block 0, phase 1, thread 3: word 6 is none of 6");
   EXPECT_EQ(complaint_of(Misuse::writes_beyond),
             "block 0, phase 1, thread 0: word -1 is none of 6");
+}
+
+TEST(Emulator, ShowsWhatIsOnItsWayHomeOnlyToThoseWhoWait) {
+  Emulator::Array<double> on_device;
+  on_device.take(std::vector<double>{1.0, 2.0});
+  Emulator::Parcel parcel;
+  for (int round = 0; round < 2; ++round) {  // also where the last one has been waited for
+    parcel.start_home(on_device);
+    EXPECT_TRUE(std::isnan(parcel.data()[0]) && std::isnan(parcel.data()[1]));
+    const std::span<const double> taken = parcel.wait();
+    EXPECT_EQ(std::vector<double>(taken.begin(), taken.end()), (std::vector<double>{1.0, 2.0}));
+    EXPECT_EQ(parcel.wait()[1], 2.0);
+  }
+}
+
+TEST(Emulator, ShowsItsMemoryOnlyToThoseWhoWait) {
+  Emulator::Array<double> on_device;
+  on_device.take(std::vector<double>{1.0, 2.0});
+  Emulator::Mark mark;
+  mark.set(on_device);
+  EXPECT_TRUE(std::isnan(on_device.data()[0]) && std::isnan(on_device.data()[1]));
+  EXPECT_EQ(mark.wait(), on_device.data());
+  EXPECT_EQ(on_device.data()[0], 1.0);
+  EXPECT_EQ(mark.wait()[1], 2.0);
+}
+
+TEST(Emulator, HoldsNothingThatWasNotSet) {
+  Emulator::Array<double> on_device;
+  on_device.take(std::vector<double>{1.0});
+  on_device.resize(1);
+  EXPECT_TRUE(std::isnan(on_device.data()[0]));
+  Emulator::Parcel parcel;
+  parcel.resize(1);
+  parcel.data()[0] = 1.0;
+  parcel.resize(1);
+  EXPECT_TRUE(std::isnan(parcel.data()[0]));
+}
+
+TEST(Emulator, RefusesAParcelForAnArrayOfAnotherSize) {
+  Emulator::Array<double> on_device;
+  on_device.resize(2);
+  Emulator::Parcel parcel;
+  for (const std::size_t size : {1, 3}) {
+    parcel.resize(size);
+    EXPECT_THROW(parcel.start_away(on_device), std::logic_error);
+  }
+  parcel.resize(2);
+  parcel.data()[0] = 5.0;
+  parcel.start_away(on_device);
+  EXPECT_EQ(on_device.data()[0], 5.0);
 }
