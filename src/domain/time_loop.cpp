@@ -72,9 +72,8 @@ void Domain::pause_after_step() {
 }
 
 double Domain::next_pause() {
-  const bool is_next = is_asked_to_end_ || settings_.report != nullptr || looks_->is_due(1) ||
-                       (keeper_ && keeper_->is_due()) || has_lost_a_result() ||
-                       utils::can_go_on_with_writers() ||
+  const bool is_next = is_asked_to_end_ || looks_->is_due(1) || (keeper_ && keeper_->is_due()) ||
+                       has_lost_a_result() || utils::can_go_on_with_writers() ||
                        (settings_.progress != nullptr && settings_.progress->is_due());
   if (is_next) return -HUGE_VAL;
   double next = std::min(case_.t_end, next_enveloppe_time);

@@ -146,15 +146,18 @@ int Engine::cells_of_step() const {
 }
 
 double Engine::agree_on_step() {
-  agreed_ = exchange_.finish_minimum();
+  agreed_ = notes_ ? finish_uniting() : exchange_.finish_minimum();
   find_not_hyperbolic();
-  if (notes_) {
-    notes_->sum_up(tables_, activity_.patches(), agreed_.step, place_of_bound(),
-                   [&](const Range& places) {
-                     if (device_) device_->bring_home(places);
-                   });
-  }
   return physics::stable_step_domain(agreed_.step, tables_.char_length_min);
+}
+
+StepMinimum Engine::finish_uniting() {
+  const NotedStep of_all = exchange_.finish_uniting();
+  StepMinimum minimum = of_all.minimum;
+  // Who takes notes will ask what is around a state that was lost.
+  if (of_all.notes.not_finite > 0 && notes().not_finite == 0) minimum.pause = -HUGE_VAL;
+  notes_->take(of_all);
+  return minimum;
 }
 
 double Engine::advance_patches(const std::vector<int>& patches) {
@@ -172,14 +175,21 @@ double Engine::bounded_by_boundaries(double smallest, double t) {
   return physics::smaller(smallest, step_of_bound_);
 }
 
-int Engine::place_of_bound() const { return step_of_bound_ == agreed_.step ? place_of_bound_ : -1; }
+int Engine::place_of_bound(double step) const {
+  return step_of_bound_ == step ? place_of_bound_ : -1;
+}
 
 void Engine::start_minimum(double smallest, const Wishes& own) {
   const bool skipped_dry_cells = activity_.patches().size() < tables_.patches.patches.size();
   if (skipped_dry_cells) smallest = physics::smaller(smallest, tables_.dry_step);
   const std::optional<NotHyperbolic> found = backend().not_hyperbolic();
-  exchange_.start_minimum({smallest, own.stop ? -1.0 : 0.0, own.pause,
-                           found ? static_cast<double>(found->edge) : HUGE_VAL});
+  const StepMinimum minimum = {smallest, own.stop ? -1.0 : 0.0, own.pause,
+                               found ? static_cast<double>(found->edge) : HUGE_VAL};
+  if (!notes_) return exchange_.start_minimum(minimum);
+  exchange_.start_uniting(notes_->of_step(tables_, activity_.patches(), minimum,
+                                          place_of_bound(smallest), [&](const Range& places) {
+                                            if (device_) device_->bring_home(places);
+                                          }));
 }
 
 void Engine::find_not_hyperbolic() {
@@ -295,7 +305,9 @@ void Engine::note_maxima(double t) {
 
 void Engine::watch(double t) {
   const double step = stable_step(t);
-  notes_ = std::make_unique<StepNotes>(tables_, step, place_of_bound(), exchange_);
+  notes_ = std::make_unique<StepNotes>(tables_);
+  exchange_.start_uniting(notes_->of_present(tables_, step, place_of_bound(agreed_.step)));
+  notes_->take(exchange_.finish_uniting());
 }
 
 UnseenDepths Engine::unseen_depths(cases::Number cell) const {

@@ -90,6 +90,10 @@ class Engine {
   /// Together: from a time on (s) every step takes notes, of all ranks.
   void watch(double t);
   const physics::StepNotes& notes() const { return notes_->of_last_step(); }
+  /// See StepNotes; of a cell by its number in the whole case.
+  const CellState* told_state(int cell) const {
+    return notes_ ? notes_->told_state(cell) : nullptr;
+  }
   /// The notes of the owned cells, once there are any, and those that the next step goes on with.
   void save_notes(SavedNotes& notes);
   void load_notes(const SavedNotes& notes);
@@ -145,9 +149,11 @@ class Engine {
   double agree_on_step();
   /// The smallest step of the cells, at a time (s), or that of a boundary if it is smaller.
   double bounded_by_boundaries(double smallest_step, double t);
-  /// Place of the cell whose boundary bounds the step of all ranks; -1: none here does.
-  int place_of_bound() const;
+  /// Place of the cell whose boundary bounds a step (s); -1: none here does.
+  int place_of_bound(double step) const;
+  /// With the notes of the step, where somebody asks for them.
   void start_minimum(double smallest_step, const Wishes& own);
+  StepMinimum finish_uniting();
   void find_not_hyperbolic();
   void ignore_not_hyperbolic();
   /// The values of a column for the owned cells in the order of their numbers; none where it is

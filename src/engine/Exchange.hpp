@@ -1,6 +1,7 @@
 // What a step asks of the other ranks that compute parts of the same case.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <vector>
 
@@ -41,6 +42,44 @@ inline physics::StepNotes united(const physics::StepNotes& a, const physics::Ste
           a.films + b.films};
 }
 
+/// The state of a cell, by its number in the whole case; -1: of none.
+struct NotedState {
+  int cell = -1;
+  CellState state = {};
+};
+
+/// What a rank tells of a step of which notes are taken.
+struct NotedStep {
+  StepMinimum minimum = {};
+  physics::StepNotes notes = {};  ///< with the cell that sets the step of the minimum
+  int limited_before = -1;        ///< the cell that set the step before
+  /// Of that cell, and of those whose records are new.
+  std::array<NotedState, 3> states = {};
+
+  /// The cells that the states would be of.
+  std::array<int, 3> cells() const {
+    return {notes.limiting_cell, notes.speed_squared.cell, notes.speed_squared_per_depth.cell};
+  }
+};
+
+/// Those of two sets of cells as that of one.
+inline NotedStep united(const NotedStep& a, const NotedStep& b) {
+  NotedStep both = {smallest_of(a.minimum, b.minimum), {}, a.limited_before, {}};
+  const auto notes_of = [&](const NotedStep& step) {
+    physics::StepNotes notes = step.notes;
+    if (step.minimum.step != both.minimum.step) notes.limiting_cell = -1;
+    return notes;
+  };
+  both.notes = united(notes_of(a), notes_of(b), a.limited_before);
+  const std::array<int, 3> cells = both.cells();
+  for (std::size_t k = 0; k < cells.size(); ++k) {
+    for (const NotedStep* const step : {&a, &b}) {
+      if (step->states[k].cell == cells[k]) both.states[k] = step->states[k];
+    }
+  }
+  return both;
+}
+
 /// The cells of the halo, by their numbers in the part of a rank, as messages have them: those of
 /// the first neighbour, then those of the next.
 struct HaloCells {
@@ -71,9 +110,9 @@ class Exchange {
   virtual void finish_halo() = 0;
   virtual void start_minimum(const StepMinimum& own) = 0;
   virtual StepMinimum finish_minimum() = 0;
-
-  /// The notes of all ranks, see united.
-  virtual physics::StepNotes unite(const physics::StepNotes& own, int limited_before) = 0;
+  /// The same in a step of which notes are taken, see united.
+  virtual void start_uniting(const NotedStep& own) = 0;
+  virtual NotedStep finish_uniting() = 0;
 };
 
 /// One rank has the whole case.
@@ -83,13 +122,14 @@ class Alone final : public Exchange {
   bool takes_memory_of_card() const override { return true; }
   void start_halo(const PackedHalo&) override {}
   void finish_halo() override {}
-  void start_minimum(const StepMinimum& own) override { own_ = own; }
-  StepMinimum finish_minimum() override { return own_; }
-  physics::StepNotes unite(const physics::StepNotes& own, int) override { return own; }
+  void start_minimum(const StepMinimum& own) override { own_.minimum = own; }
+  StepMinimum finish_minimum() override { return own_.minimum; }
+  void start_uniting(const NotedStep& own) override { own_ = own; }
+  NotedStep finish_uniting() override { return own_; }
 
  private:
   HaloCells none_;
-  StepMinimum own_;
+  NotedStep own_;
 };
 
 /// Calls visit(column) for what changes of a cell and its neighbours read. The free surface is

@@ -31,36 +31,35 @@ std::vector<int> numbers_at_places(const Tables& tables) {
 
 }  // namespace
 
-StepNotes::StepNotes(const Tables& tables, double stable_step, int place_of_bound,
-                     Exchange& exchange)
+StepNotes::StepNotes(const Tables& tables)
     : extremes(tables.patches.patches.size()),
       smallest_steps(extremes.size(), physics::unbounded_step),
-      exchange_(exchange),
       cell_at_place_(numbers_at_places(tables)) {
   if (tables.has_bed) lifted.assign(tables.cells.h.size(), 0.0);
   if (tables.hll) taken_discharge.assign(tables.cells.h.size(), 0.0);
   if (!tables.soils.empty()) recovered.assign(tables.cells.h.size(), 0.0);
-  note_present(tables, stable_step, place_of_bound);
 }
 
-void StepNotes::note_present(const Tables& tables, double stable_step, int place_of_bound) {
+NotedStep StepNotes::of_present(const Tables& tables, double stable_step,
+                                int place_of_bound) const {
+  physics::StepNotes notes;
   int first_to_set_step = -1;
   for (int k = 0; k < tables.owned; ++k) {
     const int cell = tables.number_of(k);
     const std::size_t place = at(tables.place[at(k)]);
     const physics::FlowExtremes of_cell = extremes_at(tables, place);
-    physics::note(notes_.speed_squared, of_cell.speed_squared, cell);
-    physics::note(notes_.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
-    notes_.not_finite += of_cell.not_finite;
-    notes_.films += of_cell.films;
+    physics::note(notes.speed_squared, of_cell.speed_squared, cell);
+    physics::note(notes.speed_squared_per_depth, of_cell.speed_squared_per_depth, cell);
+    notes.not_finite += of_cell.not_finite;
+    notes.films += of_cell.films;
     if (first_to_set_step < 0 && sets_step(tables, place, stable_step)) first_to_set_step = cell;
   }
   constexpr int none_before = -1;
-  notes_.limiting_cell = physics::limiting_cell(
+  notes.limiting_cell = physics::limiting_cell(
       stable_step, tables.dry_step, none_before, [](int) { return false; },
       [&] { return first_to_set_step; });
-  if (place_of_bound >= 0) notes_.limiting_cell = cell_at_place_[at(place_of_bound)];
-  notes_ = exchange_.unite(notes_, none_before);
+  if (place_of_bound >= 0) notes.limiting_cell = cell_at_place_[at(place_of_bound)];
+  return {.minimum = {.step = stable_step}, .notes = notes};
 }
 
 UnseenDepths StepNotes::unseen_depths(int place) const {
@@ -68,22 +67,52 @@ UnseenDepths StepNotes::unseen_depths(int place) const {
   return {value(recovered), value(lifted), value(taken_discharge)};
 }
 
-void StepNotes::sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
-                       int place_of_bound, const BringHome& bring_home) {
-  const int limited_before = notes_.limiting_cell;
-  notes_.limiting_cell = place_of_bound >= 0
-                             ? cell_at_place_[at(place_of_bound)]
-                             : limiting_cell(tables, patches, smallest_step, bring_home);
-  note_record(tables, patches, notes_.speed_squared, &physics::FlowExtremes::speed_squared,
+NotedStep StepNotes::of_step(const Tables& tables, const std::vector<int>& patches,
+                             const StepMinimum& minimum, int place_of_bound,
+                             const BringHome& bring_home) const {
+  NotedStep own = {minimum, notes_, notes_.limiting_cell, {}};
+  physics::StepNotes& notes = own.notes;
+  notes.limiting_cell = place_of_bound >= 0
+                            ? cell_at_place_[at(place_of_bound)]
+                            : limiting_cell(tables, patches, minimum.step, bring_home);
+  note_record(tables, patches, notes.speed_squared, &physics::FlowExtremes::speed_squared,
               bring_home);
-  note_record(tables, patches, notes_.speed_squared_per_depth,
+  note_record(tables, patches, notes.speed_squared_per_depth,
               &physics::FlowExtremes::speed_squared_per_depth, bring_home);
-  notes_.not_finite = notes_.films = 0;
+  notes.not_finite = notes.films = 0;
   for (const physics::FlowExtremes& patch : extremes) {
-    notes_.not_finite += patch.not_finite;
-    notes_.films += patch.films;
+    notes.not_finite += patch.not_finite;
+    notes.films += patch.films;
   }
-  notes_ = exchange_.unite(notes_, limited_before);
+  const std::array<bool, 3> is_new = {
+      true, notes.speed_squared.value > notes_.speed_squared.value,
+      notes.speed_squared_per_depth.value > notes_.speed_squared_per_depth.value};
+  for (std::size_t k = 0; k < is_new.size(); ++k) {
+    if (is_new[k]) own.states[k] = state_of(tables, own.cells()[k], bring_home);
+  }
+  return own;
+}
+
+NotedState StepNotes::state_of(const Tables& tables, int cell, const BringHome& bring_home) const {
+  const int own = cell < 0 ? -1 : tables.cell_of(cell);
+  if (own < 0) return {};
+  const int place = tables.place[at(own)];
+  bring_home({place, place + 1});
+  NotedState noted = {cell, tables.cells.state_at(at(place))};
+  noted.state.water_level = noted.state.bed_level + noted.state.h;  // no surface is given any more
+  return noted;
+}
+
+void StepNotes::take(const NotedStep& of_all) {
+  notes_ = of_all.notes;
+  told_ = of_all.states;
+}
+
+const CellState* StepNotes::told_state(int cell) const {
+  for (const NotedState& told : told_) {
+    if (cell >= 0 && told.cell == cell) return &told.state;
+  }
+  return nullptr;
 }
 
 int StepNotes::limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest,

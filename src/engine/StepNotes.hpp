@@ -1,6 +1,7 @@
 // What the patches note of a step for a report, while their cells are in cache.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -21,9 +22,11 @@ struct UnseenDepths {
 /// The notes name cells by their numbers in the whole case.
 class StepNotes {
  public:
-  /// Begins with the present states, whose stable step it is told (s), and the place of the cell
-  /// whose boundary bounds it (-1: none does). Here and later the notes are those of all ranks.
-  StepNotes(const Tables& tables, double stable_step, int place_of_bound, Exchange& exchange);
+  explicit StepNotes(const Tables& tables);
+
+  /// What this rank tells of the present states, before the first step. It is told their stable
+  /// step over all ranks (s), and the place of the cell whose boundary bounds it (-1: none does).
+  NotedStep of_present(const Tables& tables, double stable_step, int place_of_bound) const;
 
   // What a backend writes while it computes a patch.
   std::vector<physics::FlowExtremes> extremes;  ///< per patch
@@ -34,24 +37,31 @@ class StepNotes {
 
   /// To be called before the states of the cells at places are read: they may be elsewhere.
   using BringHome = std::function<void(const Range& places)>;
-  /// Sums up a step that computed these patches and found this smallest step (s), which the
-  /// boundary of the cell at a place bounds (-1: none does).
-  void sum_up(const Tables& tables, const std::vector<int>& patches, double smallest_step,
-              int place_of_bound, const BringHome& bring_home);
+  /// What this rank tells of a step that computed these patches and found this minimum, whose step
+  /// the boundary of the cell at a place bounds (-1: none does).
+  NotedStep of_step(const Tables& tables, const std::vector<int>& patches,
+                    const StepMinimum& minimum, int place_of_bound,
+                    const BringHome& bring_home) const;
+  /// Goes on from what all ranks have told.
+  void take(const NotedStep& of_all);
+  /// Goes on from the notes of an earlier run, or in other states.
+  void set_last_step(const physics::StepNotes& notes) { take({.notes = notes}); }
   const physics::StepNotes& of_last_step() const { return notes_; }
-  /// Goes on from the notes of an earlier run.
-  void set_last_step(const physics::StepNotes& notes) { notes_ = notes; }
+  /// The present state of a cell that the last step has told: of the one that set it, and of those
+  /// whose records were new. Null: of others.
+  const CellState* told_state(int cell) const;
   UnseenDepths unseen_depths(int place) const;
   /// Place of the cell that set the last step; -1 where it is not here, or there is none.
   int limiting_place(const Tables& tables) const;
 
  private:
-  void note_present(const Tables& tables, double stable_step, int place_of_bound);
   int limiting_cell(const Tables& tables, const std::vector<int>& patches, double smallest,
                     const BringHome& bring_home) const;
   void note_record(const Tables& tables, const std::vector<int>& patches,
                    physics::FlowRecord& record, double physics::FlowExtremes::*value,
                    const BringHome& bring_home) const;
+  /// Where the cell is here.
+  NotedState state_of(const Tables& tables, int cell, const BringHome& bring_home) const;
   /// The lowest number of a cell whose place is meant in a patch that qualifies; -1
   /// without one.
   template <class Qualifies, class IsMeant>
@@ -59,7 +69,7 @@ class StepNotes {
                  const IsMeant& is_meant, const BringHome& bring_home) const;
 
   physics::StepNotes notes_;
-  Exchange& exchange_;
+  std::array<NotedState, 3> told_;
   std::vector<int> cell_at_place_;
 };
 

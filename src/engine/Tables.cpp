@@ -16,6 +16,19 @@ Value* data_or_null(AlignedVector<Value>& column) {
 
 }  // namespace
 
+CellState CellTable::state_at(std::size_t place) const {
+  const auto value = [&](const Column& column) { return column.empty() ? 0.0 : column[place]; };
+  return {.h = h[place],
+          .qx = qx[place],
+          .qy = qy[place],
+          .hs = value(hs),
+          .qsx = value(qsx),
+          .qsy = value(qsy),
+          .dqs_dh = value(dqs_dh),
+          .bed_level = bed[place],
+          .water_level = eta.empty() ? bed[place] + h[place] : eta[place]};
+}
+
 void Slots::assign(std::size_t count, bool has_bed) {
   for (Column* column : {&mass, &momentum_x, &momentum_y}) column->assign(count, 0.0);
   if (has_bed) bed.assign(count, 0.0);

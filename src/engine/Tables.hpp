@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "case/Part.hpp"
+#include "engine/CellState.hpp"
 #include "engine/HllTables.hpp"
 #include "engine/MaximaTable.hpp"
 #include "engine/Patches.hpp"
@@ -32,6 +33,7 @@ struct CellTable {
 
   /// Level of the bed under the sediment of a cell, by its place, m.
   double rock_of(int place) const { return rock.empty() ? bed[at(place)] : rock[at(place)]; }
+  CellState state_at(std::size_t place) const;
 
   AlignedVector<int> rain;  ///< number of the cell's hyetogram, from 1; 0: none
   AlignedVector<int> soil;  ///< number of the cell's soil, from 0; -1: none

@@ -72,6 +72,7 @@ void Engine::set_state(const State& state) {
   activity_.wake_all();
   if (state.has_told_not_hyperbolic) ignore_not_hyperbolic();
   if (tables_.maxima) tables_.maxima->forget_hints();
+  if (notes_) notes_->set_last_step(notes());
   take_anew();
 }
 

@@ -204,6 +204,7 @@ void RanksFlow::read(Field field, std::span<const Number> cells, std::span<doubl
 
 CellState RanksFlow::state(Number cell) const {
   if (part_->owns(cell)) return part_->state(cell);
+  if (const CellState* const told = part_->engine().told_state(cell)) return *told;
   return together({.task = Task::state, .number = cell}, [&] { return part_->state(cell); });
 }
 

@@ -75,18 +75,7 @@ void TableFields::read(Field field, std::span<const cases::Number> cells,
 }
 
 CellState TableFields::state(cases::Number cell) const {
-  const engine::CellTable& c = engine_.columns();
-  const std::size_t k = engine_.place_at_hand(cell);
-  const auto value = [&](const engine::Column& column) { return column.empty() ? 0.0 : column[k]; };
-  return {.h = c.h[k],
-          .qx = c.qx[k],
-          .qy = c.qy[k],
-          .hs = value(c.hs),
-          .qsx = value(c.qsx),
-          .qsy = value(c.qsy),
-          .dqs_dh = value(c.dqs_dh),
-          .bed_level = c.bed[k],
-          .water_level = c.eta.empty() ? c.bed[k] + c.h[k] : c.eta[k]};
+  return engine_.columns().state_at(engine_.place_at_hand(cell));
 }
 
 }  // namespace fields

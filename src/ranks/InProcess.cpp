@@ -37,7 +37,7 @@ struct InProcess::Shared {
   Mailboxes<std::optional<utils::Bytes>> parcels;  ///< that go to some: of the others each is empty
   Mailboxes<double> halos;
   Reduction<engine::StepMinimum> minimum;
-  Reduction<physics::StepNotes> notes;
+  Reduction<engine::NotedStep> notes;
   std::mutex mutex;
   std::map<int, std::shared_ptr<Shared>> parts;
 };
@@ -84,11 +84,10 @@ class InProcess::MemberExchange : public engine::Exchange {
   }
   engine::StepMinimum finish_minimum() override { return shared_->minimum.wait(minima_++); }
 
-  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
-    shared_->notes.tell(
-        own, [&](const auto& a, const auto& b) { return engine::united(a, b, limited_before); });
-    return shared_->notes.wait(notes_++);
+  void start_uniting(const engine::NotedStep& own) override {
+    shared_->notes.tell(own, [](const auto& a, const auto& b) { return engine::united(a, b); });
   }
+  engine::NotedStep finish_uniting() override { return shared_->notes.wait(notes_++); }
 
  private:
   struct Neighbour {

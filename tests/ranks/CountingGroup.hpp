@@ -38,9 +38,9 @@ class CountingExchange final : public ExchangeAround {
     if (is_first_) ++counts_.reductions;
     ExchangeAround::start_minimum(own);
   }
-  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
+  void start_uniting(const engine::NotedStep& own) override {
     if (is_first_) ++counts_.reductions;
-    return ExchangeAround::unite(own, limited_before);
+    ExchangeAround::start_uniting(own);
   }
 
  private:

@@ -32,9 +32,13 @@ class ExchangeAround : public engine::Exchange {
     before();
     return exchange_->finish_minimum();
   }
-  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override {
+  void start_uniting(const engine::NotedStep& own) override {
     before();
-    return exchange_->unite(own, limited_before);
+    exchange_->start_uniting(own);
+  }
+  engine::NotedStep finish_uniting() override {
+    before();
+    return exchange_->finish_uniting();
   }
 
  protected:

@@ -44,6 +44,13 @@ class RanksFlow : public PartsOfCourse {
     }
   }
 
+  template <class Value>
+  static utils::Bytes bytes_of(const Value& value) {
+    utils::Bytes bytes;
+    utils::put_into(bytes, value);
+    return bytes;
+  }
+
   support::Told told_;
   int stops_ = 0;
 };
@@ -129,6 +136,88 @@ TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
       flow->save(state);
       alone->save(state_alone);
       EXPECT_TRUE(have_same_bits(state, state_alone));
+    });
+  }
+}
+
+TEST_F(RanksFlow, TellsWhatAReportNotesWithoutOrdersOrReductionsForIt) {
+  constexpr int steps = 40;
+  for (const cases::Scheme scheme : {cases::Scheme::lhllc, cases::Scheme::hll2}) {
+    cases::Case contents = basin({});
+    contents.scheme = scheme;
+    const std::vector<int> owners = ranks::owners_of(ranks::cut_along_curve(contents.mesh, 3));
+    Counts counts;
+    std::vector<long> orders, reductions;
+    int told = 0;  // states of cells of other ranks
+    const auto counted = [&](std::unique_ptr<ranks::Group> group) {
+      return std::make_unique<CountingGroup>(std::move(group), counts);
+    };
+    as_first_of({.count = 3, .changed = counted}, [&](ranks::Group& group) {
+      for (const bool is_watched : {false, true}) {
+        fields::FlowRequest request = on(group);
+        request.ranks.are_balanced = false;
+        const auto alone = fields::make_flow(contents, told_);
+        const auto flow = fields::make_flow(contents, told_, request);
+        if (is_watched) {
+          alone->watch();
+          flow->watch();
+        }
+        fields::Clock expected = fields::clock_at_start(contents, *alone);
+        fields::Clock clock = fields::clock_at_start(contents, *flow);
+        physics::StepNotes before = is_watched ? flow->notes() : physics::StepNotes{};
+        const auto expect_same_state = [&](int cell) {
+          EXPECT_EQ(bytes_of(flow->state(cell)), bytes_of(alone->state(cell)));
+          if (owners[at(cell)] > 0) ++told;
+        };
+        counts.reset();
+        for (int step = 0; step < steps; ++step) {
+          flow->leave_alone_until(HUGE_VAL);
+          fields::advance(*flow, contents, clock);
+          fields::advance(*alone, contents, expected);
+          EXPECT_EQ(clock.t, expected.t);
+          EXPECT_FALSE(flow->takes_questions());
+          if (!is_watched) continue;
+          const physics::StepNotes notes = flow->notes();
+          EXPECT_EQ(bytes_of(notes), bytes_of(alone->notes()));
+          if (notes.limiting_cell >= 0) expect_same_state(notes.limiting_cell);
+          for (const auto record :
+               {&physics::StepNotes::speed_squared, &physics::StepNotes::speed_squared_per_depth}) {
+            const bool is_new = (notes.*record).value > (before.*record).value;
+            if (is_new) expect_same_state((notes.*record).cell);
+          }
+          before = notes;
+        }
+        orders.push_back(counts.orders);
+        reductions.push_back(counts.reductions);
+      }
+    });
+    EXPECT_EQ(orders, (std::vector<long>{1, 1}));
+    EXPECT_EQ(reductions[0], reductions[1]);
+    EXPECT_GT(told, steps / 2);
+  }
+}
+
+TEST_F(RanksFlow, TakesQuestionsOnceAStateOfWhichNotesAreTakenIsLost) {
+  cases::Case contents = basin({.soils = false});
+  for (const cases::Boundary& boundary : contents.mesh.boundaries) {
+    if (boundary.code != edge_code::wall) continue;  // an edge without a length
+    contents.mesh.node2[at(boundary.edge)] = contents.mesh.node1[at(boundary.edge)];
+    break;
+  }
+  for (const bool is_watched : {true, false}) {
+    as_first_of({3}, [&](ranks::Group& group) {
+      const auto flow = fields::make_flow(contents, told_, on(group));
+      if (is_watched) flow->watch();
+      fields::Clock clock = fields::clock_at_start(contents, *flow);
+      for (const bool is_first : {true, false}) {
+        flow->leave_alone_until(HUGE_VAL);
+        fields::advance(*flow, contents, clock);
+        EXPECT_EQ(flow->takes_questions(), is_watched && is_first);
+        if (is_watched && is_first) {
+          EXPECT_EQ(flow->notes().not_finite, flow->survey().not_finite);
+          EXPECT_GT(flow->notes().not_finite, 0);
+        }
+      }
     });
   }
 }

@@ -159,7 +159,7 @@ TEST_F(BrokenGroup, WakesWhoeverWaitsInIt) {
         engine::Engine(shares[1].part, *group.exchange(shares[1].halos), 1, 64).stable_step(0.0);
       },
       [&](ranks::Group& group) { group.exchange({})->finish_minimum(); },
-      [&](ranks::Group& group) { group.exchange({})->unite({}, -1); }};
+      [&](ranks::Group& group) { group.exchange({})->finish_uniting(); }};
   for (std::size_t k = 0; k < waits.size(); ++k) {
     on_ranks(2, [&](ranks::Group& group) {
       if (group.rank() == 0) return group.break_up();

@@ -135,3 +135,43 @@ TEST_F(NotesOfRanks, NameTheLowestOfCellsWithTheSameRecord) {
   EXPECT_EQ(cell_of(of_record(2.0, 8), of_record(1.0, 5)), 8);
   EXPECT_EQ(cell_of(of_record(0.0, -1), of_record(0.0, -1)), -1);
 }
+
+TEST_F(NotesOfRanks, TellTheStateOfTheCellOfTheSmallestStep) {
+  const auto of = [](double step, int cell, double depth) {
+    engine::NotedStep told{.minimum = {.step = step}};
+    told.notes.limiting_cell = cell;
+    told.states[0] = {cell, {.h = depth}};
+    return told;
+  };
+  const auto expect = [](const engine::NotedStep& told, int cell, double depth) {
+    EXPECT_EQ(told.notes.limiting_cell, cell);
+    EXPECT_EQ(told.states[0].cell, cell);
+    EXPECT_EQ(told.states[0].state.h, depth);
+  };
+  const auto expect_of_both = [&](const engine::NotedStep& a, const engine::NotedStep& b, int cell,
+                                  double depth) {
+    expect(engine::united(a, b), cell, depth);
+    expect(engine::united(b, a), cell, depth);
+  };
+  expect_of_both(of(2.0, 3, 0.1), of(1.0, 7, 0.2), 7, 0.2);
+  expect_of_both(of(1.0, 3, 0.1), of(1.0, 7, 0.2), 3, 0.1);
+  expect_of_both(of(2.0, 3, 0.1), of(1.0, -1, 0.0), -1, 0.0);  // dry cells set it
+}
+
+TEST_F(NotesOfRanks, TellTheStateOfANewRecord) {
+  const auto of = [](double value, int cell, bool is_new) {
+    engine::NotedStep told;
+    told.notes.speed_squared = {value, cell};
+    if (is_new) told.states[1] = {cell, {.h = 0.5}};
+    return told;
+  };
+  const engine::NotedStep before = of(2.0, 8, false);
+  for (const int cell : {5, 9}) {
+    for (const auto& told : {engine::united(before, of(3.0, cell, true)),
+                             engine::united(of(3.0, cell, true), before)}) {
+      EXPECT_EQ(told.states[1].cell, cell);
+      EXPECT_EQ(told.states[1].state.h, 0.5);
+    }
+  }
+  EXPECT_EQ(engine::united(before, before).states[1].cell, -1);
+}

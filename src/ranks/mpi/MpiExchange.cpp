@@ -13,6 +13,14 @@ using engine::at;
 
 constexpr int tag_of_halos = 1;
 
+/// As MPI asks for it.
+void unite_notes(void* from, void* to, int* count, MPI_Datatype*) {
+  static_assert(std::is_trivially_copyable_v<engine::NotedStep>);
+  auto* const a = static_cast<engine::NotedStep*>(from);
+  auto* const b = static_cast<engine::NotedStep*>(to);
+  for (int k = 0; k < *count; ++k) b[k] = engine::united(a[k], b[k]);
+}
+
 int count_of(const std::vector<MPI_Request>& requests) { return static_cast<int>(requests.size()); }
 
 }  // namespace
@@ -26,11 +34,17 @@ MpiExchange::MpiExchange(MPI_Comm communicator, const std::vector<Halo>& halos,
   for (const Halo& halo : halos) {
     neighbours_.push_back({halo.neighbour, halo.sent.size(), halo.received.size()});
   }
+  MPI_Type_contiguous(sizeof(engine::NotedStep), MPI_BYTE, &noted_step_);
+  MPI_Type_commit(&noted_step_);
+  constexpr int knows_no_order = 1;
+  MPI_Op_create(unite_notes, knows_no_order, &unite_);
 }
 
 MpiExchange::~MpiExchange() {
   if (*is_broken_) return;  // the others take no part any more
   free_requests();
+  MPI_Op_free(&unite_);
+  MPI_Type_free(&noted_step_);
   MPI_Comm_free(&communicator_);
 }
 
@@ -84,18 +98,14 @@ engine::StepMinimum MpiExchange::finish_minimum() {
   return {agreed_[0], agreed_[1], agreed_[2], agreed_[3]};
 }
 
-physics::StepNotes MpiExchange::unite(const physics::StepNotes& own, int limited_before) {
-  static_assert(std::is_trivially_copyable_v<physics::StepNotes>);
-  int ranks = 0;
-  MPI_Comm_size(communicator_, &ranks);
-  std::vector<physics::StepNotes> all(at(ranks));
-  constexpr int size = sizeof(physics::StepNotes);
-  MPI_Allgather(&own, size, MPI_BYTE, all.data(), size, MPI_BYTE, communicator_);
-  physics::StepNotes notes = all.front();
-  for (std::size_t rank = 1; rank < all.size(); ++rank) {
-    notes = engine::united(notes, all[rank], limited_before);
-  }
-  return notes;
+void MpiExchange::start_uniting(const engine::NotedStep& own) {
+  own_notes_ = own;
+  MPI_Iallreduce(&own_notes_, &all_notes_, 1, noted_step_, unite_, communicator_, &notes_);
+}
+
+engine::NotedStep MpiExchange::finish_uniting() {
+  wait_for(notes_);
+  return all_notes_;
 }
 
 }  // namespace ranks

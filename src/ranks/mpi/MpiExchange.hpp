@@ -14,9 +14,9 @@
 namespace ranks {
 
 /// That of this process. One contiguous message goes to every neighbour in a step, by requests that
-/// are made once for a halo that stays where it is, and one reduction of doubles to all; nothing is
-/// sent of cells that are not ghosts of others. All calls of MPI come from the thread that calls
-/// this: MPI_THREAD_FUNNELED will do.
+/// are made once for a halo that stays where it is, and one reduction to all, of doubles or of
+/// notes; nothing is sent of cells that are not ghosts of others. All calls of MPI come from the
+/// thread that calls this: MPI_THREAD_FUNNELED will do.
 class MpiExchange final : public engine::Exchange {
  public:
   /// Between initialisation and end of MPI; every process of the communicator makes one, of its own
@@ -35,7 +35,8 @@ class MpiExchange final : public engine::Exchange {
   void finish_halo() override;
   void start_minimum(const engine::StepMinimum& own) override;
   engine::StepMinimum finish_minimum() override;
-  physics::StepNotes unite(const physics::StepNotes& own, int limited_before) override;
+  void start_uniting(const engine::NotedStep& own) override;
+  engine::NotedStep finish_uniting() override;
 
  private:
   struct Neighbour {
@@ -57,6 +58,10 @@ class MpiExchange final : public engine::Exchange {
   std::vector<MPI_Request> receives_, sends_;
   Values own_{}, agreed_{};
   MPI_Request minimum_ = MPI_REQUEST_NULL;
+  engine::NotedStep own_notes_{}, all_notes_{};
+  MPI_Datatype noted_step_ = MPI_DATATYPE_NULL;
+  MPI_Op unite_ = MPI_OP_NULL;
+  MPI_Request notes_ = MPI_REQUEST_NULL;
 };
 
 }  // namespace ranks

@@ -24,7 +24,7 @@ using Words = std::vector<std::string>;
 /// The environment of a job, by which its processes are found.
 constexpr const char* mark = "QUILLMERE_TEST_JOB";
 
-/// What is asked of a run besides its case. A report needs orders for every step.
+/// What is asked of a run besides its case.
 struct Asked {
   bool report = false, checkpoints = false, netcdf = false;
 };
@@ -208,6 +208,19 @@ TEST_F(MpiRuns, OfThePositiveSchemesLeaveTheFilesOfOneProcess) {
         },
         {2}, everything);
   }
+}
+
+TEST_F(MpiRuns, DescribeAStateThatIsLostAsOneProcessDoes) {
+  expect_the_files_of_one_process(
+      [](const TemporaryFolder& folder) {
+        Case c;
+        std::vector<std::string> edges = lines(c.edges_text());
+        edges.at(2) = "0 -1 1 1 -2";  // without a length
+        for (const std::string& line : edges) c.files["edges.txt"] += line + "\n";
+        c.set_times(0.0, 2.0);
+        c.write(folder);
+      },
+      {3}, {.report = true});
 }
 
 TEST_F(MpiRuns, OfTheExamplesLeaveTheFilesOfOneProcess) {
