@@ -179,16 +179,9 @@ void FlowOfRank::centres_of_rows(std::vector<double>& values) {
 
 Seen FlowOfRank::see(const Look& look) {
   Seen seen = looks().see(look);
-  // Each rank hears those that stand above it in a tree of pairs, and tells the one below.
-  for (int distance = 1; distance < group_.size(); distance *= 2) {
-    const int rank = group_.rank();
-    if (rank % (2 * distance) != 0) {
-      ranks::send_value(group_, seen, rank - distance);
-      break;
-    }
-    if (rank + distance >= group_.size()) continue;
-    add(seen, ranks::receive_value<Seen>(group_, rank + distance));
-  }
+  ranks::hear_on_first(
+      group_, [&](int rank) { add(seen, ranks::receive_value<Seen>(group_, rank)); },
+      [&](int rank) { ranks::send_value(group_, seen, rank); });
   return seen;
 }
 

@@ -66,19 +66,27 @@ std::vector<Value> values_end_to_end(std::vector<Message> messages) {
   return values;
 }
 
-/// Sums of numbers of every rank, place by place: on rank 0, on the others anything. Each rank
-/// hears those that stand above it in a tree of pairs, and tells the one below.
+/// Each rank hears those that stand above it in a tree of pairs, hear(rank), and tells the one
+/// below, tell(rank): so that rank 0 has heard of all.
+template <class Hear, class Tell>
+void hear_on_first(const Group& group, const Hear& hear, const Tell& tell) {
+  const int rank = group.rank();
+  for (int distance = 1; distance < group.size(); distance *= 2) {
+    if (rank % (2 * distance) != 0) return tell(rank - distance);
+    if (rank + distance < group.size()) hear(rank + distance);
+  }
+}
+
+/// Sums of numbers of every rank, place by place: on rank 0, on the others anything.
 template <class Number>
 void add_up_on_first(Group& group, std::vector<Number>& sums) {
-  const int rank = group.rank();
-  const auto bytes = std::as_writable_bytes(std::span(sums));
-  for (int distance = 1; distance < group.size(); distance *= 2) {
-    if (rank % (2 * distance) != 0) return group.send(bytes, rank - distance);
-    if (rank + distance >= group.size()) continue;
+  const auto hear = [&](int rank) {
     std::vector<Number> above(sums.size());
-    group.receive(std::as_writable_bytes(std::span(above)), rank + distance);
+    group.receive(std::as_writable_bytes(std::span(above)), rank);
     for (std::size_t k = 0; k < sums.size(); ++k) sums[k] += above[k];
-  }
+  };
+  hear_on_first(group, hear,
+                [&](int rank) { group.send(std::as_writable_bytes(std::span(sums)), rank); });
 }
 
 /// The same on all ranks.
