@@ -180,7 +180,9 @@ void RunReport::add_what_the_flow_tells(json& report) const {
 
 // --- Parts of the report -------------------------------------------------------------------------
 
-json RunReport::place_of(cases::Number cell) const { return ::place_of(*ground_, cell); }
+json RunReport::place_of(cases::Number cell) const {
+  return ::place_of(cell, ground_->geometry_of(cell));
+}
 
 json RunReport::step_json(const StepRecord& step) const {
   const bool by_wave = step.cell >= 0;
@@ -189,8 +191,9 @@ json RunReport::step_json(const StepRecord& step) const {
                  {"set_by", by_wave ? "wave" : "dry cells: the smallest cell counts"}};
   const int number = by_wave ? step.cell : smallest_cell_;
   if (number < 0) return result;
-  result.update(place_of(number));
-  result["length_m"] = ground_->geometry_of(number).char_length();
+  const cases::CellGeometry geometry = ground_->geometry_of(number);
+  result.update(::place_of(number, geometry));
+  result["length_m"] = geometry.char_length();
   if (!by_wave) return result;
   result["depth_m"] = step.state.h;
   result["velocity_m_per_s"] = speed_of(step.state);

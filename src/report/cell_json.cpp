@@ -2,9 +2,8 @@
 
 #include <cmath>
 
-nlohmann::ordered_json place_of(const fields::Ground& ground, cases::Number cell) {
-  const physics::SpacePoint center = ground.geometry_of(cell).center;
-  return {{"cell", cell}, {"centre_m", {center.x, center.y}}};
+nlohmann::ordered_json place_of(cases::Number cell, const cases::CellGeometry& geometry) {
+  return {{"cell", cell}, {"centre_m", {geometry.center.x, geometry.center.y}}};
 }
 
 double speed_of(const fields::CellState& state) {

@@ -109,7 +109,7 @@ json state_of(const fields::Flow& flow, const fields::Ground& ground, const Grou
   const cases::CellGeometry geometry = ground.geometry_of(cell.number);
   double largest_depth = 0.0;
   flow.read(fields::Field::largest_depth, {&cell.number, 1}, {&largest_depth, 1});
-  json state = place_of(ground, cell.number);
+  json state = place_of(cell.number, geometry);
   state.update(json{{"length_m", geometry.char_length()},
                     {"area_m2", geometry.area},
                     {"bed_m", U.bed_level},
