@@ -53,7 +53,7 @@ void Domain::stop_at_limiting_cell(const std::string& what) {
 }
 
 void Domain::warn_of_lost_states() const {
-  const fields::FlowSurvey survey = flow_->survey();
+  const fields::FlowSurvey survey = looks_->at_cells().survey();
   if (survey.not_finite == 0) return;
   utils::warn("the state of " + std::to_string(survey.not_finite) +
               " cells is not a number at t = " + utils::fixed_text(clock_.t, 6) + " s.");
@@ -63,7 +63,7 @@ void Domain::warn_of_lost_states() const {
 
 void Domain::report_lost_states() {
   if (!settings_.report->has_just_lost_a_state()) return;
-  report_failure("a state is not a number", flow_->survey().a_cell_not_finite);
+  report_failure("a state is not a number", looks_->at_cells().survey().a_cell_not_finite);
 }
 
 void Domain::report_failure(const std::string& what, cases::Number cell) {

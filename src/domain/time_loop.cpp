@@ -117,7 +117,7 @@ void Domain::enter(Phase phase) {
 
 void Domain::show_progress() {
   if (settings_.progress == nullptr || !settings_.progress->is_due()) return;
-  settings_.progress->show(clock_.t, clock_.dt, flow_->survey());
+  settings_.progress->show(clock_.t, clock_.dt, looks_->at_cells().survey());
 }
 
 void Domain::end_progress() {

@@ -49,14 +49,6 @@ struct FlowScales {
   double char_length_min;  ///< smallest characteristic length of a cell, m
 };
 
-/// What the states of all cells are like at one time.
-struct FlowSurvey {
-  long wet_cells = 0;
-  double largest_speed = 0.0;  ///< m/s
-  long not_finite = 0;         ///< cells whose depth or discharge is infinite or not a number
-  int a_cell_not_finite = -1;  ///< the one nearest to the middle of them
-};
-
 /// Cells and boundaries are named by their numbers in the case.
 class Flow {
  public:
@@ -84,7 +76,6 @@ class Flow {
   virtual void read(Field field, std::span<const cases::Number> cells,
                     std::span<double> values) const = 0;
   virtual CellState state(cases::Number cell) const = 0;
-  virtual FlowSurvey survey() const = 0;
   /// What the run asks of the mesh of this case from now on: which must live as long, as must the
   /// flow.
   virtual std::unique_ptr<Ground> ground(const cases::Case& contents) const;

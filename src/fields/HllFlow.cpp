@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "fields/flow_survey.hpp"
 #include "fields/maxima_values.hpp"
 #include "fields/nothing_imposed.hpp"
 
@@ -101,18 +100,6 @@ CellState HllFlow::state(Number cell) const {
           .qsy = value_or_zero(water.qsy, cell),
           .bed_level = bed,
           .water_level = bed + h};
-}
-
-FlowSurvey HllFlow::survey() const {
-  const auto state_of = [&](Number cell) {
-    const CellState of = state(cell);
-    return SurveyedState{of.h, of.qx, of.qy, physics::depth_terms(of.h, case_.zero_depth)};
-  };
-  const auto center_of = [&](Number cell) {
-    const physics::SpacePoint center = case_.mesh.center_of(cell);
-    return physics::PlanPoint{center.x, center.y};
-  };
-  return survey_flow(case_.mesh.n_cells(), case_.zero_depth, state_of, state_of, center_of);
 }
 
 void HllFlow::watch() {

@@ -22,7 +22,6 @@ class HllFlow : public Flow {
   void read(Field field, std::span<const cases::Number> cells,
             std::span<double> values) const override;
   CellState state(cases::Number cell) const override;
-  FlowSurvey survey() const override;
   ExecutionPath execution_path() const override { return {"objects", 1, "that of the build"}; }
 
   void keep_maxima(double arrival_depth) override {

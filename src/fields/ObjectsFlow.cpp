@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "fields/flow_survey.hpp"
 #include "fields/maxima_values.hpp"
 #include "fields/nothing_imposed.hpp"
 #include "globals/Globals.hpp"
@@ -120,19 +119,6 @@ CellState ObjectsFlow::state(Number number) const {
   const ComputationalCell& of = cell(number);
   const HydraulicVariableSWE& U = of.U;
   return {U.h, U.qx, U.qy, U.hs, U.qsx, U.qsy, of.dqs_dh, of.bed_level, of.free_surface_level};
-}
-
-FlowSurvey ObjectsFlow::survey() const {
-  const auto state_of = [&](Number number) {
-    const HydraulicVariableSWE& U = cell(number).U;
-    return SurveyedState{U.h, U.qx, U.qy, physics::depth_terms(U.h, Constants::ZERO_DEPTH)};
-  };
-  const auto center_of = [&](Number number) {
-    const MeshNode& center = cell(number).center;
-    return physics::PlanPoint{center.x, center.y};
-  };
-  return survey_flow(static_cast<Number>(model_.cells.size()), Constants::ZERO_DEPTH, state_of,
-                     state_of, center_of);
 }
 
 void ObjectsFlow::keep_maxima(double arrival_depth) {

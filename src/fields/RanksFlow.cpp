@@ -215,17 +215,6 @@ Seen RanksFlow::see(Look look) const {
   });
 }
 
-FlowSurvey RanksFlow::survey() const {
-  const auto seen = std::get<StatesSeen>(see({Look::Kind::states}));
-  FlowSurvey survey = {seen.wet, std::sqrt(seen.speed_squared), seen.not_finite};
-  if (seen.not_finite == 0) return survey;
-  const auto count = static_cast<double>(seen.not_finite);
-  const physics::PlanPoint middle = {seen.lost_x.value() / count, seen.lost_y.value() / count};
-  const Seen nearest = see({.kind = Look::Kind::nearest_lost, .point = middle});
-  survey.a_cell_not_finite = std::get<NearestSeen>(nearest).nearest();
-  return survey;
-}
-
 /// What the ranks see, who have their parts of it at hand.
 class RanksFlow::LooksOfRanks final : public Looks {
  public:

@@ -70,7 +70,6 @@ class RanksFlow : public Flow {
   void read(Field field, std::span<const cases::Number> cells,
             std::span<double> values) const override;
   CellState state(cases::Number cell) const override;
-  FlowSurvey survey() const override;
   std::unique_ptr<Ground> ground(const cases::Case& contents) const override;
   std::unique_ptr<Looks> looks(const cases::Case& contents) const override;
   std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const override;

@@ -1,6 +1,5 @@
 #include "fields/TablesFlow.hpp"
 
-#include "fields/flow_survey.hpp"
 #include "utils/not_hyperbolic.hpp"
 
 namespace fields {
@@ -28,22 +27,6 @@ void TablesFlow::tell_not_hyperbolic(double t) {
   const auto& found = engine_.not_hyperbolic();
   if (!found) return;
   diagnostics_.warn(utils::not_hyperbolic(found->place, t, found->h, found->qx, found->qy));
-}
-
-FlowSurvey TablesFlow::survey() const {
-  const engine::Tables& tables = engine_.tables();
-  const auto state_at = [&](int place) {
-    const auto k = static_cast<std::size_t>(place);
-    const double h = tables.cells.h[k];
-    return SurveyedState{h, tables.cells.qx[k], tables.cells.qy[k],
-                         physics::depth_terms(h, tables.zero_depth)};
-  };
-  const auto state_of = [&](cases::Number cell) { return state_at(tables.place[cases::at(cell)]); };
-  const auto center_of = [&](cases::Number cell) {
-    const physics::SpacePoint center = case_.mesh.center_of(cell);
-    return physics::PlanPoint{center.x, center.y};
-  };
-  return survey_flow(case_.mesh.n_cells(), tables.zero_depth, state_at, state_of, center_of);
 }
 
 ExecutionPath TablesFlow::execution_path() const {

@@ -28,7 +28,6 @@ class TablesFlow : public Flow {
     fields_.read(field, cells, values);
   }
   CellState state(cases::Number cell) const override { return fields_.state(cell); }
-  FlowSurvey survey() const override;
   ExecutionPath execution_path() const override;
 
   void keep_maxima(double arrival_depth) override { engine_.keep_maxima(arrival_depth); }

@@ -109,4 +109,16 @@ void add(Seen& to, const Seen& other) {
       [&](auto& seen) { seen.add(std::get<std::remove_reference_t<decltype(seen)>>(other)); }, to);
 }
 
+FlowSurvey Looks::survey() {
+  const auto seen = std::get<StatesSeen>(see({Look::Kind::states}));
+  FlowSurvey survey = {seen.wet, std::sqrt(seen.speed_squared), seen.not_finite};
+  if (seen.not_finite == 0) return survey;
+  // What is not a number spreads from cell to cell: the middle is where it began, more or less.
+  const auto count = static_cast<double>(seen.not_finite);
+  const physics::PlanPoint middle = {seen.lost_x.value() / count, seen.lost_y.value() / count};
+  const Seen nearest = see({.kind = Look::Kind::nearest_lost, .point = middle});
+  survey.a_cell_not_finite = std::get<NearestSeen>(nearest).nearest();
+  return survey;
+}
+
 }  // namespace fields

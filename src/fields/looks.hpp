@@ -144,6 +144,14 @@ using Seen = std::variant<WaterSeen, RapidSeen, ColumnSurvey, StatesSeen, Neares
 /// Adds what the same look saw in other cells.
 void add(Seen& to, const Seen& other);
 
+/// What the states of all cells are like at one time.
+struct FlowSurvey {
+  long wet_cells = 0;
+  double largest_speed = 0.0;  ///< m/s
+  long not_finite = 0;         ///< cells whose depth or discharge is infinite or not a number
+  int a_cell_not_finite = -1;  ///< the one nearest to the middle of them
+};
+
 /// Looks at a flow: all of it, on however many ranks it is computed.
 class Looks {
  public:
@@ -164,6 +172,7 @@ class Looks {
     return std::get<ColumnSurvey>(see({Look::Kind::column, first, components}));
   }
   BoundsSeen bounds() { return std::get<BoundsSeen>(see({Look::Kind::bounds})); }
+  FlowSurvey survey();
   VolumesSeen volumes() { return std::get<VolumesSeen>(see({Look::Kind::volumes})); }
 };
 

@@ -230,11 +230,11 @@ TEST_F(RanksFlow, RefusesQuestionsWhileItIsLeftAlone) {
     flow->leave_alone_until(HUGE_VAL);
     fields::advance(*flow, contents, clock);
     ASSERT_FALSE(flow->takes_questions());
-    EXPECT_THROW(flow->survey(), std::logic_error);
+    EXPECT_THROW(flow->looks(contents)->survey(), std::logic_error);
     EXPECT_THROW(flow->advance({clock.t, 0.0, t_end, 0.5 * clock.dt}), std::logic_error);
     fields::advance(*flow, contents, clock);  // nobody left it alone for longer
     EXPECT_TRUE(flow->takes_questions());
-    EXPECT_GT(flow->survey().wet_cells, 0);
+    EXPECT_GT(flow->looks(contents)->survey().wet_cells, 0);
   });
 }
 
@@ -282,9 +282,11 @@ TEST_F(RanksFlow, SurveysAllCells) {
   cases::Case contents = basin({.soils = false, .mostly_dry = true});
   for (const bool is_lost : {false, true}) {
     if (is_lost) contents.fields.qx[500] = HUGE_VAL;
-    const fields::FlowSurvey expected = fields::make_flow(contents, told_)->survey();
+    const fields::FlowSurvey expected =
+        fields::make_flow(contents, told_)->looks(contents)->survey();
     as_first_of({3}, [&](ranks::Group& group) {
-      const fields::FlowSurvey survey = fields::make_flow(contents, told_, on(group))->survey();
+      const fields::FlowSurvey survey =
+          fields::make_flow(contents, told_, on(group))->looks(contents)->survey();
       EXPECT_EQ(survey.wet_cells, expected.wet_cells);
       EXPECT_EQ(survey.largest_speed, expected.largest_speed);
       EXPECT_EQ(survey.not_finite, expected.not_finite);

@@ -26,7 +26,6 @@ class ToldFlow : public fields::Flow {
     const auto k = cases::at(cell);
     return {.h = columns.at(Field::depth)[k], .qx = columns.at(Field::discharge_x)[k]};
   }
-  fields::FlowSurvey survey() const override { return {}; }
   fields::ExecutionPath execution_path() const override { return {"told", 1, ""}; }
   void keep_maxima(double) override {}
   void note_maxima(double) override {}
