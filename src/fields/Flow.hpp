@@ -71,29 +71,28 @@ class Flow {
   /// or one of its ranks has failed.
   virtual bool takes_questions() const { return true; }
 
-  /// The present values of a field: of all cells in their order, or of those given.
-  virtual void read(Field field, std::span<double> values) const = 0;
+  /// The present values of a field, of the cells given.
   virtual void read(Field field, std::span<const cases::Number> cells,
                     std::span<double> values) const = 0;
   virtual CellState state(cases::Number cell) const = 0;
   /// What the run asks of the mesh of this case from now on: which must live as long, as must the
   /// flow.
-  virtual std::unique_ptr<Ground> ground(const cases::Case& contents) const;
+  virtual std::unique_ptr<Ground> ground(const cases::Case& contents) const = 0;
   /// Looks at all cells at once, those of this case, from now on: which must live as long, as must
   /// the flow.
-  virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const;
+  virtual std::unique_ptr<Looks> looks(const cases::Case& contents) const = 0;
   /// The rows of a table of all cells of a mesh, which must live as long, as must the flow.
-  virtual std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const;
+  virtual std::unique_ptr<Rows> rows(const cases::Mesh& mesh, const RowsRequest& request) const = 0;
   /// Rows of numbers of all cells, those of this case, which must live as long, as must the flow.
-  virtual std::unique_ptr<ValueRows> value_rows(const cases::Case& contents) const;
+  virtual std::unique_ptr<ValueRows> value_rows(const cases::Case& contents) const = 0;
   /// The rows of what is kept of the flow between steps, which must outlive them.
-  virtual std::unique_ptr<SavedRows> saved_rows() const;
+  virtual std::unique_ptr<SavedRows> saved_rows() const = 0;
   /// Puts the state that was saved in force, see fields::fits(), of rows that come one behind the
   /// other. What `rows` throws comes out, and nothing has changed then.
-  virtual void load(const SavedFlow& saved, utils::ByteSource& rows);
+  virtual void load(const SavedFlow& saved, utils::ByteSource& rows) = 0;
   /// The same of books: of the notes, of steps that are watched, and of what looks have seen.
   virtual void load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
-                          utils::ByteSource& rows);
+                          utils::ByteSource& rows) = 0;
   virtual ExecutionPath execution_path() const = 0;
 
   /// From now on the maxima of the flow are kept, with the states that steps begin with.
@@ -106,18 +105,6 @@ class Flow {
   /// From now on every step takes notes for a report. To be called before the first step.
   virtual void watch() = 0;
   virtual const physics::StepNotes& notes() const = 0;
-  virtual UnseenDepth unseen_depth(cases::Number cell) const = 0;
-  /// By its number in the boundaries of the mesh.
-  virtual BoundaryInflow boundary_inflow(int boundary) const = 0;
-
-  /// Between steps: the present state, on every path the same, in place of what `state` holds,
-  /// whose memory is taken again.
-  virtual void save(engine::State& state) const = 0;
-  /// Puts the state of the same case in force, see engine::fits().
-  virtual void load(const engine::State& state) = 0;
-  /// The same for the notes, of steps that are watched.
-  virtual void save_notes(engine::SavedNotes& notes) const = 0;
-  virtual void load_notes(const engine::SavedNotes& notes) = 0;
 };
 
 }  // namespace fields

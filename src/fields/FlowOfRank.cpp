@@ -60,10 +60,7 @@ class FlowOfRank::OwnPart final : public FlowPart {
 };
 
 FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group)
-    : group_(group),
-      part_(std::move(share.part)),
-      whole_(group, [this] { return numbers_of_own(); }) {
-  list_own_boundaries();
+    : group_(group), part_(std::move(share.part)) {
   exchange_ = group.exchange(std::move(share.halos));
   start_ = start_engine(plan);
   agree_on_start();
@@ -99,21 +96,6 @@ void FlowOfRank::agree_on_start() {
     ranks::send_value(group_, start_, 0);
   }
   ranks::broadcast_plain(group_, start_.outcome);
-}
-
-void FlowOfRank::list_own_boundaries() {
-  const cases::Mesh& mesh = part_.contents.mesh;
-  for (std::size_t b = 0; b < mesh.boundaries.size(); ++b) {
-    if (mesh.left[at(mesh.boundaries[b].edge)] < part_.owned) {
-      own_boundaries_.push_back(static_cast<Number>(b));
-    }
-  }
-}
-
-Entries FlowOfRank::numbers_of_own() const {
-  const auto& cells = part_.cell_number;
-  return {{cells.begin(), cells.begin() + part_.owned},
-          cases::entries_of(part_.boundary_number, own_boundaries_)};
 }
 
 bool FlowOfRank::goes_on(const Clock& clock) const {
@@ -185,18 +167,6 @@ Seen FlowOfRank::see(const Look& look) {
   return seen;
 }
 
-void FlowOfRank::save_looks(std::vector<double>& infiltrated) {
-  whole_.learn();
-  if (is_first()) infiltrated.resize(whole_.number_of(Over::cells));
-  whole_.gather(looks().infiltrated(), infiltrated);
-}
-
-void FlowOfRank::load_looks(std::span<const double> infiltrated) {
-  std::vector<double> own(at(engine_->tables().owned));
-  whole_.hand_out(infiltrated, own);
-  looks().set_infiltrated(std::move(own));
-}
-
 /// The rank of the cell tells rank 0.
 void FlowOfRank::gather_not_hyperbolic() {
   not_hyperbolic_ = engine_->not_hyperbolic();
@@ -209,12 +179,6 @@ void FlowOfRank::gather_not_hyperbolic() {
   }
 }
 
-void FlowOfRank::read(Field field, std::span<double> values) {
-  own_values_.resize(at(engine_->tables().owned));
-  fields_->read(field, own_values_);
-  whole_.gather(own_values_, values);
-}
-
 void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<double> values) {
   std::vector<Number> own, places;
   for (std::size_t i = 0; i < cells.size(); ++i) {
@@ -224,7 +188,13 @@ void FlowOfRank::read(Field field, std::span<const Number> cells, std::span<doub
   }
   own_values_.resize(own.size());
   fields_->read(field, own, own_values_);
-  whole_.gather_some(places, own_values_, values);
+  using Some = std::pair<std::vector<Number>, std::vector<double>>;
+  std::map<int, Some> sent;
+  if (is_first()) place(own_values_, places, values);
+  if (!is_first() && !places.empty()) sent[0] = {places, own_values_};
+  for (const auto& [rank, some] : ranks::exchange_values(group_, std::move(sent))) {
+    place(some.second, some.first, values);
+  }
 }
 
 std::vector<engine::Work> FlowOfRank::work_of_ranks() {
@@ -281,53 +251,17 @@ CellState FlowOfRank::state(Number cell) {
   return received.empty() ? CellState{} : received.front().second;
 }
 
-void FlowOfRank::read_inflows(std::vector<BoundaryInflow>& inflows) {
-  std::vector<BoundaryInflow> of_rank;
-  for (const int b : own_boundaries_) of_rank.push_back(engine_->boundary_inflow(b));
-  whole_.gather_over_boundaries(std::move(of_rank), inflows);
-}
-
-void FlowOfRank::save_own(engine::State& state) {
-  engine_->save(state);
-  state.imposed_on_boundaries = cases::entries_of(state.imposed_on_boundaries, own_boundaries_);
-}
-
-void FlowOfRank::save(engine::State& state) {
-  save_own(own_state_);
-  whole_.gather_parts(own_state_, state);
-}
-
-void FlowOfRank::save_notes(engine::SavedNotes& notes) {
-  engine::SavedNotes own;
-  engine_->save_notes(own);
-  whole_.gather_parts(own, notes);
-}
-
-void FlowOfRank::load_own(engine::State own) {
-  std::vector<double> imposed(own.imposed_on_boundaries.empty() ? 0 : part_.boundary_number.size(),
-                              NAN);
-  place(own.imposed_on_boundaries, own_boundaries_, imposed);
-  own.imposed_on_boundaries = std::move(imposed);
-  engine_->set_state(own);
-}
-
-void FlowOfRank::load(const engine::State& state) { load_own(whole_.own_part_of(state)); }
-
-void FlowOfRank::load_notes(const engine::SavedNotes& notes) {
-  engine_->load_notes(whole_.own_part_of(notes));
-}
-
 void FlowOfRank::move_to(FlowOfRank& next, const std::vector<int>& owners) {
   MovingCells own;
-  own.numbers = numbers_of_own();
-  save_own(own.state);
+  own.numbers = {part_.cell_number.begin(), part_.cell_number.begin() + part_.owned};
+  engine_->save(own.state);
   if (is_watched_) engine_->save_notes(own.notes.emplace());
   if (looks_) own.infiltrated = looks_->infiltrated();
   own.awake = engine_->awake();
-  MovingCells moved = fields::moved(own, new_ranks_of_own(owners), group_);
+  MovingCells moved = fields::moved(own, owners, group_);
   const auto& maxima = engine_->tables().maxima;
   if (maxima) next.keep_maxima(maxima->arrival_depth);
-  next.load_own(std::move(moved.state));
+  next.engine_->set_state(moved.state);
   next.engine_->set_awake(moved.awake);
   if (is_watched_) {
     next.watch();
@@ -335,15 +269,6 @@ void FlowOfRank::move_to(FlowOfRank& next, const std::vector<int>& owners) {
   }
   next.plots_ = plots_;
   if (looks_) next.looks().go_on_from(*looks_, std::move(moved.infiltrated));
-}
-
-NewRanks FlowOfRank::new_ranks_of_own(const std::vector<int>& owners) const {
-  NewRanks own{{owners.begin(), owners.begin() + part_.owned}, {}};
-  const cases::Mesh& mesh = part_.contents.mesh;
-  for (const Number b : own_boundaries_) {
-    own.of_boundaries.push_back(owners[at(mesh.left[at(mesh.boundaries[at(b)].edge)])]);
-  }
-  return own;
 }
 
 namespace {

@@ -16,7 +16,6 @@
 #include "fields/PartLooks.hpp"
 #include "fields/SavedFlow.hpp"
 #include "fields/TableFields.hpp"
-#include "fields/WholeOnFirst.hpp"
 #include "fields/moving_cells.hpp"
 #include "ranks/Group.hpp"
 #include "ranks/RowPlan.hpp"
@@ -100,18 +99,13 @@ class FlowOfRank {
   }
 
   // What rank 0 gathers; the others give nothing to be filled.
-  void read(Field field, std::span<double> values);
   void read(Field field, std::span<const cases::Number> cells, std::span<double> values);
   CellState state(cases::Number cell);
-  void read_inflows(std::vector<BoundaryInflow>& inflows);
-  void save(engine::State& state);
-  void save_notes(engine::SavedNotes& notes);
   /// On rank 0: where the last step was not hyperbolic, if that is to be told.
   const std::optional<engine::NotHyperbolic>& not_hyperbolic() const { return not_hyperbolic_; }
 
   /// What is seen of all cells; on the other ranks anything.
   Seen see(const Look& look);
-  void save_looks(std::vector<double>& infiltrated);
 
   // What the ranks of the rows gather, column by column.
   void read_rows(const std::vector<Field>& fields, std::vector<double>& values);
@@ -125,11 +119,6 @@ class FlowOfRank {
   /// Takes what was saved from its rows, which rank 0 reads and hands to the ranks of the rows.
   /// Where the source throws, rank 0 ends with a Refusal, and nothing has changed.
   void load_rows(const LoadRequest& request, utils::ByteSource* rows);
-
-  // What rank 0 hands out; it is not looked at on the others.
-  void load(const engine::State& state);
-  void load_notes(const engine::SavedNotes& notes);
-  void load_looks(std::span<const double> infiltrated);
 
   /// Whether this rank computes a cell; on rank 0 without asking the others.
   bool owns(cases::Number cell) const { return part_.own_cell(cell) >= 0; }
@@ -145,10 +134,6 @@ class FlowOfRank {
   RankStart start_engine(const RanksPlan& plan);
   /// Makes one start of those of all ranks.
   void agree_on_start();
-  void list_own_boundaries();
-  /// Numbers of the own cells and boundaries in the whole case.
-  Entries numbers_of_own() const;
-  NewRanks new_ranks_of_own(const std::vector<int>& owners) const;
   /// The squares by which cells are dealt out, from the first time on.
   struct Plots {
     ranks::Squares squares;
@@ -156,9 +141,6 @@ class FlowOfRank {
   };
   void lay_plots();
   void gather_not_hyperbolic();
-  /// That of the own cells and boundaries.
-  void save_own(engine::State& state);
-  void load_own(engine::State own);
   PartLooks& looks();
   /// Of the own cells.
   SavedCells saved_cells(const SavedRequest& request);
@@ -168,8 +150,6 @@ class FlowOfRank {
 
   ranks::Group& group_;
   cases::Part part_;
-  WholeOnFirst whole_;
-  std::vector<cases::Number> own_boundaries_;  ///< of the part, those of its own cells
   std::unique_ptr<engine::Exchange> exchange_;
   std::unique_ptr<engine::Engine> engine_;
   std::unique_ptr<TableFields> fields_;
@@ -184,7 +164,6 @@ class FlowOfRank {
 
   // Kept for their memory.
   std::vector<double> own_values_;
-  engine::State own_state_;
 };
 
 struct Recut {

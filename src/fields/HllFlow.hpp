@@ -3,13 +3,13 @@
 
 #include <optional>
 
-#include "fields/Flow.hpp"
 #include "fields/WalkedMaxima.hpp"
+#include "fields/WholeFlow.hpp"
 #include "model/HllWalk.hpp"
 
 namespace fields {
 
-class HllFlow : public Flow {
+class HllFlow : public WholeFlow {
  public:
   /// The case must outlive it. Throws std::runtime_error where the scheme cannot take it.
   explicit HllFlow(const cases::Case& contents);
@@ -37,6 +37,7 @@ class HllFlow : public Flow {
   BoundaryInflow boundary_inflow(int boundary) const override;
 
   void save(engine::State& state) const override;
+  using WholeFlow::load;
   void load(const engine::State& state) override;
   void save_notes(engine::SavedNotes& notes) const override;
   void load_notes(const engine::SavedNotes& notes) override;

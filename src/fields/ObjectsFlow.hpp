@@ -5,15 +5,15 @@
 #include <optional>
 #include <vector>
 
-#include "fields/Flow.hpp"
 #include "fields/StepWatch.hpp"
 #include "fields/WalkedMaxima.hpp"
+#include "fields/WholeFlow.hpp"
 #include "model/PhysicalModel.hpp"
 #include "model/build_objects.hpp"
 
 namespace fields {
 
-class ObjectsFlow : public Flow {
+class ObjectsFlow : public WholeFlow {
  public:
   /// Builds the objects of a case, and sets the globals that they read.
   explicit ObjectsFlow(const cases::Case& contents);
@@ -45,6 +45,7 @@ class ObjectsFlow : public Flow {
   BoundaryInflow boundary_inflow(int boundary) const override;
 
   void save(engine::State& state) const override;
+  using WholeFlow::load;
   void load(const engine::State& state) override;
   void save_notes(engine::SavedNotes& notes) const override;
   void load_notes(const engine::SavedNotes& notes) override;

@@ -2,12 +2,12 @@
 #pragma once
 
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "case/Case.hpp"
-#include "fields/Flow.hpp"
+#include "fields/WholeFlow.hpp"
 #include "fields/looks.hpp"
-#include "utils/bytes.hpp"
 
 namespace fields {
 
@@ -40,7 +40,8 @@ class PartLooks {
   Seen see(const Look& look);
   /// Books what came over the boundaries in the last step, of dt (s).
   void add_step(double dt);
-  /// See Looks.
+  /// The infiltrated depths at the last look at the water, with which the next one goes on: of all
+  /// these cells, or none without soils.
   const std::vector<double>& infiltrated() const { return infiltrated_before_; }
   void set_infiltrated(std::vector<double> depths) { infiltrated_before_ = std::move(depths); }
   /// Goes on from looks at other cells: with what passed the boundaries that were theirs, and the
@@ -82,21 +83,18 @@ class PartLooks {
 class WholeLooks final : public Looks {
  public:
   /// Flow and case must outlive it.
-  WholeLooks(const Flow& flow, const cases::Case& contents)
+  WholeLooks(const WholeFlow& flow, const cases::Case& contents)
       : part_(flow, contents), looks_(part_) {}
 
   Seen see(const Look& look) override { return looks_.see(look); }
   void add_step(double dt) override { looks_.add_step(dt); }
-  void save(std::vector<double>& infiltrated) const override { infiltrated = looks_.infiltrated(); }
-  void load(const std::vector<double>& infiltrated) override {
-    if (infiltrated.size() != looks_.infiltrated().size()) throw utils::BadBytes();
-    looks_.set_infiltrated(infiltrated);
-  }
+  const std::vector<double>& infiltrated() const { return looks_.infiltrated(); }
+  void set_infiltrated(std::vector<double> depths) { looks_.set_infiltrated(std::move(depths)); }
 
  private:
   class Whole final : public FlowPart {
    public:
-    Whole(const Flow& flow, const cases::Case& contents) : flow_(flow), case_(contents) {}
+    Whole(const WholeFlow& flow, const cases::Case& contents) : flow_(flow), case_(contents) {}
 
     cases::Number count() const override { return case_.mesh.n_cells(); }
     cases::Number number(cases::Number k) const override { return k; }
@@ -110,7 +108,7 @@ class WholeLooks final : public Looks {
     }
 
    private:
-    const Flow& flow_;
+    const WholeFlow& flow_;
     const cases::Case& case_;
   };
 

@@ -148,7 +148,6 @@ void RanksFlow::move_cells() {
 }
 
 double RanksFlow::advance(const StepTimes& times) {
-  gathered_ = {};
   if (!is_under_way_) {
     start_steps(times);
   } else if (times.t != clock_.t || times.dt != clock_.dt) {
@@ -190,13 +189,9 @@ void RanksFlow::watch() {
   together({Task::watch}, [&] { part_->watch(); });
 }
 
-void RanksFlow::read(Field field, std::span<double> values) const {
-  together({Task::read, field}, [&] { part_->read(field, values); });
-}
-
 void RanksFlow::read(Field field, std::span<const Number> cells, std::span<double> values) const {
   std::vector<Number> sent(cells.begin(), cells.end());
-  together({Task::read_some, field, static_cast<Number>(cells.size())}, [&] {
+  together({Task::read, field, static_cast<Number>(cells.size())}, [&] {
     group_->broadcast(std::as_writable_bytes(std::span(sent)));
     part_->read(field, cells, values);
   });
@@ -222,16 +217,6 @@ class RanksFlow::LooksOfRanks final : public Looks {
 
   Seen see(const Look& look) override { return flow_.see(look); }
   void add_step(double) override {}  // every rank has done it, as it advanced
-  void save(std::vector<double>& infiltrated) const override {
-    if (!flow_.has_soils()) return infiltrated.clear();
-    flow_.together({Task::save_looks}, [&] { flow_.part_->save_looks(infiltrated); });
-  }
-  void load(const std::vector<double>& infiltrated) override {
-    const std::size_t expected = flow_.has_soils() ? at(flow_.counts_.cells) : 0;
-    if (infiltrated.size() != expected) throw utils::BadBytes();
-    if (infiltrated.empty()) return;
-    flow_.together({Task::load_looks}, [&] { flow_.part_->load_looks(infiltrated); });
-  }
 
  private:
   const RanksFlow& flow_;
@@ -256,45 +241,6 @@ ExecutionPath RanksFlow::execution_path() const {
           recuts_,
           balance_->seconds().imbalance(),
           part_->start().run_on};
-}
-
-UnseenDepth RanksFlow::unseen_depth(Number cell) const {
-  if (!gathered_.notes) {
-    engine::SavedNotes all;
-    save_notes(all);
-    gathered_.notes = std::move(all);
-  }
-  const engine::SavedNotes& notes = *gathered_.notes;
-  const auto value = [&](const std::vector<double>& column) {
-    return column.empty() ? 0.0 : column[at(cell)];
-  };
-  return {value(notes.recovered), value(notes.lifted), value(notes.taken_discharge)};
-}
-
-BoundaryInflow RanksFlow::boundary_inflow(int boundary) const {
-  if (!gathered_.inflows) {
-    auto& inflows = gathered_.inflows.emplace();
-    together({Task::read_inflows}, [&] { part_->read_inflows(inflows); });
-  }
-  return (*gathered_.inflows)[at(boundary)];
-}
-
-void RanksFlow::save(engine::State& state) const {
-  together({Task::save}, [&] { part_->save(state); });
-}
-
-void RanksFlow::load(const engine::State& state) {
-  gathered_ = {};
-  together({Task::load}, [&] { part_->load(state); });
-}
-
-void RanksFlow::save_notes(engine::SavedNotes& notes) const {
-  together({Task::save_notes}, [&] { part_->save_notes(notes); });
-}
-
-void RanksFlow::load_notes(const engine::SavedNotes& notes) {
-  gathered_ = {};
-  together({Task::load_notes}, [&] { part_->load_notes(notes); });
 }
 
 }  // namespace fields

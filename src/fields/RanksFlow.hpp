@@ -52,8 +52,7 @@ class RanksFlow : public Flow {
   ~RanksFlow() override;
 
   /// Between two steps: the cells of every rank that takes part are others from now on, unless one
-  /// of them cannot start so. What boundaries took in during the last step is forgotten. Answers
-  /// whether they are.
+  /// of them cannot start so. Answers whether they are.
   bool recut(const std::vector<ranks::Cells>& cells);
   /// How often that was done.
   int recuts() const { return recuts_; }
@@ -66,7 +65,6 @@ class RanksFlow : public Flow {
   void leave_alone_until(double t) override { pause_ = t; }
   bool takes_questions() const override { return !is_under_way_ && !group_->is_broken(); }
 
-  void read(Field field, std::span<double> values) const override;
   void read(Field field, std::span<const cases::Number> cells,
             std::span<double> values) const override;
   CellState state(cases::Number cell) const override;
@@ -85,13 +83,6 @@ class RanksFlow : public Flow {
 
   void watch() override;
   const physics::StepNotes& notes() const override { return part_->engine().notes(); }
-  UnseenDepth unseen_depth(cases::Number cell) const override;
-  BoundaryInflow boundary_inflow(int boundary) const override;
-
-  void save(engine::State& state) const override;
-  void load(const engine::State& state) override;
-  void save_notes(engine::SavedNotes& notes) const override;
-  void load_notes(const engine::SavedNotes& notes) override;
 
  private:
   class LooksOfRanks;
@@ -103,8 +94,6 @@ class RanksFlow : public Flow {
   /// On all ranks.
   void load_rows(LoadRequest request, utils::ByteSource& rows);
   Seen see(Look look) const;
-  /// Of all cells, or of none: so that those of rank 0 tell.
-  bool has_soils() const { return !part_->contents().fields.soil.empty(); }
 
   /// Lets the first ranks make a flow.
   void call_members(const RanksRequest& request, Call::Kind kind, int members, int most_threads);
@@ -124,11 +113,6 @@ class RanksFlow : public Flow {
   /// Gives the ranks cells that make about the same work for each, if that is worth it.
   void move_cells();
 
-  struct Gathered {
-    std::optional<std::vector<BoundaryInflow>> inflows;
-    std::optional<engine::SavedNotes> notes;
-  };
-
   const cases::Case& case_;
   MeshCounts counts_;
   cases::Diagnostics& diagnostics_;
@@ -147,7 +131,6 @@ class RanksFlow : public Flow {
   int recuts_ = 0;
   std::optional<ranks::Balance> balance_;  ///< once the ranks have started
   int steps_since_look_ = 0;               ///< at the balance
-  mutable Gathered gathered_;              ///< since the last step
 };
 
 template <class Do>

@@ -4,12 +4,12 @@
 #include "case/Case.hpp"
 #include "case/Diagnostics.hpp"
 #include "engine/Engine.hpp"
-#include "fields/Flow.hpp"
 #include "fields/TableFields.hpp"
+#include "fields/WholeFlow.hpp"
 
 namespace fields {
 
-class TablesFlow : public Flow {
+class TablesFlow : public WholeFlow {
  public:
   /// The case must outlive the flow. Throws std::length_error where the tables have no room for it.
   TablesFlow(const cases::Case& contents, cases::Diagnostics& diagnostics, int threads,
@@ -40,6 +40,7 @@ class TablesFlow : public Flow {
   BoundaryInflow boundary_inflow(int boundary) const override;
 
   void save(engine::State& state) const override { engine_.save(state); }
+  using WholeFlow::load;
   void load(const engine::State& state) override { engine_.set_state(state); }
   void save_notes(engine::SavedNotes& notes) const override { engine_.save_notes(notes); }
   void load_notes(const engine::SavedNotes& notes) override { engine_.load_notes(notes); }

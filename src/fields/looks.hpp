@@ -160,11 +160,6 @@ class Looks {
   virtual Seen see(const Look& look) = 0;
   /// To be called after every step of dt (s), where what passes the boundaries is looked at.
   virtual void add_step(double dt) = 0;
-  /// The infiltrated depths at the last look at the water, with which the next one goes on: of all
-  /// cells, or none without soils.
-  virtual void save(std::vector<double>& infiltrated) const = 0;
-  /// Throws utils::BadBytes where these are not as many.
-  virtual void load(const std::vector<double>& infiltrated) = 0;
 
   WaterSeen water() { return std::get<WaterSeen>(see({Look::Kind::water})); }
   RapidSeen most_rapid() { return std::get<RapidSeen>(see({Look::Kind::most_rapid})); }

@@ -10,7 +10,7 @@
 namespace fields {
 
 struct MovingCells {
-  Entries numbers;  ///< in the whole case, ascending; columns are in their order
+  std::vector<cases::Number> numbers;  ///< in the whole case, ascending; columns are in their order
   engine::State state;
   std::optional<engine::SavedNotes> notes;  ///< of steps that are watched
   std::vector<double> infiltrated;          ///< at the last look, see PartLooks; or none
@@ -23,13 +23,8 @@ struct MovingCells {
   }
 };
 
-/// The ranks that cells and boundaries get.
-struct NewRanks {
-  std::vector<int> of_cells, of_boundaries;
-};
-
-/// Called by all ranks: every cell goes from the rank that has it straight to its new one, with its
-/// boundaries. Answers the new cells of this rank.
-MovingCells moved(const MovingCells& own, const NewRanks& new_ranks, ranks::Group& group);
+/// Called by all ranks: every cell goes from the rank that has it straight to its new one, of which
+/// a list begins with those of the own cells. Answers the new cells of this rank.
+MovingCells moved(const MovingCells& own, const std::vector<int>& new_ranks, ranks::Group& group);
 
 }  // namespace fields

@@ -114,7 +114,6 @@ void RanksFlow::load_books(const SavedFlow& saved, bool has_notes, Looks&,
 }
 
 void RanksFlow::load_rows(LoadRequest request, utils::ByteSource& rows) {
-  gathered_ = {};
   together({Task::load_rows}, [&] {
     ranks::broadcast_out(*group_, request);
     part_->load_rows(request, &rows);

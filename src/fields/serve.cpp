@@ -19,7 +19,7 @@ using cases::Number;
 
 namespace {
 
-void read_some(FlowOfRank& part, ranks::Group& group, const Order& order) {
+void read(FlowOfRank& part, ranks::Group& group, const Order& order) {
   std::vector<Number> cells(at(order.number));
   group.broadcast(std::as_writable_bytes(std::span(cells)));
   part.read(order.field, cells, {});
@@ -69,10 +69,6 @@ void load_rows(FlowOfRank& part, ranks::Group& group) {
 /// Does what rank 0 orders until it ends the flow.
 void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
-  std::vector<BoundaryInflow> no_inflows;
-  engine::State no_state;
-  engine::SavedNotes no_notes;
-  std::vector<double> no_values;
   RowsOfRank rows(group);
   while (true) {
     Order order{};
@@ -95,28 +91,10 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
         part.watch();
         break;
       case Task::read:
-        part.read(order.field, {});
-        break;
-      case Task::read_some:
-        read_some(part, group, order);
+        read(part, group, order);
         break;
       case Task::state:
         part.state(order.number);
-        break;
-      case Task::read_inflows:
-        part.read_inflows(no_inflows);
-        break;
-      case Task::save:
-        part.save(no_state);
-        break;
-      case Task::save_notes:
-        part.save_notes(no_notes);
-        break;
-      case Task::load:
-        part.load(no_state);
-        break;
-      case Task::load_notes:
-        part.load_notes(no_notes);
         break;
       case Task::weigh_ranks:
         part.work_of_ranks();
@@ -132,12 +110,6 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
         break;
       case Task::look:
         see(part, group);
-        break;
-      case Task::save_looks:
-        part.save_looks(no_values);
-        break;
-      case Task::load_looks:
-        part.load_looks({});
         break;
       case Task::gather_rows:
         gather_rows(order.number, rows, part, group);

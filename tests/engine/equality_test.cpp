@@ -175,8 +175,8 @@ class Equality : public testing::Test {
     return work;
   }
 
-  static void expect_same_maxima(const PhysicalModel& model, fields::Flow& objects,
-                                 fields::Flow& tables, double t) {
+  static void expect_same_maxima(const PhysicalModel& model, fields::WholeFlow& objects,
+                                 fields::WholeFlow& tables, double t) {
     objects.note_maxima(t);
     tables.note_maxima(t);
     std::vector<double> a(model.cells.size()), b(model.cells.size());
@@ -219,8 +219,8 @@ class Equality : public testing::Test {
     return cell.free_surface_level == state.water_level && cell.bed_level == state.bed_level;
   }
 
-  static void expect_same_notes(const PhysicalModel& model, const fields::Flow& objects,
-                                const fields::Flow& tables, int step) {
+  static void expect_same_notes(const PhysicalModel& model, const fields::WholeFlow& objects,
+                                const fields::WholeFlow& tables, int step) {
     const physics::StepNotes& a = objects.notes();
     const physics::StepNotes& b = tables.notes();
     EXPECT_EQ(a.limiting_cell, b.limiting_cell) << "step " << step;

@@ -67,8 +67,8 @@ class HllEquality : public testing::Test {
     return fewest;
   }
 
-  static void expect_same_cells(const cases::Case& contents, const fields::Flow& walk,
-                                const fields::Flow& tables, int step, bool with_maxima) {
+  static void expect_same_cells(const cases::Case& contents, const fields::WholeFlow& walk,
+                                const fields::WholeFlow& tables, int step, bool with_maxima) {
     const auto n_cells = cases::at(contents.mesh.n_cells());
     std::vector<double> a(n_cells), b(n_cells);
     for (const fields::FieldInfo& info : fields::field_table) {
@@ -84,8 +84,8 @@ class HllEquality : public testing::Test {
     }
   }
 
-  static void expect_same_notes(const cases::Case& contents, const fields::Flow& walk,
-                                const fields::Flow& tables, int step) {
+  static void expect_same_notes(const cases::Case& contents, const fields::WholeFlow& walk,
+                                const fields::WholeFlow& tables, int step) {
     const physics::StepNotes &a = walk.notes(), &b = tables.notes();
     EXPECT_EQ(a.limiting_cell, b.limiting_cell) << "step " << step;
     EXPECT_EQ(a.speed_squared.value, b.speed_squared.value) << "step " << step;

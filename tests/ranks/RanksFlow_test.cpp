@@ -8,6 +8,7 @@
 #include "ranks/CountingGroup.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/kept.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
 #include "support/polygon_mesh.hpp"
@@ -59,16 +60,15 @@ class RanksFlow : public PartsOfCourse {
 
 TEST_F(RanksFlow, TellsOnceThatTheSystemIsNotHyperbolicWhereverThatIs) {
   const cases::Case contents = basin({.sediments = true});
-  engine::State state;
   const auto alone = fields::make_flow(contents, told_);
-  alone->save(state);
+  const engine::State state = state_of(*alone);
   for (const std::size_t cell : {20, 300, 700}) {
     engine::State odd = state;
     odd.h[cell] = odd.eta[cell] = 0.5;
     odd.dqs_dh[cell] = 1e3;
     told_.warnings.clear();
     const auto reference = fields::make_flow(contents, told_);
-    reference->load(odd);
+    load(*reference, odd);
     reference->advance({0.0, 0.0, t_end, 1e-4});
     const std::vector<std::string> expected = told_.warnings;
     ASSERT_EQ(expected.size(), 1U);
@@ -79,7 +79,7 @@ TEST_F(RanksFlow, TellsOnceThatTheSystemIsNotHyperbolicWhereverThatIs) {
         request.path = path;
         request.device = "emulated";
         const auto flow = fields::make_flow(contents, told_, request);
-        flow->load(odd);
+        load(*flow, odd);
         for (int step = 0; step < 3; ++step) flow->advance({0.0, 0.0, t_end, 1e-4});
         EXPECT_EQ(told_.warnings, expected);
         EXPECT_EQ(flow->execution_path().name, path);
@@ -132,10 +132,7 @@ TEST_F(RanksFlow, NeedsNoOrdersForStepsWhileItIsLeftAlone) {
         EXPECT_EQ(flow->takes_questions(), step == steps) << step;
       }
       EXPECT_EQ(counts.orders, 3);  // to think of moving cells, where cells are, and to go
-      engine::State state, state_alone;
-      flow->save(state);
-      alone->save(state_alone);
-      EXPECT_TRUE(have_same_bits(state, state_alone));
+      EXPECT_TRUE(have_same_bits(state_of(*flow), state_of(*alone)));
     });
   }
 }
@@ -214,7 +211,7 @@ TEST_F(RanksFlow, TakesQuestionsOnceAStateOfWhichNotesAreTakenIsLost) {
         fields::advance(*flow, contents, clock);
         EXPECT_EQ(flow->takes_questions(), is_watched && is_first);
         if (is_watched && is_first) {
-          EXPECT_EQ(flow->notes().not_finite, flow->survey().not_finite);
+          EXPECT_EQ(flow->notes().not_finite, flow->looks(contents)->survey().not_finite);
           EXPECT_GT(flow->notes().not_finite, 0);
         }
       }
@@ -291,34 +288,6 @@ TEST_F(RanksFlow, SurveysAllCells) {
       EXPECT_EQ(survey.largest_speed, expected.largest_speed);
       EXPECT_EQ(survey.not_finite, expected.not_finite);
       EXPECT_EQ(survey.a_cell_not_finite, expected.a_cell_not_finite);
-    });
-  }
-}
-
-TEST_F(RanksFlow, GoesOnFromAStateInWhichACallerImposesValues) {
-  const cases::Case contents = basin({});
-  fields::TablesFlow alone(contents, told_, 1);
-  engine::Engine& engine = alone.engine();
-  for (std::size_t b = 0; b < contents.mesh.boundaries.size(); b += 3) {
-    engine.impose_on_boundary(static_cast<int>(b), 0.3 + 0.01 * static_cast<double>(b));
-  }
-  const std::vector<Number> rainy = {3, 250, 400, 727};
-  engine.impose_rain(rainy, std::vector<double>{1e-3, 2e-3, 1e-3, 0.0});
-  alone.advance({0.0, 0.0, t_end, 1e-3});
-  engine::State imposed, expected;
-  alone.save(imposed);
-  for (int step = 1; step < 10; ++step) alone.advance({1e-3 * step, 0.0, t_end, 1e-3});
-  alone.save(expected);
-  for (const int count : {2, 5}) {
-    as_first_of({count}, [&](ranks::Group& group) {
-      const auto flow = fields::make_flow(contents, told_, on(group));
-      flow->load(imposed);
-      for (int step = 1; step < 10; ++step) flow->advance({1e-3 * step, 0.0, t_end, 1e-3});
-      engine::State state;
-      flow->save(state);
-      EXPECT_TRUE(have_same_bits(state, expected));
-      EXPECT_TRUE(have_same_bits(state.imposed_rain, expected.imposed_rain));
-      EXPECT_TRUE(have_same_bits(state.imposed_on_boundaries, expected.imposed_on_boundaries));
     });
   }
 }

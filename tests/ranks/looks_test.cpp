@@ -7,6 +7,7 @@
 #include "fields/make_flow.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/kept.hpp"
 #include "support/Told.hpp"
 #include "utils/bytes.hpp"
 
@@ -41,12 +42,13 @@ class LooksOfRanks : public PartsOfCourse {
       }
       looked.push_back(bytes_of(looks->see({Look::Kind::column, Field::depth})));
       looked.push_back(bytes_of(looks->see({Look::Kind::column, Field::bed_load_x, 2})));
-      std::vector<double> kept;
-      looks->save(kept);
-      utils::put_into(looked.emplace_back(), kept);
+      fields::SavedCells cells = cells_of(flow, {looks.get(), true});
+      utils::put_into(looked.emplace_back(), cells.infiltrated);
       if (step == 6) {  // the soils have given out all that they had
-        for (double& depth : kept) depth += 1.0;
-        looks->load(kept);
+        for (double& depth : cells.infiltrated) depth += 1.0;
+        const Kept kept = kept_of(cells);
+        utils::MemorySource source(kept.rows);
+        flow.load_books(kept.flow, true, *looks, source);
       }
       flow.advance({step * dt, 0.0, t_end, dt});
       looks->add_step(dt);
@@ -59,10 +61,9 @@ class LooksOfRanks : public PartsOfCourse {
       const std::function<void(engine::State&)>& change = [](engine::State&) {}) {
     const auto looked_on = [&](const fields::FlowRequest& request) {
       const auto flow = fields::make_flow(contents, told_, request);
-      engine::State state;
-      flow->save(state);
+      engine::State state = state_of(*flow);
       change(state);
-      flow->load(state);
+      load(*flow, state);
       return look_at(*flow, contents);
     };
     const Looked expected = looked_on({.most_threads = 1});

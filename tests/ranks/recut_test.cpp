@@ -10,6 +10,7 @@
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
 #include "ranks/cuts_by_weight.hpp"
+#include "ranks/kept.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
 
@@ -20,10 +21,9 @@ namespace {
 /// What can be seen of a run.
 struct Seen {
   std::vector<double> steps;
-  std::vector<physics::StepNotes> notes;          ///< of every step, of a run that is watched
-  std::vector<engine::BoundaryInflow> inflows;    ///< of all boundaries, step by step
-  std::vector<utils::Bytes> states, saved_notes;  ///< every ten steps
-  std::vector<utils::Bytes> looks;                ///< likewise, with the books of a watched run
+  std::vector<physics::StepNotes> notes;  ///< of every step, of a run that is watched
+  std::vector<Kept> kept;                 ///< every ten steps
+  std::vector<utils::Bytes> looks;        ///< likewise, with the books of a watched run
 };
 
 class Recut : public PartsOfCourse {
@@ -39,9 +39,10 @@ class Recut : public PartsOfCourse {
     fields::Clock clock = fields::clock_at_start(contents, flow);
     if (is_watched) flow.watch();
     const auto looks = flow.looks(contents);
+    const auto rows = flow.saved_rows();
     for (int step = 0; step < steps; ++step) {
       if (step % steps_between_cuts == 0) {
-        look(flow, is_watched, seen);
+        seen.kept.push_back(kept_of(*rows, {looks.get(), is_watched}));
         utils::put_into(seen.looks.emplace_back(), looks->water());
         if (is_watched) utils::put_into(seen.looks.emplace_back(), looks->volumes());
         recut();
@@ -52,12 +53,9 @@ class Recut : public PartsOfCourse {
       EXPECT_FALSE(clock.has_collapsed());
       seen.steps.push_back(clock.dt);
       if (is_watched) seen.notes.push_back(flow.notes());
-      for (std::size_t b = 0; b < contents.mesh.boundaries.size(); ++b) {
-        seen.inflows.push_back(flow.boundary_inflow(static_cast<int>(b)));
-      }
     }
     flow.note_maxima(clock.t);
-    look(flow, is_watched, seen);
+    seen.kept.push_back(kept_of(*rows, {looks.get(), is_watched}));
     return seen;
   }
 
@@ -72,24 +70,8 @@ class Recut : public PartsOfCourse {
   static void expect_same(const Seen& seen, const Seen& expected) {
     EXPECT_TRUE(bytes_of(seen.steps) == bytes_of(expected.steps));
     EXPECT_TRUE(bytes_of(seen.notes) == bytes_of(expected.notes));
-    EXPECT_TRUE(seen.states == expected.states);
-    EXPECT_TRUE(seen.saved_notes == expected.saved_notes);
+    EXPECT_TRUE(seen.kept == expected.kept);
     EXPECT_TRUE(seen.looks == expected.looks);
-    ASSERT_EQ(seen.inflows.size(), expected.inflows.size());
-    for (std::size_t k = 0; k < seen.inflows.size(); ++k) {
-      EXPECT_EQ(seen.inflows[k].water, expected.inflows[k].water) << k;
-      EXPECT_EQ(seen.inflows[k].bed, expected.inflows[k].bed) << k;
-    }
-  }
-
-  static void look(fields::Flow& flow, bool is_watched, Seen& seen) {
-    engine::State state;
-    flow.save(state);
-    utils::put_into(seen.states.emplace_back(), state);
-    if (!is_watched) return;
-    engine::SavedNotes notes;
-    flow.save_notes(notes);
-    utils::put_into(seen.saved_notes.emplace_back(), notes);
   }
 
   std::vector<ranks::Cells> random_cut(const cases::Mesh& mesh, int ranks) {
@@ -105,7 +87,7 @@ class Recut : public PartsOfCourse {
     for (const bool is_watched : {false, true}) {
       const auto alone = fields::make_flow(contents, told_, {.most_threads = 1});
       const Seen expected = run(*alone, contents, is_watched, [] {});
-      ASSERT_NE(expected.states.front(), expected.states.back());
+      ASSERT_FALSE(expected.kept.front() == expected.kept.back());
       for (const int count : counts) {
         as_first_of({count}, [&](ranks::Group& group) {
           fields::RanksFlow flow(contents, told_, {.group = &group, .are_balanced = false}, 1, {});
@@ -176,18 +158,12 @@ class DryBasin : public Recut {
     return contents;
   }
 
-  static utils::Bytes state_after(fields::Flow& flow, const cases::Case& contents, int steps) {
+  static Kept state_after(fields::Flow& flow, const cases::Case& contents, int steps) {
     fields::Clock clock = fields::clock_at_start(contents, flow);
     for (int step = 0; step < steps; ++step) fields::advance(flow, contents, clock);
     return state_of(flow);
   }
-  static utils::Bytes state_of(fields::Flow& flow) {
-    engine::State state;
-    flow.save(state);
-    utils::Bytes bytes;
-    utils::put_into(bytes, state);
-    return bytes;
-  }
+  static Kept state_of(const fields::Flow& flow) { return kept_of(*flow.saved_rows(), {}); }
 };
 
 }  // namespace

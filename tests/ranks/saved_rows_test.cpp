@@ -10,6 +10,7 @@
 #include "ranks/GroupAround.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/kept.hpp"
 #include "support/Told.hpp"
 
 using namespace test_ranks;
@@ -65,36 +66,10 @@ class WatchedGroup final : public GroupAround {
   std::atomic<std::size_t>& largest_;
 };
 
-/// What was kept of a flow.
-struct Kept {
-  fields::SavedFlow flow;
-  utils::Bytes rows;
-
-  friend bool operator==(const Kept& a, const Kept& b) {
-    utils::Bytes of_a, of_b;
-    utils::put_into(of_a, a.flow);
-    utils::put_into(of_b, b.flow);
-    return of_a == of_b && a.rows == b.rows;
-  }
-};
-
 class SavedRowsOfRanks : public PartsOfCourse {
  protected:
   static void advance(fields::Flow& flow, int first, int end) {
     for (int step = first; step < end; ++step) flow.advance({1e-3 * step, 0.0, t_end, 1e-3});
-  }
-  static Kept kept_of(fields::SavedRows& rows, const fields::Books& books) {
-    rows.gather(books);
-    Kept kept{rows.flow(), {}};
-    utils::MemorySink sink(kept.rows);
-    rows.put_own_to(sink);
-    for (bool has_more = rows.has_others(); has_more;) {
-      const auto piece = rows.next();
-      if (!piece) continue;
-      sink.put(piece->text.data(), piece->text.size());
-      has_more = !piece->is_last;
-    }
-    return kept;
   }
   /// Of a flow behind so many steps, of `end` in all; from what was kept of another, or the start.
   std::vector<Kept> run(const cases::Case& contents, const fields::FlowRequest& request, int first,

@@ -8,6 +8,7 @@
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/SplitReading.hpp"
 #include "ranks/as_first_of.hpp"
+#include "ranks/kept.hpp"
 #include "ranks/on_ranks.hpp"
 #include "support/RunGlobals.hpp"
 #include "support/Told.hpp"
@@ -208,8 +209,7 @@ TEST_F(SharedCaseTest, FlowsOnAsAWholeOne) {
     const auto looks_alone = alone->looks(whole.contents());
     fields::Clock expected = fields::clock_at_start(whole.contents(), *alone);
     for (int step = 0; step < steps; ++step) fields::advance(*alone, whole.contents(), expected);
-    engine::State expected_state;
-    alone->save(expected_state);
+    const engine::State expected_state = state_of(*alone);
     const Number some[] = {whole.contents().mesh.n_cells() - 1, 0, 17, 0};
     double expected_depths[4];
     alone->read(fields::Field::depth, some, expected_depths);
@@ -231,10 +231,9 @@ TEST_F(SharedCaseTest, FlowsOnAsAWholeOne) {
           EXPECT_EQ(flow->state(cell).h, alone->state(cell).h);
           EXPECT_EQ(flow->state(cell).qx, alone->state(cell).qx);
         }
-        engine::State state;
-        flow->save(state);
+        const engine::State state = state_of(*flow);
         EXPECT_TRUE(have_same_bits(state, expected_state));
-        flow->load(state);
+        load(*flow, state);
         EXPECT_EQ(looks->volumes().water.value(), looks_alone->volumes().water.value());
         EXPECT_EQ(looks->bounds().slowest, looks_alone->bounds().slowest);
       });

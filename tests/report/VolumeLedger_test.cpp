@@ -55,7 +55,8 @@ class Ledger : public testing::TestWithParam<bool> {
       PhysicalModel& model, int steps, const std::function<void()>& before_step = [] {}) {
     support::TablesOfModel tables(model, 2, 64);
     fields::ObjectsFlow objects(model);
-    fields::Flow* const flow = GetParam() ? static_cast<fields::Flow*>(&tables.flow) : &objects;
+    fields::WholeFlow* const flow =
+        GetParam() ? static_cast<fields::WholeFlow*>(&tables.flow) : &objects;
     flow->watch();
     VolumeLedger ledger(*flow, tables.contents);
     double next = 0.4 * flow->stable_step(0.0);

@@ -11,8 +11,9 @@ using cases::Number;
 using fields::Field;
 
 /// A flow that is whatever it is told to be.
-class ToldFlow : public fields::Flow {
+class ToldFlow : public fields::WholeFlow {
  public:
+  using WholeFlow::load;
   std::map<Field, std::vector<double>> columns;
 
   fields::FlowScales scales() const override { return {}; }

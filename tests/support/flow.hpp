@@ -1,7 +1,7 @@
 // Steps of a flow, and its states in the objects of its model, where tests look at them.
 #pragma once
 
-#include "fields/Flow.hpp"
+#include "fields/WholeFlow.hpp"
 #include "globals/Globals.hpp"
 #include "model/PhysicalModel.hpp"
 
@@ -24,7 +24,7 @@ inline void advance(fields::Flow& flow, int steps, double courant) {
 }
 
 /// Brings the objects of a flow up to date.
-inline void store(const fields::Flow& flow, PhysicalModel& model) {
+inline void store(const fields::WholeFlow& flow, PhysicalModel& model) {
   std::vector<double> infiltrated(model.cells.size()), largest(model.cells.size());
   flow.read(fields::Field::infiltrated_depth, infiltrated);
   flow.read(fields::Field::largest_depth, largest);

@@ -10,6 +10,7 @@
 #include "ranks/Curve.hpp"
 #include "ranks/PartsOfCourse.hpp"
 #include "ranks/cuts_by_weight.hpp"
+#include "ranks/kept.hpp"
 #include "ranks/mpi/MpiGroup.hpp"
 #include "support/Told.hpp"
 
@@ -25,12 +26,6 @@ class MpiFlow : public test_ranks::PartsOfCourse {
       weights.push_back(k * ranks / curve.patches() % 2 == which ? 5.0 : 1.0);
     }
     return curve.runs(ranks::cuts_of(weights, ranks));
-  }
-
-  static engine::State state_of(const fields::Flow& flow) {
-    engine::State state;
-    flow.save(state);
-    return state;
   }
 };
 
@@ -61,7 +56,7 @@ TEST_F(MpiFlow, KeepsItsBitsWhileCellsMove) {
     fields::advance(flow, contents, clock);
     fields::advance(*alone, contents, clock_alone);
     EXPECT_EQ(flow.recuts(), 6);
-    EXPECT_TRUE(have_same_bits(state_of(flow), state_of(*alone)));
+    EXPECT_TRUE(have_same_bits(test_ranks::state_of(flow), test_ranks::state_of(*alone)));
   }
   fields::end_service(group, end);
 }

@@ -1,4 +1,4 @@
-#include "fields/Flow.hpp"
+#include "fields/WholeFlow.hpp"
 
 #include <utility>
 #include <vector>
@@ -15,7 +15,7 @@ using cases::at;
 /// All rows of a flow that this process computes alone.
 class WholeRows final : public Rows {
  public:
-  WholeRows(const Flow& flow, const cases::Mesh& mesh, RowsRequest request)
+  WholeRows(const WholeFlow& flow, const cases::Mesh& mesh, RowsRequest request)
       : flow_(flow), mesh_(mesh), request_(std::move(request)) {}
 
   void gather() override {
@@ -37,7 +37,7 @@ class WholeRows final : public Rows {
   }
 
  private:
-  const Flow& flow_;
+  const WholeFlow& flow_;
   const cases::Mesh& mesh_;
   RowsRequest request_;
   std::vector<double> values_;  ///< of the first field, of the second, ...
@@ -46,7 +46,7 @@ class WholeRows final : public Rows {
 /// All values of a flow that this process computes alone.
 class WholeValueRows final : public ValueRows {
  public:
-  WholeValueRows(const Flow& flow, const cases::Case& contents) : flow_(flow) {
+  WholeValueRows(const WholeFlow& flow, const cases::Case& contents) : flow_(flow) {
     bed_.reserve(at(contents.mesh.n_cells()));
     for (cases::Number cell = 0; cell < contents.mesh.n_cells(); ++cell) {
       bed_.push_back(cases::bed_level_of(contents, cell));
@@ -63,7 +63,7 @@ class WholeValueRows final : public ValueRows {
   const std::vector<double>& bed() const override { return bed_; }
 
  private:
-  const Flow& flow_;
+  const WholeFlow& flow_;
   Columns columns_;
   std::vector<double> bed_;
 };
@@ -71,7 +71,7 @@ class WholeValueRows final : public ValueRows {
 /// What is kept of a flow that this process computes alone.
 class WholeSavedRows final : public SavedRows {
  public:
-  explicit WholeSavedRows(const Flow& flow) : whole_(flow) {}
+  explicit WholeSavedRows(const WholeFlow& flow) : whole_(flow) {}
 
   void gather(const Books& books) override {
     whole_.save(cells_.state);
@@ -81,7 +81,8 @@ class WholeSavedRows final : public SavedRows {
       cells_.notes = {};
     }
     cells_.infiltrated.clear();
-    if (books.looks != nullptr) books.looks->save(cells_.infiltrated);
+    if (books.looks != nullptr)
+      cells_.infiltrated = dynamic_cast<const WholeLooks&>(*books.looks).infiltrated();
     flow_.describe(cells_, cells_.state.h.size());
   }
   void put_own_to(utils::ByteSink& sink) const override {
@@ -93,7 +94,7 @@ class WholeSavedRows final : public SavedRows {
   }
 
  private:
-  const Flow& whole_;
+  const WholeFlow& whole_;
   SavedCells cells_;
 };
 
@@ -113,34 +114,34 @@ SavedCells taken_from(const SavedFlow& saved, const std::vector<SavedPart>& part
 
 }  // namespace
 
-std::unique_ptr<ValueRows> Flow::value_rows(const cases::Case& contents) const {
+std::unique_ptr<ValueRows> WholeFlow::value_rows(const cases::Case& contents) const {
   return std::make_unique<WholeValueRows>(*this, contents);
 }
 
-std::unique_ptr<SavedRows> Flow::saved_rows() const {
+std::unique_ptr<SavedRows> WholeFlow::saved_rows() const {
   return std::make_unique<WholeSavedRows>(*this);
 }
 
-void Flow::load(const SavedFlow& saved, utils::ByteSource& rows) {
+void WholeFlow::load(const SavedFlow& saved, utils::ByteSource& rows) {
   load(taken_from(saved, {SavedPart::state}, rows).state);
 }
 
-void Flow::load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
-                      utils::ByteSource& rows) {
+void WholeFlow::load_books(const SavedFlow& saved, bool has_notes, Looks& looks,
+                           utils::ByteSource& rows) {
   const SavedCells books = taken_from(saved, {SavedPart::notes, SavedPart::infiltrated}, rows);
   if (has_notes) load_notes(books.notes);
-  looks.load(books.infiltrated);
+  dynamic_cast<WholeLooks&>(looks).set_infiltrated(books.infiltrated);
 }
 
-std::unique_ptr<Rows> Flow::rows(const cases::Mesh& mesh, const RowsRequest& request) const {
+std::unique_ptr<Rows> WholeFlow::rows(const cases::Mesh& mesh, const RowsRequest& request) const {
   return std::make_unique<WholeRows>(*this, mesh, request);
 }
 
-std::unique_ptr<Ground> Flow::ground(const cases::Case& contents) const {
+std::unique_ptr<Ground> WholeFlow::ground(const cases::Case& contents) const {
   return std::make_unique<WholeGround>(contents);
 }
 
-std::unique_ptr<Looks> Flow::looks(const cases::Case& contents) const {
+std::unique_ptr<Looks> WholeFlow::looks(const cases::Case& contents) const {
   return std::make_unique<WholeLooks>(*this, contents);
 }
 
