@@ -24,6 +24,12 @@ class CellTable {
   /// Puts the complete file in its place; see WholeFile.
   bool commit() { return file_.commit(text_); }
 
+  // The same of a table to which nothing was added, and whose header and rows several processes
+  // write; see WholeFile.
+  std::optional<SharedPart> share() { return file_.share(); }
+  void unshare() { file_.unshare(); }
+  bool commit_shared(std::uint64_t size, int error) { return file_.commit_shared(size, error); }
+
  private:
   WholeFile file_;
   TextBuffer text_;

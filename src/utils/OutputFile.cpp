@@ -7,7 +7,7 @@
 #include <fstream>
 #include <iostream>
 #include <mutex>
-#include <optional>
+#include <random>
 #include <set>
 #include <system_error>
 #include <vector>
@@ -83,7 +83,25 @@ Checksum checksum_of_start(const WrittenLines& lines) {
   return sum;
 }
 
+/// No other file begins so.
+std::string new_mark() {
+  std::random_device source;
+  std::string mark = "not written yet";
+  for (int words = 0; words < 4; ++words) mark += ' ' + std::to_string(source());
+  return mark + '\n';
+}
+
 }  // namespace
+
+int open_shared(const SharedPart& part, WritableFile& file) {
+  std::string mark(part.mark.size(), ' ');
+  std::ifstream(part.name, std::ios::binary)
+      .read(mark.data(), static_cast<std::streamsize>(mark.size()));
+  if (const int error = file.open_as_it_is(part.name); error != 0) return error;
+  if (mark == part.mark) return 0;
+  file.close();
+  return ENOENT;
+}
 
 WholeFile::WholeFile(std::string name) : name_(std::move(name)), place_(place_of(name_)) {
   if (is_input_file(place_) || is_input_itself(place_ + ".part")) {
@@ -129,6 +147,25 @@ bool WholeFile::commit(const TextBuffer& rest) {
   if (error_ != 0) fail(incomplete(error_));
   if (!temporary_name_.empty()) put_in_place();
   return !has_failed_;
+}
+
+std::optional<SharedPart> WholeFile::share() {
+  if (!file_.is_open() || temporary_name_.empty()) return {};
+  SharedPart part = {temporary_name_, new_mark()};
+  error_ = file_.write_at(0, part.mark);
+  if (error_ == 0) error_ = file_.sync();  // other machines see it
+  if (error_ != 0) return {};
+  return part;
+}
+
+void WholeFile::unshare() {
+  if (error_ == 0) error_ = file_.cut_off(0);
+}
+
+bool WholeFile::commit_shared(std::uint64_t size, int error) {
+  if (error_ == 0) error_ = error;
+  if (error_ == 0) error_ = file_.cut_off(size);  // it may be shorter than its mark
+  return commit({});
 }
 
 void WholeFile::put_in_place() {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "utils/Checksum.hpp"
@@ -11,6 +12,21 @@
 #include "utils/WritableFile.hpp"
 
 namespace utils {
+
+/// A file without its name yet, into which several processes write.
+struct SharedPart {
+  std::string name;  ///< the temporary one
+  std::string mark;  ///< what the file begins with until it is written: others may have the name
+
+  template <class Self, class Visit>
+  static void visit_parts(Self& self, const Visit& visit) {
+    visit(self.name, self.mark);
+  }
+};
+
+/// Opens it in one of these processes. Answers the number of an error, also where another file has
+/// the name, as on machines with disks of their own.
+int open_shared(const SharedPart& part, WritableFile& file);
 
 /// A file written whole: it grows under a temporary name and takes its own when it is complete, so
 /// that an earlier complete file is there until then. A link to a file stays, and the file that it
@@ -24,6 +40,15 @@ class WholeFile {
   /// Writes the rest and puts the file in its place; an earlier file stays if that fails. False if
   /// the run must end, which has been said.
   bool commit(const TextBuffer& rest);
+
+  /// Before anything is written: lets several processes write the file instead. Nothing for a file
+  /// that is written directly, or cannot be written.
+  std::optional<SharedPart> share();
+  /// They could not: it is written here as if it had never been shared.
+  void unshare();
+  /// They have written so many bytes, or have failed with an error (its number, else 0): goes on as
+  /// commit().
+  bool commit_shared(std::uint64_t size, int error);
 
  private:
   void create();

@@ -125,7 +125,7 @@ std::optional<WriterThread::Piece> WriterThread::next_piece() {
 
 void WriterThread::wait() {
   constexpr std::chrono::milliseconds pause{1};
-  while (belongs_to_this_thread() && work_in_pieces > 0) {
+  while (belongs_to_this_thread() && work_in_pieces > 0 && is_busy()) {
     // What is waited for may wait for another writer: none stands still meanwhile.
     go_on();
     go_on_with_writers();

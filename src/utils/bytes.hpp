@@ -151,8 +151,9 @@ class ByteReader {
   void read(std::optional<Value>& value) const {
     bool has_value = false;
     read(has_value);
-    value.reset();
-    if (has_value) read(value.emplace());
+    if (!has_value) return value.reset();
+    if (!value) value.emplace();
+    read(*value);
   }
   template <class... Kinds>
   void read(std::variant<Kinds...>& value) const {

@@ -231,6 +231,75 @@ TEST(WholeFile, WarnsWhenAFolderStandsInItsPlace) {
                                      " couldn't be created: its results are lost.\n");
 }
 
+/// A file that several processes write.
+class SharedFile : public testing::Test {
+ protected:
+  int write(const utils::SharedPart& part, std::size_t place, const std::string& text) const {
+    utils::WritableFile other;
+    if (const int error = utils::open_shared(part, other); error != 0) return error;
+    return other.write_at(place, text);
+  }
+
+  support::TemporaryFolder folder;
+  std::string name = folder.file("out.txt");
+};
+
+TEST_F(SharedFile, HoldsWhatOthersWrote) {
+  folder.write("out.txt", "earlier\n");
+  utils::WholeFile file(name);
+  const auto part = file.share();
+  ASSERT_TRUE(part);
+  EXPECT_EQ(part->name, name + ".part");
+  utils::WritableFile one, two;
+  EXPECT_EQ(utils::open_shared(*part, one), 0);
+  EXPECT_EQ(utils::open_shared(*part, two), 0);
+  EXPECT_EQ(two.write_at(5, "end\n"), 0);
+  EXPECT_EQ(one.write_at(0, "begin"), 0);
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  EXPECT_TRUE(file.commit_shared(9, 0));
+  EXPECT_EQ(folder.read("out.txt"), "beginend\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+TEST_F(SharedFile, IsOpenedByNobodyWhoSeesAnotherOneOfItsName) {
+  utils::WholeFile file(name);
+  const auto part = file.share();
+  ASSERT_TRUE(part);
+  std::filesystem::resize_file(part->name, 3);
+  EXPECT_EQ(write(*part, 0, "lost"), ENOENT);
+  std::filesystem::remove(part->name);
+  EXPECT_EQ(write(*part, 0, "lost"), ENOENT);
+  EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+TEST_F(SharedFile, IsWrittenAloneWhereOthersCannot) {
+  utils::WholeFile file(name);
+  ASSERT_TRUE(file.share());
+  file.unshare();
+  EXPECT_TRUE(file.commit(buffer_of("alone\n")));
+  EXPECT_EQ(folder.read("out.txt"), "alone\n");
+}
+
+TEST_F(SharedFile, IsNotPutInItsPlaceWhereOneOfThemFailed) {
+  folder.write("out.txt", "earlier\n");
+  utils::WholeFile file(name);
+  ASSERT_TRUE(file.share());
+  CaptureStderr();
+  EXPECT_FALSE(file.commit_shared(9, ENOSPC));
+  EXPECT_EQ(GetCapturedStderr(), "Error. The file " + name +
+                                     " couldn't be written completely: No space left on device.\n");
+  EXPECT_EQ(folder.read("out.txt"), "earlier\n");
+  EXPECT_FALSE(folder.has("out.txt.part"));
+}
+
+TEST_F(SharedFile, IsNoneWhereItIsWrittenDirectly) {
+  std::filesystem::create_symlink("/dev/null", name);
+  EXPECT_FALSE(utils::WholeFile(name).share());
+  CaptureStderr();
+  EXPECT_FALSE(utils::WholeFile(folder.file("missing/out.txt")).share());
+  EXPECT_NE(GetCapturedStderr(), "");
+}
+
 TEST(LineFile, GrowsLineByLineAndEachLineIsOnTheDiskAtOnce) {
   const support::TemporaryFolder folder;
   folder.write("out.txt", "earlier\n");
