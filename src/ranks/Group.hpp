@@ -39,6 +39,8 @@ class Group {
 
   /// From 0 on, among those of the same machine.
   virtual int rank_on_machine() const = 0;
+  /// The first rank of that machine.
+  virtual int first_on_machine() const = 0;
 
   /// Bytes of rank 0, for all others.
   virtual void broadcast(std::span<std::byte> bytes) = 0;

@@ -113,6 +113,7 @@ class InProcess::Member : public Group {
     return std::max(1, static_cast<int>(std::thread::hardware_concurrency()) / size());
   }
   int rank_on_machine() const override { return rank_; }
+  int first_on_machine() const override { return 0; }
 
   void broadcast(std::span<std::byte> bytes) override {
     if (rank_ > 0) return receive(bytes, 0);

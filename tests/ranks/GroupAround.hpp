@@ -57,6 +57,7 @@ class GroupAround : public ranks::Group {
   int size() const override { return group_->size(); }
   int cores() const override { return group_->cores(); }
   int rank_on_machine() const override { return group_->rank_on_machine(); }
+  int first_on_machine() const override { return group_->first_on_machine(); }
   void broadcast(std::span<std::byte> bytes) override {
     before();
     group_->broadcast(bytes);

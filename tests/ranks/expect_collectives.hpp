@@ -60,6 +60,7 @@ inline void expect_ranks_of_a_machine(ranks::Group& group) {
   std::vector<int> all(engine::at(group.size()));
   group.gather_all(std::as_bytes(std::span(&own, 1)), std::as_writable_bytes(std::span(all)));
   for (int rank = 0; rank < group.size(); ++rank) EXPECT_EQ(all[engine::at(rank)], rank);
+  EXPECT_EQ(group.first_on_machine(), 0);
 }
 
 inline void expect_gathered_by_all(ranks::Group& group) {

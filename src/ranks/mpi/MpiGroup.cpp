@@ -58,6 +58,8 @@ MpiGroup::Machine::Machine(MPI_Comm communicator) {
   MPI_Comm_split_type(communicator, MPI_COMM_TYPE_SHARED, 0, MPI_INFO_NULL, &here);
   MPI_Comm_size(here, &ranks);
   MPI_Comm_rank(here, &rank);
+  MPI_Comm_rank(communicator, &first);
+  MPI_Bcast(&first, 1, MPI_INT, 0, here);
   MPI_Comm_free(&here);
 }
 

@@ -37,6 +37,7 @@ class MpiGroup final : public Group {
   int size() const override;
   int cores() const override { return cores_; }
   int rank_on_machine() const override { return machine_.rank; }
+  int first_on_machine() const override { return machine_.first; }
   void broadcast(std::span<std::byte> bytes) override;
   void send(std::span<const std::byte> bytes, int to) override;
   void receive(std::span<std::byte> bytes, int from) override;
@@ -57,6 +58,7 @@ class MpiGroup final : public Group {
   /// Those of the communicator that are on the machine of this one.
   struct Machine {
     int ranks = 1, rank = 0;
+    int first = 0;  ///< of them, as a rank of the communicator
 
     explicit Machine(MPI_Comm communicator);
   };
