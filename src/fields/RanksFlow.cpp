@@ -51,7 +51,6 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
                  [&] { part_ = std::make_unique<FlowOfRank>(std::move(share), plan_, *group_); });
   // To share the cells out again will take as long, for all that is known.
   balance_.emplace(engine::seconds_of_thread() - begun);
-  rows_ = std::make_unique<RowsOfRank>(*group_);
   const RankStart& start = part_->start();
   switch (start.outcome) {
     case RankStart::Outcome::no_room_in_tables:
@@ -61,6 +60,7 @@ RanksFlow::RanksFlow(const cases::Case& contents, cases::Diagnostics& diagnostic
     case RankStart::Outcome::good:
       break;
   }
+  ranks::in_step(*group_, [&] { rows_ = std::make_unique<RowsOfRank>(*group_, request.writers); });
   warn_of_missing_threads(start.threads, plan_.threads, diagnostics);
 }
 

@@ -35,6 +35,7 @@ struct RanksRequest {
   /// Bytes of text that go to rank 0 at once: so many that a disk is busy with them for longer than
   /// a message takes, and few beside the tables of a rank.
   std::size_t largest_text = std::size_t{16} << 20;
+  ranks::WritersRequest writers = {};  ///< of tables
   /// Called after a step in which another rank was asked to end the run.
   std::function<void()> on_stop = {};
 };

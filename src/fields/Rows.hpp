@@ -3,6 +3,7 @@
 // have.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,12 +56,36 @@ class RowsOfOthers {
   virtual std::optional<RowText> next() { return {}; }
 };
 
+/// How far a file is that several ranks write.
+struct SharedFile {
+  enum class State {
+    waits,       ///< for one of them
+    grows,       ///< they have got something to do
+    is_refused,  ///< one of them cannot write into it, and nothing is written
+    is_over      ///< all is written, or one of them failed
+  };
+  State state;
+  int rank = 0;             ///< that refused it, or failed
+  int error = 0;            ///< why, as a number of the system
+  std::uint64_t bytes = 0;  ///< of a file that is written
+};
+
 class Rows : public RowsOfOthers {
  public:
   /// Takes the present values; in the thread of the steps.
   virtual void gather() = 0;
   /// Adds the first rows of the table; in any thread.
   virtual void add_own_to(utils::CellTable& table) const = 0;
+
+  /// Whether write_shared() may be called; in any thread.
+  virtual bool have_writers() const { return false; }
+  /// Several ranks write a header and all rows into a file: lets them do what comes next. In the
+  /// thread of the steps; where it is refused, rows come as if it had not been called.
+  virtual SharedFile write_shared(const utils::SharedPart&, const std::string& /*header*/) {
+    return {SharedFile::State::is_refused};
+  }
+  /// Waits until this process has done what it got to do; in any other thread.
+  virtual void wait_for_own() const {}
 };
 
 /// Of values of fields, and of the bed at the start: numbers as they lie in memory, those of a row

@@ -1,11 +1,13 @@
 #include "fields/RowsOfRank.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "ranks/in_step.hpp"
+#include "ranks/values.hpp"
 
 namespace fields {
 
@@ -19,7 +21,14 @@ struct PieceHeader {
 
 }  // namespace
 
-RowsOfRank::RowsOfRank(ranks::Group& group) : group_(group) {}
+RowsOfRank::RowsOfRank(ranks::Group& group, const ranks::WritersRequest& request)
+    : group_(group), writers_{request, {}} {
+  ranks::broadcast_plain(group, writers_.request);
+  writers_.of_ranks = ranks::writers_of(ranks::gather_all_plain(group, group.first_on_machine()),
+                                        writers_.request.count);
+  const auto writes_nothing = [](int writer) { return writer == 0; };
+  have_writers_ = !std::all_of(writers_.of_ranks.begin(), writers_.of_ranks.end(), writes_nothing);
+}
 
 RowsOfRank::~RowsOfRank() = default;
 
@@ -28,23 +37,37 @@ const Own& RowsOfRank::gather_as(int number, const Request& request, FlowOfRank&
                                  const Arguments&... arguments) {
   std::unique_ptr<Result>& kept = results_[number];
   const bool is_of_kind = kept && dynamic_cast<Own*>(kept->rows.get()) != nullptr;
-  if (!is_of_kind || kept->formatter.has_failed()) {
-    kept = std::make_unique<Result>();
+  if (!is_of_kind || kept->thread.has_failed()) {
+    kept = std::make_unique<Result>(group_, writers_);
     kept->rows = std::make_unique<Own>(arguments...);
   }
   Result& result = *kept;
-  if (group_.rank() > 0) result.formatter.wait();  // rank 0 would go on with its writers
+  if (group_.rank() > 0) result.thread.wait();  // rank 0 would go on with its writers
+  result.has_text = false;
   result.text.clear();
   result.passed = 0;
   auto& own = static_cast<Own&>(*result.rows);
   own.gather(request, part);
-  if (group_.rank() > 0) {
-    result.formatter.hand_over([&result] {
-      result.rows->make_text(result.text);
-      return true;
-    });
-  }
+  if (group_.rank() > 0) make_text(result, "");
   return own;
+}
+
+void RowsOfRank::make_text(Result& result, const std::string& header) {
+  result.has_text = true;
+  result.thread.hand_over([&result, header] {
+    result.text << header;
+    result.rows->make_text(result.text);
+    return true;
+  });
+}
+
+SharedFile RowsOfRank::write_shared(int number, const SharedTarget* target) {
+  Result& result = *results_.at(number);
+  // Rank 0 knows only now that somebody wants its text.
+  if (!result.has_text) make_text(result, target->header);
+  const SharedFile file = result.shared.go_on(target != nullptr ? &target->part : nullptr);
+  if (file.state == SharedFile::State::is_refused) have_writers_ = false;
+  return file;
 }
 
 const OwnTableRows& RowsOfRank::gather(int number, const RowsRequest& request, FlowOfRank& part) {
@@ -83,8 +106,8 @@ std::optional<RowText> RowsOfRank::receive(int from) {
 void RowsOfRank::send(Result& result, std::size_t largest) {
   PieceHeader header;
   const auto header_bytes = std::as_bytes(std::span(&header, 1));
-  if (result.formatter.is_busy()) return group_.send(header_bytes, 0);
-  header.is_lost = result.formatter.has_failed();
+  if (result.thread.is_busy()) return group_.send(header_bytes, 0);
+  header.is_lost = result.thread.has_failed();
   if (header.is_lost) return group_.send(header_bytes, 0);
   const std::string_view left = result.text.text().substr(result.passed);
   const std::string_view piece = left.substr(0, largest);

@@ -41,6 +41,7 @@ enum class Task {
   look,
   gather_rows,
   pass_rows,
+  write_shared,
   load_rows,
   ground,
   end

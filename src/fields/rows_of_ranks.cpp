@@ -1,4 +1,6 @@
 // Rows of results that all ranks of a flow have, as rank 0 asks for them.
+#include <string>
+#include <system_error>
 #include <utility>
 
 #include "fields/RanksFlow.hpp"
@@ -31,6 +33,9 @@ class RanksFlow::OfRanks : public Kind {
   }
 
  protected:
+  const RanksFlow& of_;
+  int number_ = 0;
+
   /// Answers the rows of rank 0.
   template <class Request>
   const auto& gather_on_all(const Request& request) {
@@ -44,8 +49,6 @@ class RanksFlow::OfRanks : public Kind {
   }
 
  private:
-  const RanksFlow& of_;
-  int number_ = 0;
   int from_ = 1;  ///< whose text comes next
 };
 
@@ -54,12 +57,34 @@ class RanksFlow::RowsOfRanks final : public OfRanks<Rows> {
   RowsOfRanks(const RanksFlow& flow, RowsRequest request)
       : OfRanks(flow), request_(std::move(request)) {}
 
-  void gather() override { own_ = &gather_on_all(request_); }
+  void gather() override {
+    own_ = &gather_on_all(request_);
+    thread_ = &of_.rows_->thread_of(number_);
+  }
   void add_own_to(utils::CellTable& table) const override { own_->add_to(table); }
 
+  bool have_writers() const override { return of_.rows_->have_writers(); }
+  SharedFile write_shared(const utils::SharedPart& part, const std::string& header) override {
+    const Order order{.task = Task::write_shared, .number = number_};
+    const SharedTarget target = {part, header};
+    const bool had_writers = have_writers();
+    const SharedFile file =
+        of_.together(order, [&] { return of_.rows_->write_shared(number_, &target); });
+    if (had_writers && !have_writers()) warn_of_refusal(part.name, file);
+    return file;
+  }
+  void wait_for_own() const override { thread_->wait(); }
+
  private:
+  void warn_of_refusal(const std::string& name, const SharedFile& file) const {
+    of_.diagnostics_.warn("rank " + std::to_string(file.rank) + " cannot write into " + name +
+                          " (" + std::generic_category().message(file.error) +
+                          "): rank 0 writes all results.");
+  }
+
   RowsRequest request_;
   const OwnTableRows* own_ = nullptr;
+  utils::WriterThread* thread_ = nullptr;  ///< of the rows of rank 0
 };
 
 class RanksFlow::ValueRowsOfRanks final : public OfRanks<ValueRows> {

@@ -69,7 +69,7 @@ void load_rows(FlowOfRank& part, ranks::Group& group) {
 /// Does what rank 0 orders until it ends the flow.
 void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::Group& group,
                 const std::function<bool()>& is_interrupted) {
-  RowsOfRank rows(group);
+  RowsOfRank rows(group, {});
   while (true) {
     Order order{};
     ranks::broadcast_plain(group, order);
@@ -119,6 +119,9 @@ void serve_flow(std::unique_ptr<FlowOfRank> own, const RanksPlan& plan, ranks::G
         break;
       case Task::pass_rows:
         rows.pass(order.number, order.rank, order.bytes);
+        break;
+      case Task::write_shared:
+        rows.write_shared(order.number, nullptr);
         break;
       case Task::ground:
         answer_together(group, part.part());

@@ -1,11 +1,36 @@
 // What the environment asks of a run.
 #pragma once
 
+#include <cstdint>
 #include <cstdlib>
+#include <optional>
+#include <stdexcept>
+#include <string>
 
 #include "fields/make_flow.hpp"
+#include "utils/number_text.hpp"
 
-/// Of QUILLMERE_ENGINE, QUILLMERE_DEVICE, QUILLMERE_ISA and OMP_NUM_THREADS.
+/// A whole number above 0; 0 where the environment has none of that name.
+inline int count_of_environment(const std::string& name) {
+  const char* const text = std::getenv(name.c_str());
+  if (text == nullptr) return 0;
+  const std::optional<int> count = utils::parse_integer<int>(text);
+  if (count && *count > 0) return *count;
+  throw std::runtime_error("Error. " + name + " needs a whole number above 0, found " +
+                           utils::quoted_start(text) + ".");
+}
+
+/// Of QUILLMERE_WRITERS and, in KiB, QUILLMERE_WRITERS_BLOCK.
+inline ranks::WritersRequest writers_of_environment() {
+  constexpr std::uint64_t kib = 1024;
+  ranks::WritersRequest request;
+  request.count = count_of_environment("QUILLMERE_WRITERS");
+  const int block = count_of_environment("QUILLMERE_WRITERS_BLOCK");
+  if (block > 0) request.block = kib * static_cast<std::uint64_t>(block);
+  return request;
+}
+
+/// Of these, QUILLMERE_ENGINE, QUILLMERE_DEVICE, QUILLMERE_ISA and OMP_NUM_THREADS.
 inline fields::FlowRequest flow_request_of_environment() {
   fields::FlowRequest request;
   if (const char* const path = std::getenv("QUILLMERE_ENGINE")) request.path = path;
@@ -14,5 +39,6 @@ inline fields::FlowRequest flow_request_of_environment() {
   if (const char* const threads = std::getenv("OMP_NUM_THREADS")) {
     request.most_threads = std::atoi(threads);
   }
+  request.ranks.writers = writers_of_environment();
   return request;
 }

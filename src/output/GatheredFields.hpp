@@ -28,11 +28,14 @@ class GatheredFields {
  private:
   /// All rows of this process, and then those of others as they come.
   utils::WriterThread::Pieces pieces(const std::string& name, const std::string& header);
-  std::optional<utils::WriterThread::Piece> next_piece();
+  std::optional<utils::WriterThread::Piece> next_piece(const std::string& header);
+  /// The same of a file that several processes write.
+  std::optional<utils::WriterThread::Piece> next_shared_piece(const std::string& header);
 
   const cases::Mesh& mesh_;
   fields::RowsRequest request_;
   const fields::Flow* flow_ = nullptr;  ///< of the rows
   std::unique_ptr<fields::Rows> rows_;
-  std::optional<utils::CellTable> table_;  ///< that is being written
+  std::optional<utils::CellTable> table_;    ///< that is being written
+  std::optional<utils::SharedPart> shared_;  ///< of the table; nothing: this process writes it
 };

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <functional>
 #include <string>
 #include <thread>
@@ -16,6 +17,7 @@
 #include "ranks/SplitReading.hpp"
 #include "ranks/on_ranks.hpp"
 #include "support/Told.hpp"
+#include "utils/OutputFile.hpp"
 #include "utils/WriterThread.hpp"
 
 using namespace test_ranks;
@@ -202,6 +204,25 @@ TEST_F(BrokenGroup, EndsEveryRankOfAFlow) {
     }
     utils::MemorySource source(rows);
     flow.load(saved->flow(), source);
+  });
+}
+
+TEST_F(BrokenGroup, EndsEveryRankThatWrites) {
+  const cases::Case contents = basin({});
+  const support::TemporaryFolder to;
+  expect_that_none_waits([&](ranks::Group& group) {
+    support::Told told;
+    fields::RanksRequest request{.group = &group};
+    request.writers = {.count = 2, .block = 1000, .bytes_at_once = 4000};
+    fields::RanksFlow flow(contents, told, request, 1, {});
+    utils::WholeFile file(to.file("table.txt"));
+    const auto rows = flow.rows(contents.mesh, {{fields::Field::depth}});
+    rows->gather();
+    const auto part = file.share();
+    while (rows->write_shared(part.value(), "").state != fields::SharedFile::State::is_over) {
+      rows->wait_for_own();
+      std::this_thread::sleep_for(std::chrono::milliseconds(2));  // few calls, for few messages
+    }
   });
 }
 

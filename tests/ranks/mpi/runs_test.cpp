@@ -124,6 +124,19 @@ class MpiRuns : public testing::Test {
   }
 };
 
+/// Several ranks write tables, in small blocks.
+class MpiRunsWithWriters : public MpiRuns {
+ protected:
+  MpiRunsWithWriters() {
+    setenv("QUILLMERE_WRITERS", "2", 1);
+    setenv("QUILLMERE_WRITERS_BLOCK", "1", 1);
+  }
+  ~MpiRunsWithWriters() override {
+    unsetenv("QUILLMERE_WRITERS");
+    unsetenv("QUILLMERE_WRITERS_BLOCK");
+  }
+};
+
 /// A run that lasts until something ends it.
 class LongMpiRun : public MpiRuns {
  protected:
@@ -275,6 +288,48 @@ TEST_F(MpiRuns, SayWhatIsWrongOnceAndEndWithTheStatusOfOneProcess) {
         c.set_times(0.0, 100.0);
       },
       {"--report", "report.json"});
+}
+
+TEST_F(MpiRunsWithWriters, LeaveTheFilesOfOneProcess) {
+  for (const Asked& asked : {everything, Asked{}}) {
+    expect_the_files_of_one_process(
+        [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {2, 4},
+        asked);
+  }
+}
+
+TEST_F(MpiRunsWithWriters, EndOnAllRanksWhereOneOfThemFindsNoRoom) {
+  Case c = support::full_case(30, 20);
+  c.set_times(0.0, 1000.0);  // far more than is computed
+  for (const int rank : {0, 2}) {
+    const TemporaryFolder folder;
+    c.write(folder);
+    const RunResult result =
+        with_one_that_begins(folder, rank, "export LD_PRELOAD=" FAILING_WRITES);
+    EXPECT_EQ(result.status, 255) << result.err;
+    EXPECT_FALSE(result.timed_out);
+    for (const std::string& line : lines(result.err)) {
+      if (!support::starts_with(line, "Error. The file out/")) continue;
+      EXPECT_TRUE(contains(line, "couldn't be written completely: No space left on device."));
+    }
+    EXPECT_GE(occurrences(result.err, "couldn't be written completely"), 1) << result.err;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.file("out"))) {
+      const std::string name = entry.path().filename().string();
+      EXPECT_TRUE(name == "gauges.txt" || name == "results.nc") << name;
+    }
+  }
+}
+
+TEST_F(MpiRunsWithWriters, AreANumberAboveZero) {
+  setenv("QUILLMERE_WRITERS", "some", 1);
+  const TemporaryFolder folder;
+  Case().write(folder);
+  const RunResult result = on(2, folder);
+  EXPECT_EQ(result.status, 255);
+  EXPECT_EQ(occurrences(result.err,
+                        "Error. QUILLMERE_WRITERS needs a whole number above 0, found \"some\"."),
+            1)
+      << result.err;
 }
 
 TEST_F(MpiRuns, AreNoMatterOfTheProgramForOneProcess) {
