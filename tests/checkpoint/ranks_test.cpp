@@ -112,6 +112,16 @@ TEST_F(RunOnRanks, LeavesTheSameFilesWhereRanksStepWithoutOrders) {
   }
 }
 
+namespace {
+
+/// Ranks that have begun the next step finish it before they stop.
+void expect_stop_at(long asked, long steps) {
+  EXPECT_GE(steps, asked);
+  EXPECT_LE(steps, asked + 1);
+}
+
+}  // namespace
+
 TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {
   for (Case c : {water_case(), sand_case()}) {
     run_whole(c);
@@ -123,7 +133,7 @@ TEST_F(RunOnRanks, GoesOnOnAnyOtherNumberOfRanks) {
                                Calls{44, {1}, {4, true}}}) {
       const support::TemporaryFolder folder;
       c.write(folder);
-      EXPECT_EQ(run_on(calls.first, folder, calls.stop), calls.stop);
+      expect_stop_at(calls.stop, run_on(calls.first, folder, calls.stop));
       EXPECT_EQ(run_on(calls.second, folder), steps_);
       expect_whole_results(folder, "stopped at step " + std::to_string(calls.stop));
     }
@@ -147,7 +157,7 @@ TEST_F(RunOnRanks, GoesOnWhereRanksReadTheCaseTogether) {
          {std::pair(three, two), std::pair(two, Ranks{1}), std::pair(Ranks{1}, three)}) {
       const support::TemporaryFolder folder;
       c.write(folder);
-      EXPECT_EQ(run_on(first, folder, 33), 33);
+      expect_stop_at(33, run_on(first, folder, 33));
       EXPECT_EQ(run_on(second, folder), steps_);
       expect_whole_results(folder, "stopped at step 33");
     }
