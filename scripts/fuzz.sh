@@ -11,15 +11,15 @@ if ! [[ "$seconds" =~ ^[1-9][0-9]*$ ]] || [ "$#" -gt 1 ]; then
   exit 2
 fi
 
-scripts/install_dependencies.sh build fuzz
+scripts/install_dependencies.sh build test clang
 
 source_folder=$PWD
-work=$source_folder/build/fuzz/work
-bin=$source_folder/build/fuzz/bin
+work=$source_folder/build/fuzz
+bin=$source_folder/build/asan/bin
 example=examples/meandering_valley
 mkdir -p "$work"
 
-if ! { cmake --preset fuzz && cmake --build --preset fuzz --target fuzzers; } >"$work/build.log" 2>&1; then
+if ! { cmake --preset asan && cmake --build --preset asan --target fuzzers; } >"$work/build.log" 2>&1; then
   tail -n 60 "$work/build.log" >&2
   echo "scripts/fuzz.sh: the fuzzers were not built, and nothing was checked" >&2
   exit 1

@@ -15,7 +15,7 @@ Groups:
   coverage    gcovr
   python      what the Python module is built and packaged with
   mpi         Open MPI and MPICH, for quillmere-mpi and its tests
-  fuzz        Clang, with its fuzzer and sanitizers
+  clang       Clang, with its fuzzer and sanitizers
   bench       Google Benchmark
   package     what makes and checks Debian packages
   try         mmdebstrap, to try them in a bare system
@@ -32,7 +32,7 @@ packages_of() {
     coverage) echo gcovr ;;
     python) echo python3-dev pybind11-dev python3-numpy python3-pip python3-setuptools python3-wheel ;;
     mpi) echo libopenmpi-dev openmpi-bin libmpich-dev mpich pkgconf ;;
-    fuzz) echo clang libclang-rt-dev ;;
+    clang) echo clang libclang-rt-dev ;;
     bench) echo libbenchmark-dev ;;
     package) echo dpkg-dev file lintian ;;
     try) echo mmdebstrap mount ;;

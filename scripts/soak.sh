@@ -19,7 +19,7 @@ while [ "$#" -gt 0 ]; do
   esac
 done
 
-scripts/install_dependencies.sh build
+scripts/install_dependencies.sh build test clang
 [ ! -w /dev/shm ] || export TMPDIR=/dev/shm  # tens of thousands of small files are written
 for preset in "${presets[@]}"; do
   cmake --preset "$preset" >/dev/null

@@ -14,7 +14,7 @@ for option in "$@"; do
   esac
 done
 
-scripts/install_dependencies.sh build tools python test
+scripts/install_dependencies.sh build tools python test clang
 scripts/install_dependencies.sh browser || echo "No pictures of reports: there is no Chromium here."
 for preset in release "${sanitizers[@]}"; do
   echo "== $preset"

@@ -14,7 +14,7 @@
 namespace support {
 
 /// Builds with a sanitizer, which map terabytes, ignore limits of memory.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef QUILLMERE_SANITIZED
 inline constexpr bool memory_can_be_limited = false;
 #else
 inline constexpr bool memory_can_be_limited = true;

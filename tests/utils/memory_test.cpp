@@ -10,7 +10,7 @@
 namespace {
 
 // Sanitizers bring an allocator of their own.
-#if defined(__GLIBC__) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#if defined(__GLIBC__) && !defined(QUILLMERE_SANITIZED)
 
 constexpr std::size_t MiB = 1 << 20;
 

@@ -39,7 +39,7 @@ std::string run_gmsh(const GmshModule& gmsh, const GmshTask& task, const std::st
 /// A mesh size in the wrong unit asks for billions of cells: Gmsh may take all memory that the
 /// machine has, and not what other programs need to go on.
 void limit_memory() {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these map terabytes
+#ifndef QUILLMERE_SANITIZED  // these map terabytes
   const auto bytes =
       static_cast<rlim_t>(sysconf(_SC_PHYS_PAGES)) * static_cast<rlim_t>(sysconf(_SC_PAGESIZE));
   rlimit limit{};

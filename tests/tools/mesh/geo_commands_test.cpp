@@ -89,7 +89,7 @@ TEST_F(GeoCommands, RunWhereTheyAreAllowed) {
 }
 
 TEST_F(GeoCommands, AnExitWithoutAMeshIsExplained) {
-#ifdef __SANITIZE_ADDRESS__
+#ifdef QUILLMERE_SANITIZED
   GTEST_SKIP() << "a search for leaks at the exit starts a process";
 #endif
   const auto result = import(square + std::string("Exit;\n"));
