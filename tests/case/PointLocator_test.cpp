@@ -7,6 +7,8 @@
 #include <limits>
 #include <random>
 
+#include "support/trials.hpp"
+
 namespace {
 
 using cases::Number;
@@ -76,7 +78,7 @@ class PointLocatorTest : public testing::Test {
   /// Points at nodes, centres and on sides, each also a few units in the last place beside.
   void expect_the_rule_at_marks() {
     constexpr double infinity = std::numeric_limits<double>::infinity();
-    for (Number k = 0; k < mesh.n_cells(); k += 1 + mesh.n_cells() / 200) {
+    for (Number k = 0; k < mesh.n_cells(); k += 1 + mesh.n_cells() / support::trials(200)) {
       const PlanPoint center = {mesh.center_of(k).x, mesh.center_of(k).y};
       const auto nodes = mesh.nodes_of(k);
       const auto middle = [](PlanPoint a, PlanPoint b) {
@@ -102,7 +104,7 @@ class PointLocatorTest : public testing::Test {
   /// Random points within some widths around the middle of a square.
   void expect_the_rule_around(double x, double y, double size, double widths, int points) {
     std::uniform_real_distribution<double> place(0.5 - widths, 0.5 + widths);
-    for (int k = 0; k < points; ++k) {
+    for (int k = 0; k < support::trials(points); ++k) {
       const double px = x + size * place(random);
       ASSERT_NO_FATAL_FAILURE(expect_the_rule(px, y + size * place(random)));
     }
@@ -129,7 +131,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleOnAMeshOfMixedCells) {
     ASSERT_NO_FATAL_FAILURE(expect_the_rule_around(place.x, place.y, extent, 0.6, 3000));
     ASSERT_NO_FATAL_FAILURE(expect_the_rule_around(place.x, place.y, extent, 30.0, 1000));
     ASSERT_NO_FATAL_FAILURE(expect_the_rule_around(place.x, place.y, extent, 1e18, 100));
-    EXPECT_GT(found, 2000);
+    EXPECT_GT(found, support::trials(2000));
   }
 }
 
@@ -166,7 +168,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsHaveNoArea) {
     }
     ASSERT_NO_FATAL_FAILURE(expect_the_rule_at_marks());
   }
-  EXPECT_GT(found, 100);
+  EXPECT_GT(found, support::trials(100));
 }
 
 TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsOverlap) {
@@ -183,7 +185,7 @@ TEST_F(PointLocatorTest, GivesTheCellOfTheRuleWhereCellsOverlap) {
   build();
   ASSERT_NO_FATAL_FAILURE(expect_the_rule_at_marks());
   ASSERT_NO_FATAL_FAILURE(expect_the_rule_around(0.0, 0.0, 100.0, 2.0, 3000));
-  EXPECT_GT(found, 1000);
+  EXPECT_GT(found, support::trials(1000));
 }
 
 TEST_F(PointLocatorTest, FindsNoCellWhereThereIsNone) {

@@ -5,22 +5,22 @@
 using namespace test_restart;
 
 TEST_F(Restart, OfWaterWithEverythingLeavesTheSameFilesFromAnyStep) {
-  expect_the_same_from_any_step(water_case(), 20);
+  expect_the_same_from_any_step(water_case(), 8);
 }
 
 TEST_F(Restart, OfSandWithEverythingLeavesTheSameFilesFromAnyStep) {
-  expect_the_same_from_any_step(sand_case(), 20);
+  expect_the_same_from_any_step(sand_case(), 8);
 }
 
 TEST_F(Restart, OfThePositiveSchemesLeavesTheSameFilesFromAnyStep) {
   for (const char* const scheme : {"HLL2", "HLL1"}) {
     Case c = water_case();
     c.data["model"]["flux scheme"] = scheme;
-    expect_the_same_from_any_step(c, 5);
+    expect_the_same_from_any_step(c, 4);
   }
   Case sand = sand_case();
   sand.data["model"]["flux scheme"] = "HLL1";
-  expect_the_same_from_any_step(sand, 5);
+  expect_the_same_from_any_step(sand, 4);
 }
 
 TEST_F(Restart, BeforeTheFirstStepKeepsTheFreeSurfaceThatWasGiven) {

@@ -7,17 +7,14 @@
 #include <cstdint>
 #include <limits>
 
+#include "support/trials.hpp"
+
 namespace arithmetic_test {
 
 namespace {
 
-// Ten million numbers for each function; in builds with sanitizers or without optimisation, where
-// they take minutes, a tenth of them.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(NDEBUG)
-constexpr int many = 1000000;
-#else
-constexpr int many = 10000000;
-#endif
+/// Numbers for each function.
+constexpr int many = support::trials(1000000);
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double not_a_number = std::numeric_limits<double>::quiet_NaN();

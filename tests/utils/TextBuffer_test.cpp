@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "support/trials.hpp"
+
 namespace {
 
 using Limits = std::numeric_limits<double>;
@@ -81,14 +83,16 @@ TEST(TextBuffer, WritesSpecialValuesLikeAStream) {
 
 TEST(TextBuffer, WritesAnyBitPatternLikeAStream) {
   std::mt19937_64 random(20240229);
-  for (int i = 0; i < 500000; ++i) expect_the_text_of_a_stream(std::bit_cast<double>(random()));
+  for (int i = 0; i < support::trials(500000); ++i) {
+    expect_the_text_of_a_stream(std::bit_cast<double>(random()));
+  }
 }
 
 TEST(TextBuffer, WritesEverydayMagnitudesLikeAStream) {
   std::mt19937_64 random(7);
   std::uniform_real_distribution<double> mantissa(-10.0, 10.0);
   std::uniform_int_distribution<int> exponent(-12, 12);
-  for (int i = 0; i < 1000000; ++i) {
+  for (int i = 0; i < support::trials(1000000); ++i) {
     expect_the_text_of_a_stream(mantissa(random) * std::pow(10.0, exponent(random)));
   }
 }
@@ -105,7 +109,7 @@ TEST(TextBuffer, WritesTiesLikeAStream) {
 TEST(TextBuffer, WritesWhatLiesNearATieLikeAStream) {
   std::mt19937_64 random(13);
   std::uniform_int_distribution<int> digits(100000, 999999), exponent(-30, 30);
-  for (int i = 0; i < 200000; ++i) {
+  for (int i = 0; i < support::trials(200000); ++i) {
     const double middle = (digits(random) + 0.5) * std::pow(10.0, exponent(random));
     expect_the_text_of_a_stream(middle);
     expect_the_text_of_a_stream(std::nextafter(middle, 0.0));

@@ -62,7 +62,7 @@ class Mutants : public DamagedGeometry, public testing::WithParamInterface<unsig
 TEST_P(Mutants, OfAGeometryEndInACaseOrInAMessage) {
   const std::string originals[] = {example("lake_at_rest/lake.geo"),
                                    example("flume_dam_break/flume.geo")};
-  constexpr int n_mutants = 50;
+  constexpr int n_mutants = 25;
   std::mt19937 random(GetParam());
   int n_made = 0, n_refused = 0, n_killed = 0;
   for (int k = 0; k < n_mutants; ++k) {
