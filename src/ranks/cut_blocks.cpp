@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <limits>
 #include <span>
 
 #include "engine/Range.hpp"
-#include "ranks/cuts_by_weight.hpp"
+#include "engine/numbering.hpp"
+#include "ranks/values.hpp"
 
 namespace ranks {
 
@@ -17,6 +19,23 @@ constexpr int bits_of_key = 64, bits_of_number = 32;
 static_assert(engine::HilbertCurve::bits_of_distance + bits_of_number <= bits_of_key);
 
 Number cell_of(Key key) { return static_cast<Number>(key & ((Key{1} << bits_of_number) - 1)); }
+
+/// The curve over the centres of the cells of all ranks; here are those of this one. Called by all
+/// ranks.
+engine::HilbertCurve curve_over(Group& group, std::span<const physics::SpacePoint> centers) {
+  constexpr double infinite = std::numeric_limits<double>::infinity();
+  struct Extent {
+    double x_min = infinite, x_max = -infinite, y_min = infinite, y_max = -infinite;
+  };
+  const auto widen = [](Extent& extent, const Extent& by) {
+    extent = {std::min(extent.x_min, by.x_min), std::max(extent.x_max, by.x_max),
+              std::min(extent.y_min, by.y_min), std::max(extent.y_max, by.y_max)};
+  };
+  Extent extent;
+  for (const auto& center : centers) widen(extent, {center.x, center.x, center.y, center.y});
+  for (const Extent& of_rank : gather_all_plain(group, extent)) widen(extent, of_rank);
+  return {extent.x_min, extent.x_max, extent.y_min, extent.y_max};
+}
 
 /// Of the cells of the block of this rank, ascending.
 std::vector<Key> keys_along_curve(Group& group, const CaseBlocks& blocks) {

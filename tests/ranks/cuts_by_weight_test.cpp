@@ -6,6 +6,7 @@
 #include <numeric>
 #include <random>
 
+#include "case/Mesh.hpp"
 #include "engine/Range.hpp"
 
 using Cuts = std::vector<int>;
