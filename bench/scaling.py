@@ -233,11 +233,13 @@ def page(scaling, sizes, memory_cells, steps, before):
         "second half of those steps by itself. By cells: the same of the numbers of cells that ranks "
         "computed as cells move, which no noise reaches. Their time: what the moves took the busiest "
         "rank, over the mean time of a rank for all steps. Messages: of a rank in a step.",
-        "Cells move first before the first step, and then once waiting has cost as much as the last "
-        "move. Every rank gets a part of the water and of each of several bands around it, so that it "
-        "has more neighbours than with one run of the curve. The goal is 1.2. The dam breaks meet it on "
-        "16 ranks, and on 64 by the numbers of cells; the flood does not: a rank has few patches "
-        "there, and a move takes as long as some 200 steps.",
+        "Cells move first before the first step, and then once waiting has cost half as much as the "
+        "last move. Every rank gets a part of the water and of each of several bands around it, so "
+        "that it has more neighbours than with one run of the curve. Bands are in the order in which "
+        "water is expected: by the way from the water, on which a metre of climb counts as 40 m. The "
+        "goal is 1.2. The dam breaks meet it by the numbers of cells. Of the flood on 64 ranks, each "
+        "has some 65 wet cells of 765 in the mean, and one patch of 64 more or less is what the "
+        "imbalance consists of. That a move takes as long as some 200 steps is why there are not more.",
         shown(scaling.balance(steps)),
         "## Many machines: a model",
         "Time of a step = cells of a rank · time of a cell + time of a step besides + messages + what "

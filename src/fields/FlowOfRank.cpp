@@ -24,12 +24,16 @@ namespace {
 
 /// The patches that one process would have with the threads of all ranks, but some tens for a rank,
 /// where they do not get too small by that: the work of a patch is all or none, so that small ones
-/// tell better where the water is, and what to give to others.
-int cells_per_patch_for(const RanksPlan& plan, int ranks, Number cells) {
+/// tell better where the water is, and what to give to others. Of cells in bands few take part: all
+/// of them would be some percent faster in larger patches.
+int cells_per_patch_for(const RanksPlan& plan, int ranks, const cases::Part& part) {
   if (plan.processor.device != engine::Device::none) return 0;  // has its own
-  constexpr int patches = 32, fewest_cells = 256, grain = engine::cells_of_shortest;
-  return std::min(engine::cells_per_patch_for(std::int64_t{cells} * ranks, plan.threads * ranks),
-                  std::max(fewest_cells, cells / patches / grain * grain));
+  constexpr int patches = 32, fewest_in_bands = 64, fewest = 256;
+  constexpr int grain = engine::cells_of_shortest;
+  const std::int64_t cells = part.owned;
+  return std::min(engine::cells_per_patch_for(cells * ranks, plan.threads * ranks),
+                  std::max(part.band.empty() ? fewest : fewest_in_bands,
+                           static_cast<int>(cells / patches / grain * grain)));
 }
 
 }  // namespace
@@ -59,20 +63,25 @@ class FlowOfRank::OwnPart final : public FlowPart {
   const FlowOfRank& flow_;
 };
 
-FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group)
+FlowOfRank::FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group,
+                       const RankStart* before)
     : group_(group), part_(std::move(share.part)) {
   exchange_ = group.exchange(std::move(share.halos));
   start_ = start_engine(plan);
-  agree_on_start();
+  if (before == nullptr) {
+    agree_on_start();
+  } else {
+    agree_on_start_after(*before);
+  }
 }
 
 RankStart FlowOfRank::start_engine(const RanksPlan& plan) {
   try {
     engine::Processor processor = plan.processor;
     processor.number_on_machine = group_.rank_on_machine();
-    engine_ = std::make_unique<engine::Engine>(
-        part_, *exchange_, plan.threads, cells_per_patch_for(plan, group_.size(), part_.owned),
-        processor);
+    engine_ = std::make_unique<engine::Engine>(part_, *exchange_, plan.threads,
+                                               cells_per_patch_for(plan, group_.size(), part_),
+                                               processor);
     fields_ = std::make_unique<TableFields>(part_.contents, *engine_);
     return {.threads = engine_->threads(), .run_on = {engine_->instruction_set()}};
   } catch (const std::length_error& error) {
@@ -96,6 +105,14 @@ void FlowOfRank::agree_on_start() {
     ranks::send_value(group_, start_, 0);
   }
   ranks::broadcast_plain(group_, start_.outcome);
+}
+
+void FlowOfRank::agree_on_start_after(const RankStart& before) {
+  const std::vector<Outcome> outcomes = ranks::gather_all_plain(group_, start_.outcome);
+  const auto bad = std::find_if(outcomes.begin(), outcomes.end(),
+                                [](Outcome outcome) { return outcome != Outcome::good; });
+  start_ = before;
+  if (bad != outcomes.end()) start_.outcome = *bad;
 }
 
 bool FlowOfRank::goes_on(const Clock& clock) const {
@@ -215,17 +232,31 @@ void FlowOfRank::lay_plots() {
   plots_ = std::move(laid);
 }
 
+std::vector<double> FlowOfRank::surface_of_squares() {
+  std::vector<double> surface(at(plots_->squares.count()), 0.0);
+  own_values_.resize(at(part_.owned));
+  for (const Field field : {Field::bed_level, Field::depth}) {
+    fields_->read(field, own_values_);
+    for (std::size_t k = 0; k < own_values_.size(); ++k) {
+      surface[at(square_of_cell_[k])] += own_values_[k];
+    }
+  }
+  return surface;
+}
+
 NewDeal FlowOfRank::deal_anew() {
   if (!plots_) lay_plots();
   if (square_of_cell_.empty()) square_of_cell_ = ranks::squares_of(plots_->squares, part_);
   const std::vector<char> is_busy = engine_->busy();
   std::vector<int> busy(at(plots_->squares.count()), 0);
   for (std::size_t k = 0; k < is_busy.size(); ++k) busy[at(square_of_cell_[k])] += is_busy[k];
+  std::vector<double> surface = surface_of_squares();
   const std::vector<double> of_ranks = ranks::gather_all_plain(
       group_, static_cast<double>(std::count(is_busy.begin(), is_busy.end(), 1)));
   ranks::add_up_on_first(group_, busy);
+  ranks::add_up_on_first(group_, surface);
   if (!is_first()) return {};
-  const ranks::CellsOfSquares cells = {plots_->cells, std::move(busy)};
+  const ranks::CellsOfSquares cells = {plots_->cells, std::move(busy), std::move(surface)};
   NewDeal found{ranks::deal_out_cells(plots_->squares, plots_->along_curve, cells, group_.size()),
                 ranks::imbalance_of(of_ranks), 0.0};
   found.imbalance = ranks::imbalance_of(ranks::loads_of(found.deal, cells, group_.size()));
@@ -275,10 +306,9 @@ namespace {
 
 bool go_on_with(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
                 const ranks::Deal& deal, const RanksPlan& plan, ranks::Group& group) {
-  std::optional<ranks::Share> share = ranks::share_anew(group, flow->part(), owners);
-  if (!share) return false;
-  flow->set_bands(deal, share->part);
-  auto next = std::make_unique<FlowOfRank>(std::move(*share), plan, group);
+  ranks::Share share = ranks::share_anew(group, flow->part(), owners);
+  flow->set_bands(deal, share.part);
+  auto next = std::make_unique<FlowOfRank>(std::move(share), plan, group, &flow->start());
   if (next->start().outcome != Outcome::good) return false;
   flow->move_to(*next, owners);
   flow = std::move(next);

@@ -62,8 +62,10 @@ struct NewDeal {
 class FlowOfRank {
  public:
   /// Of the share of this rank. The group must outlive it. Where any rank could not start there is
-  /// no flow on any, see start().
-  FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group);
+  /// no flow on any, see start(). `before`: the start of the flow that goes on in this one, which
+  /// tells all but whether the ranks could start again.
+  FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group,
+             const RankStart* before = nullptr);
   FlowOfRank(const FlowOfRank&) = delete;
   FlowOfRank& operator=(const FlowOfRank&) = delete;
 
@@ -134,12 +136,15 @@ class FlowOfRank {
   RankStart start_engine(const RanksPlan& plan);
   /// Makes one start of those of all ranks.
   void agree_on_start();
+  void agree_on_start_after(const RankStart& before);
   /// The squares by which cells are dealt out, from the first time on.
   struct Plots {
     ranks::Squares squares;
     std::vector<int> cells, along_curve;  ///< how many each holds, and an order of them; on rank 0
   };
   void lay_plots();
+  /// The sums of the surfaces of the own cells in each, m.
+  std::vector<double> surface_of_squares();
   void gather_not_hyperbolic();
   PartLooks& looks();
   /// Of the own cells.

@@ -18,7 +18,7 @@ using engine::at;
 namespace {
 
 constexpr double infinite = std::numeric_limits<double>::infinity();
-constexpr int squares_of_rank = 512, cells_of_square = 8, most_squares = 1 << 20;
+constexpr int squares_of_rank = 512, cells_of_square = 4, most_squares = 1 << 20;
 
 /// What the number of squares over some cells depends on.
 struct Extent {
@@ -96,6 +96,15 @@ class Spread {
 };
 
 }  // namespace
+
+double Squares::middle(int place, const std::vector<double>& lines) {
+  if (lines.empty()) return 0.0;
+  const std::size_t next = at(place), last = lines.size() - 1;
+  if (last == 0) return lines[0] + (place == 0 ? -0.5 : 0.5);
+  if (next == 0) return lines[0] - 0.5 * (lines[1] - lines[0]);
+  if (next > last) return lines[last] + 0.5 * (lines[last] - lines[last - 1]);
+  return 0.5 * (lines[next - 1] + lines[next]);
+}
 
 std::vector<int> Squares::along_curve() const {
   const engine::HilbertCurve curve(0.0, columns(), 0.0, rows());

@@ -7,6 +7,7 @@
 
 #include "case/Part.hpp"
 #include "engine/aligned_vector.hpp"
+#include "physics/cell_geometry.hpp"
 #include "ranks/Group.hpp"
 
 namespace ranks {
@@ -26,6 +27,10 @@ class Squares {
   int at_point(double x, double y) const {
     return place(y, y_lines_) * columns() + place(x, x_lines_);
   }
+  /// Between the lines around it, m; one at the rim is taken to be as wide as the one before.
+  physics::PlanPoint center(int square) const {
+    return {middle(square % columns(), x_lines_), middle(square / columns(), y_lines_)};
+  }
   /// The numbers of all of them along a Hilbert curve.
   std::vector<int> along_curve() const;
 
@@ -33,6 +38,8 @@ class Squares {
   static int place(double x, const std::vector<double>& lines) {
     return static_cast<int>(std::upper_bound(lines.begin(), lines.end(), x) - lines.begin());
   }
+
+  static double middle(int place, const std::vector<double>& lines);
 
   std::vector<double> x_lines_, y_lines_;
 };

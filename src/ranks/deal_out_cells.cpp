@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <queue>
 
 namespace ranks {
 
@@ -11,66 +12,85 @@ using engine::at;
 namespace {
 
 /// A band has such a share of all cells; or more, so that a rank can make a patch of its part.
-constexpr int share_of_band = 64, least_of_rank = 64;
+constexpr int share_of_band = 64, least_of_rank = 16;
 /// The last one holds whatever is farther off: each has a rim, across which ranks send states.
-constexpr int last_band = 8;
+constexpr std::uint8_t last_band = 8;
+/// By how far water comes along a level bed until it climbs a metre.
+constexpr double way_of_climb = 40.0;
+
+double distance(const physics::PlanPoint& a, const physics::PlanPoint& b) {
+  return std::hypot(a.x - b.x, a.y - b.y);
+}
 
 /// Finds bands, from busy squares outwards.
 class BandFinder {
  public:
   BandFinder(const Squares& squares, const CellsOfSquares& cells, int ranks)
-      : squares_(squares), cells_(cells), ranks_(ranks), bands_(at(squares.count()), not_found) {}
+      : squares_(squares), cells_(cells), bands_(at(squares.count()), not_found) {
+    const std::int64_t all = std::accumulate(cells_.all.begin(), cells_.all.end(), std::int64_t{0});
+    enough_ = std::max(all / share_of_band, std::int64_t{least_of_rank} * ranks);
+  }
 
   std::vector<std::uint8_t> find() {
-    std::vector<int> ring;
     for (int square = 0; square < squares_.count(); ++square) {
-      if (cells_.busy[at(square)] > 0) take(square, 0, ring);
+      if (is_busy(square)) reached_.push({0.0, square, cells_.mean_surface(square)});
     }
-    const std::int64_t all = std::accumulate(cells_.all.begin(), cells_.all.end(), std::int64_t{0});
-    const std::int64_t enough = std::max(all / share_of_band, std::int64_t{least_of_rank} * ranks_);
-    int band = 1;
-    std::int64_t in_band = 0;
-    while (!ring.empty()) {
-      if (in_band >= enough && band < last_band) {
-        ++band;
-        in_band = 0;
-      }
-      ring = next_ring(ring, static_cast<std::uint8_t>(band));
-      for (const int square : ring) in_band += cells_.all[at(square)];
+    const std::uint8_t rest = reached_.empty() ? 0 : last_band;
+    while (!reached_.empty() && band_ < last_band) {
+      const Reached next = reached_.top();
+      reached_.pop();
+      if (bands_[at(next.square)] == not_found) take(next);
     }
-    for (std::uint8_t& of_square : bands_) {
-      if (of_square == not_found) of_square = 0;  // nothing is busy
-    }
+    std::replace(bands_.begin(), bands_.end(), not_found, rest);
     return std::move(bands_);
   }
 
  private:
   static constexpr std::uint8_t not_found = 255;
 
-  void take(int square, std::uint8_t band, std::vector<int>& ring) {
-    if (bands_[at(square)] != not_found) return;
-    bands_[at(square)] = band;
-    ring.push_back(square);
-  }
+  /// A square to which water may come.
+  struct Reached {
+    double way;  ///< that it has come then, m
+    int square;
+    double surface;  ///< m; of one without cells that of the one before
+    friend bool operator<(const Reached& a, const Reached& b) {  // the shortest way is the top
+      return a.way != b.way ? a.way > b.way : a.square > b.square;
+    }
+  };
 
-  std::vector<int> next_ring(const std::vector<int>& ring, std::uint8_t band) {
-    std::vector<int> next;
-    for (const int square : ring) {
-      const int row = square / squares_.columns(), column = square % squares_.columns();
-      for (int r = std::max(0, row - 1); r <= std::min(squares_.rows() - 1, row + 1); ++r) {
-        for (int c = std::max(0, column - 1); c <= std::min(squares_.columns() - 1, column + 1);
-             ++c) {
-          take(r * squares_.columns() + c, band, next);
-        }
+  bool is_busy(int square) const { return cells_.busy[at(square)] > 0; }
+
+  void take(const Reached& reached) {
+    const int square = reached.square;
+    bands_[at(square)] = is_busy(square) ? 0 : band_;
+    if (!is_busy(square)) in_band_ += cells_.all[at(square)];
+    if (in_band_ >= enough_) {
+      ++band_;
+      in_band_ = 0;
+    }
+    const int row = square / squares_.columns(), column = square % squares_.columns();
+    for (int r = std::max(0, row - 1); r <= std::min(squares_.rows() - 1, row + 1); ++r) {
+      for (int c = std::max(0, column - 1); c <= std::min(squares_.columns() - 1, column + 1);
+           ++c) {
+        go_on(reached, r * squares_.columns() + c);
       }
     }
-    return next;
+  }
+
+  void go_on(const Reached& from, int square) {
+    if (bands_[at(square)] != not_found || is_busy(square)) return;
+    const double surface = cells_.all[at(square)] > 0 ? cells_.mean_surface(square) : from.surface;
+    const double way = distance(squares_.center(from.square), squares_.center(square));
+    const double climb = std::max(0.0, surface - from.surface);
+    reached_.push({from.way + way + way_of_climb * climb, square, surface});
   }
 
   const Squares& squares_;
   const CellsOfSquares& cells_;
-  int ranks_;
+  std::int64_t enough_, in_band_ = 0;
+  std::uint8_t band_ = 1;
   std::vector<std::uint8_t> bands_;
+  std::priority_queue<Reached> reached_;
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "engine/aligned_vector.hpp"
 #include "ranks/Squares.hpp"
 
 namespace ranks {
@@ -11,12 +12,18 @@ namespace ranks {
 /// The cells of all ranks, square by square.
 struct CellsOfSquares {
   std::vector<int> all, busy;
+  /// The sums of the levels of their surfaces, of the water or, where there is none, the bed, m.
+  std::vector<double> surface;
+
+  double mean_surface(int square) const {
+    return surface[engine::at(square)] / all[engine::at(square)];
+  }
 };
 
 /// What becomes of the squares, by number.
 struct Deal {
   std::vector<int> owners;
-  /// 0: where cells are busy; from there on by how far off these are.
+  /// 0: where cells are busy; from there on in the order in which water is expected.
   std::vector<std::uint8_t> bands;
 
   /// For utils/bytes.hpp.
@@ -27,7 +34,8 @@ struct Deal {
 };
 
 /// Every rank gets about as many cells of every band, in a run along a curve over the squares.
-/// So where busy cells wake their neighbours, all ranks have some of these.
+/// So as busy cells wake others, all ranks have some of these. Water is expected first where the
+/// way from busy squares is short, and climbs little above their surface.
 Deal deal_out_cells(const Squares& squares, const std::vector<int>& along_curve,
                     const CellsOfSquares& cells, int ranks);
 

@@ -24,12 +24,13 @@ std::vector<double> lines_between(int parts) {
 
 const ranks::Squares squares(lines_between(columns), lines_between(rows));
 
-/// As many cells in every square, and water where it is told, by column and row.
+/// As many cells in every square, on a level bed, and water where it is told, by column and row.
 CellsOfSquares cells_with_water(const std::function<bool(int, int)>& is_wet) {
   CellsOfSquares cells;
   for (int square = 0; square < squares.count(); ++square) {
     cells.all.push_back(of_square);
     cells.busy.push_back(is_wet(square % columns, square / columns) ? 1 : 0);
+    cells.surface.push_back(0.0);
   }
   return cells;
 }
@@ -70,18 +71,61 @@ TEST(DealOutCells, GivesEveryRankAsMuchWaterAndAsManyCells) {
 TEST(DealOutCells, GivesEveryRankAShareOfWhatTheWaterReachesNext) {
   constexpr int ranks = 8;
   const Deal deal = deal_of(cells_with_water([](int column, int) { return column < 10; }), ranks);
-  // Two columns of 40 squares have more than 64 cells for each of 8 ranks, one has not.
   for (int band = 1; band < 8; ++band) {
-    const int first = 10 + 2 * (band - 1);
-    expect_even(counts_of(deal, ranks, [&](int square) {
-      const int column = square % columns;
-      return column >= first && column < first + 2;
-    }));
-    for (const int column : {first, first + 1}) {
-      EXPECT_EQ(deal.bands[cases::at(5 * columns + column)], band);
-    }
+    expect_even(
+        counts_of(deal, ranks, [&](int square) { return deal.bands[cases::at(square)] == band; }));
+  }
+  for (int row = 0; row < rows; ++row) {
+    const auto begin = deal.bands.begin() + row * columns;
+    EXPECT_TRUE(std::is_sorted(begin, begin + columns)) << row;
+    EXPECT_EQ(begin[9], 0) << row;
+    EXPECT_EQ(begin[10], 1) << row;
   }
   EXPECT_EQ(deal.bands[columns - 1], 8);
+}
+
+TEST(DealOutCells, ExpectsWaterLaterWhereItWouldHaveToClimb) {
+  constexpr int ranks = 8;
+  // The bed rises above the water by 10 cm per square in the lower half of the rows.
+  CellsOfSquares cells = cells_with_water([](int column, int) { return column < 10; });
+  const auto column_of = [](int square) { return square % columns; };
+  const auto is_low = [](int square) { return square / columns < rows / 2; };
+  for (int square = 0; square < squares.count(); ++square) {
+    const int beyond = column_of(square) - 9;
+    if (is_low(square) && beyond > 0) cells.surface[cases::at(square)] = 0.1 * beyond * of_square;
+  }
+  const Deal deal = deal_of(cells, ranks);
+  const auto band = [&](int column, int row) {
+    return deal.bands[cases::at(row * columns + column)];
+  };
+  EXPECT_EQ(band(13, rows - 1), 2);  // four columns of 20 squares are more than a band
+  EXPECT_GT(band(13, 0), 2);
+  EXPECT_LT(band(20, rows - 1), band(20, 0));
+  // The ranks share what comes first evenly.
+  expect_even(
+      counts_of(deal, ranks, [&](int square) { return deal.bands[cases::at(square)] == 1; }));
+}
+
+TEST(DealOutCells, GoesRoundWhatWaterDoesNotClimb) {
+  // A ridge of 10 m with a gap at the upper end.
+  CellsOfSquares cells = cells_with_water([](int column, int) { return column < 10; });
+  for (int row = 0; row < rows - 2; ++row) {
+    cells.surface[cases::at(row * columns + 12)] = 10.0 * of_square;
+  }
+  const Deal deal = deal_of(cells, 8);
+  const auto band = [&](int column, int row) {
+    return deal.bands[cases::at(row * columns + column)];
+  };
+  EXPECT_LT(band(14, rows - 1), band(14, 0));
+}
+
+TEST(DealOutCells, TakesSquaresWithoutCellsForLevel) {
+  CellsOfSquares cells = cells_with_water([](int column, int) { return column < 10; });
+  for (int row = 0; row < rows; ++row) cells.all[cases::at(row * columns + 10)] = 0;
+  const Deal deal = deal_of(cells, 8);
+  EXPECT_EQ(deal.bands[columns * 5 + 11], 1);
+  EXPECT_EQ(deal.bands[columns * 5 + 12], 1);
+  EXPECT_EQ(deal.bands[columns * 5 + 79], 8);
 }
 
 TEST(DealOutCells, LeavesRunsWhereAllIsAlike) {
@@ -100,13 +144,13 @@ TEST(DealOutCells, LeavesRunsWhereAllIsAlike) {
 
 TEST(DealOutCells, IsWorthNothingWhereARankWouldHaveNoCell) {
   const ranks::Squares two({1.0}, {});
-  const CellsOfSquares cells = {{5, 4}, {5, 0}};
+  const CellsOfSquares cells = {{5, 4}, {5, 0}, {0.0, 0.0}};
   const Deal deal = ranks::deal_out_cells(two, two.along_curve(), cells, 3);
   EXPECT_EQ(ranks::imbalance_of(ranks::loads_of(deal, cells, 3)), HUGE_VAL);
 }
 
 TEST(LoadsOf, AreTooManyWhereARankWouldHaveManyTimesTheMean) {
-  const CellsOfSquares cells = {{5, 5, 90, 5, 5}, {5, 5, 0, 5, 5}};
+  const CellsOfSquares cells = {{5, 5, 90, 5, 5}, {5, 5, 0, 5, 5}, {}};
   const Deal even{{0, 1, 2, 3, 4}, {}};
   EXPECT_EQ(ranks::loads_of(even, cells, 5), (std::vector<double>{5, 5, HUGE_VAL, 5, 5}));
 }
