@@ -66,7 +66,7 @@ SharedFile SharedText::open(const utils::SharedPart* part, const std::vector<Ran
 SharedFile SharedText::pass_blocks() {
   std::vector<ranks::Message> sent;
   for (const ranks::FileBlocks::Part& part : blocks_->parts(round_)) {
-    ranks::Message& message = sent.emplace_back(part.writer);
+    ranks::Message& message = sent.emplace_back(ranks::Message{part.writer, {}});
     const std::string_view text = own_.text().substr(part.first, part.count);
     ranks::append_values(message.bytes, std::span(&part.place, 1));
     ranks::append_values(message.bytes, std::span(text));
