@@ -26,10 +26,7 @@ void Balance::add_look(std::span<const engine::Work> of_ranks) {
   lost_ += (last_ - 1.0) * seconds.mean;
 }
 
-bool Balance::is_time() const {
-  constexpr double share_of_cost = 0.5;
-  return last_ > imbalance_to_cure && lost_ > share_of_cost * cost_;
-}
+bool Balance::is_time() const { return last_ > imbalance_to_cure && lost_ > cost_; }
 
 bool Balance::pays(double imbalance_before, double imbalance) {
   constexpr double worth = 0.5;  // of what is lost

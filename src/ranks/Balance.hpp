@@ -20,12 +20,11 @@ struct Uneven {
 };
 
 /// Ranks tell now and then what they have done. All wait for the slowest: what the others lose adds
-/// up, and once it is half of what it costs to move cells, these are moved, if that gains enough.
-/// So but for the first, before the first step, moves never take longer than twice what they are
-/// made for has taken, however the flow goes on. Where the water spreads evenly, waiting and moves
-/// together cost least if each takes as long; at half the waiting they cost 6 % more. What is lost
-/// follows from the cells that ranks compute: times tell as well of machines that differ, and of
-/// what else runs there, which no move would change.
+/// up, and once it is more than it costs to move cells, these are moved, if that gains enough. So
+/// but for the first, before the first step, moves never take longer than what they are made for
+/// has taken, however the flow goes on. What is lost follows from the cells that ranks compute:
+/// times tell as well of machines that differ, and of what else runs there, which no move would
+/// change.
 class Balance {
  public:
   static constexpr int steps_between_looks = 64;

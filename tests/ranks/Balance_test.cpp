@@ -29,15 +29,15 @@ TEST(Balance, LeavesRanksAloneThatAreBusyForAboutAsLong) {
   EXPECT_NEAR(balance.cells().imbalance(), 1.025, 1e-12);
 }
 
-TEST(Balance, IsTimeOnceWaitingHasTakenHalfOfWhatAMoveTakes) {
-  Balance balance(20.0);
+TEST(Balance, IsTimeOnceWaitingHasTakenLongerThanAMoveTakes) {
+  Balance balance(10.0);
   for (int look = 0; look < 3; ++look) {
     balance.add_look(one_works);  // 2.7 s are lost
     EXPECT_FALSE(balance.is_time()) << look;
   }
   balance.add_look(one_works);
   EXPECT_TRUE(balance.is_time());
-  balance.has_moved(10.0);
+  balance.has_moved(5.0);
   EXPECT_FALSE(balance.is_time());
   balance.add_look(one_works);
   EXPECT_FALSE(balance.is_time());
