@@ -24,10 +24,14 @@ ASSUMPTIONS = [
 
 
 class Model:
-    def __init__(self, per_cell, per_step):
+    def __init__(self, per_cell, per_step, neighbours=NEIGHBOURS):
         """Seconds of a cell and step, and of a step of a rank besides."""
         self.per_cell = per_cell
         self.per_step = per_step
+        self.neighbours = neighbours
+
+    def with_neighbours(self, neighbours):
+        return Model(self.per_cell, self.per_step, neighbours)
 
     def step(self, cells, ranks):
         """Seconds of a step of so many cells on so many ranks."""
@@ -39,7 +43,7 @@ class Model:
         patch = min(4096, max(256, n / 32))
         interior = max(0.0, n - PATCHES_AT_BORDER * math.sqrt(n * patch))
         on_the_way = LATENCY + ghosts * BYTES_PER_GHOST / BANDWIDTH
-        return (compute + 2 * NEIGHBOURS * PER_MESSAGE + ghosts * PACKING +
+        return (compute + 2 * self.neighbours * PER_MESSAGE + ghosts * PACKING +
                 max(0.0, on_the_way - self.per_cell * interior) + REDUCTION * math.log2(ranks))
 
     def efficiency(self, cells, ranks):

@@ -5,7 +5,7 @@
 # bench.sh [CELLS...] chooses the mesh sizes; REPEATS=n how often every run is repeated (3).
 # bench.sh scaling [CELLS...] measures how ranks scale instead, and writes docs/scaling.md. It needs
 # MPI. MEMORY_CELLS is the mesh whose memory is measured (10,000,000), STEPS the length of runs on many
-# ranks (6000); QUILLMERE_FLOOD_DATA names the folder of the data of the real flood, which are not in the
+# ranks (3000); QUILLMERE_FLOOD_DATA names the folder of the data of the real flood, which are not in the
 # repository: without it that case is left out.
 # bench.sh device [CELLS...] writes the section on graphics cards alone: whether a card gives the bits of
 # the processor, and its times; without a card what is known without one, with exit status 77.
