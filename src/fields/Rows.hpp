@@ -59,8 +59,8 @@ class RowsOfOthers {
 /// How far a file is that several ranks write.
 struct SharedFile {
   enum class State {
-    waits,       ///< for one of them
-    grows,       ///< they have got something to do
+    waits,       ///< for another one of them
+    grows,       ///< they have got something to do, this one mostly too
     is_refused,  ///< one of them cannot write into it, and nothing is written
     is_over      ///< all is written, or one of them failed
   };

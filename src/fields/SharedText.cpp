@@ -18,7 +18,9 @@ SharedText::SharedText(ranks::Group& group, const Writers& writers, utils::TextB
 SharedFile SharedText::go_on(const utils::SharedPart* part) {
   const std::vector<RankState> states = ranks::gather_all_plain(group_, own_state());
   const auto is_busy = [](const RankState& state) { return state.is_busy; };
-  if (std::any_of(states.begin(), states.end(), is_busy)) return {SharedFile::State::waits};
+  if (std::any_of(states.begin(), states.end(), is_busy)) {
+    return {thread_.is_busy() ? SharedFile::State::grows : SharedFile::State::waits};
+  }
   const auto failed = std::find_if(states.begin(), states.end(),
                                    [](const RankState& state) { return state.error != 0; });
   if (failed != states.end()) {
@@ -37,10 +39,6 @@ SharedText::RankState SharedText::own_state() const {
   return {false, error, own_.text().size()};
 }
 
-bool SharedText::writes() const {
-  return writers_.of_ranks[engine::at(group_.rank())] == group_.rank();
-}
-
 SharedFile SharedText::open(const utils::SharedPart* part, const std::vector<RankState>& states) {
   utils::SharedPart told;
   if (part != nullptr) {
@@ -54,7 +52,7 @@ SharedFile SharedText::open(const utils::SharedPart* part, const std::vector<Ran
   blocks_.emplace(group_.rank(), bytes, writers_.of_ranks, writers_.request);
   round_ = 0;
   stage_ = Stage::opening;
-  if (writes()) {
+  if (blocks_->has_blocks()) {
     thread_.hand_over([this, told] {
       error_ = utils::open_shared(told, file_);
       return true;
@@ -74,7 +72,7 @@ SharedFile SharedText::pass_blocks() {
   std::vector<ranks::Message> received = group_.send_to_some(std::move(sent));
   const bool is_last = ++round_ == blocks_->rounds();
   if (is_last) own_ = {};
-  if (writes()) {
+  if (blocks_->has_blocks()) {
     thread_.hand_over([this, is_last, parts = std::move(received)] {
       write(parts);
       if (is_last) finish();

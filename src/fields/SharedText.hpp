@@ -41,7 +41,6 @@ class SharedText {
   };
 
   RankState own_state() const;
-  bool writes() const;
   SharedFile open(const utils::SharedPart* part, const std::vector<RankState>& states);
   SharedFile pass_blocks();
   /// In the thread: the parts of some blocks, by ascending ranks, each behind its place in the

@@ -36,6 +36,7 @@ FileBlocks::FileBlocks(int rank, const std::vector<std::uint64_t>& bytes,
     blocks += count;
     bytes_ = end;
   }
+  has_blocks_ = blocks_of[at(rank)] > 0;
   for (const std::uint64_t blocks : blocks_of) {
     rounds_ = std::max(rounds_, (blocks + blocks_at_once_ - 1) / blocks_at_once_);
   }

@@ -19,6 +19,8 @@ class FileBlocks {
   /// Of the whole file.
   std::uint64_t bytes() const { return bytes_; }
   std::uint64_t rounds() const { return rounds_; }
+  /// Whether the rank writes any.
+  bool has_blocks() const { return has_blocks_; }
 
   /// A part of the text of the rank.
   struct Part {
@@ -39,6 +41,7 @@ class FileBlocks {
 
   std::uint64_t block_, blocks_at_once_;
   std::uint64_t bytes_ = 0, rounds_ = 0;
+  bool has_blocks_ = false;
   std::uint64_t begin_ = 0, end_ = 0;  ///< of the text of the rank, in the file
   std::vector<Run> runs_;              ///< of different writers
 };
