@@ -436,8 +436,8 @@ TEST_F(MpiRuns, GoOnFromACheckpointOnAnotherNumberOfRanks) {
 TEST_F(LongMpiRun, EndsAfterItsStepWhenMpiexecIsAsked) {
   const auto program = start(3, {"--checkpoint", "kept"});
   program->send(SIGTERM);
-  const RunResult result = program->wait();
-  EXPECT_NE(result.status, 0);
+  const RunResult result = program->wait();  // the status is mpiexec's own: MPICH's is 0 at times
+  EXPECT_FALSE(result.timed_out);
   EXPECT_TRUE(comes_true([&] { return !has_left_processes(); }));
   EXPECT_EQ(occurrences(folder.read("log.txt"), "Simulation interrupted at t = "), 1);
   expect_whole_results();
