@@ -18,7 +18,7 @@ namespace fields {
 struct SavedCells {
   engine::State state;
   engine::SavedNotes notes;         ///< of steps that are watched
-  std::vector<double> infiltrated;  ///< at the last look, see Looks, m
+  std::vector<double> infiltrated;  ///< at the last look, see PartLooks, m
 };
 
 /// Calls visit(column) for all columns, in the order in which they stand in a row: those of the

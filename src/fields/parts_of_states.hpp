@@ -1,7 +1,6 @@
 // States and notes of some of the cells that others hold.
 #pragma once
 
-#include <span>
 #include <vector>
 
 #include "case/entries_of.hpp"

@@ -27,7 +27,8 @@ class Squares {
   int at_point(double x, double y) const {
     return place(y, y_lines_) * columns() + place(x, x_lines_);
   }
-  /// Between the lines around it, m; one at the rim is taken to be as wide as the one before.
+  /// Between the lines around it, m; one at the rim is taken to be as wide as the one before, or a
+  /// metre where there is but one line.
   physics::PlanPoint center(int square) const {
     return {middle(square % columns(), x_lines_), middle(square / columns(), y_lines_)};
   }

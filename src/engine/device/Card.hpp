@@ -208,9 +208,13 @@ class CardParcel {
     taken_.wait();
     return {values_, size_};
   }
-  /// Gives all to an array of this size, before what is launched from now on; until that is done,
-  /// nothing may change here. Returns at once.
+  /// Gives all to an array of this size, or throws std::logic_error; before what is launched from
+  /// now on, and until that is done, nothing may change here. Returns at once.
   void start_away(CardArray<double>& values) const {
+    if (values.size() != size_) {
+      throw std::logic_error("a parcel of " + std::to_string(size_) +
+                             " numbers goes to an array of " + std::to_string(values.size()));
+    }
     copy(values.data(), values_, cudaMemcpyHostToDevice);
   }
 

@@ -23,7 +23,7 @@ class DeviceSteps : public Backend {
   /// The states after it of the cells that are ghosts of others, when they are there; the other
   /// cells may still be under way.
   virtual PackedHalo packed_halo() = 0;
-  /// Ends it: the notes hold what patches tell for StepNotes::sum_up, and the tables the level of
+  /// Ends it: the notes hold what patches tell for StepNotes::of_step, and the tables the level of
   /// the bed where a level is imposed. The smallest stable step of the cells, s.
   virtual double finish_step() = 0;
   /// Takes those of the ghosts, which have been received, and whether the tables still have a given
