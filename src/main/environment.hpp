@@ -20,13 +20,19 @@ inline int count_of_environment(const std::string& name) {
                            utils::quoted_start(text) + ".");
 }
 
-/// Of QUILLMERE_WRITERS and, in KiB, QUILLMERE_WRITERS_BLOCK.
+/// Of QUILLMERE_WRITERS and, in KiB, QUILLMERE_WRITERS_BLOCK: whole pages of any machine, since two
+/// that write into one page of a file over a network may undo what the other wrote.
 inline ranks::WritersRequest writers_of_environment() {
-  constexpr std::uint64_t kib = 1024;
+  constexpr int kib = 1024, page = 64, most = 1024 * 1024;
   ranks::WritersRequest request;
   request.count = count_of_environment("QUILLMERE_WRITERS");
   const int block = count_of_environment("QUILLMERE_WRITERS_BLOCK");
-  if (block > 0) request.block = kib * static_cast<std::uint64_t>(block);
+  if (block % page != 0 || block > most) {
+    throw std::runtime_error("Error. QUILLMERE_WRITERS_BLOCK needs a multiple of " +
+                             std::to_string(page) + " up to " + std::to_string(most) + ", found " +
+                             std::to_string(block) + ".");
+  }
+  if (block > 0) request.block = std::uint64_t{kib} * static_cast<std::uint64_t>(block);
   return request;
 }
 

@@ -129,7 +129,7 @@ class MpiRunsWithWriters : public MpiRuns {
  protected:
   MpiRunsWithWriters() {
     setenv("QUILLMERE_WRITERS", "2", 1);
-    setenv("QUILLMERE_WRITERS_BLOCK", "1", 1);
+    setenv("QUILLMERE_WRITERS_BLOCK", "64", 1);
   }
   ~MpiRunsWithWriters() override {
     unsetenv("QUILLMERE_WRITERS");
@@ -293,14 +293,18 @@ TEST_F(MpiRuns, SayWhatIsWrongOnceAndEndWithTheStatusOfOneProcess) {
 TEST_F(MpiRunsWithWriters, LeaveTheFilesOfOneProcess) {
   for (const Asked& asked : {everything, Asked{}}) {
     expect_the_files_of_one_process(
-        [](const TemporaryFolder& folder) { test_restart::water_case().write(folder); }, {2, 4},
-        asked);
+        [](const TemporaryFolder& folder) {
+          Case c = support::full_case(90, 60);  // tables of several blocks
+          c.set_times(0.0, 0.2);
+          c.write(folder);
+        },
+        {2, 4}, asked);
   }
 }
 
 TEST_F(MpiRunsWithWriters, EndOnAllRanksWhereOneOfThemFindsNoRoom) {
-  Case c = support::full_case(30, 20);
-  c.set_times(0.0, 1000.0);  // far more than is computed
+  Case c = support::full_case(90, 60);  // tables of several blocks
+  c.set_times(0.0, 1000.0);             // far more than is computed
   for (const int rank : {0, 2}) {
     const TemporaryFolder folder;
     c.write(folder);
@@ -320,16 +324,22 @@ TEST_F(MpiRunsWithWriters, EndOnAllRanksWhereOneOfThemFindsNoRoom) {
   }
 }
 
-TEST_F(MpiRunsWithWriters, AreANumberAboveZero) {
-  setenv("QUILLMERE_WRITERS", "some", 1);
+TEST_F(MpiRunsWithWriters, AreANumberAboveZeroAndTheirBlocksWholePages) {
   const TemporaryFolder folder;
   Case().write(folder);
-  const RunResult result = on(2, folder);
-  EXPECT_EQ(result.status, 255);
-  EXPECT_EQ(occurrences(result.err,
-                        "Error. QUILLMERE_WRITERS needs a whole number above 0, found \"some\"."),
-            1)
-      << result.err;
+  const auto expect_error = [&](const std::string& error) {
+    const RunResult result = on(2, folder);
+    EXPECT_EQ(result.status, 255);
+    EXPECT_EQ(occurrences(result.err, error), 1) << result.err;
+  };
+  for (const char* const block : {"65", "1048640"}) {
+    setenv("QUILLMERE_WRITERS_BLOCK", block, 1);
+    expect_error(
+        std::string("Error. QUILLMERE_WRITERS_BLOCK needs a multiple of 64 up to 1048576, found ") +
+        block + ".");
+  }
+  setenv("QUILLMERE_WRITERS", "some", 1);
+  expect_error("Error. QUILLMERE_WRITERS needs a whole number above 0, found \"some\".");
 }
 
 TEST_F(MpiRuns, AreNoMatterOfTheProgramForOneProcess) {
