@@ -374,6 +374,9 @@ TEST_F(SharedCaseTest, LeavesTheRanksReadyWhereItIsRefused) {
 }
 
 TEST_F(SharedCaseTest, GivesTheObjectsAllOfItsMeshWhereTheTablesHaveNoRoom) {
+#ifdef QUILLMERE_SANITIZED
+  GTEST_SKIP() << "all edges ask for the centre of a cell of 66,000 nodes, which takes minutes";
+#endif
   const support::RunGlobals globals(1e-3);  // objects set them
   cases::Case contents;
   contents.mesh = support::polygon_mesh(66000);
