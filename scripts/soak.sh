@@ -19,7 +19,9 @@ while [ "$#" -gt 0 ]; do
   esac
 done
 
-scripts/install_dependencies.sh build test clang
+groups=(build test)
+[[ " ${presets[*]} " != *" asan "* ]] || groups+=(clang)
+scripts/install_dependencies.sh "${groups[@]}"
 [ ! -w /dev/shm ] || export TMPDIR=/dev/shm  # tens of thousands of small files are written
 for preset in "${presets[@]}"; do
   cmake --preset "$preset" >/dev/null

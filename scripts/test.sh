@@ -14,7 +14,9 @@ for option in "$@"; do
   esac
 done
 
-scripts/install_dependencies.sh build tools python test clang
+groups=(build tools python test)
+[ "${#sanitizers[@]}" -eq 0 ] || groups+=(clang)
+scripts/install_dependencies.sh "${groups[@]}"
 scripts/install_dependencies.sh browser || echo "No pictures of reports: there is no Chromium here."
 for preset in release "${sanitizers[@]}"; do
   echo "== $preset"
