@@ -93,7 +93,7 @@ class ByteWriter {
   template <class... Kinds>
   void write(const std::variant<Kinds...>& value) const {
     write(static_cast<std::uint8_t>(value.index()));
-    std::visit([this](const auto& held) { write(held); }, value);
+    std::visit([this](const auto& held) { this->write(held); }, value);
   }
 
   ByteSink& sink_;
