@@ -212,8 +212,9 @@ Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int
   Patches patches = Builder(mesh, place, owned, cells_per_patch, team).build();
   if (slots_fit(patches)) return patches;
   // Cells of very many sides: smaller patches until their slots can be numbered.
-  if (cells_per_patch > 64) {
-    return make_patches(mesh, place, owned, cells_per_patch / 128 * 64, team);
+  if (cells_per_patch > cells_of_shortest) {
+    const int half = cells_per_patch / (2 * cells_of_shortest) * cells_of_shortest;
+    return make_patches(mesh, place, owned, half, team);
   }
   throw std::length_error("Error. The edges of " + std::to_string(cells_per_patch) +
                           " cells are more than the tables can number.");

@@ -77,10 +77,10 @@ inline constexpr int most_cells_per_patch = 4096;
 /// of a cache line of doubles, so that no two threads write to one.
 int cells_per_patch_for(std::int64_t cells, int threads);
 
-/// Cuts cells of a mesh into patches of a number of cells, which is a multiple of 64; of fewer
-/// where their edges cannot be numbered. `place` is where each cell of the mesh stands: below
-/// `owned` those that the patches hold, then their ghosts. Throws std::length_error
-/// where a few cells have more edges than kernels::Local can number.
+/// Cuts cells of a mesh into patches of a number of cells, which is a multiple of
+/// cells_of_shortest; of fewer where their edges cannot be numbered. `place` is where each cell of
+/// the mesh stands: below `owned` those that the patches hold, then their ghosts. Throws
+/// std::length_error where a few cells have more edges than kernels::Local can number.
 Patches make_patches(const cases::Mesh& mesh, const std::vector<int>& place, int owned,
                      int cells_per_patch, ThreadTeam& team);
 

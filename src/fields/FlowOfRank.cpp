@@ -28,11 +28,10 @@ namespace {
 /// of them would be some percent faster in larger patches.
 int cells_per_patch_for(const RanksPlan& plan, int ranks, const cases::Part& part) {
   if (plan.processor.device != engine::Device::none) return 0;  // has its own
-  constexpr int patches = 32, fewest_in_bands = 64, fewest = 256;
-  constexpr int grain = engine::cells_of_shortest;
+  constexpr int patches = 32, fewest = 256, grain = engine::cells_of_shortest;
   const std::int64_t cells = part.owned;
   return std::min(engine::cells_per_patch_for(cells * ranks, plan.threads * ranks),
-                  std::max(part.band.empty() ? fewest : fewest_in_bands,
+                  std::max(part.band.empty() ? fewest : grain,
                            static_cast<int>(cells / patches / grain * grain)));
 }
 

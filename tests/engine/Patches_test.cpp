@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "case/boundary_kinds.hpp"
+#include "engine/runs.hpp"
 #include "support/polygon_mesh.hpp"
 #include "support/strip_mesh.hpp"
 
@@ -29,7 +30,7 @@ TEST(CellsPerPatch, AreNeverMoreThanTheTablesOfASchemeBear) {
     for (int cells = 1; cells < 20'000'000; cells += 1 + cells / 1000) {
       const int in_patch = engine::cells_per_patch_for(cells, threads);
       ASSERT_LE(in_patch, engine::most_cells_per_patch) << cells << " cells, " << threads;
-      ASSERT_EQ(in_patch % 64, 0) << cells << " cells, " << threads;
+      ASSERT_EQ(in_patch % engine::cells_of_shortest, 0) << cells << " cells, " << threads;
     }
   }
   EXPECT_LE(engine::cells_per_patch_for(3'000'024, 1), engine::most_cells_per_patch);
