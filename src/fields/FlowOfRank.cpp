@@ -305,10 +305,9 @@ namespace {
 
 bool go_on_with(std::unique_ptr<FlowOfRank>& flow, const std::vector<int>& owners,
                 const ranks::Deal& deal, const RanksPlan& plan, ranks::Group& group) {
-  std::optional<ranks::Share> share = ranks::share_anew(group, flow->part(), owners);
-  if (!share) return false;
-  flow->set_bands(deal, share->part);
-  auto next = std::make_unique<FlowOfRank>(std::move(*share), plan, group, &flow->start());
+  ranks::Share share = ranks::share_anew(group, flow->part(), owners);
+  flow->set_bands(deal, share.part);
+  auto next = std::make_unique<FlowOfRank>(std::move(share), plan, group, &flow->start());
   if (next->start().outcome != Outcome::good) return false;
   flow->move_to(*next, owners);
   flow = std::move(next);

@@ -63,7 +63,7 @@ class FlowOfRank {
  public:
   /// Of the share of this rank. The group must outlive it. Where any rank could not start there is
   /// no flow on any, see start(). `before`: the start of the flow that goes on in this one, which
-  /// tells all, threads too, but whether the ranks could start again.
+  /// tells all but whether the ranks could start again.
   FlowOfRank(ranks::Share share, const RanksPlan& plan, ranks::Group& group,
              const RankStart* before = nullptr);
   FlowOfRank(const FlowOfRank&) = delete;

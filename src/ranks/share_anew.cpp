@@ -1,8 +1,6 @@
 #include "ranks/share_anew.hpp"
 
-#include <algorithm>
 #include <map>
-#include <new>
 #include <utility>
 
 #include "case/entries_of.hpp"
@@ -101,30 +99,12 @@ Share share_of_parts(int rank, const cases::Part& part, const std::vector<int>& 
   return share;
 }
 
-/// Whether all ranks could do what takes memory.
-template <class Do>
-bool all_can(Group& group, const Do& do_it) {
-  char can = 1;
-  try {
-    do_it();
-  } catch (const std::bad_alloc&) {
-    can = 0;
-  }
-  const std::vector<char> all = gather_all_plain(group, can);
-  return std::find(all.begin(), all.end(), 0) == all.end();
-}
-
 }  // namespace
 
-std::optional<Share> share_anew(Group& group, const cases::Part& part,
-                                const std::vector<int>& owners) {
+Share share_anew(Group& group, const cases::Part& part, const std::vector<int>& owners) {
   const int rank = group.rank();
-  MovingParts sent;
-  if (!all_can(group, [&] { sent = parts_for_others(rank, part, owners); })) return {};
-  const ReceivedParts came = exchange_values(group, std::move(sent));
-  std::optional<Share> share;
-  if (!all_can(group, [&] { share = share_of_parts(rank, part, owners, came); })) return {};
-  return share;
+  const ReceivedParts came = exchange_values(group, parts_for_others(rank, part, owners));
+  return share_of_parts(rank, part, owners, came);
 }
 
 }  // namespace ranks

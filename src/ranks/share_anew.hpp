@@ -2,7 +2,6 @@
 // those who need it.
 #pragma once
 
-#include <optional>
 #include <vector>
 
 #include "ranks/Group.hpp"
@@ -13,8 +12,7 @@ namespace ranks {
 /// The share of this rank once the cells belong to others, as share_of() would make it of the whole
 /// case, but edges between two ghosts of the last ring may be missing. `part`: what the rank has
 /// now; `owners`: to whom its cells belong then, ghosts included. What stays with a rank does not
-/// travel. None on any rank where a rank lacks the memory. Called by all ranks.
-std::optional<Share> share_anew(Group& group, const cases::Part& part,
-                                const std::vector<int>& owners);
+/// travel. Called by all ranks.
+Share share_anew(Group& group, const cases::Part& part, const std::vector<int>& owners);
 
 }  // namespace ranks
