@@ -66,6 +66,9 @@ TEST(HllWalk, ALakeStaysAtRestBetweenLevelsImposedAtItsOwn) {
 }
 
 TEST(HllWalk, ADisturbanceDoesNotGrowBesideAnImposedDischargeOnTrianglesOfAnyShape) {
+#ifdef QUILLMERE_SANITIZED
+  GTEST_SKIP() << "shorter tests run the same code";
+#endif
   for (unsigned seed = 1; seed <= 30; ++seed) {
     TriangleGrid grid;
     grid.nx = 4;
@@ -174,6 +177,9 @@ TEST(HllWalk, UniformFlowStaysUniformUpToItsOpenEnds) {
 }
 
 TEST(HllWalk, ASteepValleyDrainsWithoutADepthBelowZeroOrASpeedBeyondItsHead) {
+#ifdef QUILLMERE_SANITIZED
+  GTEST_SKIP() << "shorter tests run the same code";
+#endif
   for (const Scheme scheme : both_schemes) {
     TriangleGrid grid;
     grid.nx = 30;

@@ -79,6 +79,9 @@ TEST(SinkingChannel, HasTheKnownProfile) {
 
 // The inflow brings no sediment, so the bed scours there; the scour has not reached 40 m by then.
 TEST(SinkingChannel, TheErrorFallsWithTheMeshAwayFromTheInflow) {
+#ifdef QUILLMERE_SANITIZED
+  GTEST_SKIP() << "shorter tests run the same code";
+#endif
   const double t_end = 900.0;
   const double sunk = SinkingChannel::sunk(t_end);
   Errors coarser{};
